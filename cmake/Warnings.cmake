@@ -1,0 +1,16 @@
+# How everything here is compiled.
+add_library(kel_options INTERFACE)
+target_compile_features(kel_options INTERFACE cxx_std_20)
+set(CMAKE_CXX_EXTENSIONS OFF)
+target_compile_options(kel_options INTERFACE -Wall -Wextra -Wconversion -Wshadow -Werror)
+if(KEL_SANITIZE)
+    target_compile_options(kel_options INTERFACE -fsanitize=${KEL_SANITIZE} -fno-omit-frame-pointer
+                           -fno-sanitize-recover=all)
+    target_link_options(kel_options INTERFACE -fsanitize=${KEL_SANITIZE})
+endif()
+if(KEL_COVERAGE)
+    target_compile_options(kel_options INTERFACE --coverage)
+    target_link_options(kel_options INTERFACE --coverage)
+endif()
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)

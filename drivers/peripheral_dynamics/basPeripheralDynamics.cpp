@@ -1,0 +1,264 @@
+#include "drivers/peripheral_dynamics/basPeripheralDynamics.h"
+
+#include "drivers/common/Dialogue.h"
+#include "drivers/peripheral_dynamics/HalfRow.h"
+#include "failure/basError.h"
+#include "failure/guarded.h"
+#include "platform/Platform.h"
+#include "types/Text.h"
+
+namespace kel {
+
+namespace {
+
+constexpr const char* kInitReader = "KELReader81 - basPeripheralDynamics.InitReaderPD";
+constexpr const char* kCloseReader = "KELReader81 - basPeripheralDynamics.CloseReaderPD";
+constexpr const char* kSetRecThreshold = "KELReader81 - basPeripheralDynamics.SetRecThresholdPD";
+constexpr const char* kCheckStatus = "KELReader81 - basPeripheralDynamics.CheckStatusPD";
+constexpr const char* kReadPage = "KELReader81 - basPeripheralDynamics.ReadPagePD";
+constexpr const char* kRejectPage = "KELReader81 - basPeripheralDynamics.RejectPagePD";
+constexpr const char* kEjectPage = "KELReader81 - basPeripheralDynamics.EjectPagePD";
+
+constexpr TextNumber kThresholdTitle = 350;
+constexpr TextNumber kStatusTitle = 356;
+constexpr TextNumber kReadTitle = 196;
+
+// Status byte 1
+constexpr Int16 kSheetUnderWay = 0x20;
+constexpr Int16 kWantsD = 0x10;
+constexpr Int16 kWantsG = 0x04;
+// Status byte 2
+constexpr Int16 kWantsE = 0x08;
+
+struct StatusFault {
+    Int16 bit;
+    TextNumber message;
+};
+
+// Only the first that is set is reported.
+constexpr StatusFault kStatusFaults[] = {{0x02, 358}, {0x01, 360}, {0x40, 362}};
+
+constexpr Byte kPageStart = 0x0A;
+constexpr Byte kPageEnd = 0x0D;
+
+constexpr Int32 kMostRows = 500;
+constexpr Int32 kColumns = 14;
+constexpr Int32 kLeftHalf = 1;
+constexpr Int32 kRightHalf = 7;
+
+/// Waits up to a second for the first character of a reply unless all of it is there already. The interval of one
+/// second stays in the timer, and the stop flag is not looked at.
+bool replyComes(ReaderContract& oReader, Int32 characters)
+{
+    if (oReader.fComm().mscComm().InBufferCount() >= characters)
+        return true;
+    oReader.fComm().tmrScan().Interval(1000);
+    return waitForReply(oReader, {.cancellable = false}) == Wait::Reply;
+}
+
+Int16 takeCode(ReaderContract& oReader)
+{
+    return Asc(oReader.fComm().mscComm().Input());
+}
+
+/// One step of the reader's threshold, whose reply nobody looks at.
+void stepThreshold(ReaderContract& oReader, const char* command, Int32 lSleepTime)
+{
+    oReader.fComm().mscComm().Output(command);
+    drainInput(oReader);
+    Sleep(lSleepTime);
+}
+
+void reportRowOverrun(ReaderContract& oReader)
+{
+    std::string sText = VBLM_RTString(TextNumber(364));
+    sText.append(kLineEnd).append(kLineEnd).append("\t");
+    sText += VBLM_RTString(TextNumber(366)) + CStr(oReader.SleepTime());
+    reportReaderFault(kReadPage, sText, VBLM_RTString(kReadTitle));
+}
+
+} // namespace
+
+Boolean InitReaderPD(ReaderContract& oReader)
+{
+    Boolean bResult = False;
+    guarded(kInitReader, [&] {
+        oReader.fComm().mscComm().InputLen(1);
+        drainInput(oReader);
+        oReader.fComm().mscComm().Output("0");
+        Sleep(500);
+
+        Int16 iStatusByte1 = 0;
+        Int16 iStatusByte2 = 0;
+        if (!CheckStatusPD(oReader, iStatusByte1, iStatusByte2))
+            return;
+        if (iStatusByte1 & kWantsD)
+            oReader.fComm().mscComm().Output("D");
+        if (iStatusByte1 & kWantsG)
+            oReader.fComm().mscComm().Output("G");
+        if (iStatusByte2 & kWantsE) {
+            Sleep(checkedMultiply(oReader.SleepTime(), 2));
+            oReader.fComm().mscComm().Output("E");
+            Sleep(checkedMultiply(oReader.SleepTime(), 2));
+        }
+        drainInput(oReader);
+        bResult = SetRecThresholdPD(oReader, oReader.SleepTime());
+    });
+    return bResult;
+}
+
+void CloseReaderPD(ReaderContract& oReader)
+{
+    guarded(kCloseReader, [&] { oReader.fComm().mscComm().Output("9"); });
+}
+
+Boolean SetRecThresholdPD(ReaderContract& oReader, Int32 lSleepTime)
+{
+    Boolean bResult = False;
+    guarded(kSetRecThreshold, [&] {
+        Sleep(checkedMultiply(lSleepTime, 5));
+        oReader.fComm().mscComm().Output("+");
+        Sleep(checkedMultiply(lSleepTime, 5));
+        if (!replyComes(oReader, 2)) {
+            reportReaderFault(kSetRecThreshold, 348, kThresholdTitle);
+            return;
+        }
+
+        const Int16 iHigh = thresholdHighDigitPD(oReader.fComm().mscComm().Input());
+        if (iHigh < 0) {
+            reportReaderFault(kSetRecThreshold, 352, kThresholdTitle);
+            return;
+        }
+        const Int16 iLow = thresholdLowDigitPD(oReader.fComm().mscComm().Input());
+        if (iLow < 0) {
+            reportReaderFault(kSetRecThreshold, 352, kThresholdTitle);
+            return;
+        }
+        drainInput(oReader);
+
+        // "-" raises the reader's value and "+" lowers it.
+        const Int16 iCurrentThreshold = checkedAdd(iHigh, iLow);
+        const Int16 iDifference = checkedSubtract(oReader.RecognitionThreshold(), iCurrentThreshold);
+        for (Int16 iStep = 0; iStep < iDifference; ++iStep)
+            stepThreshold(oReader, "-", lSleepTime);
+        for (Int16 iStep = 0; iStep > iDifference; --iStep)
+            stepThreshold(oReader, "+", lSleepTime);
+
+        drainInput(oReader);
+        bResult = True;
+    });
+    return bResult;
+}
+
+Boolean CheckStatusPD(ReaderContract& oReader, Int16& iStatusByte1, Int16& iStatusByte2)
+{
+    Boolean bResult = False;
+    guarded(kCheckStatus, [&] {
+        drainInput(oReader);
+        Sleep(checkedMultiply(oReader.SleepTime(), 5));
+        oReader.fComm().mscComm().Output("Q");
+        Sleep(checkedMultiply(oReader.SleepTime(), 5));
+        if (!replyComes(oReader, 3)) {
+            reportReaderFault(kCheckStatus, 354, kStatusTitle);
+            return;
+        }
+
+        static_cast<void>(oReader.fComm().mscComm().Input());
+        iStatusByte1 = takeCode(oReader);
+        iStatusByte2 = takeCode(oReader);
+        for (const StatusFault& fault : kStatusFaults) {
+            if (iStatusByte1 & fault.bit) {
+                reportReaderFault(kCheckStatus, fault.message, kStatusTitle);
+                EjectPagePD(oReader);
+                return;
+            }
+        }
+        bResult = True;
+    });
+    return bResult;
+}
+
+Boolean ReadPagePD(ReaderContract& oReader)
+{
+    Boolean bResult = False;
+    Int16 iRow = 0;
+    const auto read = [&] {
+        drainInput(oReader);
+        oReader.fComm().mscComm().InputLen(1);
+        const Int16 iThreshold = checkedAdd(oReader.RecognitionThreshold(), 1);
+        iRow = 1;
+        bool bFirstByte = true;
+        bool bRightByte = false;
+        bool bPageRead = false;
+        MarkArray iSide1Arr(kMostRows, kColumns);
+
+        Int16 iStatusByte1 = 0;
+        Int16 iStatusByte2 = 0;
+        if (!CheckStatusPD(oReader, iStatusByte1, iStatusByte2))
+            return;
+        if (!(iStatusByte1 & kSheetUnderWay)) {
+            oReader.fComm().mscComm().Output("8");
+            Sleep(checkedMultiply(oReader.SleepTime(), 5));
+        }
+
+        // The reader may wait for a sheet as long as it likes: only the stop flag ends this.
+        while (!bPageRead) {
+            DoEvents();
+            if (oReader.CancelScan())
+                return;
+            if (oReader.fComm().mscComm().InBufferCount() == 0)
+                continue;
+            const Byte iTemp = takeByte(oReader);
+            if (iTemp == kPageEnd && oReader.fComm().mscComm().InBufferCount() == 0) {
+                bPageRead = true;
+            } else if (bFirstByte) {
+                // The number of rows is not announced: it follows from what has arrived after this pause.
+                Sleep(checkedMultiply(oReader.SleepTime(), 5));
+                if (iTemp == kPageStart) {
+                    iRow = CInt((oReader.fComm().mscComm().InBufferCount() - 1) / 2.0);
+                    oReader.Side1TimingMarks(iRow);
+                    bFirstByte = false;
+                }
+            } else if (bRightByte) {
+                setHalfRowPD(iSide1Arr, iRow, kRightHalf, iTemp, iThreshold);
+                bRightByte = false;
+                iRow = checkedSubtract(iRow, 1);
+            } else {
+                setHalfRowPD(iSide1Arr, iRow, kLeftHalf, iTemp, iThreshold);
+                bRightByte = true;
+            }
+        }
+        oReader.fComm().mscComm().Output("9");
+        Sleep(checkedMultiply(oReader.SleepTime(), 5));
+        oReader.Side1Array(iSide1Arr);
+        bResult = True;
+    };
+    guarded(kReadPage, read, [&](const RuntimeFailure&) {
+        // More row bytes than the count taken at the start byte: row 0 is refused. Whatever else fails while no row
+        // is under way is told in the same words.
+        if (iRow != 0)
+            return false;
+        reportRowOverrun(oReader);
+        EjectPagePD(oReader);
+        return true;
+    });
+    return bResult;
+}
+
+void RejectPagePD(ReaderContract& oReader)
+{
+    guarded(kRejectPage, [&] {
+        oReader.fComm().mscComm().Output("3");
+        Sleep(1000);
+    });
+}
+
+void EjectPagePD(ReaderContract& oReader)
+{
+    guarded(kEjectPage, [&] {
+        oReader.fComm().mscComm().Output("4");
+        Sleep(100);
+    });
+}
+
+} // namespace kel

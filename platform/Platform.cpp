@@ -1,0 +1,44 @@
+#include "platform/Platform.h"
+
+#include <atomic>
+#include <stdexcept>
+
+namespace kel {
+
+namespace {
+
+std::atomic<PlatformFactory> factoryInUse{nullptr};
+thread_local Platform* current = nullptr;
+thread_local std::unique_ptr<Platform> own;
+
+} // namespace
+
+void setPlatformFactory(PlatformFactory factory)
+{
+    factoryInUse = factory;
+}
+
+Platform& platform()
+{
+    if (current)
+        return *current;
+    if (!own) {
+        const PlatformFactory factory = factoryInUse;
+        if (!factory)
+            throw std::logic_error("no platform: neither start-up nor a scope has installed one");
+        own = factory();
+    }
+    return *own;
+}
+
+PlatformScope::PlatformScope(Platform& platform) : previous_(current)
+{
+    current = &platform;
+}
+
+PlatformScope::~PlatformScope()
+{
+    current = previous_;
+}
+
+} // namespace kel

@@ -1,0 +1,198 @@
+#pragma once
+
+#include "profiles/clsKELReaderProfiles.h"
+#include "reader/AnswerKeyObject.h"
+#include "reader/ReaderEvents.h"
+#include "reader/clsKELReaderBarcodes.h"
+#include "reader/clsKELReaderPrinter.h"
+#include "reader/clsKELReaderWindows.h"
+
+#include "failure/ErrorReport.h"
+#include "platform/Carrier.h"
+#include "types/Export.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+namespace kel {
+
+class ReaderSession;
+
+/// One optical mark reader: its settings, the description of the form, and the session.
+///
+/// The usual order: create; `LoadDefaults`; set windows, barcode zones and printer values; `SetError` if the host has
+/// an error object; `StartReader`; `ReadPage` repeatedly, or `ReadBatch` alone, which starts and ends by itself;
+/// `EndReader`.
+///
+/// Everything runs on the thread of the caller. A wait lets the host's events run (`hostPump`), and that is how a
+/// host stops it: through `CancelScan`. No method throws for a failure of the reader: a failure is reported to the
+/// error object or in a message box, and the method returns False, or ends, with what it had done by then.
+/// No property checks its value: what does not fit is refused where it is used.
+class KEL_PUBLIC clsKELReader {
+public:
+    clsKELReader();
+    /// The host is to call `EndReader` first; an open line is dropped with the object.
+    ~clsKELReader();
+    clsKELReader(const clsKELReader&) = delete;
+    clsKELReader& operator=(const clsKELReader&) = delete;
+
+    // --- Objects. Any may be replaced, by nothing too.
+
+    /// Barcode zones of the form.
+    [[nodiscard]] Reference<clsKELReaderBarcodes> Barcodes() const;
+    void Barcodes(Reference<clsKELReaderBarcodes> value);
+    /// Read windows of the form.
+    [[nodiscard]] Reference<clsKELReaderWindows> Windows() const;
+    void Windows(Reference<clsKELReaderWindows> value);
+    /// What each model can do, with its defaults.
+    [[nodiscard]] Reference<clsKELReaderProfiles> Profiles() const;
+    void Profiles(Reference<clsKELReaderProfiles> value);
+    /// What is to be printed on a sheet.
+    [[nodiscard]] Reference<clsKELReaderPrinter> Printer() const;
+    void Printer(Reference<clsKELReaderPrinter> value);
+    /// The carrier of the serial control and the timer. A host may put its own in its place.
+    [[nodiscard]] Reference<Carrier> fComm() const;
+    void fComm(Reference<Carrier> value);
+    /// The answer key for readers that can store one; taken away by `EndReader`.
+    [[nodiscard]] Reference<AnswerKeyObject> AnswerKey() const;
+    void AnswerKey(Reference<AnswerKeyObject> value);
+
+    // --- Help
+
+    /// A help context number. An index out of bounds is failure 9.
+    [[nodiscard]] Int32 HelpID(kelReaderHelpID eHelpIDType) const;
+    void HelpID(kelReaderHelpID eHelpIDType, Int32 value);
+    /// The help file of the whole process.
+    [[nodiscard]] std::string HelpFile() const;
+    void HelpFile(const std::string& value);
+
+    // --- Settings
+
+    /// Grading in the reader; read by the OpScan and Apperson drivers.
+    [[nodiscard]] Boolean ReaderGrade() const;
+    void ReaderGrade(Boolean value);
+    /// Line speed in baud. Any number is taken and goes to the line as it stands.
+    [[nodiscard]] kelReaderBaudRate BaudRate() const;
+    void BaudRate(kelReaderBaudRate value);
+    /// Base of all fixed pauses of the serial dialogues, in milliseconds. A slow reader is cured by raising it.
+    [[nodiscard]] Int32 SleepTime() const;
+    void SleepTime(Int32 value);
+    /// Data bits of the line.
+    [[nodiscard]] kelReaderDataBits DataBits() const;
+    void DataBits(kelReaderDataBits value);
+    /// Read both sides.
+    [[nodiscard]] Boolean Duplex() const;
+    void Duplex(Boolean value);
+    /// The form itself is two-sided.
+    [[nodiscard]] Boolean DuplexForm() const;
+    void DuplexForm(Boolean value);
+    /// Read barcodes.
+    [[nodiscard]] Boolean Barcode() const;
+    void Barcode(Boolean value);
+    /// Use the sheet feeder.
+    [[nodiscard]] Boolean Feeder() const;
+    void Feeder(Boolean value);
+    /// Handshaking of the line.
+    [[nodiscard]] kelReaderFlowControl FlowControl() const;
+    void FlowControl(kelReaderFlowControl value);
+    /// Mark cut-off; kept and shown, read by no driver.
+    [[nodiscard]] Int16 MarkCutOff() const;
+    void MarkCutOff(Int16 value);
+    /// Mark discrimination; read by the Scanning Systems driver.
+    [[nodiscard]] Int16 MarkDiscrimination() const;
+    void MarkDiscrimination(Int16 value);
+    /// The model's name, as `ReturnReaderName` gives it.
+    [[nodiscard]] std::string ReaderName() const;
+
+    /// Timing marks that the reader reported on each side of the last sheet, -1 if it told none.
+    [[nodiscard]] Int16 Side1TimingMarks() const;
+    [[nodiscard]] Int16 Side2TimingMarks() const;
+    /// Marks of the last sheet, as copies: rows and columns from 1, 0 for no mark. A read of one side leaves the
+    /// other side's array as it was.
+    [[nodiscard]] MarkArray Side1Array() const;
+    [[nodiscard]] MarkArray Side2Array() const;
+
+    /// Rows and columns wanted, page by page from element 1.
+    [[nodiscard]] PageArray Side1Rows() const;
+    void Side1Rows(const PageArray& value);
+    [[nodiscard]] PageArray Side1Cols() const;
+    void Side1Cols(const PageArray& value);
+    [[nodiscard]] PageArray Side2Rows() const;
+    void Side2Rows(const PageArray& value);
+    [[nodiscard]] PageArray Side2Cols() const;
+    void Side2Cols(const PageArray& value);
+
+    /// Parity letter: N, E, O, M or S. Read while it is empty it becomes "N".
+    [[nodiscard]] std::string Parity() const;
+    void Parity(const std::string& value);
+    /// Serial port, 1 to 16.
+    [[nodiscard]] Int16 Port() const;
+    void Port(Int16 value);
+    /// The stop flag. True on a new object; `StartReader` clears it; a failed start or read, the end of a batch and the
+    /// host set it.
+    [[nodiscard]] Boolean CancelScan() const;
+    void CancelScan(Boolean value);
+    /// The reader model; the printer object learns it too.
+    [[nodiscard]] kelReaderType ReaderType() const;
+    void ReaderType(kelReaderType value);
+    /// Recognition threshold on the scale of the model.
+    [[nodiscard]] Int16 RecognitionThreshold() const;
+    void RecognitionThreshold(Int16 value);
+    /// Reject with the rejecter (second output) rather than on the normal path.
+    [[nodiscard]] Boolean Rejecter() const;
+    void Rejecter(Boolean value);
+    /// Stop bits of the line: 1, 1.5 or 2.
+    [[nodiscard]] float StopBits() const;
+    void StopBits(float value);
+    /// How long a reader may take to answer, in seconds. `StartReader` makes 10 of what is not 1 to 600.
+    [[nodiscard]] Int32 Timeout() const;
+    void Timeout(Int32 value);
+    /// Window reading as the options dialog shows it; the drivers go by `RecognitionMode`.
+    [[nodiscard]] Boolean Windowing() const;
+    void Windowing(Boolean value);
+    /// Whole pages or read windows.
+    [[nodiscard]] kelRecognitionType RecognitionMode() const;
+    void RecognitionMode(kelRecognitionType value);
+
+    // --- The session
+
+    /// Clears `CancelScan`, opens the line of a serial reader and starts the reader. True if it is ready to read.
+    Boolean StartReader();
+
+    /// Reads one sheet and raises its events. `InitializePrinter` says whether the sheet may be printed on.
+    /// False when the read was prevented or failed; then no event follows `BeforeSheet`.
+    Boolean ReadPage(Boolean InitializePrinter);
+
+    /// Starts the reader, reads sheets until `lSheetCount`, which counts on from what it holds, reaches `lMaxSheets`
+    /// (negative: no limit) or `CancelScan` is set, sends the last sheet out and ends the reader.
+    /// True says that the batch ran, not how many sheets were read.
+    Boolean ReadBatch(Boolean InitializePrinter, Int32 lMaxSheets, Int32& lSheetCount);
+
+    /// Ends the session and closes the line. The result is the driver's.
+    Boolean EndReader();
+
+    /// Sends the current sheet to the reject side or to the normal output. Once a sheet is decided on, further calls
+    /// do nothing until the next read.
+    void RejectPage();
+    void EjectPage();
+
+    /// Sets the model and takes its defaults from the catalogue. Port, windowing, recognition mode, `DuplexForm` and
+    /// the form stay as they are. False, after a report, for a model without a profile.
+    Boolean LoadDefaults(kelReaderType eReaderType);
+
+    /// Registers the host's error object, for all reader objects of the process; nothing brings message boxes back.
+    /// True if an object is set.
+    Boolean SetError(std::shared_ptr<ErrorObject> oErr);
+
+    // --- Events
+
+    /// Adds a listener; the result takes it away again.
+    std::uint32_t Advise(std::shared_ptr<ReaderEvents> listener);
+    Boolean Unadvise(std::uint32_t cookie);
+
+private:
+    std::unique_ptr<ReaderSession> session_;
+};
+
+} // namespace kel

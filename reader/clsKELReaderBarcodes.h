@@ -1,0 +1,36 @@
+#pragma once
+
+#include "reader/clsKELReaderBarcode.h"
+#include "reader/OrderedCollection.h"
+#include "types/Boolean.h"
+#include "types/Export.h"
+
+#include <optional>
+
+namespace kel {
+
+/// The barcode zones of a form in their order, addressed by position from 1.
+class KEL_PUBLIC clsKELReaderBarcodes {
+public:
+    [[nodiscard]] Int32 Count() const;
+
+    /// Adds a zone before or after a position, or at the end. A position that is not there is reported, and nothing
+    /// is added.
+    void Add(Reference<clsKELReaderBarcode> Item, std::optional<Int32> Before = {}, std::optional<Int32> After = {});
+
+    /// Removes the zone at a position; one that is not there is reported.
+    void Remove(Int32 Index);
+
+    void RemoveAll();
+
+    /// The zone at a position, or nothing, without a report, where none is.
+    [[nodiscard]] Reference<clsKELReaderBarcode> Item(Int32 Index) const;
+
+    /// Whether a position holds a zone.
+    [[nodiscard]] Boolean Exists(Int32 Index) const;
+
+private:
+    OrderedCollection<clsKELReaderBarcode> kelBarcodes_;
+};
+
+} // namespace kel

@@ -1,0 +1,38 @@
+#!/usr/bin/env bash
+# Installs the Debian packages that building, testing and the demo need. Does nothing when all are there.
+# Usage: scripts/install-packages.sh [build] [test] [fuzz]   (default: build test)
+set -euo pipefail
+
+build=(g++ cmake ninja-build ccache pkg-config python3
+       libserialport-dev libgensio-dev libsqlite3-dev libcli11-dev nlohmann-json3-dev)
+test=(libgtest-dev libgmock-dev libbenchmark-dev)
+fuzz=(clang libclang-rt-14-dev)
+
+wanted=()
+for group in "${@:-build test}"; do
+    for name in $group; do
+        case "$name" in
+            build) wanted+=("${build[@]}") ;;
+            test) wanted+=("${test[@]}") ;;
+            fuzz) wanted+=("${fuzz[@]}") ;;
+            *) echo "install-packages.sh: unknown group '$name'; try build, test or fuzz" >&2; exit 2 ;;
+        esac
+    done
+done
+
+missing=()
+for package in "${wanted[@]}"; do
+    status=$(dpkg-query -W -f='${Status}' "$package" 2>/dev/null || true)
+    [ "$status" = "install ok installed" ] || missing+=("$package")
+done
+[ ${#missing[@]} -gt 0 ] || exit 0
+
+as_root=()
+if [ "$(id -u)" -ne 0 ]; then
+    command -v sudo >/dev/null || { echo "install-packages.sh: needs root to install: ${missing[*]}" >&2; exit 1; }
+    as_root=(sudo)
+fi
+echo "Installing ${missing[*]}" >&2
+export DEBIAN_FRONTEND=noninteractive
+"${as_root[@]}" apt-get update -qq
+"${as_root[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "types/RuntimeFailure.h"
+
+#include <concepts>
+#include <cstddef>
+#include <memory>
+#include <utility>
+
+namespace kel {
+
+/// A counted reference to an object, or to nothing. Reaching through nothing is failure 91
+/// "Object variable or With block variable not set".
+template <class T>
+class Reference {
+public:
+    Reference() noexcept = default;
+    Reference(std::nullptr_t) noexcept {}
+    template <class U>
+        requires std::convertible_to<U*, T*>
+    Reference(std::shared_ptr<U> object) noexcept : object_(std::move(object))
+    {
+    }
+    template <class U>
+        requires std::convertible_to<U*, T*>
+    Reference(const Reference<U>& other) noexcept : object_(other.shared())
+    {
+    }
+
+    [[nodiscard]] bool isNothing() const noexcept { return object_ == nullptr; }
+    explicit operator bool() const noexcept { return !isNothing(); }
+
+    T* operator->() const { return &**this; }
+    T& operator*() const
+    {
+        if (!object_)
+            throw RuntimeFailure(FailureCode::ObjectNotSet);
+        return *object_;
+    }
+
+    [[nodiscard]] const std::shared_ptr<T>& shared() const noexcept { return object_; }
+
+    friend bool operator==(const Reference&, const Reference&) noexcept = default;
+
+private:
+    std::shared_ptr<T> object_;
+};
+
+/// A new object with its first reference.
+template <class T, class... Arguments>
+[[nodiscard]] Reference<T> makeReference(Arguments&&... arguments)
+{
+    return std::make_shared<T>(std::forward<Arguments>(arguments)...);
+}
+
+} // namespace kel

@@ -1,0 +1,56 @@
+#include "types/RuntimeFailure.h"
+
+#include <utility>
+
+namespace kel {
+
+std::string failureText(FailureCode code)
+{
+    switch (code) {
+    case FailureCode::InvalidProcedureCall: return "Invalid procedure call or argument";
+    case FailureCode::Overflow: return "Overflow";
+    case FailureCode::OutOfMemory: return "Out of memory";
+    case FailureCode::SubscriptOutOfRange: return "Subscript out of range";
+    case FailureCode::DivisionByZero: return "Division by zero";
+    case FailureCode::TypeMismatch: return "Type mismatch";
+    case FailureCode::InternalError: return "Internal error";
+    case FailureCode::BadFileName: return "Bad file name or number";
+    case FailureCode::FileNotFound: return "File not found";
+    case FailureCode::FileIoError: return "Device I/O error";
+    case FailureCode::InputPastEndOfFile: return "Input past end of file";
+    case FailureCode::BadRecordNumber: return "Bad record number";
+    case FailureCode::PermissionDenied: return "Permission denied";
+    case FailureCode::ObjectNotSet: return "Object variable or With block variable not set";
+    case FailureCode::InvalidPropertyValue: return "Invalid property value";
+    case FailureCode::ObjectRequired: return "Object required";
+    case FailureCode::MemberNotSupported: return "Object doesn't support this property or method";
+    case FailureCode::AutomationError: return "Automation error";
+    case FailureCode::KeyAlreadyUsed: return "This key is already associated with an element of this collection";
+    case FailureCode::InvalidPortNumber: return "Invalid port number";
+    case FailureCode::PortAlreadyOpen: return "Port already open";
+    case FailureCode::HardwareNotAvailable: return "The hardware is not available (locked by another device)";
+    case FailureCode::DeviceNotOpen: return "The device is not open";
+    case FailureCode::CannotSetLineState: return "Could not set comm state, there may be one or more invalid "
+                                                 "communications parameters";
+    case FailureCode::PortNotOpen: return "Operation valid only when the port is open";
+    case FailureCode::ErrorReadingDevice: return "Error reading comm device";
+    }
+    return "Application-defined or object-defined error";
+}
+
+RuntimeFailure::RuntimeFailure(FailureCode code, std::source_location where)
+    : RuntimeFailure(code, failureText(code), where)
+{
+}
+
+RuntimeFailure::RuntimeFailure(FailureCode code, std::string text, std::source_location where)
+    : RuntimeFailure(static_cast<std::int32_t>(code), std::move(text), where)
+{
+}
+
+RuntimeFailure::RuntimeFailure(std::int32_t number, std::string text, std::source_location where)
+    : number_(number), text_(std::move(text)), where_(where)
+{
+}
+
+} // namespace kel

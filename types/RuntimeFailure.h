@@ -1,0 +1,68 @@
+#pragma once
+
+#include <cstdint>
+#include <exception>
+#include <source_location>
+#include <string>
+
+namespace kel {
+
+/// Numbers of the run-time failures that this component raises.
+enum class FailureCode : std::int32_t {
+    InvalidProcedureCall = 5,
+    Overflow = 6,
+    OutOfMemory = 7,
+    SubscriptOutOfRange = 9,
+    DivisionByZero = 11,
+    TypeMismatch = 13,
+    InternalError = 51,
+    BadFileName = 52,
+    FileNotFound = 53,
+    FileIoError = 57,
+    InputPastEndOfFile = 62,
+    BadRecordNumber = 63,
+    PermissionDenied = 70,
+    ObjectNotSet = 91,
+    InvalidPropertyValue = 380,
+    ObjectRequired = 424,
+    MemberNotSupported = 438,
+    AutomationError = 440,
+    KeyAlreadyUsed = 457,
+    InvalidPortNumber = 8002,
+    PortAlreadyOpen = 8005,
+    HardwareNotAvailable = 8010,
+    DeviceNotOpen = 8012,
+    CannotSetLineState = 8015,
+    PortNotOpen = 8018,
+    ErrorReadingDevice = 8020,
+};
+
+/// The standard text of a run-time failure: "Subscript out of range" for 9, and so on.
+[[nodiscard]] std::string failureText(FailureCode code);
+
+/// A failure found while a statement runs: a bad subscript, an overflow, a line that cannot be opened.
+/// It travels to the guard of the procedure that was running, which reports it; it never reaches the host.
+class RuntimeFailure : public std::exception {
+public:
+    /// A failure with its standard text.
+    explicit RuntimeFailure(FailureCode code, std::source_location where = std::source_location::current());
+
+    /// A failure whose text says more than the standard one: which port, which setting.
+    RuntimeFailure(FailureCode code, std::string text, std::source_location where = std::source_location::current());
+
+    /// A failure of any number, such as a fault of the processor.
+    RuntimeFailure(std::int32_t number, std::string text, std::source_location where = std::source_location::current());
+
+    [[nodiscard]] std::int32_t number() const noexcept { return number_; }
+    [[nodiscard]] FailureCode code() const noexcept { return static_cast<FailureCode>(number_); }
+    [[nodiscard]] const std::string& text() const noexcept { return text_; }
+    [[nodiscard]] const std::source_location& where() const noexcept { return where_; }
+    [[nodiscard]] const char* what() const noexcept override { return text_.c_str(); }
+
+private:
+    std::int32_t number_;
+    std::string text_;
+    std::source_location where_;
+};
+
+} // namespace kel
