@@ -27,4 +27,11 @@ void ReaderReject(ReaderContract& oReader);
 /// as ejected.
 void ReaderEject(ReaderContract& oReader, Boolean& bSheetEjected);
 
+/// Searches the ports for the reader, first `iStartPort` if it is above 0 and then 1 to 16, and stores the port that
+/// answered. False, without a touch of any line, for a model that cannot be searched for.
+Boolean ReaderLocate(ReaderContract& oReader, Int16 iStartPort);
+
+/// Asks the reader for its firmware version. False, with `sReturn` as it was, for a model that does not tell it.
+Boolean ReaderFirmware(ReaderContract& oReader, std::string& sReturn);
+
 } // namespace kel

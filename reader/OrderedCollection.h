@@ -15,14 +15,14 @@ public:
     [[nodiscard]] Int32 Count() const { return static_cast<Int32>(items_.size()); }
 
     /// Failure 9 for a position that is not there.
-    [[nodiscard]] Reference<T> Item(Int32 position, std::source_location where = std::source_location::current()) const
+    [[nodiscard]] Reference<T> Item(Int32 position, SourceLocation where = SourceLocation::current()) const
     {
         return items_[index(position, where)];
     }
 
     /// Before or after a position that is there (failure 9 if it is not), or at the end; both at once is failure 5.
     void Add(Reference<T> item, std::optional<Int32> before, std::optional<Int32> after,
-             std::source_location where = std::source_location::current())
+             SourceLocation where = SourceLocation::current())
     {
         if (before && after)
             throw RuntimeFailure(FailureCode::InvalidProcedureCall, where);
@@ -34,13 +34,13 @@ public:
         items_.insert(items_.begin() + static_cast<std::ptrdiff_t>(at), std::move(item));
     }
 
-    void Remove(Int32 position, std::source_location where = std::source_location::current())
+    void Remove(Int32 position, SourceLocation where = SourceLocation::current())
     {
         items_.erase(items_.begin() + static_cast<std::ptrdiff_t>(index(position, where)));
     }
 
 private:
-    [[nodiscard]] std::size_t index(Int32 position, std::source_location where) const
+    [[nodiscard]] std::size_t index(Int32 position, SourceLocation where) const
     {
         if (position < 1 || position > Count())
             throw RuntimeFailure(FailureCode::SubscriptOutOfRange, where);

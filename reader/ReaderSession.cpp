@@ -173,7 +173,21 @@ Boolean ReaderSession::LoadDefaults(kelReaderType eReaderType)
     return bResult;
 }
 
-Int32& ReaderSession::helpID(kelReaderHelpID eHelpIDType, std::source_location where)
+Boolean ReaderSession::Locate(Int16 iStartPort)
+{
+    Boolean bResult = False;
+    guarded("KELReader81 - clsKELReader.Locate", [&] { bResult = ReaderLocate(*this, iStartPort); });
+    return bResult;
+}
+
+Boolean ReaderSession::Firmware(std::string& sReturn)
+{
+    Boolean bResult = False;
+    guarded("KELReader81 - clsKELReader.Firmware", [&] { bResult = ReaderFirmware(*this, sReturn); });
+    return bResult;
+}
+
+Int32& ReaderSession::helpID(kelReaderHelpID eHelpIDType, SourceLocation where)
 {
     return lHelpIDArr_(eHelpIDType, where);
 }

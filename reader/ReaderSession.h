@@ -33,8 +33,10 @@ public:
     void RejectPage() override;
     void EjectPage();
     Boolean LoadDefaults(kelReaderType eReaderType);
+    Boolean Locate(Int16 iStartPort);
+    Boolean Firmware(std::string& sReturn);
 
-    [[nodiscard]] Int32& helpID(kelReaderHelpID eHelpIDType, std::source_location where);
+    [[nodiscard]] Int32& helpID(kelReaderHelpID eHelpIDType, SourceLocation where);
     [[nodiscard]] EventSource& events() { return events_; }
     [[nodiscard]] const MarkArray& side1() const { return iSide1Arr_; }
     [[nodiscard]] const MarkArray& side2() const { return iSide2Arr_; }

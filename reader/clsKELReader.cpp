@@ -85,12 +85,12 @@ void clsKELReader::fComm(Reference<Carrier> value)
 
 Int32 clsKELReader::HelpID(kelReaderHelpID eHelpIDType) const
 {
-    return session_->helpID(eHelpIDType, std::source_location::current());
+    return session_->helpID(eHelpIDType, SourceLocation::current());
 }
 
 void clsKELReader::HelpID(kelReaderHelpID eHelpIDType, Int32 value)
 {
-    session_->helpID(eHelpIDType, std::source_location::current()) = value;
+    session_->helpID(eHelpIDType, SourceLocation::current()) = value;
 }
 
 std::string clsKELReader::HelpFile() const
@@ -413,6 +413,16 @@ void clsKELReader::EjectPage()
 Boolean clsKELReader::LoadDefaults(kelReaderType eReaderType)
 {
     return session_->LoadDefaults(eReaderType);
+}
+
+Boolean clsKELReader::Locate(Int16 iStartPort)
+{
+    return session_->Locate(iStartPort);
+}
+
+Boolean clsKELReader::Firmware(std::string& sReturn)
+{
+    return session_->Firmware(sReturn);
 }
 
 Boolean clsKELReader::SetError(std::shared_ptr<ErrorObject> oErr)

@@ -181,6 +181,14 @@ public:
     /// the form stay as they are. False, after a report, for a model without a profile.
     Boolean LoadDefaults(kelReaderType eReaderType);
 
+    /// Searches the serial ports for the reader: first `iStartPort` if it is above 0, then 1 to 16. The port that
+    /// answers becomes `Port`. False for a model that cannot be searched for, whose lines are not touched. The reader
+    /// must not be in a session.
+    Boolean Locate(Int16 iStartPort);
+
+    /// The firmware version of the reader at `Port`. False, with `sReturn` as it was, where none is told.
+    Boolean Firmware(std::string& sReturn);
+
     /// Registers the host's error object, for all reader objects of the process; nothing brings message boxes back.
     /// True if an object is set.
     Boolean SetError(std::shared_ptr<ErrorObject> oErr);

@@ -3,7 +3,7 @@
 #include "types/Numbers.h"
 
 #include <algorithm>
-#include <source_location>
+#include "types/SourceLocation.h"
 #include <string>
 #include <vector>
 
@@ -18,7 +18,7 @@ public:
     Array1() = default;
 
     /// An array `lower To upper`, every element in its initial state. An upper bound below the lower is failure 9.
-    Array1(Int32 lower, Int32 upper, std::source_location where = std::source_location::current())
+    Array1(Int32 lower, Int32 upper, SourceLocation where = SourceLocation::current())
     {
         ReDim(lower, upper, where);
     }
@@ -33,7 +33,7 @@ public:
         return result;
     }
 
-    void ReDim(Int32 lower, Int32 upper, std::source_location where = std::source_location::current())
+    void ReDim(Int32 lower, Int32 upper, SourceLocation where = SourceLocation::current())
     {
         if (upper < lower)
             throw RuntimeFailure(FailureCode::SubscriptOutOfRange, where);
@@ -43,7 +43,7 @@ public:
     }
 
     /// Moves the upper bound and keeps the elements that are inside both bounds.
-    void ReDimPreserve(Int32 upper, std::source_location where = std::source_location::current())
+    void ReDimPreserve(Int32 upper, SourceLocation where = SourceLocation::current())
     {
         if (!dimensioned_ || upper < lower_)
             throw RuntimeFailure(FailureCode::SubscriptOutOfRange, where);
@@ -60,24 +60,24 @@ public:
 
     [[nodiscard]] bool isDimensioned() const noexcept { return dimensioned_; }
 
-    [[nodiscard]] Int32 LBound(std::source_location where = std::source_location::current()) const
+    [[nodiscard]] Int32 LBound(SourceLocation where = SourceLocation::current()) const
     {
         demandDimensions(where);
         return lower_;
     }
 
-    [[nodiscard]] Int32 UBound(std::source_location where = std::source_location::current()) const
+    [[nodiscard]] Int32 UBound(SourceLocation where = SourceLocation::current()) const
     {
         demandDimensions(where);
         return static_cast<Int32>(std::int64_t{lower_} + static_cast<std::int64_t>(elements_.size()) - 1);
     }
 
-    T& operator()(Int32 index, std::source_location where = std::source_location::current())
+    T& operator()(Int32 index, SourceLocation where = SourceLocation::current())
     {
         return elements_[position(index, where)];
     }
 
-    const T& operator()(Int32 index, std::source_location where = std::source_location::current()) const
+    const T& operator()(Int32 index, SourceLocation where = SourceLocation::current()) const
     {
         return elements_[position(index, where)];
     }
@@ -89,13 +89,13 @@ public:
     friend bool operator==(const Array1&, const Array1&) = default;
 
 private:
-    void demandDimensions(std::source_location where) const
+    void demandDimensions(SourceLocation where) const
     {
         if (!dimensioned_)
             throw RuntimeFailure(FailureCode::SubscriptOutOfRange, where);
     }
 
-    [[nodiscard]] std::size_t position(Int32 index, std::source_location where) const
+    [[nodiscard]] std::size_t position(Int32 index, SourceLocation where) const
     {
         const std::int64_t offset = std::int64_t{index} - lower_;
         if (offset < 0 || offset >= static_cast<std::int64_t>(elements_.size()))
@@ -116,12 +116,12 @@ public:
     Array2() = default;
 
     /// An array `(1 To rows, 1 To columns)` of initial elements. Less than one row or column is failure 9.
-    Array2(Int32 rows, Int32 columns, std::source_location where = std::source_location::current())
+    Array2(Int32 rows, Int32 columns, SourceLocation where = SourceLocation::current())
     {
         ReDim(rows, columns, where);
     }
 
-    void ReDim(Int32 rows, Int32 columns, std::source_location where = std::source_location::current())
+    void ReDim(Int32 rows, Int32 columns, SourceLocation where = SourceLocation::current())
     {
         if (rows < 1 || columns < 1)
             throw RuntimeFailure(FailureCode::SubscriptOutOfRange, where);
@@ -140,7 +140,7 @@ public:
     [[nodiscard]] bool isDimensioned() const noexcept { return rows_ > 0; }
 
     /// Upper bound of dimension 1 (rows) or 2 (columns); failure 9 on an undimensioned array.
-    [[nodiscard]] Int32 UBound(int dimension = 1, std::source_location where = std::source_location::current()) const
+    [[nodiscard]] Int32 UBound(int dimension = 1, SourceLocation where = SourceLocation::current()) const
     {
         if (!isDimensioned() || dimension < 1 || dimension > 2)
             throw RuntimeFailure(FailureCode::SubscriptOutOfRange, where);
@@ -151,12 +151,12 @@ public:
     [[nodiscard]] Int32 rows() const noexcept { return rows_; }
     [[nodiscard]] Int32 columns() const noexcept { return columns_; }
 
-    T& operator()(Int32 row, Int32 column, std::source_location where = std::source_location::current())
+    T& operator()(Int32 row, Int32 column, SourceLocation where = SourceLocation::current())
     {
         return elements_[position(row, column, where)];
     }
 
-    const T& operator()(Int32 row, Int32 column, std::source_location where = std::source_location::current()) const
+    const T& operator()(Int32 row, Int32 column, SourceLocation where = SourceLocation::current()) const
     {
         return elements_[position(row, column, where)];
     }
@@ -167,7 +167,7 @@ public:
     friend bool operator==(const Array2&, const Array2&) = default;
 
 private:
-    [[nodiscard]] std::size_t position(Int32 row, Int32 column, std::source_location where) const
+    [[nodiscard]] std::size_t position(Int32 row, Int32 column, SourceLocation where) const
     {
         if (row < 1 || row > rows_ || column < 1 || column > columns_)
             throw RuntimeFailure(FailureCode::SubscriptOutOfRange, where);

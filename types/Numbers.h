@@ -6,7 +6,7 @@
 #include <concepts>
 #include <cstdint>
 #include <limits>
-#include <source_location>
+#include "types/SourceLocation.h"
 #include <type_traits>
 #include <utility>
 
@@ -27,12 +27,13 @@ using Byte = std::uint8_t;
 /// Fails with 6 "Overflow" when the rounded value does not fit, a NaN included.
 template <std::signed_integral To, class From>
     requires std::is_arithmetic_v<From>
-[[nodiscard]] To narrow(From value, std::source_location where = std::source_location::current())
+[[nodiscard]] To narrow(From value, SourceLocation where = SourceLocation::current())
 {
     if constexpr (std::is_floating_point_v<From>) {
         const double rounded = roundHalfEven(static_cast<double>(value));
-        if (!(rounded >= static_cast<double>(std::numeric_limits<To>::min()) &&
-              rounded <= static_cast<double>(std::numeric_limits<To>::max())))
+        // The lowest number is a power of two and so exact as a double; the highest of 64 bits would not be.
+        constexpr auto lowest = static_cast<double>(std::numeric_limits<To>::min());
+        if (!(rounded >= lowest && rounded < -lowest))
             throw RuntimeFailure(FailureCode::Overflow, where);
         return static_cast<To>(rounded);
     } else {
@@ -44,21 +45,21 @@ template <std::signed_integral To, class From>
 
 /// A number as a 16-bit whole number, halves to even; 6 "Overflow" when it does not fit.
 template <class From>
-[[nodiscard]] Int16 CInt(From value, std::source_location where = std::source_location::current())
+[[nodiscard]] Int16 CInt(From value, SourceLocation where = SourceLocation::current())
 {
     return narrow<Int16>(value, where);
 }
 
 /// A number as a 32-bit whole number, halves to even; 6 "Overflow" when it does not fit.
 template <class From>
-[[nodiscard]] Int32 CLng(From value, std::source_location where = std::source_location::current())
+[[nodiscard]] Int32 CLng(From value, SourceLocation where = SourceLocation::current())
 {
     return narrow<Int32>(value, where);
 }
 
 /// The sum; 6 "Overflow" when it does not fit the operands' type. Nothing wraps.
 template <std::signed_integral T>
-[[nodiscard]] T checkedAdd(T a, std::type_identity_t<T> b, std::source_location where = std::source_location::current())
+[[nodiscard]] T checkedAdd(T a, std::type_identity_t<T> b, SourceLocation where = SourceLocation::current())
 {
     T result;
     if (__builtin_add_overflow(a, b, &result))
@@ -69,7 +70,7 @@ template <std::signed_integral T>
 /// The difference; 6 "Overflow" when it does not fit the operands' type.
 template <std::signed_integral T>
 [[nodiscard]] T checkedSubtract(T a, std::type_identity_t<T> b,
-                                std::source_location where = std::source_location::current())
+                                SourceLocation where = SourceLocation::current())
 {
     T result;
     if (__builtin_sub_overflow(a, b, &result))
@@ -80,7 +81,7 @@ template <std::signed_integral T>
 /// The product; 6 "Overflow" when it does not fit the operands' type.
 template <std::signed_integral T>
 [[nodiscard]] T checkedMultiply(T a, std::type_identity_t<T> b,
-                                std::source_location where = std::source_location::current())
+                                SourceLocation where = SourceLocation::current())
 {
     T result;
     if (__builtin_mul_overflow(a, b, &result))
@@ -90,7 +91,7 @@ template <std::signed_integral T>
 
 /// The absolute value; 6 "Overflow" for the lowest number of the type, which has none.
 template <std::signed_integral T>
-[[nodiscard]] T checkedAbs(T a, std::source_location where = std::source_location::current())
+[[nodiscard]] T checkedAbs(T a, SourceLocation where = SourceLocation::current())
 {
     return a < 0 ? checkedSubtract<T>(0, a, where) : a;
 }

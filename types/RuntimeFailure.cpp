@@ -1,5 +1,6 @@
 #include "types/RuntimeFailure.h"
 
+#include <new>
 #include <utility>
 
 namespace kel {
@@ -13,6 +14,7 @@ std::string failureText(FailureCode code)
     case FailureCode::SubscriptOutOfRange: return "Subscript out of range";
     case FailureCode::DivisionByZero: return "Division by zero";
     case FailureCode::TypeMismatch: return "Type mismatch";
+    case FailureCode::ErrorLoadingLibrary: return "Error in loading DLL";
     case FailureCode::InternalError: return "Internal error";
     case FailureCode::BadFileName: return "Bad file name or number";
     case FailureCode::FileNotFound: return "File not found";
@@ -25,6 +27,7 @@ std::string failureText(FailureCode code)
     case FailureCode::ObjectRequired: return "Object required";
     case FailureCode::MemberNotSupported: return "Object doesn't support this property or method";
     case FailureCode::AutomationError: return "Automation error";
+    case FailureCode::LibraryFunctionNotFound: return "Specified DLL function not found";
     case FailureCode::KeyAlreadyUsed: return "This key is already associated with an element of this collection";
     case FailureCode::InvalidPortNumber: return "Invalid port number";
     case FailureCode::PortAlreadyOpen: return "Port already open";
@@ -38,19 +41,32 @@ std::string failureText(FailureCode code)
     return "Application-defined or object-defined error";
 }
 
-RuntimeFailure::RuntimeFailure(FailureCode code, std::source_location where)
+RuntimeFailure::RuntimeFailure(FailureCode code, SourceLocation where)
     : RuntimeFailure(code, failureText(code), where)
 {
 }
 
-RuntimeFailure::RuntimeFailure(FailureCode code, std::string text, std::source_location where)
+RuntimeFailure::RuntimeFailure(FailureCode code, std::string text, SourceLocation where)
     : RuntimeFailure(static_cast<std::int32_t>(code), std::move(text), where)
 {
 }
 
-RuntimeFailure::RuntimeFailure(std::int32_t number, std::string text, std::source_location where)
+RuntimeFailure::RuntimeFailure(std::int32_t number, std::string text, SourceLocation where)
     : number_(number), text_(std::move(text)), where_(where)
 {
+}
+
+RuntimeFailure caughtFailure()
+{
+    try {
+        throw;
+    } catch (const RuntimeFailure& failure) {
+        return failure;
+    } catch (const std::bad_alloc&) {
+        return RuntimeFailure(FailureCode::OutOfMemory);
+    } catch (const std::exception& exception) {
+        return {FailureCode::InternalError, exception.what()};
+    }
 }
 
 } // namespace kel

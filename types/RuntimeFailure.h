@@ -1,8 +1,10 @@
 #pragma once
 
+#include "types/Export.h"
+
 #include <cstdint>
 #include <exception>
-#include <source_location>
+#include "types/SourceLocation.h"
 #include <string>
 
 namespace kel {
@@ -15,6 +17,7 @@ enum class FailureCode : std::int32_t {
     SubscriptOutOfRange = 9,
     DivisionByZero = 11,
     TypeMismatch = 13,
+    ErrorLoadingLibrary = 48,
     InternalError = 51,
     BadFileName = 52,
     FileNotFound = 53,
@@ -27,6 +30,7 @@ enum class FailureCode : std::int32_t {
     ObjectRequired = 424,
     MemberNotSupported = 438,
     AutomationError = 440,
+    LibraryFunctionNotFound = 453,
     KeyAlreadyUsed = 457,
     InvalidPortNumber = 8002,
     PortAlreadyOpen = 8005,
@@ -42,27 +46,31 @@ enum class FailureCode : std::int32_t {
 
 /// A failure found while a statement runs: a bad subscript, an overflow, a line that cannot be opened.
 /// It travels to the guard of the procedure that was running, which reports it; it never reaches the host.
-class RuntimeFailure : public std::exception {
+class KEL_PUBLIC RuntimeFailure : public std::exception {
 public:
     /// A failure with its standard text.
-    explicit RuntimeFailure(FailureCode code, std::source_location where = std::source_location::current());
+    explicit RuntimeFailure(FailureCode code, SourceLocation where = SourceLocation::current());
 
     /// A failure whose text says more than the standard one: which port, which setting.
-    RuntimeFailure(FailureCode code, std::string text, std::source_location where = std::source_location::current());
+    RuntimeFailure(FailureCode code, std::string text, SourceLocation where = SourceLocation::current());
 
     /// A failure of any number, such as a fault of the processor.
-    RuntimeFailure(std::int32_t number, std::string text, std::source_location where = std::source_location::current());
+    RuntimeFailure(std::int32_t number, std::string text, SourceLocation where = SourceLocation::current());
 
     [[nodiscard]] std::int32_t number() const noexcept { return number_; }
     [[nodiscard]] FailureCode code() const noexcept { return static_cast<FailureCode>(number_); }
     [[nodiscard]] const std::string& text() const noexcept { return text_; }
-    [[nodiscard]] const std::source_location& where() const noexcept { return where_; }
+    [[nodiscard]] const SourceLocation& where() const noexcept { return where_; }
     [[nodiscard]] const char* what() const noexcept override { return text_.c_str(); }
 
 private:
     std::int32_t number_;
     std::string text_;
-    std::source_location where_;
+    SourceLocation where_;
 };
+
+/// Turns what is being caught into a run-time failure: one as it is, exhausted memory into 7, and any other
+/// standard exception into 51 "Internal error" with its text. For use in a handler.
+[[nodiscard]] RuntimeFailure caughtFailure();
 
 } // namespace kel

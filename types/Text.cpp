@@ -3,8 +3,9 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <cstdio>
+#include <locale>
 #include <optional>
+#include <sstream>
 
 namespace kel {
 
@@ -90,8 +91,11 @@ double decimalNumber(std::string text)
     double value = 0;
     const auto result = std::from_chars(digits.data(), digits.data() + digits.size(), value);
     if (result.ec == std::errc::result_out_of_range) {
-        // Too small for a double is 0; only too large is a failure.
-        if (std::strtod(text.c_str(), nullptr) == 0.0)
+        // Too small for a double is 0; only too large is a failure. The host's locale has no say in the decimal point.
+        std::istringstream stream(text);
+        stream.imbue(std::locale::classic());
+        stream >> value;
+        if (std::abs(value) < 1)
             return 0;
         throw RuntimeFailure(FailureCode::Overflow);
     }
@@ -157,11 +161,6 @@ double Val(std::string_view text)
     return decimalNumber(std::move(compact));
 }
 
-std::string CStr(std::int64_t value)
-{
-    return std::to_string(value);
-}
-
 std::string CStr(float value)
 {
     return shortest(value);
@@ -177,7 +176,7 @@ std::string CStr(Boolean value)
     return value ? "True" : "False";
 }
 
-Boolean CBool(std::string_view text, std::source_location where)
+Boolean CBool(std::string_view text, SourceLocation where)
 {
     const std::string word = Trim(text);
     if (equalNoCase(word, "True"))
@@ -190,7 +189,7 @@ Boolean CBool(std::string_view text, std::source_location where)
     return *number != 0;
 }
 
-float CSng(std::string_view text, std::source_location where)
+float CSng(std::string_view text, SourceLocation where)
 {
     const auto number = wholeNumber(text);
     if (!number)
@@ -219,11 +218,18 @@ std::string formatZeros(Int32 value, int digits)
     return wide < 0 ? "-" + text : text;
 }
 
-Int16 Asc(std::string_view text, std::source_location where)
+Int16 Asc(std::string_view text, SourceLocation where)
 {
     if (text.empty())
         throw RuntimeFailure(FailureCode::InvalidProcedureCall, where);
     return static_cast<unsigned char>(text.front());
+}
+
+std::string Space(Int32 count, SourceLocation where)
+{
+    if (count < 0)
+        throw RuntimeFailure(FailureCode::InvalidProcedureCall, where);
+    return std::string(static_cast<std::size_t>(count), ' ');
 }
 
 std::string Trim(std::string_view text)
@@ -235,7 +241,7 @@ std::string Trim(std::string_view text)
     return std::string(text);
 }
 
-std::string Mid(std::string_view text, Int32 start, Int32 count, std::source_location where)
+std::string Mid(std::string_view text, Int32 start, Int32 count, SourceLocation where)
 {
     if (start < 1 || count < 0)
         throw RuntimeFailure(FailureCode::InvalidProcedureCall, where);
@@ -244,12 +250,12 @@ std::string Mid(std::string_view text, Int32 start, Int32 count, std::source_loc
     return std::string(text.substr(static_cast<std::size_t>(start) - 1, static_cast<std::size_t>(count)));
 }
 
-std::string Left(std::string_view text, Int32 count, std::source_location where)
+std::string Left(std::string_view text, Int32 count, SourceLocation where)
 {
     return Mid(text, 1, count, where);
 }
 
-std::string Right(std::string_view text, Int32 count, std::source_location where)
+std::string Right(std::string_view text, Int32 count, SourceLocation where)
 {
     if (count < 0)
         throw RuntimeFailure(FailureCode::InvalidProcedureCall, where);

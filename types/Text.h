@@ -3,8 +3,11 @@
 #include "types/Boolean.h"
 #include "types/Numbers.h"
 
+#include <concepts>
+#include <concepts>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <vector>
 
 namespace kel {
@@ -17,8 +20,13 @@ inline constexpr std::string_view kLineEnd = "\r\n";
 /// 16-bit numbers, longer ones 32-bit). Never fails, but for 6 "Overflow" on a number too large for a double.
 [[nodiscard]] double Val(std::string_view text);
 
-/// A whole number in decimal, without a blank in front.
-[[nodiscard]] std::string CStr(std::int64_t value);
+/// A whole number or the number of an enumerator in decimal, without a blank in front.
+template <class T>
+    requires(!std::same_as<T, bool> && (std::integral<T> || (std::is_enum_v<T> && std::convertible_to<T, Int32>)))
+[[nodiscard]] std::string CStr(T value)
+{
+    return std::to_string(static_cast<std::int64_t>(value));
+}
 /// A number in decimal, as short as it can be said: 1 gives "1", 1.5 gives "1.5".
 [[nodiscard]] std::string CStr(float value);
 [[nodiscard]] std::string CStr(double value);
@@ -26,10 +34,10 @@ inline constexpr std::string_view kLineEnd = "\r\n";
 [[nodiscard]] std::string CStr(Boolean value);
 
 /// A text as a truth value: "True" and "False" in any case of letters, or a number; 13 "Type mismatch" otherwise.
-[[nodiscard]] Boolean CBool(std::string_view text, std::source_location where = std::source_location::current());
+[[nodiscard]] Boolean CBool(std::string_view text, SourceLocation where = SourceLocation::current());
 
 /// A text as a single precision number; 13 "Type mismatch" if it is none as a whole.
-[[nodiscard]] float CSng(std::string_view text, std::source_location where = std::source_location::current());
+[[nodiscard]] float CSng(std::string_view text, SourceLocation where = SourceLocation::current());
 
 /// Whether a text as a whole is a number.
 [[nodiscard]] bool IsNumeric(std::string_view text);
@@ -38,10 +46,13 @@ inline constexpr std::string_view kLineEnd = "\r\n";
 [[nodiscard]] std::string formatZeros(Int32 value, int digits);
 
 /// The code of a text's first character; 5 "Invalid procedure call or argument" when it is empty.
-[[nodiscard]] Int16 Asc(std::string_view text, std::source_location where = std::source_location::current());
+[[nodiscard]] Int16 Asc(std::string_view text, SourceLocation where = SourceLocation::current());
 
 /// The one character of a code.
 [[nodiscard]] inline std::string Chr(Int16 code) { return std::string(1, static_cast<char>(code)); }
+
+/// So many blanks; a negative count is failure 5.
+[[nodiscard]] std::string Space(Int32 count, SourceLocation where = SourceLocation::current());
 
 /// A text without the blanks around it (blanks only, as 0x20).
 [[nodiscard]] std::string Trim(std::string_view text);
@@ -49,13 +60,13 @@ inline constexpr std::string_view kLineEnd = "\r\n";
 /// `count` characters of `text` from the 1-based `start`, or what there is of them.
 /// A start below 1 or a negative count is failure 5.
 [[nodiscard]] std::string Mid(std::string_view text, Int32 start, Int32 count,
-                              std::source_location where = std::source_location::current());
+                              SourceLocation where = SourceLocation::current());
 
 /// The first or the last `count` characters, or what there is of them; a negative count is failure 5.
 [[nodiscard]] std::string Left(std::string_view text, Int32 count,
-                               std::source_location where = std::source_location::current());
+                               SourceLocation where = SourceLocation::current());
 [[nodiscard]] std::string Right(std::string_view text, Int32 count,
-                                std::source_location where = std::source_location::current());
+                                SourceLocation where = SourceLocation::current());
 
 /// Every occurrence of `what` replaced.
 [[nodiscard]] std::string replaceAll(std::string_view text, std::string_view what, std::string_view with);

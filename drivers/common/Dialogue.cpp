@@ -45,7 +45,7 @@ void drainInputWithPauses(ReaderContract& oReader)
     }
 }
 
-Byte takeByte(ReaderContract& oReader, std::source_location where)
+Byte takeByte(ReaderContract& oReader, SourceLocation where)
 {
     const std::string taken = oReader.fComm().mscComm().Input();
     if (taken.empty())

@@ -33,7 +33,7 @@ void drainInputWithPauses(ReaderContract& oReader);
 
 /// One character of the input as a byte; failure 9 when none waits, as of the first element of an empty array.
 /// `InputLen` must be 1.
-[[nodiscard]] Byte takeByte(ReaderContract& oReader, std::source_location where = std::source_location::current());
+[[nodiscard]] Byte takeByte(ReaderContract& oReader, SourceLocation where = SourceLocation::current());
 
 /// How a text reply is collected character by character.
 struct CollectRules {

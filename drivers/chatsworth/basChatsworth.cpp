@@ -1,0 +1,176 @@
+#include "drivers/chatsworth/basChatsworth.h"
+
+#include "drivers/chatsworth/Models.h"
+#include "drivers/common/Dialogue.h"
+#include "drivers/common/PackedMarks.h"
+#include "failure/basError.h"
+#include "failure/guarded.h"
+#include "platform/Platform.h"
+
+namespace kel {
+
+namespace {
+
+constexpr const char* kInitReader = "KELReader81 - basChatsworth.InitReaderCT";
+constexpr const char* kReadPage = "KELReader81 - basChatsworth.ReadPageCT";
+constexpr const char* kRejectPage = "KELReader81 - basChatsworth.RejectPageCT";
+constexpr TextNumber kNoAnswerTitle = 184;
+
+constexpr const char* kProbe = "\x12R7777I00E";
+constexpr const char* kStartOfSheet = "\x11";
+// The reply to "F" that lets a sheet come; one that sorts behind it refuses.
+constexpr std::string_view kSheetFed = "0\r";
+
+constexpr Int32 kMostRows = 128;
+
+/// A command of the set-up and of the feeder: ESC letters CR.
+void sendCommand(ReaderContract& oReader, const std::string& letters)
+{
+    oReader.fComm().mscComm().Output("\x1B" + letters + "\r");
+}
+
+/// Takes and drops characters until a CR comes. Only the time-out, and where it is told the stop flag, ends this.
+Wait waitForCarriageReturn(ReaderContract& oReader, bool bCancellable)
+{
+    oReader.fComm().tmrScan().Enabled(True);
+    std::string sData;
+    while (sData != "\r") {
+        DoEvents();
+        if (bCancellable && oReader.CancelScan())
+            return Wait::Cancelled;
+        if (oReader.fComm().mscComm().InBufferCount() > 0)
+            sData = oReader.fComm().mscComm().Input();
+        if (!oReader.fComm().tmrScan().Enabled())
+            return Wait::TimedOut;
+    }
+    oReader.fComm().tmrScan().Enabled(False);
+    return Wait::Reply;
+}
+
+bool setUp(ReaderContract& oReader, const char* letters)
+{
+    sendCommand(oReader, letters);
+    if (waitForCarriageReturn(oReader, false) == Wait::Reply)
+        return true;
+    reportReaderFault(kInitReader, 234, kNoAnswerTitle);
+    return false;
+}
+
+/// 0x11 is answered by the sheet itself; the stop flag is not looked at.
+bool startByByte(ReaderContract& oReader)
+{
+    oReader.fComm().mscComm().Output(kStartOfSheet);
+    if (waitForReply(oReader, {.cancellable = false}) == Wait::Reply)
+        return true;
+    reportReaderFault(kReadPage, 236, 238);
+    return false;
+}
+
+bool startFramed(ReaderContract& oReader)
+{
+    oReader.fComm().mscComm().Output(frameCommand("E"));
+    const Wait wait = waitForCarriageReturn(oReader, true);
+    if (wait == Wait::TimedOut)
+        reportReaderFault(kReadPage, 240, kNoAnswerTitle);
+    return wait == Wait::Reply;
+}
+
+/// Feeds a sheet. The reply is taken up to its CR and not one character more; a refusal is not reported.
+bool startFed(ReaderContract& oReader)
+{
+    sendCommand(oReader, "F");
+    oReader.fComm().tmrScan().Enabled(True);
+    std::string sData;
+    while (!sData.ends_with('\r')) {
+        DoEvents();
+        if (oReader.fComm().mscComm().InBufferCount() > 0)
+            sData += oReader.fComm().mscComm().Input();
+        if (!oReader.fComm().tmrScan().Enabled()) {
+            reportReaderFault(kReadPage, 240, kNoAnswerTitle);
+            return false;
+        }
+    }
+    oReader.fComm().tmrScan().Enabled(False);
+    return sData <= kSheetFed;
+}
+
+bool startSheet(ReaderContract& oReader, SheetStartCT eStart)
+{
+    switch (eStart) {
+    case SheetStartCT::Byte11: return startByByte(oReader);
+    case SheetStartCT::Framed: return startFramed(oReader);
+    case SheetStartCT::Feed: return !oReader.Feeder() || startFed(oReader);
+    case SheetStartCT::None: break;
+    }
+    return true;
+}
+
+} // namespace
+
+Boolean InitReaderCT(ReaderContract& oReader)
+{
+    Boolean bResult = False;
+    guarded(kInitReader, [&] {
+        oReader.fComm().mscComm().InputLen(1);
+        drainInput(oReader);
+        const ModelCT& model = modelCT(oReader.ReaderType());
+        if (const auto& commands = oReader.Feeder() ? model.feeder : model.singleSheets) {
+            if (!setUp(oReader, commands->first) || !setUp(oReader, commands->second))
+                return;
+            Sleep(oReader.SleepTime());
+        }
+        if (model.probed)
+            oReader.fComm().mscComm().Output(kProbe);
+        bResult = True;
+    });
+    return bResult;
+}
+
+Boolean ReadPageCT(ReaderContract& oReader)
+{
+    Boolean bResult = False;
+    guarded(kReadPage, [&] {
+        const ModelCT& model = modelCT(oReader.ReaderType());
+        drainInput(oReader);
+        oReader.fComm().mscComm().InputLen(1);
+        PackedRows page(kMostRows, checkedAdd(oReader.RecognitionThreshold(), 1));
+        if (!startSheet(oReader, model.start))
+            return;
+
+        bool bPageRead = false;
+        while (!bPageRead) {
+            DoEvents();
+            if (model.cancellable && oReader.CancelScan())
+                return;
+            if (oReader.fComm().mscComm().InBufferCount() == 0)
+                continue;
+            const Byte iTemp = takeByte(oReader);
+            if (iTemp == kSheetEnd)
+                bPageRead = true;
+            else if (iTemp == model.refusal)
+                return;
+            else
+                page.take(iTemp);
+        }
+        oReader.Side1TimingMarks(page.completeRows());
+        oReader.Side1Array(page.marks());
+        bResult = True;
+    });
+    return bResult;
+}
+
+Boolean RejectPageCT(ReaderContract& oReader, Boolean bRejectHopper)
+{
+    Boolean bResult = False;
+    guarded(kRejectPage, [&] {
+        oReader.fComm().mscComm().Output(frameCommand(bRejectHopper ? "EF" : "ER"));
+        if (waitForReply(oReader, {.cancellable = false}) != Wait::Reply) {
+            reportReaderFault(kRejectPage, 242, kNoAnswerTitle);
+            return;
+        }
+        bResult = collectText(oReader, {.pauseWhenEmpty = true}).find('\r') != std::string::npos;
+    });
+    return bResult;
+}
+
+} // namespace kel

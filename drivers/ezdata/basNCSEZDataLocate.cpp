@@ -1,0 +1,73 @@
+#include "drivers/ezdata/basNCSEZData.h"
+
+#include "drivers/common/Dialogue.h"
+#include "drivers/common/PackedMarks.h"
+#include "failure/guarded.h"
+#include "platform/Platform.h"
+#include "types/Text.h"
+
+namespace kel {
+
+namespace {
+
+constexpr const char* kLocateReader = "KELReader81 - basNCSEZData.LocateReaderNCSEZ";
+constexpr const char* kFirmwareVersion = "KELReader81 - basNCSEZData.FirmwareVersionNCSEZ";
+
+// Unlike the commands the probe carries no 0x1B.
+constexpr const char* kProbe = "\x12R7777\x12I00\x12"
+                               "E";
+constexpr std::string_view kProbeAnswer = "G\r";
+
+/// Everything that waits, as one text.
+std::string takeAll(ReaderContract& oReader)
+{
+    oReader.fComm().mscComm().InputLen(0);
+    return oReader.fComm().mscComm().Input();
+}
+
+/// Closes the line if it is open, behind a failure too.
+void closeLine(ReaderContract& oReader, const char* source)
+{
+    guarded(source, [&] {
+        if (oReader.fComm().mscComm().PortOpen())
+            oReader.fComm().mscComm().PortOpen(False);
+    });
+}
+
+} // namespace
+
+Boolean LocateReaderNCSEZ(ReaderContract& oReader, Int16 iPort)
+{
+    Boolean bResult = False;
+    guarded(kLocateReader, [&] {
+        openLine(oReader, iPort);
+        oReader.fComm().mscComm().Output(kProbe);
+        Sleep(100);
+        if (oReader.fComm().mscComm().InBufferCount() == 2)
+            bResult = takeAll(oReader) == kProbeAnswer;
+    });
+    closeLine(oReader, kLocateReader);
+    return bResult;
+}
+
+Boolean FirmwareVersionNCSEZ(ReaderContract& oReader, std::string& sReturn)
+{
+    Boolean bResult = False;
+    guarded(kFirmwareVersion, [&] {
+        openLine(oReader, oReader.Port());
+        oReader.fComm().mscComm().Output(frameCommand("V"));
+        Sleep(100);
+        if (oReader.fComm().mscComm().InBufferCount() > 0) {
+            const std::string sData = takeAll(oReader);
+            const std::size_t lLocate = sData.find(kProbeAnswer);
+            if (lLocate != std::string::npos) {
+                sReturn = Trim(sData.substr(0, lLocate));
+                bResult = True;
+            }
+        }
+    });
+    closeLine(oReader, kFirmwareVersion);
+    return bResult;
+}
+
+} // namespace kel

@@ -1,0 +1,210 @@
+#include "drivers/ezdata/basNCSEZData.h"
+
+#include "drivers/common/Dialogue.h"
+#include "drivers/common/PackedMarks.h"
+#include "drivers/ezdata/Replies.h"
+#include "failure/guarded.h"
+#include "platform/Platform.h"
+#include "types/Text.h"
+
+namespace kel {
+
+namespace {
+
+constexpr const char* kInitReader = "KELReader81 - basNCSEZData.InitReaderNCSEZ";
+constexpr const char* kCloseReader = "KELReader81 - basNCSEZData.CloseReaderNCSEZ";
+constexpr const char* kSetValues = "KELReader81 - basNCSEZData.SetValuesNCSEZ";
+constexpr const char* kCheckThreshold = "KELReader81 - basNCSEZData.CheckThresholdNCSEZ";
+
+constexpr Int32 kConfigurationLength = 24;
+constexpr Int32 kAfterConfiguration = 2;
+constexpr Int32 kStatusLength = 3;
+constexpr Int32 kChangeLength = 3;
+
+// Bits of the status byte
+constexpr Int16 kStatusSheetInPath = 0x01;
+constexpr Int16 kStatusFault = 0x04;
+constexpr Int16 kStatusReady = 0x10;
+
+/// Takes the configuration up to its CR. False when the host has stopped.
+bool takeConfiguration(ReaderContract& oReader, std::string& sReturn)
+{
+    while (!sReturn.ends_with('\r')) {
+        DoEvents();
+        if (oReader.CancelScan())
+            return false;
+        if (oReader.fComm().mscComm().InBufferCount() > 0)
+            sReturn += oReader.fComm().mscComm().Input();
+    }
+    return true;
+}
+
+/// Asks for the configuration, positions from 1:
+///   1-2 format "22"   4-5 flags   7-8 timing channel   13-15 mode "INL"   16-17 threshold   19-21 decay   22 CR
+bool readConfiguration(ReaderContract& oReader, std::string& sReturn)
+{
+    oReader.fComm().mscComm().Output(frameCommand("GETCONFIG"));
+    Sleep(100);
+    if (oReader.fComm().mscComm().InBufferCount() != kConfigurationLength)
+        return failNCSEZ(kInitReader, 304);
+    if (!takeConfiguration(oReader, sReturn))
+        return false;
+    if (oReader.fComm().mscComm().InBufferCount() != kAfterConfiguration)
+        return failNCSEZ(kInitReader, 302);
+    if (!commandTakenNCSEZ(oReader, kInitReader, {.refused = 298, .unknown = 300}))
+        return false;
+    DoEvents();
+    return !oReader.CancelScan();
+}
+
+/// Corrects what the session needs to be different. False when a value cannot be corrected, or did not take.
+bool correctConfiguration(ReaderContract& oReader, const std::string& sConfiguration)
+{
+    if (Mid(sConfiguration, 1, 2) != "22")
+        return failNCSEZ(kInitReader, 306);
+    if (Mid(sConfiguration, 4, 2) != "03" && !SetValuesNCSEZ(oReader, "SETFLAGS03", Chr(3)))
+        return false;
+    if (Mid(sConfiguration, 7, 2) != "80" && !SetValuesNCSEZ(oReader, "SETTMCH0", "0"))
+        return false;
+    if (Mid(sConfiguration, 13, 3) != "INL")
+        return failNCSEZ(kInitReader, 308);
+    if (!CheckThresholdNCSEZ(oReader.RecognitionThreshold(), Mid(sConfiguration, 16, 2))) {
+        const std::string sThreshold = CStr(oReader.RecognitionThreshold());
+        if (!SetValuesNCSEZ(oReader, "SETTHRESH" + sThreshold, sThreshold))
+            return false;
+    }
+    return Mid(sConfiguration, 19, 3) == "1.5" || SetValuesNCSEZ(oReader, "SETDECAY3", "3");
+}
+
+void askStatus(ReaderContract& oReader)
+{
+    oReader.fComm().mscComm().Output(frameCommand("S"));
+    Sleep(100);
+}
+
+bool takeStatus(ReaderContract& oReader, Int16& iStatus)
+{
+    iStatus = Asc(oReader.fComm().mscComm().Input());
+    return commandTakenNCSEZ(oReader, kInitReader, {.refused = 310, .unknown = 312});
+}
+
+/// Takes out a sheet that lies in the path, and a second one that shows behind it.
+bool clearPath(ReaderContract& oReader, Int16& iStatus)
+{
+    if (!(iStatus & kStatusSheetInPath))
+        return true;
+    if (!RejectPageNCSEZ(oReader, True))
+        return false;
+    askStatus(oReader);
+    if (oReader.fComm().mscComm().InBufferCount() != kStatusLength)
+        return true;
+    if (!takeStatus(oReader, iStatus))
+        return false;
+    if (iStatus & kStatusSheetInPath)
+        RejectPageNCSEZ(oReader, True);
+    return true;
+}
+
+/// The echo of a change, then the letter that says whether it was taken.
+bool takeChange(ReaderContract& oReader, const std::string& sEcho, TextNumber wrongLength, TextNumber wrongEcho,
+                const LetterTexts& texts)
+{
+    if (oReader.fComm().mscComm().InBufferCount() != kChangeLength)
+        return failNCSEZ(kSetValues, wrongLength);
+    if (oReader.fComm().mscComm().Input() != sEcho)
+        return failNCSEZ(kSetValues, wrongEcho);
+    return commandTakenNCSEZ(oReader, kSetValues, texts);
+}
+
+} // namespace
+
+Boolean InitReaderNCSEZ(ReaderContract& oReader)
+{
+    Boolean bResult = False;
+    guarded(kInitReader, [&] {
+        oReader.fComm().mscComm().InputLen(1);
+        drainInput(oReader);
+        Sleep(100);
+        std::string sConfiguration;
+        if (!readConfiguration(oReader, sConfiguration) || !correctConfiguration(oReader, sConfiguration))
+            return;
+
+        askStatus(oReader);
+        if (oReader.fComm().mscComm().InBufferCount() != kStatusLength) {
+            failNCSEZ(kInitReader, 318);
+            return;
+        }
+        Int16 iStatus = 0;
+        if (!takeStatus(oReader, iStatus) || !clearPath(oReader, iStatus))
+            return;
+        if (iStatus & kStatusFault)
+            failNCSEZ(kInitReader, 314);
+        else if (iStatus & kStatusReady)
+            bResult = True;
+        else
+            failNCSEZ(kInitReader, 316);
+    });
+    return bResult;
+}
+
+Boolean SetValuesNCSEZ(ReaderContract& oReader, const std::string& sExecCmd, const std::string& sReturn)
+{
+    Boolean bResult = False;
+    guarded(kSetValues, [&] {
+        oReader.fComm().mscComm().InputLen(1);
+        oReader.fComm().mscComm().Output(frameCommand(sExecCmd));
+        Sleep(200);
+        if (!takeChange(oReader, sReturn, 326, 324, {.refused = 320, .unknown = 322}))
+            return;
+        oReader.fComm().mscComm().Output(frameCommand("CHECKSUM"));
+        Sleep(200);
+        if (!takeChange(oReader, "P", 334, 332, {.refused = 328, .unknown = 330}))
+            return;
+        oReader.fComm().mscComm().Output(frameCommand("RESET"));
+        Sleep(1500);
+        bResult = True;
+    });
+    return bResult;
+}
+
+Boolean CheckThresholdNCSEZ(Int16 iRecognitionThreshold, const std::string& sScannerThreshold)
+{
+    Boolean bResult = False;
+    guarded(kCheckThreshold, [&] {
+        // "60" stands for 0, "62" for 1, and so on to "78" for 9.
+        Int16 iCurrentThreshold = iRecognitionThreshold;
+        for (Int16 iThreshold = 0; iThreshold <= 9; ++iThreshold) {
+            if (sScannerThreshold == CStr(60 + 2 * iThreshold))
+                iCurrentThreshold = iThreshold;
+        }
+        bResult = iCurrentThreshold == iRecognitionThreshold;
+    });
+    return bResult;
+}
+
+Boolean CloseReaderNCSEZ(ReaderContract& oReader)
+{
+    Boolean bResult = False;
+    guarded(kCloseReader, [&] {
+        oReader.fComm().mscComm().InputLen(1);
+        if (oReader.CancelScan()) {
+            // A stopped run may have left a sheet in the path: what still comes is its sign.
+            Sleep(checkedMultiply(oReader.SleepTime(), 10));
+            const bool bNeedsEject = oReader.fComm().mscComm().InBufferCount() > 0;
+            drainInputWithPauses(oReader);
+            if (bNeedsEject)
+                oReader.RejectPage();
+        }
+        drainInput(oReader);
+        oReader.fComm().mscComm().Output(frameCommand("D"));
+        Sleep(100);
+        if (oReader.fComm().mscComm().InBufferCount() != 2) {
+            failNCSEZ(kCloseReader, 296);
+            return;
+        }
+        bResult = letterTakenNCSEZ(oReader, kCloseReader, {.refused = 290, .unknown = 294});
+    });
+    return bResult;
+}
+
+} // namespace kel

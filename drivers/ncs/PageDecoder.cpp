@@ -1,0 +1,139 @@
+#include "drivers/ncs/PageDecoder.h"
+
+#include "types/Text.h"
+
+namespace kel {
+
+namespace {
+
+constexpr Int32 kMostRows = 150;
+constexpr Int16 kColumns = 48;
+
+constexpr Byte kRowOfSide1 = 'a';
+constexpr Byte kRowOfSide2 = 'b';
+constexpr Byte kBarcodes = 'c';
+constexpr Byte kNextBarcode = 'd';
+constexpr Byte kRun = 0x15;
+constexpr Int16 kRunCountBase = 0x40;
+constexpr Byte kCarriageReturn = 0x0D;
+constexpr Byte kLineFeed = 0x0A;
+
+bool isLineEnd(Byte bByte)
+{
+    return bByte == kCarriageReturn || bByte == kLineFeed;
+}
+
+} // namespace
+
+PageDecoderNCS::PageDecoderNCS(bool bTwoSides) : bTwoSides_(bTwoSides), sBarcodeArr_(1, 1)
+{
+    sides_[0].marks.ReDim(kMostRows, kColumns);
+    if (bTwoSides)
+        sides_[1].marks.ReDim(kMostRows, kColumns);
+    sBarcodeArr_(1) = "?";
+}
+
+std::optional<PageDecoderNCS::RowFault> PageDecoderNCS::take(Byte bByte)
+{
+    switch (eRun_) {
+    case Run::Count:
+        iNumCompress_ = static_cast<Int16>(bByte - kRunCountBase);
+        eRun_ = Run::Value;
+        return std::nullopt;
+    case Run::Value:
+        eRun_ = Run::None;
+        if (bInBarcode_)
+            appendToBarcode(bByte, iNumCompress_);
+        else
+            takePositions(bByte, iNumCompress_);
+        return std::nullopt;
+    case Run::None: break;
+    }
+
+    if (bByte == kRowOfSide1)
+        return beginRow(1);
+    if (bByte == kRowOfSide2)
+        return beginRow(2);
+    if (bByte == kBarcodes)
+        beginBarcodes();
+    else if (bInBarcode_)
+        takeInBarcode(bByte);
+    else if (isLineEnd(bByte))
+        bDone_ = true;
+    else if (bByte == kRun)
+        eRun_ = Run::Count;
+    else
+        takePositions(bByte, 1);
+    return std::nullopt;
+}
+
+std::optional<PageDecoderNCS::RowFault> PageDecoderNCS::beginRow(int side)
+{
+    Side& here = sides_[side - 1];
+    std::optional<RowFault> fault;
+    if (iNumBytes_ != kColumns)
+        fault = RowFault{side, iNumBytes_, here.timingMarks};
+    iCurrentSide_ = side;
+    here.timingMarks = checkedAdd(here.timingMarks, 1);
+    iNumBytes_ = 0;
+    return fault;
+}
+
+void PageDecoderNCS::beginBarcodes()
+{
+    iNumBarcodes_ = 1;
+    sBarcodeArr_.ReDim(1, 1);
+    bInBarcode_ = true;
+}
+
+void PageDecoderNCS::takeInBarcode(Byte bByte)
+{
+    if (isLineEnd(bByte)) {
+        // The entry that the last separator has opened goes.
+        if (iNumBarcodes_ > 1) {
+            --iNumBarcodes_;
+            sBarcodeArr_.ReDimPreserve(iNumBarcodes_);
+        }
+        bDone_ = true;
+    } else if (bByte == kNextBarcode) {
+        // A barcode that is followed by another carries two characters in front that are not part of it.
+        std::string& sBarcode = sBarcodeArr_(iNumBarcodes_);
+        sBarcode.erase(0, 2);
+        iNumBarcodes_ = checkedAdd(iNumBarcodes_, 1);
+        sBarcodeArr_.ReDimPreserve(iNumBarcodes_);
+    } else if (bByte == kRun) {
+        eRun_ = Run::Count;
+    } else {
+        appendToBarcode(bByte, 1);
+    }
+}
+
+void PageDecoderNCS::appendToBarcode(Byte bByte, Int16 iCount)
+{
+    if (iCount > 0)
+        sBarcodeArr_(iNumBarcodes_).append(static_cast<std::size_t>(iCount), static_cast<char>(bByte));
+}
+
+void PageDecoderNCS::takePositions(Byte bByte, Int16 iNumCompress)
+{
+    iNumBytes_ = checkedAdd(iNumBytes_, iNumCompress);
+    const bool bStored = iCurrentSide_ == 1 || (iCurrentSide_ == 2 && bTwoSides_);
+    for (Int16 iCompressIndex = 0; bStored && iCompressIndex < iNumCompress; ++iCompressIndex)
+        sides_[iCurrentSide_ - 1].put(bByte);
+}
+
+void PageDecoderNCS::Side::put(Byte position)
+{
+    if (position >= '0' && position <= '9')
+        marks(row, column) = static_cast<Int16>(position - '0');
+    else if (position >= 'A')
+        marks(row, column) = static_cast<Int16>(position - 'A' + 10);
+    ++column;
+    if (column > kColumns) {
+        marks(row, kColumns) = 0;
+        column = 1;
+        row = checkedAdd(row, 1);
+    }
+}
+
+} // namespace kel

@@ -1,0 +1,77 @@
+#pragma once
+
+#include "types/Arrays.h"
+
+#include <optional>
+
+namespace kel {
+
+/// Decodes the reply of an OpScan to the start command, byte by byte.
+///
+///   row      "a" (side 1) or "b" (side 2), then 48 positions
+///   position a hexadecimal digit; a run of equal ones may come as 0x15, 0x40 + count, digit
+///   barcodes "c", then texts with "d" between them; runs as above
+///   end      CR or LF
+///
+/// "a", "b" and "c" are markers everywhere, also within a barcode; "d" outside the barcodes is a mark.
+class PageDecoderNCS {
+public:
+    /// A row marker that came when the row before it did not hold 48 positions.
+    struct RowFault {
+        int side;                  ///< of the marker
+        Int16 positions;           ///< received since the marker before
+        Int16 rowsCompletedBefore; ///< rows of that side before this marker
+    };
+
+    /// Side 2 is stored only if the sheet is read on two sides; otherwise its rows are only counted.
+    explicit PageDecoderNCS(bool bTwoSides);
+
+    /// Takes the next byte; a row length fault is told and the decoding goes on.
+    std::optional<RowFault> take(Byte bByte);
+
+    /// The reader has fallen silent within the barcodes, which ends the page. The entry opened last stays.
+    void endBySilence() { bDone_ = true; }
+
+    [[nodiscard]] bool isDone() const { return bDone_; }
+    [[nodiscard]] bool isInBarcode() const { return bInBarcode_; }
+    /// Whether the count byte or the value byte of a run is still to come.
+    [[nodiscard]] bool isInRun() const { return eRun_ != Run::None; }
+
+    [[nodiscard]] const MarkArray& side1() const { return sides_[0].marks; }
+    [[nodiscard]] const MarkArray& side2() const { return sides_[1].marks; }
+    /// Row markers seen.
+    [[nodiscard]] Int16 timingMarks(int side) const { return sides_[side - 1].timingMarks; }
+    /// From 1; a single "?" when the page held no barcodes.
+    [[nodiscard]] const TextArray& barcodes() const { return sBarcodeArr_; }
+
+private:
+    enum class Run { None, Count, Value };
+
+    struct Side {
+        MarkArray marks;
+        Int16 row = 1;
+        Int16 column = 1;
+        Int16 timingMarks = 0;
+
+        void put(Byte position);
+    };
+
+    std::optional<RowFault> beginRow(int side);
+    void beginBarcodes();
+    void takeInBarcode(Byte bByte);
+    void takePositions(Byte bByte, Int16 iNumCompress);
+    void appendToBarcode(Byte bByte, Int16 iCount);
+
+    Side sides_[2];
+    bool bTwoSides_;
+    int iCurrentSide_ = 0;
+    Int16 iNumBytes_ = 48; // so that the first row marker passes its check
+    Run eRun_ = Run::None;
+    Int16 iNumCompress_ = 0;
+    bool bInBarcode_ = false;
+    bool bDone_ = false;
+    Int16 iNumBarcodes_ = 0;
+    TextArray sBarcodeArr_;
+};
+
+} // namespace kel

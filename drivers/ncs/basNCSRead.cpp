@@ -1,0 +1,107 @@
+#include "drivers/ncs/basNCS.h"
+
+#include "drivers/common/Dialogue.h"
+#include "drivers/ncs/PageDecoder.h"
+#include "failure/basError.h"
+#include "failure/guarded.h"
+#include "platform/Platform.h"
+#include "types/Text.h"
+
+namespace kel {
+
+namespace {
+
+constexpr const char* kReadPage = "KELReader81 - basNCS.ReadPageNCS";
+constexpr const char* kStartOfSheet = "\x11";
+constexpr TextNumber kSilenceTitle = 184;
+
+/// Waits for the first byte of a sheet: for as long as it takes where the reader grades or the operator feeds, within
+/// the time-out where the feeder does. The stop flag counts in the untimed wait alone.
+bool sheetComes(ReaderContract& oReader)
+{
+    const bool bTimed = oReader.Feeder() && !oReader.ReaderGrade();
+    const Wait wait = waitForReply(oReader, {.cancellable = !bTimed, .timed = bTimed});
+    if (wait == Wait::TimedOut)
+        reportReaderFault(kReadPage, 274, kSilenceTitle);
+    return wait == Wait::Reply;
+}
+
+/// Waits for the next byte within a sheet; each wait has a whole time-out.
+bool byteComes(ReaderContract& oReader)
+{
+    if (waitForReply(oReader, {.cancellable = false}) == Wait::Reply)
+        return true;
+    reportReaderFault(kReadPage, 240, kSilenceTitle);
+    return false;
+}
+
+void reportRowFault(const PageDecoderNCS::RowFault& fault)
+{
+    std::string sText = fault.side == 1 ? VBLM_RTString(TextNumber(276)) : VBLM_RTString(TextNumber(284));
+    sText.append(kLineEnd).append(kLineEnd);
+    sText += VBLM_RTString(TextNumber(278)) + CStr(fault.positions);
+    sText.append(kLineEnd);
+    sText += VBLM_RTString(TextNumber(280)) + CStr(fault.rowsCompletedBefore);
+    reportReaderFault(kReadPage, sText, VBLM_RTString(TextNumber(282)));
+}
+
+/// Takes bytes until the page ends. False when the reader has fallen silent within it.
+bool readPage(ReaderContract& oReader, PageDecoderNCS& page)
+{
+    while (!page.isDone()) {
+        if (const auto fault = page.take(takeByte(oReader)))
+            reportRowFault(*fault);
+        while (page.isInRun()) {
+            if (!byteComes(oReader))
+                return false;
+            page.take(takeByte(oReader));
+        }
+
+        // Behind the CR that ends the page too: the LF that comes with it lets the loop end.
+        if (oReader.fComm().mscComm().InBufferCount() != 0)
+            continue;
+        if (!page.isInBarcode()) {
+            if (!byteComes(oReader))
+                return false;
+        } else {
+            Sleep(oReader.SleepTime());
+            if (oReader.fComm().mscComm().InBufferCount() == 0)
+                page.endBySilence();
+        }
+    }
+    return true;
+}
+
+} // namespace
+
+Boolean ReadPageNCS(ReaderContract& oReader)
+{
+    Boolean bResult = False;
+    guarded(kReadPage, [&] {
+        const bool bTwoSides = oReader.Duplex() && oReader.DuplexForm();
+        PageDecoderNCS page(bTwoSides);
+        drainInput(oReader);
+        oReader.fComm().mscComm().Output(kStartOfSheet);
+        if (!sheetComes(oReader))
+            return;
+        oReader.fComm().mscComm().InputLen(1);
+        if (!readPage(oReader, page))
+            return;
+
+        oReader.Side1TimingMarks(page.timingMarks(1));
+        if (bTwoSides)
+            oReader.Side2TimingMarks(page.timingMarks(2));
+        if (oReader.ReaderGrade())
+            Sleep(checkedMultiply(oReader.SleepTime(), 10));
+        drainInput(oReader);
+        if (!CheckStatusNCS(oReader))
+            return;
+        oReader.Side1Array(page.side1());
+        oReader.Side2Array(page.side2());
+        oReader.BarcodeArray(page.barcodes());
+        bResult = True;
+    });
+    return bResult;
+}
+
+} // namespace kel

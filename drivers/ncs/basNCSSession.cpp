@@ -1,0 +1,236 @@
+#include "drivers/ncs/basNCS.h"
+
+#include "drivers/common/Dialogue.h"
+#include "failure/basError.h"
+#include "failure/guarded.h"
+#include "platform/Platform.h"
+#include "reader/clsKELReaderPrinter.h"
+#include "types/Text.h"
+
+#include <array>
+
+namespace kel {
+
+namespace {
+
+constexpr const char* kInitReader = "KELReader81 - basNCS.InitReaderNCS";
+constexpr const char* kCloseReader = "KELReader81 - basNCS.CloseReaderNCS";
+constexpr const char* kCheckStatus = "KELReader81 - basNCS.CheckStatusNCS";
+constexpr const char* kGetScanMode = "KELReader81 - basNCS.GetScanModeNCS";
+constexpr const char* kSetScanMode = "KELReader81 - basNCS.SetScanModeNCS";
+constexpr const char* kPrint = "KELReader81 - basNCS.PrintNCS";
+constexpr const char* kRejectPage = "KELReader81 - basNCS.RejectPageNCS";
+constexpr const char* kEjectPage = "KELReader81 - basNCS.EjectPageNCS";
+
+constexpr TextNumber kNoReport = 256;
+constexpr TextNumber kNoReportTitle = 184;
+
+constexpr const char* kStart = "\x11";
+constexpr const char* kEject = "\x12";
+constexpr const char* kReject = "\x1B\x12";
+constexpr const char* kEndOfField = "\x04";
+constexpr const char* kEndWithoutFeeder = "\x0E";
+
+// The report on "s0"
+constexpr Int32 kReportLength = 51;
+constexpr std::size_t kReportDriverStatus = 34;
+constexpr std::size_t kReportScanMode = 48;
+// The report on "s1"
+constexpr Int32 kStatusLength = 4;
+constexpr std::size_t kStatusMost = 5;
+
+constexpr Int32 kMostPolls = 10;
+
+// By scan mode; none has no letter.
+constexpr std::array<const char*, 7> kModeLetters = {"", "i", "e", "t", "d", "w", "s"};
+
+struct StatusFault {
+    std::size_t byte;
+    int bit;
+    TextNumber message;
+    TextNumber title;
+};
+
+// Only the first that is set is reported.
+constexpr StatusFault kStatusFaults[] = {
+    {1, 0x02, 258, 260}, {1, 0x01, 262, 264}, {2, 0x08, 266, 268}, {2, 0x04, 270, 272}};
+
+// Of the session of this thread: the reader's driver status letter, and the scan mode found at the start.
+thread_local std::string sNCSAsyncCommDriverStatus;
+thread_local eScanMode eNCSScanMode = eScanModeNone;
+
+constexpr std::size_t kReportMost = 200;
+using ReportBytes = std::array<Byte, kReportMost + 1>;
+
+/// Takes a report byte by byte, up to so many bytes; what does not come stays 0.
+ReportBytes takeReport(ReaderContract& oReader, std::size_t most)
+{
+    ReportBytes bDataArr{};
+    oReader.fComm().mscComm().InputLen(1);
+    for (std::size_t lIndex = 0; lIndex < most && oReader.fComm().mscComm().InBufferCount() > 0; ++lIndex) {
+        const std::string sTaken = oReader.fComm().mscComm().Input();
+        if (!sTaken.empty())
+            bDataArr[lIndex] = static_cast<Byte>(sTaken.front());
+    }
+    return bDataArr;
+}
+
+/// Sends a query and waits until its report is there; the stop flag is not looked at.
+bool query(ReaderContract& oReader, const char* command, Int32 length, const char* source)
+{
+    drainInput(oReader);
+    oReader.fComm().mscComm().Output(command);
+    if (waitForReply(oReader, {.minimumCount = length, .cancellable = false}) == Wait::Reply)
+        return true;
+    reportReaderFault(source, kNoReport, kNoReportTitle);
+    return false;
+}
+
+/// Any mode is reached by way of "w" alone.
+bool changeMode(ReaderContract& oReader, eScanMode eMode)
+{
+    return SetScanModeNCS(oReader, eScanModeW) && SetScanModeNCS(oReader, eMode);
+}
+
+} // namespace
+
+Boolean InitReaderNCS(ReaderContract& oReader)
+{
+    Boolean bResult = False;
+    guarded(kInitReader, [&] {
+        sNCSAsyncCommDriverStatus.clear();
+        eNCSScanMode = eScanModeNone;
+        if (!GetScanModeNCS(oReader, eNCSScanMode))
+            return;
+        if (eNCSScanMode != eScanModeI) {
+            if (!changeMode(oReader, eScanModeI))
+                return;
+            eScanMode eMode = eScanModeNone;
+            for (Int32 lIndex = 0; eMode != eScanModeI; ++lIndex) {
+                if (!GetScanModeNCS(oReader, eMode))
+                    return;
+                if (lIndex > kMostPolls) {
+                    reportReaderFault(kInitReader, kNoReport, kNoReportTitle);
+                    return;
+                }
+            }
+        }
+        oReader.fComm().mscComm().Output("r");
+        bResult = True;
+    });
+    return bResult;
+}
+
+Boolean CloseReaderNCS(ReaderContract& oReader)
+{
+    Boolean bResult = False;
+    guarded(kCloseReader, [&] {
+        if (oReader.SleepTime() < 1)
+            oReader.SleepTime(50);
+        Sleep(checkedMultiply(oReader.SleepTime(), 2));
+        if (!oReader.Feeder())
+            oReader.fComm().mscComm().Output(kEndWithoutFeeder);
+        switch (eNCSScanMode) {
+        case eScanModeE:
+        case eScanModeT:
+        case eScanModeD:
+        case eScanModeS:
+            Sleep(checkedMultiply(oReader.SleepTime(), 2));
+            if (!changeMode(oReader, eNCSScanMode))
+                return;
+            break;
+        default: break;
+        }
+        bResult = True;
+    });
+    return bResult;
+}
+
+Boolean CheckStatusNCS(ReaderContract& oReader)
+{
+    Boolean bResult = False;
+    guarded(kCheckStatus, [&] {
+        if (!query(oReader, "s1", kStatusLength, kCheckStatus))
+            return;
+        const ReportBytes bDataArr = takeReport(oReader, kStatusMost);
+        if ((((bDataArr[1] & 3) | bDataArr[2]) & 15) == 0) {
+            bResult = True;
+            return;
+        }
+        for (const StatusFault& fault : kStatusFaults) {
+            if (!(bDataArr[fault.byte] & fault.bit))
+                continue;
+            reportReaderFault(kCheckStatus, fault.message, fault.title);
+            if (oReader.Rejecter())
+                RejectPageNCS(oReader);
+            return;
+        }
+    });
+    return bResult;
+}
+
+Boolean GetScanModeNCS(ReaderContract& oReader, eScanMode& eMode)
+{
+    Boolean bResult = False;
+    guarded(kGetScanMode, [&] {
+        if (!query(oReader, "s0", kReportLength, kGetScanMode))
+            return;
+        const ReportBytes bDataArr = takeReport(oReader, kReportMost);
+        sNCSAsyncCommDriverStatus = upperCase(Chr(bDataArr[kReportDriverStatus]));
+        const std::string sLetter = lowerCase(Chr(bDataArr[kReportScanMode]));
+        for (Int32 lMode = eScanModeI; lMode <= eScanModeS; ++lMode) {
+            if (sLetter == kModeLetters[static_cast<std::size_t>(lMode)])
+                eMode = static_cast<eScanMode>(lMode);
+        }
+        drainInput(oReader);
+        bResult = True;
+    });
+    return bResult;
+}
+
+Boolean SetScanModeNCS(ReaderContract& oReader, eScanMode eMode)
+{
+    Boolean bResult = False;
+    guarded(kSetScanMode, [&] {
+        drainInput(oReader);
+        if (eMode == eScanModeNone) {
+            reportReaderFault(kSetScanMode, 286, 288);
+            return;
+        }
+        std::string sCmd = "e";
+        if (eMode >= eScanModeI && eMode <= eScanModeS)
+            sCmd += kModeLetters[static_cast<std::size_t>(eMode)];
+        oReader.fComm().mscComm().Output(sCmd + kEndOfField);
+        Sleep(200);
+        if (sNCSAsyncCommDriverStatus.starts_with('A') || sNCSAsyncCommDriverStatus.starts_with('I'))
+            oReader.fComm().mscComm().Output(kStart);
+        drainInput(oReader);
+        bResult = True;
+    });
+    return bResult;
+}
+
+Boolean PrintNCS(ReaderContract& oReader)
+{
+    Boolean bResult = False;
+    guarded(kPrint, [&] {
+        if (oReader.Printer().isNothing())
+            return;
+        oReader.fComm().mscComm().Output("1" + formatZeros(oReader.Printer()->Distance(), 2) + kEndOfField);
+        oReader.fComm().mscComm().Output("2" + oReader.Printer()->Buffer1() + " " + kEndOfField);
+        bResult = True;
+    });
+    return bResult;
+}
+
+void RejectPageNCS(ReaderContract& oReader)
+{
+    guarded(kRejectPage, [&] { oReader.fComm().mscComm().Output(kReject); });
+}
+
+void EjectPageNCS(ReaderContract& oReader)
+{
+    guarded(kEjectPage, [&] { oReader.fComm().mscComm().Output(kEject); });
+}
+
+} // namespace kel

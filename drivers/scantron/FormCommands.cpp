@@ -1,0 +1,81 @@
+#include "drivers/scantron/FormCommands.h"
+
+#include "reader/clsKELReaderWindow.h"
+#include "types/Text.h"
+
+#include <initializer_list>
+
+namespace kel {
+
+namespace {
+
+std::string fields(std::string text, std::initializer_list<Int16> numbers)
+{
+    for (const Int16 number : numbers)
+        text += " " + CStr(number);
+    return text;
+}
+
+struct Extent {
+    Int16 first;
+    Int16 last;
+};
+
+Extent extentOf(Int16 start, Int16 count, Int16 gap)
+{
+    const Int16 far = farEndST(start, count, gap);
+    return gap < 1 ? Extent{far, start} : Extent{start, far};
+}
+
+} // namespace
+
+std::string frameST(const std::string& text)
+{
+    return "\x1B" + text + "\r";
+}
+
+std::string thresholdCommandST(Int16 threshold)
+{
+    return frameST(fields("THR=", {threshold}));
+}
+
+std::string formStartST(Int16 rows1, Int16 rows2, Int16 columns1)
+{
+    return frameST(fields("FRM=FS", {rows1, rows2, columns1}) + " N N N");
+}
+
+std::string pageDefinitionST(int side, Int16 rows, Int16 columns)
+{
+    return frameST(fields("FRM=DK " + CStr(side) + " 1 1", {rows, columns}) + fields(" L", {rows, columns}));
+}
+
+std::string columnDefinitionST(int side, Int16 rows, Int16 columns)
+{
+    if (columns < 0)
+        throw RuntimeFailure(FailureCode::InvalidProcedureCall);
+    return frameST(fields("FRM=MC Y N 1 " + CStr(side) + " 1 1", {rows, columns}) + fields(" L", {rows, columns}) +
+                   " " + std::string(static_cast<std::size_t>(columns), '1'));
+}
+
+std::string windowDefinitionST(int side, const clsKELReaderWindow& window)
+{
+    const Extent columns = extentOf(window.StartCol(), window.NumCols(), window.ColGap());
+    const Extent rows = extentOf(window.StartRow(), window.NumRows(), window.RowGap());
+    const std::string rectangle =
+        fields("FRM=DK " + CStr(side), {rows.first, columns.first, rows.last, columns.last});
+    if (window.Orientation() == 1)
+        return frameST(rectangle + fields(" L", {window.NumRows(), window.NumCols()}));
+    return frameST(rectangle + fields(" C", {window.NumCols(), window.NumRows()}));
+}
+
+std::string formEndST()
+{
+    return frameST("FRM=LS");
+}
+
+Int16 farEndST(Int16 start, Int16 count, Int16 gap)
+{
+    return checkedSubtract(checkedAdd(checkedMultiply(count, gap), start), gap);
+}
+
+} // namespace kel

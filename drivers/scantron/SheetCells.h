@@ -1,0 +1,66 @@
+#pragma once
+
+#include "types/Arrays.h"
+
+#include <optional>
+
+namespace kel {
+
+class clsKELReaderWindow;
+
+/// The byte that ends the transfer of a sheet.
+inline constexpr Byte kTransferEndST = 0x0D;
+
+/// Puts the bytes of a page transfer into the cells of one side, row after row of 48 columns, whatever the array's own
+/// width is: a narrower array is run out of its bounds, which is failure 9.
+class PageSideST {
+public:
+    PageSideST(MarkArray& marks, Int16 offset) : marks_(marks), offset_(offset) {}
+
+    void store(Byte value);
+
+    /// The row of the next byte, and of the last one that was stored (0 before the first).
+    [[nodiscard]] Int16 nextRow() const { return iRowCount_; }
+    [[nodiscard]] Int16 lastRow() const { return iLastRow_; }
+
+private:
+    MarkArray& marks_;
+    Int16 offset_;
+    Int16 iRowCount_ = 1;
+    Int16 iColCount_ = 1;
+    Int16 iLastRow_ = 0;
+};
+
+/// The cells of a read window in the order in which the reader sends them: column by column for orientation 0, row by
+/// row for any other. A window that runs towards lower numbers is walked from its low end.
+class WindowCellsST {
+public:
+    struct Cell {
+        Int16 row;
+        Int16 column;
+    };
+
+    explicit WindowCellsST(const clsKELReaderWindow& window);
+
+    /// The next cell, nothing behind the last one. Numbers beyond 16 bits are failure 6.
+    [[nodiscard]] std::optional<Cell> next();
+
+private:
+    /// One direction of the window: cell i lies at gap * i + start - gap.
+    struct Direction {
+        Direction(Int16 startAt, Int16 count, Int16 signedGap);
+        [[nodiscard]] Int16 at(Int16 index) const;
+
+        Int16 start;
+        Int16 gap;
+        Int16 length;
+    };
+
+    Direction rows_;
+    Direction columns_;
+    bool byColumns_;
+    Int16 iOuter_ = 1;
+    Int16 iInner_ = 0;
+};
+
+} // namespace kel

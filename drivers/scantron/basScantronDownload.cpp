@@ -1,0 +1,154 @@
+#include "drivers/scantron/basScantron.h"
+
+#include "drivers/scantron/FormCommands.h"
+#include "failure/basError.h"
+#include "failure/guarded.h"
+#include "reader/clsKELReaderWindows.h"
+#include "types/Text.h"
+
+#include <concepts>
+
+namespace kel {
+
+namespace {
+
+constexpr const char* kDownloadForm = "KELReader81 - basScantron.DownloadFormST";
+
+thread_local Int16 recognitionOffset = 0;
+
+/// What the reports say of the two sides.
+struct SideTexts {
+    int side;
+    TextNumber windowFailed;
+    TextNumber pageFailed;
+    TextNumber name;
+};
+
+constexpr SideTexts kSide1 = {1, 438, 438, 442};
+constexpr SideTexts kSide2 = {2, 450, 446, 448};
+
+/// The models that take their threshold at the start, a form of column definitions, and send raw values.
+bool isColumnModel(kelReaderType eReaderType)
+{
+    return eReaderType == kelReaderTypeScantron8000 || eReaderType == kelReaderTypeScantron8400;
+}
+
+/// Sends a command of the form; one that is not acknowledged is reported in the words that `describe` gives.
+template <std::invocable Describe>
+bool send(ReaderContract& oReader, const std::string& sCmd, Describe&& describe)
+{
+    if (SendCommandST(oReader, sCmd))
+        return true;
+    reportReaderFault(kDownloadForm, describe(), VBLM_RTString(TextNumber(188)));
+    return false;
+}
+
+bool send(ReaderContract& oReader, const std::string& sCmd, TextNumber failed)
+{
+    return send(oReader, sCmd, [&] { return VBLM_RTString(failed); });
+}
+
+/// The place of a definition within the job: message, sheet and side, one to a line.
+std::string placeOf(TextNumber failed, const SideTexts& texts, Int16 iSheetIndex)
+{
+    std::string sText = VBLM_RTString(failed);
+    sText.append(kLineEnd).append(kLineEnd);
+    sText += VBLM_RTString(TextNumber(440)) + CStr(iSheetIndex);
+    sText.append(kLineEnd);
+    return sText + VBLM_RTString(texts.name);
+}
+
+bool sendWindow(ReaderContract& oReader, const clsKELReaderWindow& cWindow, const SideTexts& texts, Int16 iSheetIndex,
+                Int32 lIndex)
+{
+    return send(oReader, windowDefinitionST(texts.side, cWindow), [&] {
+        std::string sText = placeOf(texts.windowFailed, texts, iSheetIndex);
+        sText.append(kLineEnd);
+        return sText + VBLM_RTString(TextNumber(444)) + CStr(lIndex);
+    });
+}
+
+/// The windows of page 1, up to the first of a later page.
+bool sendWindowsOfSide1(ReaderContract& oReader, Int16 iSheetIndex)
+{
+    const Int32 lCount = oReader.Windows()->Count();
+    for (Int32 lIndex = 1; lIndex <= lCount; ++lIndex) {
+        const Reference<clsKELReaderWindow> cWindow = oReader.Windows()->Item(lIndex);
+        if (cWindow->Page() > 1)
+            break;
+        if (!sendWindow(oReader, *cWindow, kSide1, iSheetIndex, lIndex))
+            return false;
+    }
+    return true;
+}
+
+/// The windows of page 2, up to the first of a later page.
+bool sendWindowsOfSide2(ReaderContract& oReader, Int16 iSheetIndex)
+{
+    const Int32 lCount = oReader.Windows()->Count();
+    for (Int32 lIndex = 1; lIndex <= lCount; ++lIndex) {
+        const Reference<clsKELReaderWindow> cWindow = oReader.Windows()->Item(lIndex);
+        if (cWindow->Page() > 2)
+            break;
+        if (cWindow->Page() == 2 && !sendWindow(oReader, *cWindow, kSide2, iSheetIndex, lIndex))
+            return false;
+    }
+    return true;
+}
+
+/// The one rectangle of a side; a side without rows has none.
+bool sendPage(ReaderContract& oReader, const PageArray& iRowsArr, const PageArray& iColsArr, const SideTexts& texts,
+              Int16 iSheetIndex)
+{
+    if (iRowsArr(iSheetIndex) <= 0)
+        return true;
+    const auto definition = isColumnModel(oReader.ReaderType()) ? columnDefinitionST : pageDefinitionST;
+    return send(oReader, definition(texts.side, iRowsArr(iSheetIndex), iColsArr(iSheetIndex)),
+                [&] { return placeOf(texts.pageFailed, texts, iSheetIndex); });
+}
+
+} // namespace
+
+Int16& iRecognitionOffset()
+{
+    return recognitionOffset;
+}
+
+Boolean DownloadFormST(ReaderContract& oReader)
+{
+    Boolean bResult = False;
+    guarded(kDownloadForm, [&] {
+        const bool bColumnModel = isColumnModel(oReader.ReaderType());
+        iRecognitionOffset() = bColumnModel ? 0 : 48;
+        if (bColumnModel && !send(oReader, thresholdCommandST(oReader.RecognitionThreshold()), 434))
+            return;
+
+        const PageArray iSide1RowsArr = oReader.Side1Rows();
+        const PageArray iSide1ColsArr = oReader.Side1Cols();
+        const PageArray iSide2RowsArr = oReader.Side2Rows();
+        const PageArray iSide2ColsArr = oReader.Side2Cols();
+        const Int32 lSheets = iSide1RowsArr.UBound();
+        for (Int16 iSheetIndex = 1; iSheetIndex <= lSheets; ++iSheetIndex) {
+            const bool bTwoSides = oReader.Duplex() && oReader.DuplexForm();
+            const Int16 iSide2Rows = bTwoSides ? iSide2RowsArr(iSheetIndex) : Int16{0};
+            if (!send(oReader, formStartST(iSide1RowsArr(iSheetIndex), iSide2Rows, iSide1ColsArr(iSheetIndex)), 436))
+                return;
+
+            const bool bPage = oReader.RecognitionMode() == kelRecognitionTypePage;
+            if (bPage ? !sendPage(oReader, iSide1RowsArr, iSide1ColsArr, kSide1, iSheetIndex)
+                      : !sendWindowsOfSide1(oReader, iSheetIndex))
+                return;
+            if (oReader.Duplex() && oReader.DuplexForm()) {
+                if (bPage ? !sendPage(oReader, iSide2RowsArr, iSide2ColsArr, kSide2, iSheetIndex)
+                          : !sendWindowsOfSide2(oReader, iSheetIndex))
+                    return;
+            }
+            if (!send(oReader, formEndST(), 452))
+                return;
+        }
+        bResult = True;
+    });
+    return bResult;
+}
+
+} // namespace kel

@@ -1,0 +1,186 @@
+#include "drivers/scantron/basScantron.h"
+
+#include "drivers/common/Dialogue.h"
+#include "drivers/scantron/FormCommands.h"
+#include "failure/basError.h"
+#include "failure/guarded.h"
+#include "platform/Platform.h"
+#include "reader/clsKELReaderPrinter.h"
+#include "types/Text.h"
+
+namespace kel {
+
+namespace {
+
+constexpr const char* kInitReader = "KELReader81 - basScantron.InitReaderST";
+constexpr const char* kCloseReader = "KELReader81 - basScantron.CloseReaderST";
+constexpr const char* kResetReader = "KELReader81 - basScantron.ResetReaderST";
+constexpr const char* kSendCommand = "KELReader81 - basScantron.SendCommandST";
+constexpr const char* kCheckStatus = "KELReader81 - basScantron.CheckStatusST";
+constexpr const char* kCheckStatusMisspelt = "KELReader81 - basScantron.heckStatusST";
+constexpr const char* kRejectPage = "KELReader81 - basScantron.RejectPageST";
+constexpr const char* kPrint = "KELReader81 - basScantron.PrintST";
+
+constexpr TextNumber kNoAnswer = 428;
+constexpr TextNumber kResetTitle = 184;
+constexpr TextNumber kStatusTitle = 188;
+
+constexpr std::size_t kStatusLength = 12;
+// Bits of the status block's position 9
+constexpr Int16 kStatusFault40 = 0x40;
+constexpr Int16 kStatusFault10 = 0x10;
+constexpr Int16 kStatusSheet = 0x01;
+
+constexpr Int32 kLongestPrint = 125;
+
+/// What the 12 characters of a status block say; position 1 is the first.
+ScantronReady judgeStatus(const std::string& sStatus)
+{
+    const char position2 = sStatus[1];
+    const char position3 = sStatus[2];
+    if (position2 == '1' && position3 == ' ')
+        reportReaderFault(kCheckStatusMisspelt, 460, kStatusTitle);
+    else if (position2 == '2')
+        reportReaderFault(kCheckStatus, VBLM_RTString(TextNumber(462)) + CStr(Int32{position2}),
+                          VBLM_RTString(TextNumber(464)));
+    if (position2 != '0')
+        return ScantronReady::Fault;
+
+    const Int16 iPos8 = Asc(Mid(sStatus, 9, 1));
+    if (iPos8 & kStatusFault40) {
+        reportReaderFault(kCheckStatus, 466, 268);
+        return ScantronReady::Fault;
+    }
+    if (iPos8 & kStatusFault10) {
+        reportReaderFault(kCheckStatus, 468, 470);
+        return ScantronReady::Fault;
+    }
+    return iPos8 & kStatusSheet ? ScantronReady::Sheet : ScantronReady::NoSheet;
+}
+
+} // namespace
+
+Boolean InitReaderST(ReaderContract& oReader)
+{
+    Boolean bResult = False;
+    guarded(kInitReader, [&] {
+        if (!ResetReaderST(oReader))
+            return;
+        if (DownloadFormST(oReader))
+            bResult = True;
+        else
+            ResetReaderST(oReader);
+    });
+    return bResult;
+}
+
+Boolean CloseReaderST(ReaderContract& oReader)
+{
+    Boolean bResult = False;
+    guarded(kCloseReader, [&] { bResult = ResetReaderST(oReader); });
+    return bResult;
+}
+
+Boolean ResetReaderST(ReaderContract& oReader)
+{
+    Boolean bResult = False;
+    guarded(kResetReader, [&] {
+        if (!oReader.fComm().mscComm().PortOpen()) {
+            bResult = True;
+            return;
+        }
+        oReader.fComm().mscComm().Output(frameST("SRST"));
+        switch (waitForReply(oReader)) {
+        case Wait::Cancelled: return;
+        case Wait::TimedOut: reportReaderFault(kResetReader, kNoAnswer, kResetTitle); return;
+        case Wait::Reply: break;
+        }
+        if (collectText(oReader).starts_with('\r'))
+            bResult = True;
+        else
+            reportReaderFault(kResetReader, 430, 432);
+    });
+    return bResult;
+}
+
+Boolean SendCommandST(ReaderContract& oReader, const std::string& sCmd)
+{
+    Boolean bResult = False;
+    guarded(kSendCommand, [&] {
+        oReader.fComm().mscComm().Output(sCmd);
+        if (waitForReply(oReader) == Wait::Reply)
+            bResult = collectText(oReader).starts_with('\r');
+    });
+    return bResult;
+}
+
+ScantronReady CheckStatusST(ReaderContract& oReader)
+{
+    ScantronReady eReady = ScantronReady::Fault;
+    guarded(kCheckStatus, [&] {
+        oReader.fComm().mscComm().Output(frameST("QSTS"));
+        switch (waitForReply(oReader)) {
+        case Wait::Cancelled: return;
+        case Wait::TimedOut: reportReaderFault(kCheckStatus, kNoAnswer, kStatusTitle); return;
+        case Wait::Reply: break;
+        }
+
+        // The block has one whole time-out of its own, and the stop flag is not looked at any more.
+        oReader.fComm().tmrScan().Enabled(True);
+        oReader.fComm().mscComm().InputLen(1);
+        std::string sStatus;
+        while (sStatus.size() < kStatusLength) {
+            DoEvents();
+            if (oReader.fComm().mscComm().InBufferCount() > 0)
+                sStatus += static_cast<char>(takeByte(oReader));
+            if (!oReader.fComm().tmrScan().Enabled()) {
+                reportReaderFault(kCheckStatus, kNoAnswer, kStatusTitle);
+                return;
+            }
+        }
+        oReader.fComm().tmrScan().Enabled(False);
+        eReady = judgeStatus(sStatus);
+    });
+    return eReady;
+}
+
+void ClearBufferST(ReaderContract& oReader)
+{
+    ignoringFailures([&] { drainInput(oReader); });
+}
+
+Boolean RejectPageST(ReaderContract& oReader, Boolean bRejectHopper)
+{
+    Boolean bResult = False;
+    guarded(kRejectPage, [&] {
+        if (bRejectHopper) {
+            oReader.fComm().mscComm().Output(frameST("PRN$ 1 N "));
+            oReader.fComm().mscComm().Output(frameST("EJCT C"));
+        } else {
+            oReader.fComm().mscComm().Output(frameST("EJCT A "));
+        }
+        switch (waitForReply(oReader)) {
+        case Wait::Cancelled: return;
+        case Wait::TimedOut: reportReaderFault(kRejectPage, 472, 474); return;
+        case Wait::Reply: break;
+        }
+        oReader.fComm().mscComm().InputLen(1);
+        ClearBufferST(oReader);
+        if (bRejectHopper)
+            Sleep(checkedMultiply(oReader.SleepTime(), 15));
+        bResult = static_cast<bool>(bRejectHopper);
+    });
+    return bResult;
+}
+
+Boolean PrintST(ReaderContract& oReader)
+{
+    Boolean bResult = False;
+    guarded(kPrint, [&] {
+        const std::string sText = Space(oReader.Printer()->Distance()) + oReader.Printer()->Buffer1();
+        bResult = SendCommandST(oReader, frameST("PRN$ 1 Y " + Left(sText, kLongestPrint)));
+    });
+    return bResult;
+}
+
+} // namespace kel

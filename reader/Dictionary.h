@@ -1,0 +1,80 @@
+#pragma once
+
+#include "types/Boolean.h"
+#include "types/Export.h"
+#include "types/Numbers.h"
+
+#include <cstddef>
+#include <map>
+#include "types/SourceLocation.h"
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace kel {
+
+/// A key of a dictionary: a whole number or a text. The number 1 and the text "1" are two keys.
+using DictionaryKey = std::variant<Int32, std::string>;
+
+/// What a key stands for: nothing yet, a whole number or a text.
+using DictionaryItem = std::variant<std::monostate, Int32, std::string>;
+
+/// An item as text: a number in decimal, nothing as an empty text.
+[[nodiscard]] KEL_PUBLIC std::string itemText(const DictionaryItem& item);
+
+/// Values of `Dictionary::CompareMode`: texts of keys are told apart exactly, or without regard to the case of
+/// ASCII letters.
+inline constexpr Int32 kBinaryCompare = 0;
+inline constexpr Int32 kTextCompare = 1;
+
+/// Items in the order in which their keys were added, each found by its key: the dictionary that scripting hosts
+/// know, with its members and their manners. It may be copied.
+class KEL_PUBLIC Dictionary {
+public:
+    /// How text keys are compared; a new dictionary compares them exactly. To be set while the dictionary is empty;
+    /// failure 5 afterwards, and for any other value.
+    [[nodiscard]] Int32 CompareMode() const { return lCompareMode_; }
+    void CompareMode(Int32 mode, SourceLocation where = SourceLocation::current());
+
+    /// Adds an item at the end. A key that is there already is failure 457.
+    void Add(const DictionaryKey& key, DictionaryItem item,
+             SourceLocation where = SourceLocation::current());
+
+    [[nodiscard]] Boolean Exists(const DictionaryKey& key) const;
+
+    /// The item of a key. Asking for a key that is not there adds it, with nothing as its item.
+    [[nodiscard]] DictionaryItem Item(const DictionaryKey& key);
+    /// Sets the item of a key, and adds a key that is not there.
+    void Item(const DictionaryKey& key, DictionaryItem item);
+
+    /// Gives an entry another key; it keeps its item and its place. Failure 32811 when `key` is not there, 457 when
+    /// `newKey` belongs to another entry.
+    void Key(const DictionaryKey& key, const DictionaryKey& newKey,
+             SourceLocation where = SourceLocation::current());
+
+    /// Keys and items in their order.
+    [[nodiscard]] std::vector<DictionaryKey> Keys() const;
+    [[nodiscard]] std::vector<DictionaryItem> Items() const;
+    [[nodiscard]] Int32 Count() const { return static_cast<Int32>(entries_.size()); }
+
+    /// Removes an entry. A key that is not there is failure 32811 "Element not found".
+    void Remove(const DictionaryKey& key, SourceLocation where = SourceLocation::current());
+    /// Empties the dictionary; `CompareMode` stays.
+    void RemoveAll();
+
+private:
+    struct Entry {
+        DictionaryKey key;
+        DictionaryItem item;
+    };
+
+    [[nodiscard]] DictionaryKey comparable(const DictionaryKey& key) const;
+    [[nodiscard]] std::size_t position(const DictionaryKey& key, SourceLocation where) const;
+    Entry& entryOf(const DictionaryKey& key);
+
+    Int32 lCompareMode_ = kBinaryCompare;
+    std::vector<Entry> entries_;
+    std::map<DictionaryKey, std::size_t> positions_; // by the comparable form of the key
+};
+
+} // namespace kel
