@@ -1,0 +1,62 @@
+#include "drivers/apperson/AppersonDialogue.h"
+
+#include "failure/basError.h"
+#include "platform/Platform.h"
+
+namespace kel {
+
+namespace {
+
+constexpr TextNumber kNotReadyTitle = 188;
+
+void reportNoAnswer(const char* source, const ExchangeFaultsAP& faults)
+{
+    if (faults.timedOut)
+        reportReaderFault(source, *faults.timedOut, kNotReadyTitle);
+    else
+        reportReaderFault(source, "There was no response from Apperson scanner while initializing.",
+                          "Initialize Error");
+}
+
+} // namespace
+
+constinit thread_local Boolean bAPReaderStarted = False;
+
+bool isOKAP(std::string_view sData)
+{
+    return sData.starts_with("OK");
+}
+
+bool awaitOKAP(ReaderContract& oReader, const char* source, const ExchangeFaultsAP& faults, CollectRules rules)
+{
+    switch (waitForReply(oReader)) {
+    case Wait::Cancelled: reportReaderFault(source, faults.cancelled, kNotReadyTitle); return false;
+    case Wait::TimedOut: reportNoAnswer(source, faults); return false;
+    case Wait::Reply: break;
+    }
+    if (isOKAP(collectText(oReader, rules)))
+        return true;
+    reportReaderFault(source, faults.refused, kNotReadyTitle);
+    return false;
+}
+
+bool exchangeAP(ReaderContract& oReader, const char* source, std::string_view scmd, const ExchangeFaultsAP& faults,
+                CollectRules rules)
+{
+    oReader.fComm().mscComm().Output(scmd);
+    return awaitOKAP(oReader, source, faults, rules);
+}
+
+bool collectBlockAP(ReaderContract& oReader, RawBlockAP& block)
+{
+    while (!block.isComplete()) {
+        DoEvents();
+        if (oReader.CancelScan())
+            return false;
+        if (oReader.fComm().mscComm().InBufferCount() > 0)
+            block.take(takeByte(oReader));
+    }
+    return true;
+}
+
+} // namespace kel

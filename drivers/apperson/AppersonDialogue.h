@@ -1,0 +1,39 @@
+#pragma once
+
+#include "drivers/apperson/RawBlock.h"
+#include "drivers/common/Dialogue.h"
+#include "strings/TextNumber.h"
+
+#include <optional>
+#include <string_view>
+
+namespace kel {
+
+/// Whether a BenchMark 3000 has been told to send sheets. From then on it sends one after the other by itself, so the
+/// command goes out once for a run of sheets.
+extern constinit thread_local Boolean bAPReaderStarted;
+
+/// What is reported when an exchange fails, all under one title. Without a number a missing answer is told in fixed
+/// words.
+struct ExchangeFaultsAP {
+    TextNumber cancelled = 186;
+    std::optional<TextNumber> timedOut = TextNumber(190);
+    TextNumber refused = 186;
+};
+
+/// Whether a reply says that the reader has done what it was told. What follows the two letters says nothing.
+[[nodiscard]] bool isOKAP(std::string_view sData);
+
+/// Waits for the reader's "OK". A cancel, too, is reported.
+[[nodiscard]] bool awaitOKAP(ReaderContract& oReader, const char* source, const ExchangeFaultsAP& faults = {},
+                             CollectRules rules = {.pauseWhenEmpty = true});
+
+/// Sends a command and waits for the reader's "OK".
+[[nodiscard]] bool exchangeAP(ReaderContract& oReader, const char* source, std::string_view scmd,
+                              const ExchangeFaultsAP& faults = {}, CollectRules rules = {.pauseWhenEmpty = true});
+
+/// Takes the bytes of a block until its status byte; the reader may wait for its sheet as long as it likes. False when
+/// the stop flag was set.
+[[nodiscard]] bool collectBlockAP(ReaderContract& oReader, RawBlockAP& block);
+
+} // namespace kel

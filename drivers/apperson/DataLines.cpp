@@ -1,0 +1,48 @@
+#include "drivers/apperson/DataLines.h"
+
+#include "types/Text.h"
+
+namespace kel {
+
+namespace {
+
+constexpr Byte kCarriageReturn = 13;
+constexpr Byte kLineFeed = 10;
+constexpr Int16 kLongestWord = 4;
+
+} // namespace
+
+LineEndAP BenchMarkLineAP::take(Byte byte)
+{
+    fields_.take(byte, False);
+    if (byte == kCarriageReturn)
+        bEOF_ = true;
+    if (!bEOF_ || byte != kLineFeed)
+        return LineEndAP::None;
+    if (fields_.iCharCount() > kLongestWord)
+        return LineEndAP::Sheet;
+    if (equalNoCase(Left(fields_.sData(), 2), "Z1"))
+        return LineEndAP::NoMoreSheets;
+    fields_.countAnew();
+    fields_.dropText();
+    bEOF_ = false;
+    return LineEndAP::None;
+}
+
+bool Advantage1200LineAP::take(Byte byte, Boolean bReaderGrade)
+{
+    fields_.take(byte, bReaderGrade);
+    if (bEOF_ && byte == kLineFeed)
+        return true;
+    bEOF_ = byte == kCarriageReturn;
+    return false;
+}
+
+void Advantage1200LineAP::next()
+{
+    fields_.countAnew();
+    fields_.numberQuestionsAnew();
+    oDataDict_.RemoveAll();
+}
+
+} // namespace kel

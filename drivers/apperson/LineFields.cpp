@@ -1,0 +1,93 @@
+#include "drivers/apperson/LineFields.h"
+
+#include "types/Text.h"
+
+#include <limits>
+
+namespace kel {
+
+namespace {
+
+using enum FieldUseAP;
+
+//   1 .. 12     17 .. 21   27 .. 39   40 .. 52    53 .. 65   66 .. 69     120 ..
+//   Student ID  Page 1 ID  Test ID    School ID   Class ID   Error Code   answers
+constexpr FieldEndAP kFieldsBenchMark3000[] = {
+    {12, Store, "Student ID"}, {16, Discard, ""},         {21, Store, "Page 1 ID"},
+    {26, Discard, ""},         {39, Store, "Test ID"},    {52, Store, "School ID"},
+    {65, Store, "Class ID"},   {69, Store, "Error Code"}, {118, Discard, ""},
+};
+
+//   1 .. 10     11            15 .. 18     19 .. 23   24 .. 28   34 ..
+//   Student ID  Test Version  Essay Score  Page 1 ID  Page 2 ID  answers
+constexpr FieldEndAP kFieldsAdvantage1200[] = {
+    {10, StoreTrimmed, "Student ID"},    {11, Store, "Test Version"}, {14, Discard, ""},
+    {18, StoreIfGraded, "Essay Score"},  {23, Store, "Page 1 ID"},    {28, StoreUnlessZeros, "Page 2 ID"},
+    {32, Discard, ""},
+};
+
+/// The letters that are marked for one question, with a tab between them.
+std::string lettersApart(const std::string& letters)
+{
+    std::string apart;
+    for (const char letter : letters) {
+        if (!apart.empty())
+            apart += '\t';
+        apart += letter;
+    }
+    return apart;
+}
+
+} // namespace
+
+constinit const LineLayoutAP kLayoutBenchMark3000AP = {kFieldsBenchMark3000, 120, std::numeric_limits<Int16>::max()};
+constinit const LineLayoutAP kLayoutAdvantage1200AP = {kFieldsAdvantage1200, 34, 10000};
+
+void LineFieldsAP::take(Byte byte, Boolean bReaderGrade)
+{
+    iCharCount_ = checkedAdd<Int16>(iCharCount_, 1);
+    if (iCharCount_ > layout_.mostBytes)
+        throw RuntimeFailure(FailureCode::SubscriptOutOfRange);
+    if (byte != ',')
+        sData_ += static_cast<char>(byte);
+
+    if (nextField_ < layout_.fields.size() && layout_.fields[nextField_].position == iCharCount_)
+        endField(layout_.fields[nextField_++], bReaderGrade);
+    else if (byte == ',' && iCharCount_ >= layout_.firstAnswer)
+        endAnswer();
+}
+
+void LineFieldsAP::countAnew()
+{
+    iCharCount_ = 0;
+    nextField_ = 0;
+}
+
+void LineFieldsAP::endField(const FieldEndAP& field, Boolean bReaderGrade)
+{
+    switch (field.use) {
+    case Discard: break;
+    case Store: oDataDict_.Add(field.key, sData_); break;
+    case StoreTrimmed: oDataDict_.Add(field.key, Trim(sData_)); break;
+    case StoreIfGraded:
+        if (bReaderGrade)
+            oDataDict_.Add(field.key, sData_);
+        break;
+    case StoreUnlessZeros:
+        if (!equalNoCase(sData_, "0000"))
+            oDataDict_.Add(field.key, sData_);
+        break;
+    }
+    sData_.clear();
+}
+
+void LineFieldsAP::endAnswer()
+{
+    const std::string sTempData = lettersApart(sData_);
+    if (!sTempData.empty())
+        oDataDict_.Add(Int32{iDataLines_}, sTempData);
+    iDataLines_ = checkedAdd<Int16>(iDataLines_, 1);
+    sData_.clear();
+}
+
+} // namespace kel

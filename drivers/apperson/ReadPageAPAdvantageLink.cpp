@@ -1,0 +1,63 @@
+#include "drivers/apperson/AppersonDialogue.h"
+#include "drivers/apperson/basApperson.h"
+#include "failure/basError.h"
+#include "failure/guarded.h"
+#include "types/Text.h"
+
+namespace kel {
+
+namespace {
+
+constexpr const char* kReadPage = "KELReader81 - basApperson.ReadPageAPAdvantageLink";
+constexpr TextNumber kReaderErrorTitle = 194;
+
+/// Sends a command and gives the reader's reply; an empty one when none came or the stop flag was set.
+std::string ask(ReaderContract& oReader, std::string_view scmd)
+{
+    oReader.fComm().mscComm().Output(scmd);
+    if (waitForReply(oReader) != Wait::Reply)
+        return {};
+    return collectText(oReader, {.pauseWhenEmpty = true});
+}
+
+void reportAndDrain(ReaderContract& oReader, Int16 iErrCode)
+{
+    reportReaderFault(kReadPage, ReturnErrorAP(iErrCode), VBLM_RTString(kReaderErrorTitle));
+    drainInputWithPauses(oReader);
+}
+
+} // namespace
+
+Boolean ReadPageAPAdvantageLink(ReaderContract& oReader)
+{
+    Boolean bResult = False;
+    guarded(kReadPage, [&] {
+        if (!isOKAP(ask(oReader, "FB\r")))
+            return;
+
+        oReader.fComm().mscComm().Output("FD\r");
+        oReader.fComm().mscComm().InputLen(1);
+        RawBlockAP block = newBlockAdvantageLinkAP();
+        if (!collectBlockAP(oReader, block))
+            return;
+        if (block.status() != kStatusAdvantageLinkAP) {
+            reportAndDrain(oReader, block.status());
+            return;
+        }
+        MarkArray iSide1Arr(oReader.LargestSide1Rows(), oReader.LargestSide1Cols());
+        setMarksAdvantageLinkAP(iSide1Arr, block);
+
+        const std::string sData = ask(oReader, "FE\r");
+        if (sData.empty())
+            return;
+        if (!isOKAP(sData)) {
+            reportAndDrain(oReader, Asc(sData));
+            return;
+        }
+        oReader.Side1Array(iSide1Arr);
+        bResult = True;
+    });
+    return bResult;
+}
+
+} // namespace kel

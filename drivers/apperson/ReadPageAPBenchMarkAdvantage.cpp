@@ -1,0 +1,72 @@
+#include "drivers/apperson/AppersonDialogue.h"
+#include "drivers/apperson/DataLines.h"
+#include "drivers/apperson/basApperson.h"
+#include "failure/basError.h"
+#include "failure/guarded.h"
+#include "platform/Platform.h"
+
+namespace kel {
+
+namespace {
+
+constexpr const char* kReadPage = "KELReader81 - basApperson.ReadPageAPBenchMarkAdvantage";
+constexpr TextNumber kReadTitle = 196;
+
+/// Tells the reader to send its sheets. Its answer is not read here: it comes as a short line before the first sheet.
+bool startSheets(ReaderContract& oReader)
+{
+    oReader.fComm().mscComm().Output("B1");
+    switch (waitForReply(oReader)) {
+    case Wait::Cancelled: reportReaderFault(kReadPage, 198, kReadTitle); return false;
+    case Wait::TimedOut: reportReaderFault(kReadPage, 200, kReadTitle); return false;
+    case Wait::Reply: break;
+    }
+    oReader.fComm().mscComm().InputLen(1);
+    bAPReaderStarted = True;
+    return true;
+}
+
+/// Takes lines until one ends the read. Without a byte for as long as the timer runs there is no sheet either.
+LineEndAP collectLine(ReaderContract& oReader, BenchMarkLineAP& line)
+{
+    for (;;) {
+        DoEvents();
+        if (oReader.fComm().mscComm().InBufferCount() == 0) {
+            if (waitForReply(oReader) != Wait::Reply)
+                return LineEndAP::NoMoreSheets;
+        } else if (const LineEndAP end = line.take(takeByte(oReader)); end != LineEndAP::None) {
+            return end;
+        }
+    }
+}
+
+} // namespace
+
+Boolean ReadPageAPBenchMarkAdvantage(ReaderContract& oReader)
+{
+    Boolean bResult = False;
+    guarded(kReadPage, [&] {
+        Dictionary oDataDict;
+        oDataDict.CompareMode(kTextCompare);
+        if (!bAPReaderStarted && !startSheets(oReader))
+            return;
+        BenchMarkLineAP line(oDataDict);
+        if (collectLine(oReader, line) == LineEndAP::NoMoreSheets) {
+            bAPReaderStarted = False;
+            return;
+        }
+
+        // The sheet is through the reader now: it counts as read even when the host fails in what follows.
+        bResult = True;
+        MarkArray iSide1Arr(oReader.LargestSide1Rows(), oReader.LargestSide1Cols());
+        MarkArray iSide2Arr;
+        TextArray sBarcodeArr;
+        Boolean bNeedsMoreData = False;
+        oReader.TranslateDataEvent(oDataDict, iSide1Arr, iSide2Arr, sBarcodeArr, bNeedsMoreData);
+        oReader.Side1Array(iSide1Arr);
+        oReader.BarcodeArray(sBarcodeArr);
+    });
+    return bResult;
+}
+
+} // namespace kel

@@ -1,0 +1,152 @@
+#include "drivers/apperson/basApperson.h"
+
+#include "drivers/apperson/AppersonDialogue.h"
+#include "drivers/apperson/ErrorTexts.h"
+#include "failure/basError.h"
+#include "failure/guarded.h"
+#include "reader/AnswerKeyObject.h"
+
+namespace kel {
+
+namespace {
+
+constexpr const char* kInitReader = "KELReader81 - basApperson.InitReaderAP";
+constexpr const char* kCloseReader = "KELReader81 - basApperson.CloseReaderAP";
+constexpr const char* kReadPage = "KELReader81 - basApperson.ReadPageAP";
+constexpr const char* kRejectPage = "KELReader81 - basApperson.RejectPageAP";
+constexpr const char* kEjectPage = "KELReader81 - basApperson.EjectPageAP";
+constexpr const char* kReturnError = "KELReader81 - basApperson.ReturnErrorAP";
+
+// The steps of the start whose failures are told in other words than the usual.
+constexpr ExchangeFaultsAP kDoNotGradeFaults = {.timedOut = std::nullopt};
+constexpr ExchangeFaultsAP kSendToHostFaults = {.cancelled = 192, .refused = 192};
+constexpr ExchangeFaultsAP kModeFaults = {.cancelled = 192};
+
+constexpr Int32 kModeReplyLength = 4;
+
+bool tell(ReaderContract& oReader, std::string_view scmd, const ExchangeFaultsAP& faults = {})
+{
+    return exchangeAP(oReader, kInitReader, scmd, faults);
+}
+
+/// BenchMark 3000 and Advantage 1200: commands of two letters.
+bool startLineReader(ReaderContract& oReader)
+{
+    if (!tell(oReader, "R1"))
+        return false;
+    if (oReader.AnswerKey() && !KeyReaderBenchMark3000Advantage1200(oReader))
+        return false;
+    if (!oReader.ReaderGrade() && !tell(oReader, "M6", kDoNotGradeFaults))
+        return false;
+    if (oReader.ReaderType() == kelReaderTypeAppersonBenchMark3000) {
+        for (const char* scmd : {"I1", "A9", "R6", "S1"}) {
+            if (!tell(oReader, scmd))
+                return false;
+        }
+    }
+    if (!tell(oReader, "M0"))
+        return false;
+    return oReader.ReaderType() != kelReaderTypeAppersonAdvantage1200 || tell(oReader, "M8");
+}
+
+/// Advantage Link and GradeMaster: commands end in CR.
+bool startAdvantageLink(ReaderContract& oReader)
+{
+    return oReader.ReaderGrade() || tell(oReader, "T1\r", kSendToHostFaults);
+}
+
+bool startGradeMaster(ReaderContract& oReader)
+{
+    if (!oReader.ReaderGrade() && !tell(oReader, "A1\r", kSendToHostFaults))
+        return false;
+    if (!tell(oReader, "S8\r", kSendToHostFaults))
+        return false;
+    // What follows its "OK" is the beginning of the first block.
+    return exchangeAP(oReader, kInitReader, "M3\r", kModeFaults,
+                      {.pauseWhenEmpty = true, .mostCharacters = kModeReplyLength});
+}
+
+const char* closeCommand(kelReaderType eReaderType)
+{
+    switch (eReaderType) {
+    case kelReaderTypeAppersonAdvantageLink: return "T2\r";
+    case kelReaderTypeAppersonGradeMaster: return "S9\r";
+    case kelReaderTypeAppersonBenchMark3000:
+    case kelReaderTypeAppersonAdvantage1200: return "R1";
+    default: return "";
+    }
+}
+
+} // namespace
+
+Boolean InitReaderAP(ReaderContract& oReader)
+{
+    Boolean bResult = False;
+    guarded(kInitReader, [&] {
+        switch (oReader.ReaderType()) {
+        case kelReaderTypeAppersonBenchMark3000:
+        case kelReaderTypeAppersonAdvantage1200: bResult = startLineReader(oReader); break;
+        case kelReaderTypeAppersonAdvantageLink: bResult = startAdvantageLink(oReader); break;
+        case kelReaderTypeAppersonGradeMaster: bResult = startGradeMaster(oReader); break;
+        default: bResult = True; break;
+        }
+    });
+    return bResult;
+}
+
+Boolean CloseReaderAP(ReaderContract& oReader)
+{
+    Boolean bResult = False;
+    guarded(kCloseReader, [&] {
+        bAPReaderStarted = False;
+        oReader.fComm().mscComm().Output(closeCommand(oReader.ReaderType()));
+        if (waitForReply(oReader, {.cancellable = false}) != Wait::Reply) {
+            reportReaderFault(kCloseReader, 182, 184);
+            return;
+        }
+        bResult = isOKAP(collectText(oReader));
+    });
+    return bResult;
+}
+
+Boolean ReadPageAP(ReaderContract& oReader)
+{
+    Boolean bResult = False;
+    guarded(kReadPage, [&] {
+        switch (oReader.ReaderType()) {
+        case kelReaderTypeAppersonAdvantageLink: bResult = ReadPageAPAdvantageLink(oReader); break;
+        case kelReaderTypeAppersonGradeMaster: bResult = ReadPageAPGradeMaster(oReader); break;
+        case kelReaderTypeAppersonBenchMark3000: bResult = ReadPageAPBenchMarkAdvantage(oReader); break;
+        case kelReaderTypeAppersonAdvantage1200: bResult = ReadPageAPAdvantage1200(oReader); break;
+        default: break;
+        }
+    });
+    return bResult;
+}
+
+Boolean RejectPageAP(ReaderContract& oReader)
+{
+    guarded(kRejectPage, [&] {
+        if (oReader.ReaderType() == kelReaderTypeAppersonBenchMark3000)
+            oReader.fComm().mscComm().Output("A7");
+    });
+    return False;
+}
+
+Boolean EjectPageAP(ReaderContract& oReader)
+{
+    guarded(kEjectPage, [&] {
+        if (oReader.ReaderType() == kelReaderTypeAppersonBenchMark3000)
+            oReader.fComm().mscComm().Output("A6");
+    });
+    return False;
+}
+
+std::string ReturnErrorAP(Int16 iErrCode)
+{
+    std::string sResult;
+    guarded(kReturnError, [&] { sResult = VBLM_RTString(errorTextAP(iErrCode)); });
+    return sResult;
+}
+
+} // namespace kel

@@ -1,0 +1,11 @@
+#pragma once
+
+#include "types/Numbers.h"
+
+namespace kel {
+
+/// What the reader last answered to the question for its emulation mode. It chooses the threshold commands and the
+/// words for fault codes, and outlives the session; models without emulation modes do not touch it.
+extern constinit thread_local Int16 iEmulationMode;
+
+} // namespace kel

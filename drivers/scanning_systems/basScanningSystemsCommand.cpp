@@ -1,0 +1,56 @@
+#include "drivers/common/Dialogue.h"
+#include "drivers/scanning_systems/EmulationMode.h"
+#include "drivers/scanning_systems/ScannerFaults.h"
+#include "drivers/scanning_systems/basScanningSystems.h"
+#include "failure/basError.h"
+#include "failure/guarded.h"
+#include "platform/Platform.h"
+#include "types/Text.h"
+
+namespace kel {
+
+namespace {
+
+constexpr const char* kSendCommand = "KELReader81 - basScanningSystems.SendCommandSS";
+constexpr const char* kReturnError = "KELReader81 - basScanningSystems.ReturnErrorSS";
+
+} // namespace
+
+std::string SendCommandSS(ReaderContract& oReader, const std::string& sCmd, Boolean bUseByteArray)
+{
+    std::string sResult;
+    guarded(kSendCommand, [&] {
+        oReader.fComm().mscComm().Output(sCmd);
+        switch (waitForReply(oReader)) {
+        case Wait::Cancelled: return;
+        case Wait::TimedOut: reportReaderFault(kSendCommand, 426, 184); return;
+        case Wait::Reply: break;
+        }
+
+        oReader.fComm().mscComm().InputLen(1);
+        std::string sData;
+        while (oReader.fComm().mscComm().InBufferCount() > 0) {
+            sData += bUseByteArray ? CStr(takeByte(oReader)) : oReader.fComm().mscComm().Input();
+            if (oReader.fComm().mscComm().InBufferCount() == 0)
+                Sleep(oReader.SleepTime());
+        }
+        sResult = sData;
+    });
+    return sResult;
+}
+
+void ReturnErrorSS(ReaderContract& oReader, const std::string& sErr)
+{
+    guarded(kReturnError, [&] {
+        const std::optional<FaultTextSS> fault = faultTextSS(oReader.ReaderType(), iEmulationMode, sErr);
+        if (!fault)
+            return;
+        std::string sText = VBLM_RTString(fault->text);
+        if (fault->behindCode)
+            sText += sErr + VBLM_RTString(*fault->behindCode);
+        if (!sText.empty())
+            reportReaderFault(kReturnError, sText, "Scanner Error");
+    });
+}
+
+} // namespace kel

@@ -1,0 +1,219 @@
+#include "drivers/common/Dialogue.h"
+#include "drivers/scanning_systems/Framing.h"
+#include "drivers/scanning_systems/PageReply.h"
+#include "drivers/scanning_systems/SheetReplies.h"
+#include "drivers/scanning_systems/WindowReply.h"
+#include "drivers/scanning_systems/basScanningSystems.h"
+#include "failure/basError.h"
+#include "failure/guarded.h"
+#include "platform/Platform.h"
+#include "reader/clsKELReaderBarcodes.h"
+#include "reader/clsKELReaderPrinter.h"
+#include "reader/clsKELReaderWindows.h"
+#include "types/Text.h"
+
+namespace kel {
+
+namespace {
+
+constexpr const char* kReadPage = "KELReader81 - basScanningSystems.ReadPageSS";
+constexpr const char* kReadEntirePage = "KELReader81 - basScanningSystems.ReadEntirePageSS";
+constexpr const char* kReadWindows = "KELReader81 - basScanningSystems.ReadWindowsSS";
+constexpr const char* kAddToArray = "KELReader81 - basScanningSystems.AddToArraySS";
+
+constexpr TextNumber kReadTitle = 196;
+
+constexpr Int32 kPageColumns = 48;
+
+bool wantsBarcode(ReaderContract& oReader)
+{
+    return oReader.Barcode() && oReader.Barcodes()->Count() > 0;
+}
+
+bool readsBothSides(ReaderContract& oReader)
+{
+    return oReader.Duplex() && oReader.DuplexForm();
+}
+
+/// Waits for the data of a sheet that is already under way, whatever the stop flag says. Silence is reported.
+bool dataComes(ReaderContract& oReader, const char* source)
+{
+    if (waitForReply(oReader, {.cancellable = false}) == Wait::Reply)
+        return true;
+    reportReaderFault(source, 380, kReadTitle);
+    return false;
+}
+
+/// The sheet's status, two digits a side: side 1 stands last. Side 2 counts only when it is read at all.
+bool statusIsGood(ReaderContract& oReader, const std::string& sData)
+{
+    const std::string sSide1 = Right(sData, 2);
+    if (sSide1 != kGoodStatusSS) {
+        ReturnErrorSS(oReader, sSide1);
+        return false;
+    }
+    const std::string sSide2 = Left(sData, 2);
+    if (sSide2 != kGoodStatusSS && readsBothSides(oReader)) {
+        ReturnErrorSS(oReader, sSide2);
+        return false;
+    }
+    return true;
+}
+
+/// Asks for the timing marks. A side that does not answer is left uncounted, and side 2 is not asked behind it.
+void readTimingMarks(ReaderContract& oReader)
+{
+    std::string sData = SendCommandSS(oReader, querySS("T"), False);
+    if (sData.empty())
+        return;
+    oReader.Side1TimingMarks(timingMarksSS(sData));
+    if (!readsBothSides(oReader))
+        return;
+    sData = SendCommandSS(oReader, std::string(kSide2SS) + querySS("T"), False);
+    if (!sData.empty())
+        oReader.Side2TimingMarks(timingMarksSS(sData));
+}
+
+/// Fetches the barcode into element 1; the pause gives the rest of the frame time to arrive.
+bool readBarcode(ReaderContract& oReader, TextArray& sBarcodeArr)
+{
+    oReader.fComm().mscComm().Output(settingSS("BA05"));
+    if (!dataComes(oReader, kReadPage))
+        return false;
+    sBarcodeArr.ReDim(1, 1);
+    Sleep(oReader.SleepTime());
+    while (oReader.fComm().mscComm().InBufferCount() > 0)
+        sBarcodeArr(1) += Chr(takeByte(oReader));
+    sBarcodeArr(1) = barcodeOfFrameSS(sBarcodeArr(1));
+    return true;
+}
+
+/// Fetches all marks of one side. The reply has no end of its own: it is over with the last row, or when nothing has
+/// come for one pause.
+bool readSide(ReaderContract& oReader, std::string_view prefix, Int16 iRows, ColumnLettersSS letters, MarkArray& marks)
+{
+    oReader.fComm().mscComm().Output(std::string(prefix) + readingSS("ED001" + formatZeros(iRows, 3)));
+    if (!dataComes(oReader, kReadEntirePage))
+        return false;
+    oReader.fComm().mscComm().InputLen(1);
+    PageReplySS reply(marks, letters);
+    while (oReader.fComm().mscComm().InBufferCount() > 0 && reply.row() <= iRows) {
+        PageStepSS step = PageStepSS::ElementOpen;
+        while (step != PageStepSS::ElementDone) {
+            step = reply.take(takeByte(oReader));
+            // The value that follows goes to the column before, and the read goes on.
+            if (step == PageStepSS::WrongColumn)
+                reportReaderFault(kReadEntirePage, 382, kReadTitle);
+            if (oReader.fComm().mscComm().InBufferCount() == 0)
+                Sleep(oReader.SleepTime());
+        }
+    }
+    return true;
+}
+
+/// Fetches the marks of the windows of one side.
+bool readWindowsOfSide(ReaderContract& oReader, std::string_view prefix, std::string& sOutput)
+{
+    oReader.fComm().mscComm().Output(std::string(prefix) + readingSS("R*"));
+    if (!dataComes(oReader, kReadWindows))
+        return false;
+    oReader.fComm().mscComm().InputLen(1);
+    while (oReader.fComm().mscComm().InBufferCount() != 0) {
+        sOutput += Chr(takeByte(oReader));
+        DoEvents();
+        if (oReader.fComm().mscComm().InBufferCount() == 0)
+            Sleep(oReader.SleepTime());
+    }
+    return true;
+}
+
+} // namespace
+
+Boolean ReadPageSS(ReaderContract& oReader)
+{
+    Boolean bResult = False;
+    guarded(kReadPage, [&] {
+        TextArray sBarcodeArr(0, 0);
+        drainInput(oReader);
+        if (wantsBarcode(oReader))
+            InitBarcodeSS(oReader);
+        if (oReader.Printer()->Initialized() && oReader.Printer()->Active())
+            InitPrinterSS(oReader);
+
+        // The reader answers when a sheet has passed: this is the wait for the sheet.
+        const std::string sData = SendCommandSS(oReader, "?\r", True);
+        if (sData.empty() || !statusIsGood(oReader, sData))
+            return;
+        readTimingMarks(oReader);
+        if (wantsBarcode(oReader) && !readBarcode(oReader, sBarcodeArr))
+            return;
+        oReader.BarcodeArray(sBarcodeArr);
+        bResult =
+            oReader.RecognitionMode() == kelRecognitionTypePage ? ReadEntirePageSS(oReader) : ReadWindowsSS(oReader);
+    });
+    return bResult;
+}
+
+Boolean ReadEntirePageSS(ReaderContract& oReader)
+{
+    Boolean bResult = False;
+    guarded(kReadEntirePage, [&] {
+        drainInput(oReader);
+        const bool bSR430 = oReader.ReaderType() == kelReaderTypeSekonicSR430;
+        MarkArray iSide1Arr(oReader.LargestSide1Rows(), kPageColumns);
+        MarkArray iSide2Arr;
+        if (!readSide(oReader, "", oReader.LargestSide1Rows(),
+                      bSR430 ? ColumnLettersSS::SR430 : ColumnLettersSS::Upwards, iSide1Arr))
+            return;
+        if (readsBothSides(oReader)) {
+            drainInput(oReader);
+            iSide2Arr.ReDim(oReader.LargestSide2Rows(), kPageColumns);
+            // The back is named upwards on every model.
+            if (!readSide(oReader, kSide2SS, oReader.LargestSide2Rows(), ColumnLettersSS::Upwards, iSide2Arr))
+                return;
+        }
+        oReader.Side1Array(iSide1Arr);
+        oReader.Side2Array(iSide2Arr);
+        bResult = True;
+    });
+    return bResult;
+}
+
+Boolean ReadWindowsSS(ReaderContract& oReader)
+{
+    Boolean bResult = False;
+    guarded(kReadWindows, [&] {
+        drainInput(oReader);
+        MarkArray iSide1Arr(oReader.LargestSide1Rows(), oReader.LargestSide1Cols());
+        MarkArray iSide2Arr;
+        std::string sOutput;
+        if (!readWindowsOfSide(oReader, "", sOutput))
+            return;
+        AddToArraySS(oReader, sOutput, 1, iSide1Arr);
+        if (readsBothSides(oReader)) {
+            drainInput(oReader);
+            iSide2Arr.ReDim(oReader.LargestSide2Rows(), oReader.LargestSide2Cols());
+            sOutput.clear();
+            if (!readWindowsOfSide(oReader, kSide2SS, sOutput))
+                return;
+            AddToArraySS(oReader, sOutput, 2, iSide2Arr);
+        }
+        oReader.Side1Array(iSide1Arr);
+        oReader.Side2Array(iSide2Arr);
+        bResult = True;
+    });
+    return bResult;
+}
+
+void AddToArraySS(ReaderContract& oReader, const std::string& sOutput, Int16 iPage, MarkArray& iPageArr)
+{
+    guarded(kAddToArray, [&] {
+        std::vector<Reference<clsKELReaderWindow>> windows;
+        const Int32 lWindows = oReader.Windows()->Count();
+        for (Int32 lWindow = 1; lWindow <= lWindows; ++lWindow)
+            windows.push_back(oReader.Windows()->Item(lWindow));
+        placeWindowReplySS(sOutput, windows, iPage, iPageArr);
+    });
+}
+
+} // namespace kel

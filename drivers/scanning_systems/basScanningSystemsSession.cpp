@@ -1,0 +1,140 @@
+#include "drivers/common/Dialogue.h"
+#include "drivers/scanning_systems/EmulationMode.h"
+#include "drivers/scanning_systems/Framing.h"
+#include "drivers/scanning_systems/SetUp.h"
+#include "drivers/scanning_systems/basScanningSystems.h"
+#include "failure/basError.h"
+#include "failure/guarded.h"
+#include "platform/Platform.h"
+#include "reader/clsKELReaderBarcodes.h"
+#include "reader/clsKELReaderWindows.h"
+#include "types/Text.h"
+
+namespace kel {
+
+constinit thread_local Int16 iEmulationMode = 0;
+
+namespace {
+
+constexpr const char* kInitReader = "KELReader81 - basScanningSystems.InitReaderSS";
+
+constexpr TextNumber kStartTitle = 376;
+
+constexpr Int32 kFirstZone = 1;
+constexpr Int32 kRejecterPosition = 6;
+
+/// Waits for an answer at the start, whatever the stop flag says. Silence is reported.
+bool answerComes(ReaderContract& oReader)
+{
+    if (waitForReply(oReader, {.cancellable = false}) == Wait::Reply)
+        return true;
+    reportReaderFault(kInitReader, 374, kStartTitle);
+    return false;
+}
+
+void startSR410(ReaderContract& oReader)
+{
+    oReader.fComm().mscComm().Output(readingSS("T").append("1").append(kCrSS));
+    oReader.fComm().mscComm().Output(readingSS("DL0" + CStr(oReader.RecognitionThreshold())));
+}
+
+void startSR430(ReaderContract& oReader)
+{
+    oReader.fComm().mscComm().Output(readingSS("T").append(kStxSS).append("2").append(kCrSS));
+    oReader.fComm().mscComm().Output(readingSS("DL" + formatZeros(oReader.RecognitionThreshold(), 2)));
+    oReader.fComm().mscComm().Output(settingSS("15"));
+}
+
+/// Loads the read windows; those with negative gaps are changed for good.
+void downloadWindows(ReaderContract& oReader)
+{
+    oReader.fComm().mscComm().Output(readingSS("Q"));
+    const Int32 lWindows = oReader.Windows()->Count();
+    for (Int32 lWindow = 1; lWindow <= lWindows; ++lWindow) {
+        const Reference<clsKELReaderWindow> cWindow = oReader.Windows()->Item(lWindow);
+        makeGapsPositiveSS(*cWindow);
+        oReader.fComm().mscComm().Output(windowCommandSS(*cWindow));
+    }
+}
+
+/// The start of the models with emulation modes.
+bool startInEmulationMode(ReaderContract& oReader)
+{
+    oReader.fComm().mscComm().Output(querySS("OM"));
+    if (!answerComes(oReader))
+        return false;
+    std::string sData = collectText(oReader);
+    iEmulationMode = CInt(Val(sData));
+
+    if (oReader.Rejecter()) {
+        oReader.fComm().mscComm().Output(querySS("O"));
+        if (!answerComes(oReader))
+            return false;
+        sData = collectText(oReader);
+        oReader.Rejecter(Mid(sData, kRejecterPosition, 1) == "1");
+    }
+
+    std::string sCmd = readingSS(thresholdTextSS(iEmulationMode, oReader.RecognitionThreshold()));
+    oReader.fComm().mscComm().Output(sCmd);
+    if (Left(sData, 1) > "1")
+        sCmd = settingSS("DD" + formatZeros(oReader.MarkDiscrimination(), 2));
+    // Readers that do not take the mark discrimination get the threshold a second time.
+    oReader.fComm().mscComm().Output(sCmd);
+
+    if (oReader.RecognitionMode() == kelRecognitionTypeWindow)
+        downloadWindows(oReader);
+    return true;
+}
+
+} // namespace
+
+Boolean InitReaderSS(ReaderContract& oReader)
+{
+    Boolean bResult = False;
+    guarded(kInitReader, [&] {
+        oReader.fComm().mscComm().Output(kResetSS);
+        if (!answerComes(oReader))
+            return;
+        // The last byte is the answer, whatever else the reset has brought up.
+        if (Asc(Right(collectText(oReader), 1)) != kAckSS) {
+            reportReaderFault(kInitReader, 378, kStartTitle);
+            return;
+        }
+
+        if (oReader.ReaderType() == kelReaderTypeScanningSystemsSR410)
+            startSR410(oReader);
+        else if (oReader.ReaderType() == kelReaderTypeSekonicSR430)
+            startSR430(oReader);
+        else if (!startInEmulationMode(oReader))
+            return;
+        bResult = True;
+    });
+    return bResult;
+}
+
+Boolean CloseReaderSS()
+{
+    return True;
+}
+
+void InitBarcodeSS(ReaderContract& oReader)
+{
+    // A step that fails leaves the next one to be tried.
+    ignoringFailures([&] { oReader.fComm().mscComm().Output(settingSS("BA00")); });
+    Sleep(oReader.SleepTime());
+    ignoringFailures([&] { oReader.fComm().mscComm().Output(settingSS("BA01")); });
+    Sleep(oReader.SleepTime());
+    ignoringFailures([&] {
+        const Int16 iDistance = oReader.Barcodes()->Item(kFirstZone)->Distance();
+        oReader.fComm().mscComm().Output(settingSS("BA10999" + CStr(iDistance)));
+    });
+}
+
+void InitPrinterSS(ReaderContract& oReader)
+{
+    ignoringFailures([&] { oReader.fComm().mscComm().Output(settingSS("P10")); });
+    Sleep(oReader.SleepTime());
+    ignoringFailures([&] { oReader.fComm().mscComm().Output(settingSS("P3100")); });
+}
+
+} // namespace kel

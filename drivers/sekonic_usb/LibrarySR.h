@@ -1,0 +1,13 @@
+#pragma once
+
+#include "platform/Platform.h"
+
+namespace kel {
+
+/// The maker's library, fetched anew for every call.
+inline OmrApi& omrApi()
+{
+    return platform().omrApiLoader().omrApi();
+}
+
+} // namespace kel

@@ -1,0 +1,165 @@
+#include "drivers/sekonic_usb/BarcodeAreaSR.h"
+#include "drivers/sekonic_usb/ErrorCodesSR.h"
+#include "drivers/sekonic_usb/LibrarySR.h"
+#include "drivers/sekonic_usb/MarkBytesSR.h"
+#include "drivers/sekonic_usb/basSekonicSR.h"
+#include "failure/basError.h"
+#include "failure/guarded.h"
+#include "reader/clsKELReaderPrinter.h"
+#include "types/Text.h"
+
+#include <algorithm>
+#include <optional>
+
+namespace kel {
+
+namespace {
+
+constexpr const char* kReadPage = "KELReader81 - basSekonicSR.ReadPageSR";
+constexpr const char* kPrint = "KELReader81 - basSekonicSR.PrintSR";
+
+constexpr TextNumber kReadTitle = 196;
+constexpr TextNumber kFrontMissing = 494;
+constexpr TextNumber kBackMissing = 496;
+
+constexpr Int32 kFront = 0;
+constexpr Int32 kBack = 1;
+
+/// Code 39, ITF, NW-7 and Code 128, whatever the zones ask for.
+constexpr Int32 kSymbologies = 0x17;
+static_assert(kSymbologies == (kelBarcodeTypeCode39 | kelBarcodeTypeITF | kelBarcodeTypeNW7 | kelBarcodeTypeCode128));
+
+constexpr Int32 kLongestBarcode = 512;
+constexpr Byte kAnyBarcode = 0x40;
+
+/// More than any reader counts; only a bound for what is set aside below.
+constexpr std::int64_t kMostBytesSetAside = 1 << 20;
+
+/// Tells the library where the barcodes are and which; True if they are to be fetched behind the sheet.
+bool prepareBarcodes(ReaderContract& oReader)
+{
+    SRBarcodeArea uBarcodeArea = barcodeAreaSR(*oReader.Barcodes());
+    if (omrApi().OMR_SetBarCodeArea(uBarcodeArea) == 0 || omrApi().OMR_SetBarCodeReadType(kSymbologies) == 0)
+        return false;
+    for (const Byte bType : {Byte{'a'}, Byte{'b'}, Byte{'c'}})
+        omrApi().OMR_SetBarCodeCheckDigit(bType, 0);
+    return true;
+}
+
+/// Fetches one side of the sheet into its cells; the number of its rows, nothing when the library does not deliver it.
+std::optional<Int16> fetchSide(Int32 lSide, SRRead& uRead, MarkArray& iSideArr)
+{
+    // What a library that counts more columns than a sheet has writes behind the last byte falls on room set aside.
+    const std::int64_t lRoom = std::clamp<std::int64_t>(std::int64_t{uRead.lRows} * uRead.lCols, kMostBytesSR,
+                                                        kMostBytesSetAside);
+    Array1<Byte> bSRArr(1, static_cast<Int32>(lRoom));
+    if (omrApi().OMR_GetMarks(lSide, uRead, &bSRArr(1)) == 0)
+        return std::nullopt;
+    bSRArr.ReDimPreserve(kMostBytesSR);
+    return copyMarksSR(bSRArr, uRead.lRows, uRead.lCols, iSideArr);
+}
+
+/// One barcode of the sheet; empty when the library does not deliver it.
+std::string fetchBarcode(Int32 lIndex)
+{
+    Int32 lDataLen = kLongestBarcode;
+    Byte bBcType = kAnyBarcode;
+    Array1<Byte> bBarcodeArr(1, kLongestBarcode);
+    if (omrApi().OMR_GetBarcodeData(lIndex, bBcType, lDataLen, &bBarcodeArr(1)) == 0 || lDataLen <= 0)
+        return {};
+    return Left(std::string(bBarcodeArr.elements().begin(), bBarcodeArr.elements().end()), lDataLen);
+}
+
+/// The barcodes of the sheet from index 1 on; one empty element at index 0 when there are none.
+TextArray fetchBarcodes()
+{
+    TextArray sBarcodeArr(0, 0);
+    Int32 lReadCount = 0;
+    Int32 lSettingCount = 0;
+    if (omrApi().OMR_GetBarcodeInfo(lReadCount, lSettingCount) != 0 && lReadCount > 0) {
+        sBarcodeArr.ReDim(1, lReadCount);
+        for (Int32 lIndex = 1; lIndex <= lReadCount; ++lIndex)
+            sBarcodeArr(lIndex) = fetchBarcode(lIndex);
+    }
+    return sBarcodeArr;
+}
+
+} // namespace
+
+Boolean ReadPageSR(ReaderContract& oReader, Int32 lRecognitionThreshold)
+{
+    Boolean bResult = False;
+    guarded(kReadPage, [&] {
+        MarkArray iSide1Arr(kMostRowsSR, kColumnsSR);
+        MarkArray iSide2Arr(kMostRowsSR, kColumnsSR);
+        TextArray sBarcodeArr(0, 0);
+
+        bool bReadBarcodes = false;
+        if (oReader.Barcode() && oReader.Barcodes()->Count() > 0)
+            bReadBarcodes = prepareBarcodes(oReader);
+
+        SRRead uRead;
+        uRead.lCols = omrApi().OMR_GetNumberOfColumnsToRead();
+        uRead.lRows = kMostRowsSR;
+        uRead.lThreshold = lRecognitionThreshold;
+
+        omrApi().OMR_FeedSheet();
+        const Int32 lReturn = omrApi().OMR_GetLastError();
+        switch (feedResultSR(lReturn)) {
+        case FeedResultSR::SheetRead: break;
+        case FeedResultSR::QuietStop: return;
+        case FeedResultSR::Failed: ReturnErrorSR(lReturn); return;
+        }
+
+        const auto iFrontRows = fetchSide(kFront, uRead, iSide1Arr);
+        if (!iFrontRows) {
+            reportReaderFault(kReadPage, kFrontMissing, kReadTitle);
+            return;
+        }
+        oReader.Side1TimingMarks(*iFrontRows);
+
+        if (oReader.Duplex() && oReader.DuplexForm()) {
+            uRead.lRows = kMostRowsSR;
+            const auto iBackRows = fetchSide(kBack, uRead, iSide2Arr);
+            if (!iBackRows) {
+                reportReaderFault(kReadPage, kBackMissing, kReadTitle);
+                return;
+            }
+            oReader.Side2TimingMarks(*iBackRows);
+        }
+
+        if (bReadBarcodes)
+            sBarcodeArr = fetchBarcodes();
+
+        oReader.Side1Array(iSide1Arr);
+        oReader.Side2Array(iSide2Arr);
+        oReader.BarcodeArray(sBarcodeArr);
+        bResult = True;
+    });
+    return bResult;
+}
+
+Boolean PrintSR(const Reference<clsKELReaderPrinter>& cPrinter)
+{
+    Boolean bResult = False;
+    guarded(kPrint, [&] {
+        if (cPrinter.isNothing() || !cPrinter->Active() || !cPrinter->Enabled() || !cPrinter->Initialized() ||
+            cPrinter->BufferCount() < 1)
+            return;
+        if (omrApi().OMR_SetPrintOrder(1, 2, 3) == 0)
+            return;
+        const Int32 lPosition = CLng(Val(CStr(cPrinter->Distance())));
+        if (omrApi().OMR_SetPrintPosition(lPosition) == 0)
+            return;
+        if (omrApi().OMR_SetPrintString(1, cPrinter->Buffer1().c_str()) == 0)
+            return;
+        if (omrApi().OMR_SetPrintString(2, cPrinter->Buffer2().c_str()) == 0)
+            return;
+        if (omrApi().OMR_SetPrintString(3, cPrinter->Buffer3().c_str()) == 0)
+            return;
+        bResult = True;
+    });
+    return bResult;
+}
+
+} // namespace kel
