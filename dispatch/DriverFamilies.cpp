@@ -1,5 +1,6 @@
 #include "dispatch/DriverFamilies.h"
 
+#include "drivers/apperson/basApperson.h"
 #include "drivers/chatsworth/basChatsworth.h"
 #include "drivers/ezdata/basNCSEZData.h"
 #include "drivers/ncs/basNCS.h"
@@ -116,6 +117,14 @@ constexpr DriverFamily kChatsworthAls = {
     .Eject = [](ReaderContract& oReader, Boolean& bSheetEjected) { bSheetEjected = RejectPageCT(oReader, False); },
 };
 
+constexpr DriverFamily kApperson = {
+    .Init = InitReaderAP,
+    .Close = CloseReaderAP,
+    .Read = ReadPageAP,
+    .Reject = [](ReaderContract& oReader) { RejectPageAP(oReader); },
+    .Eject = [](ReaderContract& oReader, Boolean&) { EjectPageAP(oReader); },
+};
+
 struct ModelRow {
     kelReaderType eReaderType;
     const DriverFamily* family;
@@ -159,6 +168,10 @@ constexpr ModelRow kModelRows[] = {
     {kelReaderTypeChatsworthOMR2000, &kChatsworth},
     {kelReaderTypeChatsworthACF200, &kChatsworth},
     {kelReaderTypeChatsworthACP200, &kChatsworth},
+    {kelReaderTypeAppersonAdvantageLink, &kApperson},
+    {kelReaderTypeAppersonGradeMaster, &kApperson},
+    {kelReaderTypeAppersonBenchMark3000, &kApperson},
+    {kelReaderTypeAppersonAdvantage1200, &kApperson},
 };
 
 } // namespace

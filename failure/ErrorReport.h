@@ -18,25 +18,26 @@ enum ErrorType : Int32 {
 
 /// A failure report, its fields in the order in which they are handed on.
 struct ErrorReport {
-    Int32 LineNumber = 0;          ///< number of the failing statement; 0 for a failure that the code itself detected
-    Int32 ErrorNumber = 0;         ///< number of the run-time failure, or the reader's own; 0 if there is none
+    Int32 LineNumber = 0;  ///< number of the failing statement; 0 for a failure that the code itself detected
+    Int32 ErrorNumber = 0; ///< number of the run-time failure, or the reader's own; 0 if there is none
     Int32 ErrorType = kErrorTypeReader;
-    std::string ErrorDescription;  ///< the failure's text
-    std::string ErrorSource;       ///< "KELReader81 - basScantron.InitReaderST"; reported without the component's name
-    std::string ErrorTitle;        ///< empty for run-time failures
-    std::string ButtonText1;       ///< button captions; empty for the default button
-    std::string ButtonText2;
-    std::string ButtonText3;
-    Int32 ButtonDefault = 1;       ///< 1 is the first button
-    std::string VariableText1;     ///< extra text to fill into the report
-    std::string VariableText2;
-    std::string VariableText3;
+    std::string ErrorDescription{}; ///< the failure's text
+    std::string ErrorSource{};      ///< "KELReader81 - basScantron.InitReaderST"; reported without the component's name
+    std::string ErrorTitle{};       ///< empty for run-time failures
+    std::string ButtonText1{};      ///< button captions; empty for the default button
+    std::string ButtonText2{};
+    std::string ButtonText3{};
+    Int32 ButtonDefault = 1;     ///< 1 is the first button
+    std::string VariableText1{}; ///< extra text to fill into the report
+    std::string VariableText2{};
+    std::string VariableText3{};
     Boolean ShowHelp = True;
-    std::optional<Boolean> vSilent; ///< a one-off value for the error object's `Silent`
+    std::optional<Boolean> vSilent{}; ///< a one-off value for the error object's `Silent`
 };
 
 /// The host's error object: where reports go once a host has registered one with `SetError`.
-class ErrorObject {
+class ErrorObject
+{
 public:
     virtual ~ErrorObject() = default;
 

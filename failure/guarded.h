@@ -7,10 +7,6 @@
 
 namespace kel {
 
-/// Turns what is being caught into a run-time failure: one as it is, exhausted memory into 7, and any other
-/// standard exception into 51 "Internal error" with its text. For use in a handler.
-[[nodiscard]] RuntimeFailure caughtFailure();
-
 /// Reports a run-time failure under a procedure's source: number, text and the failing statement's line, type 0.
 void reportRuntimeFailure(const char* source, const RuntimeFailure& failure);
 

@@ -85,8 +85,8 @@ void AnswerKey::AddQuestion(std::string name, std::vector<std::string> choices, 
 void AnswerKey::AddQuestion(std::string name, std::vector<std::string> choices, std::vector<std::string> correctAnswers,
                             Int32 choiceColumns)
 {
-    AddQuestion(makeReference<AnswerKeyEntry>(std::move(name), std::move(choices), choiceColumns,
-                                              std::move(correctAnswers)));
+    AddQuestion(
+        makeReference<AnswerKeyEntry>(std::move(name), std::move(choices), choiceColumns, std::move(correctAnswers)));
 }
 
 void AnswerKey::AddQuestion(Reference<AnswerKeyQuestion> question)

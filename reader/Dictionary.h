@@ -4,9 +4,9 @@
 #include "types/Export.h"
 #include "types/Numbers.h"
 
+#include "types/SourceLocation.h"
 #include <cstddef>
 #include <map>
-#include "types/SourceLocation.h"
 #include <string>
 #include <variant>
 #include <vector>
@@ -37,8 +37,7 @@ public:
     void CompareMode(Int32 mode, SourceLocation where = SourceLocation::current());
 
     /// Adds an item at the end. A key that is there already is failure 457.
-    void Add(const DictionaryKey& key, DictionaryItem item,
-             SourceLocation where = SourceLocation::current());
+    void Add(const DictionaryKey& key, DictionaryItem item, SourceLocation where = SourceLocation::current());
 
     [[nodiscard]] Boolean Exists(const DictionaryKey& key) const;
 
@@ -49,8 +48,7 @@ public:
 
     /// Gives an entry another key; it keeps its item and its place. Failure 32811 when `key` is not there, 457 when
     /// `newKey` belongs to another entry.
-    void Key(const DictionaryKey& key, const DictionaryKey& newKey,
-             SourceLocation where = SourceLocation::current());
+    void Key(const DictionaryKey& key, const DictionaryKey& newKey, SourceLocation where = SourceLocation::current());
 
     /// Keys and items in their order.
     [[nodiscard]] std::vector<DictionaryKey> Keys() const;

@@ -21,8 +21,12 @@ constexpr FieldEndAP kFieldsBenchMark3000[] = {
 //   1 .. 10     11            15 .. 18     19 .. 23   24 .. 28   34 ..
 //   Student ID  Test Version  Essay Score  Page 1 ID  Page 2 ID  answers
 constexpr FieldEndAP kFieldsAdvantage1200[] = {
-    {10, StoreTrimmed, "Student ID"},    {11, Store, "Test Version"}, {14, Discard, ""},
-    {18, StoreIfGraded, "Essay Score"},  {23, Store, "Page 1 ID"},    {28, StoreUnlessZeros, "Page 2 ID"},
+    {10, StoreTrimmed, "Student ID"},
+    {11, Store, "Test Version"},
+    {14, Discard, ""},
+    {18, StoreIfGraded, "Essay Score"},
+    {23, Store, "Page 1 ID"},
+    {28, StoreUnlessZeros, "Page 2 ID"},
     {32, Discard, ""},
 };
 

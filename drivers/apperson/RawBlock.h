@@ -41,7 +41,10 @@ private:
 ///
 /// Row 2 begins at byte 15 whatever the number of columns.
 inline constexpr Byte kStatusAdvantageLinkAP = 200;
-[[nodiscard]] inline RawBlockAP newBlockAdvantageLinkAP() { return {1200, kStatusAdvantageLinkAP}; }
+[[nodiscard]] inline RawBlockAP newBlockAdvantageLinkAP()
+{
+    return {1200, kStatusAdvantageLinkAP};
+}
 
 /// Fills in the marks as the reader sent them. Rows that lie beyond the block's room are failure 9.
 void setMarksAdvantageLinkAP(MarkArray& iSide1Arr, const RawBlockAP& block);
@@ -51,7 +54,10 @@ void setMarksAdvantageLinkAP(MarkArray& iSide1Arr, const RawBlockAP& block);
 ///     1 .. 10      11   12 .. 14       15     16    ...  status
 ///     identifier   -    error number   row 1  row 2
 inline constexpr Byte kStatusGradeMasterAP = 217;
-[[nodiscard]] inline RawBlockAP newBlockGradeMasterAP() { return {300, kStatusGradeMasterAP}; }
+[[nodiscard]] inline RawBlockAP newBlockGradeMasterAP()
+{
+    return {300, kStatusGradeMasterAP};
+}
 
 /// The identifier, and what stands in its place on a sheet that was not read or that has none.
 [[nodiscard]] std::string identifierGradeMasterAP(const RawBlockAP& block);

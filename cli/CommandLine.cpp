@@ -1,0 +1,79 @@
+#include "cli/CommandLine.h"
+
+#include "cli/CommandList.h"
+#include "cli/Commands.h"
+#include "cli/UsageError.h"
+
+#include <csignal>
+#include <iostream>
+
+namespace kel
+{
+
+namespace
+{
+
+int complain(const std::string& sentence, int status)
+{
+    std::cerr << "kelreader: " << sentence << std::endl;
+    return status;
+}
+
+/// What CLI11 has to say: help and version to standard output, a complaint as one line with a hint behind it.
+int answerParser(const CLI::App& app, const CLI::ParseError& error)
+{
+    if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success))
+        return app.exit(error, std::cout, std::cerr);
+    std::string command = "kelreader";
+    for (const CLI::App* chosen = &app; !chosen->get_subcommands().empty();) {
+        chosen = chosen->get_subcommands().front();
+        command += " " + chosen->get_name();
+    }
+    return complain(std::string(error.what()) + "; '" + command + " --help' tells what there is.", kUsageStatus);
+}
+
+} // namespace
+
+CLI::App& Commands::add(CLI::App& parent, const std::string& name, const std::string& description, Run run)
+{
+    CLI::App* command = parent.add_subcommand(name, description);
+    command->final_callback([this, command, run = std::move(run)] {
+        // A command with others below it runs itself only when none of those was called.
+        if (command->get_subcommands().empty())
+            chosen_ = run;
+    });
+    return *command;
+}
+
+void addFormat(CLI::App& command, std::string& format, const std::vector<std::string>& formats)
+{
+    format = formats.front();
+    command.add_option("--format", format, "How to write it")->check(CLI::IsMember(formats))->capture_default_str();
+}
+
+int runCommandLine(int argc, const char* const* argv)
+{
+    // A reader of our output that goes away is told as a failed write.
+    std::signal(SIGPIPE, SIG_IGN);
+
+    CLI::App app("Reads sheets with optical mark readers.", "kelreader");
+    app.set_version_flag("--version", "kelreader " KEL_VERSION);
+    app.require_subcommand(1);
+    Commands commands(app);
+#define KEL_ADD_COMMAND(add) add(commands);
+    KEL_COMMANDS(KEL_ADD_COMMAND)
+#undef KEL_ADD_COMMAND
+
+    try {
+        app.parse(argc, argv);
+        return commands.runChosen();
+    } catch (const CLI::ParseError& error) {
+        return answerParser(app, error);
+    } catch (const UsageError& error) {
+        return complain(error.what(), kUsageStatus);
+    } catch (const std::exception& failure) {
+        return complain(failure.what(), kFailedStatus);
+    }
+}
+
+} // namespace kel

@@ -1,0 +1,17 @@
+#pragma once
+
+// All commands of the program: each is one file in commands/, with the function that is named here.
+#define KEL_COMMANDS(command)                                                                                          \
+    command(addModelsCommand) command(addModelCommand) command(addPortsCommand) command(addScanCommand)                \
+        command(addSimulateCommand)
+
+namespace kel
+{
+
+class Commands;
+
+#define KEL_DECLARE_COMMAND(add) void add(Commands& commands);
+KEL_COMMANDS(KEL_DECLARE_COMMAND)
+#undef KEL_DECLARE_COMMAND
+
+} // namespace kel

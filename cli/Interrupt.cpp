@@ -1,0 +1,55 @@
+#include "cli/Interrupt.h"
+
+#include <csignal>
+#include <iterator>
+#include <unistd.h>
+
+namespace kel
+{
+
+namespace
+{
+
+constexpr int kSignals[] = {SIGINT, SIGTERM};
+
+volatile std::sig_atomic_t interrupts = 0;
+InterruptNote::Action interruptAction = nullptr;
+void* interruptContext = nullptr;
+struct sigaction previousActions[std::size(kSignals)];
+
+void noteInterrupt(int)
+{
+    if (interrupts != 0)
+        ::_exit(kInterruptedStatus);
+    interrupts = 1;
+    if (interruptAction)
+        interruptAction(interruptContext);
+}
+
+} // namespace
+
+InterruptNote::InterruptNote(Action action, void* context)
+{
+    interrupts = 0;
+    interruptAction = action;
+    interruptContext = context;
+    struct sigaction noting {
+    };
+    noting.sa_handler = noteInterrupt;
+    sigemptyset(&noting.sa_mask);
+    for (std::size_t i = 0; i < std::size(kSignals); ++i)
+        sigaction(kSignals[i], &noting, &previousActions[i]);
+}
+
+InterruptNote::~InterruptNote()
+{
+    for (std::size_t i = 0; i < std::size(kSignals); ++i)
+        sigaction(kSignals[i], &previousActions[i], nullptr);
+}
+
+bool InterruptNote::came()
+{
+    return interrupts != 0;
+}
+
+} // namespace kel

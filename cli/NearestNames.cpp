@@ -1,0 +1,85 @@
+#include "cli/NearestNames.h"
+
+#include "types/Text.h"
+
+#include <algorithm>
+#include <numeric>
+
+namespace kel
+{
+
+namespace
+{
+
+/// The smallest distance from `wanted` to the name, or to any run of its words: a person who types "Scanmrk 2500"
+/// leaves the maker away.
+std::size_t distanceToName(std::string_view wanted, std::string_view name)
+{
+    std::size_t smallest = editDistance(wanted, name);
+    for (std::size_t start = 0; start <= name.size(); ++start) {
+        if (start != 0 && name[start - 1] != ' ')
+            continue;
+        for (std::size_t end = start + 1; end <= name.size(); ++end) {
+            if (end == name.size() || name[end] == ' ')
+                smallest = std::min(smallest, editDistance(wanted, name.substr(start, end - start)));
+        }
+    }
+    return smallest;
+}
+
+} // namespace
+
+std::size_t editDistance(std::string_view a, std::string_view b)
+{
+    const std::string from = lowerCase(a);
+    const std::string to = lowerCase(b);
+    std::vector<std::size_t> row(to.size() + 1);
+    std::iota(row.begin(), row.end(), std::size_t{0});
+    for (std::size_t i = 1; i <= from.size(); ++i) {
+        std::size_t diagonal = row[0];
+        row[0] = i;
+        for (std::size_t j = 1; j <= to.size(); ++j) {
+            const std::size_t changed = diagonal + (from[i - 1] == to[j - 1] ? 0 : 1);
+            diagonal = row[j];
+            row[j] = std::min({row[j] + 1, row[j - 1] + 1, changed});
+        }
+    }
+    return row[to.size()];
+}
+
+std::vector<std::string> nearestNames(std::string_view wanted, const std::vector<std::string>& names, std::size_t count)
+{
+    struct Candidate {
+        std::size_t distance;
+        std::size_t wholeDistance;
+        const std::string* name;
+    };
+    std::vector<Candidate> candidates;
+    candidates.reserve(names.size());
+    for (const std::string& name : names)
+        candidates.push_back({distanceToName(wanted, name), editDistance(wanted, name), &name});
+    std::stable_sort(candidates.begin(), candidates.end(), [](const Candidate& a, const Candidate& b) {
+        return a.distance != b.distance ? a.distance < b.distance : a.wholeDistance < b.wholeDistance;
+    });
+
+    std::vector<std::string> nearest;
+    for (const Candidate& candidate : candidates) {
+        if (nearest.size() == count)
+            break;
+        nearest.push_back(*candidate.name);
+    }
+    return nearest;
+}
+
+std::string listed(const std::vector<std::string>& names, std::string_view lastLink)
+{
+    std::string text;
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        if (i > 0)
+            text += i + 1 == names.size() ? " " + std::string(lastLink) + " " : std::string(", ");
+        text += names[i];
+    }
+    return text;
+}
+
+} // namespace kel

@@ -1,0 +1,57 @@
+#pragma once
+
+#include "cli/FormFile.h"
+#include "cli/ScanEvents.h"
+#include "reader/clsKELReader.h"
+
+#include <functional>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace kel
+{
+
+/// What is printed on each sheet. `{date}`, `{sheet}` and `{barcode}` in the texts stand for today's date as
+/// 2024-01-31, the sheet's number and its first barcode.
+struct PrintRequest {
+    std::optional<std::string> print1;
+    std::optional<std::string> print2;
+    std::optional<std::string> print3;
+    std::optional<Int16> distance;
+
+    [[nodiscard]] bool wanted() const { return print1 || print2 || print3 || distance; }
+};
+
+/// What to do with a reader.
+struct ScanRequest {
+    kelReaderType model = kelReaderTypeNone;
+    ScanForm form;
+    std::vector<std::string> assignments; ///< "Property=Value", behind the model's defaults and the form
+    std::optional<Int16> port;
+    Int32 maxSheets = -1;
+    bool rejectBlank = false;
+    std::set<Int32> rejectSheets;
+    PrintRequest print;
+};
+
+/// How a scan came out.
+struct ScanResult {
+    BatchEnd end;
+    std::vector<ReportedFailure> failures;
+};
+
+/// Gives a reader the defaults of the model, the form, the port, the assignments and the print settings.
+/// UsageError for an assignment that is wrong.
+void prepareReader(clsKELReader& reader, const ScanRequest& request);
+
+/// Reads a batch with a reader that is prepared, and tells the sink of all that happens. While it runs, the reports of
+/// the whole process go to the sink, and `stopWanted` is asked now and then: once it says true, `CancelScan` is set.
+[[nodiscard]] ScanResult runScan(clsKELReader& reader, const ScanRequest& request, ScanSink& sink,
+                                 const std::function<bool()>& stopWanted = {});
+
+/// A print text with its placeholders filled in.
+[[nodiscard]] std::string filledIn(std::string text, Int32 sheet, const std::string& barcode);
+
+} // namespace kel

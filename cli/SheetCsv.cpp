@@ -1,0 +1,85 @@
+#include "cli/SheetCsv.h"
+
+#include "cli/FailureSentence.h"
+#include "types/Text.h"
+
+namespace kel
+{
+
+namespace
+{
+
+std::string marksOnly(const MarkArray& marks)
+{
+    std::string text;
+    for (Int32 row = 1; row <= marks.rows(); ++row) {
+        for (Int32 column = 1; column <= marks.columns(); ++column) {
+            if (marks(row, column) == 0)
+                continue;
+            if (!text.empty())
+                text += ' ';
+            text += CStr(row) + ":" + CStr(column) + "=" + CStr(marks(row, column));
+        }
+    }
+    return text;
+}
+
+std::string joined(const TextArray& texts)
+{
+    std::string result;
+    for (const std::string& text : texts.elements()) {
+        if (!text.empty())
+            result += (result.empty() ? "" : " ") + validUtf8(text);
+    }
+    return result;
+}
+
+std::string trueOrFalse(bool value)
+{
+    return value ? "true" : "false";
+}
+
+} // namespace
+
+std::string csvLine(const std::vector<std::string>& fields)
+{
+    std::string line;
+    for (std::size_t i = 0; i < fields.size(); ++i) {
+        if (i > 0)
+            line += ',';
+        if (fields[i].find_first_of(",\"\r\n") == std::string::npos)
+            line += fields[i];
+        else
+            line += '"' + replaceAll(fields[i], "\"", "\"\"") + '"';
+    }
+    return line + "\n";
+}
+
+void SheetCsv::writeHeading()
+{
+    if (!headingWritten_)
+        write_(csvLine({"sheet", "rejected", "printed", "side1TimingMarks", "side2TimingMarks", "barcodes", "side1",
+                        "side2", "record"}));
+    headingWritten_ = true;
+}
+
+void SheetCsv::sheet(const ScannedSheet& event)
+{
+    writeHeading();
+    write_(csvLine({CStr(event.sheet), trueOrFalse(event.rejected), trueOrFalse(event.printed),
+                    CStr(event.side1TimingMarks), CStr(event.side2TimingMarks), joined(event.barcodes),
+                    marksOnly(event.side1), marksOnly(event.side2), event.record ? jsonText(*event.record) : ""}));
+}
+
+void SheetCsv::failure(const ReportedFailure& event)
+{
+    tell_(failureSentence(event) + "\n");
+}
+
+void SheetCsv::end(const BatchEnd& event)
+{
+    static_cast<void>(event);
+    writeHeading();
+}
+
+} // namespace kel

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "cli/ScanEvents.h"
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace kel
+{
+
+/// Fields as one line of CSV, line end included: a field with a comma, a quote or a line end is quoted.
+[[nodiscard]] std::string csvLine(const std::vector<std::string>& fields);
+
+/// The scan as a table for a spreadsheet: a heading, then one row a sheet. `side1` and `side2` hold the marks alone,
+/// as row:column=value with blanks between; several barcodes stand with blanks between. Failures are no rows: they go
+/// to `tell`, as the end does not.
+class SheetCsv final : public ScanSink
+{
+public:
+    using Write = std::function<void(const std::string& text)>;
+
+    SheetCsv(Write write, Write tell) : write_(std::move(write)), tell_(std::move(tell)) {}
+
+    void sheet(const ScannedSheet& event) override;
+    void failure(const ReportedFailure& event) override;
+    void end(const BatchEnd& event) override;
+
+private:
+    void writeHeading();
+
+    Write write_;
+    Write tell_;
+    bool headingWritten_ = false;
+};
+
+} // namespace kel

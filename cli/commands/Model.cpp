@@ -1,0 +1,46 @@
+#include "cli/CommandList.h"
+#include "cli/Commands.h"
+#include "cli/ModelLookup.h"
+#include "cli/ModelTable.h"
+#include "cli/ProfileRecord.h"
+#include "cli/TextOutput.h"
+#include "profiles/clsKELReaderProfiles.h"
+#include "types/Text.h"
+
+namespace kel
+{
+
+namespace
+{
+
+struct Arguments {
+    std::string model;
+    std::string format;
+};
+
+int run(const Arguments& arguments)
+{
+    const clsKELReaderProfiles profiles;
+    const Reference<clsKELReaderProfile> profile = profiles.Item(CStr(modelNamed(arguments.model)));
+    TextOutput output;
+    if (arguments.format == "json")
+        output.writeOrFail(jsonText(jsonRecord(*profile)) + "\n");
+    else if (arguments.format == "csv")
+        output.writeOrFail(modelsAsCsv({profile}));
+    else
+        output.writeOrFail(modelAsTable(*profile));
+    return kDoneStatus;
+}
+
+} // namespace
+
+void addModelCommand(Commands& commands)
+{
+    const auto arguments = std::make_shared<Arguments>();
+    CLI::App& command =
+        commands.add("model", "Shows all properties of one model", [arguments] { return run(*arguments); });
+    command.add_option("model", arguments->model, "Its number, its name, or a part of the name")->required();
+    addFormat(command, arguments->format, {"table", "json", "csv"});
+}
+
+} // namespace kel

@@ -1,0 +1,99 @@
+#include "cli/CommandList.h"
+#include "cli/Commands.h"
+#include "cli/PortList.h"
+#include "cli/SerialDevices.h"
+#include "cli/TextOutput.h"
+#include "cli/UsageError.h"
+#include "platform/Platform.h"
+#include "types/Text.h"
+
+#include <filesystem>
+#include <iostream>
+
+namespace kel
+{
+
+namespace
+{
+
+struct Arguments {
+    std::string format;
+    Int32 port = 0;
+    std::string device;
+};
+
+int list(const Arguments& arguments)
+{
+    const std::vector<PortState> ports = portStates(PortMap(platform().registry()));
+    TextOutput output;
+    output.writeOrFail(arguments.format == "json" ? portsAsJson(ports) : portsAsTable(ports));
+    return kDoneStatus;
+}
+
+Int16 portNumber(const Arguments& arguments)
+{
+    if (arguments.port < PortMap::kFirstPort || arguments.port > PortMap::kLastPort)
+        throw UsageError("Ports have the numbers " + CStr(PortMap::kFirstPort) + " to " + CStr(PortMap::kLastPort) +
+                         ", not " + CStr(arguments.port) + ".");
+    return static_cast<Int16>(arguments.port);
+}
+
+/// A path that is given from the present folder still has to mean the same elsewhere.
+std::string wholeName(const std::string& device)
+{
+    std::error_code ignored;
+    return std::filesystem::exists(device, ignored) ? std::filesystem::absolute(device).lexically_normal().string()
+                                                    : device;
+}
+
+int set(const Arguments& arguments)
+{
+    const Int16 iPort = portNumber(arguments);
+    if (arguments.device.empty())
+        throw UsageError("The name of the device is empty; 'kelreader ports' lists the devices that are there.");
+    const std::string device = wholeName(arguments.device);
+    if (!PortMap(platform().registry()).set(iPort, device))
+        throw CommandFailure("The settings store cannot be written, so port " + CStr(iPort) + " stays as it was.");
+
+    std::error_code ignored;
+    if (device.starts_with('/') && !std::filesystem::exists(device, ignored))
+        std::cerr << "kelreader: " << device << " is not there now." << std::endl;
+    else if (const std::string stable = stableName(device); stable != device)
+        std::cerr << "kelreader: " << device << " may be another device after the next start; " << stable
+                  << " stays the same." << std::endl;
+    return kDoneStatus;
+}
+
+int clear(const Arguments& arguments)
+{
+    const Int16 iPort = portNumber(arguments);
+    PortMap map(platform().registry());
+    if (!map.get(iPort)) {
+        std::cerr << "kelreader: Port " << iPort << " has no device." << std::endl;
+        return kDoneStatus;
+    }
+    if (!map.clear(iPort))
+        throw CommandFailure("The settings store cannot be written, so port " + CStr(iPort) + " stays as it was.");
+    return kDoneStatus;
+}
+
+} // namespace
+
+void addPortsCommand(Commands& commands)
+{
+    const auto arguments = std::make_shared<Arguments>();
+    CLI::App& ports = commands.add("ports", "Lists the port numbers and the serial devices, and whether they open",
+                                   [arguments] { return list(*arguments); });
+    addFormat(ports, arguments->format, {"table", "json"});
+
+    CLI::App& setPort =
+        commands.add(ports, "set", "Gives a port number to a device", [arguments] { return set(*arguments); });
+    setPort.add_option("number", arguments->port, "The port, 1 to 16")->required();
+    setPort.add_option("device", arguments->device, "Its device: /dev/serial/by-id/...")->required();
+
+    CLI::App& clearPort = commands.add(ports, "clear", "Takes the device of a port number away",
+                                       [arguments] { return clear(*arguments); });
+    clearPort.add_option("number", arguments->port, "The port, 1 to 16")->required();
+}
+
+} // namespace kel

@@ -1,0 +1,234 @@
+#include "cli/CommandList.h"
+#include "cli/Commands.h"
+#include "cli/Interrupt.h"
+#include "cli/JsonLines.h"
+#include "cli/ModelLookup.h"
+#include "cli/Progress.h"
+#include "cli/ScanSession.h"
+#include "cli/SheetCsv.h"
+#include "cli/SheetTable.h"
+#include "cli/SimulatorArguments.h"
+#include "cli/TextOutput.h"
+#include "cli/UsageError.h"
+#include "platform/PortMap.h"
+#include "platform/posix/PtyDeviceHost.h"
+#include "types/Text.h"
+
+#include <iostream>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+namespace kel
+{
+
+namespace
+{
+
+// The port that stands for a device which is named on the command line.
+constexpr Int16 kDevicePort = 1;
+
+struct Arguments {
+    std::string model;
+    std::optional<Int16> port;
+    std::string device;
+    bool simulate = false;
+    std::string formFile;
+    std::vector<std::string> assignments;
+    Int32 maxSheets = -1;
+    std::string format;
+    std::string outFile;
+    bool rejectBlank = false;
+    std::vector<Int32> rejectSheets;
+    PrintRequest print;
+    SimulatorArguments simulator;
+};
+
+ScanRequest requestOf(const Arguments& arguments)
+{
+    ScanRequest request;
+    request.model = modelNamed(arguments.model);
+    if (!arguments.formFile.empty())
+        request.form = readFormFile(arguments.formFile);
+    request.assignments = arguments.assignments;
+    request.port = arguments.port;
+    if (!arguments.device.empty() || arguments.simulate)
+        request.port = kDevicePort;
+    request.maxSheets = arguments.maxSheets;
+    request.rejectBlank = arguments.rejectBlank;
+    request.rejectSheets.insert(arguments.rejectSheets.begin(), arguments.rejectSheets.end());
+    request.print = arguments.print;
+    return request;
+}
+
+void demandLine(const Arguments& arguments, const clsKELReader& reader)
+{
+    const auto profile = reader.Profiles()->Item(CStr(reader.ReaderType()));
+    const bool named = arguments.port || !arguments.device.empty() || arguments.simulate;
+    if (!named && reader.Port() == 0 && profile && profile->InterfaceType() == kelReaderInterfaceTypeSerial)
+        throw UsageError("Where is the reader? Say --port N, --device PATH or --simulate ('kelreader ports' lists the "
+                         "devices that are there).");
+    if (arguments.simulator.given() && !arguments.simulate)
+        throw UsageError("The options of a simulated reader go with --simulate.");
+}
+
+/// The simulated reader of a scan, which runs behind a pseudo-terminal in a thread of its own.
+class SimulatedLine
+{
+public:
+    SimulatedLine(const Arguments& arguments, const ScanRequest& request)
+        : reader_(arguments.simulator.make(request.model, request.form)), host_(*reader_)
+    {
+        host_.start();
+    }
+
+    [[nodiscard]] const std::string& deviceFile() const { return host_.deviceFile(); }
+
+    /// Ends it, and tells what was done wrongly to it.
+    void end()
+    {
+        host_.stop();
+        host_.join();
+        for (const std::string& error : reader_->errors())
+            std::cerr << "kelreader: The simulated reader did not expect this: " << error << std::endl;
+    }
+
+private:
+    std::unique_ptr<Simulator> reader_;
+    PtyDeviceHost host_;
+};
+
+std::size_t terminalWidth()
+{
+    winsize size{};
+    return ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : 100;
+}
+
+/// Writes the events in the form that was asked for, with the progress line kept out of the way.
+class ScanOutput final : public ScanSink
+{
+public:
+    explicit ScanOutput(const Arguments& arguments)
+    {
+        if (!arguments.outFile.empty())
+            output_.emplace(arguments.outFile);
+        else
+            output_.emplace();
+        const auto write = [this](const std::string& text) {
+            progress_.clear();
+            output_->write(text);
+        };
+        const auto tell = [this](const std::string& text) {
+            progress_.clear();
+            std::cerr << "kelreader: " << text << std::flush;
+        };
+        if (arguments.format == "csv")
+            lines_ = std::make_unique<SheetCsv>(write, tell);
+        else if (arguments.format == "table")
+            lines_ = std::make_unique<TableText>(write, tell, terminalWidth());
+        else
+            lines_ = std::make_unique<JsonLines>(write, tell);
+    }
+
+    void sheet(const ScannedSheet& event) override
+    {
+        lines_->sheet(event);
+        progress_.sheet();
+    }
+    void failure(const ReportedFailure& event) override { lines_->failure(event); }
+    void end(const BatchEnd& event) override
+    {
+        progress_.clear();
+        lines_->end(event);
+    }
+
+    [[nodiscard]] const TextOutput& output() const { return *output_; }
+
+private:
+    Progress progress_;
+    std::optional<TextOutput> output_;
+    std::unique_ptr<ScanSink> lines_;
+};
+
+int run(const Arguments& arguments)
+{
+    const ScanRequest request = requestOf(arguments);
+    clsKELReader reader;
+    prepareReader(reader, request);
+    demandLine(arguments, reader);
+
+    std::optional<SimulatedLine> simulated;
+    if (arguments.simulate)
+        simulated.emplace(arguments, request);
+    const std::string device = simulated ? simulated->deviceFile() : arguments.device;
+    std::optional<PortOverride> inItsPlace;
+    if (!device.empty())
+        inItsPlace.emplace(reader.Port(), device);
+
+    ScanOutput output(arguments);
+    const InterruptNote interrupt;
+    const ScanResult result =
+        runScan(reader, request, output, [&] { return InterruptNote::came() || output.output().failed(); });
+    if (simulated)
+        simulated->end();
+
+    if (InterruptNote::came())
+        return kInterruptedStatus;
+    if (output.output().failed())
+        throw CommandFailure(output.output().problem());
+    return result.failures.empty() && result.end.started ? kDoneStatus : kFailedStatus;
+}
+
+void addReaderOptions(CLI::App& command, Arguments& arguments)
+{
+    command.add_option("--model", arguments.model, "The model, by number or name")->required();
+    CLI::Option* port =
+        command.add_option("--port", arguments.port, "The reader's port number ('kelreader ports')")->type_name("N");
+    CLI::Option* device =
+        command.add_option("--device", arguments.device, "The reader's device")->type_name("PATH")->excludes(port);
+    command.add_flag("--simulate", arguments.simulate, "A simulated reader")->excludes(port)->excludes(device);
+    command.add_option("--form", arguments.formFile, "The form of the sheets, as JSON")->type_name("FILE");
+    command
+        .add_option("--set", arguments.assignments,
+                    "Sets a property of the reader, or of its printer as Printer.Distance=10")
+        ->type_name("Property=Value")
+        ->allow_extra_args(false);
+}
+
+void addSheetOptions(CLI::App& command, Arguments& arguments)
+{
+    command.add_option("--max-sheets", arguments.maxSheets, "Ends after so many sheets; below 0: no limit")
+        ->capture_default_str()
+        ->type_name("N");
+    command.add_flag("--reject-blank", arguments.rejectBlank, "Rejects sheets without a mark");
+    command.add_option("--reject-sheets", arguments.rejectSheets, "Rejects these sheets, the first is 1")
+        ->delimiter(',')
+        ->allow_extra_args(false)
+        ->type_name("2,5");
+    command.add_option("--print1", arguments.print.print1,
+                       "First line to print; {date}, {sheet} and {barcode} are filled in");
+    command.add_option("--print2", arguments.print.print2, "Second line to print");
+    command.add_option("--print3", arguments.print.print3, "Third line to print");
+    command.add_option("--print-distance", arguments.print.distance, "Where along the sheet the print begins")
+        ->type_name("N");
+}
+
+} // namespace
+
+void addScanCommand(Commands& commands)
+{
+    const auto arguments = std::make_shared<Arguments>();
+    CLI::App& command = commands.add("scan", "Reads a batch of sheets", [arguments] { return run(*arguments); });
+    addReaderOptions(command, *arguments);
+    addSheetOptions(command, *arguments);
+    addFormat(command, arguments->format, {"json", "csv", "table"});
+    command.add_option("--out", arguments->outFile, "Writes to a file in place of standard output")->type_name("FILE");
+    arguments->simulator.addTo(command);
+    command.footer(
+        "json: a line an event, the last one is the end. csv: a heading and a row a sheet; side1 and side2 "
+        "hold the marks as row:column=value, with blanks between. table: the sheets as grids for the eye, "
+        "a dot for no mark, A to Z for 10 to 35, # for more.\n"
+        "Exit status: 0 nothing failed, 1 a failure was reported or the reader did not start, 2 wrong usage, "
+        "130 interrupted.");
+}
+
+} // namespace kel

@@ -1,0 +1,8 @@
+#include "startup/Main.h"
+#include "cli/CommandLine.h"
+
+int main(int argc, char** argv)
+{
+    kel::Main();
+    return kel::runCommandLine(argc, argv);
+}

@@ -1,0 +1,105 @@
+#include "drivers/apperson/DataLines.h"
+#include "drivers/apperson/RawBlock.h"
+#include "reader/Dictionary.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <span>
+
+// What an Apperson reader may send: lines and blocks of any bytes. The first byte chooses the model. Only run-time
+// failures may come out, and they are told by their number.
+
+namespace {
+
+using namespace kel;
+
+void demand(bool holds)
+{
+    if (!holds)
+        std::abort();
+}
+
+/// A failure that a line or a block may end in.
+void expectKnown(const RuntimeFailure& failure)
+{
+    demand(failure.number() == 6 || failure.number() == 9);
+}
+
+void readBenchMark(std::span<const Byte> bytes)
+{
+    Dictionary oDataDict;
+    oDataDict.CompareMode(kTextCompare);
+    BenchMarkLineAP line(oDataDict);
+    for (const Byte byte : bytes) {
+        if (line.take(byte) != LineEndAP::None)
+            return;
+    }
+}
+
+void readAdvantage1200(std::span<const Byte> bytes, Boolean bReaderGrade)
+{
+    Dictionary oDataDict;
+    oDataDict.CompareMode(kTextCompare);
+    Advantage1200LineAP line(oDataDict);
+    for (const Byte byte : bytes) {
+        if (line.take(byte, bReaderGrade))
+            line.next();
+    }
+}
+
+/// Takes bytes up to the status; false if it does not come.
+bool fill(RawBlockAP& block, std::span<const Byte> bytes)
+{
+    for (const Byte byte : bytes) {
+        block.take(byte);
+        if (block.isComplete())
+            return true;
+    }
+    return false;
+}
+
+void readAdvantageLink(std::span<const Byte> bytes, Int32 rows, Int32 columns)
+{
+    RawBlockAP block = newBlockAdvantageLinkAP();
+    if (!fill(block, bytes))
+        return;
+    MarkArray iSide1Arr(rows, columns);
+    setMarksAdvantageLinkAP(iSide1Arr, block);
+    for (const Int16 mark : iSide1Arr.elements())
+        demand(mark >= 0 && mark <= 255);
+}
+
+void readGradeMaster(std::span<const Byte> bytes, Int32 rows, Int32 columns)
+{
+    RawBlockAP block = newBlockGradeMasterAP();
+    if (!fill(block, bytes))
+        return;
+    demand(identifierGradeMasterAP(block).size() == 10);
+    static_cast<void>(errorNumberGradeMasterAP(block));
+    MarkArray iSide1Arr(rows, columns);
+    setMarksGradeMasterAP(iSide1Arr, block, 7);
+    for (const Int16 mark : iSide1Arr.elements())
+        demand(mark == 0 || mark == 7);
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    if (size < 3)
+        return 0;
+    const std::span<const Byte> bytes(data + 3, size - 3);
+    try {
+        switch (data[0] % 5) {
+        case 0: readBenchMark(bytes); break;
+        case 1: readAdvantage1200(bytes, False); break;
+        case 2: readAdvantage1200(bytes, True); break;
+        case 3: readAdvantageLink(bytes, data[1], data[2]); break;
+        default: readGradeMaster(bytes, data[1], data[2]); break;
+        }
+    } catch (const RuntimeFailure& failure) {
+        expectKnown(failure);
+    }
+    return 0;
+}

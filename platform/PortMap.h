@@ -1,0 +1,50 @@
+#pragma once
+
+#include "platform/Registry.h"
+#include "types/Numbers.h"
+
+#include <map>
+#include <optional>
+#include <string>
+
+namespace kel {
+
+/// Which device a port number 1 to 16 stands for. The map is kept in the registry, under HKEY_CURRENT_USER
+/// "Software\KELReader81U\Ports", a text value a port, with the number as its name.
+class PortMap {
+public:
+    static constexpr Int16 kFirstPort = 1;
+    static constexpr Int16 kLastPort = 16;
+
+    explicit PortMap(Registry& registry) : registry_(registry) {}
+
+    /// The device of a port: the one that this thread has put in its place, or else the mapped one; nothing if there
+    /// is none.
+    [[nodiscard]] std::optional<std::string> get(Int16 port) const;
+
+    /// Maps a port to a device, or takes its device away. False for a number outside 1 to 16, for an empty device,
+    /// for a port that has none to take away, and when the registry refuses it.
+    bool set(Int16 port, const std::string& device);
+    bool clear(Int16 port);
+
+    /// All ports that have a device, as `get` gives them.
+    [[nodiscard]] std::map<Int16, std::string> all() const;
+
+private:
+    Registry& registry_;
+};
+
+/// Puts a device in the place of a port's for this thread, for as long as it lives, and leaves the registry alone.
+class PortOverride {
+public:
+    PortOverride(Int16 port, std::string device);
+    ~PortOverride();
+    PortOverride(const PortOverride&) = delete;
+    PortOverride& operator=(const PortOverride&) = delete;
+
+private:
+    Int16 port_;
+    std::optional<std::string> previous_;
+};
+
+} // namespace kel

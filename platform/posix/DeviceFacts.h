@@ -1,0 +1,25 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <sys/types.h>
+
+namespace kel {
+
+/// Who may use a device and who is asking: "it belongs to root, group dialout, with mode 0660, and you are alice".
+[[nodiscard]] std::string deviceAccessText(const std::string& device);
+
+/// What the present user could do to be let in: the group to join, or to log in anew when that is done already.
+[[nodiscard]] std::string deviceAccessAdvice(const std::string& device);
+
+/// A process and what it is called.
+struct DeviceUser {
+    pid_t process = 0;
+    std::string name;
+};
+
+/// The process that has a device locked or, if none has, open; this process included. Nothing where that cannot be
+/// found out: other users' open files are private.
+[[nodiscard]] std::optional<DeviceUser> deviceUser(const std::string& device);
+
+} // namespace kel

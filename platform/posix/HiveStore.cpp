@@ -1,0 +1,214 @@
+#include "platform/posix/HiveStore.h"
+
+#include "platform/posix/FileDescriptor.h"
+#include "platform/posix/HiveDatabase.h"
+#include "types/Text.h"
+
+#include <array>
+#include <cerrno>
+#include <fcntl.h>
+#include <filesystem>
+#include <iostream>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <system_error>
+#include <time.h>
+
+namespace kel {
+
+namespace {
+
+/// A path as it is stored: without the empty names that doubled or outer backslashes would give.
+std::string normalized(std::string_view subKey)
+{
+    std::string path;
+    for (const std::string& name : split(subKey, '\\')) {
+        if (name.empty())
+            continue;
+        if (!path.empty())
+            path += '\\';
+        path += name;
+    }
+    return path;
+}
+
+std::string timeStamp()
+{
+    const time_t now = ::time(nullptr);
+    tm parts{};
+    ::gmtime_r(&now, &parts);
+    std::array<char, 32> text{};
+    const std::size_t length = std::strftime(text.data(), text.size(), "%Y%m%dT%H%M%SZ", &parts);
+    return std::string(text.data(), length);
+}
+
+} // namespace
+
+HiveStore::HiveStore(HiveFile file) : file_(std::move(file)) {}
+
+HiveStore::~HiveStore() = default;
+
+/// Runs `work` on the open database. Where there is none, or it fails, the answer is `fallback`. Damage that shows sets
+/// the file aside; a write then goes into a new one.
+template <class Result, class Work>
+Result HiveStore::withDatabase(bool create, Result fallback, Work&& work)
+{
+    for (int tries = 0; tries < 2; ++tries) {
+        try {
+            Result result = open(create) ? work(*database_) : fallback;
+            if (database_ && database_->isFrozen())
+                database_.reset();
+            return result;
+        } catch (const SqliteFailure& failure) {
+            const bool aside = failure.isDamage() && setAside(failure.what());
+            database_.reset();
+            if (!aside || !create)
+                return fallback;
+        }
+    }
+    return fallback;
+}
+
+/// Whether the database is open and has tables. A file that has gone from its place, or that another has replaced, is
+/// let go.
+bool HiveStore::open(bool create)
+{
+    if (database_ && database_->hasMoved())
+        database_.reset();
+    if (!database_) {
+        if (create && !createFile())
+            return false;
+        opened_ = identity();
+        if (!opened_)
+            return false;
+        openFile(create);
+    }
+    return database_->ready(create);
+}
+
+/// A user who may only read can make no files beside the hive's, as they are needed where others may write at the same
+/// time. Without a log that waits to be worked in, the file alone is all there is.
+void HiveStore::openFile(bool create)
+{
+    try {
+        database_ = std::make_unique<HiveDatabase>(file_, SqliteDatabase::Mode::Shared);
+    } catch (const SqliteFailure& failure) {
+        std::error_code absent;
+        const std::uintmax_t log = std::filesystem::file_size(file_.file.native() + "-wal", absent);
+        if (create || !failure.isAccess() || (!absent && log > 0))
+            throw;
+        database_ = std::make_unique<HiveDatabase>(file_, SqliteDatabase::Mode::Frozen);
+    }
+}
+
+std::optional<HiveStore::Identity> HiveStore::identity() const
+{
+    struct stat facts {};
+    if (::stat(file_.file.c_str(), &facts) != 0)
+        return std::nullopt;
+    return Identity{facts.st_dev, facts.st_ino};
+}
+
+/// The file is made under its name with its rights and never opened here: to close it would drop the locks that
+/// another thread holds on it.
+bool HiveStore::createFile() const
+{
+    if (identity())
+        return true;
+    std::error_code ignored;
+    const std::filesystem::path folder = file_.file.parent_path();
+    std::filesystem::create_directories(folder.parent_path(), ignored);
+    // What the process masks out of the rights of new files is put back.
+    if (::mkdir(folder.c_str(), file_.folderMode()) == 0)
+        ::chmod(folder.c_str(), file_.folderMode());
+    if (::mknod(file_.file.c_str(), S_IFREG | file_.fileMode(), 0) == 0)
+        ::chmod(file_.file.c_str(), file_.fileMode());
+    return identity().has_value();
+}
+
+/// Gives a damaged file another name. Processes that find the damage at the same time come here one after the other;
+/// the later ones see that another file stands there by then, and leave it in peace. True if the way is free.
+bool HiveStore::setAside(const std::string& damage)
+{
+    const FileDescriptor folder(::open(file_.file.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!folder.isOpen() || retrying([&] { return ::flock(folder.number(), LOCK_EX); }) < 0)
+        return false;
+    return identity() != opened_ || rename(damage);
+}
+
+bool HiveStore::rename(const std::string& damage)
+{
+    const std::string name = file_.file.native();
+    std::string aside = name + ".damaged-" + timeStamp();
+    std::error_code failed;
+    for (int number = 2; std::filesystem::exists(aside, failed); ++number)
+        aside = name + ".damaged-" + timeStamp() + "-" + std::to_string(number);
+    // What a process that died has left half done belongs to the damaged file, and goes first: a new file must not
+    // meet it.
+    for (const char* companion : {"-journal", "-wal", "-shm"})
+        std::filesystem::rename(name + companion, aside + companion, failed);
+    std::filesystem::rename(name, aside, failed);
+    if (failed) {
+        tell("The settings file " + name + " is damaged (" + damage + ") and cannot be set aside: " + failed.message() +
+             ". Until it is moved away, no setting is read or written.");
+        return false;
+    }
+    tell("The settings file " + name + " is damaged (" + damage + "). It was set aside as " + aside +
+         "; a new one begins with the next setting that is written.");
+    return true;
+}
+
+/// Says something once, however often it happens.
+void HiveStore::tell(const std::string& text)
+{
+    if (told_ == text)
+        return;
+    told_ = text;
+    std::cerr << text + "\n";
+}
+
+std::optional<RegistryValue> HiveStore::read(std::string_view subKey, std::string_view name)
+{
+    return withDatabase(false, std::optional<RegistryValue>(),
+                        [&](HiveDatabase& database) { return database.read(normalized(subKey), name); });
+}
+
+bool HiveStore::write(std::string_view subKey, std::string_view name, const RegistryValue& value)
+{
+    return withDatabase(true, false, [&](HiveDatabase& database) {
+        database.write(normalized(subKey), name, value);
+        return true;
+    });
+}
+
+bool HiveStore::removeValue(std::string_view subKey, std::string_view name)
+{
+    return withDatabase(false, false,
+                        [&](HiveDatabase& database) { return database.removeValue(normalized(subKey), name); });
+}
+
+bool HiveStore::removeKey(std::string_view subKey)
+{
+    return withDatabase(false, false,
+                        [&](HiveDatabase& database) { return database.removeKey(normalized(subKey)); });
+}
+
+bool HiveStore::exists(std::string_view subKey)
+{
+    const std::string path = normalized(subKey);
+    return path.empty() || withDatabase(false, false, [&](HiveDatabase& database) { return database.exists(path); });
+}
+
+std::vector<std::string> HiveStore::valueNames(std::string_view subKey)
+{
+    return withDatabase(false, std::vector<std::string>(),
+                        [&](HiveDatabase& database) { return database.valueNames(normalized(subKey)); });
+}
+
+std::vector<std::string> HiveStore::subKeys(std::string_view subKey)
+{
+    return withDatabase(false, std::vector<std::string>(),
+                        [&](HiveDatabase& database) { return database.subKeys(normalized(subKey)); });
+}
+
+} // namespace kel

@@ -1,0 +1,233 @@
+#include "platform/posix/LocalLine.h"
+
+#include "platform/posix/LineOpenFailure.h"
+#include "platform/posix/SteadyTime.h"
+#include "types/Text.h"
+
+#include <algorithm>
+#include <cmath>
+#include <fcntl.h>
+#include <filesystem>
+#include <libserialport.h>
+#include <sys/file.h>
+#include <sys/ioctl.h>
+#include <sys/stat.h>
+#include <system_error>
+#include <termios.h>
+
+namespace kel {
+
+namespace {
+
+/// Receiver and sender may differ by about that much in all before a character of ten bits is misread.
+constexpr double kSpeedTolerance = 0.03;
+
+/// How long output that is under way may keep a line from closing.
+constexpr Moment kFarewell = std::chrono::milliseconds(500);
+
+std::string deviceFile(const std::string& device)
+{
+    return device.find('/') == std::string::npos ? "/dev/" + device : device;
+}
+
+std::string errorText(int error)
+{
+    return std::generic_category().message(error);
+}
+
+sp_parity libraryParity(char letter)
+{
+    switch (letter) {
+    case 'E': return SP_PARITY_EVEN;
+    case 'O': return SP_PARITY_ODD;
+    case 'M': return SP_PARITY_MARK;
+    case 'S': return SP_PARITY_SPACE;
+    default: return SP_PARITY_NONE;
+    }
+}
+
+bool withXonXoff(const LineParameters& line)
+{
+    return line.handshaking == 1 || line.handshaking == 3;
+}
+
+bool withRtsCts(const LineParameters& line)
+{
+    return line.handshaking == 2 || line.handshaking == 3;
+}
+
+/// "19200 baud, 8 data bits, parity N, 2 stop bits, handshaking 0".
+std::string describe(const LineParameters& line)
+{
+    return CStr(std::int64_t{line.baudRate}) + " baud, " + CStr(std::int64_t{line.dataBits}) + " data bits, parity " +
+           line.parity + ", " + CStr(line.stopBits) + " stop bits, handshaking " + CStr(std::int64_t{line.handshaking});
+}
+
+} // namespace
+
+void LocalLine::ClosePort::operator()(sp_port* port) const noexcept
+{
+    sp_close(port);
+    sp_free_port(port);
+}
+
+LocalLine::LocalLine(Int16 port, const std::string& device)
+    : device_(deviceFile(device)), name_(lineName(port, device_)), terminal_(open())
+{
+    if (!terminal_.isOpen() || !former_.readFrom(terminal_.number()) || !claim())
+        throw lineOpenFailure(port, device_, errno);
+    handle_ = terminal_.number();
+    openThroughLibrary();
+}
+
+LocalLine::~LocalLine()
+{
+    letOutputLeave();
+    // The modem lines stay as they are, so that closing and opening anew is no signal to the reader.
+    former_.hangUpOnClose(false);
+    static_cast<void>(former_.writeTo(terminal_.number()));
+    if (hasModemLines_)
+        ::ioctl(terminal_.number(), TIOCNXCL);
+}
+
+int LocalLine::open() const
+{
+    struct stat facts {};
+    if (::stat(device_.c_str(), &facts) != 0)
+        return -1;
+    if (!S_ISCHR(facts.st_mode)) {
+        errno = ENOTTY;
+        return -1;
+    }
+    return retrying([&] { return ::open(device_.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC); });
+}
+
+/// Takes the device for this object alone; false leaves the cause in `errno`.
+///
+/// The lock works between all who ask for it, and ends with its owner, however that ends. The exclusive mode of the
+/// terminal keeps everybody else out too, root excepted; so root looks at it. A pseudo-terminal is not put into that
+/// mode: it would stay so after the death of its user, for as long as the other side lives.
+bool LocalLine::claim()
+{
+    if (retrying([&] { return ::flock(terminal_.number(), LOCK_EX | LOCK_NB); }) < 0)
+        return false;
+    int modemLines = 0;
+    hasModemLines_ = ::ioctl(terminal_.number(), TIOCMGET, &modemLines) == 0;
+    if (!hasModemLines_)
+        return true;
+    int exclusive = 0;
+    if (::ioctl(terminal_.number(), TIOCGEXCL, &exclusive) == 0 && exclusive != 0) {
+        errno = EBUSY;
+        return false;
+    }
+    return true;
+}
+
+void LocalLine::openThroughLibrary()
+{
+    std::error_code failed;
+    const std::filesystem::path file = std::filesystem::canonical(device_, failed);
+    sp_port* found = nullptr;
+    if (failed || sp_get_port_by_name(file.c_str(), &found) != SP_OK)
+        return;
+    if (sp_open(found, SP_MODE_READ_WRITE) != SP_OK) {
+        sp_free_port(found);
+        return;
+    }
+    port_.reset(found);
+    if (sp_get_port_handle(found, &handle_) != SP_OK) {
+        port_.reset();
+        handle_ = terminal_.number();
+        return;
+    }
+    ::fcntl(handle_, F_SETFD, FD_CLOEXEC);
+    if (hasModemLines_)
+        ::ioctl(handle_, TIOCEXCL);
+}
+
+void LocalLine::set(const LineParameters& line)
+{
+    if (line.stopBits == 1.5 && line.dataBits != 5)
+        refuse("1.5 stop bits go with 5 data bits only");
+    if (port_)
+        setThroughLibrary(line);
+    // The library leaves reads in a mode in which the end of a line looks like a pause.
+    TerminalAttributes attributes;
+    if (!attributes.readFrom(handle_))
+        refuse(errorText(errno));
+    if (!port_)
+        attributes.set(line);
+    attributes.makeRaw();
+    if (!attributes.writeTo(handle_))
+        refuse("the device does not take " + describe(line) + ": " + errorText(errno));
+    characterTime_ = line.characterTime();
+    if (hasModemLines_)
+        check(line);
+}
+
+void LocalLine::setThroughLibrary(const LineParameters& line)
+{
+    sp_port_config* made = nullptr;
+    if (sp_new_config(&made) != SP_OK)
+        throw RuntimeFailure(FailureCode::OutOfMemory);
+    const std::unique_ptr<sp_port_config, decltype(&sp_free_config)> config(made, &sp_free_config);
+    sp_set_config_baudrate(made, line.baudRate);
+    sp_set_config_bits(made, line.dataBits);
+    sp_set_config_parity(made, libraryParity(line.parity));
+    sp_set_config_stopbits(made, line.stopBits > 1 ? 2 : 1);
+    sp_set_config_xon_xoff(made, withXonXoff(line) ? SP_XONXOFF_INOUT : SP_XONXOFF_DISABLED);
+    sp_set_config_rts(made, withRtsCts(line) ? SP_RTS_FLOW_CONTROL : SP_RTS_ON);
+    sp_set_config_cts(made, withRtsCts(line) ? SP_CTS_FLOW_CONTROL : SP_CTS_IGNORE);
+    switch (sp_set_config(port_.get(), made)) {
+    case SP_OK: return;
+    case SP_ERR_FAIL: refuse("the device does not take " + describe(line) + ": " + errorText(sp_last_error_code()));
+    default: refuse("the device does not take " + describe(line));
+    }
+}
+
+/// A device takes what it can of a setting, and says only when asked what that was.
+void LocalLine::check(const LineParameters& wanted) const
+{
+    TerminalAttributes attributes;
+    if (!attributes.readFrom(handle_))
+        refuse(errorText(errno));
+    const LineParameters kept = attributes.line();
+    const bool speedFits = std::abs(kept.baudRate - wanted.baudRate) <= kSpeedTolerance * wanted.baudRate;
+    if (!speedFits || kept.dataBits != wanted.dataBits || kept.parity != wanted.parity ||
+        (kept.stopBits > 1) != (wanted.stopBits > 1) || kept.handshaking != wanted.handshaking)
+        refuse("the device was asked for " + describe(wanted) + " and took " + describe(kept));
+}
+
+void LocalLine::refuse(const std::string& why) const
+{
+    throw RuntimeFailure(FailureCode::CannotSetLineState,
+                         failureText(FailureCode::CannotSetLineState) + ": " + name_ + ": " + why + ".");
+}
+
+void LocalLine::dropInput() noexcept
+{
+    ::tcflush(handle_, TCIFLUSH);
+}
+
+/// A close waits until the driver has sent everything, and with a reader that holds its hand up that is half a minute.
+/// So output may leave for as long as it moves, and the rest is dropped.
+void LocalLine::letOutputLeave() const noexcept
+{
+    const auto waiting = [&] {
+        int count = 0;
+        return ::ioctl(handle_, TIOCOUTQ, &count) == 0 ? count : 0;
+    };
+    const Moment end = steadyTime() + kFarewell;
+    int before = waiting();
+    while (before > 0 && steadyTime() < end) {
+        sleepUntil(steadyTime() + std::max<Moment>(4 * characterTime_, std::chrono::milliseconds(5)));
+        const int left = waiting();
+        if (left >= before)
+            break;
+        before = left;
+    }
+    if (before > 0)
+        ::tcflush(handle_, TCOFLUSH);
+}
+
+} // namespace kel

@@ -1,0 +1,69 @@
+#pragma once
+
+#include "platform/LineDevice.h"
+#include "platform/posix/FileDescriptor.h"
+#include "platform/posix/TerminalAttributes.h"
+
+#include <memory>
+#include <string>
+
+struct sp_port;
+
+namespace kel {
+
+/// A serial device of this machine, opened for exclusive use.
+///
+/// The device is set through libserialport where the library knows it: all serial ports with a driver of their own.
+/// The library takes no pseudo-terminal: it looks a device up among the kernel's serial ports, and insists on modem
+/// lines. Such a device is set here, through `TerminalAttributes`. In both cases this object has opened and locked the
+/// device first, so that the library touches no line that somebody uses, and that the modem lines stay as they are
+/// while the library opens and closes it.
+class LocalLine {
+public:
+    /// Opens the device of a port; a name without a folder is one below /dev. Fails with 8002 (absent), 8005 (in use),
+    /// 8010 (not permitted), 8012 (not a serial device); the text names port, device and cause, and what to try.
+    LocalLine(Int16 port, const std::string& device);
+
+    /// Gives the device its former settings back and closes it. Output that is under way gets a moment to leave; what
+    /// the device does not take any more is dropped.
+    ~LocalLine();
+    LocalLine(const LocalLine&) = delete;
+    LocalLine& operator=(const LocalLine&) = delete;
+
+    /// Sets the line. 8015 when the device refuses something, or takes something else in its place. A device without
+    /// modem lines has no wire, and may keep what it likes.
+    void set(const LineParameters& line);
+
+    /// Drops the input that has arrived.
+    void dropInput() noexcept;
+
+    /// What to read, write and wait on; it never blocks.
+    [[nodiscard]] int handle() const noexcept { return handle_; }
+
+    /// How failures name it: "Port 3 (/dev/ttyUSB0)".
+    [[nodiscard]] const std::string& name() const noexcept { return name_; }
+
+private:
+    struct ClosePort {
+        void operator()(sp_port* port) const noexcept;
+    };
+
+    [[nodiscard]] int open() const;
+    [[nodiscard]] bool claim();
+    void openThroughLibrary();
+    void setThroughLibrary(const LineParameters& line);
+    void check(const LineParameters& wanted) const;
+    [[noreturn]] void refuse(const std::string& why) const;
+    void letOutputLeave() const noexcept;
+
+    std::string device_;
+    std::string name_;
+    FileDescriptor terminal_;
+    TerminalAttributes former_;
+    std::unique_ptr<sp_port, ClosePort> port_;
+    int handle_ = -1;
+    bool hasModemLines_ = false;
+    Moment characterTime_ = LineParameters().characterTime();
+};
+
+} // namespace kel

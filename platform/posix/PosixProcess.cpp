@@ -1,0 +1,54 @@
+#include "platform/posix/PosixProcess.h"
+
+#include "types/Text.h"
+
+#include <dlfcn.h>
+#include <fstream>
+#include <iterator>
+#include <link.h>
+#include <system_error>
+
+namespace kel {
+
+std::string joinCommandLine(std::string_view words)
+{
+    std::string line;
+    while (!words.empty()) {
+        const std::string_view word = words.substr(0, words.find('\0'));
+        words.remove_prefix(std::min(word.size() + 1, words.size()));
+        if (!line.empty())
+            line += ' ';
+        if (word.empty() || word.find_first_of(" \t\"") != std::string_view::npos)
+            line += '"' + replaceAll(word, "\"", "\\\"") + '"';
+        else
+            line += word;
+    }
+    return line;
+}
+
+std::string PosixProcess::CommandLine() const
+{
+    std::ifstream file("/proc/self/cmdline", std::ios::binary);
+    return joinCommandLine(std::string(std::istreambuf_iterator<char>(file), {}));
+}
+
+std::filesystem::path PosixProcess::ComponentFile() const
+{
+    std::error_code ignored;
+    Dl_info found{};
+    void* loaded = nullptr;
+    const auto here = reinterpret_cast<const void*>(&joinCommandLine);
+    if (::dladdr1(here, &found, &loaded, RTLD_DL_LINKMAP) != 0 && loaded) {
+        // The program itself has no name among the loaded objects.
+        if (const std::string_view name = static_cast<const link_map*>(loaded)->l_name; !name.empty())
+            return std::filesystem::weakly_canonical(name, ignored);
+    }
+    return std::filesystem::read_symlink("/proc/self/exe", ignored);
+}
+
+std::filesystem::path PosixProcess::ComponentFolder() const
+{
+    return ComponentFile().parent_path();
+}
+
+} // namespace kel

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "platform/Screen.h"
+
+namespace kel {
+
+/// A process without a screen of its own: boxes go to standard error, each line of the text behind the title.
+class PosixScreen final : public Screen {
+public:
+    BoxAnswer MsgBox(const std::string& text, BoxIcon icon, BoxButtons buttons, const std::string& title) override;
+    /// The terminal's bell; nothing where standard error is no terminal.
+    void Beep() override;
+    [[nodiscard]] Int32 MousePointer() const override { return mousePointer_; }
+    void MousePointer(Int32 shape) override { mousePointer_ = shape; }
+
+private:
+    Int32 mousePointer_ = kMousePointerDefault;
+};
+
+} // namespace kel

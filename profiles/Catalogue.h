@@ -1,0 +1,21 @@
+#pragma once
+
+#include "profiles/CatalogueModel.h"
+
+#include <span>
+
+namespace kel {
+
+/// The models of one maker.
+struct CatalogueGroup {
+    kelProfileType ProfileType; ///< the one bit under which they are chosen
+    std::span<const CatalogueModel> Models;
+};
+
+/// The makers and their models, in the order in which records and the dialog's list have them: 41 models in all.
+[[nodiscard]] std::span<const CatalogueGroup> catalogue();
+
+/// What stands before them in every choice: no reader.
+[[nodiscard]] const CatalogueModel& noReader();
+
+} // namespace kel

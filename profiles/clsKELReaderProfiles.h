@@ -1,0 +1,61 @@
+#pragma once
+
+#include "profiles/KeyedCollection.h"
+#include "profiles/clsKELReaderProfile.h"
+#include "types/Boolean.h"
+#include "types/Enumerations.h"
+#include "types/Export.h"
+#include "types/Numbers.h"
+#include "types/Reference.h"
+
+#include <string_view>
+
+namespace kel {
+
+struct CatalogueModel;
+
+/// The capability records of the models, in the order of the catalogue. A new collection holds all of them.
+///
+/// A text is an index by key: the decimal text of a record's `kelReaderType`, "40". A number is a position from 1,
+/// also where it comes from a `kelReaderType`: `Item("40")` and `Item(2)` are the same record.
+///
+/// Records are handed out by reference. What a host writes into one stays until the collection is filled anew.
+class KEL_PUBLIC clsKELReaderProfiles {
+public:
+    clsKELReaderProfiles();
+    clsKELReaderProfiles(const clsKELReaderProfiles&) = delete;
+    clsKELReaderProfiles& operator=(const clsKELReaderProfiles&) = delete;
+
+    /// Number of records now held.
+    [[nodiscard]] Int32 Count() const;
+
+    /// The record, or nothing, without a report, where none is.
+    [[nodiscard]] Reference<clsKELReaderProfile> Item(std::string_view Key) const;
+    [[nodiscard]] Reference<clsKELReaderProfile> Item(Int32 Position) const;
+
+    /// Whether there is a record of that key or at that position; never a failure.
+    [[nodiscard]] Boolean Exists(std::string_view Key) const;
+    [[nodiscard]] Boolean Exists(Int32 Position) const;
+
+    /// The makers whose models are held, as bits; the record of `kelReaderTypeNone` is always among them. Setting
+    /// fills the collection anew if the value changes or if no record is left; the same value again on a collection
+    /// that holds records leaves it as it is.
+    [[nodiscard]] kelProfileType ProfileType() const { return eProfileType_; }
+    void ProfileType(kelProfileType value);
+
+    /// Removes a record. One that is not there is reported: as 5 for a key, as 9 for a position.
+    void Remove(std::string_view Key);
+    void Remove(Int32 Position);
+
+    /// Removes all records, the last one first.
+    void RemoveAll();
+
+private:
+    void FillProfiles();
+    void Add(const CatalogueModel& model);
+
+    KeyedCollection<clsKELReaderProfile> kelProfiles_;
+    kelProfileType eProfileType_ = kelProfileTypeAll;
+};
+
+} // namespace kel

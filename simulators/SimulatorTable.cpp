@@ -1,0 +1,95 @@
+#include "simulators/SimulatorTable.h"
+
+#include "simulators/peripheral_dynamics/VMR138.h"
+
+#include <algorithm>
+#include <array>
+#include <stdexcept>
+
+namespace kel
+{
+
+namespace
+{
+
+/// The models of one simulated reader, what their sheets look like, and how it is made.
+struct SimulatorFamily {
+    std::vector<kelReaderType> models;
+    SheetShape shape;
+    std::unique_ptr<Simulator> (*make)(SimulatorOptions);
+};
+
+template <class Reader>
+std::unique_ptr<Simulator> make(SimulatorOptions options)
+{
+    return std::make_unique<Reader>(std::move(options));
+}
+
+// One row a family. The shape is what the model reads in page mode with its usual settings.
+const std::vector<SimulatorFamily>& families()
+{
+    static const std::vector<SimulatorFamily> table = {
+        {{kelReaderTypePDIVMR138}, {.side1Rows = 40, .side1Columns = 12}, make<VMR138>},
+    };
+    return table;
+}
+
+const SimulatorFamily* familyOf(kelReaderType model)
+{
+    for (const SimulatorFamily& family : families())
+        if (std::ranges::find(family.models, model) != family.models.end())
+            return &family;
+    return nullptr;
+}
+
+void takeFirst(Int32& size, const std::vector<Int16>& pages)
+{
+    if (!pages.empty())
+        size = pages.front();
+}
+
+std::string joined(const auto& names)
+{
+    std::string text;
+    for (const std::string& name : names)
+        text += (text.empty() ? "" : ", ") + name;
+    return text;
+}
+
+} // namespace
+
+std::unique_ptr<Simulator> makeSimulator(kelReaderType model, SimulatorOptions options)
+{
+    const SimulatorFamily* family = familyOf(model);
+    if (!family)
+        throw std::invalid_argument("there is no simulated reader of model " + std::to_string(model));
+    options.model = model;
+    if (options.seeded) {
+        const SheetShape shape = sheetShape(model, options.form);
+        for (std::uint64_t place = 0; place < options.seeded->count; ++place)
+            options.sheets.put(randomSheet(shape, options.seeded->seed, place));
+    }
+    std::unique_ptr<Simulator> reader = family->make(std::move(options));
+    if (const std::vector<std::string> unknown = reader->unknownSettings(); !unknown.empty())
+        throw std::invalid_argument("unknown setting " + joined(unknown) + "; this model knows " +
+                                    joined(reader->knownSettings()));
+    return reader;
+}
+
+bool hasSimulator(kelReaderType model)
+{
+    return familyOf(model) != nullptr;
+}
+
+SheetShape sheetShape(kelReaderType model, const FormDescription& form)
+{
+    const SimulatorFamily* family = familyOf(model);
+    SheetShape shape = family ? family->shape : SheetShape{};
+    takeFirst(shape.side1Rows, form.side1Rows);
+    takeFirst(shape.side1Columns, form.side1Cols);
+    takeFirst(shape.side2Rows, form.side2Rows);
+    takeFirst(shape.side2Columns, form.side2Cols);
+    return shape;
+}
+
+} // namespace kel

@@ -1,0 +1,267 @@
+#include "simulators/framework/Simulator.h"
+
+#include "platform/LineSettings.h"
+#include "types/Text.h"
+
+#include <algorithm>
+#include <charconv>
+#include <stdexcept>
+#include <utility>
+
+namespace kel
+{
+
+namespace
+{
+
+[[noreturn]] void refuseSetting(const std::string& name, const std::string& value, const std::string& what)
+{
+    throw std::invalid_argument("setting " + name + "=" + value + ": " + what);
+}
+
+} // namespace
+
+Simulator::Simulator(SimulatorOptions options)
+    : options_(std::move(options)), feeder_(std::move(options_.sheets)), outputFaults_(options_.faults)
+{
+    if (const std::string demanded = setting("line", ""); !demanded.empty()) {
+        try {
+            demandedLine_ = lineSettingsText(parseLineSettings(demanded));
+        } catch (const RuntimeFailure&) {
+            refuseSetting("line", demanded, "is no line setting such as 9600,N,8,1");
+        }
+    }
+}
+
+void Simulator::lineOpened(Moment now, const LineParameters& line)
+{
+    // What the reader does by itself has gone on behind the closed line; what it sent was lost.
+    while (!actions_.empty() && actions_.front().at <= now)
+        runFirstAction();
+    open_ = true;
+    now_ = now;
+    line_ = line;
+    queue_.clear();
+    transmitterFree_ = now;
+    if (!demandedLine_.empty() && lineSettingsText(line) != demandedLine_)
+        fault("the line is set to " + lineSettingsText(line) + ", and the reader to " + demandedLine_);
+    onOpen();
+}
+
+void Simulator::lineClosed(Moment now)
+{
+    now_ = std::max(now_, now);
+    open_ = false;
+    queue_.clear();
+    onClose();
+}
+
+void Simulator::byteFromHost(Moment now, Byte byte)
+{
+    if (hungUp_)
+        return;
+    now_ = std::max(now_, now);
+    onByte(byte);
+}
+
+std::optional<Moment> Simulator::nextEvent() const
+{
+    if (hungUp_)
+        return std::nullopt;
+    std::optional<Moment> next = hangUpAt_;
+    if (!queue_.empty() && (!next || queue_.front().at < *next))
+        next = queue_.front().at;
+    if (!actions_.empty() && (!next || actions_.front().at < *next))
+        next = actions_.front().at;
+    return next;
+}
+
+std::optional<Byte> Simulator::takeByte(Moment now)
+{
+    while (!hungUp_) {
+        const std::optional<Moment> next = nextEvent();
+        if (!next || *next > now)
+            return std::nullopt;
+        if (!queue_.empty() && queue_.front().at == *next) {
+            const QueuedByte first = queue_.front();
+            queue_.pop_front();
+            now_ = std::max(now_, first.at);
+            return first.byte;
+        }
+        if (hangUpAt_ == next)
+            unplug();
+        else
+            runFirstAction();
+    }
+    return std::nullopt;
+}
+
+void Simulator::unplug()
+{
+    hungUp_ = true;
+    dropPending();
+}
+
+std::vector<std::string> Simulator::unknownSettings() const
+{
+    std::vector<std::string> unknown;
+    for (const auto& [name, value] : options_.settings)
+        if (!knownSettings_.contains(name))
+            unknown.push_back(name);
+    return unknown;
+}
+
+void Simulator::putSheet(SimulatedSheet sheet)
+{
+    feeder_.put(std::move(sheet));
+    onSheetPut();
+}
+
+void Simulator::send(std::string_view bytes)
+{
+    if (!open_ || hungUp_ || hangUpAt_)
+        return;
+    const Moment each = options_.rate == Rate::Wire ? line_.characterTime() : Moment{};
+    Moment moment = std::max(now_, transmitterFree_);
+    if (outputFaults_.none()) {
+        for (const char byte : bytes)
+            queue_.push_back({moment += each, static_cast<Byte>(byte)});
+    } else {
+        moment = sendFaultily(bytes, moment, each);
+    }
+    transmitterFree_ = moment;
+}
+
+Moment Simulator::sendFaultily(std::string_view bytes, Moment moment, Moment each)
+{
+    moment += outputFaults_.beforeReply(bytes.size());
+    for (const char byte : bytes) {
+        const OutputFaults::Fate fate = outputFaults_.next(static_cast<Byte>(byte));
+        moment += fate.pause + each;
+        if (fate.unplugged) {
+            hangUpAt_ = moment;
+            break;
+        }
+        if (!fate.lost)
+            queue_.push_back({moment, fate.byte});
+    }
+    return moment;
+}
+
+void Simulator::sendAfter(Moment delay, std::string bytes)
+{
+    schedule(delay, [this, reply = std::move(bytes)] { send(reply); });
+}
+
+void Simulator::schedule(Moment delay, std::function<void()> action)
+{
+    const Moment moment = now_ + delay;
+    const auto behind = std::ranges::upper_bound(actions_, moment, {}, &Action::at);
+    actions_.insert(behind, {moment, std::move(action)});
+}
+
+void Simulator::dropPending()
+{
+    queue_.clear();
+    actions_.clear();
+    transmitterFree_ = now_;
+}
+
+void Simulator::runFirstAction()
+{
+    const Action first = std::move(actions_.front());
+    actions_.erase(actions_.begin());
+    now_ = std::max(now_, first.at);
+    first.run();
+}
+
+void Simulator::fault(std::string what)
+{
+    errors_.push_back(std::move(what));
+    if (errorListener_)
+        errorListener_(errors_.back());
+}
+
+Simulator::Feed Simulator::nextFeed() const
+{
+    const Int32 next = sheetNumber_ + 1;
+    if (feeder_.empty() || outputFaults_.atSheet(Fault::Kind::Empty, next))
+        return Feed::Empty;
+    return outputFaults_.atSheet(Fault::Kind::Jam, next) ? Feed::Jam : Feed::Sheet;
+}
+
+Simulator::Feed Simulator::feed()
+{
+    const Feed result = nextFeed();
+    if (result != Feed::Empty && outputFaults_.atSheet(Fault::Kind::Unplug, sheetNumber_ + 1)) {
+        unplug();
+        return Feed::Empty;
+    }
+    if (result == Feed::Empty) {
+        record({SheetEvent::Empty, 0, {}, 0, 0});
+        return result;
+    }
+    sheet_ = feeder_.take();
+    ++sheetNumber_;
+    outputFaults_.sheetFed(sheetNumber_);
+    note(result == Feed::Jam ? SheetEvent::Jammed : SheetEvent::Fed);
+    return result;
+}
+
+void Simulator::note(SheetEvent event, std::string text, Int32 line, Int32 position)
+{
+    record({event, sheetNumber_, std::move(text), line, position});
+}
+
+void Simulator::record(SheetRecord entry)
+{
+    log_.push_back(std::move(entry));
+    if (logListener_)
+        logListener_(log_.back());
+}
+
+std::string Simulator::setting(const std::string& name, const std::string& fallback)
+{
+    knownSettings_.insert(name);
+    const auto found = options_.settings.find(name);
+    return found == options_.settings.end() ? fallback : found->second;
+}
+
+Int32 Simulator::settingNumber(const std::string& name, Int32 fallback)
+{
+    const std::string text = setting(name, "");
+    if (text.empty())
+        return fallback;
+    const bool hexadecimal = text.starts_with("0x") || text.starts_with("0X");
+    const char* begin = text.data() + (hexadecimal ? 2 : 0);
+    const char* end = text.data() + text.size();
+    Int32 value = 0;
+    const auto [stopped, error] = std::from_chars(begin, end, value, hexadecimal ? 16 : 10);
+    if (error != std::errc{} || stopped != end)
+        refuseSetting(name, text, "is no whole number");
+    return value;
+}
+
+bool Simulator::settingFlag(const std::string& name, bool fallback)
+{
+    const std::string text = lowerCase(setting(name, fallback ? "true" : "false"));
+    if (text == "true" || text == "1" || text == "yes")
+        return true;
+    if (text == "false" || text == "0" || text == "no")
+        return false;
+    refuseSetting(name, text, "is neither true nor false");
+}
+
+void Simulator::demandLine(const std::string& settings)
+{
+    if (demandedLine_.empty())
+        demandedLine_ = lineSettingsText(parseLineSettings(settings));
+}
+
+std::string hex(Byte byte)
+{
+    constexpr char digits[] = "0123456789ABCDEF";
+    return {digits[byte >> 4], digits[byte & 15]};
+}
+
+} // namespace kel

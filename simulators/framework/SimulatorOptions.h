@@ -1,0 +1,43 @@
+#pragma once
+
+#include "simulators/framework/Fault.h"
+#include "simulators/framework/FormDescription.h"
+#include "simulators/framework/SheetFeeder.h"
+#include "types/Enumerations.h"
+
+#include <map>
+#include <optional>
+
+namespace kel
+{
+
+/// How fast a simulated reader's bytes come.
+enum class Rate {
+    Wire,      ///< one character time each, at the speed of the line
+    Unlimited, ///< all at once
+};
+
+/// A pile of random sheets.
+struct SeededSheets {
+    std::uint64_t seed = 1;
+    std::uint64_t count = 1;
+};
+
+/// All that can be said about a simulated reader.
+struct SimulatorOptions {
+    kelReaderType model = kelReaderTypeNone;
+    SheetFeeder sheets = {};
+
+    /// Asks `makeSimulator` for random sheets, in the shape of the model's or of the form; `sheets` come first.
+    std::optional<SeededSheets> seeded = {};
+
+    FormDescription form = {};
+    Rate rate = Rate::Wire;
+    std::vector<Fault> faults = {};
+
+    /// What only some models know, by name. `line` is known to all: the line settings that the reader demands,
+    /// as "19200,N,8,2".
+    std::map<std::string, std::string> settings = {};
+};
+
+} // namespace kel

@@ -1,0 +1,115 @@
+#include "simulators/sekonic_usb/OmrApiSimulation.h"
+
+#include <dlfcn.h>
+
+#include <charconv>
+#include <stdexcept>
+
+namespace kel
+{
+
+namespace
+{
+
+using Configure = std::int32_t (*)(const char*, char*, std::int32_t);
+using Report = std::int32_t (*)(char*, std::int32_t);
+
+constexpr Int32 kFeederEmpty = 0x40110000;
+constexpr Int32 kJam = 0x35090000;
+
+std::string lastLoaderError()
+{
+    const char* text = ::dlerror();
+    return text ? text : "unknown reason";
+}
+
+/// What a fault of the transport is at a feed.
+OmrSimulationState::FeedCode feedCodeOf(const Fault& fault)
+{
+    if (!fault.byte && fault.sheet) {
+        if (fault.kind == Fault::Kind::Jam)
+            return {*fault.sheet, kJam};
+        if (fault.kind == Fault::Kind::Empty)
+            return {*fault.sheet, kFeederEmpty};
+    }
+    throw std::invalid_argument("no fault " + toText(fault) + " here; the USB models know jam and empty at a sheet");
+}
+
+Int32 settingValue(const std::string& name, const std::string& text)
+{
+    Int32 value = 0;
+    const char* const end = text.data() + text.size();
+    if (text.empty() || std::from_chars(text.data(), end, value).ptr != end)
+        throw std::invalid_argument("setting " + name + ": " + text + " is no number");
+    return value;
+}
+
+} // namespace
+
+OmrApiSimulation::OmrApiSimulation(std::filesystem::path library, const OmrSimulationState& state)
+    : library_(std::filesystem::absolute(library)), handle_(::dlopen(library_.c_str(), RTLD_NOW | RTLD_LOCAL))
+{
+    if (!handle_)
+        throw std::runtime_error(lastLoaderError());
+    configure(state);
+}
+
+void OmrApiSimulation::configure(const OmrSimulationState& state)
+{
+    char message[512];
+    if (reinterpret_cast<Configure>(find("OMRSIM_Configure"))(toJson(state).c_str(), message, sizeof message) == 0)
+        throw std::runtime_error(message);
+}
+
+OmrSimulationReport OmrApiSimulation::report() const
+{
+    const auto ask = reinterpret_cast<Report>(find("OMRSIM_Report"));
+    std::string text(static_cast<std::size_t>(ask(nullptr, 0)) + 1, '\0');
+    text.resize(static_cast<std::size_t>(ask(text.data(), static_cast<std::int32_t>(text.size()))));
+    return omrReportFromJson(text);
+}
+
+void* OmrApiSimulation::find(const char* name) const
+{
+    if (void* found = ::dlsym(handle_, name))
+        return found;
+    throw std::runtime_error(library_.string() + " is not the simulated library: " + lastLoaderError());
+}
+
+SheetShape omrSheetShape(const FormDescription& form)
+{
+    SheetShape shape{.side1Rows = 60,
+                     .side1Columns = 48,
+                     .side2Rows = 60,
+                     .side2Columns = 48,
+                     .lowestMark = 1,
+                     .highestMark = 15,
+                     .barcodes = static_cast<Int32>(form.barcodes.size())};
+    if (!form.side1Rows.empty())
+        shape.side1Rows = form.side1Rows.front();
+    if (!form.side2Rows.empty())
+        shape.side2Rows = form.side2Rows.front();
+    return shape;
+}
+
+OmrSimulationState omrSimulationState(const SimulatorOptions& options)
+{
+    OmrSimulationState state;
+    for (SheetFeeder sheets = options.sheets; !sheets.empty();)
+        state.sheets.push_back(sheets.take());
+    for (std::uint64_t place = 0; options.seeded && place < options.seeded->count; ++place)
+        state.sheets.push_back(randomSheet(omrSheetShape(options.form), options.seeded->seed, place));
+    for (const Fault& fault : options.faults)
+        state.feedCodes.push_back(feedCodeOf(fault));
+    for (const auto& [name, value] : options.settings) {
+        if (name == "columns")
+            state.columns = settingValue(name, value);
+        else if (name == "barcodeUnit")
+            state.barcodeUnit = settingValue(name, value);
+        else
+            throw std::invalid_argument("unknown setting " + name + "; this model knows barcodeUnit, columns");
+    }
+    return state;
+}
+
+} // namespace kel

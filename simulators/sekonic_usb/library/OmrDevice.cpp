@@ -1,0 +1,447 @@
+#include "simulators/sekonic_usb/library/OmrDevice.h"
+
+#include <algorithm>
+
+namespace kel
+{
+
+namespace
+{
+
+constexpr Int32 kFeederEmpty = 0x40110000;
+constexpr Int32 kReadAllTheSame[] = {0x40120003, 0x41120003, 0x42120003};
+/// What the library tells where this simulation knows no better.
+constexpr Int32 kSomeError = 1;
+
+constexpr Int32 kColumnsWanted = 48;
+constexpr Int32 kSymbologies = 0x17;
+constexpr Int32 kRoomForBarcode = 512;
+constexpr Byte kAnyType = 0x40;
+/// What the reader says of every barcode.
+constexpr Byte kCode39 = 0x01;
+
+bool isReadAllTheSame(Int32 code)
+{
+    return std::ranges::find(kReadAllTheSame, code) != std::end(kReadAllTheSame);
+}
+
+} // namespace
+
+OmrDevice::OmrDevice(OmrSimulationState state) : state_(std::move(state))
+{
+    if (!state_.logFile.empty())
+        logFile_.open(state_.logFile, std::ios::app);
+}
+
+OmrSimulationReport OmrDevice::report() const
+{
+    return {.calls = calls_,
+            .faults = faults_,
+            .log = log_,
+            .open = open_,
+            .remaining = static_cast<Int32>(state_.sheets.size() - nextSheet_),
+            .printStrings = printStrings_};
+}
+
+std::optional<Int32> OmrDevice::begin(const std::string& function, std::initializer_list<Int32> arguments,
+                                      const std::string& text)
+{
+    std::string line = function;
+    for (const Int32 argument : arguments)
+        line += ' ' + std::to_string(argument);
+    calls_.push_back(line + text);
+    if (lastErrorDue_ && function != "OMR_GetLastError")
+        fault(function + " where the last error is to be asked for");
+    lastErrorDue_ = false;
+
+    const Int32 call = ++callCounts_[function];
+    for (const OmrSimulationState::Refusal& refusal : state_.refusals) {
+        if (refusal.function == function && refusal.call == call)
+            return fail(refusal.code, refusal.result);
+    }
+    return std::nullopt;
+}
+
+void OmrDevice::writeLine(const std::string& line)
+{
+    if (logFile_.is_open())
+        logFile_ << line << '\n' << std::flush;
+}
+
+void OmrDevice::fault(const std::string& what)
+{
+    faults_.push_back(what);
+    writeLine("fault: " + what);
+}
+
+bool OmrDevice::demand(bool condition, const std::string& what)
+{
+    if (!condition)
+        fault(what);
+    return condition;
+}
+
+bool OmrDevice::demandOpen(const std::string& function)
+{
+    return demand(open_, function + " without an open reader");
+}
+
+void OmrDevice::note(SheetEvent event, const std::string& text, Int32 line, Int32 position)
+{
+    log_.push_back({event, transport_ ? transport_->number : 0, text, line, position});
+    writeLine(toJson(log_.back()));
+}
+
+Int32 OmrDevice::fail(Int32 code, Int32 result)
+{
+    lastError_ = code;
+    return result;
+}
+
+// --- The device
+
+Int32 OmrDevice::open()
+{
+    const auto refused = begin("OMR_OpenDeviceUSB", {});
+    demand(!open_, "OMR_OpenDeviceUSB while the reader is open");
+    lastErrorDue_ = refused ? *refused != 0 : !state_.connected;
+    if (refused)
+        return *refused;
+    if (!state_.connected)
+        return fail(kSomeError, kSomeError);
+    open_ = true;
+    backSensor_.reset();
+    return fail(0, 0);
+}
+
+// A host that could not open the reader closes it all the same.
+Int32 OmrDevice::close()
+{
+    if (const auto refused = begin("OMR_CloseDevice", {}))
+        return *refused;
+    if (transport_)
+        leave(SheetEvent::Ended, {});
+    open_ = false;
+    return 1;
+}
+
+Int32 OmrDevice::lastError()
+{
+    const bool due = lastErrorDue_;
+    const auto refused = begin("OMR_GetLastError", {});
+    demand(due, "OMR_GetLastError where nothing was opened or fed");
+    return refused.value_or(lastError_);
+}
+
+Int32 OmrDevice::readingMethod(Int32& first, Int32& second)
+{
+    if (const auto refused = begin("OMR_GetReadingMethod", {}))
+        return *refused;
+    if (!demandOpen("OMR_GetReadingMethod"))
+        return fail(kSomeError);
+    first = state_.readingMethod[0];
+    second = state_.readingMethod[1];
+    return 1;
+}
+
+Int32 OmrDevice::setReadingMethod(Int32 method, Int32 second)
+{
+    if (const auto refused = begin("OMR_SetReadingMethod", {method, second}))
+        return *refused;
+    if (!demandOpen("OMR_SetReadingMethod"))
+        return fail(kSomeError);
+    demand(method == 3, "reading method " + std::to_string(method));
+    demand(second == state_.readingMethod[1], "the reading method's second value is changed");
+    demand(state_.readingMethod[0] != 0 && state_.readingMethod[0] != 3, "a good reading method is set anew");
+    state_.readingMethod = {method, second};
+    return 1;
+}
+
+Int32 OmrDevice::columns()
+{
+    if (const auto refused = begin("OMR_GetNumberOfColumnsToRead", {}))
+        return *refused;
+    return demandOpen("OMR_GetNumberOfColumnsToRead") ? state_.columns : fail(kSomeError);
+}
+
+Int32 OmrDevice::setColumns(Int32 count)
+{
+    if (const auto refused = begin("OMR_SetNumberOfColumnsToRead", {count}))
+        return *refused;
+    if (!demandOpen("OMR_SetNumberOfColumnsToRead"))
+        return fail(kSomeError);
+    demand(count == kColumnsWanted, std::to_string(count) + " columns");
+    demand(count != state_.columns, "the number of columns is set anew");
+    state_.columns = count;
+    return 1;
+}
+
+Int32 OmrDevice::setBackSensor(Int32 on)
+{
+    if (const auto refused = begin("OMR_SetBackSensorUnit", {on}))
+        return *refused;
+    if (!demandOpen("OMR_SetBackSensorUnit"))
+        return fail(kSomeError);
+    demand(on == 0 || on == 1, "back sensor " + std::to_string(on));
+    backSensor_ = on;
+    return 1;
+}
+
+Int32 OmrDevice::feedMode(Int32& first, Int32& second)
+{
+    if (const auto refused = begin("OMR_GetSheetFeedMode", {}))
+        return *refused;
+    if (!demandOpen("OMR_GetSheetFeedMode"))
+        return fail(kSomeError);
+    first = state_.feedMode[0];
+    second = state_.feedMode[1];
+    return 1;
+}
+
+Int32 OmrDevice::setFeedMode(Int32 first, Int32 second)
+{
+    if (const auto refused = begin("OMR_SetSheetFeedMode", {first, second}))
+        return *refused;
+    if (!demandOpen("OMR_SetSheetFeedMode"))
+        return fail(kSomeError);
+    demand(first == 0 && second == 0, "feed mode " + std::to_string(first) + ", " + std::to_string(second));
+    demand(state_.feedMode[0] != 0, "a good feed mode is set anew");
+    state_.feedMode = {first, second};
+    return 1;
+}
+
+// --- A sheet
+
+void OmrDevice::checkReadiness()
+{
+    demand(state_.readingMethod[0] == 0 || state_.readingMethod[0] == 3, "a feed with another reading method");
+    demand(state_.columns == kColumnsWanted, "a feed with another number of columns");
+    demand(state_.feedMode[0] == 0, "a feed with another feed mode");
+    demand(backSensor_.has_value(), "a feed before the back sensor was set");
+}
+
+Int32 OmrDevice::feed()
+{
+    const auto refused = begin("OMR_FeedSheet", {});
+    lastErrorDue_ = true;
+    if (refused)
+        return *refused;
+    if (!demandOpen("OMR_FeedSheet"))
+        return fail(kSomeError);
+    checkReadiness();
+    if (transport_)
+        leave(SheetEvent::Ejected, "next feed");
+
+    ++feeds_;
+    const auto entry = std::ranges::find(state_.feedCodes, feeds_, &OmrSimulationState::FeedCode::feed);
+    Int32 code = entry == state_.feedCodes.end() ? 0 : entry->code;
+    if (code == 0 && nextSheet_ == state_.sheets.size())
+        code = kFeederEmpty;
+    if (code == kFeederEmpty || nextSheet_ == state_.sheets.size()) {
+        note(SheetEvent::Empty);
+        return fail(code);
+    }
+
+    transport_ = Transport{.number = ++fed_, .sheet = state_.sheets[nextSheet_++]};
+    if (code != 0 && !isReadAllTheSame(code)) {
+        note(SheetEvent::Jammed);
+        transport_.reset();
+        return fail(code);
+    }
+    note(SheetEvent::Fed);
+    transport_->barcodesPrepared = areaSet_ && typesSet_;
+    if (transport_->barcodesPrepared)
+        demand(checkDigits_ == std::set<Byte>{'a', 'b', 'c'}, "a feed before the check digits were set");
+    areaSet_ = typesSet_ = false;
+    checkDigits_.clear();
+    orderSet_ = false;
+    printPosition_.reset();
+    linesSet_ = 0;
+    return fail(code, 1);
+}
+
+Int32 OmrDevice::marks(Int32 side, Int32 threshold, Int32& rows, Int32 columns, Byte* bytes)
+{
+    if (const auto refused = begin("OMR_GetMarks", {side, threshold, rows, columns}))
+        return *refused;
+    if (!demandOpen("OMR_GetMarks") || !demand(transport_.has_value(), "OMR_GetMarks without a sheet") ||
+        !demand(side == 0 || side == 1, "marks of side " + std::to_string(side)) ||
+        !demand(columns == state_.columns, "marks of another number of columns than was set") ||
+        !demand(rows == kOmrMostRows, "marks of " + std::to_string(rows) + " rows"))
+        return fail(kSomeError);
+    if (side == 0) {
+        demand(!transport_->frontFetched, "the front is fetched twice");
+        transport_->frontFetched = true;
+    } else {
+        if (!demand(backSensor_ == 1, "the back is fetched with its sensor off"))
+            return fail(kSomeError);
+        demand(transport_->frontFetched && !transport_->backFetched, "the back is fetched out of turn");
+        transport_->backFetched = true;
+    }
+    const MarkRows& cells = side == 0 ? transport_->sheet.side1 : transport_->sheet.side2;
+    rows = static_cast<Int32>(cells.size());
+    for (Int32 row = 1; row <= rows; ++row) {
+        for (Int32 column = 1; column <= columns; ++column)
+            *bytes++ = static_cast<Byte>(markAt(cells, row, column));
+    }
+    note(SheetEvent::Read, side == 0 ? "front" : "back");
+    return 1;
+}
+
+Int32 OmrDevice::eject(Int32 outlet)
+{
+    if (const auto refused = begin("OMR_EjectSheet", {outlet}))
+        return *refused;
+    if (!demandOpen("OMR_EjectSheet") || !demand(transport_.has_value(), "OMR_EjectSheet without a sheet") ||
+        !demand(outlet >= 1 && outlet <= 4, "outlet " + std::to_string(outlet)))
+        return fail(kSomeError);
+    const bool rejecter = outlet == 2 || outlet == 4;
+    leave(rejecter ? SheetEvent::Rejected : SheetEvent::Ejected, "outlet " + std::to_string(outlet));
+    return 1;
+}
+
+void OmrDevice::leave(SheetEvent event, const std::string& where)
+{
+    // A print that was refused on the way leaves the sheet as it is.
+    if (linesSet_ == 3) {
+        for (Int32 line = 1; line <= linesSet_; ++line)
+            note(SheetEvent::Printed, printStrings_[static_cast<std::size_t>(line - 1)], line, *printPosition_);
+    }
+    note(event, where);
+    transport_.reset();
+    linesSet_ = 0;
+}
+
+// --- Barcodes
+
+Int32 OmrDevice::barcodeUnit()
+{
+    if (const auto refused = begin("OMR_GetBarcodeReaderUnit", {}))
+        return *refused;
+    return demandOpen("OMR_GetBarcodeReaderUnit") ? state_.barcodeUnit : fail(kSomeError, -1);
+}
+
+Int32 OmrDevice::setBarcodeUnit(Int32 on)
+{
+    if (const auto refused = begin("OMR_SetBarcodeReaderUnit", {on}))
+        return *refused;
+    if (!demandOpen("OMR_SetBarcodeReaderUnit"))
+        return fail(kSomeError);
+    demand(on == 1, "barcode unit " + std::to_string(on));
+    demand(state_.barcodeUnit == 0, "the barcode unit is switched on that is missing or on");
+    state_.barcodeUnit = on;
+    return 1;
+}
+
+// Without a unit, or with it off, the reader refuses the area.
+Int32 OmrDevice::setBarcodeArea(Int32 start, Int32 length)
+{
+    if (const auto refused = begin("OMR_SetBarCodeArea", {start, length}))
+        return *refused;
+    if (!demandOpen("OMR_SetBarCodeArea") || state_.barcodeUnit == 0 || state_.barcodeUnit == -1)
+        return fail(kSomeError);
+    areaSet_ = true;
+    return 1;
+}
+
+Int32 OmrDevice::setBarcodeTypes(Int32 mask)
+{
+    if (const auto refused = begin("OMR_SetBarCodeReadType", {mask}))
+        return *refused;
+    if (!demandOpen("OMR_SetBarCodeReadType") || !demand(areaSet_, "symbologies before an area"))
+        return fail(kSomeError);
+    demand(mask == kSymbologies, "symbologies " + std::to_string(mask));
+    typesSet_ = true;
+    return 1;
+}
+
+Int32 OmrDevice::setCheckDigit(Byte type, Int32 on)
+{
+    if (const auto refused = begin("OMR_SetBarCodeCheckDigit", {type, on}))
+        return *refused;
+    if (!demandOpen("OMR_SetBarCodeCheckDigit") || !demand(typesSet_, "a check digit before the symbologies"))
+        return fail(kSomeError);
+    demand(type >= 'a' && type <= 'c' && on == 0,
+           "check digit " + std::to_string(type) + ", " + std::to_string(on));
+    demand(checkDigits_.insert(type).second, "check digit " + std::to_string(type) + " is set twice");
+    return 1;
+}
+
+Int32 OmrDevice::barcodeInfo(Int32& readCount, Int32& settingCount)
+{
+    if (const auto refused = begin("OMR_GetBarcodeInfo", {}))
+        return *refused;
+    if (!demandOpen("OMR_GetBarcodeInfo") || !demand(transport_.has_value(), "OMR_GetBarcodeInfo without a sheet") ||
+        !demand(transport_->barcodesPrepared, "barcodes of a sheet that was fed without an area"))
+        return fail(kSomeError);
+    demand(transport_->frontFetched && transport_->backFetched == (backSensor_ == 1), "barcodes before the marks");
+    readCount = static_cast<Int32>(transport_->sheet.barcodes.size());
+    settingCount = 1;
+    return 1;
+}
+
+Int32 OmrDevice::barcode(Int32 index, Byte& type, Int32& length, Byte* bytes)
+{
+    if (const auto refused = begin("OMR_GetBarcodeData", {index, type, length}))
+        return *refused;
+    if (!demandOpen("OMR_GetBarcodeData") || !demand(transport_.has_value(), "OMR_GetBarcodeData without a sheet") ||
+        !demand(index >= 1 && static_cast<std::size_t>(index) <= transport_->sheet.barcodes.size(),
+                "barcode " + std::to_string(index)) ||
+        !demand(length == kRoomForBarcode && type == kAnyType, "room or type of a barcode"))
+        return fail(kSomeError);
+    const std::string& text = transport_->sheet.barcodes[static_cast<std::size_t>(index - 1)];
+    const std::size_t count = std::min(text.size(), static_cast<std::size_t>(length));
+    std::copy_n(text.begin(), count, bytes);
+    length = static_cast<Int32>(text.size());
+    type = kCode39;
+    return 1;
+}
+
+// --- Print
+
+Int32 OmrDevice::setPrintOrder(Int32 first, Int32 second, Int32 third)
+{
+    if (const auto refused = begin("OMR_SetPrintOrder", {first, second, third}))
+        return *refused;
+    if (!demandOpen("OMR_SetPrintOrder"))
+        return fail(kSomeError);
+    demand(transport_.has_value(), "a print without a sheet");
+    demand(first == 1 && second == 2 && third == 3, "print lines out of order");
+    orderSet_ = true;
+    linesSet_ = 0;
+    return 1;
+}
+
+Int32 OmrDevice::setPrintPosition(Int32 position)
+{
+    if (const auto refused = begin("OMR_SetPrintPosition", {position}))
+        return *refused;
+    if (!demandOpen("OMR_SetPrintPosition"))
+        return fail(kSomeError);
+    demand(orderSet_, "a print position before the order");
+    printPosition_ = position;
+    return 1;
+}
+
+Int32 OmrDevice::setPrintString(Int32 line, const char* text)
+{
+    if (const auto refused = begin("OMR_SetPrintString", {line}, std::string(" '") + text + "'"))
+        return *refused;
+    if (!demandOpen("OMR_SetPrintString") ||
+        !demand(line >= 1 && line <= 3, "print line " + std::to_string(line)))
+        return fail(kSomeError);
+    demand(printPosition_.has_value(), "a print line before the position");
+    demand(line == linesSet_ + 1, "print line " + std::to_string(line) + " out of turn");
+    printStrings_[static_cast<std::size_t>(line - 1)] = text;
+    linesSet_ = line;
+    return 1;
+}
+
+Int32 OmrDevice::unexpected(const char* function)
+{
+    static_cast<void>(begin(function, {}));
+    fault(std::string(function) + " is not called by this system");
+    return fail(kSomeError);
+}
+
+} // namespace kel

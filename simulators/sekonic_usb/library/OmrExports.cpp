@@ -1,0 +1,250 @@
+#include "simulators/sekonic_usb/library/OmrDevice.h"
+
+#include "simulators/framework/Json.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <iostream>
+#include <memory>
+
+// The functions of the maker's library as a program sees them: C functions on 32-bit numbers, records of 32-bit
+// fields, arrays by their first byte, and texts that end with a zero.
+
+#define OMR_EXPORT extern "C" __attribute__((visibility("default")))
+
+namespace
+{
+
+/// What is to be read of a side, and has been.
+struct MarksRecord {
+    std::int32_t threshold;
+    std::int32_t rows;
+    std::int32_t columns;
+};
+static_assert(sizeof(MarksRecord) == 12 && offsetof(MarksRecord, rows) == 4 && offsetof(MarksRecord, columns) == 8);
+
+/// Where barcodes are looked for.
+struct AreaRecord {
+    std::int32_t start;
+    std::int32_t length;
+};
+static_assert(sizeof(AreaRecord) == 8 && offsetof(AreaRecord, length) == 4);
+
+/// A reader that nobody has set up: what the file says that the environment names, or no reader at all.
+std::unique_ptr<kel::OmrDevice> deviceOfEnvironment()
+{
+    const char* file = std::getenv("KEL_OMRAPI_SIMULATION");
+    if (!file)
+        return std::make_unique<kel::OmrDevice>();
+    try {
+        return std::make_unique<kel::OmrDevice>(kel::omrStateFromJson(kel::json::readWholeFile(file)));
+    } catch (const std::exception& error) {
+        std::cerr << "simulated OMRAPI: " << file << ": " << error.what() << '\n';
+        return std::make_unique<kel::OmrDevice>(kel::OmrSimulationState{.connected = false});
+    }
+}
+
+/// The one reader that the library knows.
+std::unique_ptr<kel::OmrDevice>& place()
+{
+    static std::unique_ptr<kel::OmrDevice> device;
+    return device;
+}
+
+kel::OmrDevice& device()
+{
+    if (!place())
+        place() = deviceOfEnvironment();
+    return *place();
+}
+
+/// As much of a text as fits, with a zero behind it; the length of the whole.
+std::int32_t give(const std::string& text, char* room, std::int32_t size)
+{
+    if (size > 0) {
+        const std::size_t count = std::min(text.size(), static_cast<std::size_t>(size) - 1);
+        std::copy_n(text.begin(), count, room);
+        room[count] = '\0';
+    }
+    return static_cast<std::int32_t>(text.size());
+}
+
+} // namespace
+
+// --- What a test or a program says to the simulation itself
+
+/// Sets the library up anew from a state in JSON. 1 is success; 0 leaves everything as it was and says why.
+OMR_EXPORT std::int32_t OMRSIM_Configure(const char* state, char* message, std::int32_t size)
+{
+    try {
+        place() = std::make_unique<kel::OmrDevice>(kel::omrStateFromJson(state));
+        give({}, message, size);
+        return 1;
+    } catch (const std::exception& error) {
+        give(error.what(), message, size);
+        return 0;
+    }
+}
+
+/// What has happened, in JSON. Gives the length of the whole text; call again with more room if it did not fit.
+OMR_EXPORT std::int32_t OMRSIM_Report(char* text, std::int32_t size)
+{
+    return give(toJson(device().report()), text, size);
+}
+
+// --- The library
+
+OMR_EXPORT std::int32_t OMR_OpenDeviceUSB()
+{
+    return device().open();
+}
+
+OMR_EXPORT std::int32_t OMR_CloseDevice()
+{
+    return device().close();
+}
+
+OMR_EXPORT std::int32_t OMR_GetLastError()
+{
+    return device().lastError();
+}
+
+OMR_EXPORT std::int32_t OMR_GetReadingMethod(std::int32_t* first, std::int32_t* second)
+{
+    return device().readingMethod(*first, *second);
+}
+
+OMR_EXPORT std::int32_t OMR_SetReadingMethod(std::int32_t method, std::int32_t second)
+{
+    return device().setReadingMethod(method, second);
+}
+
+OMR_EXPORT std::int32_t OMR_GetNumberOfColumnsToRead()
+{
+    return device().columns();
+}
+
+OMR_EXPORT std::int32_t OMR_SetNumberOfColumnsToRead(std::int32_t count)
+{
+    return device().setColumns(count);
+}
+
+OMR_EXPORT std::int32_t OMR_SetBackSensorUnit(std::int32_t on)
+{
+    return device().setBackSensor(on);
+}
+
+OMR_EXPORT std::int32_t OMR_GetSheetFeedMode(std::int32_t* first, std::int32_t* second)
+{
+    return device().feedMode(*first, *second);
+}
+
+OMR_EXPORT std::int32_t OMR_SetSheetFeedMode(std::int32_t first, std::int32_t second)
+{
+    return device().setFeedMode(first, second);
+}
+
+OMR_EXPORT std::int32_t OMR_FeedSheet()
+{
+    return device().feed();
+}
+
+OMR_EXPORT std::int32_t OMR_GetMarks(std::int32_t side, MarksRecord* record, std::uint8_t* bytes)
+{
+    return device().marks(side, record->threshold, record->rows, record->columns, bytes);
+}
+
+OMR_EXPORT std::int32_t OMR_EjectSheet(std::int32_t outlet)
+{
+    return device().eject(outlet);
+}
+
+OMR_EXPORT std::int32_t OMR_GetBarcodeReaderUnit()
+{
+    return device().barcodeUnit();
+}
+
+OMR_EXPORT std::int32_t OMR_SetBarcodeReaderUnit(std::int32_t on)
+{
+    return device().setBarcodeUnit(on);
+}
+
+OMR_EXPORT std::int32_t OMR_SetBarCodeArea(const AreaRecord* area)
+{
+    return device().setBarcodeArea(area->start, area->length);
+}
+
+OMR_EXPORT std::int32_t OMR_SetBarCodeReadType(std::int32_t mask)
+{
+    return device().setBarcodeTypes(mask);
+}
+
+OMR_EXPORT std::int32_t OMR_SetBarCodeCheckDigit(std::uint8_t type, std::int32_t on)
+{
+    return device().setCheckDigit(type, on);
+}
+
+OMR_EXPORT std::int32_t OMR_GetBarcodeInfo(std::int32_t* readCount, std::int32_t* settingCount)
+{
+    return device().barcodeInfo(*readCount, *settingCount);
+}
+
+OMR_EXPORT std::int32_t OMR_GetBarcodeData(std::int32_t index, std::uint8_t* type, std::int32_t* length,
+                                           std::uint8_t* bytes)
+{
+    return device().barcode(index, *type, *length, bytes);
+}
+
+OMR_EXPORT std::int32_t OMR_SetPrintOrder(std::int32_t first, std::int32_t second, std::int32_t third)
+{
+    return device().setPrintOrder(first, second, third);
+}
+
+OMR_EXPORT std::int32_t OMR_SetPrintPosition(std::int32_t position)
+{
+    return device().setPrintPosition(position);
+}
+
+OMR_EXPORT std::int32_t OMR_SetPrintString(std::int32_t line, const char* text)
+{
+    return device().setPrintString(line, text);
+}
+
+// --- There, and never called
+
+OMR_EXPORT std::int32_t OMR_FormatMessage()
+{
+    return device().unexpected("OMR_FormatMessage");
+}
+
+OMR_EXPORT std::int32_t OMR_GetPrintString()
+{
+    return device().unexpected("OMR_GetPrintString");
+}
+
+OMR_EXPORT std::int32_t OMR_GetPrintPosition()
+{
+    return device().unexpected("OMR_GetPrintPosition");
+}
+
+OMR_EXPORT std::int32_t OMR_GetPrinterMode()
+{
+    return device().unexpected("OMR_GetPrinterMode");
+}
+
+OMR_EXPORT std::int32_t OMR_SetPrinterMode()
+{
+    return device().unexpected("OMR_SetPrinterMode");
+}
+
+OMR_EXPORT std::int32_t OMR_GetPrintOrder()
+{
+    return device().unexpected("OMR_GetPrintOrder");
+}
+
+OMR_EXPORT std::int32_t OMR_GetBackSensorUnit()
+{
+    return device().unexpected("OMR_GetBackSensorUnit");
+}

@@ -1,0 +1,90 @@
+#include "cli/EnumeratorNames.h"
+#include "cli/ModelLookup.h"
+#include "cli/UsageError.h"
+#include "dispatch/ReaderModels.h"
+
+#include <gmock/gmock.h>
+
+namespace kel
+{
+namespace
+{
+
+using testing::HasSubstr;
+
+std::string refusal(const std::string& text)
+{
+    try {
+        static_cast<void>(modelNamed(text));
+    } catch (const UsageError& error) {
+        return error.what();
+    }
+    return "not refused";
+}
+
+TEST(ModelLookup, TakesEveryNumberEveryNameAndEveryEnumerator)
+{
+    ASSERT_EQ(readerTypes().members.size(), 42U);
+    for (const Enumerator& member : readerTypes().members) {
+        SCOPED_TRACE(member.name);
+        EXPECT_EQ(modelNamed(std::to_string(member.value)), member.value);
+        EXPECT_EQ(modelNamed(member.name), member.value);
+        EXPECT_EQ(modelNamed(ReturnReaderName(static_cast<kelReaderType>(member.value))), member.value);
+    }
+}
+
+TEST(ModelLookup, CaseAndSignsDoNotMatter)
+{
+    EXPECT_EQ(modelNamed("scantron scanmark 2500"), kelReaderTypeScantronScanMark2500);
+    EXPECT_EQ(modelNamed("KELREADERTYPEPDIVMR138"), kelReaderTypePDIVMR138);
+    EXPECT_EQ(modelNamed("sr601"), kelReaderTypeScanningSystemsSR601);
+    EXPECT_EQ(modelNamed("acp 200"), kelReaderTypeChatsworthACP200);
+}
+
+TEST(ModelLookup, PartWillDoWhereOnlyOneModelHasIt)
+{
+    EXPECT_EQ(modelNamed("VMR138"), kelReaderTypePDIVMR138);
+    EXPECT_EQ(modelNamed("Peripheral"), kelReaderTypePDIVMR138);
+    EXPECT_EQ(modelNamed("8000"), kelReaderTypeScantron8000);
+    EXPECT_EQ(modelNamed("opscan 4"), kelReaderTypeNCSOpScan4);
+    EXPECT_EQ(modelNamed("ACF100"), kelReaderTypeChatsworthACF100);
+}
+
+TEST(ModelLookup, SeveralModelsAreListed)
+{
+    EXPECT_EQ(refusal("OMR"), "'OMR' fits several models: Chatsworth Data OMR1100 (20), Chatsworth Data OMR2000 (21), "
+                              "Chatsworth Data ALS AccelScan OMR (22), Scantron iNSIGHT 4 (OMR) (31) and Scantron "
+                              "iNSIGHT 2 (OMR) (32).");
+    EXPECT_EQ(refusal("scantron 8"), "'scantron 8' fits several models: Scantron 8000 (16) and Scantron 8400 (17).");
+}
+
+TEST(ModelLookup, UnknownModelNamesTheNearest)
+{
+    EXPECT_EQ(refusal("Scanmrk 2500"),
+              "There is no model 'Scanmrk 2500'; the nearest are Scantron Scanmark 2500 (13), Scantron Scanmark 5500 "
+              "(15) and Scantron Scanmark 2000 (11) ('kelreader models' lists all).");
+    EXPECT_THAT(refusal("42"), HasSubstr("There is no model '42'; the nearest are "));
+    EXPECT_THAT(refusal("-1"), HasSubstr("There is no model '-1'"));
+    EXPECT_THAT(refusal(""), HasSubstr("There is no model ''"));
+}
+
+TEST(ModelLookup, MakersGoByTheirNames)
+{
+    EXPECT_EQ(makerNamed("apperson"), kelProfileTypeAP);
+    EXPECT_EQ(makerNamed("Sekonic"), kelProfileTypeSekonic);
+    EXPECT_EQ(makerNamed("SCANTRON"), kelProfileTypeScantron);
+    EXPECT_EQ(makerNamed("Chatsworth Data"), kelProfileTypeCT);
+    EXPECT_EQ(makerNamed("pdi"), kelProfileTypePDI);
+    EXPECT_EQ(makerNamed("Peripheral Dynamics"), kelProfileTypePDI);
+    EXPECT_EQ(makerNamed("Peripheral Dynamics Inc."), kelProfileTypePDI);
+    try {
+        static_cast<void>(makerNamed("epson"));
+        FAIL();
+    } catch (const UsageError& error) {
+        EXPECT_STREQ(error.what(), "There is no maker 'epson'; the makers are apperson, chatsworth, pdi, scantron and "
+                                   "sekonic.");
+    }
+}
+
+} // namespace
+} // namespace kel

@@ -1,0 +1,512 @@
+#include "platform/posix/LineInput.h"
+#include "platform/posix/PosixScanTimer.h"
+#include "platform/posix/SteadyTime.h"
+#include "tests/platform/posix/PosixTest.h"
+
+#include <algorithm>
+#include <atomic>
+#include <thread>
+
+namespace kel
+{
+namespace
+{
+
+using namespace std::chrono_literals;
+using test::expectFailure;
+
+class PosixMessagePumpTest : public test::PosixTest
+{
+protected:
+    /// How long some turns take in all.
+    Moment timeOf(int turns)
+    {
+        const Moment begin = steadyTime();
+        for (int turn = 0; turn < turns; ++turn)
+            machine.pump().DoEvents();
+        return steadyTime() - begin;
+    }
+
+    /// The shortest of many turns: a machine that is busy otherwise makes some longer.
+    Moment shortestTurn()
+    {
+        Moment shortest = Moment::max();
+        for (int turn = 0; turn < 30; ++turn)
+            shortest = std::min(shortest, timeOf(1));
+        return shortest;
+    }
+
+    /// How often the pump asks the system in some turns.
+    std::uint64_t pollsOf(int turns)
+    {
+        const std::uint64_t before = machine.pump().polls();
+        timeOf(turns);
+        return machine.pump().polls() - before;
+    }
+
+    /// Bytes from the far end; the caller has been told of them when this returns.
+    void arriveAndTell(Pty& pty, PosixSerialControl& line, const std::string& bytes)
+    {
+        const Int32 wanted = line.InBufferCount() + static_cast<Int32>(bytes.size());
+        ASSERT_EQ(pty.write(bytes), bytes.size());
+        while (line.InBufferCount() < wanted)
+            sleepUntil(steadyTime() + 100us);
+    }
+
+    std::unique_ptr<ScanTimer> timer(Int32 interval)
+    {
+        auto made = machine.newScanTimer();
+        made->Interval(interval);
+        return made;
+    }
+};
+
+// --- Blocking
+
+TEST_F(PosixMessagePumpTest, ATurnBlocksOnAnOpenLineWhereNothingHappens)
+{
+    const Pty pty;
+    const auto line = openControl(pty);
+    EXPECT_GE(timeOf(3), 55ms);
+    EXPECT_EQ(pollsOf(3), 3U);
+}
+
+TEST_F(PosixMessagePumpTest, ATurnBlocksForAMomentWhereNoLineIsOpen)
+{
+    EXPECT_GE(timeOf(10), 9ms);
+    EXPECT_LT(shortestTurn(), 15ms);
+}
+
+TEST_F(PosixMessagePumpTest, AClosedLineIsNoOpenOne)
+{
+    const Pty pty;
+    const auto line = openControl(pty);
+    line->PortOpen(False);
+    EXPECT_LT(shortestTurn(), 15ms);
+}
+
+TEST_F(PosixMessagePumpTest, AByteEndsATurn)
+{
+    Pty pty;
+    const auto line = openControl(pty);
+    std::thread reader([&] {
+        sleepUntil(steadyTime() + 5ms);
+        EXPECT_EQ(pty.write("a"), 1U);
+    });
+    // The byte is in the first turns, in one that ends before its time.
+    const Moment begin = steadyTime();
+    while (line->InBufferCount() == 0)
+        machine.pump().DoEvents();
+    EXPECT_LT(steadyTime() - begin, 5s);
+    reader.join();
+    EXPECT_EQ(line->Input(), "a");
+}
+
+TEST_F(PosixMessagePumpTest, WhatThePumpFetchesNeedsNoFurtherRead)
+{
+    Pty pty;
+    const auto line = openControl(pty);
+    ASSERT_EQ(pty.write("abc"), 3U);
+    const Moment begin = steadyTime();
+    machine.pump().DoEvents();
+    const std::uint64_t reads = line->input().reads();
+    EXPECT_EQ(line->InBufferCount(), 3);
+    // Unless the machine is so busy otherwise that the fetching has grown old.
+    EXPECT_LE(line->input().reads() - reads, static_cast<std::uint64_t>((steadyTime() - begin) / 1ms));
+    EXPECT_EQ(line->Input(), "abc");
+}
+
+TEST_F(PosixMessagePumpTest, ATurnReturnsAtOnceWhileInputIsTakenBitByBit)
+{
+    Pty pty;
+    const auto line = openControl(pty);
+    arriveAndTell(pty, *line, "abcdefgh");
+    line->InputLen(1);
+    const std::uint64_t before = machine.pump().polls();
+    for (int taken = 0; taken < 7; ++taken) {
+        EXPECT_EQ(line->Input().size(), 1U);
+        machine.pump().DoEvents();
+    }
+    EXPECT_EQ(machine.pump().polls(), before);
+}
+
+TEST_F(PosixMessagePumpTest, ATurnBlocksWhileTheCallerWaitsForMore)
+{
+    Pty pty;
+    const auto line = openControl(pty);
+    arriveAndTell(pty, *line, "abc");
+    EXPECT_EQ(pollsOf(2), 2U);
+    EXPECT_GE(timeOf(3), 55ms);
+    EXPECT_EQ(line->InBufferCount(), 3);
+}
+
+TEST_F(PosixMessagePumpTest, AByteEndsATurnOfACallerThatWaitsForMore)
+{
+    Pty pty;
+    const auto line = openControl(pty);
+    arriveAndTell(pty, *line, "abc");
+    std::thread reader([&] {
+        sleepUntil(steadyTime() + 5ms);
+        EXPECT_EQ(pty.write("d"), 1U);
+    });
+    while (line->InBufferCount() < 4)
+        machine.pump().DoEvents();
+    reader.join();
+    EXPECT_EQ(line->Input(), "abcd");
+}
+
+TEST_F(PosixMessagePumpTest, InputThatCameInAPauseEndsTheNextTurnOnly)
+{
+    Pty pty;
+    const auto line = openControl(pty);
+    std::thread reader([&] {
+        sleepUntil(steadyTime() + 5ms);
+        EXPECT_EQ(pty.write("a"), 1U);
+    });
+    machine.pump().Sleep(200);
+    reader.join();
+    EXPECT_EQ(pollsOf(1), 0U);
+    EXPECT_EQ(pollsOf(1), 1U);
+    EXPECT_EQ(line->InBufferCount(), 1);
+}
+
+TEST_F(PosixMessagePumpTest, BurstsCostAtMostAFifthOfASystemCallAByte)
+{
+    constexpr int kBursts = 200;
+    constexpr std::size_t kBurst = 15;
+    Pty pty;
+    const auto line = openControl(pty);
+    line->InputLen(1);
+    const std::uint64_t polls = machine.pump().polls();
+    const std::uint64_t reads = line->input().reads();
+    const Moment begin = steadyTime();
+    for (int burst = 0; burst < kBursts; ++burst) {
+        ASSERT_EQ(pty.write(std::string(kBurst, 'x')), kBurst);
+        for (std::size_t taken = 0; taken < kBurst;) {
+            machine.pump().DoEvents();
+            if (line->InBufferCount() > 0)
+                taken += line->Input().size();
+        }
+    }
+    // A machine that is busy otherwise makes looks grow old, and the pump sees a burst in two pieces now and then.
+    const auto grownOld = static_cast<std::uint64_t>((steadyTime() - begin) / 1ms);
+    const std::uint64_t calls = machine.pump().polls() - polls + line->input().reads() - reads;
+    EXPECT_LE(calls, kBursts * kBurst / 5 + grownOld);
+}
+
+// --- Several lines
+
+TEST_F(PosixMessagePumpTest, LinesOfOneThreadAreServedTogether)
+{
+    Pty first;
+    Pty second;
+    const auto one = openControl(first, 1);
+    const auto two = openControl(second, 2);
+    for (int round = 0; round < 20; ++round) {
+        ASSERT_EQ(first.write("1"), 1U);
+        while (one->InBufferCount() == 0)
+            machine.pump().DoEvents();
+        ASSERT_EQ(second.write("2"), 1U);
+        while (two->InBufferCount() == 0)
+            machine.pump().DoEvents();
+        EXPECT_EQ(one->Input(), "1");
+        EXPECT_EQ(two->Input(), "2");
+    }
+}
+
+TEST_F(PosixMessagePumpTest, ALineThatNobodyReadsKeepsNoOtherFromBlocking)
+{
+    Pty first;
+    Pty second;
+    const auto one = openControl(first, 1);
+    const auto two = openControl(second, 2);
+    ASSERT_EQ(second.write("unread"), 6U);
+    machine.pump().DoEvents();
+    EXPECT_GE(timeOf(3), 55ms);
+    EXPECT_EQ(one->InBufferCount(), 0);
+    EXPECT_EQ(two->InBufferCount(), 6);
+}
+
+TEST_F(PosixMessagePumpTest, ALineThatHasHungUpKeepsNoOtherFromBlocking)
+{
+    Pty first;
+    Pty second;
+    const auto one = openControl(first, 1);
+    const auto two = openControl(second, 2);
+    second.hangUp();
+    machine.pump().DoEvents();
+    EXPECT_GE(timeOf(3), 55ms);
+    EXPECT_EQ(one->InBufferCount(), 0);
+    expectFailure(FailureCode::ErrorReadingDevice, {"Port 2"}, [&] { static_cast<void>(two->InBufferCount()); });
+}
+
+TEST_F(PosixMessagePumpTest, ThreadsWithAPlatformEachDoNotMeet)
+{
+    std::atomic<int> good{0};
+    const auto session = [&](Int16 port) {
+        PosixPlatform own(RegistryFolders(folder.path() / "registry"));
+        const PlatformScope scope(own);
+        Pty pty;
+        const PortOverride device(port, pty.name());
+        const auto line = platform().newSerialControl();
+        const auto limit = platform().newScanTimer();
+        limit->Interval(60000);
+        line->CommPort(port);
+        line->PortOpen(True);
+        for (int round = 0; round < 50; ++round) {
+            const std::string text = std::to_string(port) + ":" + std::to_string(round);
+            if (pty.write(text) != text.size())
+                return;
+            limit->Enabled(True);
+            while (line->InBufferCount() < static_cast<Int32>(text.size())) {
+                DoEvents();
+                if (!limit->Enabled())
+                    return;
+            }
+            limit->Enabled(False);
+            if (line->Input() != text)
+                return;
+            kel::Sleep(1);
+        }
+        ++good;
+    };
+    std::thread one(session, Int16{1});
+    std::thread two(session, Int16{2});
+    one.join();
+    two.join();
+    EXPECT_EQ(good, 2);
+}
+
+// --- Pauses
+
+TEST_F(PosixMessagePumpTest, APauseTakesItsWholeTime)
+{
+    const Moment begin = steadyTime();
+    machine.pump().Sleep(20);
+    EXPECT_GE(steadyTime() - begin, 20ms);
+}
+
+TEST_F(PosixMessagePumpTest, NoPauseReturnsAtOnce)
+{
+    const Moment begin = steadyTime();
+    machine.pump().Sleep(0);
+    machine.pump().Sleep(-60000);
+    EXPECT_LT(steadyTime() - begin, 5s);
+}
+
+TEST_F(PosixMessagePumpTest, ALongPauseCollectsMoreThanTheSystemHasRoomFor)
+{
+    // A pseudo-terminal takes some 22,000 bytes that nobody reads.
+    const std::string much(60000, 'x');
+    Pty pty;
+    const auto line = openControl(pty);
+    std::size_t written = 0;
+    std::atomic<bool> end{false};
+    std::thread reader([&] {
+        while (!end && written < much.size()) {
+            written += pty.write(std::string_view(much).substr(written, 1000));
+            sleepUntil(steadyTime() + 1ms);
+        }
+    });
+    machine.pump().Sleep(1500);
+    end = true;
+    reader.join();
+    EXPECT_EQ(written, much.size());
+    EXPECT_EQ(line->InBufferCount(), static_cast<Int32>(much.size()));
+}
+
+TEST_F(PosixMessagePumpTest, TimeStandsOnTheSteadyClock)
+{
+    const Moment before = machine.pump().now();
+    EXPECT_GE(before, Moment::zero());
+    machine.pump().Sleep(5);
+    EXPECT_GE(machine.pump().now() - before, 5ms);
+}
+
+// --- The host's pump
+
+TEST_F(PosixMessagePumpTest, TheHostsPumpRunsInEachTurn)
+{
+    int turns = 0;
+    machine.pump().hostPump([&] { ++turns; });
+    timeOf(3);
+    EXPECT_EQ(turns, 3);
+    machine.pump().hostPump({});
+    timeOf(3);
+    EXPECT_EQ(turns, 3);
+}
+
+TEST_F(PosixMessagePumpTest, TheHostMayReplaceItsPumpWhileItRuns)
+{
+    std::string order;
+    machine.pump().hostPump([&, text = std::string(100, 'a')] {
+        machine.pump().hostPump([&] { order += "b"; });
+        order += text.substr(0, 1);
+    });
+    timeOf(2);
+    EXPECT_EQ(order, "ab");
+}
+
+TEST_F(PosixMessagePumpTest, TheHostMayOpenAndCloseLinesAndLetEventsRunInItsPump)
+{
+    Pty pty;
+    auto line = openControl(pty);
+    int depth = 0;
+    machine.pump().hostPump([&] {
+        if (++depth == 1) {
+            line.reset();
+            const auto other = openControl(pty);
+            machine.pump().DoEvents();
+        }
+    });
+    timeOf(1);
+    EXPECT_EQ(depth, 2);
+}
+
+TEST_F(PosixMessagePumpTest, WhatTheHostsPumpThrowsComesOut)
+{
+    machine.pump().hostPump([] { throw RuntimeFailure(FailureCode::Overflow); });
+    expectFailure(FailureCode::Overflow, {}, [&] { machine.pump().DoEvents(); });
+}
+
+// --- Timers
+
+TEST_F(PosixMessagePumpTest, ATimerTurnsItselfOffWithinATurn)
+{
+    const auto limit = timer(5);
+    EXPECT_EQ(limit->Enabled(), False);
+    limit->Enabled(True);
+    machine.pump().Sleep(10);
+    EXPECT_EQ(limit->Enabled(), True);
+    machine.pump().DoEvents();
+    EXPECT_EQ(limit->Enabled(), False);
+}
+
+TEST_F(PosixMessagePumpTest, ATimerRunsForItsInterval)
+{
+    const Pty pty;
+    const auto line = openControl(pty);
+    const auto limit = timer(50);
+    limit->Enabled(True);
+    const Moment begin = steadyTime();
+    while (limit->Enabled())
+        machine.pump().DoEvents();
+    EXPECT_GE(steadyTime() - begin, 50ms);
+}
+
+TEST_F(PosixMessagePumpTest, ADueTimerEndsATurnAtOnce)
+{
+    const Pty pty;
+    const auto line = openControl(pty);
+    const auto limit = timer(1);
+    limit->Enabled(True);
+    machine.pump().Sleep(2);
+    const std::uint64_t polls = machine.pump().polls();
+    machine.pump().DoEvents();
+    EXPECT_EQ(limit->Enabled(), False);
+    // One look at the lines, that does not wait.
+    EXPECT_EQ(machine.pump().polls(), polls + 1);
+}
+
+TEST_F(PosixMessagePumpTest, ATimerOfNoIntervalNeverFires)
+{
+    const auto limit = timer(0);
+    limit->Enabled(True);
+    timeOf(5);
+    EXPECT_EQ(limit->Enabled(), True);
+}
+
+TEST_F(PosixMessagePumpTest, ATimerThatIsTurnedOffDoesNotFireLater)
+{
+    const auto limit = timer(1);
+    limit->Enabled(True);
+    limit->Enabled(False);
+    limit->Interval(60000);
+    limit->Enabled(True);
+    machine.pump().Sleep(3);
+    timeOf(2);
+    EXPECT_EQ(limit->Enabled(), True);
+}
+
+TEST_F(PosixMessagePumpTest, AnotherIntervalStartsTheCountdownAnew)
+{
+    const auto limit = timer(5);
+    limit->Enabled(True);
+    machine.pump().Sleep(10);
+    limit->Interval(60000);
+    machine.pump().DoEvents();
+    EXPECT_EQ(limit->Enabled(), True);
+    limit->Interval(5);
+    machine.pump().DoEvents();
+    machine.pump().Sleep(10);
+    machine.pump().DoEvents();
+    EXPECT_EQ(limit->Enabled(), False);
+    EXPECT_EQ(limit->Interval(), 5);
+}
+
+TEST_F(PosixMessagePumpTest, EnablingARunningTimerStartsItAnew)
+{
+    PosixScanTimer limit(pump());
+    limit.Interval(60000);
+    limit.Enabled(True);
+    const std::optional<Moment> end = limit.end();
+    machine.pump().Sleep(3);
+    limit.Enabled(True);
+    ASSERT_TRUE(end && limit.end());
+    EXPECT_GE(*limit.end(), *end + 3ms);
+}
+
+TEST_F(PosixMessagePumpTest, ANegativeIntervalIsRefused)
+{
+    const auto limit = timer(7);
+    expectFailure(FailureCode::InvalidPropertyValue, {}, [&] { limit->Interval(-1); });
+    EXPECT_EQ(limit->Interval(), 7);
+}
+
+TEST_F(PosixMessagePumpTest, ATimerMayGoWhileItRuns)
+{
+    auto limit = timer(1);
+    limit->Enabled(True);
+    machine.pump().Sleep(3);
+    limit.reset();
+    machine.pump().DoEvents();
+}
+
+TEST_F(PosixMessagePumpTest, AReplyInTheTurnOfTheTimersEndIsSeenFirst)
+{
+    Pty pty;
+    const auto line = openControl(pty);
+    const auto limit = timer(1);
+    limit->Enabled(True);
+    EXPECT_EQ(line->InBufferCount(), 0);
+    ASSERT_EQ(pty.write("a"), 1U);
+    while (pty.allRead())
+        std::this_thread::yield();
+    machine.pump().Sleep(5);
+    machine.pump().DoEvents();
+    EXPECT_EQ(limit->Enabled(), True);
+    EXPECT_EQ(line->InBufferCount(), 1);
+    machine.pump().DoEvents();
+    EXPECT_EQ(limit->Enabled(), False);
+}
+
+TEST_F(PosixMessagePumpTest, BytesThatDripInPutATimerOffOnceOnly)
+{
+    Pty pty;
+    const auto line = openControl(pty);
+    const auto limit = timer(1);
+    limit->Enabled(True);
+    machine.pump().Sleep(5);
+    int turns = 0;
+    while (limit->Enabled() && ++turns < 100) {
+        ASSERT_EQ(pty.write("a"), 1U);
+        while (pty.allRead())
+            std::this_thread::yield();
+        machine.pump().DoEvents();
+        EXPECT_EQ(line->InBufferCount(), turns);
+    }
+    EXPECT_EQ(turns, 2);
+}
+
+} // namespace
+} // namespace kel

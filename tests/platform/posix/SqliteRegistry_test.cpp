@@ -1,0 +1,503 @@
+#include "platform/posix/SqliteRegistry.h"
+#include "platform/posix/SteadyTime.h"
+#include "tests/platform/posix/PosixTest.h"
+
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+#include <sys/stat.h>
+
+namespace kel
+{
+namespace
+{
+
+using test::OtherProcess;
+
+constexpr kelReaderRegistryKey kUser = kelReaderRegistryKeyCurrentUser;
+constexpr kelReaderRegistryKey kMachine = kelReaderRegistryKeyLocalMachine;
+
+using Names = std::vector<std::string>;
+
+class SqliteRegistryTest : public ::testing::Test
+{
+protected:
+    [[nodiscard]] RegistryFolders folders() const { return RegistryFolders(place()); }
+    [[nodiscard]] std::filesystem::path place() const { return folder.path() / "kelreader"; }
+    [[nodiscard]] std::filesystem::path file() const { return place() / "HKEY_CURRENT_USER.sqlite"; }
+
+    static bool write(SqliteRegistry& registry, const std::string& key, const std::string& name,
+                      const std::string& text)
+    {
+        return registry.write(kUser, key, name, {RegistryType::Text, text});
+    }
+    static std::string read(SqliteRegistry& registry, const std::string& key, const std::string& name)
+    {
+        const std::optional<RegistryValue> value = registry.read(kUser, key, name);
+        return value ? value->data : "nothing";
+    }
+
+    /// The names of the files that were set aside.
+    [[nodiscard]] Names asideFiles() const
+    {
+        Names names;
+        for (const auto& entry : std::filesystem::directory_iterator(place())) {
+            const std::string name = entry.path().string();
+            // Its log goes with it, if there is one.
+            if (name.find(".damaged-") != std::string::npos && !name.ends_with("-wal") && !name.ends_with("-shm"))
+                names.push_back(name);
+        }
+        return names;
+    }
+
+    static std::string contents(const std::filesystem::path& path)
+    {
+        std::ifstream stream(path, std::ios::binary);
+        return {std::istreambuf_iterator<char>(stream), {}};
+    }
+
+    test::TemporaryFolder folder;
+};
+
+TEST_F(SqliteRegistryTest, KeepsValuesOfAllTypes)
+{
+    const std::vector<RegistryValue> values = {
+        {RegistryType::None, ""},
+        {RegistryType::Text, "Größe"},
+        {RegistryType::Text, ""},
+        {RegistryType::ExpandableText, "%PATH%"},
+        {RegistryType::Binary, std::string("\0\xFF\0\x01", 4)},
+        {RegistryType::Number, std::string("\x80\x25\0\0", 4)},
+        {RegistryType::MultiText, std::string("a\0b\0\0", 5)},
+        {RegistryType::Number64, std::string(8, '\x7F')},
+        {static_cast<RegistryType>(0xFFFFFFFFU), "of a type of its own"},
+    };
+    {
+        SqliteRegistry registry(folders());
+        for (std::size_t i = 0; i < values.size(); ++i)
+            EXPECT_TRUE(registry.write(kUser, "Software\\Kel", std::to_string(i), values[i]));
+    }
+    SqliteRegistry registry(folders());
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        const std::optional<RegistryValue> found = registry.read(kUser, "Software\\Kel", std::to_string(i));
+        ASSERT_TRUE(found) << i;
+        EXPECT_EQ(found->type, values[i].type) << i;
+        EXPECT_EQ(found->data, values[i].data) << i;
+    }
+}
+
+TEST_F(SqliteRegistryTest, AValueMayBeWrittenAnewWithAnotherType)
+{
+    SqliteRegistry registry(folders());
+    EXPECT_TRUE(write(registry, "Kel", "Port", "1"));
+    EXPECT_TRUE(registry.write(kUser, "Kel", "Port", {RegistryType::Number, std::string(4, '\0')}));
+    EXPECT_EQ(registry.read(kUser, "Kel", "Port"), (RegistryValue{RegistryType::Number, std::string(4, '\0')}));
+}
+
+TEST_F(SqliteRegistryTest, ComparesNamesWithoutCaseAndKeepsTheFirstOne)
+{
+    SqliteRegistry registry(folders());
+    EXPECT_TRUE(write(registry, "Software\\KELReader", "ScannerPort", "1"));
+    EXPECT_TRUE(write(registry, "SOFTWARE\\kelreader", "SCANNERPORT", "2"));
+    EXPECT_TRUE(write(registry, "software\\Other", "x", "3"));
+    EXPECT_EQ(read(registry, "sofTWARE\\kelREADER", "scannerport"), "2");
+    EXPECT_EQ(registry.valueNames(kUser, "software\\kelreader"), Names{"ScannerPort"});
+    EXPECT_EQ(registry.subKeys(kUser, ""), Names{"Software"});
+    EXPECT_EQ(registry.subKeys(kUser, "SOFTWARE"), (Names{"KELReader", "Other"}));
+    EXPECT_TRUE(registry.exists(kUser, "SOFTWARE\\KELREADER"));
+    EXPECT_TRUE(registry.remove(kUser, "software\\KELREADER", "scannerPORT"));
+    EXPECT_EQ(read(registry, "Software\\KELReader", "ScannerPort"), "nothing");
+}
+
+TEST_F(SqliteRegistryTest, NamesComeInAlphabeticalOrder)
+{
+    SqliteRegistry registry(folders());
+    for (const char* name : {"delta", "Alpha", "charlie", "Bravo"}) {
+        EXPECT_TRUE(write(registry, "Kel", name, "x"));
+        EXPECT_TRUE(write(registry, std::string("Kel\\") + name, "x", "x"));
+    }
+    EXPECT_EQ(registry.valueNames(kUser, "Kel"), (Names{"Alpha", "Bravo", "charlie", "delta"}));
+    EXPECT_EQ(registry.subKeys(kUser, "Kel"), (Names{"Alpha", "Bravo", "charlie", "delta"}));
+}
+
+TEST_F(SqliteRegistryTest, AKeysPathMayHaveBackslashesTooMany)
+{
+    SqliteRegistry registry(folders());
+    EXPECT_TRUE(write(registry, "\\Software\\\\Kel\\", "x", "1"));
+    EXPECT_EQ(read(registry, "Software\\Kel", "x"), "1");
+    EXPECT_EQ(registry.subKeys(kUser, "Software\\"), Names{"Kel"});
+}
+
+TEST_F(SqliteRegistryTest, KeysHoldTheirOwnValuesAndThoseOfTheHiveItself)
+{
+    SqliteRegistry registry(folders());
+    EXPECT_TRUE(write(registry, "", "", "default of the hive"));
+    EXPECT_TRUE(write(registry, "A", "x", "1"));
+    EXPECT_TRUE(write(registry, "A\\B", "x", "2"));
+    EXPECT_EQ(read(registry, "", ""), "default of the hive");
+    EXPECT_EQ(read(registry, "A", "x"), "1");
+    EXPECT_EQ(read(registry, "A\\B", "x"), "2");
+    EXPECT_EQ(registry.valueNames(kUser, "A"), Names{"x"});
+}
+
+TEST_F(SqliteRegistryTest, WritingCreatesTheKeysAbove)
+{
+    SqliteRegistry registry(folders());
+    EXPECT_FALSE(registry.exists(kUser, "A"));
+    EXPECT_TRUE(write(registry, "A\\B\\C", "x", "1"));
+    EXPECT_TRUE(registry.exists(kUser, "A"));
+    EXPECT_TRUE(registry.exists(kUser, "A\\B"));
+    EXPECT_TRUE(registry.valueNames(kUser, "A").empty());
+    EXPECT_TRUE(registry.exists(kUser, ""));
+}
+
+TEST_F(SqliteRegistryTest, RemovingAKeyTakesWhatIsBelowAndNothingElse)
+{
+    SqliteRegistry registry(folders());
+    for (const char* key : {"A", "A\\B", "A\\B\\C", "A\\BB", "AB"})
+        EXPECT_TRUE(write(registry, key, "x", key));
+    EXPECT_TRUE(registry.remove(kUser, "A\\B", std::nullopt));
+    EXPECT_FALSE(registry.exists(kUser, "A\\B"));
+    EXPECT_FALSE(registry.exists(kUser, "A\\B\\C"));
+    EXPECT_EQ(read(registry, "A\\B\\C", "x"), "nothing");
+    EXPECT_EQ(read(registry, "A\\BB", "x"), "A\\BB");
+    EXPECT_EQ(read(registry, "AB", "x"), "AB");
+    // What is written there again begins empty.
+    EXPECT_TRUE(write(registry, "A\\B", "y", "new"));
+    EXPECT_EQ(registry.valueNames(kUser, "A\\B"), Names{"y"});
+}
+
+TEST_F(SqliteRegistryTest, RemovingWhatIsNotThereFails)
+{
+    SqliteRegistry registry(folders());
+    EXPECT_FALSE(registry.remove(kUser, "A", std::nullopt));
+    EXPECT_TRUE(write(registry, "A", "x", "1"));
+    EXPECT_FALSE(registry.remove(kUser, "A", "y"));
+    EXPECT_FALSE(registry.remove(kUser, "B", "x"));
+    EXPECT_FALSE(registry.remove(kUser, "B", std::nullopt));
+    EXPECT_FALSE(registry.remove(kUser, "", std::nullopt));
+    EXPECT_TRUE(registry.remove(kUser, "A", "x"));
+    EXPECT_FALSE(registry.remove(kUser, "A", "x"));
+    EXPECT_TRUE(registry.exists(kUser, "A"));
+}
+
+TEST_F(SqliteRegistryTest, HivesAreApart)
+{
+    SqliteRegistry registry(folders());
+    EXPECT_TRUE(write(registry, "A", "x", "user"));
+    EXPECT_FALSE(registry.read(kMachine, "A", "x"));
+    EXPECT_TRUE(registry.write(kMachine, "A", "x", {RegistryType::Text, "machine"}));
+    EXPECT_EQ(read(registry, "A", "x"), "user");
+}
+
+TEST_F(SqliteRegistryTest, ANumberThatIsNoHiveHasNothing)
+{
+    SqliteRegistry registry(folders());
+    for (const auto hive : {static_cast<kelReaderRegistryKey>(0), static_cast<kelReaderRegistryKey>(0x80000006U)}) {
+        EXPECT_FALSE(registry.write(hive, "A", "x", {}));
+        EXPECT_FALSE(registry.read(hive, "A", "x"));
+        EXPECT_FALSE(registry.remove(hive, "A", "x"));
+        EXPECT_FALSE(registry.exists(hive, ""));
+        EXPECT_TRUE(registry.valueNames(hive, "").empty());
+        EXPECT_TRUE(registry.subKeys(hive, "").empty());
+    }
+}
+
+// --- Files
+
+TEST_F(SqliteRegistryTest, ReadingCreatesNothing)
+{
+    SqliteRegistry registry(folders());
+    EXPECT_EQ(read(registry, "A", "x"), "nothing");
+    EXPECT_FALSE(registry.exists(kUser, "A"));
+    EXPECT_FALSE(registry.remove(kUser, "A", "x"));
+    EXPECT_TRUE(registry.valueNames(kUser, "A").empty());
+    EXPECT_TRUE(registry.subKeys(kUser, "").empty());
+    EXPECT_FALSE(std::filesystem::exists(place()));
+}
+
+TEST_F(SqliteRegistryTest, TheFirstWriteCreatesAFileForThisUserAlone)
+{
+    const mode_t before = ::umask(0077);
+    SqliteRegistry registry(folders());
+    EXPECT_TRUE(write(registry, "A", "x", "1"));
+    ::umask(before);
+    struct stat facts {};
+    ASSERT_EQ(::stat(file().c_str(), &facts), 0);
+    EXPECT_EQ(facts.st_mode & 07777, 0600U);
+    ASSERT_EQ(::stat(place().c_str(), &facts), 0);
+    EXPECT_EQ(facts.st_mode & 07777, 0700U);
+}
+
+TEST_F(SqliteRegistryTest, TheMachinesHivesAreForAllToRead)
+{
+    const mode_t before = ::umask(0077);
+    SqliteRegistry registry(RegistryFolders(folder.path() / "user", folder.path() / "machine"));
+    EXPECT_TRUE(registry.write(kMachine, "A", "x", {RegistryType::Text, "1"}));
+    EXPECT_TRUE(write(registry, "A", "x", "1"));
+    ::umask(before);
+    struct stat facts {};
+    ASSERT_EQ(::stat((folder.path() / "machine" / "HKEY_LOCAL_MACHINE.sqlite").c_str(), &facts), 0);
+    EXPECT_EQ(facts.st_mode & 07777, 0644U);
+    ASSERT_EQ(::stat((folder.path() / "machine").c_str(), &facts), 0);
+    EXPECT_EQ(facts.st_mode & 07777, 0755U);
+    ASSERT_EQ(::stat((folder.path() / "user" / "HKEY_CURRENT_USER.sqlite").c_str(), &facts), 0);
+    EXPECT_EQ(facts.st_mode & 07777, 0600U);
+}
+
+TEST_F(SqliteRegistryTest, ARegistryThatWasOpenBeforeSeesAFileThatComesLater)
+{
+    SqliteRegistry reader(folders());
+    EXPECT_EQ(read(reader, "A", "x"), "nothing");
+    SqliteRegistry writer(folders());
+    EXPECT_TRUE(write(writer, "A", "x", "1"));
+    EXPECT_EQ(read(reader, "A", "x"), "1");
+    EXPECT_TRUE(write(writer, "A", "x", "2"));
+    EXPECT_EQ(read(reader, "A", "x"), "2");
+}
+
+TEST_F(SqliteRegistryTest, AFileThatIsRemovedIsMadeAnew)
+{
+    SqliteRegistry registry(folders());
+    EXPECT_TRUE(write(registry, "A", "x", "1"));
+    std::filesystem::remove_all(place());
+    EXPECT_EQ(read(registry, "A", "x"), "nothing");
+    EXPECT_FALSE(std::filesystem::exists(place()));
+    EXPECT_TRUE(write(registry, "A", "y", "2"));
+    EXPECT_EQ(read(registry, "A", "y"), "2");
+    EXPECT_TRUE(std::filesystem::exists(file()));
+}
+
+TEST_F(SqliteRegistryTest, AnEmptyFileIsANewOne)
+{
+    std::filesystem::create_directory(place());
+    std::ofstream(file()).flush();
+    SqliteRegistry registry(folders());
+    EXPECT_EQ(read(registry, "A", "x"), "nothing");
+    EXPECT_TRUE(write(registry, "A", "x", "1"));
+    EXPECT_EQ(read(registry, "A", "x"), "1");
+    EXPECT_TRUE(asideFiles().empty());
+}
+
+// --- Access
+
+TEST_F(SqliteRegistryTest, WithoutAccessNothingIsReadOrWritten)
+{
+    {
+        SqliteRegistry registry(folders());
+        EXPECT_TRUE(write(registry, "A", "x", "1"));
+    }
+    // A folder that an ordinary user may enter, and a file that it may not read.
+    ASSERT_EQ(::chmod(folder.path().c_str(), 0755), 0);
+    ASSERT_EQ(::chmod(place().c_str(), 0755), 0);
+    ASSERT_EQ(::chmod(file().c_str(), ::geteuid() == 0 ? 0600 : 0), 0);
+    OtherProcess other([&] {
+        test::becomeOrdinaryUser();
+        SqliteRegistry registry(folders());
+        return read(registry, "A", "x") + (write(registry, "A", "x", "2") ? ", written" : ", not written");
+    });
+    EXPECT_EQ(other.answer(), "nothing, not written");
+    EXPECT_TRUE(asideFiles().empty());
+}
+
+TEST_F(SqliteRegistryTest, WhatMayOnlyBeReadIsRead)
+{
+    {
+        SqliteRegistry registry(folders());
+        EXPECT_TRUE(write(registry, "A", "x", "1"));
+    }
+    ASSERT_EQ(::chmod(folder.path().c_str(), 0755), 0);
+    ASSERT_EQ(::chmod(file().c_str(), 0444), 0);
+    ASSERT_EQ(::chmod(place().c_str(), 0555), 0);
+    OtherProcess other([&] {
+        test::becomeOrdinaryUser();
+        SqliteRegistry registry(folders());
+        std::string answer = read(registry, "A", "x");
+        answer += write(registry, "A", "x", "2") ? ", written" : ", not written";
+        answer += registry.remove(kUser, "A", "x") ? ", removed" : ", not removed";
+        answer += registry.write(kMachine, "A", "x", {}) ? ", created" : ", not created";
+        return answer + ", " + read(registry, "A", "x");
+    });
+    EXPECT_EQ(other.answer(), "1, not written, not removed, not created, 1");
+    ASSERT_EQ(::chmod(place().c_str(), 0755), 0);
+}
+
+TEST_F(SqliteRegistryTest, AFolderThatCannotBeMadeIsNoAccess)
+{
+    // Not even root makes a folder below a file.
+    std::ofstream(folder.path() / "file") << "x";
+    SqliteRegistry registry(RegistryFolders(folder.path() / "file" / "kelreader"));
+    EXPECT_FALSE(write(registry, "A", "x", "1"));
+    EXPECT_EQ(read(registry, "A", "x"), "nothing");
+}
+
+// --- Damage
+
+class DamagedRegistry : public SqliteRegistryTest
+{
+protected:
+    void SetUp() override
+    {
+        SqliteRegistry registry(folders());
+        for (int i = 0; i < 200; ++i)
+            ASSERT_TRUE(write(registry, "A", "value" + std::to_string(i), std::string(100, 'x')));
+    }
+
+    /// Writes something else over a part of the file, without changing its length.
+    void overwrite(std::streamoff from, const std::string& bytes) const
+    {
+        std::fstream stream(file(), std::ios::binary | std::ios::in | std::ios::out);
+        stream.seekp(from);
+        stream << bytes;
+    }
+};
+
+TEST_F(DamagedRegistry, IsSetAsideWithAWordAndBegunAnew)
+{
+    overwrite(0, "this is no database at all");
+    const std::string damaged = contents(file());
+
+    ::testing::internal::CaptureStderr();
+    SqliteRegistry registry(folders());
+    EXPECT_TRUE(write(registry, "B", "y", "2"));
+    const std::string told = ::testing::internal::GetCapturedStderr();
+
+    EXPECT_EQ(read(registry, "B", "y"), "2");
+    EXPECT_EQ(read(registry, "A", "value1"), "nothing");
+    ASSERT_EQ(asideFiles().size(), 1U);
+    EXPECT_EQ(contents(asideFiles().front()), damaged);
+    EXPECT_NE(told.find(file().string() + " is damaged"), std::string::npos) << told;
+    EXPECT_NE(told.find("set aside as " + asideFiles().front()), std::string::npos) << told;
+    EXPECT_EQ(std::count(told.begin(), told.end(), '\n'), 1) << told;
+}
+
+TEST_F(DamagedRegistry, ShowsWhenItIsRead)
+{
+    overwrite(0, std::string(100, '\0'));
+    ::testing::internal::CaptureStderr();
+    SqliteRegistry registry(folders());
+    EXPECT_EQ(read(registry, "A", "value1"), "nothing");
+    EXPECT_NE(::testing::internal::GetCapturedStderr(), "");
+    EXPECT_EQ(asideFiles().size(), 1U);
+    EXPECT_FALSE(std::filesystem::exists(file()));
+}
+
+TEST_F(DamagedRegistry, ThatIsCutShortIsSetAsideToo)
+{
+    const std::uintmax_t size = std::filesystem::file_size(file());
+    std::filesystem::resize_file(file(), size / 2);
+    ::testing::internal::CaptureStderr();
+    SqliteRegistry registry(folders());
+    EXPECT_EQ(read(registry, "A", "value1"), "nothing");
+    EXPECT_NE(::testing::internal::GetCapturedStderr(), "");
+    ASSERT_EQ(asideFiles().size(), 1U);
+    EXPECT_EQ(std::filesystem::file_size(asideFiles().front()), size / 2);
+}
+
+TEST_F(DamagedRegistry, WhileItIsOpenIsSetAsideAtTheNextAccessThatMeetsIt)
+{
+    SqliteRegistry registry(folders());
+    EXPECT_EQ(read(registry, "A", "value1"), std::string(100, 'x'));
+    {
+        // Somebody else's program writes into the file.
+        const std::uintmax_t size = std::filesystem::file_size(file());
+        overwrite(24, "\x7F\x7F\x7F\x7F"); // a change that the open database notices
+        overwrite(4096, std::string(size - 4096, '\xEE'));
+    }
+    ::testing::internal::CaptureStderr();
+    EXPECT_TRUE(write(registry, "A", "value1", "new"));
+    EXPECT_NE(::testing::internal::GetCapturedStderr(), "");
+    EXPECT_EQ(read(registry, "A", "value1"), "new");
+    EXPECT_EQ(asideFiles().size(), 1U);
+}
+
+TEST_F(DamagedRegistry, IsSetAsideOnceByManyProcesses)
+{
+    overwrite(0, "this is no database at all");
+    {
+        std::vector<std::unique_ptr<OtherProcess>> others;
+        for (int i = 0; i < 4; ++i)
+            others.push_back(std::make_unique<OtherProcess>([&, i]() -> std::string {
+                ::close(STDERR_FILENO);
+                SqliteRegistry registry(folders());
+                return write(registry, "B", std::to_string(i), "1") ? "written" : "not written";
+            }));
+        for (const auto& other : others)
+            EXPECT_EQ(other->answer(), "written");
+    }
+    EXPECT_EQ(asideFiles().size(), 1U);
+    SqliteRegistry registry(folders());
+    EXPECT_EQ(registry.valueNames(kUser, "B"), (Names{"0", "1", "2", "3"}));
+}
+
+TEST_F(DamagedRegistry, ThatCannotBeSetAsideStaysAsItIs)
+{
+    overwrite(0, "this is no database at all");
+    const std::string damaged = contents(file());
+    ASSERT_EQ(::chmod(folder.path().c_str(), 0755), 0);
+    ASSERT_EQ(::chmod(file().c_str(), 0666), 0);
+    ASSERT_EQ(::chmod(place().c_str(), 0555), 0);
+    OtherProcess other([&] {
+        test::becomeOrdinaryUser();
+        ::testing::internal::CaptureStderr();
+        SqliteRegistry registry(folders());
+        std::string answer = read(registry, "A", "value1");
+        answer += write(registry, "B", "y", "2") ? ", written: " : ", not written: ";
+        return answer + ::testing::internal::GetCapturedStderr();
+    });
+    const std::string answer = other.answer();
+    EXPECT_EQ(answer.find("nothing, not written: "), 0U) << answer;
+    EXPECT_NE(answer.find("cannot be set aside: Permission denied"), std::string::npos) << answer;
+    EXPECT_EQ(std::count(answer.begin(), answer.end(), '\n'), 1) << answer;
+    ASSERT_EQ(::chmod(place().c_str(), 0755), 0);
+    EXPECT_EQ(contents(file()), damaged);
+}
+
+// --- Several processes
+
+TEST_F(SqliteRegistryTest, FourProcessesThatWriteAtOnceLoseNothing)
+{
+    constexpr int kProcesses = 4;
+    constexpr int kWrites = 250;
+    std::vector<std::unique_ptr<OtherProcess>> others;
+    for (int i = 0; i < kProcesses; ++i)
+        others.push_back(std::make_unique<OtherProcess>([&, i]() -> std::string {
+            SqliteRegistry registry(folders());
+            int written = 0;
+            for (int n = 0; n < kWrites; ++n)
+                written += write(registry, "Shared", std::to_string(i) + "-" + std::to_string(n), "x") ? 1 : 0;
+            return std::to_string(written);
+        }));
+    for (const auto& other : others)
+        EXPECT_EQ(other->answer(), std::to_string(kWrites));
+    SqliteRegistry registry(folders());
+    EXPECT_EQ(registry.valueNames(kUser, "Shared").size(), static_cast<std::size_t>(kProcesses * kWrites));
+}
+
+TEST_F(SqliteRegistryTest, AProcessThatIsKilledLeavesTheOldValueOrTheNewOne)
+{
+    constexpr std::size_t kLength = 20000; // several pages, so that half a value could be there
+    for (int round = 0; round < 12; ++round) {
+        OtherProcess other([&]() -> std::string {
+            SqliteRegistry registry(folders());
+            for (char letter = 'a';; letter = letter == 'z' ? 'a' : static_cast<char>(letter + 1))
+                write(registry, "A", "x", std::string(kLength, letter));
+        });
+        sleepUntil(steadyTime() + std::chrono::milliseconds(40 + 7 * round));
+        other.kill();
+
+        SqliteRegistry registry(folders());
+        const std::string value = read(registry, "A", "x");
+        if (value == "nothing")
+            continue; // it did not come to its first write
+        ASSERT_EQ(value.size(), kLength);
+        EXPECT_EQ(value, std::string(kLength, value.front()));
+        EXPECT_TRUE(write(registry, "A", "y", "1"));
+    }
+    EXPECT_TRUE(asideFiles().empty());
+    SqliteRegistry registry(folders());
+    EXPECT_NE(read(registry, "A", "x"), "nothing");
+}
+
+} // namespace
+} // namespace kel

@@ -1,0 +1,306 @@
+#include "platform/simulated/SimulatedPlatform.h"
+#include "profiles/Catalogue.h"
+#include "profiles/clsKELReaderProfiles.h"
+#include "strings/VBLMRTSModule.h"
+#include "tests/profiles/ExpectedTables.h"
+#include "tests/profiles/ProfileText.h"
+#include "types/Text.h"
+
+#include <gtest/gtest.h>
+
+namespace kel::test {
+
+namespace {
+
+/// A row of the roster with all that the tables say of its model.
+struct ExpectedModel {
+    Int32 Position = 0;
+    std::string Number;
+    std::string Maker;
+    RecordText Record;
+};
+
+std::pair<std::string, std::vector<std::string>> splitAtColon(const std::string& row)
+{
+    const std::size_t colon = row.find(':');
+    if (colon == std::string::npos)
+        throw std::invalid_argument("no models in " + row);
+    return {row.substr(0, colon), words(row.substr(colon + 1))};
+}
+
+class ExpectedCatalogue {
+public:
+    ExpectedCatalogue()
+    {
+        takeRoster();
+        takeShared(kSerialColumns, kSerialDefaults);
+        takeShared(kThresholdColumns, kThresholds);
+        takeOptions();
+        takeFlags();
+        for (auto& [name, model] : models_) {
+            set(name, "InterfaceType", "1");
+            set(name, "SleepTime", "50");
+            set(name, "Timeout", "10");
+        }
+        for (const std::string& name : words(kUsbModels))
+            models_.at(name).Record.at("InterfaceType") = "2";
+    }
+
+    [[nodiscard]] const std::map<std::string, ExpectedModel>& models() const { return models_; }
+
+    [[nodiscard]] std::vector<std::string> numbersOf(const std::string& maker) const
+    {
+        std::map<Int32, std::string> byPosition;
+        for (const auto& [name, model] : models_)
+            if (model.Maker == maker)
+                byPosition[model.Position] = model.Number;
+        std::vector<std::string> numbers;
+        for (const auto& [position, number] : byPosition)
+            numbers.push_back(number);
+        return numbers;
+    }
+
+private:
+    void takeRoster()
+    {
+        for (const std::string& row : rows(kRoster)) {
+            std::istringstream text(row);
+            ExpectedModel model;
+            std::string name;
+            std::string readerName;
+            text >> model.Position >> name >> model.Number >> model.Maker >> std::ws;
+            std::getline(text, readerName);
+            if (readerName == "(text 372)")
+                readerName = VBLM_RTString(TextNumber(372));
+            models_[name] = model;
+            set(name, "ReaderType", model.Number);
+            set(name, "ReaderName", readerName);
+        }
+    }
+
+    /// Rows of values, a colon, and the models that have them.
+    void takeShared(const std::string& columns, const std::string& table)
+    {
+        const std::vector<std::string> properties = words(columns);
+        for (const std::string& row : rows(table)) {
+            const auto [left, names] = splitAtColon(row);
+            const std::vector<std::string> values = words(left);
+            for (const std::string& name : names)
+                for (std::size_t i = 0; i < properties.size(); ++i)
+                    set(name, properties[i], meaning(values.at(i)));
+        }
+    }
+
+    static std::string meaning(const std::string& word)
+    {
+        if (word == "empty")
+            return "";
+        if (word == "None")
+            return "0";
+        return word == "Hardware" ? "2" : word;
+    }
+
+    void takeOptions()
+    {
+        const std::vector<std::string> properties = words(kOptionColumns);
+        for (const std::string& row : rows(kOptions)) {
+            const std::vector<std::string> cells = words(row);
+            for (std::size_t i = 0; i < properties.size(); ++i) {
+                const std::string& cell = cells.at(i + 1);
+                if (properties[i].ends_with("Enabled")) {
+                    set(cells[0], properties[i], truth(cell == "yes"));
+                } else {
+                    set(cells[0], properties[i], truth(cell.find_first_of("+x") != std::string::npos));
+                    set(cells[0], properties[i] + "Enabled", truth(cell.find_first_of("ox") != std::string::npos));
+                    set(cells[0], properties[i] + "Visible", truth(cell.front() != '('));
+                }
+            }
+        }
+    }
+
+    void takeFlags()
+    {
+        for (const std::string& row : rows(kTrueExceptFor)) {
+            const auto [left, names] = splitAtColon(row);
+            const std::string property = words(left).at(0);
+            for (auto& [name, model] : models_)
+                set(name, property, "True");
+            for (const std::string& name : names)
+                models_.at(name).Record.at(property) = "False";
+        }
+    }
+
+    static std::string truth(bool value) { return value ? "True" : "False"; }
+
+    void set(const std::string& name, const std::string& property, const std::string& value)
+    {
+        if (!models_.at(name).Record.emplace(property, value).second)
+            throw std::logic_error(name + " is told twice: " + property);
+    }
+
+    std::map<std::string, ExpectedModel> models_;
+};
+
+class Catalogue : public testing::Test {
+protected:
+    Catalogue() : scope_(machine_) {}
+
+    Reference<clsKELReaderProfile> item(std::string_view key) { return profiles_.Item(key); }
+
+    std::vector<std::string> numbers()
+    {
+        std::vector<std::string> result;
+        for (Int32 position = 1; position <= profiles_.Count(); ++position)
+            result.push_back(CStr(profiles_.Item(position)->ReaderType()));
+        return result;
+    }
+
+    SimulatedPlatform machine_;
+    PlatformScope scope_;
+    clsKELReaderProfiles profiles_;
+};
+
+TEST_F(Catalogue, EveryValueOfEveryRecordIsAsTheTablesHaveIt)
+{
+    const ExpectedCatalogue expected;
+    ASSERT_EQ(expected.models().size(), 42U);
+    for (const auto& [name, model] : expected.models()) {
+        const Reference<clsKELReaderProfile> profile = item(model.Number);
+        ASSERT_TRUE(profile) << name;
+        const RecordText record = recordText(*profile);
+        EXPECT_EQ(record.size(), 59U);
+        for (const auto& [property, value] : record) {
+            ASSERT_TRUE(model.Record.contains(property)) << property << " is in no table for " << name;
+            EXPECT_EQ(value, model.Record.at(property)) << property << " of " << name;
+        }
+        EXPECT_EQ(record.size(), model.Record.size()) << name;
+    }
+}
+
+TEST_F(Catalogue, PositionsAreThoseOfTheRoster)
+{
+    const ExpectedCatalogue expected;
+    EXPECT_EQ(profiles_.Count(), 42);
+    for (const auto& [name, model] : expected.models())
+        EXPECT_EQ(profiles_.Item(model.Position), item(model.Number)) << name;
+}
+
+TEST_F(Catalogue, EveryMakerHasItsModelsInTheOrderOfTheRoster)
+{
+    const ExpectedCatalogue expected;
+    const std::map<std::string, kelProfileType> makers = {{"AP", kelProfileTypeAP},
+                                                          {"CT", kelProfileTypeCT},
+                                                          {"PDI", kelProfileTypePDI},
+                                                          {"Scantron", kelProfileTypeScantron},
+                                                          {"Sekonic", kelProfileTypeSekonic}};
+    for (const auto& [maker, bit] : makers) {
+        profiles_.ProfileType(bit);
+        std::vector<std::string> models = expected.numbersOf(maker);
+        models.insert(models.begin(), "0");
+        EXPECT_EQ(numbers(), models) << maker;
+    }
+}
+
+TEST_F(Catalogue, NoneHasNothingButADefaultRecord)
+{
+    EXPECT_EQ(recordText(*item("0")), recordText(clsKELReaderProfile()));
+}
+
+TEST_F(Catalogue, EZDataAlwaysRejectsAndTheUserNeverSeesIt)
+{
+    EXPECT_EQ(item("23")->MaxCols(), 12);
+    EXPECT_EQ(item("23")->Rejecter(), True);
+    EXPECT_EQ(item("23")->RejecterEnabled(), False);
+    EXPECT_EQ(item("23")->RejecterVisible(), False);
+}
+
+TEST_F(Catalogue, OfTheChatsworthSheetReadersOnlyTheACF100IsSearchedFor)
+{
+    EXPECT_EQ(item("37")->LocateEnabled(), True);
+    EXPECT_EQ(item("37")->FirmwareEnabled(), True);
+    for (const char* key : {"35", "41"}) {
+        EXPECT_EQ(item(key)->LocateEnabled(), False) << key;
+        EXPECT_EQ(item(key)->FirmwareEnabled(), True) << key;
+    }
+}
+
+TEST_F(Catalogue, ES2800IsSlowerThanItsNeighbour)
+{
+    EXPECT_EQ(item("29")->BaudRate(), kelReaderBaudRate9600);
+    EXPECT_EQ(item("28")->BaudRate(), kelReaderBaudRate19200);
+}
+
+TEST_F(Catalogue, TheSmallestUsbReaderHasNoRejectHopper)
+{
+    EXPECT_EQ(item("36")->Duplex(), False);
+    EXPECT_EQ(item("36")->DuplexEnabled(), True);
+    EXPECT_EQ(item("36")->RejecterEnabled(), False);
+    for (const char* key : {"30", "33", "34"}) {
+        EXPECT_EQ(item(key)->Duplex(), True) << key;
+        EXPECT_EQ(item(key)->RejecterEnabled(), True) << key;
+    }
+}
+
+TEST_F(Catalogue, TwoSekonicScalesBeginAtOne)
+{
+    EXPECT_EQ(item("19")->RecognitionThresholdMinimum(), 1);
+    EXPECT_EQ(item("19")->RecognitionThresholdMaximum(), 8);
+    EXPECT_EQ(item("38")->RecognitionThresholdMinimum(), 1);
+    EXPECT_EQ(item("38")->RecognitionThresholdMaximum(), 16);
+}
+
+TEST_F(Catalogue, GradeMasterIsLockedThroughout)
+{
+    const Reference<clsKELReaderProfile> profile = item("18");
+    for (const auto& [name, value] : recordText(*profile)) {
+        const bool option = name.starts_with("ReaderGrade") || name.starts_with("Barcode") ||
+                            name.starts_with("Duplex") || name.starts_with("Feeder") || name.starts_with("Rejecter") ||
+                            name.starts_with("Printer") || name.starts_with("Windowing");
+        if (option) {
+            EXPECT_EQ(value, name.ends_with("Visible") ? "True" : "False") << name;
+        }
+    }
+    EXPECT_EQ(profile->MarkCutOff(), 1);
+    EXPECT_EQ(profile->MarkDiscrimination(), 1);
+    EXPECT_EQ(profile->RecognitionThreshold(), 1);
+    EXPECT_EQ(profile->RecognitionThresholdMinimum(), 0);
+    EXPECT_EQ(profile->RecognitionThresholdMaximum(), 0);
+}
+
+TEST_F(Catalogue, UsbReadersShowTheLineGreyedOutAndTheFixedOnesHideIt)
+{
+    EXPECT_EQ(item("30")->InterfaceType(), kelReaderInterfaceTypeUSB);
+    EXPECT_EQ(item("30")->BaudRateEnabled(), False);
+    EXPECT_EQ(item("30")->BaudRateVisible(), True);
+    EXPECT_EQ(item("30")->PortEnabled(), False);
+    EXPECT_EQ(item("30")->SleepTimeEnabled(), True);
+    EXPECT_EQ(item("37")->InterfaceType(), kelReaderInterfaceTypeSerial);
+    EXPECT_EQ(item("37")->BaudRateVisible(), False);
+    EXPECT_EQ(item("37")->PortEnabled(), True);
+    EXPECT_EQ(item("37")->RecognitionThresholdEnabled(), True);
+    EXPECT_EQ(item("37")->MarkDiscriminationVisible(), False);
+}
+
+TEST(CatalogueSigns, ARowOfSignsSaysDefaultPermissionAndVisibility)
+{
+    constexpr ModelOptions options("- + o x (-) (+)   -  yes no");
+    EXPECT_FALSE(options.ReaderGrade.On);
+    EXPECT_EQ(options.ReaderGrade.User, UserMay::See);
+    EXPECT_TRUE(options.Barcode.On);
+    EXPECT_EQ(options.Barcode.User, UserMay::See);
+    EXPECT_FALSE(options.Duplex.On);
+    EXPECT_EQ(options.Duplex.User, UserMay::Change);
+    EXPECT_TRUE(options.Feeder.On);
+    EXPECT_EQ(options.Feeder.User, UserMay::Change);
+    EXPECT_FALSE(options.Rejecter.On);
+    EXPECT_EQ(options.Rejecter.User, UserMay::SeeNothing);
+    EXPECT_TRUE(options.Printer.On);
+    EXPECT_EQ(options.Printer.User, UserMay::SeeNothing);
+    EXPECT_EQ(options.Windowing.User, UserMay::See);
+    EXPECT_TRUE(options.Locate);
+    EXPECT_FALSE(options.Firmware);
+}
+
+} // namespace
+
+} // namespace kel::test
