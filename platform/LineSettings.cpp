@@ -32,7 +32,7 @@ bool parseStopBits(std::string_view text, double& value)
 
 } // namespace
 
-LineParameters parseLineSettings(std::string_view text, std::source_location where)
+LineParameters parseLineSettings(std::string_view text, SourceLocation where)
 {
     const std::vector<std::string> pieces = split(text, ',');
     LineParameters line;

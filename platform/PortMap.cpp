@@ -1,6 +1,8 @@
 #include "platform/PortMap.h"
 
+#include <algorithm>
 #include <utility>
+#include <vector>
 
 namespace kel {
 
@@ -9,7 +11,7 @@ namespace {
 constexpr kelReaderRegistryKey kHive = kelReaderRegistryKeyCurrentUser;
 constexpr const char* kSubKey = "Software\\KELReader81U\\Ports";
 
-thread_local std::map<Int16, std::string> overrides;
+thread_local std::vector<const PortOverride*> overrides; // the latest last
 
 bool isPort(Int16 port)
 {
@@ -22,8 +24,10 @@ std::optional<std::string> PortMap::get(Int16 port) const
 {
     if (!isPort(port))
         return std::nullopt;
-    if (const auto found = overrides.find(port); found != overrides.end())
-        return found->second;
+    const auto found = std::find_if(overrides.rbegin(), overrides.rend(),
+                                    [&](const PortOverride* candidate) { return candidate->port_ == port; });
+    if (found != overrides.rend())
+        return (*found)->device_;
     std::optional<RegistryValue> value = registry_.read(kHive, kSubKey, std::to_string(port));
     if (!value || value->type != RegistryType::Text || value->data.empty())
         return std::nullopt;
@@ -51,19 +55,14 @@ std::map<Int16, std::string> PortMap::all() const
     return devices;
 }
 
-PortOverride::PortOverride(Int16 port, std::string device) : port_(port)
+PortOverride::PortOverride(Int16 port, std::string device) : port_(port), device_(std::move(device))
 {
-    if (const auto found = overrides.find(port); found != overrides.end())
-        previous_ = found->second;
-    overrides[port] = std::move(device);
+    overrides.push_back(this);
 }
 
 PortOverride::~PortOverride()
 {
-    if (previous_)
-        overrides[port_] = *previous_;
-    else
-        overrides.erase(port_);
+    std::erase(overrides, this);
 }
 
 } // namespace kel

@@ -35,6 +35,7 @@ private:
 };
 
 /// Puts a device in the place of a port's for this thread, for as long as it lives, and leaves the registry alone.
+/// Of several for the same port the latest wins. It ends on the thread that made it.
 class PortOverride {
 public:
     PortOverride(Int16 port, std::string device);
@@ -43,8 +44,10 @@ public:
     PortOverride& operator=(const PortOverride&) = delete;
 
 private:
+    friend class PortMap;
+
     Int16 port_;
-    std::optional<std::string> previous_;
+    std::string device_;
 };
 
 } // namespace kel

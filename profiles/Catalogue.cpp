@@ -4,9 +4,11 @@
 #include <array>
 #include <cstddef>
 
-namespace kel {
+namespace kel
+{
 
-namespace {
+namespace
+{
 
 // clang-format off
 

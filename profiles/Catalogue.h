@@ -4,7 +4,8 @@
 
 #include <span>
 
-namespace kel {
+namespace kel
+{
 
 /// The models of one maker.
 struct CatalogueGroup {

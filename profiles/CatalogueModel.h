@@ -4,7 +4,8 @@
 
 #include <optional>
 
-namespace kel {
+namespace kel
+{
 
 /// What the user may do with a setting in the options dialog.
 enum class UserMay {
@@ -44,7 +45,8 @@ struct ModelOption {
 ///     (-) (+)          the dialog does not show it
 ///
 /// A row that is written wrongly does not compile.
-class ModelOptions {
+class ModelOptions
+{
 public:
     consteval ModelOptions(const char* row)
     {

@@ -2,7 +2,8 @@
 
 #include "dispatch/ReaderModels.h"
 
-namespace kel {
+namespace kel
+{
 
 std::string clsKELReaderProfile::ReaderName() const
 {

@@ -3,7 +3,6 @@
 #include "reader/AnswerKeyObject.h"
 #include "types/Export.h"
 
-#include "types/SourceLocation.h"
 #include <string>
 #include <vector>
 

@@ -3,8 +3,8 @@
 #include "types/Boolean.h"
 #include "types/Export.h"
 #include "types/Numbers.h"
-
 #include "types/SourceLocation.h"
+
 #include <cstddef>
 #include <map>
 #include <string>

@@ -66,8 +66,6 @@ void ProfileSection::read(const std::string& fileName, std::string_view section)
         line = withoutBlanks(line);
         const std::size_t bracket = line.find(']');
         const std::size_t equals = line.find('=');
-        if (line.starts_with(';'))
-            continue;
         if (line.starts_with('[') && bracket != std::string_view::npos) {
             if (inside)
                 return;

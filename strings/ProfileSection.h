@@ -9,8 +9,8 @@ namespace kel
 {
 
 /// One section of a profile file, with the rules of Windows for them: names are compared without regard to case, blanks
-/// around a key and its value do not count, one pair of quotes around a value is dropped, a line that begins with ";"
-/// says nothing, the first section and the first key of a name are the ones that count.
+/// around a key and its value do not count, one pair of quotes around a value is dropped, the first section and the
+/// first key of a name are the ones that count.
 class ProfileSection
 {
 public:

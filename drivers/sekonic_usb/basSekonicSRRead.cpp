@@ -55,7 +55,6 @@ std::optional<Int16> fetchSide(Int32 lSide, SRRead& uRead, MarkArray& iSideArr)
     Array1<Byte> bSRArr(1, static_cast<Int32>(lRoom));
     if (omrApi().OMR_GetMarks(lSide, uRead, &bSRArr(1)) == 0)
         return std::nullopt;
-    bSRArr.ReDimPreserve(kMostBytesSR);
     return copyMarksSR(bSRArr, uRead.lRows, uRead.lCols, iSideArr);
 }
 

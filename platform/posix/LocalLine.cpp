@@ -46,16 +46,6 @@ sp_parity libraryParity(char letter)
     }
 }
 
-bool withXonXoff(const LineParameters& line)
-{
-    return line.handshaking == 1 || line.handshaking == 3;
-}
-
-bool withRtsCts(const LineParameters& line)
-{
-    return line.handshaking == 2 || line.handshaking == 3;
-}
-
 /// "19200 baud, 8 data bits, parity N, 2 stop bits, handshaking 0".
 std::string describe(const LineParameters& line)
 {
@@ -151,11 +141,14 @@ void LocalLine::set(const LineParameters& line)
         refuse("1.5 stop bits go with 5 data bits only");
     if (port_)
         setThroughLibrary(line);
-    // The library leaves reads in a mode in which the end of a line looks like a pause.
+    // The library leaves reads in a mode in which the end of a line looks like a pause, and its version 0.1.1 puts the
+    // hardware handshaking where the kernel does not look for it.
     TerminalAttributes attributes;
     if (!attributes.readFrom(handle_))
         refuse(errorText(errno));
-    if (!port_)
+    if (port_)
+        attributes.setHandshaking(line.handshaking);
+    else
         attributes.set(line);
     attributes.makeRaw();
     if (!attributes.writeTo(handle_))
@@ -175,9 +168,6 @@ void LocalLine::setThroughLibrary(const LineParameters& line)
     sp_set_config_bits(made, line.dataBits);
     sp_set_config_parity(made, libraryParity(line.parity));
     sp_set_config_stopbits(made, line.stopBits > 1 ? 2 : 1);
-    sp_set_config_xon_xoff(made, withXonXoff(line) ? SP_XONXOFF_INOUT : SP_XONXOFF_DISABLED);
-    sp_set_config_rts(made, withRtsCts(line) ? SP_RTS_FLOW_CONTROL : SP_RTS_ON);
-    sp_set_config_cts(made, withRtsCts(line) ? SP_CTS_FLOW_CONTROL : SP_CTS_IGNORE);
     switch (sp_set_config(port_.get(), made)) {
     case SP_OK: return;
     case SP_ERR_FAIL: refuse("the device does not take " + describe(line) + ": " + errorText(sp_last_error_code()));

@@ -59,7 +59,7 @@ void TerminalAttributes::makeRaw()
 
 void TerminalAttributes::set(const LineParameters& line)
 {
-    control_ &= ~static_cast<std::uint32_t>(CBAUD | CSIZE | PARENB | PARODD | CMSPAR | CSTOPB | CRTSCTS);
+    control_ &= ~static_cast<std::uint32_t>(CBAUD | CSIZE | PARENB | PARODD | CMSPAR | CSTOPB);
     // An input speed of B0 follows the output speed.
     control_ &= ~static_cast<std::uint32_t>(CIBAUD);
     control_ |= BOTHER;
@@ -80,11 +80,16 @@ void TerminalAttributes::set(const LineParameters& line)
     }
     if (line.stopBits > 1)
         control_ |= CSTOPB;
+    setHandshaking(line.handshaking);
+}
 
+void TerminalAttributes::setHandshaking(Int32 handshaking)
+{
     input_ &= ~static_cast<std::uint32_t>(IXON | IXOFF | IXANY);
-    if (line.handshaking == 1 || line.handshaking == 3)
+    control_ &= ~static_cast<std::uint32_t>(CRTSCTS);
+    if (handshaking == 1 || handshaking == 3)
         input_ |= IXON | IXOFF;
-    if (line.handshaking == 2 || line.handshaking == 3)
+    if (handshaking == 2 || handshaking == 3)
         control_ |= CRTSCTS;
 }
 

@@ -1,7 +1,10 @@
 #include "simulators/sekonic_usb/OmrApiSimulation.h"
 
+#include "simulators/sekonic_usb/OmrSimulationControl.h"
+
 #include <dlfcn.h>
 
+#include <algorithm>
 #include <charconv>
 #include <stdexcept>
 
@@ -11,9 +14,6 @@ namespace kel
 namespace
 {
 
-using Configure = std::int32_t (*)(const char*, char*, std::int32_t);
-using Report = std::int32_t (*)(char*, std::int32_t);
-
 constexpr Int32 kFeederEmpty = 0x40110000;
 constexpr Int32 kJam = 0x35090000;
 
@@ -22,6 +22,35 @@ std::string lastLoaderError()
     const char* text = ::dlerror();
     return text ? text : "unknown reason";
 }
+
+/// A side as the library takes it: all rows as long as the longest.
+class PackedSide
+{
+public:
+    explicit PackedSide(const MarkRows& cells) : rows_(static_cast<Int32>(cells.size()))
+    {
+        for (const std::vector<Int16>& row : cells)
+            columns_ = std::max(columns_, static_cast<Int32>(row.size()));
+        for (Int32 row = 1; row <= rows_; ++row) {
+            for (Int32 column = 1; column <= columns_; ++column)
+                marks_.push_back(byteOf(markAt(cells, row, column)));
+        }
+    }
+
+    [[nodiscard]] OmrSimSide side() const { return {marks_.data(), rows_, columns_}; }
+
+private:
+    static std::uint8_t byteOf(Int16 mark)
+    {
+        if (mark < 0 || mark > 255)
+            throw std::runtime_error(std::to_string(mark) + " is no mark from 0 to 255");
+        return static_cast<std::uint8_t>(mark);
+    }
+
+    Int32 rows_;
+    Int32 columns_ = 0;
+    std::vector<std::uint8_t> marks_;
+};
 
 /// What a fault of the transport is at a feed.
 OmrSimulationState::FeedCode feedCodeOf(const Fault& fault)
@@ -56,14 +85,33 @@ OmrApiSimulation::OmrApiSimulation(std::filesystem::path library, const OmrSimul
 
 void OmrApiSimulation::configure(const OmrSimulationState& state)
 {
+    OmrSimulationState withoutSheets = state;
+    withoutSheets.sheets.clear();
     char message[512];
-    if (reinterpret_cast<Configure>(find("OMRSIM_Configure"))(toJson(state).c_str(), message, sizeof message) == 0)
+    auto* const set = reinterpret_cast<OmrSimConfigure*>(find("OMRSIM_Configure"));
+    if (set(toJson(withoutSheets).c_str(), message, sizeof message) == 0)
         throw std::runtime_error(message);
+    for (const SimulatedSheet& sheet : state.sheets)
+        put(sheet);
+}
+
+void OmrApiSimulation::put(const SimulatedSheet& sheet)
+{
+    const PackedSide side1(sheet.side1);
+    const PackedSide side2(sheet.side2);
+    std::vector<const char*> barcodes;
+    for (const std::string& barcode : sheet.barcodes)
+        barcodes.push_back(barcode.c_str());
+    const OmrSimSheet packed{.side = {side1.side(), side2.side()},
+                             .barcodes = barcodes.data(),
+                             .barcodeCount = static_cast<std::int32_t>(barcodes.size())};
+    if (reinterpret_cast<OmrSimPutSheet*>(find("OMRSIM_PutSheet"))(&packed) == 0)
+        throw std::runtime_error("a side of a sheet has more than 200 rows");
 }
 
 OmrSimulationReport OmrApiSimulation::report() const
 {
-    const auto ask = reinterpret_cast<Report>(find("OMRSIM_Report"));
+    auto* const ask = reinterpret_cast<OmrSimReport*>(find("OMRSIM_Report"));
     std::string text(static_cast<std::size_t>(ask(nullptr, 0)) + 1, '\0');
     text.resize(static_cast<std::size_t>(ask(text.data(), static_cast<std::int32_t>(text.size()))));
     return omrReportFromJson(text);

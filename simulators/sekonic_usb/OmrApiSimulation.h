@@ -25,6 +25,9 @@ public:
     /// Sets the library up anew; nothing that happened before is remembered.
     void configure(const OmrSimulationState& state);
 
+    /// Lays a sheet under the pile in the feeder.
+    void put(const SimulatedSheet& sheet);
+
     [[nodiscard]] OmrSimulationReport report() const;
 
     [[nodiscard]] const std::filesystem::path& library() const noexcept { return library_; }

@@ -149,15 +149,19 @@ TEST_F(OmrApiBindingTest, HandsNumbersOverAndBack)
 {
     library.add("OMR_GetReadingMethod", twoOut);
     library.add("OMR_SetReadingMethod", twoIn);
+    library.add("OMR_GetSheetFeedMode", twoOut);
+    library.add("OMR_GetBarcodeInfo", twoOut);
     library.add("OMR_SetPrintOrder", threeIn);
     Int32 first = 70000;
     Int32 second = -1;
     EXPECT_EQ(api.OMR_GetReadingMethod(first, second), 12);
     EXPECT_EQ(first, 3);
     EXPECT_EQ(second, -4);
+    EXPECT_EQ(api.OMR_GetSheetFeedMode(second, first), 12);
+    EXPECT_EQ(api.OMR_GetBarcodeInfo(first, second), 12);
     EXPECT_EQ(api.OMR_SetReadingMethod(-2147483647 - 1, 2147483647), 13);
     EXPECT_EQ(api.OMR_SetPrintOrder(1, 2, 3), 19);
-    EXPECT_THAT(arrived, ElementsAre("two out 70000 -1", "two in -2147483648 2147483647", "three in 1 2 3"));
+    EXPECT_THAT(arrived, ElementsAre("two out 70000 -1", "two out -4 3", "two out -4 3", "two in -2147483648 2147483647", "three in 1 2 3"));
 }
 
 TEST_F(OmrApiBindingTest, HandsRecordsAndArraysOver)

@@ -9,9 +9,11 @@
 #include <functional>
 #include <set>
 
-namespace kel::test {
+namespace kel::test
+{
 
-namespace {
+namespace
+{
 
 using Record = clsKELReaderProfile;
 

@@ -66,6 +66,15 @@ TEST_F(InputFileTest, SeeksBytesCountedFromOne)
     EXPECT_TRUE(file.Eof());
 }
 
+TEST_F(InputFileTest, StaysWhereItIsWhenAskedForItsLength)
+{
+    InputFile file = open("a\r\n" + std::string(40000, 'x') + "\r\nb");
+    EXPECT_EQ(file.LineInput(), "a");
+    EXPECT_EQ(file.LOF(), 40006);
+    EXPECT_EQ(file.LineInput().size(), 40000U);
+    EXPECT_EQ(file.LineInput(), "b");
+}
+
 TEST_F(InputFileTest, RefusesPositionsBelowOneAndStaysWhereItIs)
 {
     InputFile file = open("ab\r\ncd\r\n");

@@ -158,6 +158,11 @@ TEST_F(LanguageDatabaseTest, IgnoresBlanksAroundAHeading)
 {
     LanguageFileMaker maker = twoLanguages();
     maker.sections[0].heading = "  [English]   ";
+    maker.startIsOffBy = 1000;
+    EXPECT_EQ(with(maker).RTString(1), "one");
+    // Another one stands before it, so this is the one at the start that the head names.
+    maker.startIsOffBy = 0;
+    maker.head.insert(maker.head.end(), {"[English]", "S0=wrong", "S1=wrong"});
     EXPECT_EQ(with(maker).RTString(1), "one");
 }
 
@@ -272,6 +277,8 @@ TEST_F(LanguageDatabaseTest, IsDeadOnceARequiredKeyWasMissing)
         // That the file is missing is seen before.
         std::filesystem::remove(folder.file(kLanguageFileName));
         EXPECT_EQ(database().RTString(1), "Language database file " + folder.file(kLanguageFileName) + " not found.");
+        // Only the number of texts is looked for under the hourglass.
+        EXPECT_EQ(platform.screen_.pointers.empty(), key != "NumStrings") << key;
     }
     EXPECT_TRUE(boxes().empty());
 }

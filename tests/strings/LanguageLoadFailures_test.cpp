@@ -173,6 +173,17 @@ TEST_F(LanguageLoadFailures, OfANumberTooLargeInTheHeadLeaveTheDefaultWhenIgnore
     EXPECT_EQ(database().RTString(2), "Invalid Index");
 }
 
+TEST_F(LanguageLoadFailures, OfALanguagesNameThatIsANumberTooLargeLeaveTheName)
+{
+    LanguageFileMaker maker = oneLanguage({"S0=zero"}, {"NumStrings=1"});
+    maker.sections[0].name = "1e999";
+    maker.sections[0].heading = "[1e999]";
+    with(maker);
+    platform.screen_.answers = {BoxAnswer::Ignore};
+    EXPECT_EQ(database().RTString(0), "zero");
+    EXPECT_EQ(boxes(), (std::vector{loadBox("Overflow(Code6)")}));
+}
+
 TEST_F(LanguageLoadFailures, OfATableThatEndsBelowZeroAre9)
 {
     with(oneLanguage({"S0=zero"}, {"NumStrings=1", "StringIndexStep=-5"}));

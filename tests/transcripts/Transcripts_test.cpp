@@ -178,7 +178,9 @@ TEST_P(TranscriptTest, UnderTheVirtualClock)
 
 TEST_P(TranscriptTest, OverAPseudoTerminal)
 {
-    const Transcript transcript = readTranscript(GetParam());
+    Transcript transcript = readTranscript(GetParam());
+    // A pseudo-terminal holds neither 7 bits nor parity.
+    std::erase_if(transcript.head, [](const auto& entry) { return entry.first == "line"; });
     const std::unique_ptr<Platform> machine = makePosixPlatform();
     const PlatformScope scope(*machine);
     TranscriptDevice device(transcript);

@@ -21,6 +21,9 @@ public:
 
     [[nodiscard]] OmrSimulationReport report() const;
 
+    /// Lays a sheet under the pile in the feeder.
+    void put(SimulatedSheet sheet) { state_.sheets.push_back(std::move(sheet)); }
+
     // The device
     Int32 open();
     Int32 close();

@@ -1,6 +1,7 @@
 #include "simulators/sekonic_usb/library/OmrDevice.h"
 
 #include "simulators/framework/Json.h"
+#include "simulators/sekonic_usb/OmrSimulationControl.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -8,6 +9,7 @@
 #include <cstdlib>
 #include <iostream>
 #include <memory>
+#include <type_traits>
 
 // The functions of the maker's library as a program sees them: C functions on 32-bit numbers, records of 32-bit
 // fields, arrays by their first byte, and texts that end with a zero.
@@ -60,6 +62,15 @@ kel::OmrDevice& device()
     return *place();
 }
 
+kel::MarkRows rowsOf(const OmrSimSide& side)
+{
+    kel::MarkRows rows;
+    const std::uint8_t* cell = side.marks;
+    for (std::int32_t row = 0; row < side.rows; ++row, cell += side.columns)
+        rows.emplace_back(cell, cell + side.columns);
+    return rows;
+}
+
 /// As much of a text as fits, with a zero behind it; the length of the whole.
 std::int32_t give(const std::string& text, char* room, std::int32_t size)
 {
@@ -75,7 +86,6 @@ std::int32_t give(const std::string& text, char* room, std::int32_t size)
 
 // --- What a test or a program says to the simulation itself
 
-/// Sets the library up anew from a state in JSON. 1 is success; 0 leaves everything as it was and says why.
 OMR_EXPORT std::int32_t OMRSIM_Configure(const char* state, char* message, std::int32_t size)
 {
     try {
@@ -88,11 +98,26 @@ OMR_EXPORT std::int32_t OMRSIM_Configure(const char* state, char* message, std::
     }
 }
 
-/// What has happened, in JSON. Gives the length of the whole text; call again with more room if it did not fit.
+OMR_EXPORT std::int32_t OMRSIM_PutSheet(const OmrSimSheet* sheet)
+{
+    if (sheet->side[0].rows > kel::kOmrMostRows || sheet->side[1].rows > kel::kOmrMostRows)
+        return 0;
+    device().put({.side1 = rowsOf(sheet->side[0]),
+                  .side2 = rowsOf(sheet->side[1]),
+                  .barcodes = {sheet->barcodes, sheet->barcodes + sheet->barcodeCount},
+                  .fields = {}});
+    return 1;
+}
+
 OMR_EXPORT std::int32_t OMRSIM_Report(char* text, std::int32_t size)
 {
     return give(toJson(device().report()), text, size);
 }
+
+// The three are what the header says they are.
+static_assert(std::is_same_v<decltype(OMRSIM_Configure), OmrSimConfigure>);
+static_assert(std::is_same_v<decltype(OMRSIM_PutSheet), OmrSimPutSheet>);
+static_assert(std::is_same_v<decltype(OMRSIM_Report), OmrSimReport>);
 
 // --- The library
 

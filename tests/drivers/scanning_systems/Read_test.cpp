@@ -54,18 +54,18 @@ TEST_F(ReadSS, WhatCameBeforeIsDropped)
     makeDuplex();
     for (const Int32 inputLen : {1, 0}) {
         reader.fComm().mscComm().InputLen(inputLen);
-        device.sendNow("x0");
+        leaveBehind("x0");
         device.on(kStatus, "0").on(kMarks1);
         device.on(page("003"), "\r\r\r").on("/" + page("003"), "\r\r\r");
         EXPECT_TRUE(ReadPageSS(reader)) << inputLen;
     }
     reader.settings().Duplex = False;
-    device.sendNow("9?");
+    leaveBehind("9?");
     device.on(page("003"), "\r\r\r");
     EXPECT_TRUE(ReadEntirePageSS(reader));
     EXPECT_EQ(reader.side1(), marks(48, {}));
     addWindow(1, 1, 1, 1);
-    device.sendNow("13,");
+    leaveBehind("13,");
     device.on(kWindows1, "12,");
     EXPECT_TRUE(ReadWindowsSS(reader));
     EXPECT_EQ(reader.side1(), marks(6, {{1, 1, 2}}));

@@ -25,8 +25,8 @@ public:
         return *this;
     }
 
-    /// Sends without being asked, as soon as the host looks.
-    void sendNow(std::string bytes) { send({}, bytes); }
+    /// Sends without being asked.
+    void sendUnasked(Moment at, const std::string& bytes) { send(at, bytes); }
 
     /// Pulls the plug with the next command.
     ScriptedReader& unplugOn(std::string command)

@@ -108,6 +108,13 @@ protected:
         return cWindow;
     }
 
+    /// Bytes that nobody has asked for wait on the host's side.
+    void leaveBehind(const std::string& bytes)
+    {
+        device.sendUnasked(machine.now(), bytes);
+        machine.pump().Sleep(1);
+    }
+
     /// A read that is asked to prepare the printer, or not to, and is stopped before it touches the reader.
     void preparePrinter(Boolean bInitialize)
     {

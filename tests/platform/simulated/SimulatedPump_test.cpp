@@ -152,6 +152,18 @@ TEST_F(SimulatedPumpTest, ADueTimerFiresThoughInputKeepsComing)
     EXPECT_LE(machine_.now(), 11ms);
 }
 
+TEST_F(SimulatedPumpTest, ADueTimerFiresThoughInputWaits)
+{
+    timer_->Interval(10);
+    timer_->Enabled(True);
+    device_.sendAt(15ms, "A");
+    open();
+    Sleep(20);
+    DoEvents();
+    EXPECT_EQ(machine_.now(), 20ms);
+    EXPECT_EQ(timer_->Enabled(), False);
+}
+
 TEST_F(SimulatedPumpTest, TheHostActsAtItsMoments)
 {
     std::vector<std::pair<std::string, Moment>> done;
@@ -234,6 +246,8 @@ TEST_F(SimulatedPumpTest, PausesAreRecordedAndRunNothing)
 TEST_F(SimulatedPumpTest, AHangUpEndsTheBlock)
 {
     device_.unplugAt(2s);
+    timer_->Interval(10000);
+    timer_->Enabled(True);
     open();
     DoEvents();
     EXPECT_EQ(machine_.now(), 2s);

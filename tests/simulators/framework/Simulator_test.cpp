@@ -177,6 +177,7 @@ TEST(Simulator, WhatIsSentBehindAClosedLineIsLost)
     EXPECT_EQ(bench.wait(15ms), "A");
     bench.close();
     reader.send("lost");
+    EXPECT_FALSE(reader.isSending());
     Moment opened = 1s;
     reader.lineOpened(opened, thousandBaud());
     EXPECT_TRUE(acted);
@@ -311,13 +312,22 @@ TEST(SimulatorFaults, DripMakesEachByteLater)
 
 TEST(SimulatorFaults, LateDelaysTheWholeReplyThatHoldsTheByte)
 {
-    LittleReader reader(withFaults({"late=2500@byte=12"}));
+    LittleReader reader(withFaults({"late=2500@byte=11"}));
     DeviceBench bench(reader);
     EXPECT_EQ(bench.ask("R", 0ms), "0123456789");
     bench.send("R");
     EXPECT_EQ(bench.wait(2499ms), "");
     EXPECT_EQ(bench.wait(1ms), "0123456789");
     EXPECT_EQ(bench.ask("R", 0ms), "0123456789");
+}
+
+TEST(SimulatorFaults, LateReachesToTheLastByteOfAReply)
+{
+    LittleReader reader(withFaults({"late=2500@byte=10"}));
+    DeviceBench bench(reader);
+    bench.send("R");
+    EXPECT_EQ(bench.wait(2499ms), "");
+    EXPECT_EQ(bench.wait(1ms), "0123456789");
 }
 
 TEST(SimulatorFaults, SilentEndsAllOutput)

@@ -1,9 +1,11 @@
 #include "simulators/sekonic_usb/OmrApiSimulation.h"
 
 #include "platform/posix/PosixOmrApiLoader.h"
+#include "tests/platform/posix/PosixTest.h"
 
 #include <gmock/gmock.h>
 
+#include <cstdlib>
 #include <fstream>
 #include <stdexcept>
 #include <string>
@@ -105,10 +107,10 @@ TEST_F(OmrApiSimulationTest, DeliversASheet)
     EXPECT_EQ(api().OMR_CloseDevice(), 1);
     const OmrSimulationReport report = simulation.report();
     EXPECT_THAT(report.faults, IsEmpty());
-    EXPECT_THAT(report.log, ElementsAre(SheetRecord{SheetEvent::Fed, 1, "", 0, 0},
-                                        SheetRecord{SheetEvent::Read, 1, "front", 0, 0},
-                                        SheetRecord{SheetEvent::Read, 1, "back", 0, 0},
-                                        SheetRecord{SheetEvent::Ejected, 1, "outlet 3", 0, 0}));
+    EXPECT_THAT(report.log,
+                ElementsAre(SheetRecord{SheetEvent::Fed, 1, "", 0, 0}, SheetRecord{SheetEvent::Read, 1, "front", 0, 0},
+                            SheetRecord{SheetEvent::Read, 1, "back", 0, 0},
+                            SheetRecord{SheetEvent::Ejected, 1, "outlet 3", 0, 0}));
     EXPECT_FALSE(report.open);
     EXPECT_EQ(report.remaining, 0);
     EXPECT_EQ(report.calls.back(), "OMR_CloseDevice");
@@ -201,10 +203,9 @@ TEST_F(OmrApiSimulationTest, NotesWrongOrder)
     EXPECT_EQ(api().OMR_EjectSheet(3), 0);
     api().OMR_GetLastError();
     api().OMR_OpenDeviceUSB();
-    EXPECT_THAT(faults(),
-                ElementsAre("OMR_GetMarks without a sheet", "OMR_EjectSheet without a sheet",
-                            "OMR_GetLastError where nothing was opened or fed",
-                            "OMR_OpenDeviceUSB while the reader is open"));
+    EXPECT_THAT(faults(), ElementsAre("OMR_GetMarks without a sheet", "OMR_EjectSheet without a sheet",
+                                      "OMR_GetLastError where nothing was opened or fed",
+                                      "OMR_OpenDeviceUSB while the reader is open"));
 }
 
 TEST_F(OmrApiSimulationTest, NotesAFeedWithoutALookAtTheLastError)
@@ -258,9 +259,9 @@ TEST_F(OmrApiSimulationTest, NotesMarksThatAreFetchedWrongly)
     EXPECT_EQ(fetch(1), 0);
     EXPECT_EQ(fetch(0), 1);
     EXPECT_EQ(fetch(0), 1);
-    EXPECT_THAT(faults(), ElementsAre("marks of side 2", "marks of another number of columns than was set",
-                                      "marks of 100 rows", "the back is fetched with its sensor off",
-                                      "the front is fetched twice"));
+    EXPECT_THAT(faults(),
+                ElementsAre("marks of side 2", "marks of another number of columns than was set", "marks of 100 rows",
+                            "the back is fetched with its sensor off", "the front is fetched twice"));
 }
 
 TEST_F(OmrApiSimulationTest, NotesABackBeforeTheFront)
@@ -323,10 +324,9 @@ TEST_F(OmrApiSimulationTest, NotesAPrintOutOfOrder)
     api().OMR_SetPrintPosition(1);
     api().OMR_SetPrintOrder(3, 2, 1);
     EXPECT_EQ(api().OMR_SetPrintString(4, ""), 0);
-    EXPECT_THAT(faults(),
-                ElementsAre("a print line before the position", "print line 2 out of turn",
-                            "a print position before the order", "a print without a sheet", "print lines out of order",
-                            "print line 4"));
+    EXPECT_THAT(faults(), ElementsAre("a print line before the position", "print line 2 out of turn",
+                                      "a print position before the order", "a print without a sheet",
+                                      "print lines out of order", "print line 4"));
     EXPECT_EQ(simulation.report().printStrings[1], "two");
 }
 
@@ -351,25 +351,56 @@ TEST_F(OmrApiSimulationTest, KeepsItsStateWhereANewOneIsRefused)
 {
     start();
     feed();
-    EXPECT_THROW(simulation.configure({.sheets = {{.side1 = {{256}}, .side2 = {}, .barcodes = {}, .fields = {}}}}),
-                 std::runtime_error);
+    EXPECT_THROW(simulation.configure({.feedCodes = {{0, 1}}}), std::runtime_error);
     EXPECT_EQ(simulation.report().log.size(), 1U);
+}
+
+TEST_F(OmrApiSimulationTest, RefusesASheetThatIsNone)
+{
+    SimulatedSheet tall = sheet();
+    tall.side2.resize(201);
+    EXPECT_THROW(simulation.put(tall), std::runtime_error);
+    SimulatedSheet bright = sheet();
+    bright.side1[0][0] = 256;
+    EXPECT_THROW(simulation.put(bright), std::runtime_error);
+    EXPECT_EQ(simulation.report().remaining, 0);
+    simulation.put(sheet());
+    EXPECT_EQ(simulation.report().remaining, 1);
+}
+
+TEST(OmrSimulationEnvironment, NamesTheStateOfALibraryThatNobodyHasSetUp)
+{
+    const test::TemporaryFolder folder;
+    const auto stateFile = folder.path() / "state.json";
+    std::ofstream(stateFile) << R"({"columns":37,"sheets":[{"side1":[[9]]}]})";
+    ::setenv("KEL_OMRAPI_SIMULATION", stateFile.c_str(), 1);
+    // A copy under another name is a library of its own.
+    std::filesystem::copy_file(KEL_OMRAPI_SIMULATED, folder.path() / "libOMRAPI.so");
+    PosixOmrApiLoader loader(folder.path());
+    EXPECT_EQ(loader.omrApi().OMR_OpenDeviceUSB(), 0);
+    EXPECT_EQ(loader.omrApi().OMR_GetNumberOfColumnsToRead(), 37);
+
+    std::ofstream(stateFile) << R"({"columns":"many"})";
+    std::filesystem::copy_file(KEL_OMRAPI_SIMULATED, folder.path() / "other.so");
+    loader.libraryFile(folder.path() / "other.so");
+    testing::internal::CaptureStderr();
+    EXPECT_NE(loader.omrApi().OMR_OpenDeviceUSB(), 0);
+    EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("state.json: columns: \"many\" is no whole number"));
+    ::unsetenv("KEL_OMRAPI_SIMULATION");
 }
 
 TEST(OmrSimulationState, GoesThroughJsonAndBack)
 {
-    const OmrSimulationState state{.sheets = {{.side1 = {{1, 255}, {}},
-                                               .side2 = {{0}},
-                                               .barcodes = {"12"},
-                                               .fields = {}}},
-                                   .connected = false,
-                                   .readingMethod = {5, -6},
-                                   .columns = 40,
-                                   .feedMode = {1, 2},
-                                   .barcodeUnit = -1,
-                                   .feedCodes = {{2, 0x40110001}},
-                                   .refusals = {{"OMR_GetMarks", 3, -1, 7}},
-                                   .logFile = "/tmp/a.log"};
+    const OmrSimulationState state{
+        .sheets = {{.side1 = {{1, 255}, {}}, .side2 = {{0}}, .barcodes = {"12"}, .fields = {}}},
+        .connected = false,
+        .readingMethod = {5, -6},
+        .columns = 40,
+        .feedMode = {1, 2},
+        .barcodeUnit = -1,
+        .feedCodes = {{2, 0x40110001}},
+        .refusals = {{"OMR_GetMarks", 3, -1, 7}},
+        .logFile = "/tmp/a.log"};
     EXPECT_EQ(omrStateFromJson(toJson(state)), state);
     EXPECT_EQ(omrStateFromJson("{}"), OmrSimulationState{});
 }
@@ -378,9 +409,8 @@ TEST(OmrSimulationState, TakesCodesAsNumbersOrTexts)
 {
     const OmrSimulationState state = omrStateFromJson(
         R"({"feedCodes":[{"feed":1,"code":"0x40120003"},{"feed":2,"code":-5},{"feed":3,"code":"0xFFFFFFFF"}]})");
-    EXPECT_THAT(state.feedCodes,
-                ElementsAre(OmrSimulationState::FeedCode{1, 0x40120003}, OmrSimulationState::FeedCode{2, -5},
-                            OmrSimulationState::FeedCode{3, -1}));
+    EXPECT_THAT(state.feedCodes, ElementsAre(OmrSimulationState::FeedCode{1, 0x40120003},
+                                             OmrSimulationState::FeedCode{2, -5}, OmrSimulationState::FeedCode{3, -1}));
 }
 
 TEST(OmrSimulationState, TellsWhereAMistakeIs)
@@ -411,8 +441,7 @@ TEST(OmrSimulationState, TellsWhereAMistakeIs)
     }
     SimulatedSheet tall;
     tall.side1.resize(201);
-    EXPECT_THROW(static_cast<void>(omrStateFromJson(toJson(OmrSimulationState{.sheets = {tall}}))),
-                 std::runtime_error);
+    EXPECT_THROW(static_cast<void>(omrStateFromJson(toJson(OmrSimulationState{.sheets = {tall}}))), std::runtime_error);
 }
 
 TEST(OmrSimulationOptions, GiveThePileTheFaultsAndTheSettings)
@@ -430,8 +459,8 @@ TEST(OmrSimulationOptions, GiveThePileTheFaultsAndTheSettings)
     EXPECT_EQ(state.sheets[1].side1.size(), 5U);
     EXPECT_EQ(state.sheets[1].side2.size(), 60U);
     EXPECT_EQ(state.sheets[2].barcodes.size(), 2U);
-    EXPECT_THAT(state.feedCodes, ElementsAre(OmrSimulationState::FeedCode{2, 0x35090000},
-                                             OmrSimulationState::FeedCode{3, 0x40110000}));
+    EXPECT_THAT(state.feedCodes,
+                ElementsAre(OmrSimulationState::FeedCode{2, 0x35090000}, OmrSimulationState::FeedCode{3, 0x40110000}));
     EXPECT_EQ(state.columns, 40);
     EXPECT_EQ(state.barcodeUnit, -1);
 }

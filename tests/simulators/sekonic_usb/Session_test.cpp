@@ -126,10 +126,10 @@ std::vector<SimulatedSheet> pile(std::uint64_t seed, std::uint64_t count)
 {
     std::vector<SimulatedSheet> sheets;
     for (std::uint64_t place = 0; place < count; ++place) {
-        // Sheets of every length, and of none to three barcodes.
-        const SheetShape shape{.side1Rows = static_cast<Int32>(place * 7 % 201),
+        // Short sheets and some of full length, and none to three barcodes.
+        const SheetShape shape{.side1Rows = place % 10 == 9 ? 200 : static_cast<Int32>(place * 7 % 41),
                                .side1Columns = 48,
-                               .side2Rows = static_cast<Int32>(place * 11 % 201),
+                               .side2Rows = place % 10 == 8 ? 200 : static_cast<Int32>(place * 11 % 41),
                                .side2Columns = 48,
                                .lowestMark = 1,
                                .highestMark = 255,

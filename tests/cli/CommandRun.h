@@ -1,0 +1,70 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <sys/types.h>
+#include <vector>
+
+namespace kel::test
+{
+
+/// How a run of the command came out.
+struct CommandOutcome {
+    int status = 0; ///< the exit status; 128 and the signal's number if a signal has ended it
+    std::string output;
+    std::string errors;
+
+    /// The lines of the output.
+    [[nodiscard]] std::vector<std::string> lines() const;
+};
+
+/// The built command as a process of its own, with a settings store of its own that is empty at first.
+class RunningCommand
+{
+public:
+    explicit RunningCommand(const std::vector<std::string>& arguments);
+    /// Ends it the hard way if it still runs.
+    ~RunningCommand();
+    RunningCommand(const RunningCommand&) = delete;
+    RunningCommand& operator=(const RunningCommand&) = delete;
+
+    /// Waits until a line is there and takes it, without its end; empty when none comes any more.
+    std::string readLine();
+
+    /// Waits for a text on standard error; false when it never comes.
+    bool waitForError(const std::string& text);
+
+    void signal(int number) const;
+
+    /// Waits for its end. `output` holds what was not read by lines.
+    CommandOutcome finish();
+
+private:
+    bool fetch();
+
+    pid_t process_ = -1;
+    int output_ = -1;
+    int errors_ = -1;
+    CommandOutcome outcome_;
+};
+
+/// Runs the command to its end.
+CommandOutcome runCommand(const std::vector<std::string>& arguments);
+
+/// A file with a text, for as long as the object lives.
+class TextFile
+{
+public:
+    explicit TextFile(const std::string& text);
+    ~TextFile();
+    TextFile(const TextFile&) = delete;
+    TextFile& operator=(const TextFile&) = delete;
+
+    [[nodiscard]] std::string path() const { return path_.string(); }
+    [[nodiscard]] std::string text() const;
+
+private:
+    std::filesystem::path path_;
+};
+
+} // namespace kel::test
