@@ -7,9 +7,11 @@
 #include <algorithm>
 #include <optional>
 
-namespace kel {
+namespace kel
+{
 
-namespace {
+namespace
+{
 
 constexpr std::size_t kMostFormIds = 2;
 constexpr Int16 kMostPages = 2;

@@ -2,8 +2,10 @@
 
 #include "cli/CommandList.h"
 #include "cli/Commands.h"
+#include "cli/NearestNames.h"
 #include "cli/UsageError.h"
 
+#include <algorithm>
 #include <csignal>
 #include <iostream>
 
@@ -30,6 +32,18 @@ int answerParser(const CLI::App& app, const CLI::ParseError& error)
         command += " " + chosen->get_name();
     }
     return complain(std::string(error.what()) + "; '" + command + " --help' tells what there is.", kUsageStatus);
+}
+
+/// The parser itself would only say that it misses a command.
+void demandKnownCommand(const CLI::App& app, const std::string& name)
+{
+    std::vector<std::string> known;
+    for (const CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; }))
+        known.push_back(command->get_name());
+    const bool isCommand = !name.empty() && !name.starts_with('-');
+    if (isCommand && std::find(known.begin(), known.end(), name) == known.end())
+        throw UsageError("There is no command '" + name + "'; the nearest are " +
+                         listed(nearestNames(name, known), "and") + ".");
 }
 
 } // namespace
@@ -65,6 +79,7 @@ int runCommandLine(int argc, const char* const* argv)
 #undef KEL_ADD_COMMAND
 
     try {
+        demandKnownCommand(app, argc > 1 ? argv[1] : "");
         app.parse(argc, argv);
         return commands.runChosen();
     } catch (const CLI::ParseError& error) {

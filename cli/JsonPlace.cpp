@@ -10,9 +10,11 @@
 #include <sstream>
 #include <vector>
 
-namespace kel {
+namespace kel
+{
 
-namespace {
+namespace
+{
 
 const char* typeName(const Json& value)
 {
@@ -85,6 +87,7 @@ void readJsonObject(const Json& value, const JsonPlace& place, const std::map<st
         const auto reader = readers.find(name);
         if (reader == readers.end()) {
             std::vector<std::string> known;
+            known.reserve(readers.size());
             for (const auto& entry : readers)
                 known.push_back(entry.first);
             place.refuse("has a key \"" + validUtf8(name) + "\" that is not known; the nearest are " +

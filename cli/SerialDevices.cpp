@@ -25,8 +25,10 @@ std::vector<SerialDevice> serialDevices()
         return devices;
     const std::unique_ptr<sp_port*, FreePortList> list(found);
     for (sp_port** port = found; *port; ++port) {
+        const std::string name = sp_get_port_name(*port);
         const char* description = sp_get_port_description(*port);
-        devices.push_back({stableName(sp_get_port_name(*port)), description ? description : ""});
+        const bool saysMore = description && std::filesystem::path(name).filename() != description;
+        devices.push_back({stableName(name), saysMore ? description : ""});
     }
     return devices;
 }

@@ -23,9 +23,11 @@ public:
 
     Int16 small()
     {
-        const Int16 value = static_cast<signed char>(data_.empty() ? 0 : data_.front());
-        data_.remove_prefix(data_.empty() ? 0 : 1);
-        return value;
+        if (data_.empty())
+            return 0;
+        const auto code = static_cast<Byte>(data_.front());
+        data_.remove_prefix(1);
+        return static_cast<Int16>(code < 128 ? code : code - 256);
     }
 
     Int16 any()

@@ -8,8 +8,8 @@ namespace kel {
 // alone: no serial line, no timer. A call of the library blocks until the reader is done; the stop flag is looked at
 // nowhere meanwhile.
 
-/// Opens the reader and brings it to what the reads need: reading method, 48 columns, the back sensor, the feed mode and,
-/// if barcodes are wanted, the barcode unit. A missing library is told in a box of its own.
+/// Opens the reader and brings it to what the reads need: reading method, 48 columns, the back sensor, the feed mode
+/// and, if barcodes are wanted, the barcode unit. A missing library is told in a box of its own.
 Boolean InitReaderSR(ReaderContract& oReader);
 
 /// Closes the reader.
@@ -21,8 +21,8 @@ Boolean InitBarcodeSR();
 /// Reports an error code of the library.
 void ReturnErrorSR(Int32 lError);
 
-/// Feeds a sheet and reads the marks of one or both sides, 200 rows of 48 columns each, and its barcodes. The mark values
-/// are the library's bytes.
+/// Feeds a sheet and reads the marks of one or both sides, 200 rows of 48 columns each, and its barcodes. The mark
+/// values are the library's bytes.
 Boolean ReadPageSR(ReaderContract& oReader, Int32 lRecognitionThreshold);
 
 /// Hands the three print lines to the library, for the sheet that is in the reader. False, without a report, when the

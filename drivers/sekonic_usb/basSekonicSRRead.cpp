@@ -32,8 +32,8 @@ static_assert(kSymbologies == (kelBarcodeTypeCode39 | kelBarcodeTypeITF | kelBar
 constexpr Int32 kLongestBarcode = 512;
 constexpr Byte kAnyBarcode = 0x40;
 
-/// More than any reader counts; only a bound for what is set aside below.
-constexpr std::int64_t kMostBytesSetAside = 1 << 20;
+/// More than any reader can count; only a bound for the room that is set aside below.
+constexpr std::int64_t kMostRoom = 1 << 20;
 
 /// Tells the library where the barcodes are and which; True if they are to be fetched behind the sheet.
 bool prepareBarcodes(ReaderContract& oReader)
@@ -49,9 +49,9 @@ bool prepareBarcodes(ReaderContract& oReader)
 /// Fetches one side of the sheet into its cells; the number of its rows, nothing when the library does not deliver it.
 std::optional<Int16> fetchSide(Int32 lSide, SRRead& uRead, MarkArray& iSideArr)
 {
-    // What a library that counts more columns than a sheet has writes behind the last byte falls on room set aside.
-    const std::int64_t lRoom = std::clamp<std::int64_t>(std::int64_t{uRead.lRows} * uRead.lCols, kMostBytesSR,
-                                                        kMostBytesSetAside);
+    // A library that counts more columns than a sheet has writes on behind the last byte: there is room for that.
+    const std::int64_t lRoom =
+        std::clamp<std::int64_t>(std::int64_t{uRead.lRows} * uRead.lCols, kMostBytesSR, kMostRoom);
     Array1<Byte> bSRArr(1, static_cast<Int32>(lRoom));
     if (omrApi().OMR_GetMarks(lSide, uRead, &bSRArr(1)) == 0)
         return std::nullopt;

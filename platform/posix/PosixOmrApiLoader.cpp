@@ -35,8 +35,7 @@ void* open(const std::filesystem::path& file)
 
 [[noreturn]] void failMissing()
 {
-    throw RuntimeFailure(FailureCode::FileNotFound,
-                         failureText(FailureCode::FileNotFound) + ": " + kOmrLibraryName);
+    throw RuntimeFailure(FailureCode::FileNotFound, failureText(FailureCode::FileNotFound) + ": " + kOmrLibraryName);
 }
 
 } // namespace

@@ -153,10 +153,8 @@ std::string toJson(const OmrSimulationState& state)
         object["feedCodes"].push_back({{"feed", entry.feed}, {"code", entry.code}});
     object["refusals"] = Json::array();
     for (const OmrSimulationState::Refusal& entry : state.refusals)
-        object["refusals"].push_back({{"function", entry.function},
-                                      {"call", entry.call},
-                                      {"result", entry.result},
-                                      {"code", entry.code}});
+        object["refusals"].push_back(
+            {{"function", entry.function}, {"call", entry.call}, {"result", entry.result}, {"code", entry.code}});
     if (!state.logFile.empty())
         object["logFile"] = state.logFile.string();
     return dumped(object);
@@ -166,8 +164,8 @@ OmrSimulationState omrStateFromJson(std::string_view text)
 {
     const Json object = parseJson(text);
     demandObject(object, "state",
-                 {"sheets", "connected", "readingMethod", "columns", "feedMode", "barcodeUnit", "feedCodes",
-                  "refusals", "logFile"});
+                 {"sheets", "connected", "readingMethod", "columns", "feedMode", "barcodeUnit", "feedCodes", "refusals",
+                  "logFile"});
     OmrSimulationState state;
     for (const auto& [name, value] : object.items()) {
         if (name == "sheets")

@@ -19,7 +19,7 @@ inline constexpr Int32 kOmrMostRows = 200;
 struct OmrSimulationState {
     std::vector<SimulatedSheet> sheets{}; ///< marks from 0 to 255; columns that a sheet does not have are empty
 
-    bool connected = true;                   ///< whether there is a reader to open
+    bool connected = true;                    ///< whether there is a reader to open
     std::array<Int32, 2> readingMethod{3, 0}; ///< the two values that the reader tells
     Int32 columns = 48;
     std::array<Int32, 2> feedMode{0, 0};
@@ -54,11 +54,11 @@ struct OmrSimulationState {
 
 /// What has happened in the simulated library since it was set up.
 struct OmrSimulationReport {
-    std::vector<std::string> calls;  ///< names and arguments, in order: "OMR_EjectSheet 3"
-    std::vector<std::string> faults; ///< what the host did wrongly; a test fails if anything stands here
-    std::vector<SheetRecord> log;    ///< where the sheets went, with their outlet codes as texts: "outlet 3"
-    bool open = false;               ///< whether the host has the reader open
-    Int32 remaining = 0;             ///< sheets that are still in the feeder
+    std::vector<std::string> calls;          ///< names and arguments, in order: "OMR_EjectSheet 3"
+    std::vector<std::string> faults;         ///< what the host did wrongly; a test fails if anything stands here
+    std::vector<SheetRecord> log;            ///< where the sheets went, with their outlet codes as texts: "outlet 3"
+    bool open = false;                       ///< whether the host has the reader open
+    Int32 remaining = 0;                     ///< sheets that are still in the feeder
     std::array<std::string, 3> printStrings; ///< the print lines that are set in the library
 
     friend bool operator==(const OmrSimulationReport&, const OmrSimulationReport&) = default;

@@ -161,7 +161,8 @@ TEST_F(OmrApiBindingTest, HandsNumbersOverAndBack)
     EXPECT_EQ(api.OMR_GetBarcodeInfo(first, second), 12);
     EXPECT_EQ(api.OMR_SetReadingMethod(-2147483647 - 1, 2147483647), 13);
     EXPECT_EQ(api.OMR_SetPrintOrder(1, 2, 3), 19);
-    EXPECT_THAT(arrived, ElementsAre("two out 70000 -1", "two out -4 3", "two out -4 3", "two in -2147483648 2147483647", "three in 1 2 3"));
+    EXPECT_THAT(arrived, ElementsAre("two out 70000 -1", "two out -4 3", "two out -4 3",
+                                     "two in -2147483648 2147483647", "three in 1 2 3"));
 }
 
 TEST_F(OmrApiBindingTest, HandsRecordsAndArraysOver)

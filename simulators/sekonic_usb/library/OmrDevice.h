@@ -85,6 +85,8 @@ private:
     void checkReadiness();
     /// The sheet leaves the transport, printed on if lines were set for it.
     void leave(SheetEvent event, const std::string& where);
+    /// What the library tells where this simulation knows no better.
+    static constexpr Int32 kSomeError = 1;
     Int32 fail(Int32 code, Int32 result = 0);
 
     OmrSimulationState state_;

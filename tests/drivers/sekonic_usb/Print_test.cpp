@@ -96,9 +96,8 @@ TEST_F(SekonicUsbPrint, EndsAtTheFirstStepThatIsRefused)
         std::deque<Int32> results;
         std::size_t calls;
     } steps[] = {
-        {"OMR_SetPrintOrder", {0}, 1},         {"OMR_SetPrintPosition", {0}, 2},
-        {"OMR_SetPrintString", {0}, 3},        {"OMR_SetPrintString", {1, 0}, 4},
-        {"OMR_SetPrintString", {1, -1, 0}, 5},
+        {"OMR_SetPrintOrder", {0}, 1},     {"OMR_SetPrintPosition", {0}, 2},      {"OMR_SetPrintString", {0}, 3},
+        {"OMR_SetPrintString", {1, 0}, 4}, {"OMR_SetPrintString", {1, -1, 0}, 5},
     };
     for (const auto& step : steps) {
         library.calls.clear();

@@ -274,8 +274,8 @@ TEST_F(SekonicUsbBarcodes, AreNotReadWhereTheAreaIsRefused)
 {
     library.results["OMR_SetBarCodeArea"] = {0};
     EXPECT_EQ(ReadPageSR(reader, 9), True);
-    EXPECT_THAT(library.calls, ElementsAre("OMR_SetBarCodeArea 100 80", "OMR_GetNumberOfColumnsToRead",
-                                           "OMR_FeedSheet", "OMR_GetLastError", "OMR_GetMarks 0 9 200 48"));
+    EXPECT_THAT(library.calls, ElementsAre("OMR_SetBarCodeArea 100 80", "OMR_GetNumberOfColumnsToRead", "OMR_FeedSheet",
+                                           "OMR_GetLastError", "OMR_GetMarks 0 9 200 48"));
     EXPECT_THAT(reports(), IsEmpty());
 }
 
@@ -283,9 +283,9 @@ TEST_F(SekonicUsbBarcodes, AreNotReadWhereTheSymbologiesAreRefused)
 {
     library.results["OMR_SetBarCodeReadType"] = {0};
     EXPECT_EQ(ReadPageSR(reader, 9), True);
-    EXPECT_THAT(library.calls, ElementsAre("OMR_SetBarCodeArea 100 80", "OMR_SetBarCodeReadType 23",
-                                           "OMR_GetNumberOfColumnsToRead", "OMR_FeedSheet", "OMR_GetLastError",
-                                           "OMR_GetMarks 0 9 200 48"));
+    EXPECT_THAT(library.calls,
+                ElementsAre("OMR_SetBarCodeArea 100 80", "OMR_SetBarCodeReadType 23", "OMR_GetNumberOfColumnsToRead",
+                            "OMR_FeedSheet", "OMR_GetLastError", "OMR_GetMarks 0 9 200 48"));
 }
 
 TEST_F(SekonicUsbBarcodes, AreNotReadUnlessTheyAreWantedAndThereAreZones)

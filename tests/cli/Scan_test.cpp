@@ -1,0 +1,349 @@
+#include "cli/JsonLines.h"
+#include "platform/posix/Pty.h"
+#include "tests/cli/CommandRun.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <csignal>
+#include <regex>
+
+namespace kel::test
+{
+namespace
+{
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+using Words = std::vector<std::string>;
+
+/// A scan of a simulated VMR138 that loses no time, with more words behind.
+Words simulatedScan(const Words& more)
+{
+    Words words = {"scan",      "--model",   "24",    "--simulate",   "--rate", "unlimited",
+                   "--setting", "feed-ms=0", "--set", "SleepTime=10", "--set",  "RecognitionThreshold=198"};
+    words.insert(words.end(), more.begin(), more.end());
+    return words;
+}
+
+std::string sheetLine(Int32 number, const std::vector<std::pair<Int32, Int32>>& marks, bool rejected = false)
+{
+    ScannedSheet sheet;
+    sheet.sheet = number;
+    sheet.side1 = MarkArray(500, 14);
+    for (const auto& [row, column] : marks)
+        sheet.side1(row, column) = 199;
+    sheet.side1TimingMarks = 2;
+    sheet.barcodes = TextArray(0, 0);
+    sheet.rejected = rejected;
+    return jsonLine(sheet);
+}
+
+constexpr const char* kTwoSheets = R"([{"side1":[[1,0,0],[0,1,0]]},{"side1":[[0],[0]]}])";
+
+/// Numbers of lines and of pseudo-terminals are not the same in each run.
+std::string withoutNumbers(std::string text)
+{
+    text = std::regex_replace(text, std::regex("/dev/pts/[0-9]+"), "/dev/pts/N");
+    text = std::regex_replace(text, std::regex("\"line\":[0-9]+"), "\"line\":N");
+    return std::regex_replace(text, std::regex("line [0-9]+"), "line N");
+}
+
+TEST(ScanCommand, JsonTellsSheetsAndEnd)
+{
+    const TextFile sheets(kTwoSheets);
+    const CommandOutcome outcome =
+        runCommand(simulatedScan({"--sheets", sheets.path(), "--max-sheets", "2", "--reject-blank"}));
+    EXPECT_THAT(outcome.lines(),
+                ElementsAre(sheetLine(1, {{1, 1}, {2, 2}}), sheetLine(2, {}, true),
+                            R"({"event":"end","started":true,"sheets":2,"cancelScan":true,"result":true})"));
+    EXPECT_EQ(outcome.errors, "");
+    EXPECT_EQ(outcome.status, 0);
+}
+
+TEST(ScanCommand, TableShowsTheMarks)
+{
+    const TextFile sheets(kTwoSheets);
+    const CommandOutcome outcome = runCommand(
+        simulatedScan({"--sheets", sheets.path(), "--max-sheets", "2", "--reject-sheets", "2", "--format", "table"}));
+    EXPECT_EQ(outcome.output, "Sheet 1\n"
+                              "  Side 1, 2 timing marks\n"
+                              "  1  #.... ..... ....\n"
+                              "  2  .#... ..... ....\n"
+                              "     rows 3 to 500 are blank\n"
+                              "\n"
+                              "Sheet 2   REJECTED\n"
+                              "  Side 1, 2 timing marks\n"
+                              "  1  ..... ..... ....\n"
+                              "  2  ..... ..... ....\n"
+                              "     rows 3 to 500 are blank\n"
+                              "\n"
+                              "2 sheets read.\n");
+    EXPECT_EQ(outcome.errors, "");
+    EXPECT_EQ(outcome.status, 0);
+}
+
+TEST(ScanCommand, CsvGoesIntoAFile)
+{
+    const TextFile sheets(kTwoSheets);
+    const TextFile out("what was there before");
+    const CommandOutcome outcome = runCommand(
+        simulatedScan({"--sheets", sheets.path(), "--max-sheets", "2", "--format", "csv", "--out", out.path()}));
+    EXPECT_EQ(out.text(), "sheet,rejected,printed,side1TimingMarks,side2TimingMarks,barcodes,side1,side2,record\n"
+                          "1,false,false,2,-1,,1:1=199 2:2=199,,\n"
+                          "2,false,false,2,-1,,,,\n");
+    EXPECT_EQ(outcome.output, "");
+    EXPECT_EQ(outcome.errors, "");
+    EXPECT_EQ(outcome.status, 0);
+}
+
+TEST(ScanCommand, FormAndPropertiesReachTheReader)
+{
+    const TextFile form(R"({"side1Rows":[2],"side1Cols":[3]})");
+    const CommandOutcome outcome =
+        runCommand(simulatedScan({"--seed", "7", "--count", "1", "--max-sheets", "1", "--form", form.path(), "--set",
+                                  "RecognitionThreshold=199"}));
+    ASSERT_EQ(outcome.lines().size(), 2U) << outcome.errors;
+    const Json sheet = Json::parse(outcome.lines().front());
+    EXPECT_EQ(sheet["side1TimingMarks"], 2);
+    for (const Json& row : sheet["side1"]) {
+        for (const Json& mark : row)
+            EXPECT_TRUE(mark == 0 || mark == 200) << mark;
+    }
+    EXPECT_EQ(outcome.status, 0);
+}
+
+TEST(ScanCommand, ReaderThatHangsUpInTheMiddleOfAPageIsReported)
+{
+    const TextFile sheets(kTwoSheets);
+    const CommandOutcome outcome =
+        runCommand(simulatedScan({"--sheets", sheets.path(), "--fault", "unplug@sheet=2,byte=3"}));
+    const std::string hungUp =
+        "Error reading comm device: Port 1 (/dev/pts/N) has hung up: the reader was disconnected "
+        "or switched off. Connect it and start anew.";
+    const std::string tooManyRows =
+        "The reader sent more rows than had been counted when the sheet began to arrive. The "
+        "sheet was sent out and has to be read again. Raise the following setting, shown "
+        "with its present value, and start again:";
+    EXPECT_EQ(
+        withoutNumbers(outcome.output),
+        sheetLine(1, {{1, 1}, {2, 2}}) + "\n" + R"({"event":"failure","line":N,"number":0,"type":2,"description":")" +
+            tooManyRows +
+            R"(\r\n\r\n\tSystem pause (ms): 10","source":"basPeripheralDynamics.ReadPagePD","title":"Sheet Not Read"})"
+            "\n"
+            R"({"event":"failure","line":N,"number":8020,"type":0,"description":")" +
+            hungUp +
+            R"(","source":"basPeripheralDynamics.EjectPagePD, line N","title":""})"
+            "\n"
+            R"({"event":"failure","line":N,"number":8020,"type":0,"description":")" +
+            hungUp +
+            R"(","source":"basPeripheralDynamics.CloseReaderPD, line N","title":""})"
+            "\n"
+            R"({"event":"end","started":true,"sheets":1,"cancelScan":true,"result":true})"
+            "\n");
+    EXPECT_EQ(withoutNumbers(outcome.errors), "kelreader: Sheet Not Read: " + tooManyRows +
+                                                  " System pause (ms): 10 (basPeripheralDynamics.ReadPagePD)\n"
+                                                  "kelreader: " +
+                                                  hungUp +
+                                                  " (8020, basPeripheralDynamics.EjectPagePD, line N)\n"
+                                                  "kelreader: " +
+                                                  hungUp + " (8020, basPeripheralDynamics.CloseReaderPD, line N)\n");
+    EXPECT_EQ(outcome.status, 1);
+}
+
+TEST(ScanCommand, FullDiskEndsTheScanWithASentence)
+{
+    const CommandOutcome outcome = runCommand(simulatedScan({"--count", "3", "--out", "/dev/full"}));
+    EXPECT_EQ(outcome.output, "");
+    EXPECT_EQ(outcome.errors,
+              "kelreader: /dev/full cannot be written: no space is left. Free some, or name another file "
+              "with --out.\n");
+    EXPECT_EQ(outcome.status, 1);
+}
+
+TEST(ScanCommand, FileThatCannotBeMadeEndsItBeforeItBegins)
+{
+    const CommandOutcome outcome = runCommand(simulatedScan({"--out", "/nonexistent/out.json"}));
+    EXPECT_EQ(outcome.errors, "kelreader: /nonexistent/out.json cannot be written: No such file or directory.\n");
+    EXPECT_EQ(outcome.status, 1);
+}
+
+TEST(ScanCommand, PortThatIsAbsentIsReportedWithWhatToTry)
+{
+    const CommandOutcome outcome = runCommand({"scan", "--model", "24", "--device", "/dev/no-such-reader"});
+    ASSERT_EQ(outcome.lines().size(), 3U);
+    EXPECT_THAT(outcome.lines().front(), StartsWith(R"({"event":"failure",)"));
+    EXPECT_THAT(
+        outcome.lines().front(),
+        HasSubstr(R"("number":8002,"type":0,"description":"Invalid port number: Port 1 (/dev/no-such-reader) is )"
+                  "not there: No such file or directory. Connect the reader and switch it on"));
+    EXPECT_EQ(outcome.lines().back(),
+              R"({"event":"end","started":false,"sheets":0,"cancelScan":false,"result":false})");
+    EXPECT_THAT(outcome.errors,
+                StartsWith("kelreader: Invalid port number: Port 1 (/dev/no-such-reader) is not there"));
+    EXPECT_EQ(outcome.status, 1);
+}
+
+TEST(ScanCommand, PortWithoutADeviceAndPortThatIsNoneAreReported)
+{
+    const CommandOutcome unmapped = runCommand({"scan", "--model", "24", "--port", "16"});
+    EXPECT_THAT(unmapped.errors, StartsWith("kelreader: Invalid port number: Port 16 has no device. Map it to one: "
+                                            "kelreader ports set 16 DEVICE"));
+    EXPECT_EQ(unmapped.status, 1);
+    const CommandOutcome outside = runCommand({"scan", "--model", "24", "--port", "0"});
+    EXPECT_THAT(outside.errors,
+                StartsWith("kelreader: Port Not Allowed: Port 0 is not allowed. Choose a port from 1 to "
+                           "16 in the reader settings, then start again. (8002, basRead.ReaderInit)"));
+    EXPECT_EQ(outside.status, 1);
+}
+
+TEST(ScanCommand, FileThatIsNoSerialDeviceIsReported)
+{
+    const CommandOutcome outcome = runCommand({"scan", "--model", "24", "--device", "/dev/null"});
+    EXPECT_THAT(outcome.errors, HasSubstr("Port 1 (/dev/null) is not a serial device"));
+    EXPECT_EQ(outcome.status, 1);
+}
+
+TEST(ScanCommand, DeviceThatIsInUseIsReportedWithItsUser)
+{
+    Pty line;
+    RunningCommand first({"scan", "--model", "24", "--device", line.name()});
+    // The first one speaks as soon as it has the line.
+    for (int i = 0; i < 600 && line.read().empty(); ++i)
+        ::usleep(10'000);
+    const CommandOutcome second = runCommand({"scan", "--model", "24", "--device", line.name()});
+    EXPECT_THAT(second.errors, HasSubstr("is in use by process "));
+    EXPECT_THAT(second.errors, HasSubstr(" (kelreader). Close that program."));
+    EXPECT_EQ(second.status, 1);
+    first.signal(SIGINT);
+    EXPECT_EQ(first.finish().status, 130);
+}
+
+TEST(ScanCommand, CtrlCStopsTheBatchAndTellsItsEnd)
+{
+    RunningCommand scan(simulatedScan({"--count", "1"}));
+    EXPECT_THAT(scan.readLine(), StartsWith(R"({"event":"sheet","sheet":1,)"));
+    scan.signal(SIGINT);
+    const CommandOutcome outcome = scan.finish();
+    EXPECT_EQ(outcome.output, R"({"event":"end","started":true,"sheets":1,"cancelScan":true,"result":true})"
+                              "\n");
+    EXPECT_EQ(outcome.errors, "");
+    EXPECT_EQ(outcome.status, 130);
+}
+
+TEST(ScanCommand, SecondCtrlCEndsItAtOnce)
+{
+    // While it pauses for most of a minute the first one is not heard.
+    Pty line;
+    RunningCommand scan({"scan", "--model", "24", "--device", line.name(), "--set", "SleepTime=10000"});
+    for (int i = 0; i < 600 && line.read().empty(); ++i)
+        ::usleep(10'000);
+    ::usleep(600'000); // the pause behind the first command
+    scan.signal(SIGINT);
+    ::usleep(100'000);
+    scan.signal(SIGINT);
+    const CommandOutcome outcome = scan.finish();
+    EXPECT_EQ(outcome.output, "");
+    EXPECT_EQ(outcome.status, 130);
+}
+
+struct WrongUse {
+    const char* name;
+    Words words;
+    const char* sentence;
+};
+
+class ScanUsage : public testing::TestWithParam<WrongUse>
+{
+};
+
+TEST_P(ScanUsage, IsRefusedWithOneSentence)
+{
+    Words words = {"scan"};
+    words.insert(words.end(), GetParam().words.begin(), GetParam().words.end());
+    const CommandOutcome outcome = runCommand(words);
+    EXPECT_EQ(outcome.errors, std::string("kelreader: ") + GetParam().sentence + "\n");
+    EXPECT_EQ(outcome.output, "");
+    EXPECT_EQ(outcome.status, 2);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Words, ScanUsage,
+    testing::Values(
+        WrongUse{"NoModel", {"--simulate"}, "--model is required; 'kelreader scan --help' tells what there is."},
+        WrongUse{
+            "UnknownModel",
+            {"--model", "VMR183", "--simulate"},
+            "There is no model 'VMR183'; the nearest are Peripheral Dynamics Inc. VMR138 (24), Sekonic SR-410 (19) "
+            "and Sekonic SR-430 (38) ('kelreader models' lists all)."},
+        WrongUse{"AmbiguousModel",
+                 {"--model", "scantron 8", "--simulate"},
+                 "'scantron 8' fits several models: Scantron 8000 (16) and Scantron 8400 (17)."},
+        WrongUse{"NoLine",
+                 {"--model", "24"},
+                 "Where is the reader? Say --port N, --device PATH or --simulate ('kelreader ports' lists the devices "
+                 "that are there)."},
+        WrongUse{"TwoLines",
+                 {"--model", "24", "--port", "1", "--device", "/dev/null"},
+                 "--device excludes --port; 'kelreader scan --help' tells what there is."},
+        WrongUse{"PortThatIsNoNumber",
+                 {"--model", "24", "--port", "one"},
+                 "Could not convert: --port = one; 'kelreader scan --help' tells what there is."},
+        WrongUse{"UnknownProperty",
+                 {"--model", "24", "--simulate", "--set", "SleepTme=1"},
+                 "The reader has no property 'SleepTme' that can be set; the nearest are SleepTime, Timeout and "
+                 "Feeder."},
+        WrongUse{"UnknownValue",
+                 {"--model", "24", "--simulate", "--set", "Duplex=perhaps"},
+                 "'perhaps' does not fit Duplex, which takes true or false."},
+        WrongUse{"NoFormFile",
+                 {"--model", "24", "--simulate", "--form", "/nonexistent"},
+                 "The form file /nonexistent cannot be read: No such file or directory."},
+        WrongUse{"UnknownFault",
+                 {"--model", "24", "--simulate", "--fault", "burn"},
+                 "fault \"burn\": unknown word \"burn\". A fault is WORD[=VALUE]@PLACE; the words are drop, garble, "
+                 "split, drip, late, silent, jam, empty, unplug; a place is byte=N, sheet=N or sheet=N,byte=N."},
+        WrongUse{"UnknownSetting",
+                 {"--model", "24", "--simulate", "--setting", "x=1"},
+                 "unknown setting x; this model knows feed-ms, high-bits, line, noise, status1, status2, threshold."},
+        WrongUse{"SheetsWithoutSimulation",
+                 {"--model", "24", "--port", "1", "--seed", "1"},
+                 "The options of a simulated reader go with --simulate."},
+        WrongUse{"UnknownFormat",
+                 {"--model", "24", "--simulate", "--format", "xml"},
+                 "--format: xml not in {json,csv,table}; 'kelreader scan --help' tells what there is."},
+        WrongUse{"UnknownOption",
+                 {"--model", "24", "--simulate", "--sheets-max", "1"},
+                 "The following arguments were not expected: 1 --sheets-max; 'kelreader scan --help' tells what there "
+                 "is."}),
+    [](const auto& use) { return std::string(use.param.name); });
+
+class BrokenForm : public testing::TestWithParam<std::pair<const char*, const char*>>
+{
+};
+
+TEST_P(BrokenForm, IsRefusedWithOneSentenceThatNamesThePlace)
+{
+    const TextFile form(GetParam().first);
+    const CommandOutcome outcome = runCommand({"scan", "--model", "24", "--simulate", "--form", form.path()});
+    EXPECT_EQ(outcome.errors, "kelreader: " + form.path() + GetParam().second + "\n");
+    EXPECT_EQ(outcome.output, "");
+    EXPECT_EQ(outcome.status, 2);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Texts, BrokenForm,
+    testing::Values(
+        std::pair{"{\"side1Rows\":\n[63",
+                  " is not JSON: line 2, column 4: syntax error while parsing array - unexpected "
+                  "end of input; expected ']'."},
+        std::pair{R"({"side1Rows":[-63]})", ": side1Rows[0] has to be a whole number from 0 to 32767 and is -63."},
+        std::pair{R"({"windows":[{"NumRows":1},{"NumCols":-2}]})",
+                  ": windows[1].NumCols has to be a whole number from 0 to 32767 and is -2."},
+        std::pair{R"({"rows":[63]})", ": the file has a key \"rows\" that is not known; the nearest are windows, "
+                                      "barcodes and side1Cols."}));
+
+} // namespace
+} // namespace kel::test
