@@ -7,11 +7,9 @@
 #include <algorithm>
 #include <optional>
 
-namespace kel
-{
+namespace kel {
 
-namespace
-{
+namespace {
 
 constexpr std::size_t kMostFormIds = 2;
 constexpr Int16 kMostPages = 2;

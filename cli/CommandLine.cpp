@@ -9,11 +9,9 @@
 #include <csignal>
 #include <iostream>
 
-namespace kel
-{
+namespace kel {
 
-namespace
-{
+namespace {
 
 int complain(const std::string& sentence, int status)
 {
@@ -42,8 +40,7 @@ void demandKnownCommand(const CLI::App& app, const std::string& name)
         known.push_back(command->get_name());
     const bool isCommand = !name.empty() && !name.starts_with('-');
     if (isCommand && std::find(known.begin(), known.end(), name) == known.end())
-        throw UsageError("There is no command '" + name + "'; the nearest are " +
-                         listed(nearestNames(name, known), "and") + ".");
+        throw UsageError("There is no command '" + name + "'; " + nearestListed(nearestNames(name, known)) + ".");
 }
 
 } // namespace

@@ -1,7 +1,6 @@
 #pragma once
 
-namespace kel
-{
+namespace kel {
 
 /// The command: parses its arguments, does what they say, and gives the exit status. 0: nothing failed; 1: a failure
 /// was reported, the reader did not start, or the command could not do its work; 2: wrong usage; 130: interrupted.

@@ -5,8 +5,7 @@
     command(addModelsCommand) command(addModelCommand) command(addPortsCommand) command(addScanCommand)                \
         command(addSimulateCommand)
 
-namespace kel
-{
+namespace kel {
 
 class Commands;
 

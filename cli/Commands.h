@@ -5,8 +5,7 @@
 #include <functional>
 #include <string>
 
-namespace kel
-{
+namespace kel {
 
 inline constexpr int kDoneStatus = 0;
 inline constexpr int kFailedStatus = 1;
@@ -14,8 +13,7 @@ inline constexpr int kUsageStatus = 2;
 
 /// The commands of the program, while the arguments are read: each adds itself with what it takes, and the one that
 /// was called is run afterwards.
-class Commands
-{
+class Commands {
 public:
     /// Does the work once all arguments are read, and gives the exit status.
     using Run = std::function<int()>;

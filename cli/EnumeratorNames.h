@@ -9,8 +9,7 @@
 #include <string_view>
 #include <vector>
 
-namespace kel
-{
+namespace kel {
 
 struct Enumerator {
     std::string_view name;

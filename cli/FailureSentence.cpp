@@ -2,8 +2,7 @@
 
 #include "types/Text.h"
 
-namespace kel
-{
+namespace kel {
 
 std::string failureSentence(const ReportedFailure& failure)
 {

@@ -4,8 +4,7 @@
 
 #include <string>
 
-namespace kel
-{
+namespace kel {
 
 /// A failure as one line for a person: "Initialize Error: the reader does not answer (8020, basScantron.InitReaderST)".
 [[nodiscard]] std::string failureSentence(const ReportedFailure& failure);

@@ -4,11 +4,9 @@
 
 #include <limits>
 
-namespace kel
-{
+namespace kel {
 
-namespace
-{
+namespace {
 
 using Limits = std::numeric_limits<Int16>;
 using LongLimits = std::numeric_limits<Int32>;

@@ -9,8 +9,7 @@
 #include <string_view>
 #include <vector>
 
-namespace kel
-{
+namespace kel {
 
 /// A form as a file describes it: the sizes page by page, the read windows and the barcode zones. Every key of the
 /// file may be left out; sizes that are not given stay unset.

@@ -4,11 +4,9 @@
 #include <iterator>
 #include <unistd.h>
 
-namespace kel
-{
+namespace kel {
 
-namespace
-{
+namespace {
 
 constexpr int kSignals[] = {SIGINT, SIGTERM};
 
@@ -33,8 +31,7 @@ InterruptNote::InterruptNote(Action action, void* context)
     interrupts = 0;
     interruptAction = action;
     interruptContext = context;
-    struct sigaction noting {
-    };
+    struct sigaction noting {};
     noting.sa_handler = noteInterrupt;
     sigemptyset(&noting.sa_mask);
     for (std::size_t i = 0; i < std::size(kSignals); ++i)

@@ -1,15 +1,13 @@
 #pragma once
 
-namespace kel
-{
+namespace kel {
 
 /// Exit status of a command that the person at the keyboard has stopped.
 inline constexpr int kInterruptedStatus = 130;
 
 /// While one exists, Ctrl-C (or a request to terminate) only leaves a note the first time; the second one ends the
 /// process at once. One at a time.
-class InterruptNote
-{
+class InterruptNote {
 public:
     /// What to do besides, in the signal handler: nothing but what such a handler may.
     using Action = void (*)(void* context);

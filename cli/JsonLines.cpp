@@ -2,11 +2,9 @@
 
 #include "cli/FailureSentence.h"
 
-namespace kel
-{
+namespace kel {
 
-namespace
-{
+namespace {
 
 Json jsonMarks(const MarkArray& marks)
 {

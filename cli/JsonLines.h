@@ -5,8 +5,7 @@
 #include <functional>
 #include <string>
 
-namespace kel
-{
+namespace kel {
 
 /// The events of a scan as JSON, one line each and without the line end. Marks stand row by row from row 1; an array
 /// that was never dimensioned is `[]`.
@@ -15,8 +14,7 @@ namespace kel
 [[nodiscard]] std::string jsonLine(const BatchEnd& event);
 
 /// Writes each event as its line of JSON, line end included. A failure is told to a person as well.
-class JsonLines final : public ScanSink
-{
+class JsonLines final : public ScanSink {
 public:
     using Write = std::function<void(const std::string& line)>;
 

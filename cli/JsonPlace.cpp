@@ -10,11 +10,9 @@
 #include <sstream>
 #include <vector>
 
-namespace kel
-{
+namespace kel {
 
-namespace
-{
+namespace {
 
 const char* typeName(const Json& value)
 {
@@ -90,8 +88,8 @@ void readJsonObject(const Json& value, const JsonPlace& place, const std::map<st
             known.reserve(readers.size());
             for (const auto& entry : readers)
                 known.push_back(entry.first);
-            place.refuse("has a key \"" + validUtf8(name) + "\" that is not known; the nearest are " +
-                         listed(nearestNames(name, known), "and"));
+            place.refuse("has a key \"" + validUtf8(name) + "\" that is not known; " +
+                         nearestListed(nearestNames(name, known)));
         }
         reader->second(member, place.key(name));
     }

@@ -1,10 +1,8 @@
 #include "cli/JsonValue.h"
 
-namespace kel
-{
+namespace kel {
 
-namespace
-{
+namespace {
 
 bool isContinuation(unsigned char byte)
 {

@@ -10,8 +10,7 @@
 #include <string_view>
 #include <type_traits>
 
-namespace kel
-{
+namespace kel {
 
 /// JSON that keeps the order in which its members were set.
 using Json = nlohmann::ordered_json;

@@ -11,11 +11,9 @@
 #include <functional>
 #include <optional>
 
-namespace kel
-{
+namespace kel {
 
-namespace
-{
+namespace {
 
 /// Letters and digits alone, in lower case: "ACF-100", "acf 100" and "ACF100" are one.
 std::string plain(std::string_view text)
@@ -92,7 +90,7 @@ std::string nameWithNumber(const ModelNames& model)
                                         [&](const ModelNames& candidate) { return candidate.displayName == name; });
         nearest.push_back(nameWithNumber(*model));
     }
-    throw UsageError("There is no model '" + std::string(text) + "'; the nearest are " + listed(nearest, "and") +
+    throw UsageError("There is no model '" + std::string(text) + "'; " + nearestListed(nearest) +
                      " ('kelreader models' lists all).");
 }
 

@@ -5,8 +5,7 @@
 #include <string>
 #include <string_view>
 
-namespace kel
-{
+namespace kel {
 
 /// The model that a person means: its number, its display name or its enumerator's name, in any case of letters and
 /// with or without the signs between the words. A beginning or a part of a name will do where only one model has it.

@@ -6,11 +6,9 @@
 
 #include <algorithm>
 
-namespace kel
-{
+namespace kel {
 
-namespace
-{
+namespace {
 
 std::string padded(std::string text, std::size_t width)
 {

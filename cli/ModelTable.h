@@ -6,8 +6,7 @@
 #include <string>
 #include <vector>
 
-namespace kel
-{
+namespace kel {
 
 /// The records of models, for the commands that show them.
 using ProfileList = std::vector<Reference<clsKELReaderProfile>>;

@@ -5,11 +5,12 @@
 #include <algorithm>
 #include <numeric>
 
-namespace kel
-{
+namespace kel {
 
-namespace
-{
+namespace {
+
+// How many letters a name may be farther away than the nearest one to be worth telling.
+constexpr std::size_t kClearlyFarther = 2;
 
 /// The smallest distance from `wanted` to the name, or to any run of its words: a person who types "Scanmrk 2500"
 /// leaves the maker away.
@@ -64,11 +65,16 @@ std::vector<std::string> nearestNames(std::string_view wanted, const std::vector
 
     std::vector<std::string> nearest;
     for (const Candidate& candidate : candidates) {
-        if (nearest.size() == count)
+        if (nearest.size() == count || candidate.distance > candidates.front().distance + kClearlyFarther)
             break;
         nearest.push_back(*candidate.name);
     }
     return nearest;
+}
+
+std::string nearestListed(const std::vector<std::string>& nearest)
+{
+    return (nearest.size() == 1 ? "the nearest is " : "the nearest are ") + listed(nearest, "and");
 }
 
 std::string listed(const std::vector<std::string>& names, std::string_view lastLink)

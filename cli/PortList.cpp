@@ -7,11 +7,9 @@
 
 #include <algorithm>
 
-namespace kel
-{
+namespace kel {
 
-namespace
-{
+namespace {
 
 /// Opens the device of a port, and notes why that fails.
 void tryToOpen(Int16 port, PortState& state)

@@ -6,8 +6,7 @@
 #include <string>
 #include <vector>
 
-namespace kel
-{
+namespace kel {
 
 /// A port number, a serial device, or both, and whether it can be opened.
 struct PortState {

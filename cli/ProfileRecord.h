@@ -3,8 +3,7 @@
 #include "cli/JsonValue.h"
 #include "profiles/clsKELReaderProfile.h"
 
-namespace kel
-{
+namespace kel {
 
 /// A model's record as JSON, the properties by their names in the order of the interface.
 [[nodiscard]] inline Json jsonRecord(const clsKELReaderProfile& profile)

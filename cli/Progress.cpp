@@ -5,8 +5,7 @@
 #include <iostream>
 #include <unistd.h>
 
-namespace kel
-{
+namespace kel {
 
 std::string progressText(Int32 sheets, std::chrono::duration<double> time)
 {

@@ -5,13 +5,11 @@
 #include <chrono>
 #include <string>
 
-namespace kel
-{
+namespace kel {
 
 /// The line at the bottom of a terminal that tells how a scan goes: "12 sheets, 43 a minute". It goes to standard
 /// error, and only where that is a terminal.
-class Progress
-{
+class Progress {
 public:
     Progress();
     ~Progress();

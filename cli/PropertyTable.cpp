@@ -9,11 +9,9 @@
 #include <limits>
 #include <optional>
 
-namespace kel
-{
+namespace kel {
 
-namespace
-{
+namespace {
 
 /// What a text has to be; thrown as the second half of the sentence that refuses it.
 struct DoesNotFit {
@@ -187,8 +185,8 @@ const PropertyRow& propertyNamed(std::string_view name)
     std::vector<std::string> names;
     for (const PropertyRow& row : kProperties)
         names.emplace_back(row.name);
-    throw UsageError("The reader has no property '" + std::string(name) + "' that can be set; the nearest are " +
-                     listed(nearestNames(name, names), "and") + ".");
+    throw UsageError("The reader has no property '" + std::string(name) + "' that can be set; " +
+                     nearestListed(nearestNames(name, names)) + ".");
 }
 
 void applyAssignment(clsKELReader& reader, std::string_view assignment)

@@ -7,8 +7,7 @@
 #include <string>
 #include <string_view>
 
-namespace kel
-{
+namespace kel {
 
 /// A setting of the reader object that has a name and can be written as a text: its own properties, and those of the
 /// printer as "Printer.Enabled".

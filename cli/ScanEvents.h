@@ -7,8 +7,7 @@
 #include <optional>
 #include <string>
 
-namespace kel
-{
+namespace kel {
 
 /// A sheet that was read and decided on.
 struct ScannedSheet {
@@ -42,8 +41,7 @@ struct BatchEnd {
 };
 
 /// Where the events of a scan go, in the order in which they happen.
-class ScanSink
-{
+class ScanSink {
 public:
     virtual ~ScanSink() = default;
     virtual void sheet(const ScannedSheet& event) = 0;

@@ -8,11 +8,9 @@
 #include <algorithm>
 #include <ctime>
 
-namespace kel
-{
+namespace kel {
 
-namespace
-{
+namespace {
 
 std::string today()
 {
@@ -54,8 +52,7 @@ Json jsonRecord(const Dictionary& fields)
 }
 
 /// The host of one scan: it hears the reader's events and its reports, and makes the scan's events of them.
-class ScanHost final : public ReaderEvents
-{
+class ScanHost final : public ReaderEvents {
 public:
     ScanHost(clsKELReader& reader, const ScanRequest& request, ScanSink& sink, const std::function<bool()>& stopWanted)
         : reader_(reader), request_(request), sink_(sink), stopWanted_(stopWanted)
@@ -137,8 +134,7 @@ private:
 };
 
 /// The host's error object: every report becomes an event.
-class ReportsToSink final : public ErrorObject
-{
+class ReportsToSink final : public ErrorObject {
 public:
     explicit ReportsToSink(ScanSink& sink) : sink_(sink) {}
 
@@ -158,8 +154,7 @@ private:
 };
 
 /// What a scan ties to the reader and to the process, for as long as it runs.
-class ScanTies
-{
+class ScanTies {
 public:
     ScanTies(clsKELReader& reader, std::shared_ptr<ErrorObject> errors, const std::shared_ptr<ScanHost>& host)
         : reader_(reader), cookie_(reader.Advise(host))

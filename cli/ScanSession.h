@@ -10,8 +10,7 @@
 #include <string>
 #include <vector>
 
-namespace kel
-{
+namespace kel {
 
 /// What is printed on each sheet. `{date}`, `{sheet}` and `{barcode}` in the texts stand for today's date as
 /// 2024-01-31, the sheet's number and its first barcode.

@@ -5,11 +5,9 @@
 #include <memory>
 #include <system_error>
 
-namespace kel
-{
+namespace kel {
 
-namespace
-{
+namespace {
 
 struct FreePortList {
     void operator()(sp_port** list) const { sp_free_port_list(list); }

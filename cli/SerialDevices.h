@@ -5,8 +5,7 @@
 #include <string>
 #include <vector>
 
-namespace kel
-{
+namespace kel {
 
 /// A serial device of this machine.
 struct SerialDevice {

@@ -3,11 +3,9 @@
 #include "cli/FailureSentence.h"
 #include "types/Text.h"
 
-namespace kel
-{
+namespace kel {
 
-namespace
-{
+namespace {
 
 std::string marksOnly(const MarkArray& marks)
 {

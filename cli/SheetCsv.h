@@ -6,8 +6,7 @@
 #include <string>
 #include <vector>
 
-namespace kel
-{
+namespace kel {
 
 /// Fields as one line of CSV, line end included: a field with a comma, a quote or a line end is quoted.
 [[nodiscard]] std::string csvLine(const std::vector<std::string>& fields);
@@ -15,8 +14,7 @@ namespace kel
 /// The scan as a table for a spreadsheet: a heading, then one row a sheet. `side1` and `side2` hold the marks alone,
 /// as row:column=value with blanks between; several barcodes stand with blanks between. Failures are no rows: they go
 /// to `tell`, as the end does not.
-class SheetCsv final : public ScanSink
-{
+class SheetCsv final : public ScanSink {
 public:
     using Write = std::function<void(const std::string& text)>;
 

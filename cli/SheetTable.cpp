@@ -6,11 +6,9 @@
 #include <algorithm>
 #include <vector>
 
-namespace kel
-{
+namespace kel {
 
-namespace
-{
+namespace {
 
 constexpr std::size_t kGapBetweenSides = 4;
 

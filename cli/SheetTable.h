@@ -5,16 +5,14 @@
 #include <functional>
 #include <string>
 
-namespace kel
-{
+namespace kel {
 
 /// A sheet as a person reads it: a heading, and the sides as grids of one sign a cell, side by side if `width` columns
 /// hold them. A mark is its value: 1 to 9, A to Z for 10 to 35, # above; a blank is a dot.
 [[nodiscard]] std::string sheetTable(const ScannedSheet& sheet, std::size_t width);
 
 /// Shows the sheets to a person. What goes wrong is no part of the table: it goes to `tell`, as one sentence.
-class TableText final : public ScanSink
-{
+class TableText final : public ScanSink {
 public:
     using Write = std::function<void(const std::string& text)>;
 

@@ -6,11 +6,9 @@
 
 #include <algorithm>
 
-namespace kel
-{
+namespace kel {
 
-namespace
-{
+namespace {
 
 // So many sheets of random marks are more than anybody feeds.
 constexpr std::uint64_t kMostSheets = 1'000'000;

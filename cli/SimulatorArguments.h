@@ -6,12 +6,10 @@
 
 #include <memory>
 
-namespace kel
-{
+namespace kel {
 
 /// What a person can say about a simulated reader, shared by the commands that make one.
-class SimulatorArguments
-{
+class SimulatorArguments {
 public:
     /// Adds the options to a command.
     void addTo(CLI::App& command);

@@ -7,8 +7,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-namespace kel
-{
+namespace kel {
 
 TextOutput::TextOutput(const std::string& file)
     : descriptor_(::open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666)), ownFile_(true), name_(file)

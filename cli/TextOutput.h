@@ -3,13 +3,11 @@
 #include <string>
 #include <string_view>
 
-namespace kel
-{
+namespace kel {
 
 /// Where lines of output go: standard output, or a file. A line is one system call and so there at once and as a
 /// whole. When a line cannot be written the output stops for good, and a file is cut back to the lines before it.
-class TextOutput
-{
+class TextOutput {
 public:
     /// Standard output.
     TextOutput() = default;

@@ -4,6 +4,7 @@
 #include "failure/basError.h"
 #include "failure/guarded.h"
 #include "reader/ReaderSession.h"
+#include "reader/SettingsStore.h"
 
 #include <mutex>
 #include <utility>
@@ -413,6 +414,16 @@ void clsKELReader::EjectPage()
 Boolean clsKELReader::LoadDefaults(kelReaderType eReaderType)
 {
     return session_->LoadDefaults(eReaderType);
+}
+
+Boolean clsKELReader::LoadSettings(kelReaderRegistryKey lRegistryKey, const std::string& sRegistrySubKey)
+{
+    return SettingsStore(lRegistryKey, sRegistrySubKey).LoadSettings(*session_);
+}
+
+Boolean clsKELReader::SaveSettings(kelReaderRegistryKey lRegistryKey, const std::string& sRegistrySubKey)
+{
+    return SettingsStore(lRegistryKey, sRegistrySubKey).SaveSettings(*session_);
 }
 
 Boolean clsKELReader::Locate(Int16 iStartPort)

@@ -181,6 +181,12 @@ public:
     /// the form stay as they are. False, after a report, for a model without a profile.
     Boolean LoadDefaults(kelReaderType eReaderType);
 
+    /// Takes the settings from values of a registry key, or saves them there: the 19 settings of the options dialog as
+    /// texts. A key or a value that is missing or cannot be read takes its default; a key that cannot be written is no
+    /// failure. Loading is False, after a report, when a text does not fit; what came before it is then set.
+    Boolean LoadSettings(kelReaderRegistryKey lRegistryKey, const std::string& sRegistrySubKey);
+    Boolean SaveSettings(kelReaderRegistryKey lRegistryKey, const std::string& sRegistrySubKey);
+
     /// Searches the serial ports for the reader: first `iStartPort` if it is above 0, then 1 to 16. The port that
     /// answers becomes `Port`. False for a model that cannot be searched for, whose lines are not touched. The reader
     /// must not be in a session.

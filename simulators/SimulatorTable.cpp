@@ -1,5 +1,7 @@
 #include "simulators/SimulatorTable.h"
 
+#include "simulators/chatsworth/Chatsworth.h"
+#include "simulators/ezdata/EZData.h"
 #include "simulators/peripheral_dynamics/VMR138.h"
 
 #include <algorithm>
@@ -29,6 +31,13 @@ std::unique_ptr<Simulator> make(SimulatorOptions options)
 const std::vector<SimulatorFamily>& families()
 {
     static const std::vector<SimulatorFamily> table = {
+        {{kelReaderTypeNCSEZData, kelReaderTypeChatsworthACF100},
+         {.side1Rows = 40, .side1Columns = 12},
+         make<EZData>},
+        {{kelReaderTypeChatsworthOMR1100, kelReaderTypeChatsworthOMR2000, kelReaderTypeChatsworthALSAccelScanOMR,
+          kelReaderTypeChatsworthACF200, kelReaderTypeChatsworthACP200},
+         {.side1Rows = 40, .side1Columns = 12},
+         make<Chatsworth>},
         {{kelReaderTypePDIVMR138}, {.side1Rows = 40, .side1Columns = 12}, make<VMR138>},
     };
     return table;

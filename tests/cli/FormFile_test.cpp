@@ -1,6 +1,7 @@
 #include "cli/FormFile.h"
 
 #include "cli/UsageError.h"
+#include "platform/simulated/SimulatedPlatform.h"
 
 #include <gmock/gmock.h>
 
@@ -40,6 +41,8 @@ TEST(FormFile, EmptyFormReadsPagesAndHasNoSizes)
 
 TEST(FormFile, WholeFormReachesTheReader)
 {
+    SimulatedPlatform machine;
+    const PlatformScope scope(machine);
     clsKELReader reader;
     applyForm(form(R"({"recognitionMode":"window","side1Rows":[63,20],"side1Cols":[48],"side2Rows":[],"side2Cols":[9],
         "windows":[{"StartRow":2,"NumRows":5,"RowGap":-1,"StartCol":3,"NumCols":4,"ColGap":1,"Page":1,"Orientation":1},
@@ -74,6 +77,8 @@ TEST(FormFile, WholeFormReachesTheReader)
 
 TEST(FormFile, SizesThatAreNotGivenStayUnset)
 {
+    SimulatedPlatform machine;
+    const PlatformScope scope(machine);
     clsKELReader reader;
     applyForm(form("{}"), reader);
     EXPECT_FALSE(reader.Side1Rows().isDimensioned());

@@ -1,6 +1,7 @@
 #include "cli/PropertyTable.h"
 
 #include "cli/UsageError.h"
+#include "platform/simulated/SimulatedPlatform.h"
 
 #include <gmock/gmock.h>
 
@@ -13,6 +14,8 @@ using testing::StartsWith;
 
 std::string refusal(const std::string& assignment)
 {
+    SimulatedPlatform machine;
+    const PlatformScope scope(machine);
     clsKELReader reader;
     try {
         applyAssignment(reader, assignment);
@@ -33,6 +36,8 @@ class PropertyTable : public testing::TestWithParam<Case>
 
 TEST_P(PropertyTable, SetsAndGives)
 {
+    SimulatedPlatform machine;
+    const PlatformScope scope(machine);
     clsKELReader reader;
     reader.LoadDefaults(kelReaderTypeScantronScanMark2500);
     reader.Printer()->Enabled(True);

@@ -45,7 +45,7 @@ TEST_F(GeneratedLanguageFile, NamesTheByteAtWhichEachSectionBegins)
     const ProfileSection head(name, "VBLM");
     for (int number = 1; number <= 4; ++number) {
         const std::string key = "Language" + CStr(number);
-        const std::string heading = "[" + head.value(key, "?", 64) + "]\r\n";
+        const std::string heading = '[' + head.value(key, "?", 64) + "]\r\n";
         const auto start = static_cast<std::size_t>(Val(head.value(key + "Start", "?", 64)));
         ASSERT_LE(start, content.size());
         EXPECT_EQ(content.substr(start - 1, heading.size()), heading);
