@@ -7,11 +7,9 @@
 #include <mutex>
 #include <utility>
 
-namespace kel
-{
+namespace kel {
 
-namespace
-{
+namespace {
 
 /// The component's name with which every source begins, and which a report leaves out.
 constexpr std::string_view kSourcePrefix = "KELReader81 - ";

@@ -2,8 +2,7 @@
 
 #include "failure/basError.h"
 
-namespace kel
-{
+namespace kel {
 
 void reportRuntimeFailure(const char* source, const RuntimeFailure& failure)
 {

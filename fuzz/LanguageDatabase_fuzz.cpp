@@ -9,8 +9,7 @@
 #include <filesystem>
 #include <unistd.h>
 
-namespace
-{
+namespace {
 
 using namespace kel;
 

@@ -2,7 +2,9 @@
 
 #include "simulators/chatsworth/Chatsworth.h"
 #include "simulators/ezdata/EZData.h"
+#include "simulators/ncs/OpScan.h"
 #include "simulators/peripheral_dynamics/VMR138.h"
+#include "simulators/scantron/Scanmark.h"
 
 #include <algorithm>
 #include <array>
@@ -38,6 +40,20 @@ const std::vector<SimulatorFamily>& families()
           kelReaderTypeChatsworthACF200, kelReaderTypeChatsworthACP200},
          {.side1Rows = 40, .side1Columns = 12},
          make<Chatsworth>},
+        {{kelReaderTypeNCSOpScan2, kelReaderTypeNCSOpScan3, kelReaderTypeNCSOpScan4, kelReaderTypeNCSOpScan5,
+          kelReaderTypeNCSOpScan6, kelReaderTypeNCSOpScan7, kelReaderTypeNCSOpScan8, kelReaderTypeNCSOpScaniNSIGHT2,
+          kelReaderTypeNCSOpScaniNSIGHT4},
+         {.side1Rows = 63, .side1Columns = 48, .highestMark = 15},
+         make<OpScan>},
+        {{kelReaderTypeScantronScanMark2000, kelReaderTypeScantronScanMark2250, kelReaderTypeScantronScanMark2500,
+          kelReaderTypeScantronScanMark4000, kelReaderTypeScantronScanMark5500, kelReaderTypeScantronScanMarkES2010,
+          kelReaderTypeScantronScanMarkES2260, kelReaderTypeScantronScanMarkES2800},
+         {.side1Rows = 63, .side1Columns = 48, .highestMark = 9},
+         make<Scanmark>},
+        // A raw value of 13 would end the reply.
+        {{kelReaderTypeScantron8000, kelReaderTypeScantron8400},
+         {.side1Rows = 63, .side1Columns = 48, .highestMark = 12},
+         make<Scanmark>},
         {{kelReaderTypePDIVMR138}, {.side1Rows = 40, .side1Columns = 12}, make<VMR138>},
     };
     return table;

@@ -4,11 +4,9 @@
 #include <limits>
 #include <utility>
 
-namespace kel
-{
+namespace kel {
 
-namespace
-{
+namespace {
 
 constexpr std::size_t kBlock = 16384;
 

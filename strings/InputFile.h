@@ -6,13 +6,11 @@
 #include <memory>
 #include <string>
 
-namespace kel
-{
+namespace kel {
 
 /// A text file that is read line by line. A line ends with CR LF, LF or CR.
 /// Every call on a file that is not open is failure 52, and a read error is failure 57.
-class InputFile
-{
+class InputFile {
 public:
     /// No file is open.
     InputFile() = default;

@@ -1,10 +1,8 @@
 #include "strings/LanguageDatabase.h"
 
-namespace kel
-{
+namespace kel {
 
-namespace
-{
+namespace {
 
 /// Never destroyed: texts are asked for until the very end of the process.
 std::unique_ptr<LanguageDatabase>& processDatabase()

@@ -5,15 +5,13 @@
 #include <atomic>
 #include <mutex>
 
-namespace kel
-{
+namespace kel {
 
 inline constexpr const char* kLanguageFileName = "LKELReader81.txt";
 
 /// The texts of a language file. The first text that is asked for loads them; a load that fails leaves nothing, and the
 /// next call repeats it. Safe from several threads.
-class LanguageDatabase
-{
+class LanguageDatabase {
 public:
     explicit LanguageDatabase(std::string fileName = kLanguageFileName) : fileName_(std::move(fileName)) {}
     LanguageDatabase(const LanguageDatabase&) = delete;

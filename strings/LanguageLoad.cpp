@@ -7,11 +7,9 @@
 #include <filesystem>
 #include <utility>
 
-namespace kel
-{
+namespace kel {
 
-namespace
-{
+namespace {
 
 constexpr const char* kHeadSection = "VBLM";
 constexpr const char* kNoValue = "?";

@@ -9,8 +9,7 @@
 #include <string>
 #include <vector>
 
-namespace kel
-{
+namespace kel {
 
 /// What stands in the place of a text when the language file cannot be used.
 inline constexpr const char* kNotAvailable = "LDB Error - String not available";
@@ -37,8 +36,7 @@ struct tagProfileEntry {
 /// One load of the language database: finds the file, chooses the language, reads its texts.
 /// A run-time failure of a statement is shown in a box. The answer says whether the load ends, the statement is
 /// repeated, or the load goes on with the next statement; so each statement that can fail is a body of its own.
-class LanguageLoad
-{
+class LanguageLoad {
 public:
     /// `fileName` without a drive or a path is a file in the component's folder.
     LanguageLoad(LanguageState& state, std::string fileName);

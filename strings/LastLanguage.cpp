@@ -2,11 +2,9 @@
 
 #include "platform/Platform.h"
 
-namespace kel
-{
+namespace kel {
 
-namespace
-{
+namespace {
 
 constexpr auto kHive = kelReaderRegistryKeyLocalMachine;
 constexpr const char* kSubKey = R"(Software\WhippleWare\VBLM)";

@@ -5,8 +5,7 @@
 
 #include <string>
 
-namespace kel
-{
+namespace kel {
 
 inline constexpr Int32 kRegistryActionRead = 0x20019;
 inline constexpr Int32 kRegistryActionWrite = 0x20006;

@@ -5,11 +5,9 @@
 
 #include <algorithm>
 
-namespace kel
-{
+namespace kel {
 
-namespace
-{
+namespace {
 
 /// The mark that some editors put in front of a text in UTF-8.
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";

@@ -5,14 +5,12 @@
 #include <utility>
 #include <vector>
 
-namespace kel
-{
+namespace kel {
 
 /// One section of a profile file, with the rules of Windows for them: names are compared without regard to case, blanks
 /// around a key and its value do not count, one pair of quotes around a value is dropped, the first section and the
 /// first key of a name are the ones that count.
-class ProfileSection
-{
+class ProfileSection {
 public:
     /// A section without keys.
     ProfileSection() = default;

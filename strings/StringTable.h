@@ -8,14 +8,12 @@
 #include <string_view>
 #include <vector>
 
-namespace kel
-{
+namespace kel {
 
 /// The texts of a language at their indexes, from 0 to an upper bound; an index that was given no text has an empty
 /// one. The texts lie in pages that are made when the first text of a page is stored: the bounds come from a file, and
 /// a damaged one must not cost more memory than it has texts.
-class StringTable
-{
+class StringTable {
 public:
     /// A table without bounds: every index lies outside.
     StringTable() = default;

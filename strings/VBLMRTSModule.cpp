@@ -2,8 +2,7 @@
 
 #include "strings/LanguageDatabase.h"
 
-namespace kel
-{
+namespace kel {
 
 std::string VBLM_RTString(Int32 Index)
 {

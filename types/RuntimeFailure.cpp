@@ -33,16 +33,16 @@ std::string failureText(FailureCode code)
     case FailureCode::PortAlreadyOpen: return "Port already open";
     case FailureCode::HardwareNotAvailable: return "The hardware is not available (locked by another device)";
     case FailureCode::DeviceNotOpen: return "The device is not open";
-    case FailureCode::CannotSetLineState: return "Could not set comm state, there may be one or more invalid "
-                                                 "communications parameters";
+    case FailureCode::CannotSetLineState:
+        return "Could not set comm state, there may be one or more invalid "
+               "communications parameters";
     case FailureCode::PortNotOpen: return "Operation valid only when the port is open";
     case FailureCode::ErrorReadingDevice: return "Error reading comm device";
     }
     return "Application-defined or object-defined error";
 }
 
-RuntimeFailure::RuntimeFailure(FailureCode code, SourceLocation where)
-    : RuntimeFailure(code, failureText(code), where)
+RuntimeFailure::RuntimeFailure(FailureCode code, SourceLocation where) : RuntimeFailure(code, failureText(code), where)
 {
 }
 

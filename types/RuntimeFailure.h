@@ -2,9 +2,9 @@
 
 #include "types/Export.h"
 
+#include "types/SourceLocation.h"
 #include <cstdint>
 #include <exception>
-#include "types/SourceLocation.h"
 #include <string>
 
 namespace kel {

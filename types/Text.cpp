@@ -84,7 +84,8 @@ std::size_t decimalPrefix(std::string_view text)
 
 double decimalNumber(std::string text)
 {
-    std::replace_if(text.begin(), text.end(), [](char c) { return lower(c) == 'd'; }, 'e');
+    std::replace_if(
+        text.begin(), text.end(), [](char c) { return lower(c) == 'd'; }, 'e');
     std::string_view digits = text;
     if (!digits.empty() && digits.front() == '+')
         digits.remove_prefix(1);

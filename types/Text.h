@@ -4,7 +4,6 @@
 #include "types/Numbers.h"
 
 #include <concepts>
-#include <concepts>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -22,8 +21,8 @@ inline constexpr std::string_view kLineEnd = "\r\n";
 
 /// A whole number or the number of an enumerator in decimal, without a blank in front.
 template <class T>
-    requires(!std::same_as<T, bool> && (std::integral<T> || (std::is_enum_v<T> && std::convertible_to<T, Int32>)))
-[[nodiscard]] std::string CStr(T value)
+requires(!std::same_as<T, bool> && (std::integral<T> || (std::is_enum_v<T> && std::convertible_to<T, Int32>)))
+    [[nodiscard]] std::string CStr(T value)
 {
     return std::to_string(static_cast<std::int64_t>(value));
 }
@@ -49,7 +48,10 @@ template <class T>
 [[nodiscard]] Int16 Asc(std::string_view text, SourceLocation where = SourceLocation::current());
 
 /// The one character of a code.
-[[nodiscard]] inline std::string Chr(Int16 code) { return std::string(1, static_cast<char>(code)); }
+[[nodiscard]] inline std::string Chr(Int16 code)
+{
+    return std::string(1, static_cast<char>(code));
+}
 
 /// So many blanks; a negative count is failure 5.
 [[nodiscard]] std::string Space(Int32 count, SourceLocation where = SourceLocation::current());
@@ -63,10 +65,8 @@ template <class T>
                               SourceLocation where = SourceLocation::current());
 
 /// The first or the last `count` characters, or what there is of them; a negative count is failure 5.
-[[nodiscard]] std::string Left(std::string_view text, Int32 count,
-                               SourceLocation where = SourceLocation::current());
-[[nodiscard]] std::string Right(std::string_view text, Int32 count,
-                                SourceLocation where = SourceLocation::current());
+[[nodiscard]] std::string Left(std::string_view text, Int32 count, SourceLocation where = SourceLocation::current());
+[[nodiscard]] std::string Right(std::string_view text, Int32 count, SourceLocation where = SourceLocation::current());
 
 /// Every occurrence of `what` replaced.
 [[nodiscard]] std::string replaceAll(std::string_view text, std::string_view what, std::string_view with);

@@ -7,12 +7,10 @@
 
 #include <gtest/gtest.h>
 
-namespace kel::test
-{
+namespace kel::test {
 
 /// Writes down how it is used, and fails where it is told to.
-class RecordingErrorObject : public ErrorObject
-{
+class RecordingErrorObject : public ErrorObject {
 public:
     Boolean Silent() override
     {
@@ -51,8 +49,7 @@ public:
 };
 
 /// A process with texts for reports and without an error object.
-class FailureTest : public testing::Test
-{
+class FailureTest : public testing::Test {
 protected:
     FailureTest()
     {

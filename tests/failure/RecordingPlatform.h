@@ -7,13 +7,11 @@
 #include <functional>
 #include <stdexcept>
 
-namespace kel::test
-{
+namespace kel::test {
 
 /// Keeps what is shown, and lets a test act, or fail, while it is shown.
 /// Boxes get the answers in `answers`, one after the other, and then Ok or Abort.
-class RecordingScreen : public Screen
-{
+class RecordingScreen : public Screen {
 public:
     BoxAnswer MsgBox(const std::string& text, BoxIcon icon, BoxButtons buttons, const std::string& title) override
     {
@@ -45,8 +43,7 @@ public:
 };
 
 /// A process with a command line and a folder as told, which counts the questions for the folder.
-class SetProcess : public Process
-{
+class SetProcess : public Process {
 public:
     std::string CommandLine() const override { return commandLine; }
     std::filesystem::path ComponentFolder() const override
@@ -62,8 +59,7 @@ public:
 };
 
 /// The calling thread's platform for as long as it lives: screen, registry and process for a test to set and look at.
-class RecordingPlatform : public Platform
-{
+class RecordingPlatform : public Platform {
 public:
     std::unique_ptr<SerialControl> newSerialControl() override { throw std::logic_error("no line here"); }
     std::unique_ptr<ScanTimer> newScanTimer() override { throw std::logic_error("no timer here"); }

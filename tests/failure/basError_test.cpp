@@ -4,10 +4,8 @@
 #include <new>
 #include <thread>
 
-namespace kel::test
-{
-namespace
-{
+namespace kel::test {
+namespace {
 
 using DisplayErrorTest = FailureTest;
 
@@ -288,8 +286,7 @@ TEST_F(DisplayErrorTest, IsRoutedByTheLastErrorObjectOfTheProcess)
 
 TEST_F(DisplayErrorTest, MayCallBackAtTheEndOfAnErrorObject)
 {
-    class Last : public ErrorObject
-    {
+    class Last : public ErrorObject {
     public:
         explicit Last(bool& sawNothing) : sawNothing_(sawNothing) {}
         ~Last() override { sawNothing_ = errorObject() == nullptr; }
@@ -306,8 +303,7 @@ TEST_F(DisplayErrorTest, MayCallBackAtTheEndOfAnErrorObject)
 
 TEST_F(DisplayErrorTest, CanBeUsedFromSeveralThreads)
 {
-    class Counting : public ErrorObject
-    {
+    class Counting : public ErrorObject {
     public:
         Int32 RaiseError(const ErrorReport&) override { return ++count; }
         Boolean Silent() override { return False; }

@@ -4,10 +4,8 @@
 
 #include <new>
 
-namespace kel::test
-{
-namespace
-{
+namespace kel::test {
+namespace {
 
 using Guarded = FailureTest;
 

@@ -5,14 +5,11 @@
 #include <iterator>
 #include <set>
 
-namespace kel::test
-{
-namespace
-{
+namespace kel::test {
+namespace {
 
 /// The language file that is generated beside the programs.
-class GeneratedLanguageFile : public testing::Test
-{
+class GeneratedLanguageFile : public testing::Test {
 protected:
     const std::filesystem::path binaries = std::filesystem::read_symlink("/proc/self/exe").parent_path();
     const std::string name = (binaries / kLanguageFileName).string();

@@ -4,13 +4,10 @@
 
 #include <gtest/gtest.h>
 
-namespace kel::test
-{
-namespace
-{
+namespace kel::test {
+namespace {
 
-class InputFileTest : public testing::Test
-{
+class InputFileTest : public testing::Test {
 protected:
     InputFile open(const std::string& content) { return InputFile(folder.write("lines.txt", content)); }
 

@@ -1,9 +1,7 @@
 #include "tests/strings/LanguageDatabaseTest.h"
 
-namespace kel::test
-{
-namespace
-{
+namespace kel::test {
+namespace {
 
 using LanguageChoice = LanguageDatabaseTest;
 

@@ -8,14 +8,12 @@
 
 #include <memory>
 
-namespace kel::test
-{
+namespace kel::test {
 
 inline const std::string kNoText = "LDB Error - String not available";
 
 /// A database over a file that the test writes.
-class LanguageDatabaseTest : public testing::Test
-{
+class LanguageDatabaseTest : public testing::Test {
 protected:
     LanguageDatabaseTest()
     {

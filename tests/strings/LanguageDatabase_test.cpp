@@ -3,10 +3,8 @@
 #include <atomic>
 #include <thread>
 
-namespace kel::test
-{
-namespace
-{
+namespace kel::test {
+namespace {
 
 TEST_F(LanguageDatabaseTest, GivesATextWithoutQuotesAndWithLineEnds)
 {

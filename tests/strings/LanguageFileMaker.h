@@ -7,12 +7,10 @@
 #include <string>
 #include <vector>
 
-namespace kel::test
-{
+namespace kel::test {
 
 /// A folder of its own for a test's files, gone with the object.
-class TemporaryFolder
-{
+class TemporaryFolder {
 public:
     TemporaryFolder()
         : path_(std::filesystem::temp_directory_path() /

@@ -1,13 +1,10 @@
 #include "tests/strings/LanguageDatabaseTest.h"
 
-namespace kel::test
-{
-namespace
-{
+namespace kel::test {
+namespace {
 
 /// Loads that fail on a statement, and what each answer to the box does.
-class LanguageLoadFailures : public LanguageDatabaseTest
-{
+class LanguageLoadFailures : public LanguageDatabaseTest {
 protected:
     /// Does something between the look at the languages and the opening of the file.
     void atHourglass(std::function<void()> action)

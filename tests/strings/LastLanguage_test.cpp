@@ -3,13 +3,10 @@
 
 #include <gtest/gtest.h>
 
-namespace kel::test
-{
-namespace
-{
+namespace kel::test {
+namespace {
 
-class LastLanguage : public testing::Test
-{
+class LastLanguage : public testing::Test {
 protected:
     void stored(const RegistryValue& value)
     {

@@ -3,13 +3,10 @@
 
 #include <gtest/gtest.h>
 
-namespace kel::test
-{
-namespace
-{
+namespace kel::test {
+namespace {
 
-class ProfileSectionTest : public testing::Test
-{
+class ProfileSectionTest : public testing::Test {
 protected:
     ProfileSection section(const std::string& content, const std::string& name = "VBLM")
     {

@@ -4,10 +4,8 @@
 
 #include <limits>
 
-namespace kel::test
-{
-namespace
-{
+namespace kel::test {
+namespace {
 
 TEST(StringTable, HoldsTextsFromZeroToItsBound)
 {

@@ -1,14 +1,11 @@
 #include "strings/VBLMRTSModule.h"
 #include "tests/strings/LanguageDatabaseTest.h"
 
-namespace kel::test
-{
-namespace
-{
+namespace kel::test {
+namespace {
 
 /// The process's own database; the next test finds a fresh one again.
-class VBLMRTSModule : public LanguageDatabaseTest
-{
+class VBLMRTSModule : public LanguageDatabaseTest {
 protected:
     VBLMRTSModule() { renewLanguageDatabase(); }
     ~VBLMRTSModule() override { renewLanguageDatabase(); }
@@ -30,8 +27,7 @@ TEST_F(VBLMRTSModule, SaysWhichFileIsMissing)
 
 TEST_F(VBLMRTSModule, AnswersWithoutAPlatformInPlaceOfTheText)
 {
-    class NoPlatform : public RecordingPlatform
-    {
+    class NoPlatform : public RecordingPlatform {
     public:
         Screen& screen() override { throw std::logic_error("no screen"); }
     } none;

@@ -3,10 +3,8 @@
 
 #include <gtest/gtest.h>
 
-namespace kel::test
-{
-namespace
-{
+namespace kel::test {
+namespace {
 
 constexpr auto kOutside = FailureCode::SubscriptOutOfRange;
 

@@ -4,10 +4,8 @@
 
 #include <type_traits>
 
-namespace kel::test
-{
-namespace
-{
+namespace kel::test {
+namespace {
 
 TEST(BooleanTest, IsMinusOneOrZeroIn16Bits)
 {

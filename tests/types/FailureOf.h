@@ -4,8 +4,7 @@
 
 #include <optional>
 
-namespace kel::test
-{
+namespace kel::test {
 
 /// The number of the run-time failure that a body ends with; nothing if it comes to its end.
 template <class Body>

@@ -5,10 +5,8 @@
 
 #include <cmath>
 
-namespace kel::test
-{
-namespace
-{
+namespace kel::test {
+namespace {
 
 constexpr Int32 kLowest = std::numeric_limits<Int32>::min();
 constexpr Int32 kHighest = std::numeric_limits<Int32>::max();

@@ -3,17 +3,14 @@
 
 #include <gtest/gtest.h>
 
-namespace kel::test
-{
-namespace
-{
+namespace kel::test {
+namespace {
 
 struct Base {
     virtual ~Base() = default;
     int value = 1;
 };
-struct Derived : Base {
-};
+struct Derived : Base {};
 
 TEST(ReferenceTest, FailsThroughNothing)
 {

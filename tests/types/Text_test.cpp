@@ -6,10 +6,8 @@
 
 #include <limits>
 
-namespace kel::test
-{
-namespace
-{
+namespace kel::test {
+namespace {
 
 constexpr auto kBadCall = FailureCode::InvalidProcedureCall;
 

@@ -7,10 +7,8 @@
 #include <clocale>
 #include <cmath>
 
-namespace kel::test
-{
-namespace
-{
+namespace kel::test {
+namespace {
 
 TEST(ValTest, ReadsTheNumberAtTheBeginning)
 {
