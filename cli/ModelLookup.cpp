@@ -122,7 +122,7 @@ kelReaderType modelNamed(std::string_view text)
 
     const std::vector<ModelNames> models = modelNames();
     const std::string wanted = plain(text);
-    if (wanted.empty())
+    if (wanted.empty() || text.starts_with('-')) // a number that is none is not taken for a part of a name
         refuseUnknown(text, models);
     const NameTest tests[] = {
         [&](const std::string& name) { return name == wanted; },

@@ -12,17 +12,31 @@ namespace {
 // How many letters a name may be farther away than the nearest one to be worth telling.
 constexpr std::size_t kClearlyFarther = 2;
 
+/// Where the words of a name begin, and its end: "Scantron Scanmark 2500", "NumRows".
+std::vector<std::size_t> wordBounds(std::string_view name)
+{
+    const auto isCapital = [](char character) { return character >= 'A' && character <= 'Z'; };
+    std::vector<std::size_t> bounds = {0};
+    for (std::size_t i = 1; i < name.size(); ++i) {
+        if (name[i - 1] == ' ' || (isCapital(name[i]) && !isCapital(name[i - 1])))
+            bounds.push_back(i);
+    }
+    bounds.push_back(name.size());
+    return bounds;
+}
+
 /// The smallest distance from `wanted` to the name, or to any run of its words: a person who types "Scanmrk 2500"
 /// leaves the maker away.
 std::size_t distanceToName(std::string_view wanted, std::string_view name)
 {
+    const std::vector<std::size_t> bounds = wordBounds(name);
     std::size_t smallest = editDistance(wanted, name);
-    for (std::size_t start = 0; start <= name.size(); ++start) {
-        if (start != 0 && name[start - 1] != ' ')
-            continue;
-        for (std::size_t end = start + 1; end <= name.size(); ++end) {
-            if (end == name.size() || name[end] == ' ')
-                smallest = std::min(smallest, editDistance(wanted, name.substr(start, end - start)));
+    for (std::size_t first = 0; first < bounds.size(); ++first) {
+        for (std::size_t last = first + 1; last < bounds.size(); ++last) {
+            std::string_view words = name.substr(bounds[first], bounds[last] - bounds[first]);
+            if (words.ends_with(' '))
+                words.remove_suffix(1);
+            smallest = std::min(smallest, editDistance(wanted, words));
         }
     }
     return smallest;

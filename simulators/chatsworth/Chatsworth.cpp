@@ -104,13 +104,15 @@ void Chatsworth::setUp(const std::string& letters)
 
 void Chatsworth::joinedProbe()
 {
-    if (model() == kelReaderTypeChatsworthACP200)
+    if (model() == kelReaderTypeChatsworthACP200) {
         fault("the joined probe, which is for other models");
-    if (isSetUp() && start_ != Start::SetUpDone)
+        return;
+    }
+    if (isSetUp() && start_ != Start::SetUpDone && start_ != Start::Done)
         fault("the joined probe before the set-up");
     else if (now() < repliedAt_ || isSending())
         fault("the joined probe before the reply to the set-up");
-    if (start_ == Start::Done)
+    else if (start_ == Start::Done)
         fault("the joined probe a second time");
     startDone();
 }

@@ -87,10 +87,10 @@ TEST(AnswerKeyFile, RefusesWhatIsNoKey)
 TEST(AnswerKeyFile, RefusesUnknownKeys)
 {
     EXPECT_EQ(refusal(R"({"formids": ["1"]})"), "key.json: the file has a key \"formids\" that is not known; the "
-                                                "nearest are formIds, pages and questions.");
+                                                "nearest is formIds.");
     EXPECT_THAT(questionRefusal(R"({"name": "Question 2", "choises": ["A"]})"),
-                testing::StartsWith("key.json: questions[1] has a key \"choises\" that is not known; the nearest are "
-                                    "choices"));
+                testing::StartsWith("key.json: questions[1] has a key \"choises\" that is not known; the nearest is "
+                                    "choices."));
 }
 
 TEST(AnswerKeyFile, RefusesWrongTypes)

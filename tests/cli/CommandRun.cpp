@@ -13,11 +13,9 @@
 
 extern char** environ;
 
-namespace kel::test
-{
+namespace kel::test {
 
-namespace
-{
+namespace {
 
 // A run that gives no sign of life for so long is stuck.
 constexpr int kPatienceMilliseconds = 60'000;

@@ -8,10 +8,8 @@
 #include <filesystem>
 #include <fstream>
 
-namespace kel
-{
-namespace
-{
+namespace kel {
+namespace {
 
 using testing::HasSubstr;
 using testing::StartsWith;

@@ -2,10 +2,8 @@
 
 #include <gtest/gtest.h>
 
-namespace kel
-{
-namespace
-{
+namespace kel {
+namespace {
 
 MarkArray marks(Int32 rows, Int32 columns)
 {

@@ -5,10 +5,8 @@
 
 #include <gmock/gmock.h>
 
-namespace kel
-{
-namespace
-{
+namespace kel {
+namespace {
 
 using testing::HasSubstr;
 

@@ -2,10 +2,8 @@
 
 #include <gtest/gtest.h>
 
-namespace kel
-{
-namespace
-{
+namespace kel {
+namespace {
 
 using Names = std::vector<std::string>;
 
@@ -21,7 +19,9 @@ TEST(NearestNames, DistanceCountsLettersWhateverTheirCase)
 TEST(NearestNames, NearestComeFirst)
 {
     const Names names = {"BaudRate", "DataBits", "StopBits", "Parity"};
-    EXPECT_EQ(nearestNames("StopBit", names, 2), (Names{"StopBits", "DataBits"}));
+    EXPECT_EQ(nearestNames("Bits", names), (Names{"DataBits", "StopBits"}));
+    EXPECT_EQ(nearestNames("Bits", names, 1), (Names{"DataBits"}));
+    EXPECT_EQ(nearestNames("StopBit", names), (Names{"StopBits"})) << "the others are clearly farther away";
     EXPECT_EQ(nearestNames("parti", names, 1), (Names{"Parity"}));
 }
 
@@ -29,6 +29,12 @@ TEST(NearestNames, PartOfANameCountsAsTheName)
 {
     const Names names = {"Scantron 8000", "Scantron Scanmark 2500", "Sekonic SR-601"};
     EXPECT_EQ(nearestNames("Scanmrk 2500", names, 1), (Names{"Scantron Scanmark 2500"}));
+}
+
+TEST(NearestNames, SaysWhatIsNearest)
+{
+    EXPECT_EQ(nearestListed({"a"}), "the nearest is a");
+    EXPECT_EQ(nearestListed({"a", "b"}), "the nearest are a and b");
 }
 
 TEST(NearestNames, ListsAsAPersonDoes)

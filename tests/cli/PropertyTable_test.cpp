@@ -5,10 +5,8 @@
 
 #include <gmock/gmock.h>
 
-namespace kel
-{
-namespace
-{
+namespace kel {
+namespace {
 
 using testing::StartsWith;
 
@@ -30,9 +28,7 @@ struct Case {
     const char* json;
 };
 
-class PropertyTable : public testing::TestWithParam<Case>
-{
-};
+class PropertyTable : public testing::TestWithParam<Case> {};
 
 TEST_P(PropertyTable, SetsAndGives)
 {
@@ -71,8 +67,8 @@ TEST(PropertyTable, EveryRowIsFoundByItsName)
 
 TEST(PropertyTable, UnknownNameTellsTheNearest)
 {
-    EXPECT_EQ(refusal("StopBit=1"), "The reader has no property 'StopBit' that can be set; the nearest are StopBits, "
-                                    "DataBits and Port.");
+    EXPECT_EQ(refusal("StopBit=1"), "The reader has no property 'StopBit' that can be set; the nearest is "
+                                    "StopBits.");
     EXPECT_THAT(refusal("ReaderName=x"), StartsWith("The reader has no property 'ReaderName' that can be set"));
     EXPECT_THAT(refusal("=1"), StartsWith("The reader has no property '' that can be set"));
 }

@@ -11,10 +11,8 @@
 
 #include <ctime>
 
-namespace kel::test
-{
-namespace
-{
+namespace kel::test {
+namespace {
 
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -23,8 +21,7 @@ using testing::MatchesRegex;
 using testing::StartsWith;
 
 /// A simulated VMR138 on a machine without hardware, a reader object, and the lines of its scan.
-class ScanSessionTest : public testing::Test
-{
+class ScanSessionTest : public testing::Test {
 protected:
     ScanSessionTest() : scope_(machine_)
     {
@@ -187,8 +184,7 @@ TEST_F(ScanSessionTest, FaultInTheMiddleOfAPageIsReportedBetweenTheSheetsAndTheE
 }
 
 /// Notes what the printer object holds when a sheet would be printed on.
-class PrinterWatch final : public ReaderEvents
-{
+class PrinterWatch final : public ReaderEvents {
 public:
     explicit PrinterWatch(clsKELReader& reader) : reader_(reader) {}
 

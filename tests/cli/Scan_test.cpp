@@ -8,10 +8,8 @@
 #include <csignal>
 #include <regex>
 
-namespace kel::test
-{
-namespace
-{
+namespace kel::test {
+namespace {
 
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -255,9 +253,7 @@ struct WrongUse {
     const char* sentence;
 };
 
-class ScanUsage : public testing::TestWithParam<WrongUse>
-{
-};
+class ScanUsage : public testing::TestWithParam<WrongUse> {};
 
 TEST_P(ScanUsage, IsRefusedWithOneSentence)
 {
@@ -287,14 +283,13 @@ INSTANTIATE_TEST_SUITE_P(
                  "that are there)."},
         WrongUse{"TwoLines",
                  {"--model", "24", "--port", "1", "--device", "/dev/null"},
-                 "--device excludes --port; 'kelreader scan --help' tells what there is."},
+                 "--port excludes --device; 'kelreader scan --help' tells what there is."},
         WrongUse{"PortThatIsNoNumber",
                  {"--model", "24", "--port", "one"},
                  "Could not convert: --port = one; 'kelreader scan --help' tells what there is."},
         WrongUse{"UnknownProperty",
                  {"--model", "24", "--simulate", "--set", "SleepTme=1"},
-                 "The reader has no property 'SleepTme' that can be set; the nearest are SleepTime, Timeout and "
-                 "Feeder."},
+                 "The reader has no property 'SleepTme' that can be set; the nearest is SleepTime."},
         WrongUse{"UnknownValue",
                  {"--model", "24", "--simulate", "--set", "Duplex=perhaps"},
                  "'perhaps' does not fit Duplex, which takes true or false."},
@@ -320,9 +315,7 @@ INSTANTIATE_TEST_SUITE_P(
                  "is."}),
     [](const auto& use) { return std::string(use.param.name); });
 
-class BrokenForm : public testing::TestWithParam<std::pair<const char*, const char*>>
-{
-};
+class BrokenForm : public testing::TestWithParam<std::pair<const char*, const char*>> {};
 
 TEST_P(BrokenForm, IsRefusedWithOneSentenceThatNamesThePlace)
 {

@@ -3,10 +3,8 @@
 
 #include <gtest/gtest.h>
 
-namespace kel
-{
-namespace
-{
+namespace kel {
+namespace {
 
 ScannedSheet sheetWith(Int32 rows, Int32 columns)
 {

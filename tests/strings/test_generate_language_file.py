@@ -21,9 +21,9 @@ SOURCES = [str(TEXTS / f"{name}.txt") for name in LANGUAGES]
 NUMBERS = [number for number in range(102, 558, 2) if number not in (178, 180, 504)]
 
 sys.dont_write_bytecode = True
-specification = importlib.util.spec_from_file_location("generate_language_file", GENERATOR)
-generator = importlib.util.module_from_spec(specification)
-specification.loader.exec_module(generator)
+module = importlib.util.spec_from_file_location("generate_language_file", GENERATOR)
+generator = importlib.util.module_from_spec(module)
+module.loader.exec_module(generator)
 
 
 def read_head(data):

@@ -104,8 +104,9 @@ TEST(ValTest, DoesNotDependOnTheLocaleOfTheHost)
 {
     const std::string before = std::setlocale(LC_ALL, nullptr);
     const char* const names[] = {"de_DE.UTF-8", "de_DE", "fr_FR.UTF-8", "fr_FR", "German", "French"};
-    if (std::none_of(std::begin(names), std::end(names), [](auto name) { return std::setlocale(LC_ALL, name); }))
-        GTEST_SKIP() << "there is no locale with a decimal comma here";
+    // A decimal comma where the system has a locale with one; any host's locale elsewhere.
+    static_cast<void>(
+        std::find_if(std::begin(names), std::end(names), [](auto name) { return std::setlocale(LC_ALL, name); }));
     EXPECT_EQ(Val("1.5"), 1.5);
     EXPECT_EQ(Val("1.5e-999"), 0);
     EXPECT_EQ(CStr(1.5), "1.5");

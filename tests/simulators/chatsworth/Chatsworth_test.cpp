@@ -94,8 +94,9 @@ TEST_P(ChatsworthTest, ACancelEndsTheReadLoopOfAllButOne)
     cancelAfter(4s);
     const bool deaf = GetParam().type == kelReaderTypeChatsworthOMR2000;
     EXPECT_EQ(bench->reader().ReadPage(False), deaf ? True : False);
-    if (!deaf)
+    if (!deaf) {
         EXPECT_LT(bench->host.machine.now(), 5s);
+    }
     bench->reader().EndReader();
     bench->expectNoComplaints();
 }
@@ -113,21 +114,23 @@ TEST_P(ChatsworthTest, ACancelDoesNotEndTheSetUp)
 TEST_P(ChatsworthTest, AnEmptyFeederIsSilenceOrAQuietRefusal)
 {
     connect({});
+    bench->host.machine.pump().hostPump([] {}); // the host looks round every few milliseconds
     ASSERT_EQ(bench->reader().StartReader(), True);
     cancelAfter(100s);
     EXPECT_EQ(bench->reader().ReadPage(False), False);
     EXPECT_EQ(bench->host.sent(), GetParam().start + GetParam().sheet);
     const bool refuses = GetParam().feeder;
-    if (refuses)
+    if (refuses) {
         EXPECT_LT(bench->host.machine.now(), 5s);
-    else
+    } else {
         EXPECT_GE(bench->host.machine.now(), 100s);
+    }
     bench->reader().EndReader();
     bench->expectNoComplaints();
 }
 
-INSTANTIATE_TEST_SUITE_P(Models, ChatsworthTest, testing::ValuesIn(kModels), [](const auto& info) {
-    return "Model" + std::to_string(info.param.type) + (info.param.feeder ? "Feeder" : "");
+INSTANTIATE_TEST_SUITE_P(Models, ChatsworthTest, testing::ValuesIn(kModels), [](const auto& model) {
+    return "Model" + std::to_string(model.param.type) + (model.param.feeder ? "Feeder" : "");
 });
 
 /// A reader that takes everything and says nothing, or the same to each CR.
@@ -151,15 +154,15 @@ struct Wait {
     kelReaderType type;
     bool feeder;
     bool cancelled; // whether a cancel ends it
-    Int32 text;     // what is told at its end
-    Int32 title;
+    TextNumber text; // what is told at its end
+    TextNumber title;
 };
 
 const Wait kWaits[] = {
-    {kelReaderTypeChatsworthOMR2000, true, false, 236, 238},
-    {kelReaderTypeChatsworthALSAccelScanOMR, false, true, 240, 184},
-    {kelReaderTypeChatsworthACF200, true, false, 240, 184},
-    {kelReaderTypeChatsworthACP200, true, false, 240, 184},
+    {kelReaderTypeChatsworthOMR2000, true, false, TextNumber(236), TextNumber(238)},
+    {kelReaderTypeChatsworthALSAccelScanOMR, false, true, TextNumber(240), TextNumber(184)},
+    {kelReaderTypeChatsworthACF200, true, false, TextNumber(240), TextNumber(184)},
+    {kelReaderTypeChatsworthACP200, true, false, TextNumber(240), TextNumber(184)},
 };
 
 TEST(ChatsworthWaits, ForASheetEndByTheTimerAndSomeByACancel)
@@ -186,9 +189,9 @@ TEST(ChatsworthWaits, ForASheetEndByTheTimerAndSomeByACancel)
             }
             ASSERT_EQ(host.heard().reports.size(), 1U);
             const ErrorReport& report = host.heard().reports[0];
-            EXPECT_EQ(report.ErrorDescription, VBLM_RTString(TextNumber(wait.text)));
-            EXPECT_EQ(report.ErrorTitle, VBLM_RTString(TextNumber(wait.title)));
-            EXPECT_EQ(report.ErrorSource, "KELReader81 - basChatsworth.ReadPageCT");
+            EXPECT_EQ(report.ErrorDescription, VBLM_RTString(wait.text));
+            EXPECT_EQ(report.ErrorTitle, VBLM_RTString(wait.title));
+            EXPECT_EQ(report.ErrorSource, "basChatsworth.ReadPageCT");
         }
     }
 }

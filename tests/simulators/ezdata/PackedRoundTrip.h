@@ -46,8 +46,8 @@ public:
             ADD_FAILURE() << report.ErrorSource << ": " << report.ErrorDescription;
     }
 
+    std::unique_ptr<Simulator> device; // outlives the line
     ReaderHost host;
-    std::unique_ptr<Simulator> device;
 };
 
 /// Sheets of random heights, from no row at all to the most.

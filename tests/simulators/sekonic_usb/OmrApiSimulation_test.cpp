@@ -10,10 +10,8 @@
 #include <stdexcept>
 #include <string>
 
-namespace kel::omr_simulation_test
-{
-namespace
-{
+namespace kel::omr_simulation_test {
+namespace {
 
 using ::testing::Each;
 using ::testing::ElementsAre;
@@ -21,8 +19,7 @@ using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
 /// The simulated library, called directly as a host that may do wrong.
-class OmrApiSimulationTest : public ::testing::Test
-{
+class OmrApiSimulationTest : public ::testing::Test {
 protected:
     OmrApiSimulationTest() { loader.libraryFile(KEL_OMRAPI_SIMULATED); }
 
@@ -305,6 +302,24 @@ TEST_F(OmrApiSimulationTest, NotesBarcodesThatAreAskedForWrongly)
                             "barcodes of a sheet that was fed without an area", "symbologies 31", "check digit 100, 1",
                             "a feed before the check digits were set", "barcodes before the marks", "barcode 3",
                             "barcode 0", "room or type of a barcode", "room or type of a barcode"));
+}
+
+TEST_F(OmrApiSimulationTest, WantsTheBarcodesPreparedForEachSheet)
+{
+    start({.sheets = {sheet(), sheet(), sheet()}, .barcodeUnit = 1});
+    Int32 count = 0;
+    Int32 settings = 0;
+    for (int number = 1; number <= 2; ++number) {
+        prepareBarcodes();
+        feed();
+        fetch(0);
+        EXPECT_EQ(api().OMR_GetBarcodeInfo(count, settings), 1);
+    }
+    EXPECT_THAT(faults(), IsEmpty());
+    feed();
+    fetch(0);
+    EXPECT_EQ(api().OMR_GetBarcodeInfo(count, settings), 0);
+    EXPECT_THAT(faults(), ElementsAre("barcodes of a sheet that was fed without an area"));
 }
 
 TEST_F(OmrApiSimulationTest, RefusesAnAreaWithoutABarcodeUnit)

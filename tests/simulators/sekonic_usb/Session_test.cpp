@@ -13,10 +13,8 @@
 #include <memory>
 #include <vector>
 
-namespace kel::omr_session_test
-{
-namespace
-{
+namespace kel::omr_session_test {
+namespace {
 
 using ::testing::Contains;
 using ::testing::ElementsAre;
@@ -24,8 +22,7 @@ using ::testing::IsEmpty;
 using ::testing::Not;
 
 /// Keeps the reports.
-class Reports final : public ErrorObject
-{
+class Reports final : public ErrorObject {
 public:
     Int32 RaiseError(const ErrorReport& report) override
     {
@@ -46,8 +43,7 @@ struct HeardSheet {
 };
 
 /// A host that keeps the sheets, and does with each what the test says.
-class Host final : public ReaderEvents
-{
+class Host final : public ReaderEvents {
 public:
     explicit Host(clsKELReader& reader) : reader_(reader) {}
 
@@ -70,8 +66,7 @@ private:
 };
 
 /// A reader object over the simulated library, which is loaded as the maker's would be.
-class SekonicUsbSession : public ::testing::Test
-{
+class SekonicUsbSession : public ::testing::Test {
 protected:
     SekonicUsbSession() : scope(machine)
     {
@@ -176,9 +171,7 @@ TEST_F(SekonicUsbSession, ReadsAThousandTwoSidedSheetsWithTheirBarcodes)
     EXPECT_FALSE(report().open);
 }
 
-class SekonicUsbSessionModel : public SekonicUsbSession, public ::testing::WithParamInterface<kelReaderType>
-{
-};
+class SekonicUsbSessionModel : public SekonicUsbSession, public ::testing::WithParamInterface<kelReaderType> {};
 
 TEST_P(SekonicUsbSessionModel, ReadsAndTouchesNoPort)
 {

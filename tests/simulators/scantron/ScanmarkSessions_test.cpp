@@ -1,0 +1,474 @@
+#include "simulators/scantron/Scanmark.h"
+
+#include "platform/PortMap.h"
+#include "platform/posix/PosixPlatform.h"
+#include "platform/posix/PtyDeviceHost.h"
+#include "strings/VBLMRTSModule.h"
+#include "tests/support/ReaderHost.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+// The reader object against the simulated Scanmark readers: what the sheets hold is what the host hears.
+
+namespace kel::test
+{
+namespace
+{
+
+using namespace std::chrono_literals;
+
+constexpr kelReaderType kModels[] = {kelReaderTypeScantronScanMark2000,   kelReaderTypeScantronScanMark2250,
+                                     kelReaderTypeScantronScanMark2500,   kelReaderTypeScantronScanMark4000,
+                                     kelReaderTypeScantronScanMark5500,   kelReaderTypeScantron8000,
+                                     kelReaderTypeScantron8400,           kelReaderTypeScantronScanMarkES2010,
+                                     kelReaderTypeScantronScanMarkES2260, kelReaderTypeScantronScanMarkES2800};
+
+bool ejects(kelReaderType model)
+{
+    return model != kelReaderTypeScantron8000 && model != kelReaderTypeScantron8400 &&
+           model != kelReaderTypeScantronScanMarkES2010 && model != kelReaderTypeScantronScanMarkES2260;
+}
+
+class Chance
+{
+public:
+    explicit Chance(std::uint64_t seed) : numbers_(seed) {}
+
+    Int16 number(int lowest, int highest)
+    {
+        const auto count = static_cast<std::uint64_t>(highest - lowest + 1);
+        return static_cast<Int16>(lowest + static_cast<int>(numbers_() % count));
+    }
+    bool one(int of) { return number(1, of) == 1; }
+
+    template <class T, std::size_t N>
+    T of(const T (&choices)[N])
+    {
+        return choices[number(0, static_cast<int>(N) - 1)];
+    }
+
+    /// Marks that every model can send: all bytes that are no line end are values.
+    MarkRows marks(int rows, int columns)
+    {
+        MarkRows marks(static_cast<std::size_t>(rows), std::vector<Int16>(static_cast<std::size_t>(columns)));
+        for (auto& row : marks)
+            for (Int16& cell : row)
+                do
+                    cell = number(0, 207);
+                while (cell == 13);
+        return marks;
+    }
+
+private:
+    std::mt19937_64 numbers_;
+};
+
+MarkArray arrayOf(const MarkRows& marks, Int32 rows, Int32 columns)
+{
+    MarkArray array(rows, columns);
+    for (Int32 row = 1; row <= rows; ++row)
+        for (Int32 column = 1; column <= columns; ++column)
+            array(row, column) = markAt(marks, row, column);
+    return array;
+}
+
+/// A window within an area, in any direction.
+FormWindow randomWindow(Chance& chance, Int16 page, int rows, int columns)
+{
+    // Along one direction: how many, how far apart, and where the first one is.
+    const auto along = [&chance](int size, Int16& start, Int16& count, Int16& gap) {
+        gap = chance.number(-3, 3);
+        const int step = gap < 0 ? -gap : gap;
+        const int most = step == 0 ? 4 : (size - 1) / step + 1;
+        count = chance.number(1, std::min(most, 12));
+        if (chance.one(20))
+            count = static_cast<Int16>(most);
+        const int reach = step * (count - 1);
+        const int low = chance.number(1, size - reach);
+        start = static_cast<Int16>(gap < 0 ? low + reach : low);
+    };
+    FormWindow window{.Page = page, .Orientation = chance.number(0, 1)};
+    along(rows, window.StartRow, window.NumRows, window.RowGap);
+    along(columns, window.StartCol, window.NumCols, window.ColGap);
+    return window;
+}
+
+void addWindow(clsKELReader& reader, const FormWindow& window)
+{
+    auto added = std::make_shared<clsKELReaderWindow>();
+    added->StartRow(window.StartRow);
+    added->NumRows(window.NumRows);
+    added->RowGap(window.RowGap);
+    added->StartCol(window.StartCol);
+    added->NumCols(window.NumCols);
+    added->ColGap(window.ColGap);
+    added->Page(window.Page);
+    added->Orientation(window.Orientation);
+    reader.Windows()->Add(added);
+}
+
+/// What a window takes of a side.
+void takeWindow(MarkArray& array, const MarkRows& marks, const FormWindow& window)
+{
+    for (Int32 i = 0; i < window.NumRows; ++i)
+        for (Int32 j = 0; j < window.NumCols; ++j) {
+            const Int32 row = window.StartRow + i * window.RowGap;
+            const Int32 column = window.StartCol + j * window.ColGap;
+            array(row, column) = markAt(marks, row, column);
+        }
+}
+
+void demandNoError(const Scanmark& device, ReaderHost& host)
+{
+    EXPECT_EQ(device.errors(), std::vector<std::string>{});
+    for (const ErrorReport& report : host.heard().reports)
+        ADD_FAILURE() << report.ErrorSource << ": " << report.ErrorDescription;
+}
+
+/// One form of windows and one sheet, by a seed.
+void readRandomWindows(std::uint64_t seed, Rate rate)
+{
+    Chance chance(seed);
+    const kelReaderType model = chance.of(kModels);
+    const bool twoSides = chance.one(2);
+    const Int16 rows1 = chance.number(1, 60);
+    const Int16 rows2 = chance.number(1, 60);
+    const Int16 columns = chance.number(1, 48);
+    const SimulatedSheet sheet{.side1 = chance.marks(rows1, columns), .side2 = chance.marks(rows2, columns)};
+    MarkArray expected1(rows1, columns);
+    MarkArray expected2;
+
+    ReaderHost host;
+    Scanmark device({.model = model, .sheets = {sheet}, .rate = rate});
+    host.connect(model, device);
+    clsKELReader& reader = host.reader();
+    reader.RecognitionMode(kelRecognitionTypeWindow);
+    reader.Duplex(Boolean(twoSides));
+    reader.DuplexForm(Boolean(twoSides));
+    reader.Side1Rows(pages({rows1}));
+    reader.Side1Cols(pages({columns}));
+    reader.Side2Rows(pages({rows2}));
+    reader.Side2Cols(pages({columns}));
+    for (int left = chance.number(0, 4); left > 0; --left) {
+        const FormWindow window = randomWindow(chance, 1, rows1, columns);
+        addWindow(reader, window);
+        takeWindow(expected1, sheet.side1, window);
+    }
+    for (int left = twoSides ? chance.number(0, 3) : 0; left > 0; --left) {
+        const FormWindow window = randomWindow(chance, 2, rows2, columns);
+        addWindow(reader, window);
+        if (!expected2.isDimensioned())
+            expected2 = MarkArray(rows2, columns);
+        takeWindow(expected2, sheet.side2, window);
+    }
+    Int32 count = 0;
+    EXPECT_TRUE(reader.ReadBatch(False, 1, count));
+    demandNoError(device, host);
+    ASSERT_EQ(host.heard().sheets.size(), 1U);
+    EXPECT_EQ(host.heard().sheets[0].side1, expected1);
+    EXPECT_EQ(host.heard().sheets[0].side2, expected2);
+}
+
+TEST(ScanmarkSessions, AThousandFormsOfWindows)
+{
+    for (std::uint64_t seed = 1; seed <= 1000 && !testing::Test::HasFailure(); ++seed) {
+        SCOPED_TRACE("seed " + std::to_string(seed));
+        readRandomWindows(seed, Rate::Unlimited);
+    }
+}
+
+TEST(ScanmarkSessions, FormsOfWindowsAtWireSpeed)
+{
+    for (std::uint64_t seed = 5001; seed <= 5200 && !testing::Test::HasFailure(); ++seed) {
+        SCOPED_TRACE("seed " + std::to_string(seed));
+        readRandomWindows(seed, Rate::Wire);
+    }
+}
+
+TEST(ScanmarkSessions, PagesOnAllModels)
+{
+    for (const kelReaderType model : kModels)
+        for (const bool twoSides : {false, true})
+            for (const bool feeder : {false, true}) {
+                SCOPED_TRACE("model " + std::to_string(model) + (twoSides ? ", two sides" : ""));
+                Chance chance(static_cast<std::uint64_t>(model));
+                const SheetFeeder sheets = {{.side1 = chance.marks(20, 48), .side2 = chance.marks(9, 48)},
+                                            {.side1 = chance.marks(20, 48), .side2 = chance.marks(9, 48)}};
+                SheetFeeder expected = sheets;
+                ReaderHost host;
+                Scanmark device({.model = model, .sheets = sheets});
+                host.connect(model, device);
+                host.reader().Feeder(Boolean(feeder));
+                host.reader().Duplex(Boolean(twoSides));
+                host.reader().DuplexForm(Boolean(twoSides));
+                host.reader().Side1Rows(pages({20}));
+                host.reader().Side1Cols(pages({48}));
+                host.reader().Side2Rows(pages({static_cast<Int16>(twoSides ? 9 : 0)}));
+                host.reader().Side2Cols(pages({static_cast<Int16>(twoSides ? 48 : 0)}));
+                Int32 count = 0;
+                EXPECT_TRUE(host.reader().ReadBatch(False, 2, count));
+                demandNoError(device, host);
+                ASSERT_EQ(host.heard().sheets.size(), 2U);
+                for (const HeardSheet& heard : host.heard().sheets) {
+                    const SimulatedSheet sheet = expected.take();
+                    EXPECT_EQ(heard.side1, arrayOf(sheet.side1, 20, 48));
+                    EXPECT_EQ(heard.side2, twoSides ? arrayOf(sheet.side2, 9, 48) : MarkArray());
+                }
+                EXPECT_EQ(device.log().back().event, SheetEvent::Ejected);
+                EXPECT_EQ(device.log().back().text, ejects(model) ? "A" : "");
+            }
+}
+
+TEST(ScanmarkSessions, SheetsTakeTheFormsOfAJobInTurn)
+{
+    Chance chance(77);
+    const SheetFeeder sheets = {{.side1 = chance.marks(12, 48)}, {.side1 = chance.marks(12, 48)}};
+    SheetFeeder expected = sheets;
+    ReaderHost host;
+    Scanmark device({.model = kelReaderTypeScantronScanMark2500, .sheets = sheets});
+    host.connect(kelReaderTypeScantronScanMark2500, device);
+    host.reader().Side1Rows(pages({3, 12}));
+    host.reader().Side1Cols(pages({48, 48}));
+    host.reader().Side2Rows(pages({0, 0}));
+    host.reader().Side2Cols(pages({0, 0}));
+    Int32 count = 0;
+    EXPECT_TRUE(host.reader().ReadBatch(False, 2, count));
+    demandNoError(device, host);
+    ASSERT_EQ(host.heard().sheets.size(), 2U);
+    MarkRows first = expected.take().side1;
+    first.resize(3);
+    EXPECT_EQ(host.heard().sheets[0].side1, arrayOf(first, 12, 48));
+    EXPECT_EQ(host.heard().sheets[1].side1, arrayOf(expected.take().side1, 12, 48));
+}
+
+/// A Scanmark 2500 with a form of one row of 48 columns.
+class ScanmarkSession : public testing::Test
+{
+protected:
+    void connect(std::initializer_list<const char*> faults = {}, SheetFeeder sheets = {{.side1 = {{1, 2, 3}}}})
+    {
+        SimulatorOptions options{
+            .model = kelReaderTypeScantronScanMark2500, .sheets = std::move(sheets), .rate = Rate::Unlimited};
+        for (const char* fault : faults)
+            options.faults.push_back(parseFault(fault));
+        device_.emplace(std::move(options));
+        host_.connect(kelReaderTypeScantronScanMark2500, *device_);
+        reader().Duplex(False);
+        reader().Timeout(600);
+        reader().Side1Rows(pages({1}));
+        reader().Side1Cols(pages({48}));
+        reader().Side2Rows(pages({0}));
+        reader().Side2Cols(pages({0}));
+    }
+
+    clsKELReader& reader() { return host_.reader(); }
+
+    void cancelAt(Moment moment)
+    {
+        host_.machine.at(moment, [this] { reader().CancelScan(True); });
+    }
+
+    std::vector<std::string> reports() { return textsOf(host_.heard().reports); }
+
+    static std::vector<std::string> textsOf(const std::vector<ErrorReport>& reports)
+    {
+        std::vector<std::string> texts;
+        for (const ErrorReport& report : reports)
+            texts.push_back(report.ErrorDescription);
+        return texts;
+    }
+
+    ReaderHost host_;
+    std::optional<Scanmark> device_;
+};
+
+using Texts = std::vector<std::string>;
+
+TEST_F(ScanmarkSession, PrintRejectAndEjectAreInTheLog)
+{
+    connect({}, {{}, {}, {}});
+    reader().Rejecter(True);
+    reader().Printer()->Enabled(True);
+    host_.heard().onReadSheet = [this](MarkArray&, MarkArray&, TextArray&, Boolean& bReject) {
+        const std::size_t sheet = host_.heard().sheets.size();
+        reader().Printer()->Active(True);
+        reader().Printer()->Distance(7);
+        reader().Printer()->Buffer1("SHEET " + std::to_string(sheet));
+        if (sheet == 2) {
+            bReject = True;
+            reader().RejectPage();
+        }
+    };
+    Int32 count = 0;
+    EXPECT_TRUE(reader().ReadBatch(True, 3, count));
+    demandNoError(*device_, host_);
+    EXPECT_EQ(device_->log(), (std::vector<SheetRecord>{{SheetEvent::Fed, 1},
+                                                        {SheetEvent::Read, 1},
+                                                        {SheetEvent::Printed, 1, "SHEET 1", 1, 7},
+                                                        {SheetEvent::Ejected, 1},
+                                                        {SheetEvent::Fed, 2},
+                                                        {SheetEvent::Read, 2},
+                                                        {SheetEvent::Rejected, 2, "C"},
+                                                        {SheetEvent::Fed, 3},
+                                                        {SheetEvent::Read, 3},
+                                                        {SheetEvent::Printed, 3, "SHEET 3", 1, 7},
+                                                        {SheetEvent::Ejected, 3, "A"}}));
+}
+
+// The reader's bytes up to the first sheet: an answer each to the reset and to three commands of the form, 12 of the
+// status, 48 cells and their end, 12 of the status behind them.
+TEST_F(ScanmarkSession, ACancelEndsTheStart)
+{
+    const std::pair<const char*, Texts> waits[] = {
+        {"silent@byte=1", {}},
+        {"silent@byte=2", {VBLM_RTString(TextNumber(436))}},
+        {"silent@byte=3", {VBLM_RTString(TextNumber(438)) + "\r\n\r\n" + VBLM_RTString(TextNumber(440)) + "1\r\n" +
+                           VBLM_RTString(TextNumber(442))}},
+        {"silent@byte=4", {VBLM_RTString(TextNumber(452))}},
+    };
+    for (const auto& [silence, texts] : waits) {
+        SCOPED_TRACE(silence);
+        host_.heard().reports.clear();
+        connect({silence});
+        const Moment begin = host_.machine.now();
+        cancelAt(begin + 5s);
+        EXPECT_FALSE(reader().StartReader());
+        EXPECT_EQ(host_.machine.now() - begin, 5s);
+        EXPECT_EQ(reports(), texts);
+        EXPECT_FALSE(reader().EndReader());
+        EXPECT_EQ(device_->errors(), Texts{});
+    }
+}
+
+TEST_F(ScanmarkSession, ACancelEndsTheRead)
+{
+    for (const char* silence : {"silent@byte=5", "silent@byte=17", "silent@byte=66"}) {
+        SCOPED_TRACE(silence);
+        connect({silence});
+        const Moment begin = host_.machine.now();
+        EXPECT_TRUE(reader().StartReader());
+        cancelAt(begin + 5s);
+        EXPECT_FALSE(reader().ReadPage(False));
+        EXPECT_EQ(host_.machine.now() - begin, 5s);
+        EXPECT_EQ(reports(), Texts{});
+        reader().EndReader();
+        EXPECT_EQ(device_->errors(), Texts{});
+        EXPECT_EQ(host_.heard().sheets.size(), 0U);
+    }
+}
+
+TEST_F(ScanmarkSession, ACancelEndsTheWaitForASheetPutInByHand)
+{
+    connect({}, {});
+    reader().Feeder(False);
+    EXPECT_TRUE(reader().StartReader());
+    cancelAt(5s);
+    EXPECT_FALSE(reader().ReadPage(False));
+    EXPECT_LT(host_.machine.now(), 6s);
+    EXPECT_EQ(reports(), Texts{});
+    reader().EndReader();
+    EXPECT_EQ(device_->errors(), Texts{});
+}
+
+TEST_F(ScanmarkSession, ASheetPutInByHandIsRead)
+{
+    connect({}, {});
+    reader().Feeder(False);
+    EXPECT_TRUE(reader().StartReader());
+    host_.machine.at(3s, [this] { device_->putSheet({.side1 = {{9}}}); });
+    EXPECT_TRUE(reader().ReadPage(False));
+    EXPECT_EQ(reader().Side1Array(), arrayOf({{9}}, 1, 48));
+    reader().EndReader();
+    demandNoError(*device_, host_);
+}
+
+TEST_F(ScanmarkSession, ACancelIsNotLookedAtWithinStatusAndCells)
+{
+    for (const auto& [silence, number, where] :
+         {std::tuple{"silent@byte=8", 428, 12s}, {"silent@byte=20", 456, 12s}, {"silent@byte=70", 428, 12s}}) {
+        SCOPED_TRACE(silence);
+        host_.heard().reports.clear();
+        connect({silence});
+        reader().Timeout(10);
+        const Moment begin = host_.machine.now();
+        EXPECT_TRUE(reader().StartReader());
+        cancelAt(begin + 5s);
+        EXPECT_FALSE(reader().ReadPage(False));
+        EXPECT_GE(host_.machine.now() - begin, 10s);
+        EXPECT_LT(host_.machine.now() - begin, where);
+        EXPECT_EQ(reports(), Texts{VBLM_RTString(TextNumber(number))});
+        reader().EndReader();
+        EXPECT_EQ(device_->errors(), Texts{});
+    }
+}
+
+TEST_F(ScanmarkSession, ACancelEndsPrintAndEject)
+{
+    for (const bool print : {true, false}) {
+        SCOPED_TRACE(print ? "print" : "eject");
+        connect({"silent@byte=78"});
+        reader().Printer()->Enabled(True);
+        reader().Printer()->Active(Boolean(print));
+        Moment cancelled{};
+        host_.heard().onReadSheet = [&](MarkArray&, MarkArray&, TextArray&, Boolean&) {
+            cancelled = host_.machine.now() + 5s;
+            cancelAt(cancelled);
+            if (!print)
+                reader().EjectPage();
+        };
+        EXPECT_TRUE(reader().StartReader());
+        EXPECT_TRUE(reader().ReadPage(Boolean(print)));
+        EXPECT_EQ(host_.machine.now(), cancelled);
+        EXPECT_EQ(reports(), Texts{});
+        reader().EndReader();
+        EXPECT_EQ(device_->errors(), Texts{});
+    }
+}
+
+TEST_F(ScanmarkSession, AJamStopsTheBatch)
+{
+    connect({"jam@sheet=2"}, {{}, {}, {}});
+    Int32 count = 0;
+    EXPECT_TRUE(reader().ReadBatch(False, -1, count));
+    EXPECT_EQ(host_.heard().sheets.size(), 1U);
+    EXPECT_EQ(reports(), Texts{VBLM_RTString(TextNumber(466))});
+    EXPECT_EQ(device_->errors(), Texts{});
+}
+
+TEST(ScanmarkOverAPseudoTerminal, ThreeSheets)
+{
+    const SheetFeeder sheets = {{.side1 = {{1, 2, 3}}}, {.side1 = {{4}, {5}}}, {.side1 = {{}, {0, 6}}}};
+    SheetFeeder expected = sheets;
+    const std::unique_ptr<Platform> machine = makePosixPlatform();
+    const PlatformScope scope(*machine);
+    Scanmark device({.model = kelReaderTypeScantronScanMark2500, .sheets = sheets, .rate = Rate::Unlimited});
+    PtyDeviceHost pty(device);
+    const PortOverride line(1, pty.deviceFile());
+    pty.start();
+    clsKELReader reader;
+    const auto heard = std::make_shared<RecordingHost>();
+    reader.Advise(heard);
+    reader.SetError(heard);
+    reader.LoadDefaults(kelReaderTypeScantronScanMark2500);
+    reader.Port(1);
+    reader.SleepTime(1);
+    reader.Side1Rows(pages({2}));
+    reader.Side1Cols(pages({48}));
+    reader.Side2Rows(pages({0}));
+    reader.Side2Cols(pages({0}));
+    Int32 count = 0;
+    EXPECT_TRUE(reader.ReadBatch(False, 3, count));
+    setErrorObject(nullptr);
+    pty.stop();
+    pty.join();
+    EXPECT_EQ(device.errors(), Texts{});
+    EXPECT_EQ(heard->reports.size(), 0U);
+    ASSERT_EQ(heard->sheets.size(), 3U);
+    for (const HeardSheet& sheet : heard->sheets)
+        EXPECT_EQ(sheet.side1, arrayOf(expected.take().side1, 2, 48));
+}
+
+} // namespace
+} // namespace kel::test
