@@ -88,6 +88,11 @@ public:
         record_ = jsonRecord(oData);
     }
 
+    void GetQuestionsOnPage(Int16& iPage, Int16& iNumberQuestions) override
+    {
+        iNumberQuestions = request_.answerKey ? request_.answerKey->questionsOn(iPage) : Int16{0};
+    }
+
     void AfterPrint() override { sheet_.printed = true; }
 
     void AfterSheet(Boolean& bCancelScan) override
@@ -194,6 +199,8 @@ void prepareReader(clsKELReader& reader, const ScanRequest& request)
 {
     reader.LoadDefaults(request.model);
     applyForm(request.form, reader);
+    if (request.answerKey)
+        reader.AnswerKey(request.answerKey->key);
     if (request.port)
         reader.Port(*request.port);
     for (const std::string& assignment : request.assignments)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "cli/AnswerKeyFile.h"
 #include "cli/FormFile.h"
 #include "cli/ScanEvents.h"
 #include "reader/clsKELReader.h"
@@ -27,6 +28,7 @@ struct PrintRequest {
 struct ScanRequest {
     kelReaderType model = kelReaderTypeNone;
     ScanForm form;
+    std::optional<ScanAnswerKey> answerKey; ///< for readers that grade by themselves
     std::vector<std::string> assignments; ///< "Property=Value", behind the model's defaults and the form
     std::optional<Int16> port;
     Int32 maxSheets = -1;
@@ -41,7 +43,7 @@ struct ScanResult {
     std::vector<ReportedFailure> failures;
 };
 
-/// Gives a reader the defaults of the model, the form, the port, the assignments and the print settings.
+/// Gives a reader the defaults of the model, the form, the answer key, the port, the assignments and the print settings.
 /// UsageError for an assignment that is wrong.
 void prepareReader(clsKELReader& reader, const ScanRequest& request);
 

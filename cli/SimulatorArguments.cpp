@@ -65,7 +65,7 @@ void SimulatorArguments::addTo(CLI::App& command)
                              .add_option("--fault", faults_,
                                          "What goes wrong: jam@sheet=3, late=2500@sheet=1, "
                                          "drop@byte=120, unplug@byte=64 ...")
-                             ->type_name("SPEC")
+                             ->type_name("FAULT")
                              ->allow_extra_args(false)
                              ->group("Simulated reader");
     CLI::Option* rate = command.add_option("--rate", rate_, "How fast the bytes come")

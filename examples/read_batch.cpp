@@ -1,39 +1,30 @@
-// Reads a batch of sheets from a reader on serial port 1 and prints the marks of each.
-// Usage: read_batch MODEL-NUMBER [SHEETS]
+// Reads a batch of sheets from a reader at port 1 and prints the marks of each.
+// Usage: read_batch MODEL-NUMBER [SHEETS]; "kelreader ports set 1 DEVICE" says which device port 1 is.
 
 #include "reader/clsKELReader.h"
-#include "startup/Main.h"
 
 #include <cstdlib>
 #include <iostream>
 
-namespace
-{
+namespace {
 
-class PrintMarks final : public kel::ReaderEvents
-{
-public:
-    void ReadSheet(kel::MarkArray& iSide1Array, kel::MarkArray&, kel::TextArray& sBarcodeArray, kel::Boolean&) override
+class PrintSheets final : public kel::ReaderEvents {
+    void ReadSheet(kel::MarkArray& side1, kel::MarkArray&, kel::TextArray& barcodes, kel::Boolean&) override
     {
         std::cout << "Sheet " << ++sheets_;
-        for (const std::string& barcode : sBarcodeArray.elements())
-            std::cout << (barcode.empty() ? "" : ", barcode ") << barcode;
+        for (const std::string& barcode : barcodes.elements())
+            std::cout << ' ' << barcode;
         std::cout << '\n';
-        for (kel::Int32 row = 1; row <= iSide1Array.rows(); ++row) {
-            for (kel::Int32 column = 1; column <= iSide1Array.columns(); ++column) {
-                if (const kel::Int16 mark = iSide1Array(row, column))
-                    std::cout << "  row " << row << ", column " << column << ": " << mark << '\n';
-            }
-        }
+        for (kel::Int32 row = 1; row <= side1.rows(); ++row)
+            for (kel::Int32 column = 1; column <= side1.columns(); ++column)
+                if (side1(row, column) != 0)
+                    std::cout << "  row " << row << ", column " << column << ": " << side1(row, column) << '\n';
     }
 
-private:
     int sheets_ = 0;
 };
 
-class PrintFailures final : public kel::ErrorObject
-{
-public:
+class PrintFailures final : public kel::ErrorObject {
     kel::Int32 RaiseError(const kel::ErrorReport& report) override
     {
         std::cerr << report.ErrorTitle << ": " << report.ErrorDescription << " (" << report.ErrorSource << ")\n";
@@ -45,18 +36,14 @@ public:
 
 int main(int argc, char** argv)
 {
-    if (argc < 2) {
-        std::cerr << "usage: read_batch MODEL-NUMBER [SHEETS]\n";
-        return 2;
-    }
     kel::clsKELReader reader;
     reader.SetError(std::make_shared<PrintFailures>());
-    reader.LoadDefaults(static_cast<kel::kelReaderType>(std::atoi(argv[1])));
-    reader.Port(1);
+    reader.LoadDefaults(static_cast<kel::kelReaderType>(argc > 1 ? std::atoi(argv[1]) : 0));
     reader.RecognitionMode(kel::kelRecognitionTypePage);
-    reader.Advise(std::make_shared<PrintMarks>());
+    reader.Port(1);
+    reader.Advise(std::make_shared<PrintSheets>());
 
     kel::Int32 sheets = 0;
     const kel::Boolean ran = reader.ReadBatch(kel::False, argc > 2 ? std::atoi(argv[2]) : -1, sheets);
-    return ran ? 0 : 1;
+    return ran ? EXIT_SUCCESS : EXIT_FAILURE;
 }

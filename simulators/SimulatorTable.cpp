@@ -1,5 +1,7 @@
 #include "simulators/SimulatorTable.h"
 
+#include "simulators/apperson/DataLineReader.h"
+#include "simulators/apperson/RawMarkReader.h"
 #include "simulators/chatsworth/Chatsworth.h"
 #include "simulators/ezdata/EZData.h"
 #include "simulators/ncs/OpScan.h"
@@ -33,6 +35,26 @@ std::unique_ptr<Simulator> make(SimulatorOptions options)
 const std::vector<SimulatorFamily>& families()
 {
     static const std::vector<SimulatorFamily> table = {
+        {{kelReaderTypeAppersonAdvantageLink},
+         {.side1Rows = 40, .side1Columns = 12, .highestMark = 199},
+         make<RawMarkReader>},
+        {{kelReaderTypeAppersonGradeMaster},
+         {.side1Rows = 100, .side1Columns = 5, .barcodes = 1, .barcodeLength = 10},
+         make<RawMarkReader>},
+        {{kelReaderTypeAppersonBenchMark3000},
+         {.side1Rows = 50,
+          .side1Columns = 5,
+          .digitFields = {{"Student ID", 12}, {"Page 1 ID", 4}, {"Test ID", 12}, {"School ID", 12}, {"Class ID", 12}}},
+         make<DataLineReader>},
+        {{kelReaderTypeAppersonAdvantage1200},
+         {.side1Rows = 50,
+          .side1Columns = 5,
+          .digitFields = {{"Student ID", 10},
+                          {"Test Version", 1},
+                          {"Essay Score", 4},
+                          {"Page 1 ID", 4},
+                          {"Page 2 ID", 4}}},
+         make<DataLineReader>},
         {{kelReaderTypeNCSEZData, kelReaderTypeChatsworthACF100},
          {.side1Rows = 40, .side1Columns = 12},
          make<EZData>},

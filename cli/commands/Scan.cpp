@@ -33,6 +33,7 @@ struct Arguments {
     std::string device;
     bool simulate = false;
     std::string formFile;
+    std::string answerKeyFile;
     std::vector<std::string> assignments;
     Int32 maxSheets = -1;
     std::string format;
@@ -49,6 +50,8 @@ ScanRequest requestOf(const Arguments& arguments)
     request.model = modelNamed(arguments.model);
     if (!arguments.formFile.empty())
         request.form = readFormFile(arguments.formFile);
+    if (!arguments.answerKeyFile.empty())
+        request.answerKey = readAnswerKeyFile(arguments.answerKeyFile);
     request.assignments = arguments.assignments;
     request.port = arguments.port;
     if (!arguments.device.empty() || arguments.simulate)
@@ -187,6 +190,10 @@ void addReaderOptions(CLI::App& command, Arguments& arguments)
         command.add_option("--device", arguments.device, "The reader's device")->type_name("PATH")->excludes(port);
     command.add_flag("--simulate", arguments.simulate, "A simulated reader")->excludes(port)->excludes(device);
     command.add_option("--form", arguments.formFile, "The form of the sheets, as JSON")->type_name("FILE");
+    command
+        .add_option("--answer-key", arguments.answerKeyFile,
+                    "The right answers, as JSON, for a reader that grades by itself")
+        ->type_name("FILE");
     command
         .add_option("--set", arguments.assignments,
                     "Sets a property of the reader, or of its printer as Printer.Distance=10")

@@ -89,8 +89,8 @@ TEST(AnswerKeyFile, RefusesUnknownKeys)
     EXPECT_EQ(refusal(R"({"formids": ["1"]})"), "key.json: the file has a key \"formids\" that is not known; the "
                                                 "nearest is formIds.");
     EXPECT_THAT(questionRefusal(R"({"name": "Question 2", "choises": ["A"]})"),
-                testing::StartsWith("key.json: questions[1] has a key \"choises\" that is not known; the nearest is "
-                                    "choices."));
+                testing::StartsWith("key.json: questions[1] has a key \"choises\" that is not known; the nearest are "
+                                    "choices and choiceColumns."));
 }
 
 TEST(AnswerKeyFile, RefusesWrongTypes)

@@ -99,9 +99,9 @@ TEST(FormFile, UnknownKeysAreRefused)
               "are side1Rows, side2Rows and side1Cols.");
     EXPECT_EQ(refusal(R"({"windows":[{},{"Rows":1}]})"),
               "form.json: windows[1] has a key \"Rows\" that is not known; the "
-              "nearest are Page, NumRows and NumCols.");
+              "nearest are NumRows, RowGap and StartRow.");
     EXPECT_THAT(refusal(R"({"barcodes":[{"page":1}]})"),
-                StartsWith("form.json: barcodes[0] has a key \"page\" that is not known; the nearest are Page, "));
+                StartsWith("form.json: barcodes[0] has a key \"page\" that is not known; the nearest is Page."));
 }
 
 TEST(FormFile, NegativeSizesAreRefused)

@@ -59,8 +59,8 @@ TEST(ModelLookup, SeveralModelsAreListed)
 TEST(ModelLookup, UnknownModelNamesTheNearest)
 {
     EXPECT_EQ(refusal("Scanmrk 2500"),
-              "There is no model 'Scanmrk 2500'; the nearest are Scantron Scanmark 2500 (13), Scantron Scanmark 5500 "
-              "(15) and Scantron Scanmark 2000 (11) ('kelreader models' lists all).");
+              "There is no model 'Scanmrk 2500'; the nearest are Scantron Scanmark 2500 (13), Scantron Scanmark 2000 "
+              "(11) and Scantron Scanmark 5500 (15) ('kelreader models' lists all).");
     EXPECT_THAT(refusal("42"), HasSubstr("There is no model '42'; the nearest are "));
     EXPECT_THAT(refusal("-1"), HasSubstr("There is no model '-1'"));
     EXPECT_THAT(refusal(""), HasSubstr("There is no model ''"));

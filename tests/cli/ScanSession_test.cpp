@@ -219,7 +219,6 @@ TEST_F(ScanSessionTest, PrinterIsSetBeforeTheStartAndFilledSheetBySheet)
                            "RecognitionThreshold=240"};
     const auto watch = std::make_shared<PrinterWatch>(reader);
     reader.Advise(watch);
-    // Listeners are told in their order, and this one is to see what the scan has done in ReadSheet.
     static_cast<void>(scan());
     EXPECT_EQ(reader.Printer()->Distance(), 12);
     EXPECT_THAT(watch->initialized, ElementsAre(true, true, true));

@@ -272,8 +272,8 @@ INSTANTIATE_TEST_SUITE_P(
         WrongUse{
             "UnknownModel",
             {"--model", "VMR183", "--simulate"},
-            "There is no model 'VMR183'; the nearest are Peripheral Dynamics Inc. VMR138 (24), Sekonic SR-410 (19) "
-            "and Sekonic SR-430 (38) ('kelreader models' lists all)."},
+            "There is no model 'VMR183'; the nearest are Peripheral Dynamics Inc. VMR138 (24), Sekonic SR1800 (USB) "
+            "(36) and Chatsworth Data OMR1100 (20) ('kelreader models' lists all)."},
         WrongUse{"AmbiguousModel",
                  {"--model", "scantron 8", "--simulate"},
                  "'scantron 8' fits several models: Scantron 8000 (16) and Scantron 8400 (17)."},
@@ -328,15 +328,16 @@ TEST_P(BrokenForm, IsRefusedWithOneSentenceThatNamesThePlace)
 
 INSTANTIATE_TEST_SUITE_P(
     Texts, BrokenForm,
-    testing::Values(
-        std::pair{"{\"side1Rows\":\n[63",
-                  " is not JSON: line 2, column 4: syntax error while parsing array - unexpected "
-                  "end of input; expected ']'."},
-        std::pair{R"({"side1Rows":[-63]})", ": side1Rows[0] has to be a whole number from 0 to 32767 and is -63."},
-        std::pair{R"({"windows":[{"NumRows":1},{"NumCols":-2}]})",
-                  ": windows[1].NumCols has to be a whole number from 0 to 32767 and is -2."},
-        std::pair{R"({"rows":[63]})", ": the file has a key \"rows\" that is not known; the nearest are windows, "
-                                      "barcodes and side1Cols."}));
+    testing::Values(std::pair{"{\"side1Rows\":\n[63",
+                              " is not JSON: line 2, column 4: syntax error while parsing array - unexpected "
+                              "end of input; expected ']'."},
+                    std::pair{R"({"side1Rows":[-63]})",
+                              ": side1Rows[0] has to be a whole number from 0 to 32767 and is -63."},
+                    std::pair{R"({"windows":[{"NumRows":1},{"NumCols":-2}]})",
+                              ": windows[1].NumCols has to be a whole number from 0 to 32767 and is -2."},
+                    std::pair{R"({"rows":[63]})",
+                              ": the file has a key \"rows\" that is not known; the nearest are side1Rows, side2Rows "
+                              "and side1Cols."}));
 
 } // namespace
 } // namespace kel::test

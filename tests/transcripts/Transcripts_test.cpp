@@ -20,7 +20,7 @@
 #include <sstream>
 
 // Sessions byte for byte. Every file below this folder is one: its head says what the host is to do (model, line, form,
-// set, port, max-sheets, reject-sheets, reject-blank, print1 to print3, print-distance) and what it then hears
+// answer-key, set, port, max-sheets, reject-sheets, reject-blank, print1 to print3, print-distance) and what it then hears
 // ("expect", a line of JSON each, in order; {354} stands for the text of that number), its lines what goes over the
 // wire. Large arrays are written as @ROWSxCOLUMNS@row,column=value;...@ with 0 everywhere else. Each session runs under
 // the virtual clock and over a pseudo-terminal. A run-time failure is expected with its standard text alone and without
@@ -88,6 +88,8 @@ ScanRequest requestOf(const Transcript& transcript)
     request.assignments = transcript.values("set");
     if (const auto form = transcript.value("form"))
         request.form = parseForm(*form, "form");
+    if (const auto key = transcript.value("answer-key"))
+        request.answerKey = parseAnswerKey(*key, "answer-key");
     if (const auto sheets = transcript.value("max-sheets"))
         request.maxSheets = std::stoi(*sheets);
     if (const auto sheets = transcript.value("reject-sheets")) {

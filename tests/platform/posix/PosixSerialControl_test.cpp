@@ -111,6 +111,14 @@ TEST_F(PosixSerialControlTest, AnOpenLineKeepsItsSettingsWhenNewOnesAreRefused)
 TEST_F(PosixSerialControlTest, BytesPassAsTheyStand)
 {
     Pty pty;
+    // A terminal as a log-in would have left it.
+    termios cooked{};
+    ASSERT_EQ(::tcgetattr(pty.handle(), &cooked), 0);
+    cooked.c_iflag |= ICRNL | ISTRIP | INPCK | BRKINT;
+    cooked.c_oflag |= OPOST | ONLCR;
+    cooked.c_lflag |= ICANON | ECHO | ISIG | IEXTEN;
+    ASSERT_EQ(::tcsetattr(pty.handle(), TCSANOW, &cooked), 0);
+
     const auto line = openControl(pty);
     std::string all;
     for (int code = 0; code < 256; ++code)

@@ -234,6 +234,39 @@ TEST_F(PtyDeviceHostTest, AHostThatDoesNotReadLosesNothing)
     EXPECT_EQ(receive(*line, page.size()), page);
 }
 
+/// A program that opens the line and neither sets it nor drops what it finds there.
+class PlainHost
+{
+public:
+    explicit PlainHost(const std::string& device)
+        : handle_(::open(device.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC | O_NONBLOCK))
+    {
+    }
+
+    void send(char byte) const { EXPECT_EQ(::write(handle_.number(), &byte, 1), 1); }
+
+    /// Waits for input, without taking it.
+    [[nodiscard]] bool waitForInput() const
+    {
+        pollfd handle{handle_.number(), POLLIN, 0};
+        return ::poll(&handle, 1, 30000) > 0;
+    }
+
+    [[nodiscard]] std::string receive(std::size_t count) const
+    {
+        std::string bytes;
+        while (bytes.size() < count && waitForInput()) {
+            std::array<char, 100> part{};
+            const ssize_t got = ::read(handle_.number(), part.data(), part.size());
+            bytes.append(part.data(), got > 0 ? static_cast<std::size_t>(got) : 0);
+        }
+        return bytes;
+    }
+
+private:
+    FileDescriptor handle_;
+};
+
 TEST_F(PtyDeviceHostTest, WhatIsSentWhileTheLineIsClosedIsLost)
 {
     device.onByte = [](ToyDevice& self, Byte byte) {
@@ -244,14 +277,32 @@ TEST_F(PtyDeviceHostTest, WhatIsSentWhileTheLineIsClosedIsLost)
     };
     PtyDeviceHost host(device);
     host.start();
-    auto line = openControl(host.deviceFile());
-    line->Output("a");
-    line->PortOpen(False);
-    static_cast<void>(device.told(3));
+    {
+        const PlainHost first(host.deviceFile());
+        first.send('a');
+    }
+    EXPECT_EQ(device.told(3).back(), "closed");
     sleepUntil(steadyTime() + 300ms);
-    line->PortOpen(True);
-    line->Output("b");
-    EXPECT_EQ(receive(*line, 3), "new");
+    const PlainHost second(host.deviceFile());
+    second.send('b');
+    EXPECT_EQ(second.receive(3), "new");
+}
+
+TEST_F(PtyDeviceHostTest, WhatTheHostHasNotReadIsLostWhenItCloses)
+{
+    device.onByte = [](ToyDevice& self, Byte byte) { self.send(byte == 'a' ? "old" : "new"); };
+    PtyDeviceHost host(device);
+    host.start();
+    {
+        const PlainHost first(host.deviceFile());
+        first.send('a');
+        ASSERT_TRUE(first.waitForInput());
+    }
+    EXPECT_EQ(device.told(3).back(), "closed");
+    sleepUntil(steadyTime() + 50ms);
+    const PlainHost second(host.deviceFile());
+    second.send('b');
+    EXPECT_EQ(second.receive(3), "new");
 }
 
 TEST_F(PtyDeviceHostTest, ALineOfADeviceThatHangsUpDoesSoWhenItsLastBytesAreRead)

@@ -445,23 +445,45 @@ TEST_F(DamagedRegistry, ThatTakesThePlaceOfAnOpenOneIsSetAside)
     EXPECT_EQ(asideFiles().size(), 1U);
 }
 
+TEST_F(DamagedRegistry, ShowsWhereverTheDamageIs)
+{
+    // The last page, which the value that is asked for has nothing to do with.
+    overwrite(static_cast<std::streamoff>(std::filesystem::file_size(file())) - 4096, std::string(4096, '\xEE'));
+    ::testing::internal::CaptureStderr();
+    SqliteRegistry registry(folders());
+    EXPECT_FALSE(registry.exists(kUser, "B"));
+    EXPECT_NE(::testing::internal::GetCapturedStderr(), "");
+    EXPECT_EQ(asideFiles().size(), 1U);
+}
+
 TEST_F(DamagedRegistry, IsSetAsideOnceByManyProcesses)
 {
-    overwrite(0, "this is no database at all");
-    {
+    for (int round = 0; round < 8; ++round) {
+        for (const std::string& aside : asideFiles())
+            std::filesystem::remove(aside);
+        std::ofstream(file(), std::ios::trunc) << "this is no database at all";
+        std::array<int, 2> gate{};
+        ASSERT_EQ(::pipe(gate.data()), 0);
         std::vector<std::unique_ptr<OtherProcess>> others;
-        for (int i = 0; i < 4; ++i)
+        for (int i = 0; i < 6; ++i)
             others.push_back(std::make_unique<OtherProcess>([&, i]() -> std::string {
                 ::close(STDERR_FILENO);
+                ::close(gate[1]);
+                char none = 0;
+                if (::read(gate[0], &none, 1) != 0)
+                    return "no gate";
                 SqliteRegistry registry(folders());
                 return write(registry, "B", std::to_string(i), "1") ? "written" : "not written";
             }));
+        // All begin when the gate goes.
+        ::close(gate[1]);
         for (const auto& other : others)
             EXPECT_EQ(other->answer(), "written");
+        ::close(gate[0]);
+        EXPECT_EQ(asideFiles().size(), 1U);
+        SqliteRegistry registry(folders());
+        EXPECT_EQ(registry.valueNames(kUser, "B"), (Names{"0", "1", "2", "3", "4", "5"}));
     }
-    EXPECT_EQ(asideFiles().size(), 1U);
-    SqliteRegistry registry(folders());
-    EXPECT_EQ(registry.valueNames(kUser, "B"), (Names{"0", "1", "2", "3"}));
 }
 
 TEST_F(DamagedRegistry, ThatCannotBeSetAsideStaysAsItIs)

@@ -120,6 +120,13 @@ void takeWindow(MarkArray& array, const MarkRows& marks, const FormWindow& windo
         }
 }
 
+/// The host's pump has the wait come round every few milliseconds, as a real one does, rather than jump to the next
+/// event of the line.
+void runPump(ReaderHost& host)
+{
+    host.machine.pump().hostPump([] {});
+}
+
 void demandNoError(const Scanmark& device, ReaderHost& host)
 {
     EXPECT_EQ(device.errors(), std::vector<std::string>{});
@@ -143,6 +150,7 @@ void readRandomWindows(std::uint64_t seed, Rate rate)
     ReaderHost host;
     Scanmark device({.model = model, .sheets = {sheet}, .rate = rate});
     host.connect(model, device);
+    runPump(host);
     clsKELReader& reader = host.reader();
     reader.RecognitionMode(kelRecognitionTypeWindow);
     reader.Duplex(Boolean(twoSides));
@@ -200,6 +208,8 @@ TEST(ScanmarkSessions, PagesOnAllModels)
                 ReaderHost host;
                 Scanmark device({.model = model, .sheets = sheets});
                 host.connect(model, device);
+                runPump(host);
+                host.reader().RecognitionMode(kelRecognitionTypePage);
                 host.reader().Feeder(Boolean(feeder));
                 host.reader().Duplex(Boolean(twoSides));
                 host.reader().DuplexForm(Boolean(twoSides));
@@ -229,6 +239,8 @@ TEST(ScanmarkSessions, SheetsTakeTheFormsOfAJobInTurn)
     ReaderHost host;
     Scanmark device({.model = kelReaderTypeScantronScanMark2500, .sheets = sheets});
     host.connect(kelReaderTypeScantronScanMark2500, device);
+    runPump(host);
+    host.reader().RecognitionMode(kelRecognitionTypePage);
     host.reader().Side1Rows(pages({3, 12}));
     host.reader().Side1Cols(pages({48, 48}));
     host.reader().Side2Rows(pages({0, 0}));
@@ -255,6 +267,8 @@ protected:
             options.faults.push_back(parseFault(fault));
         device_.emplace(std::move(options));
         host_.connect(kelReaderTypeScantronScanMark2500, *device_);
+        runPump(host_);
+        reader().RecognitionMode(kelRecognitionTypePage);
         reader().Duplex(False);
         reader().Timeout(600);
         reader().Side1Rows(pages({1}));
@@ -335,7 +349,8 @@ TEST_F(ScanmarkSession, ACancelEndsTheStart)
         const Moment begin = host_.machine.now();
         cancelAt(begin + 5s);
         EXPECT_FALSE(reader().StartReader());
-        EXPECT_EQ(host_.machine.now() - begin, 5s);
+        EXPECT_GE(host_.machine.now() - begin, 5s);
+        EXPECT_LT(host_.machine.now() - begin, 6s);
         EXPECT_EQ(reports(), texts);
         EXPECT_FALSE(reader().EndReader());
         EXPECT_EQ(device_->errors(), Texts{});
@@ -386,8 +401,12 @@ TEST_F(ScanmarkSession, ASheetPutInByHandIsRead)
 
 TEST_F(ScanmarkSession, ACancelIsNotLookedAtWithinStatusAndCells)
 {
-    for (const auto& [silence, number, where] :
-         {std::tuple{"silent@byte=8", 428, 12s}, {"silent@byte=20", 456, 12s}, {"silent@byte=70", 428, 12s}}) {
+    const std::pair<const char*, std::string> waits[] = {
+        {"silent@byte=8", VBLM_RTString(TextNumber(428))},
+        {"silent@byte=20", VBLM_RTString(TextNumber(456))},
+        {"silent@byte=70", VBLM_RTString(TextNumber(428))},
+    };
+    for (const auto& [silence, text] : waits) {
         SCOPED_TRACE(silence);
         host_.heard().reports.clear();
         connect({silence});
@@ -397,8 +416,8 @@ TEST_F(ScanmarkSession, ACancelIsNotLookedAtWithinStatusAndCells)
         cancelAt(begin + 5s);
         EXPECT_FALSE(reader().ReadPage(False));
         EXPECT_GE(host_.machine.now() - begin, 10s);
-        EXPECT_LT(host_.machine.now() - begin, where);
-        EXPECT_EQ(reports(), Texts{VBLM_RTString(TextNumber(number))});
+        EXPECT_LT(host_.machine.now() - begin, 12s);
+        EXPECT_EQ(reports(), Texts{text});
         reader().EndReader();
         EXPECT_EQ(device_->errors(), Texts{});
     }
@@ -453,6 +472,7 @@ TEST(ScanmarkOverAPseudoTerminal, ThreeSheets)
     reader.SetError(heard);
     reader.LoadDefaults(kelReaderTypeScantronScanMark2500);
     reader.Port(1);
+    reader.RecognitionMode(kelRecognitionTypePage);
     reader.SleepTime(1);
     reader.Side1Rows(pages({2}));
     reader.Side1Cols(pages({48}));

@@ -119,6 +119,9 @@ TEST_F(OmrApiSimulationTest, TellsAnEmptyFeeder)
     EXPECT_EQ(feed(), 0x40110000);
     EXPECT_THAT(simulation.report().log, ElementsAre(SheetRecord{SheetEvent::Empty, 0, "", 0, 0}));
     EXPECT_THAT(faults(), IsEmpty());
+    start({.feedCodes = {{1, 0x40110002}}});
+    EXPECT_EQ(feed(), 0x40110002);
+    EXPECT_THAT(simulation.report().log, ElementsAre(SheetRecord{SheetEvent::Empty, 0, "", 0, 0}));
 }
 
 TEST_F(OmrApiSimulationTest, TellsTheCodesThatItWasGiven)
@@ -220,6 +223,15 @@ TEST_F(OmrApiSimulationTest, NotesAReaderThatIsNotReady)
     feed();
     EXPECT_THAT(faults(), ElementsAre("a feed with another reading method", "a feed with another number of columns",
                                       "a feed with another feed mode", "a feed before the back sensor was set"));
+}
+
+TEST_F(OmrApiSimulationTest, WantsTheBackSensorSetInEachSession)
+{
+    start();
+    api().OMR_CloseDevice();
+    api().OMR_OpenDeviceUSB();
+    feed();
+    EXPECT_THAT(faults(), ElementsAre("a feed before the back sensor was set"));
 }
 
 TEST_F(OmrApiSimulationTest, NotesWrongSettings)

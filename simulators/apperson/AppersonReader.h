@@ -1,0 +1,58 @@
+#pragma once
+
+#include "simulators/framework/Simulator.h"
+
+#include <deque>
+#include <set>
+
+namespace kel
+{
+
+/// What the simulated Apperson readers have in common: they answer a command with "OK" and something behind it, and
+/// they want the commands of a start in their order.
+///
+/// Settings: `feed-ms` (how long a sheet takes), `reply-ms`, `reply-tail` (what stands behind "OK", in the notation of
+/// transcripts; a line end without it), `refuse` and `silent` (commands, with commas between, that are answered "NO"
+/// and not at all; neither has an effect), `reader-grade` (the host leaves the grading to the reader, and so must not
+/// switch it to sending for the host), `jam-code` (206 without it: what is told of a sheet that is stuck).
+class AppersonReader : public Simulator
+{
+protected:
+    explicit AppersonReader(SimulatorOptions options);
+
+    /// Answers a command, with so many bytes at most. False if it is one that is refused or not heard.
+    bool answer(const std::string& command, std::size_t longest = std::string::npos);
+
+    /// The commands that a start consists of from here on.
+    void expectSteps(std::deque<std::string> steps) { steps_ = std::move(steps); }
+
+    /// A command of a start: answered, and a mistake of the host unless it is the next one.
+    void takeStep(const std::string& command);
+
+    [[nodiscard]] bool stepsDone() const noexcept { return steps_.empty(); }
+
+    /// What the host should have sent before a command that it sends now.
+    void demandStepsDone(const std::string& command);
+
+    /// A field of the sheet as a number, a fallback where there is none.
+    [[nodiscard]] Int32 fieldNumber(const std::string& name, Int32 fallback) const;
+
+    [[nodiscard]] bool readerGrade() const noexcept { return readerGrade_; }
+    [[nodiscard]] Moment feedTime() const noexcept { return feedTime_; }
+    [[nodiscard]] Int32 jamCode() const noexcept { return jamCode_; }
+
+private:
+    std::deque<std::string> steps_;
+    Moment feedTime_;
+    Moment replyTime_;
+    std::string okay_;
+    std::set<std::string> refused_;
+    std::set<std::string> unheard_;
+    bool readerGrade_;
+    Int32 jamCode_;
+};
+
+/// A text cut or filled up with blanks to a length.
+[[nodiscard]] std::string padded(std::string text, std::size_t length);
+
+} // namespace kel
