@@ -64,8 +64,9 @@ void addFormat(CLI::App& command, std::string& format, const std::vector<std::st
 
 int runCommandLine(int argc, const char* const* argv)
 {
-    // A reader of our output that goes away is told as a failed write.
+    // A reader of our output that goes away, and a file that may not grow, are told as a failed write.
     std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
 
     CLI::App app("Reads sheets with optical mark readers.", "kelreader");
     app.set_version_flag("--version", "kelreader " KEL_VERSION);

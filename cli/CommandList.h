@@ -3,7 +3,7 @@
 // All commands of the program: each is one file in commands/, with the function that is named here.
 #define KEL_COMMANDS(command)                                                                                          \
     command(addModelsCommand) command(addModelCommand) command(addPortsCommand) command(addScanCommand)                \
-        command(addSimulateCommand)
+        command(addSimulateCommand) command(addSettingsCommand) command(addReplayCommand)
 
 namespace kel {
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "cli/JsonValue.h"
+#include "failure/ErrorReport.h"
 #include "types/Arrays.h"
 #include "types/Numbers.h"
 
@@ -31,6 +32,13 @@ struct ReportedFailure {
     std::string source;
     std::string title;
 };
+
+/// A report as the scan tells it.
+[[nodiscard]] inline ReportedFailure reportedFailure(const ErrorReport& report)
+{
+    return {report.LineNumber,       report.ErrorNumber, report.ErrorType,
+            report.ErrorDescription, report.ErrorSource, report.ErrorTitle};
+}
 
 /// The end of a batch.
 struct BatchEnd {

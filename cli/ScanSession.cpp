@@ -1,5 +1,6 @@
 #include "cli/ScanSession.h"
 
+#include "cli/LoadedSettings.h"
 #include "cli/PropertyTable.h"
 #include "platform/Platform.h"
 #include "reader/Dictionary.h"
@@ -145,8 +146,7 @@ public:
 
     Int32 RaiseError(const ErrorReport& report) override
     {
-        failures_.push_back({report.LineNumber, report.ErrorNumber, report.ErrorType, report.ErrorDescription,
-                             report.ErrorSource, report.ErrorTitle});
+        failures_.push_back(reportedFailure(report));
         sink_.failure(failures_.back());
         return 0;
     }
@@ -195,9 +195,15 @@ std::string filledIn(std::string text, Int32 sheet, const std::string& barcode)
     return replaceAll(text, "{barcode}", barcode);
 }
 
-void prepareReader(clsKELReader& reader, const ScanRequest& request)
+std::vector<ReportedFailure> prepareReader(clsKELReader& reader, const ScanRequest& request)
 {
-    reader.LoadDefaults(request.model);
+    std::vector<ReportedFailure> failures;
+    if (request.settings)
+        failures = loadSettings(reader, *request.settings);
+    else if (request.model)
+        reader.LoadDefaults(*request.model);
+    if (request.settings && request.model)
+        reader.ReaderType(*request.model);
     applyForm(request.form, reader);
     if (request.answerKey)
         reader.AnswerKey(request.answerKey->key);
@@ -211,6 +217,7 @@ void prepareReader(clsKELReader& reader, const ScanRequest& request)
         if (request.print.distance)
             reader.Printer()->Distance(*request.print.distance);
     }
+    return failures;
 }
 
 ScanResult runScan(clsKELReader& reader, const ScanRequest& request, ScanSink& sink,

@@ -3,6 +3,7 @@
 #include "cli/AnswerKeyFile.h"
 #include "cli/FormFile.h"
 #include "cli/ScanEvents.h"
+#include "platform/RegistryPath.h"
 #include "reader/clsKELReader.h"
 
 #include <functional>
@@ -26,10 +27,11 @@ struct PrintRequest {
 
 /// What to do with a reader.
 struct ScanRequest {
-    kelReaderType model = kelReaderTypeNone;
+    std::optional<kelReaderType> model;   ///< without one it is that of the settings
+    std::optional<RegistryPath> settings; ///< where the settings are kept; without it the model has its defaults
     ScanForm form;
     std::optional<ScanAnswerKey> answerKey; ///< for readers that grade by themselves
-    std::vector<std::string> assignments; ///< "Property=Value", behind the model's defaults and the form
+    std::vector<std::string> assignments;   ///< "Property=Value", behind the model's defaults and the form
     std::optional<Int16> port;
     Int32 maxSheets = -1;
     bool rejectBlank = false;
@@ -43,9 +45,9 @@ struct ScanResult {
     std::vector<ReportedFailure> failures;
 };
 
-/// Gives a reader the defaults of the model, the form, the answer key, the port, the assignments and the print settings.
-/// UsageError for an assignment that is wrong.
-void prepareReader(clsKELReader& reader, const ScanRequest& request);
+/// Gives a reader the kept settings or the defaults of the model, the form, the answer key, the port, the assignments
+/// and the print settings, and tells which of the kept settings failed. UsageError for an assignment that is wrong.
+std::vector<ReportedFailure> prepareReader(clsKELReader& reader, const ScanRequest& request);
 
 /// Reads a batch with a reader that is prepared, and tells the sink of all that happens. While it runs, the reports of
 /// the whole process go to the sink, and `stopWanted` is asked now and then: once it says true, `CancelScan` is set.

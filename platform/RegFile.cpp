@@ -4,7 +4,6 @@
 #include "platform/Utf16.h"
 #include "types/Text.h"
 
-
 namespace kel {
 
 namespace {

@@ -17,8 +17,8 @@ constexpr std::string_view kTurnedMark = "\xFE\xFF";
 
 std::size_t lineAt(std::string_view text, std::size_t place)
 {
-    return 1 + static_cast<std::size_t>(std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(place),
-                                                   '\n'));
+    return 1 +
+           static_cast<std::size_t>(std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(place), '\n'));
 }
 
 /// The file's text in UTF-8, without a byte-order mark.

@@ -114,6 +114,8 @@ TranscriptLine parseDialogueLine(std::string_view text, int number)
         if (trimmed(rest.substr(0, rest.find('#'))) != "unplug")
             throw TranscriptError(number, "\"" + std::string(trimmed(rest)) + "\" is no event; there is: unplug");
         line.kind = TranscriptLine::Kind::Unplug;
+        if (const std::size_t comment = rest.find('#'); comment != std::string_view::npos)
+            line.note = trimmed(rest.substr(comment + 1));
         break;
     default:
         throw TranscriptError(number,
@@ -208,7 +210,7 @@ std::string writeTranscriptLine(const TranscriptLine& line)
     case TranscriptLine::Kind::ToReader: return "> " + transcriptBytes(line.bytes);
     case TranscriptLine::Kind::FromReader: return "< " + transcriptBytes(line.bytes);
     case TranscriptLine::Kind::Pause: return "+ " + numberText(line.milliseconds);
-    case TranscriptLine::Kind::Unplug: return "! unplug";
+    case TranscriptLine::Kind::Unplug: return line.note.empty() ? "! unplug" : "! unplug # " + line.note;
     }
     return {};
 }

@@ -25,6 +25,7 @@ struct TranscriptLine {
     std::string bytes = {};
     double milliseconds = 0;
     int number = 0; ///< of the line in its text, from 1; 0 if it was not parsed
+    std::string note = {}; ///< of an unplug: what the host was told, which stands behind a # and may be missing
 
     friend bool operator==(const TranscriptLine& a, const TranscriptLine& b)
     {

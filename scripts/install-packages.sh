@@ -5,7 +5,7 @@ set -euo pipefail
 
 build=(g++ cmake ninja-build ccache pkg-config python3
        libserialport-dev libgensio-dev libsqlite3-dev libcli11-dev nlohmann-json3-dev)
-test=(libgtest-dev libgmock-dev libbenchmark-dev)
+test=(libgtest-dev libgmock-dev libbenchmark-dev ser2net openssl)
 fuzz=(clang libclang-rt-14-dev)
 
 wanted=()

@@ -6,6 +6,7 @@
 #include "simulators/ezdata/EZData.h"
 #include "simulators/ncs/OpScan.h"
 #include "simulators/peripheral_dynamics/VMR138.h"
+#include "simulators/scanning_systems/SekonicSerial.h"
 #include "simulators/scantron/Scanmark.h"
 
 #include <algorithm>
@@ -62,6 +63,20 @@ const std::vector<SimulatorFamily>& families()
           kelReaderTypeChatsworthACF200, kelReaderTypeChatsworthACP200},
          {.side1Rows = 40, .side1Columns = 12},
          make<Chatsworth>},
+        {{kelReaderTypeScanningSystemsSR601, kelReaderTypeScanningSystemsSR700351},
+         {.side1Rows = 40, .side1Columns = 48, .highestMark = 15, .barcodes = 1},
+         make<SekonicSerial>},
+        {{kelReaderTypeScanningSystemsSR607, kelReaderTypeScanningSystemsSR700352},
+         {.side1Rows = 40,
+          .side1Columns = 48,
+          .side2Rows = 40,
+          .side2Columns = 48,
+          .highestMark = 15,
+          .barcodes = 1},
+         make<SekonicSerial>},
+        {{kelReaderTypeScanningSystemsSR410, kelReaderTypeSekonicSR430},
+         {.side1Rows = 40, .side1Columns = 12, .highestMark = 15},
+         make<SekonicSerial>},
         {{kelReaderTypeNCSOpScan2, kelReaderTypeNCSOpScan3, kelReaderTypeNCSOpScan4, kelReaderTypeNCSOpScan5,
           kelReaderTypeNCSOpScan6, kelReaderTypeNCSOpScan7, kelReaderTypeNCSOpScan8, kelReaderTypeNCSOpScaniNSIGHT2,
           kelReaderTypeNCSOpScaniNSIGHT4},

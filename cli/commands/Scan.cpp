@@ -1,22 +1,20 @@
 #include "cli/CommandList.h"
 #include "cli/Commands.h"
 #include "cli/Interrupt.h"
-#include "cli/JsonLines.h"
+#include "cli/LoadedSettings.h"
 #include "cli/ModelLookup.h"
-#include "cli/Progress.h"
+#include "cli/ScanOutput.h"
 #include "cli/ScanSession.h"
-#include "cli/SheetCsv.h"
-#include "cli/SheetTable.h"
 #include "cli/SimulatorArguments.h"
 #include "cli/TextOutput.h"
+#include "cli/TraceHead.h"
 #include "cli/UsageError.h"
 #include "platform/PortMap.h"
+#include "platform/TracingCarrier.h"
 #include "platform/posix/PtyDeviceHost.h"
 #include "types/Text.h"
 
 #include <iostream>
-#include <sys/ioctl.h>
-#include <unistd.h>
 
 namespace kel
 {
@@ -29,6 +27,7 @@ constexpr Int16 kDevicePort = 1;
 
 struct Arguments {
     std::string model;
+    std::string settings;
     std::optional<Int16> port;
     std::string device;
     bool simulate = false;
@@ -38,6 +37,7 @@ struct Arguments {
     Int32 maxSheets = -1;
     std::string format;
     std::string outFile;
+    std::string traceFile;
     bool rejectBlank = false;
     std::vector<Int32> rejectSheets;
     PrintRequest print;
@@ -47,7 +47,12 @@ struct Arguments {
 ScanRequest requestOf(const Arguments& arguments)
 {
     ScanRequest request;
-    request.model = modelNamed(arguments.model);
+    if (!arguments.settings.empty())
+        request.settings = keyNamed(arguments.settings);
+    if (!arguments.model.empty())
+        request.model = modelNamed(arguments.model);
+    if (!request.model && !request.settings)
+        throw CLI::RequiredError("--model");
     if (!arguments.formFile.empty())
         request.form = readFormFile(arguments.formFile);
     if (!arguments.answerKeyFile.empty())
@@ -70,6 +75,8 @@ void demandLine(const Arguments& arguments, const clsKELReader& reader)
     if (!named && reader.Port() == 0 && profile && profile->InterfaceType() == kelReaderInterfaceTypeSerial)
         throw UsageError("Where is the reader? Say --port N, --device PATH or --simulate ('kelreader ports' lists the "
                          "devices that are there).");
+    if (!arguments.traceFile.empty() && profile && profile->InterfaceType() != kelReaderInterfaceTypeSerial)
+        throw UsageError("A USB reader has no line that --trace could write down.");
     if (arguments.simulator.given() && !arguments.simulate)
         throw UsageError("The options of a simulated reader go with --simulate.");
 }
@@ -78,8 +85,8 @@ void demandLine(const Arguments& arguments, const clsKELReader& reader)
 class SimulatedLine
 {
 public:
-    SimulatedLine(const Arguments& arguments, const ScanRequest& request)
-        : reader_(arguments.simulator.make(request.model, request.form)), host_(*reader_)
+    SimulatedLine(const Arguments& arguments, kelReaderType model, const ScanForm& form)
+        : reader_(arguments.simulator.make(model, form)), host_(*reader_)
     {
         host_.start();
     }
@@ -100,74 +107,47 @@ private:
     PtyDeviceHost host_;
 };
 
-std::size_t terminalWidth()
+/// Has the line of a reader written down while it is used. The file lives as long as the reader's carrier.
+std::shared_ptr<const TextOutput> trace(const Arguments& arguments, const ScanRequest& request, clsKELReader& reader)
 {
-    winsize size{};
-    return ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : 100;
+    const auto file = std::make_shared<TextOutput>(arguments.traceFile);
+    const TraceLog::Head head = traceHead(request, reader, arguments.formFile, arguments.answerKeyFile);
+    reader.fComm(
+        makeReference<TracingCarrier>(reader.fComm(), head, [file](const std::string& line) { file->write(line); }));
+    return file;
 }
 
-/// Writes the events in the form that was asked for, with the progress line kept out of the way.
-class ScanOutput final : public ScanSink
+/// Settings that do not fit leave the reader half set: nothing is read with it.
+int refuseSettings(const Arguments& arguments, const clsKELReader& reader, const std::vector<ReportedFailure>& failures)
 {
-public:
-    explicit ScanOutput(const Arguments& arguments)
-    {
-        if (!arguments.outFile.empty())
-            output_.emplace(arguments.outFile);
-        else
-            output_.emplace();
-        const auto write = [this](const std::string& text) {
-            progress_.clear();
-            output_->write(text);
-        };
-        const auto tell = [this](const std::string& text) {
-            progress_.clear();
-            std::cerr << "kelreader: " << text << std::flush;
-        };
-        if (arguments.format == "csv")
-            lines_ = std::make_unique<SheetCsv>(write, tell);
-        else if (arguments.format == "table")
-            lines_ = std::make_unique<TableText>(write, tell, terminalWidth());
-        else
-            lines_ = std::make_unique<JsonLines>(write, tell);
-    }
-
-    void sheet(const ScannedSheet& event) override
-    {
-        lines_->sheet(event);
-        progress_.sheet();
-    }
-    void failure(const ReportedFailure& event) override { lines_->failure(event); }
-    void end(const BatchEnd& event) override
-    {
-        progress_.clear();
-        lines_->end(event);
-    }
-
-    [[nodiscard]] const TextOutput& output() const { return *output_; }
-
-private:
-    Progress progress_;
-    std::optional<TextOutput> output_;
-    std::unique_ptr<ScanSink> lines_;
-};
+    ScanOutput output(arguments.outFile, arguments.format);
+    for (const ReportedFailure& failure : failures)
+        output.failure(failure);
+    output.end({.started = false, .sheets = 0, .cancelScan = static_cast<bool>(reader.CancelScan()), .result = false});
+    return kFailedStatus;
+}
 
 int run(const Arguments& arguments)
 {
     const ScanRequest request = requestOf(arguments);
     clsKELReader reader;
-    prepareReader(reader, request);
+    const std::vector<ReportedFailure> failures = prepareReader(reader, request);
+    if (!failures.empty())
+        return refuseSettings(arguments, reader, failures);
     demandLine(arguments, reader);
 
     std::optional<SimulatedLine> simulated;
     if (arguments.simulate)
-        simulated.emplace(arguments, request);
+        simulated.emplace(arguments, request.model.value_or(reader.ReaderType()), request.form);
     const std::string device = simulated ? simulated->deviceFile() : arguments.device;
     std::optional<PortOverride> inItsPlace;
     if (!device.empty())
         inItsPlace.emplace(reader.Port(), device);
 
-    ScanOutput output(arguments);
+    ScanOutput output(arguments.outFile, arguments.format);
+    std::shared_ptr<const TextOutput> transcript;
+    if (!arguments.traceFile.empty())
+        transcript = trace(arguments, request, reader);
     const InterruptNote interrupt;
     const ScanResult result =
         runScan(reader, request, output, [&] { return InterruptNote::came() || output.output().failed(); });
@@ -178,12 +158,18 @@ int run(const Arguments& arguments)
         return kInterruptedStatus;
     if (output.output().failed())
         throw CommandFailure(output.output().problem());
+    if (transcript && transcript->failed())
+        throw CommandFailure(transcript->problem());
     return result.failures.empty() && result.end.started ? kDoneStatus : kFailedStatus;
 }
 
 void addReaderOptions(CLI::App& command, Arguments& arguments)
 {
-    command.add_option("--model", arguments.model, "The model, by number or name")->required();
+    command.add_option("--model", arguments.model, "The model, by number or name; --settings may name it too");
+    command
+        .add_option("--settings", arguments.settings,
+                    "Takes the settings that are kept under a key in place of the model's defaults")
+        ->type_name("HIVE\\SUBKEY");
     CLI::Option* port =
         command.add_option("--port", arguments.port, "The reader's port number ('kelreader ports')")->type_name("N");
     CLI::Option* device =
@@ -229,6 +215,10 @@ void addScanCommand(Commands& commands)
     addSheetOptions(command, *arguments);
     addFormat(command, arguments->format, {"json", "csv", "table"});
     command.add_option("--out", arguments->outFile, "Writes to a file in place of standard output")->type_name("FILE");
+    command
+        .add_option("--trace", arguments->traceFile,
+                    "Writes down what goes over the line, for 'kelreader replay'")
+        ->type_name("FILE");
     arguments->simulator.addTo(command);
     command.footer(
         "json: a line an event, the last one is the end. csv: a heading and a row a sheet; side1 and side2 "

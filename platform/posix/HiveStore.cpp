@@ -189,8 +189,7 @@ bool HiveStore::removeValue(std::string_view subKey, std::string_view name)
 
 bool HiveStore::removeKey(std::string_view subKey)
 {
-    return withDatabase(false, false,
-                        [&](HiveDatabase& database) { return database.removeKey(normalized(subKey)); });
+    return withDatabase(false, false, [&](HiveDatabase& database) { return database.removeKey(normalized(subKey)); });
 }
 
 bool HiveStore::exists(std::string_view subKey)

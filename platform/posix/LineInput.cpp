@@ -37,9 +37,15 @@ bool LineInput::mayBeOld() const noexcept
     return old_ || steadyTime() - lastLook_ > lookLasts_;
 }
 
+/// A look that found nothing a moment ago is not repeated: the caller asks twice in one breath.
+bool LineInput::foundNothingJustNow() const noexcept
+{
+    return lookedInVain_ && !old_ && steadyTime() - lastLook_ <= kShortestLook;
+}
+
 Int32 LineInput::count()
 {
-    if (waiting() == 0 || mayBeOld())
+    if (waiting() == 0 ? !foundNothingJustNow() : mayBeOld())
         look();
     untold_ = false;
     if (hungUp_) {
@@ -57,7 +63,7 @@ Int32 LineInput::count()
 std::string LineInput::take(Int32 most)
 {
     const auto wanted = most == 0 ? std::numeric_limits<std::size_t>::max() : static_cast<std::size_t>(most);
-    if (waiting() == 0 || (waiting() < wanted && mayBeOld()))
+    if (waiting() == 0 ? !foundNothingJustNow() : waiting() < wanted && mayBeOld())
         look();
     untold_ = false;
     if (waiting() == 0 && hungUp_)
@@ -70,7 +76,7 @@ std::string LineInput::take(Int32 most)
         taken_ = 0;
     }
     if (count > 0) {
-        takenInTurn_ = true;
+        busyInTurn_ = true;
         vainLooks_ = 0;
     }
     return result;
@@ -79,9 +85,9 @@ std::string LineInput::take(Int32 most)
 /// What the caller asks for is no news to it afterwards.
 void LineInput::look()
 {
-    old_ = false;
-    if (canBringMore() && readOnce() >= kFullRead)
-        old_ = true; // there was more than one read gives
+    const std::size_t count = canBringMore() ? readOnce() : 0;
+    old_ = count >= kFullRead; // then there was more than one read gives
+    lookedInVain_ = count == 0 && !hungUp_;
     lastLook_ = steadyTime();
 }
 
@@ -97,6 +103,7 @@ void LineInput::fetch(bool hangUpSignalled)
     if (hangUpSignalled)
         hungUp_ = true;
     old_ = false;
+    lookedInVain_ = false;
     lastLook_ = steadyTime();
     if (waiting() > before) {
         untold_ = true;
@@ -125,7 +132,7 @@ std::size_t LineInput::readOnce()
 
 void LineInput::turnEnds() noexcept
 {
-    takenInTurn_ = false;
+    busyInTurn_ = false;
     offered_ = true;
     timePassed_ = true;
 }
@@ -134,6 +141,7 @@ void LineInput::timePasses() noexcept
 {
     old_ = true;
     timePassed_ = true;
+    busyInTurn_ = true;
 }
 
 void LineInput::failHungUp() const

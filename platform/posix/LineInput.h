@@ -32,7 +32,11 @@ public:
     [[nodiscard]] std::string take(Int32 most);
 
     /// Bytes have been sent, so that an answer may have come.
-    void answerMayCome() noexcept { old_ = true; }
+    void answerMayCome() noexcept
+    {
+        old_ = true;
+        busyInTurn_ = true;
+    }
 
     /// The failures of a line that has hung up, and of one that does not take the rest of an output.
     [[noreturn]] void failHungUp() const;
@@ -56,8 +60,9 @@ public:
     /// Whether something waits that the caller has not been told yet.
     [[nodiscard]] bool untold() const noexcept { return untold_; }
 
-    /// Whether there is work for the caller: something waits that it takes bit by bit, or that is news to it.
-    [[nodiscard]] bool inviting() const noexcept { return waiting() > 0 && (takenInTurn_ || (untold_ && !offered_)); }
+    /// Whether the caller is not to be kept: it has taken or sent something since the pump last returned, or something
+    /// waits that is news to it. A caller that pauses whenever nothing waits gets to its pause so.
+    [[nodiscard]] bool inviting() const noexcept { return busyInTurn_ || (waiting() > 0 && untold_ && !offered_); }
 
     /// The pump gives the thread back to the caller.
     void turnEnds() noexcept;
@@ -75,6 +80,7 @@ private:
 
     [[nodiscard]] std::size_t waiting() const noexcept { return buffer_.size() - taken_; }
     [[nodiscard]] bool mayBeOld() const noexcept;
+    [[nodiscard]] bool foundNothingJustNow() const noexcept;
     void look();
     [[nodiscard]] std::size_t readOnce();
 
@@ -87,7 +93,8 @@ private:
     bool old_ = false;         // what is known of the line may be outdated
     bool untold_ = false;      // bytes came behind the caller's back, and it has not asked since
     bool offered_ = false;     // the pump has returned because of them
-    bool takenInTurn_ = false; // the caller has taken bytes since the pump last returned
+    bool busyInTurn_ = false;  // the caller has taken or sent bytes since the pump last returned
+    bool lookedInVain_ = false; // the last look found nothing
     bool hungUp_ = false;
     int vainLooks_ = 0; // at a dead line, without taking anything
     bool timePassed_ = false;

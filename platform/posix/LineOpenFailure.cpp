@@ -75,8 +75,8 @@ RuntimeFailure lineOpenFailure(Int16 port, const std::string& device, int error)
     default: break;
     }
     if (error == EACCES || error == EPERM)
-        return failure(code, name + " may not be opened: " + cause + "; " + deviceAccessText(device) + ". To be let in, " +
-                                 deviceAccessAdvice(device) + ".");
+        return failure(code, name + " may not be opened: " + cause + "; " + deviceAccessText(device) +
+                                 ". To be let in, " + deviceAccessAdvice(device) + ".");
     return failure(code, name + " cannot be opened: " + cause + ".");
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "types/RuntimeFailure.h"
 #include "types/Numbers.h"
+#include "types/RuntimeFailure.h"
 
 #include <string>
 

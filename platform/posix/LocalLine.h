@@ -2,6 +2,7 @@
 
 #include "platform/LineDevice.h"
 #include "platform/posix/FileDescriptor.h"
+#include "platform/posix/LineEnd.h"
 #include "platform/posix/TerminalAttributes.h"
 
 #include <memory>
@@ -18,7 +19,7 @@ namespace kel {
 /// lines. Such a device is set here, through `TerminalAttributes`. In both cases this object has opened and locked the
 /// device first, so that the library touches no line that somebody uses, and that the modem lines stay as they are
 /// while the library opens and closes it.
-class LocalLine {
+class LocalLine final : public LineEnd {
 public:
     /// Opens the device of a port; a name without a folder is one below /dev. Fails with 8002 (absent), 8005 (in use),
     /// 8010 (not permitted), 8012 (not a serial device); the text names port, device and cause, and what to try.
@@ -26,22 +27,22 @@ public:
 
     /// Gives the device its former settings back and closes it. Output that is under way gets a moment to leave; what
     /// the device does not take any more is dropped.
-    ~LocalLine();
+    ~LocalLine() override;
     LocalLine(const LocalLine&) = delete;
     LocalLine& operator=(const LocalLine&) = delete;
 
     /// Sets the line. 8015 when the device refuses something, or takes something else in its place. A device without
     /// modem lines has no wire, and may keep what it likes.
-    void set(const LineParameters& line);
+    void set(const LineParameters& line) override;
 
     /// Drops the input that has arrived.
-    void dropInput() noexcept;
+    void dropInput() noexcept override;
 
     /// What to read, write and wait on; it never blocks.
-    [[nodiscard]] int handle() const noexcept { return handle_; }
+    [[nodiscard]] int handle() const noexcept override { return handle_; }
 
     /// How failures name it: "Port 3 (/dev/ttyUSB0)".
-    [[nodiscard]] const std::string& name() const noexcept { return name_; }
+    [[nodiscard]] const std::string& name() const noexcept override { return name_; }
 
 private:
     struct ClosePort {

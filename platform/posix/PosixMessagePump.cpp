@@ -78,7 +78,8 @@ void PosixMessagePump::fireTimers()
 {
     if (timers_.empty())
         return;
-    const bool inputCame = std::any_of(lines_.begin(), lines_.end(), [](const LineInput* line) { return line->untold(); });
+    const bool inputCame =
+        std::any_of(lines_.begin(), lines_.end(), [](const LineInput* line) { return line->untold(); });
     const std::vector<PosixScanTimer*> running = timers_;
     for (PosixScanTimer* timer : running)
         timer->fireIfDue(now(), inputCame);

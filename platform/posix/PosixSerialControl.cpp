@@ -6,21 +6,31 @@
 #include "platform/posix/LineOutput.h"
 #include "platform/posix/LocalLine.h"
 #include "platform/posix/PosixMessagePump.h"
+#include "platform/posix/RemoteLine.h"
 
 namespace kel {
 
+namespace {
+
+std::unique_ptr<LineEnd> lineEnd(Int16 port, const std::string& device)
+{
+    if (const std::optional<RemoteAddress> address = remoteAddress(device))
+        return std::make_unique<RemoteLine>(port, device, *address);
+    return std::make_unique<LocalLine>(port, device);
+}
+
+} // namespace
+
 struct PosixSerialControl::OpenLine {
-    OpenLine(Int16 port, const std::string& deviceName) : device(port, deviceName), input(device.handle(), device.name())
-    {
-    }
+    explicit OpenLine(std::unique_ptr<LineEnd> end) : device(std::move(end)), input(device->handle(), device->name()) {}
 
     void set(const LineParameters& parameters)
     {
-        device.set(parameters);
+        device->set(parameters);
         input.characterTime(parameters.characterTime());
     }
 
-    LocalLine device;
+    std::unique_ptr<LineEnd> device;
     LineInput input;
 };
 
@@ -45,8 +55,8 @@ void PosixSerialControl::Settings(const std::string& value)
 {
     LineParameters wanted = parseLineSettings(value);
     if (wanted.dataBits < 5)
-        throw RuntimeFailure(FailureCode::InvalidPropertyValue, failureText(FailureCode::InvalidPropertyValue) + ": \"" +
-                                                                    value +
+        throw RuntimeFailure(FailureCode::InvalidPropertyValue, failureText(FailureCode::InvalidPropertyValue) +
+                                                                    ": \"" + value +
                                                                     "\"; lines have 5 to 8 data bits on this system");
     wanted.handshaking = parameters_.handshaking;
     change(wanted);
@@ -98,10 +108,10 @@ std::unique_ptr<PosixSerialControl::OpenLine> PosixSerialControl::open() const
     const std::optional<std::string> device = PortMap(*registry_).get(port_);
     if (!device)
         throw unmappedPortFailure(port_);
-    auto line = std::make_unique<OpenLine>(port_, *device);
+    auto line = std::make_unique<OpenLine>(lineEnd(port_, *device));
     line->set(parameters_);
     // A line that nobody has open receives nothing.
-    line->device.dropInput();
+    line->device->dropInput();
     return line;
 }
 

@@ -82,8 +82,7 @@ void SqliteStatement::Finalize::operator()(sqlite3_stmt* statement) const noexce
 SqliteStatement::SqliteStatement(SqliteDatabase& database, const char* text)
 {
     sqlite3_stmt* prepared = nullptr;
-    const int result =
-        sqlite3_prepare_v3(database.handle(), text, -1, SQLITE_PREPARE_PERSISTENT, &prepared, nullptr);
+    const int result = sqlite3_prepare_v3(database.handle(), text, -1, SQLITE_PREPARE_PERSISTENT, &prepared, nullptr);
     statement_.reset(prepared);
     check(database.handle(), result);
 }

@@ -67,6 +67,7 @@ void SimulatedLine::close()
 void SimulatedLine::output(std::string_view bytes)
 {
     record(HostAction::Kind::Output, std::string(bytes));
+    ++busyCount_;
     clock_.progress();
     settle();
     Moment moment = std::max(clock_.now(), transmitterFree_);
@@ -114,7 +115,7 @@ std::string SimulatedLine::take(std::size_t most)
         return bytes;
     clock_.progress();
     taken_ += bytes.size();
-    takenCount_ += bytes.size();
+    ++busyCount_;
     if (taken_ == received_.size()) {
         received_.clear();
         taken_ = 0;
@@ -144,12 +145,13 @@ bool SimulatedLine::hasNews()
 {
     // The device may have been made to do something behind the line's back.
     settle();
-    const bool news = open_ && waiting() > 0 && (arrivedCount_ != arrivedSeen_ || takenCount_ != takenSeen_);
+    const bool news = open_ && waiting() > 0 && arrivedCount_ != arrivedSeen_;
+    const bool hostWasBusy = busyCount_ != busySeen_;
     arrivedSeen_ = arrivedCount_;
-    takenSeen_ = takenCount_;
+    busySeen_ = busyCount_;
     const bool hangUp = open_ && !hangUpSeen_ && device_->hungUp();
     hangUpSeen_ = hangUpSeen_ || hangUp;
-    return news || hangUp;
+    return news || hostWasBusy || hangUp;
 }
 
 void SimulatedLine::record(HostAction::Kind kind, std::string text)

@@ -71,8 +71,8 @@ public:
     /// The next moment at which something happens on this line by itself.
     [[nodiscard]] std::optional<Moment> nextEvent() const;
 
-    /// Whether bytes wait that have come since the last call, or that the host has taken some of since then; or
-    /// whether the line has hung up since then.
+    /// Whether bytes wait that have come since the last call, or the host has taken or sent any since then; or whether
+    /// the line has hung up since then.
     [[nodiscard]] bool hasNews();
 
     void record(HostAction::Kind kind, std::string text);
@@ -106,9 +106,9 @@ private:
     std::string received_;
     std::size_t taken_ = 0;
     std::uint64_t arrivedCount_ = 0;
-    std::uint64_t takenCount_ = 0;
+    std::uint64_t busyCount_ = 0; // what the host has taken and sent
     std::uint64_t arrivedSeen_ = 0;
-    std::uint64_t takenSeen_ = 0;
+    std::uint64_t busySeen_ = 0;
     bool hangUpSeen_ = false;
     std::vector<HostAction> actions_;
 };

@@ -3,6 +3,7 @@
 #include "types/RuntimeFailure.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace kel
 {
@@ -69,13 +70,15 @@ void SimulatedPump::DoEvents()
         inHostPump_ = false;
     }
     runActions();
-    if (!newsOnALine())
+    const bool slept = std::exchange(sleptInTurn_, false);
+    if (!newsOnALine() && !slept)
         moveOn();
 }
 
 void SimulatedPump::Sleep(Int32 milliseconds)
 {
     sleeps_.push_back({clock_.now(), milliseconds});
+    sleptInTurn_ = true;
     if (milliseconds > 0)
         clock_.advanceTo(clock_.now() + std::chrono::milliseconds(milliseconds));
 }

@@ -51,7 +51,8 @@ struct HostSleep {
 };
 
 /// The message pump under the virtual clock. `DoEvents` keeps the rule of the real one: due timers fire, the host
-/// runs; then it returns at once while there is news on a line, and otherwise the clock moves on to the next moment
+/// runs; then it returns at once while there is news on a line or the host has been busy since the turn before, and
+/// otherwise the clock moves on to the next moment
 /// at which anything happens.
 class SimulatedPump final : public MessagePump
 {
@@ -92,6 +93,7 @@ private:
     std::multimap<std::uint64_t, std::function<void()>> atTurns_;
     std::function<void()> hostPump_;
     bool inHostPump_ = false;
+    bool sleptInTurn_ = false;
     std::vector<HostSleep> sleeps_;
     std::uint64_t turns_ = 0;
 };

@@ -34,7 +34,8 @@ bool AppersonReader::answer(const std::string& command, std::size_t longest)
     if (unheard_.contains(command))
         return false;
     const bool accepted = !refused_.contains(command);
-    sendAfter(replyTime_, (accepted ? okay_ : std::string("NO\r\n")).substr(0, longest));
+    const std::string reply = (accepted ? okay_ : std::string("NO\r\n")).substr(0, longest);
+    schedule(replyTime_, [this, reply] { sendBlock(reply); });
     return accepted;
 }
 

@@ -141,25 +141,25 @@ void RawMarkReader::takeSheet()
     const Int32 good = link_ ? kLinkDone : kGradeDone;
     switch (feed()) {
     case Feed::Sheet:
-        sendBlock(link_ ? linkBytes() : gradeBytes(fieldOf(sheet(), "Error Code")), fieldNumber("Status", good));
+        sendSheet(link_ ? linkBytes() : gradeBytes(fieldOf(sheet(), "Error Code")), fieldNumber("Status", good));
         note(SheetEvent::Read);
         break;
     case Feed::Jam:
         if (link_)
-            sendBlock(linkBytes().substr(0, kFirstRowBytes + 3), jamCode());
+            sendSheet(linkBytes().substr(0, kFirstRowBytes + 3), jamCode());
         else
-            sendBlock(gradeBytes(std::to_string(jamCode())), good);
+            sendSheet(gradeBytes(std::to_string(jamCode())), good);
         break;
     case Feed::Empty:
         if (emptyCode_ == kWaits)
             waitingForSheet_ = true;
         else
-            sendBlock("", emptyCode_);
+            sendSheet("", emptyCode_);
         break;
     }
 }
 
-void RawMarkReader::sendBlock(const std::string& bytes, Int32 status)
+void RawMarkReader::sendSheet(const std::string& bytes, Int32 status)
 {
     const bool good = status == (link_ ? kLinkDone : kGradeDone);
     page_ = good && link_ ? Page::Sent : Page::None;

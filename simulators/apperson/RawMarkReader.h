@@ -49,7 +49,7 @@ private:
     void done();
     void endSession(const std::string& command);
     void takeSheet();
-    void sendBlock(const std::string& bytes, Int32 status);
+    void sendSheet(const std::string& bytes, Int32 status);
     [[nodiscard]] std::string linkBytes() const;
     [[nodiscard]] std::string gradeBytes(const std::string& errorCode) const;
     [[nodiscard]] std::string rowsAsBits() const;

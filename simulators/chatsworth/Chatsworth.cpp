@@ -2,11 +2,9 @@
 
 #include "platform/Transcript.h"
 
-namespace kel
-{
+namespace kel {
 
-namespace
-{
+namespace {
 
 using namespace std::chrono_literals;
 using Kind = HostCommand::Kind;

@@ -4,8 +4,7 @@
 #include "simulators/ezdata/PackedRows.h"
 #include "simulators/framework/Simulator.h"
 
-namespace kel
-{
+namespace kel {
 
 /// A Chatsworth OMR1100 (20), OMR2000 (21), ALS AccelScan (22), ACF200 (35) or ACP200 (41).
 ///
@@ -27,8 +26,7 @@ namespace kel
 ///
 /// Settings: `setup-reply`, `setup-ms`, `sheet-reply`, `feed-ms` (from the command to the page, and between two pages
 /// that come by themselves), `version`, `spare-bit`.
-class Chatsworth final : public Simulator
-{
+class Chatsworth final : public Simulator {
 public:
     explicit Chatsworth(SimulatorOptions options);
 

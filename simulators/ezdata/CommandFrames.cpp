@@ -2,11 +2,9 @@
 
 #include <string_view>
 
-namespace kel
-{
+namespace kel {
 
-namespace
-{
+namespace {
 
 using Kind = HostCommand::Kind;
 

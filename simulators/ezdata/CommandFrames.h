@@ -5,8 +5,7 @@
 #include <optional>
 #include <string>
 
-namespace kel
-{
+namespace kel {
 
 /// Something whole that the host of an EZData or Chatsworth reader has sent.
 struct HostCommand {
@@ -24,8 +23,7 @@ struct HostCommand {
 };
 
 /// Cuts the host's bytes into commands.
-class CommandFrames
-{
+class CommandFrames {
 public:
     /// The command that ends with this byte.
     [[nodiscard]] std::optional<HostCommand> take(Byte byte);

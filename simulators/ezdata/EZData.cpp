@@ -5,11 +5,9 @@
 #include <algorithm>
 #include <stdexcept>
 
-namespace kel
-{
+namespace kel {
 
-namespace
-{
+namespace {
 
 using Kind = HostCommand::Kind;
 
@@ -56,8 +54,8 @@ EZData::EZData(SimulatorOptions options)
 std::string EZData::configuration() const
 {
     // 22.03.80....INL68.1.5: what stands between the values means nothing.
-    return format_ + between_[0] + active_.flags + between_[1] + active_.timing + between_ + mode_ +
-           active_.threshold + between_[2] + active_.decay;
+    return format_ + between_[0] + active_.flags + between_[1] + active_.timing + between_ + mode_ + active_.threshold +
+           between_[2] + active_.decay;
 }
 
 void EZData::onOpen()

@@ -4,8 +4,7 @@
 #include "simulators/ezdata/PackedRows.h"
 #include "simulators/framework/Simulator.h"
 
-namespace kel
-{
+namespace kel {
 
 /// An EZData reader or a Chatsworth ACF100: framed commands, a stored configuration, packed mark bytes.
 ///
@@ -30,8 +29,7 @@ namespace kel
 /// long it hears nothing), `format`, `flags`, `timing`, `mode`, `threshold`, `decay` (the configuration at power-on),
 /// `between` (four characters of the configuration without a meaning), `last-byte` (behind "G" or "?"), `status`
 /// (bits that always stand), `stranded` (sheets in the path at power-on), `version`, `spare-bit`.
-class EZData final : public Simulator
-{
+class EZData final : public Simulator {
 public:
     explicit EZData(SimulatorOptions options);
 

@@ -3,11 +3,9 @@
 #include <array>
 #include <stdexcept>
 
-namespace kel
-{
+namespace kel {
 
-namespace
-{
+namespace {
 
 constexpr std::array<int, 6> kPositions = {0x01, 0x02, 0x04, 0x08, 0x10, 0x40};
 constexpr int kSpare = 0x20;

@@ -4,8 +4,7 @@
 
 #include <string>
 
-namespace kel
-{
+namespace kel {
 
 /// What bit 0x20 of a mark byte is; it carries no position.
 enum class SpareBit {

@@ -132,6 +132,15 @@ void Simulator::send(std::string_view bytes)
     transmitterFree_ = moment;
 }
 
+void Simulator::sendBlock(std::string_view bytes)
+{
+    const std::size_t before = queue_.size();
+    send(bytes);
+    if (outputFaults_.none())
+        for (std::size_t place = before; place < queue_.size(); ++place)
+            queue_[place].at = transmitterFree_;
+}
+
 Moment Simulator::sendFaultily(std::string_view bytes, Moment moment, Moment each)
 {
     moment += outputFaults_.beforeReply(bytes.size());

@@ -87,7 +87,11 @@ protected:
     void send(std::string_view bytes);
     void send(Byte byte) { send(std::string_view(reinterpret_cast<const char*>(&byte), 1)); }
 
-    /// The same after a delay.
+    /// The same, but the host sees all of it at once, when the last byte is through: as a port hands over a short
+    /// reply out of its own buffer. Beside faults the bytes come one by one.
+    void sendBlock(std::string_view bytes);
+
+    /// The same as `send` after a delay.
     void sendAfter(Moment delay, std::string bytes);
 
     /// Does something after a delay. Actions of the same moment run in the order in which they were scheduled.

@@ -5,11 +5,9 @@
 #include <stdexcept>
 #include <string_view>
 
-namespace kel
-{
+namespace kel {
 
-namespace
-{
+namespace {
 
 using namespace std::chrono_literals;
 
@@ -56,8 +54,8 @@ OpScan::OpScan(SimulatorOptions options)
       status2_(static_cast<Byte>(settingNumber("status2", 0))),
       statusLength_(static_cast<std::size_t>(
           lengthOf("status-length", settingNumber("status-length", kStatusLength), kStatusLength))),
-      reportLength_(static_cast<std::size_t>(lengthOf(
-          "report-length", settingNumber("report-length", Int32{kReportLength}), Int32{kReportLength}))),
+      reportLength_(static_cast<std::size_t>(
+          lengthOf("report-length", settingNumber("report-length", Int32{kReportLength}), Int32{kReportLength}))),
       feedTime_(std::chrono::milliseconds(settingNumber("feed-ms", 300))),
       format_{.compressed = settingFlag("compress", true),
               .alternating = settingFlag("alternate", false),
@@ -158,7 +156,7 @@ void OpScan::changeMode(const std::string& letter)
         fault("from mode " + std::string(1, mode_) + " to " + letter + " without w between them");
         return;
     }
-    if (session_ && sheet_ == Sheet::UnderWay)
+    if (session_ && stage_ == Stage::UnderWay)
         dropPending();
     session_ = false;
     if (reportsStillLate_ == 0)
@@ -214,8 +212,8 @@ void OpScan::onClose()
     unconfirmed_ = false;
     waitingForSheet_ = false;
     dropPending();
-    if (sheet_ == Sheet::UnderWay)
-        sheet_ = Sheet::None;
+    if (stage_ == Stage::UnderWay)
+        stage_ = Stage::None;
 }
 
 // --- Sheets
@@ -235,14 +233,14 @@ void OpScan::startRead()
         fault("command 11 without a session");
         return;
     }
-    if (sheet_ == Sheet::UnderWay) {
+    if (stage_ == Stage::UnderWay) {
         fault("command 11 while a sheet is under way");
         return;
     }
-    if (sheet_ == Sheet::Sent)
+    if (stage_ == Stage::Sent)
         fault("command 11 without s1 behind the sheet before it");
     letSheetGo();
-    sheet_ = Sheet::UnderWay;
+    stage_ = Stage::UnderWay;
     schedule(feedTime_, [this] { takeSheet(); });
 }
 
@@ -250,13 +248,13 @@ void OpScan::takeSheet()
 {
     switch (feed()) {
     case Feed::Sheet:
-        sheet_ = Sheet::Sent;
+        stage_ = Stage::Sent;
         send(opScanReply(sheet(), format_));
         note(SheetEvent::Read);
         break;
     case Feed::Empty: waitingForSheet_ = true; break;
     case Feed::Jam:
-        sheet_ = Sheet::Sent;
+        stage_ = Stage::Sent;
         status2_ |= kJam;
         send("\r\n");
         break;
@@ -273,10 +271,10 @@ void OpScan::onSheetPut()
 
 void OpScan::reportStatus()
 {
-    if (sheet_ != Sheet::Sent || replyOutstanding())
+    if (stage_ != Stage::Sent || replyOutstanding())
         fault("s1 without a sheet whose reply is through");
     else
-        sheet_ = Sheet::Asked;
+        stage_ = Stage::Asked;
     std::string status(statusLength_, '0');
     status[1] = static_cast<char>(kMeaningless | status1_);
     status[2] = static_cast<char>(kMeaningless | status2_);
@@ -286,19 +284,19 @@ void OpScan::reportStatus()
 
 void OpScan::letSheetGo()
 {
-    if (sheet_ == Sheet::Sent || sheet_ == Sheet::Asked)
+    if (stage_ == Stage::Sent || stage_ == Stage::Asked)
         note(SheetEvent::Ejected);
-    sheet_ = Sheet::None;
+    stage_ = Stage::None;
     printPosition_.reset();
 }
 
 void OpScan::sendAway(SheetEvent event, const char* command)
 {
-    if (sheet_ != Sheet::Asked) {
+    if (stage_ != Stage::Asked) {
         fault(std::string("command ") + command + " without a sheet whose status was asked for");
         return;
     }
-    sheet_ = Sheet::None;
+    stage_ = Stage::None;
     printPosition_.reset();
     status1_ = static_cast<Byte>(status1_ & ~kFaults1);
     status2_ = static_cast<Byte>(status2_ & ~kFaults2);
@@ -307,7 +305,7 @@ void OpScan::sendAway(SheetEvent event, const char* command)
 
 void OpScan::printPosition(const std::string& digits)
 {
-    if (sheet_ != Sheet::Asked)
+    if (stage_ != Stage::Asked)
         fault("command 1 without a sheet whose status was asked for");
     if (digits.size() != 2 || digits.find_first_not_of("0123456789") != std::string::npos) {
         fault("the print position \"" + digits + "\" is not two digits");

@@ -3,8 +3,7 @@
 #include "simulators/framework/Simulator.h"
 #include "simulators/ncs/OpScanReply.h"
 
-namespace kel
-{
+namespace kel {
 
 /// An NCS OpScan or iNSIGHT reader.
 ///
@@ -30,8 +29,7 @@ namespace kel
 /// in both, which means nothing), `status-length` and `report-length` (4 and 51 at the least), `feed-ms` (from 11 to
 /// the reply), `compress`, `alternate`, `end` (crlf or silence), `barcode-prefix`: as OpScanFormat has them; `feeder`
 /// (true: 0E is a mistake; false: closing a session without it is one).
-class OpScan final : public Simulator
-{
+class OpScan final : public Simulator {
 public:
     explicit OpScan(SimulatorOptions options);
 
@@ -42,7 +40,7 @@ public:
     [[nodiscard]] char mode() const noexcept { return mode_; }
 
 private:
-    enum class Sheet { None, UnderWay, Sent, Asked };
+    enum class Stage { None, UnderWay, Sent, Asked };
 
     void onByte(Byte byte) override;
     void onClose() override;
@@ -71,7 +69,7 @@ private:
     std::string argument_;
 
     bool session_ = false;
-    Sheet sheet_ = Sheet::None;
+    Stage stage_ = Stage::None;
     bool waitingForSheet_ = false;
     std::optional<Int32> printPosition_;
 

@@ -3,11 +3,9 @@
 #include <algorithm>
 #include <string_view>
 
-namespace kel
-{
+namespace kel {
 
-namespace
-{
+namespace {
 
 constexpr Int32 kColumns = 48;
 constexpr char kRun = 0x15;

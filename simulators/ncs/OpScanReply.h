@@ -4,14 +4,13 @@
 
 #include <string>
 
-namespace kel
-{
+namespace kel {
 
 /// How an OpScan reader writes a sheet onto the line.
 struct OpScanFormat {
-    bool compressed = true;          ///< equal positions as 15, a count byte (40 plus the count), the position
-    bool alternating = false;        ///< a row of side 1, a row of side 2, and so on, instead of one side after the other
-    bool silentEnd = false;          ///< nothing behind the barcodes
+    bool compressed = true;   ///< equal positions as 15, a count byte (40 plus the count), the position
+    bool alternating = false; ///< a row of side 1, a row of side 2, and so on, instead of one side after the other
+    bool silentEnd = false;   ///< nothing behind the barcodes
     std::string barcodePrefix = "00"; ///< stands in front of each barcode that a separator follows
 };
 

@@ -5,11 +5,9 @@
 #include <algorithm>
 #include <stdexcept>
 
-namespace kel
-{
+namespace kel {
 
-namespace
-{
+namespace {
 
 using namespace std::chrono_literals;
 
@@ -175,7 +173,7 @@ void Scanmark::form(const std::string& keyword, const std::string& arguments)
         return;
     }
     if (keyword == "LS" && arguments.empty()) {
-        if (sheet_ != Sheet::None)
+        if (stage_ != Stage::None)
             fault(command + " while a sheet is in the reader");
         forms_.push_back(openForm_);
         formOpen_ = false;
@@ -203,7 +201,7 @@ void Scanmark::form(const std::string& keyword, const std::string& arguments)
 
 bool Scanmark::sheetReady() const
 {
-    return sheet_ != Sheet::UnderWay && now() >= readyFrom_ && nextFeed() != Feed::Empty;
+    return stage_ != Stage::UnderWay && now() >= readyFrom_ && nextFeed() != Feed::Empty;
 }
 
 void Scanmark::reportStatus()
@@ -227,7 +225,7 @@ void Scanmark::startRead()
     }
     toldReady_ = false;
     letSheetGo();
-    sheet_ = Sheet::UnderWay;
+    stage_ = Stage::UnderWay;
     schedule(feedTime_, [this] { takeSheet(); });
 }
 
@@ -235,7 +233,7 @@ void Scanmark::takeSheet()
 {
     switch (feed()) {
     case Feed::Sheet:
-        sheet_ = Sheet::AtDecision;
+        stage_ = Stage::AtDecision;
         readyFrom_ = now() + readyTime_;
         send(cellBytes() + (end_ ? "\r" : ""));
         ++reads_;
@@ -243,7 +241,7 @@ void Scanmark::takeSheet()
         break;
     case Feed::Empty: waitingForSheet_ = true; break;
     case Feed::Jam:
-        sheet_ = Sheet::None;
+        stage_ = Stage::None;
         jammed_ = true;
         send("\r");
         break;
@@ -260,9 +258,9 @@ void Scanmark::onSheetPut()
 
 void Scanmark::letSheetGo()
 {
-    if (sheet_ == Sheet::AtDecision)
+    if (stage_ == Stage::AtDecision)
         note(SheetEvent::Ejected);
-    sheet_ = Sheet::None;
+    stage_ = Stage::None;
 }
 
 void Scanmark::eject(SheetEvent event, const std::string& stacker)
@@ -271,20 +269,20 @@ void Scanmark::eject(SheetEvent event, const std::string& stacker)
         refuse("EJCT " + stacker + " on a model without it");
         return;
     }
-    if (sheet_ != Sheet::AtDecision) {
+    if (stage_ != Stage::AtDecision) {
         refuse("EJCT " + stacker + " without a sheet");
         return;
     }
     if (event == SheetEvent::Rejected && !printOff_)
         fault("EJCT C without PRN$ 1 N in front of it");
-    sheet_ = Sheet::None;
+    stage_ = Stage::None;
     note(event, stacker);
     acknowledge();
 }
 
 void Scanmark::print(const std::string& text)
 {
-    if (sheet_ != Sheet::AtDecision) {
+    if (stage_ != Stage::AtDecision) {
         refuse("PRN$ 1 Y without a sheet");
         return;
     }
@@ -299,7 +297,7 @@ void Scanmark::print(const std::string& text)
 
 void Scanmark::doNotPrint()
 {
-    if (sheet_ != Sheet::AtDecision)
+    if (stage_ != Stage::AtDecision)
         fault("PRN$ 1 N without a sheet");
     if (answersPrintOff_)
         acknowledge();

@@ -3,8 +3,7 @@
 #include "simulators/framework/Simulator.h"
 #include "simulators/scantron/ScanmarkForm.h"
 
-namespace kel
-{
+namespace kel {
 
 /// A reader of the Scanmark family: text commands between ESC and CR, a form loaded before the first read, one byte a
 /// cell.
@@ -33,8 +32,7 @@ namespace kel
 /// Settings: `status` (the 12 characters in the notation of transcripts; bit 0x01 of position 9 is the feeder's all the
 /// same), `feed-ms` (from READ to its reply), `ready-ms` (how long after a read the next sheet is ready), `end-after`
 /// (the end comes behind so many cells), `end` (false: never), `prn-n-reply` (false: PRN$ 1 N is not answered).
-class Scanmark final : public Simulator
-{
+class Scanmark final : public Simulator {
 public:
     explicit Scanmark(SimulatorOptions options);
 
@@ -46,7 +44,7 @@ public:
 
 private:
     enum class Frame { None, Open };
-    enum class Sheet { None, UnderWay, AtDecision };
+    enum class Stage { None, UnderWay, AtDecision };
 
     void onByte(Byte byte) override;
     void onClose() override;
@@ -84,7 +82,7 @@ private:
     std::vector<ScanmarkForm> forms_;
     std::size_t reads_ = 0; // since the forms were loaded
 
-    Sheet sheet_ = Sheet::None;
+    Stage stage_ = Stage::None;
     bool toldReady_ = false;
     bool waitingForSheet_ = false;
     Moment readyFrom_{};

@@ -4,11 +4,9 @@
 #include <charconv>
 #include <span>
 
-namespace kel
-{
+namespace kel {
 
-namespace
-{
+namespace {
 
 constexpr Int32 kMostColumns = 48;
 

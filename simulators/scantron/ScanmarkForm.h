@@ -7,8 +7,7 @@
 #include <string_view>
 #include <vector>
 
-namespace kel
-{
+namespace kel {
 
 /// One cell of a sheet: side 1 or 2, row and column from 1.
 struct ScanmarkCell {
@@ -29,8 +28,7 @@ struct ScanmarkCell {
 /// The elements of an "L" are rows, and its cells go out row by row; those of a "C" are columns, and it goes out column
 /// by column; always from the lower to the higher number. Elements and choices lie at even distances from one edge of
 /// the rectangle to the other; a rectangle without extent has them all in one place.
-class ScanmarkForm
-{
+class ScanmarkForm {
 public:
     /// What is wrong with a definition, as text; nothing if the reader takes it.
     using Refusal = std::optional<std::string>;

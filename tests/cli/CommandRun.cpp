@@ -89,9 +89,9 @@ std::vector<std::string> CommandOutcome::lines() const
     return result;
 }
 
-RunningCommand::RunningCommand(const std::vector<std::string>& arguments)
+RunningCommand::RunningCommand(const std::vector<std::string>& arguments, const std::string& program)
 {
-    std::vector<std::string> words = {KEL_READER_PROGRAM};
+    std::vector<std::string> words = {program};
     words.insert(words.end(), arguments.begin(), arguments.end());
     std::vector<std::string> variables = environmentOfRun();
 
@@ -104,7 +104,7 @@ RunningCommand::RunningCommand(const std::vector<std::string>& arguments)
     ::posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
     ::posix_spawn_file_actions_adddup2(&actions, output[1], STDOUT_FILENO);
     ::posix_spawn_file_actions_adddup2(&actions, errors[1], STDERR_FILENO);
-    const int failure = ::posix_spawn(&process_, KEL_READER_PROGRAM, &actions, nullptr, pointersTo(words).data(),
+    const int failure = ::posix_spawn(&process_, program.c_str(), &actions, nullptr, pointersTo(words).data(),
                                       pointersTo(variables).data());
     ::posix_spawn_file_actions_destroy(&actions);
     ::close(output[1]);
@@ -112,7 +112,7 @@ RunningCommand::RunningCommand(const std::vector<std::string>& arguments)
     output_ = output[0];
     errors_ = errors[0];
     if (failure != 0)
-        throw std::runtime_error("cannot run " KEL_READER_PROGRAM);
+        throw std::runtime_error("cannot run " + program);
 }
 
 RunningCommand::~RunningCommand()

@@ -5,8 +5,7 @@
 #include <sys/types.h>
 #include <vector>
 
-namespace kel::test
-{
+namespace kel::test {
 
 /// How a run of the command came out.
 struct CommandOutcome {
@@ -18,11 +17,11 @@ struct CommandOutcome {
     [[nodiscard]] std::vector<std::string> lines() const;
 };
 
-/// The built command as a process of its own, with a settings store of its own that is empty at first.
-class RunningCommand
-{
+/// The built command, or another program, as a process of its own, with a settings store of its own that is empty at
+/// first.
+class RunningCommand {
 public:
-    explicit RunningCommand(const std::vector<std::string>& arguments);
+    explicit RunningCommand(const std::vector<std::string>& arguments, const std::string& program = KEL_READER_PROGRAM);
     /// Ends it the hard way if it still runs.
     ~RunningCommand();
     RunningCommand(const RunningCommand&) = delete;
@@ -52,8 +51,7 @@ private:
 CommandOutcome runCommand(const std::vector<std::string>& arguments);
 
 /// A file with a text, for as long as the object lives.
-class TextFile
-{
+class TextFile {
 public:
     explicit TextFile(const std::string& text);
     ~TextFile();

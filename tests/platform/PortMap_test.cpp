@@ -6,15 +6,12 @@
 #include <memory>
 #include <thread>
 
-namespace kel
-{
-namespace
-{
+namespace kel {
+namespace {
 
 constexpr const char* kKey = "Software\\KELReader81U\\Ports";
 
-class PortMapTest : public ::testing::Test
-{
+class PortMapTest : public ::testing::Test {
 protected:
     SimulatedRegistry registry;
     PortMap map{registry};
@@ -70,8 +67,8 @@ TEST_F(PortMapTest, HasPortsOneToSixteen)
 
 TEST_F(PortMapTest, WhatIsNoTextIsNoDevice)
 {
-    ASSERT_TRUE(registry.write(kelReaderRegistryKeyCurrentUser, kKey, "2",
-                               {RegistryType::Number, std::string("\1\0\0\0", 4)}));
+    ASSERT_TRUE(
+        registry.write(kelReaderRegistryKeyCurrentUser, kKey, "2", {RegistryType::Number, std::string("\1\0\0\0", 4)}));
     ASSERT_TRUE(registry.write(kelReaderRegistryKeyCurrentUser, kKey, "3", {RegistryType::Text, ""}));
     EXPECT_TRUE(map.all().empty());
 }

@@ -5,10 +5,8 @@
 #include <gtest/gtest.h>
 #include <thread>
 
-namespace kel
-{
-namespace
-{
+namespace kel {
+namespace {
 
 TEST(Main, GivesEachThreadAPlatformOfThisSystem)
 {

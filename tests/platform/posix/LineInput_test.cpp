@@ -9,10 +9,8 @@
 #include <sys/ioctl.h>
 #include <thread>
 
-namespace kel
-{
-namespace
-{
+namespace kel {
+namespace {
 
 using namespace std::chrono_literals;
 using test::expectFailure;
@@ -20,8 +18,7 @@ using test::expectFailure;
 // Looks at a line of this test's speed stay fresh for so long.
 constexpr Moment kLook = 1ms;
 
-class LineInputTest : public test::PosixTest
-{
+class LineInputTest : public test::PosixTest {
 protected:
     LineInputTest() : line(openControl(pty)) {}
 
@@ -302,8 +299,7 @@ TEST_F(LineInputTest, AHangUpWhileOutputWaitsIsFound)
 std::atomic<int> signals{0};
 
 /// Interrupts the system calls of the thread that made it, again and again.
-class Interruptions
-{
+class Interruptions {
 public:
     Interruptions() : victim_(::pthread_self())
     {

@@ -7,10 +7,8 @@
 #include <sys/ioctl.h>
 #include <sys/stat.h>
 
-namespace kel
-{
-namespace
-{
+namespace kel {
+namespace {
 
 using test::expectFailure;
 using test::OtherProcess;
@@ -34,8 +32,7 @@ TEST(LineOpenFailure, ADeviceThatIsOutOfReachOtherwiseIsToldWithItsCause)
                                   ": Port 2 (/dev/ttyS9) cannot be opened: Too many open files.");
 }
 
-class OpeningALine : public test::PosixTest
-{
+class OpeningALine : public test::PosixTest {
 protected:
     void expectToFail(FailureCode code, const std::vector<std::string>& words, const std::string& device)
     {
@@ -51,7 +48,8 @@ TEST_F(OpeningALine, OfAPortWithoutDeviceTellsHowToMapIt)
     for (const Int16 port : {Int16{0}, Int16{3}, Int16{17}}) {
         line.CommPort(port);
         const std::string number = std::to_string(port);
-        expectFailure(FailureCode::InvalidPortNumber, {"Port " + number + " ", "kelreader ports set " + number + " DEVICE"},
+        expectFailure(FailureCode::InvalidPortNumber,
+                      {"Port " + number + " ", "kelreader ports set " + number + " DEVICE"},
                       [&] { line.PortOpen(True); });
     }
 }

@@ -7,16 +7,13 @@
 #include <atomic>
 #include <thread>
 
-namespace kel
-{
-namespace
-{
+namespace kel {
+namespace {
 
 using namespace std::chrono_literals;
 using test::expectFailure;
 
-class PosixMessagePumpTest : public test::PosixTest
-{
+class PosixMessagePumpTest : public test::PosixTest {
 protected:
     /// How long some turns take in all.
     Moment timeOf(int turns)

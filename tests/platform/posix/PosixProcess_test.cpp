@@ -5,17 +5,16 @@
 #include <filesystem>
 #include <gtest/gtest.h>
 
-namespace kel
-{
-namespace
-{
+namespace kel {
+namespace {
 
 using namespace std::string_literals;
 
 TEST(PosixProcess, ACommandLineIsItsWordsWithQuotesWhereTheyAreNeeded)
 {
     EXPECT_EQ(joinCommandLine("/usr/bin/host\0/L=German\0"s), "/usr/bin/host /L=German");
-    EXPECT_EQ(joinCommandLine("/opt/my host\0a\tb\0\0say \"x\"\0"s), "\"/opt/my host\" \"a\tb\" \"\" \"say \\\"x\\\"\"");
+    EXPECT_EQ(joinCommandLine("/opt/my host\0a\tb\0\0say \"x\"\0"s),
+              "\"/opt/my host\" \"a\tb\" \"\" \"say \\\"x\\\"\"");
     EXPECT_EQ(joinCommandLine("without end"s), "\"without end\"");
     EXPECT_EQ(joinCommandLine(""), "");
 }

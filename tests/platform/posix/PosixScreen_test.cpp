@@ -7,10 +7,8 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-namespace kel
-{
-namespace
-{
+namespace kel {
+namespace {
 
 TEST(PosixScreen, BoxesGoToStandardErrorLineByLineBehindTheirTitle)
 {

@@ -5,16 +5,12 @@
 #include <fcntl.h>
 #include <termios.h>
 
-namespace kel
-{
-namespace
-{
+namespace kel {
+namespace {
 
 using test::expectFailure;
 
-class PosixSerialControlTest : public test::PosixTest
-{
-};
+class PosixSerialControlTest : public test::PosixTest {};
 
 TEST_F(PosixSerialControlTest, IsClosedAtFirst)
 {
@@ -55,7 +51,8 @@ TEST_F(PosixSerialControlTest, SetsStopBitsAndHandshaking)
 TEST_F(PosixSerialControlTest, ALineWithoutAWireMayKeepItsOwnDataBitsAndParity)
 {
     const Pty pty;
-    for (const char* settings : {"9600,E,7,1", "9600,O,7,2", "9600,M,6,1", "9600,S,8,1", "1200,N,5,1", "1200,e,5,1.5"}) {
+    for (const char* settings :
+         {"9600,E,7,1", "9600,O,7,2", "9600,M,6,1", "9600,S,8,1", "1200,N,5,1", "1200,e,5,1.5"}) {
         const auto line = control(pty.name());
         line->Settings(settings);
         line->PortOpen(True);
@@ -76,8 +73,8 @@ TEST_F(PosixSerialControlTest, OneAndAHalfStopBitsNeedFiveDataBits)
 TEST_F(PosixSerialControlTest, SettingsThatAreNoneAreRefusedAsSuch)
 {
     PosixSerialControl line(pump(), registry());
-    for (const char* settings : {"", "9600", "9600;N;8;1", "fast,N,8,1", "9600,X,8,1", "9600,N,4,1", "9600,N,9,1",
-                                 "9600,N,8,3", "0,N,8,1"})
+    for (const char* settings :
+         {"", "9600", "9600;N;8;1", "fast,N,8,1", "9600,X,8,1", "9600,N,4,1", "9600,N,9,1", "9600,N,8,3", "0,N,8,1"})
         expectFailure(FailureCode::InvalidPropertyValue, {std::string("\"") + settings + "\""},
                       [&] { line.Settings(settings); });
     for (const Int32 handshaking : {-1, 4})

@@ -21,12 +21,10 @@
 #include <unistd.h>
 #include <vector>
 
-namespace kel::test
-{
+namespace kel::test {
 
 /// A folder of a test's own, gone at its end.
-class TemporaryFolder
-{
+class TemporaryFolder {
 public:
     TemporaryFolder()
     {
@@ -74,8 +72,7 @@ void expectFailure(FailureCode code, const std::vector<std::string>& words, Body
 }
 
 /// A process of its own that runs a body and tells what that gives; it ends by itself or is killed with the object.
-class OtherProcess
-{
+class OtherProcess {
 public:
     explicit OtherProcess(const std::function<std::string()>& body)
     {
@@ -146,8 +143,7 @@ inline void becomeOrdinaryUser()
 }
 
 /// A platform with a registry of its own.
-class PosixTest : public ::testing::Test
-{
+class PosixTest : public ::testing::Test {
 protected:
     PosixTest() : machine(RegistryFolders(folder.path() / "registry")) {}
 
@@ -170,15 +166,8 @@ protected:
         return openControl(pty.name(), port);
     }
 
-    [[nodiscard]] std::shared_ptr<PosixMessagePump> pump()
-    {
-        return {std::shared_ptr<void>(), &machine.pump()};
-    }
-    [[nodiscard]] std::shared_ptr<Registry> registry()
-    {
-        return {std::shared_ptr<void>(), &machine.registry()};
-    }
-
+    [[nodiscard]] std::shared_ptr<PosixMessagePump> pump() { return {std::shared_ptr<void>(), &machine.pump()}; }
+    [[nodiscard]] std::shared_ptr<Registry> registry() { return {std::shared_ptr<void>(), &machine.registry()}; }
 
     TemporaryFolder folder;
     PosixPlatform machine;

@@ -11,16 +11,13 @@
 #include <functional>
 #include <mutex>
 
-namespace kel
-{
-namespace
-{
+namespace kel {
+namespace {
 
 using namespace std::chrono_literals;
 
 /// A device that does what a test tells it to, and writes down what it is told. Bytes go out one character time apart.
-class ToyDevice : public LineDevice
-{
+class ToyDevice : public LineDevice {
 public:
     std::function<void(ToyDevice&, Byte)> onByte = [](ToyDevice&, Byte) {};
     std::function<void(ToyDevice&)> onOpen = [](ToyDevice&) {};
@@ -97,8 +94,7 @@ private:
 
 using Told = std::vector<std::string>;
 
-class PtyDeviceHostTest : public test::PosixTest
-{
+class PtyDeviceHostTest : public test::PosixTest {
 protected:
     /// Reads a line until so many bytes have come.
     std::string receive(PosixSerialControl& line, std::size_t count)
@@ -235,8 +231,7 @@ TEST_F(PtyDeviceHostTest, AHostThatDoesNotReadLosesNothing)
 }
 
 /// A program that opens the line and neither sets it nor drops what it finds there.
-class PlainHost
-{
+class PlainHost {
 public:
     explicit PlainHost(const std::string& device)
         : handle_(::open(device.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC | O_NONBLOCK))
@@ -357,8 +352,7 @@ TEST_F(PtyDeviceHostTest, WhatTheDeviceThrowsComesOutAtTheEnd)
 
 TEST_F(PtyDeviceHostTest, ADeviceThatDoesNotDoWhatIsDueIsAFault)
 {
-    class Stuck final : public ToyDevice
-    {
+    class Stuck final : public ToyDevice {
         [[nodiscard]] std::optional<Moment> nextEvent() const override { return Moment{}; }
     };
     Stuck stuck;

@@ -6,14 +6,11 @@
 #include <optional>
 #include <string>
 
-namespace kel
-{
-namespace
-{
+namespace kel {
+namespace {
 
 /// Sets variables of the environment for as long as a test runs.
-class RegistryFoldersTest : public ::testing::Test
-{
+class RegistryFoldersTest : public ::testing::Test {
 protected:
     RegistryFoldersTest()
     {

@@ -7,10 +7,8 @@
 #include <iterator>
 #include <sys/stat.h>
 
-namespace kel
-{
-namespace
-{
+namespace kel {
+namespace {
 
 using test::OtherProcess;
 
@@ -19,8 +17,7 @@ constexpr kelReaderRegistryKey kMachine = kelReaderRegistryKeyLocalMachine;
 
 using Names = std::vector<std::string>;
 
-class SqliteRegistryTest : public ::testing::Test
-{
+class SqliteRegistryTest : public ::testing::Test {
 protected:
     [[nodiscard]] RegistryFolders folders() const { return RegistryFolders(place()); }
     [[nodiscard]] std::filesystem::path place() const { return folder.path() / "kelreader"; }
@@ -371,8 +368,7 @@ TEST_F(SqliteRegistryTest, AFolderThatCannotBeMadeIsNoAccess)
 
 // --- Damage
 
-class DamagedRegistry : public SqliteRegistryTest
-{
+class DamagedRegistry : public SqliteRegistryTest {
 protected:
     void SetUp() override
     {

@@ -3,10 +3,8 @@
 #include "tests/simulators/DeviceBench.h"
 #include "tests/simulators/ezdata/PackedRoundTrip.h"
 
-namespace kel::test
-{
-namespace
-{
+namespace kel::test {
+namespace {
 
 using namespace std::chrono_literals;
 using namespace std::string_literals;
@@ -17,8 +15,9 @@ const std::string kJoined = "\x12"
 
 std::string frame(const std::string& text)
 {
-    return "\x12\x1B" + text + "\x12"
-                               "E";
+    return "\x12\x1B" + text +
+           "\x12"
+           "E";
 }
 
 std::string setUp(const std::string& letters)
@@ -44,8 +43,7 @@ const Model kModels[] = {
     {kelReaderTypeChatsworthACP200, true, setUp("SL") + setUp("HCE"), setUp("F")},
 };
 
-class ChatsworthTest : public testing::TestWithParam<Model>
-{
+class ChatsworthTest : public testing::TestWithParam<Model> {
 protected:
     void connect(std::vector<SimulatedSheet> sheets, std::map<std::string, std::string> settings = {},
                  std::initializer_list<const char*> faults = {})
@@ -71,8 +69,7 @@ TEST_P(ChatsworthTest, EverySheetAndItsWay)
     for (Int32 sheet = 7; sheet <= 300 && GetParam().rejects; sheet += 7)
         rejected.push_back(sheet);
     EXPECT_EQ(bench->logged(SheetEvent::Rejected), rejected);
-    EXPECT_EQ(bench->logged(SheetEvent::Ejected),
-              GetParam().rejects ? std::vector<Int32>{300} : std::vector<Int32>{});
+    EXPECT_EQ(bench->logged(SheetEvent::Ejected), GetParam().rejects ? std::vector<Int32>{300} : std::vector<Int32>{});
 }
 
 TEST_P(ChatsworthTest, StartsASheetInItsWay)
@@ -134,8 +131,7 @@ INSTANTIATE_TEST_SUITE_P(Models, ChatsworthTest, testing::ValuesIn(kModels), [](
 });
 
 /// A reader that takes everything and says nothing, or the same to each CR.
-class SilentAt final : public Simulator
-{
+class SilentAt final : public Simulator {
 public:
     SilentAt(std::string startAnswer, Moment delay) : Simulator({}), answer_(std::move(startAnswer)), delay_(delay) {}
 
@@ -153,7 +149,7 @@ private:
 struct Wait {
     kelReaderType type;
     bool feeder;
-    bool cancelled; // whether a cancel ends it
+    bool cancelled;  // whether a cancel ends it
     TextNumber text; // what is told at its end
     TextNumber title;
 };
@@ -221,10 +217,13 @@ TEST(ChatsworthSimulator, ComplainsOfWhatAHostMustNotDo)
         const char* complaint;
     };
     const Mistake mistakes[] = {
-        {kelReaderTypeChatsworthACP200, {setUp("SF"), setUp("FD"), kJoined}, "the joined probe, which is for other models"},
+        {kelReaderTypeChatsworthACP200,
+         {setUp("SF"), setUp("FD"), kJoined},
+         "the joined probe, which is for other models"},
         {kelReaderTypeChatsworthACF200, {setUp("SF"), setUp("FD")}, "set-up command FD out of its order"},
         {kelReaderTypeChatsworthACF200, {setUp("SL"), setUp("HCD")}, "set-up command HCD out of its order"},
-        {kelReaderTypeChatsworthACF200, {setUp("SL") + setUp("HCE")},
+        {kelReaderTypeChatsworthACF200,
+         {setUp("SL") + setUp("HCE")},
          "set-up command HCE before the reply to the one before it"},
         {kelReaderTypeChatsworthACF200, {kJoined}, "the joined probe before the set-up"},
         {kelReaderTypeChatsworthACF200, {setUp("SL"), setUp("HCE"), setUp("F")}, "command F before the start was done"},

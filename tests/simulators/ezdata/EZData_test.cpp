@@ -3,10 +3,8 @@
 #include "tests/simulators/DeviceBench.h"
 #include "tests/simulators/ezdata/PackedRoundTrip.h"
 
-namespace kel::test
-{
-namespace
-{
+namespace kel::test {
+namespace {
 
 using namespace std::chrono_literals;
 using namespace std::string_literals;
@@ -16,8 +14,9 @@ constexpr Int32 kRows = 150;
 
 std::string frame(const std::string& text)
 {
-    return "\x12\x1B" + text + "\x12"
-                               "E";
+    return "\x12\x1B" + text +
+           "\x12"
+           "E";
 }
 
 /// What changes nothing at a start of the model.
@@ -26,13 +25,12 @@ std::map<std::string, std::string> rightFor(kelReaderType model)
     return {{"threshold", model == kelReaderTypeNCSEZData ? "68" : "76"}};
 }
 
-class EZDataTest : public testing::Test
-{
+class EZDataTest : public testing::Test {
 protected:
     void start(std::map<std::string, std::string> settings = {}, SheetFeeder sheets = {})
     {
-        reader_.emplace(SimulatorOptions{
-            .sheets = std::move(sheets), .rate = Rate::Unlimited, .settings = std::move(settings)});
+        reader_.emplace(
+            SimulatorOptions{.sheets = std::move(sheets), .rate = Rate::Unlimited, .settings = std::move(settings)});
         bench_.emplace(*reader_);
     }
     std::string ask(const std::string& text) { return bench_->ask(frame(text)); }
@@ -117,9 +115,7 @@ TEST_F(EZDataTest, ComplainsOfWhatAHostMustNotDo)
     EXPECT_THAT(reader_->errors(), testing::ElementsAre("S while the reader is busy with RESET"));
 }
 
-class EZDataRoundTrip : public testing::TestWithParam<kelReaderType>
-{
-};
+class EZDataRoundTrip : public testing::TestWithParam<kelReaderType> {};
 
 TEST_P(EZDataRoundTrip, EverySheetAndItsWay)
 {
@@ -145,8 +141,7 @@ TEST_P(EZDataRoundTrip, ARightConfigurationCostsTwoCommands)
 
 TEST_P(EZDataRoundTrip, EachWrongValueCostsAFullCycle)
 {
-    PackedReader bench(GetParam(), {},
-                       {{"flags", "00"}, {"timing", "81"}, {"threshold", "60"}, {"decay", "2.0"}});
+    PackedReader bench(GetParam(), {}, {{"flags", "00"}, {"timing", "81"}, {"threshold", "60"}, {"decay", "2.0"}});
     const std::string digit = GetParam() == kelReaderTypeNCSEZData ? "4" : "8";
     EXPECT_EQ(bench.reader().StartReader(), True);
     const std::string seal = frame("CHECKSUM") + frame("RESET");

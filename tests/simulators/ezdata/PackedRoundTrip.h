@@ -8,12 +8,10 @@
 
 #include <algorithm>
 
-namespace kel::test
-{
+namespace kel::test {
 
 /// A reader object on a simulated reader whose marks come packed, two bytes a row of 12 columns.
-class PackedReader
-{
+class PackedReader {
 public:
     PackedReader(kelReaderType model, std::vector<SimulatedSheet> sheets,
                  std::map<std::string, std::string> settings = {}, std::initializer_list<const char*> faults = {})
@@ -57,8 +55,7 @@ inline std::vector<SimulatedSheet> randomSheets(std::size_t count, Int32 mostRow
     for (std::size_t place = 0; place < count; ++place) {
         const auto rows = static_cast<Int32>(place * 37 % static_cast<std::size_t>(mostRows + 1));
         const auto density = static_cast<Int32>(place * 13 % 101);
-        sheets.push_back(
-            randomSheet({.side1Rows = rows, .side1Columns = 12, .densityPercent = density}, seed, place));
+        sheets.push_back(randomSheet({.side1Rows = rows, .side1Columns = 12, .densityPercent = density}, seed, place));
     }
     return sheets;
 }

@@ -1,9 +1,7 @@
 #include "tests/simulators/ezdata/PackedRoundTrip.h"
 
-namespace kel::test
-{
-namespace
-{
+namespace kel::test {
+namespace {
 
 using namespace std::chrono_literals;
 
@@ -11,8 +9,7 @@ constexpr std::string_view kProbe = "\x12R7777\x12I00\x12"
                                     "E";
 
 /// A device that answers everything that ends in "E" with the same.
-class Parrot final : public Simulator
-{
+class Parrot final : public Simulator {
 public:
     explicit Parrot(std::string answer) : Simulator({.rate = Rate::Unlimited}), answer_(std::move(answer)) {}
 
@@ -26,8 +23,7 @@ private:
     std::string answer_;
 };
 
-class SearchTest : public testing::Test
-{
+class SearchTest : public testing::Test {
 protected:
     std::unique_ptr<Simulator> reader(kelReaderType model)
     {
@@ -169,8 +165,8 @@ TEST_F(SearchTest, NoVersionLeavesTheTextAsItWas)
 TEST_F(SearchTest, AnUnpluggedReaderLeavesNoPortOpen)
 {
     for (const bool firmware : {false, true}) {
-        const std::unique_ptr<Simulator> right = makeSimulator(
-            kelReaderTypeNCSEZData, {.faults = {parseFault("unplug@byte=2")}});
+        const std::unique_ptr<Simulator> right =
+            makeSimulator(kelReaderTypeNCSEZData, {.faults = {parseFault("unplug@byte=2")}});
         host_.connect(kelReaderTypeNCSEZData, *right);
         std::string version = "as it was";
         EXPECT_EQ(firmware ? host_.reader().Firmware(version) : host_.reader().Locate(1), False);

@@ -6,10 +6,8 @@
 
 #include <stdexcept>
 
-namespace kel
-{
-namespace
-{
+namespace kel {
+namespace {
 
 using namespace std::chrono_literals;
 using namespace std::string_literals;
@@ -22,8 +20,7 @@ std::string framed(const std::string& command)
     return "\x1B" + command + "\r";
 }
 
-class ScanmarkTest : public ::testing::Test
-{
+class ScanmarkTest : public ::testing::Test {
 protected:
     void make(kelReaderType model, SheetFeeder sheets = {}, std::map<std::string, std::string> settings = {},
               std::initializer_list<const char*> faults = {})
@@ -117,8 +114,8 @@ TEST_F(ScanmarkTest, OtherModelsHaveNeither)
           kelReaderTypeScantronScanMarkES2260, kelReaderTypeScantronScanMarkES2800}) {
         make(model);
         EXPECT_EQ(askAll({"SRST", "THR= 35", "FRM=FS 1 1 3 N N N", "FRM=MC Y N 1 1 1 1 1 3 L 1 3 111"}), "\r?\r?");
-        EXPECT_EQ(reader_->errors(), (Errors{"THR= on a model without a threshold",
-                                             "FRM=MC Y N 1 1 1 1 1 3 L 1 3 111: is unknown"}));
+        EXPECT_EQ(reader_->errors(),
+                  (Errors{"THR= on a model without a threshold", "FRM=MC Y N 1 1 1 1 1 3 L 1 3 111: is unknown"}));
     }
 }
 

@@ -1,0 +1,62 @@
+#include "cli/ScanOutput.h"
+
+#include "cli/JsonLines.h"
+#include "cli/SheetCsv.h"
+#include "cli/SheetTable.h"
+
+#include <iostream>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+namespace kel {
+
+namespace {
+
+std::size_t terminalWidth()
+{
+    winsize size{};
+    return ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : 100;
+}
+
+} // namespace
+
+ScanOutput::ScanOutput(const std::string& outFile, const std::string& format)
+{
+    if (!outFile.empty())
+        output_.emplace(outFile);
+    else
+        output_.emplace();
+    const auto write = [this](const std::string& text) {
+        progress_.clear();
+        output_->write(text);
+    };
+    const auto tell = [this](const std::string& text) {
+        progress_.clear();
+        std::cerr << "kelreader: " << text << std::flush;
+    };
+    if (format == "csv")
+        lines_ = std::make_unique<SheetCsv>(write, tell);
+    else if (format == "table")
+        lines_ = std::make_unique<TableText>(write, tell, terminalWidth());
+    else
+        lines_ = std::make_unique<JsonLines>(write, tell);
+}
+
+void ScanOutput::sheet(const ScannedSheet& event)
+{
+    lines_->sheet(event);
+    progress_.sheet();
+}
+
+void ScanOutput::failure(const ReportedFailure& event)
+{
+    lines_->failure(event);
+}
+
+void ScanOutput::end(const BatchEnd& event)
+{
+    progress_.clear();
+    lines_->end(event);
+}
+
+} // namespace kel

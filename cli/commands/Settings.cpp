@@ -1,0 +1,237 @@
+#include "cli/CommandList.h"
+#include "cli/Commands.h"
+#include "cli/FailureSentence.h"
+#include "cli/JsonPlace.h"
+#include "cli/LoadedSettings.h"
+#include "cli/PropertyTable.h"
+#include "cli/RegistryValueText.h"
+#include "cli/TextOutput.h"
+#include "cli/UsageError.h"
+#include "platform/Platform.h"
+#include "platform/RegistryCopy.h"
+#include "reader/SettingsStore.h"
+
+#include <algorithm>
+#include <iostream>
+
+namespace kel {
+
+namespace {
+
+// How the key's default value, which has no name, is called; a registry file does the same.
+constexpr const char* kDefaultName = "@";
+
+struct Arguments {
+    std::string key;
+    std::optional<std::string> name;
+    std::string value;
+    std::string file;
+    std::string format;
+};
+
+Registry& registry()
+{
+    return platform().registry();
+}
+
+std::string nameOf(const Arguments& arguments)
+{
+    return *arguments.name == kDefaultName ? "" : *arguments.name;
+}
+
+std::string shown(const std::string& name)
+{
+    return name.empty() ? kDefaultName : name;
+}
+
+[[noreturn]] void failToWrite(const RegistryPath& key)
+{
+    throw CommandFailure("The settings store cannot be written, so " + registryPathText(key) + " stays as it was.");
+}
+
+/// The key, which has to be there.
+RegistryPath presentKey(const Arguments& arguments)
+{
+    const RegistryPath key = keyNamed(arguments.key);
+    if (!registry().exists(key.hive, key.subKey))
+        throw CommandFailure("There is no key " + registryPathText(key) + ", or it may not be read.");
+    return key;
+}
+
+/// The value, which has to be there.
+RegistryValue presentValue(const RegistryPath& key, const std::string& name)
+{
+    if (std::optional<RegistryValue> value = registry().read(key.hive, key.subKey, name))
+        return std::move(*value);
+    throw CommandFailure("The key " + registryPathText(key) + " has no value '" + shown(name) + "'.");
+}
+
+std::vector<RegFileEntry> valuesOf(const RegistryPath& key)
+{
+    std::vector<RegFileEntry> values;
+    for (const std::string& name : registry().valueNames(key.hive, key.subKey)) {
+        if (std::optional<RegistryValue> value = registry().read(key.hive, key.subKey, name))
+            values.push_back({key, name, false, std::move(*value)});
+    }
+    return values;
+}
+
+std::string padded(std::string text, std::size_t width)
+{
+    text.resize(std::max(text.size(), width), ' ');
+    return text;
+}
+
+std::string valuesAsTable(const RegistryPath& key)
+{
+    const std::vector<RegFileEntry> values = valuesOf(key);
+    std::size_t nameWidth = 0;
+    std::size_t typeWidth = 0;
+    for (const RegFileEntry& entry : values) {
+        nameWidth = std::max(nameWidth, shown(*entry.name).size());
+        typeWidth = std::max(typeWidth, registryTypeName(entry.value.type).size());
+    }
+    std::string text;
+    for (const RegFileEntry& entry : values)
+        text += padded(shown(*entry.name), nameWidth) + "  " + padded(registryTypeName(entry.value.type), typeWidth) +
+                "  " + registryValueText(entry.value) + "\n";
+    for (const std::string& name : registry().subKeys(key.hive, key.subKey))
+        text += "[" + registryPathText(below(key, name)) + "]\n";
+    return text;
+}
+
+std::string valuesAsJson(const RegistryPath& key)
+{
+    std::string text = "[";
+    for (const RegFileEntry& entry : valuesOf(key)) {
+        const Json line = {{"name", jsonValue(*entry.name)},
+                           {"type", registryTypeName(entry.value.type)},
+                           {"value", registryValueJson(entry.value)}};
+        text += (text.size() == 1 ? "\n" : ",\n") + jsonText(line);
+    }
+    return text + "\n]\n";
+}
+
+int list(const Arguments& arguments)
+{
+    const RegistryPath key = presentKey(arguments);
+    TextOutput().writeOrFail(arguments.format == "json" ? valuesAsJson(key) : valuesAsTable(key));
+    return kDoneStatus;
+}
+
+int get(const Arguments& arguments)
+{
+    const RegistryValue value = presentValue(presentKey(arguments), nameOf(arguments));
+    TextOutput().writeOrFail(registryValueText(value) + "\n");
+    return kDoneStatus;
+}
+
+int set(const Arguments& arguments)
+{
+    const RegistryPath key = keyNamed(arguments.key);
+    std::string value = arguments.value;
+    if (!SettingsStore(key.hive, key.subKey).SaveValue(nameOf(arguments), value))
+        failToWrite(key);
+    return kDoneStatus;
+}
+
+int remove(const Arguments& arguments)
+{
+    const RegistryPath key = keyNamed(arguments.key);
+    if (!arguments.name && key.subKey.empty())
+        throw UsageError("A hive as a whole cannot be deleted; name a key below it.");
+    presentKey(arguments);
+    std::optional<std::string> name;
+    if (arguments.name) {
+        name = nameOf(arguments);
+        presentValue(key, *name);
+    }
+    if (!registry().remove(key.hive, key.subKey, name))
+        failToWrite(key);
+    return kDoneStatus;
+}
+
+int exportKey(const Arguments& arguments)
+{
+    const std::string bytes = regFileBytes(registryEntries(registry(), presentKey(arguments)));
+    TextOutput(arguments.file).writeOrFail(bytes);
+    return kDoneStatus;
+}
+
+std::vector<RegFileEntry> entriesOf(const std::string& file)
+{
+    try {
+        return parseRegFile(readWholeFile(file, "registry file"));
+    } catch (const RegFileError& refusal) {
+        throw UsageError("The registry file " + file + " cannot be taken. " + refusal.what());
+    }
+}
+
+int import(const Arguments& arguments)
+{
+    if (const std::optional<RegFileEntry> refused = applyRegistryEntries(registry(), entriesOf(arguments.file)))
+        failToWrite(refused->key);
+    return kDoneStatus;
+}
+
+int show(const Arguments& arguments)
+{
+    clsKELReader reader;
+    const std::vector<ReportedFailure> failures = loadSettings(reader, keyNamed(arguments.key));
+    Json record = Json::object();
+    std::string table;
+    for (const std::string& name : loadedProperties()) {
+        const Json value = propertyNamed(name).get(reader);
+        record[name] = value;
+        table += padded(name, 22) + (value.is_string() ? value.get<std::string>() : jsonText(value)) + "\n";
+    }
+    TextOutput().writeOrFail(arguments.format == "json" ? jsonText(record) + "\n" : table);
+    for (const ReportedFailure& failure : failures)
+        std::cerr << "kelreader: " << failureSentence(failure) << std::endl;
+    return failures.empty() ? kDoneStatus : kFailedStatus;
+}
+
+} // namespace
+
+void addSettingsCommand(Commands& commands)
+{
+    const auto arguments = std::make_shared<Arguments>();
+    CLI::App& settings =
+        commands.add("settings", "Shows and changes the settings that are kept", [] { return kUsageStatus; });
+    settings.require_subcommand(1);
+    settings.footer("KEY is HIVE\\SUBKEY: HKEY_CURRENT_USER\\Software\\Reader, or HKCU for short. The value of the key "
+                    "itself has the name @.");
+    const auto add = [&](const char* name, const char* description, int (*run)(const Arguments&)) -> CLI::App& {
+        return commands.add(settings, name, description, [arguments, run] { return run(*arguments); });
+    };
+    const auto addKey = [&](CLI::App& command) {
+        command.add_option("key", arguments->key, "The key, HIVE\\SUBKEY")->required()->type_name("KEY");
+    };
+    const auto addName = [&](CLI::App& command) {
+        return command.add_option("name", arguments->name, "The value's name")->type_name("NAME");
+    };
+
+    CLI::App& listing = add("list", "Lists the values of a key, and the keys directly below it", list);
+    addKey(listing);
+    addFormat(listing, arguments->format, {"table", "json"});
+    CLI::App& getting = add("get", "Writes one value", get);
+    addKey(getting);
+    addName(getting)->required();
+    CLI::App& setting = add("set", "Keeps a text as a value; an empty one is kept as one blank", set);
+    addKey(setting);
+    addName(setting)->required();
+    setting.add_option("value", arguments->value, "The text")->required()->type_name("VALUE");
+    CLI::App& deleting = add("delete", "Deletes a value, or a key with everything below it", remove);
+    addKey(deleting);
+    addName(deleting);
+    CLI::App& exporting = add("export", "Writes a key with everything below it into a .reg file", exportKey);
+    addKey(exporting);
+    exporting.add_option("file", arguments->file, "The file")->required()->type_name("FILE");
+    CLI::App& importing = add("import", "Takes over what a .reg file of version 5.00 says", import);
+    importing.add_option("file", arguments->file, "The file")->required()->type_name("FILE");
+    CLI::App& showing = add("show", "Shows the 19 properties that a reader takes from a key", show);
+    addKey(showing);
+    addFormat(showing, arguments->format, {"table", "json"});
+}
+
+} // namespace kel

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "platform/LineDevice.h"
+
+#include <string>
+
+namespace kel {
+
+/// This machine's end of an open line, wherever the line goes.
+class LineEnd {
+public:
+    virtual ~LineEnd() = default;
+
+    /// Sets the line. 8015 when something of it is refused.
+    virtual void set(const LineParameters& line) = 0;
+
+    /// Drops the input that has arrived.
+    virtual void dropInput() noexcept = 0;
+
+    /// What to read, write and wait on; it never blocks.
+    [[nodiscard]] virtual int handle() const noexcept = 0;
+
+    /// How failures name it: "Port 3 (/dev/ttyUSB0)".
+    [[nodiscard]] virtual const std::string& name() const noexcept = 0;
+};
+
+} // namespace kel

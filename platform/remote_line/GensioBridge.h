@@ -1,0 +1,97 @@
+#pragma once
+
+#include "platform/posix/FileDescriptor.h"
+#include "platform/remote_line/RemoteConnection.h"
+
+#include <future>
+#include <mutex>
+#include <optional>
+#include <string>
+
+struct gensio;
+struct gensio_iod;
+struct gensio_os_funcs;
+
+namespace kel {
+
+/// Carries bytes between a stream of gensio and a socket of this process, in a thread that does nothing else: the one
+/// who reads and writes the socket's other end has a line of its own, and no turn of gensio's to wait for.
+///
+///     host  <-- socket pair -->  bridge  <-- gensio: telnet, TLS, TCP -->  far end
+///
+/// Everything but the constructor and the calls of the host's side runs in that thread.
+class GensioBridge {
+public:
+    /// `hostEnd` gets the host's end of the socket pair. std::system_error if there is none to be had.
+    GensioBridge(std::string address, FileDescriptor& hostEnd);
+    ~GensioBridge();
+    GensioBridge(const GensioBridge&) = delete;
+    GensioBridge& operator=(const GensioBridge&) = delete;
+
+    /// The thread's work, from opening to closing.
+    void run();
+
+    // --- For the host's side
+
+    /// How opening went, and that all is over.
+    [[nodiscard]] std::future<RemoteResult> opened() { return opened_.get_future(); }
+    [[nodiscard]] std::future<void> ended() { return ended_.get_future(); }
+
+    /// Asks for settings of the far end's serial line.
+    [[nodiscard]] std::future<RemoteResult> set(const LineParameters& line, bool demanded);
+
+    /// Ends it all, whatever is under way.
+    void giveUp();
+
+private:
+    struct Wish {
+        LineParameters line;
+        bool demanded = false;
+        std::promise<RemoteResult> answer;
+        int pending = 0;
+        RemoteResult result = {};
+    };
+
+    struct Events; // gensio's callbacks
+
+    [[nodiscard]] bool openStream();
+    void watchHost();
+    void carry();
+    void closeStream();
+    void release();
+
+    [[nodiscard]] int fromFarEnd(int error, const unsigned char* bytes, unsigned long* count);
+    void fromHost();
+    void toFarEnd();
+    void woken();
+    void startWish();
+    void settingAnswered(int error, unsigned int wanted, unsigned int taken, const char* what);
+    void endWish();
+    void hangUp();
+    void wake();
+
+    std::string address_;
+    FileDescriptor hostSide_;
+    FileDescriptor waker_;
+    FileDescriptor wakened_;
+    std::promise<RemoteResult> opened_;
+    std::promise<void> ended_;
+
+    std::mutex mutex_; // over the two below
+    std::optional<Wish> newWish_;
+    bool givenUp_ = false;
+
+    gensio_os_funcs* os_ = nullptr;
+    gensio* stream_ = nullptr;
+    gensio_iod* hostWatch_ = nullptr;
+    gensio_iod* wakeWatch_ = nullptr;
+    bool openAnswered_ = false;
+    bool hostGone_ = false;
+    bool hungUp_ = false;
+    bool closed_ = false;
+    int watchesLeft_ = 0;
+    std::string toFarEnd_;
+    std::optional<Wish> wish_;
+};
+
+} // namespace kel

@@ -1,0 +1,98 @@
+#include "platform/remote_line/GensioBridge.h"
+
+#include <csignal>
+#include <pthread.h>
+#include <sys/socket.h>
+#include <system_error>
+#include <thread>
+
+namespace kel {
+
+namespace {
+
+/// How long a server may think about settings, and how long bytes may take to leave at the end.
+constexpr std::chrono::seconds kSettingPatience{5};
+constexpr std::chrono::milliseconds kFarewell{1000};
+
+/// Signals are the host's: none is taken by the bridge's thread.
+class NoSignals {
+public:
+    NoSignals()
+    {
+        sigset_t all;
+        sigfillset(&all);
+        pthread_sigmask(SIG_SETMASK, &all, &before_);
+    }
+    ~NoSignals() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
+    NoSignals(const NoSignals&) = delete;
+    NoSignals& operator=(const NoSignals&) = delete;
+
+private:
+    sigset_t before_{};
+};
+
+/// The host's side of a bridge. The bridge outlives it where it hangs in the network.
+class GensioConnection final : public RemoteConnection {
+public:
+    explicit GensioConnection(const std::string& address)
+        : bridge_(std::make_shared<GensioBridge>(address, hostEnd_)), opened_(bridge_->opened()),
+          ended_(bridge_->ended())
+    {
+        const NoSignals noSignals;
+        std::thread([bridge = bridge_] { bridge->run(); }).detach();
+    }
+
+    ~GensioConnection() override
+    {
+        ::shutdown(hostEnd_.number(), SHUT_WR);
+        if (ended_.wait_for(kFarewell) == std::future_status::ready)
+            return;
+        bridge_->giveUp();
+        ended_.wait_for(kFarewell);
+    }
+
+    GensioConnection(const GensioConnection&) = delete;
+    GensioConnection& operator=(const GensioConnection&) = delete;
+
+    [[nodiscard]] RemoteResult waitOpen(Moment patience)
+    {
+        if (opened_.wait_for(patience) == std::future_status::ready)
+            return opened_.get();
+        bridge_->giveUp();
+        return {RemoteResult::Cause::Unreachable, "it does not answer"};
+    }
+
+    [[nodiscard]] int handle() const noexcept override { return hostEnd_.number(); }
+
+    [[nodiscard]] RemoteResult set(const LineParameters& line, bool demanded) override
+    {
+        std::future<RemoteResult> answer = bridge_->set(line, demanded);
+        if (answer.wait_for(kSettingPatience) == std::future_status::ready)
+            return answer.get();
+        return {RemoteResult::Cause::Refused, "the server does not answer to the settings of its line"};
+    }
+
+private:
+    FileDescriptor hostEnd_;
+    std::shared_ptr<GensioBridge> bridge_;
+    std::future<RemoteResult> opened_;
+    std::future<void> ended_;
+};
+
+} // namespace
+
+} // namespace kel
+
+extern "C" __attribute__((visibility("default"))) void
+kelOpenRemoteConnection(const std::string& address, kel::Moment patience,
+                        std::unique_ptr<kel::RemoteConnection>& connection, kel::RemoteResult& result)
+{
+    try {
+        auto opened = std::make_unique<kel::GensioConnection>(address);
+        result = opened->waitOpen(patience);
+        if (result.cause == kel::RemoteResult::Cause::None)
+            connection = std::move(opened);
+    } catch (const std::system_error& failure) {
+        result = {kel::RemoteResult::Cause::Unreachable, failure.code().message()};
+    }
+}

@@ -1,0 +1,374 @@
+#include "simulators/scanning_systems/SekonicSerial.h"
+
+#include "platform/Transcript.h"
+
+#include <algorithm>
+#include <charconv>
+
+namespace kel {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr char kENQ = 0x05;
+constexpr char kDLE = 0x10;
+constexpr char kDC3 = 0x13;
+constexpr char kCAN = 0x18;
+constexpr char kSTX = 0x02;
+constexpr char kGood = '0';
+constexpr Moment kReplyTime = 4ms;
+constexpr std::size_t kWindowFields = 6;
+
+bool isDigits(std::string_view text, std::size_t count)
+{
+    return text.size() == count && std::ranges::all_of(text, [](char c) { return c >= '0' && c <= '9'; });
+}
+
+Int32 number(std::string_view digits)
+{
+    Int32 value = 0;
+    std::from_chars(digits.data(), digits.data() + digits.size(), value);
+    return value;
+}
+
+std::string threeDigits(std::size_t count)
+{
+    const std::string digits = std::to_string(count);
+    return std::string(3 - std::min<std::size_t>(digits.size(), 3), '0') + digits;
+}
+
+} // namespace
+
+SekonicSerial::SekonicSerial(SimulatorOptions options)
+    : Simulator(std::move(options)), mode_(settingNumber("mode", 0)), rejecter_(settingFlag("rejecter", true)),
+      optionsReply_(setting("options", "00000.00")),
+      feedTime_(std::chrono::milliseconds(settingNumber("feed-ms", 200))),
+      resetReply_(parseTranscriptBytes(setting("reset-reply", "06"))), emptyStatus_(settingNumber("empty-status", '2')),
+      jamStatus_(settingNumber("jam-status", '1')), printStatus_(setting("print-status", "10")),
+      statusOfTwo_(settingFlag("two-sided", hasTwoSides())), shortPages_(settingFlag("short-pages", false))
+{
+    if (settingFlag("plain", false))
+        style_ = {.blanks = false, .separators = false, .explicitZeros = false};
+    if (optionsReply_.size() > 5)
+        optionsReply_[5] = rejecter_ ? '1' : '0';
+}
+
+bool SekonicSerial::isLarge() const
+{
+    return model() != kelReaderTypeScanningSystemsSR410 && model() != kelReaderTypeSekonicSR430;
+}
+
+bool SekonicSerial::hasTwoSides() const
+{
+    return model() == kelReaderTypeScanningSystemsSR607 || model() == kelReaderTypeScanningSystemsSR700352;
+}
+
+void SekonicSerial::onOpen()
+{
+    begun_.clear();
+    block_ = Block::None;
+    started_ = false;
+}
+
+void SekonicSerial::onClose()
+{
+    if (!begun_.empty() || block_ != Block::None)
+        fault("the line was closed within a command");
+}
+
+void SekonicSerial::onByte(Byte byte)
+{
+    if (byte != '\r') {
+        begun_ += static_cast<char>(byte);
+        return;
+    }
+    const std::string text = std::exchange(begun_, {});
+    if (block_ != Block::None)
+        block(text);
+    else
+        obey(text);
+}
+
+void SekonicSerial::obey(std::string command)
+{
+    if (command == std::string(1, kCAN)) {
+        reset();
+        return;
+    }
+    if (!started_)
+        fault("command " + transcriptBytes(command) + " before a reset");
+    int side = 1;
+    if (command.starts_with('/')) {
+        side = 2;
+        command.erase(0, 1);
+        if (!hasTwoSides())
+            fault("command " + transcriptBytes(command) + " for a second side, which this reader has not");
+    }
+    const char first = command.empty() ? '\0' : command.front();
+    const std::string text = command.empty() ? "" : command.substr(1);
+    if (first == kENQ)
+        query(text, side);
+    else if (first == kDLE)
+        setUpOrRead(text, side);
+    else if (first == kDC3 && side == 1)
+        setting13(text);
+    else if (first == '?' && side == 1)
+        plainQuery(text);
+    else
+        unknown(command);
+}
+
+void SekonicSerial::unknown(const std::string& command)
+{
+    fault("unknown command " + transcriptBytes(command));
+}
+
+void SekonicSerial::reset()
+{
+    dropPending();
+    started_ = true;
+    startCommand_ = false;
+    windowsCleared_ = false;
+    goodSheet_ = false;
+    threshold_.clear();
+    barcodeArming_.clear();
+    printArming_.clear();
+    repliedAt_ = now();
+    answer(resetReply_);
+}
+
+void SekonicSerial::answer(std::string reply)
+{
+    if (now() < repliedAt_ || isSending())
+        fault("a query before the reply to the one before it was through");
+    repliedAt_ = now() + kReplyTime;
+    schedule(kReplyTime, [this, text = std::move(reply)] { sendBlock(text); });
+}
+
+void SekonicSerial::query(const std::string& text, int side)
+{
+    if (text == "OM" && side == 1 && isLarge())
+        answer(std::to_string(mode_));
+    else if (text == "O" && side == 1 && isLarge())
+        answer(optionsReply_);
+    else if (text == "T") {
+        demandSheet("timing marks");
+        answer(threeDigits(this->side(side).size()) + ",7");
+    } else
+        unknown(kENQ + text);
+}
+
+void SekonicSerial::setUpOrRead(const std::string& text, int side)
+{
+    if (text == "T" && !isLarge() && side == 1)
+        block_ = Block::StartCommand;
+    else if (text.starts_with("DL") && side == 1)
+        takeThreshold(text.substr(2));
+    else if (text == "Q" && isLarge() && side == 1) {
+        windows_ = {};
+        windowsCleared_ = true;
+    } else if (text == "W" && isLarge()) {
+        block_ = Block::Window;
+        blockSide_ = side;
+    } else if (text.starts_with("ED001"))
+        sendPage(text.substr(5), side);
+    else if (text == "R*" && isLarge())
+        sendWindows(side);
+    else
+        unknown(kDLE + text);
+}
+
+void SekonicSerial::block(const std::string& text)
+{
+    const Block kind = std::exchange(block_, Block::None);
+    if (kind == Block::Window) {
+        loadWindow(text);
+        return;
+    }
+    const std::string wanted = model() == kelReaderTypeScanningSystemsSR410 ? "1" : std::string{kSTX, '2'};
+    if (text != wanted)
+        fault("start command " + transcriptBytes(text) + " for " + transcriptBytes(wanted));
+    startCommand_ = true;
+}
+
+void SekonicSerial::takeThreshold(const std::string& text)
+{
+    bool right = isDigits(text, 2);
+    if (isLarge() && mode_ <= 1)
+        right = isDigits(text, 1) && text[0] >= '1' && text[0] <= (mode_ == 0 ? '3' : '4');
+    else if (model() == kelReaderTypeScanningSystemsSR410)
+        right = text.size() >= 2 && text[0] == '0' && isDigits(text, text.size());
+    if (!right)
+        fault("threshold DL" + text + ", which is not of this model and mode");
+    if (!isLarge() && !startCommand_)
+        fault("the threshold before the start command");
+    threshold_ = text;
+}
+
+void SekonicSerial::loadWindow(const std::string& text)
+{
+    if (!windowsCleared_)
+        fault("a window without Q before it");
+    const std::size_t digits = 2 * kWindowFields;
+    if (text.empty() || text.front() != kSTX || !text.ends_with("112") || !isDigits(text.substr(1), digits + 3)) {
+        fault("a window of other fields: " + transcriptBytes(text));
+        return;
+    }
+    std::array<Int32, kWindowFields> fields{};
+    for (std::size_t field = 0; field < kWindowFields; ++field)
+        fields[field] = number(std::string_view(text).substr(1 + 2 * field, 2));
+    windows_.at(static_cast<std::size_t>(blockSide_ - 1))
+        .push_back({fields[0], fields[1], fields[2], fields[3], fields[4], fields[5]});
+}
+
+void SekonicSerial::setting13(const std::string& text)
+{
+    if (text == "15" && model() == kelReaderTypeSekonicSR430)
+        return;
+    if (!isLarge())
+        unknown(kDC3 + text);
+    else if (text.starts_with("DD")) {
+        if (!isDigits(text.substr(2), 2))
+            fault("mark discrimination of other fields: " + text);
+    } else if (text == "BA05")
+        sendBarcode();
+    else if (text.starts_with("BA")) {
+        barcodeArming_ += text.starts_with("BA10999") && text.size() > 7 ? "zone" : text.substr(2) + " ";
+    } else if (text == "P10" || text == "P3100")
+        printArming_ += text;
+    else if (text.starts_with('P'))
+        printCommand(text.substr(1));
+    else if (text == "R05") {
+        if (!rejecter_)
+            fault("a sheet to the reject hopper, which this reader has not");
+        sheetGoes(SheetEvent::Rejected);
+    } else if (text == "R04")
+        sheetGoes(SheetEvent::Ejected);
+    else
+        unknown(kDC3 + text);
+}
+
+void SekonicSerial::plainQuery(const std::string& text)
+{
+    if (text.empty())
+        readSheet();
+    else if (text == "P" && isLarge()) {
+        demandSheet("a print");
+        if (printText_)
+            fault("the print status is asked for with a text that was not printed");
+        answer(printStatus_);
+    } else if (text == "F" && isLarge()) {
+        sheetGoes(SheetEvent::Ejected);
+        answer("F0");
+    } else
+        unknown("?" + text);
+}
+
+void SekonicSerial::readSheet()
+{
+    if (threshold_.empty())
+        fault("a sheet before the threshold");
+    if (!barcodeArming_.empty() && barcodeArming_ != "00 01 zone")
+        fault("barcodes armed with " + barcodeArming_);
+    if (!printArming_.empty() && printArming_ != "P10P3100")
+        fault("the printer armed with " + printArming_);
+    if (now() < repliedAt_ || isSending() || isScheduled())
+        fault("a sheet before the reply to the command before it was through");
+    goodSheet_ = false;
+    schedule(feedTime_, [this] { sheetTaken(); });
+}
+
+void SekonicSerial::sheetTaken()
+{
+    const Feed fed = feed();
+    barcodeArmed_ = !barcodeArming_.empty();
+    printArmed_ = !printArming_.empty();
+    barcodeArming_.clear();
+    printArming_.clear();
+    printText_.reset();
+    goodSheet_ = fed == Feed::Sheet;
+    if (goodSheet_) {
+        sendBlock(std::string(statusOfTwo_ ? 2 : 1, kGood));
+        return;
+    }
+    const Int32 status = fed == Feed::Empty ? emptyStatus_ : jamStatus_;
+    if (status >= 0)
+        sendBlock(std::string(1, static_cast<char>(status)));
+}
+
+void SekonicSerial::demandSheet(const std::string& what)
+{
+    if (!goodSheet_)
+        fault(what + " without a good sheet");
+}
+
+void SekonicSerial::sendBarcode()
+{
+    demandSheet("a barcode");
+    if (!barcodeArmed_)
+        fault("a barcode that was not armed for this sheet");
+    if (sheet().barcodes.empty() || sheet().barcodes.front().empty())
+        answer("?00\r");
+    else
+        answer("*" + sheet().barcodes.front() + "\r");
+}
+
+void SekonicSerial::sendPage(const std::string& rows, int side)
+{
+    demandSheet("marks");
+    if (!isDigits(rows, 3)) {
+        fault("marks down to row " + rows);
+        return;
+    }
+    if (now() < repliedAt_ || isSending())
+        fault("a query before the reply to the one before it was through");
+    const MarkRows& marks = this->side(side);
+    Int32 count = number(rows);
+    if (shortPages_)
+        count = std::min(count, std::max(1, static_cast<Int32>(marks.size())));
+    const bool reversed = model() == kelReaderTypeSekonicSR430 && side == 1;
+    const ColumnLetters letters = reversed ? ColumnLetters::Reversed : ColumnLetters::Counted;
+    repliedAt_ = now() + kReplyTime;
+    sendAfter(kReplyTime, pageReply(marks, count, letters, style_));
+    note(SheetEvent::Read);
+}
+
+void SekonicSerial::sendWindows(int side)
+{
+    demandSheet("windows");
+    if (now() < repliedAt_ || isSending())
+        fault("a query before the reply to the one before it was through");
+    repliedAt_ = now() + kReplyTime;
+    // A side without windows has a reply too, or the host would take it for silence.
+    const std::string reply = windowReply(this->side(side), windows(side), style_);
+    sendAfter(kReplyTime, reply.empty() ? "\r" : reply);
+    note(SheetEvent::Read);
+}
+
+void SekonicSerial::printCommand(const std::string& text)
+{
+    demandSheet("a print");
+    if (!printArmed_)
+        fault("a print that was not armed for this sheet");
+    const bool hasLine = text.size() >= 2 && text[1] >= '0' && text[1] <= '2';
+    const Int32 line = hasLine ? text[1] - '0' + 1 : 0;
+    if (text.starts_with("32") && isDigits(text.substr(2), 3))
+        printPosition_ = number(std::string_view(text).substr(2));
+    else if (hasLine && text[0] == '4' && text.size() > 2 && text.back() == ' ')
+        printText_ = {line, text.substr(2, text.size() - 3)};
+    else if (hasLine && text[0] == '2' && text.size() == 2 && printText_ && printText_->first == line) {
+        note(SheetEvent::Printed, printText_->second, line, printPosition_);
+        printText_.reset();
+    } else
+        fault("print command P" + text);
+}
+
+void SekonicSerial::sheetGoes(SheetEvent event)
+{
+    if (sheetNumber() == 0)
+        fault("a sheet is sent out, and there was none");
+    note(event);
+}
+
+} // namespace kel
