@@ -13,11 +13,9 @@
 #include <array>
 #include <stdexcept>
 
-namespace kel
-{
+namespace kel {
 
-namespace
-{
+namespace {
 
 /// The models of one simulated reader, what their sheets look like, and how it is made.
 struct SimulatorFamily {
@@ -50,15 +48,10 @@ const std::vector<SimulatorFamily>& families()
         {{kelReaderTypeAppersonAdvantage1200},
          {.side1Rows = 50,
           .side1Columns = 5,
-          .digitFields = {{"Student ID", 10},
-                          {"Test Version", 1},
-                          {"Essay Score", 4},
-                          {"Page 1 ID", 4},
-                          {"Page 2 ID", 4}}},
+          .digitFields =
+              {{"Student ID", 10}, {"Test Version", 1}, {"Essay Score", 4}, {"Page 1 ID", 4}, {"Page 2 ID", 4}}},
          make<DataLineReader>},
-        {{kelReaderTypeNCSEZData, kelReaderTypeChatsworthACF100},
-         {.side1Rows = 40, .side1Columns = 12},
-         make<EZData>},
+        {{kelReaderTypeNCSEZData, kelReaderTypeChatsworthACF100}, {.side1Rows = 40, .side1Columns = 12}, make<EZData>},
         {{kelReaderTypeChatsworthOMR1100, kelReaderTypeChatsworthOMR2000, kelReaderTypeChatsworthALSAccelScanOMR,
           kelReaderTypeChatsworthACF200, kelReaderTypeChatsworthACP200},
          {.side1Rows = 40, .side1Columns = 12},
@@ -67,12 +60,7 @@ const std::vector<SimulatorFamily>& families()
          {.side1Rows = 40, .side1Columns = 48, .highestMark = 15, .barcodes = 1},
          make<SekonicSerial>},
         {{kelReaderTypeScanningSystemsSR607, kelReaderTypeScanningSystemsSR700352},
-         {.side1Rows = 40,
-          .side1Columns = 48,
-          .side2Rows = 40,
-          .side2Columns = 48,
-          .highestMark = 15,
-          .barcodes = 1},
+         {.side1Rows = 40, .side1Columns = 48, .side2Rows = 40, .side2Columns = 48, .highestMark = 15, .barcodes = 1},
          make<SekonicSerial>},
         {{kelReaderTypeScanningSystemsSR410, kelReaderTypeSekonicSR430},
          {.side1Rows = 40, .side1Columns = 12, .highestMark = 15},

@@ -1,32 +1,23 @@
 #include "platform/remote_line/GensioBridge.h"
 
+#include "platform/remote_line/GensioLoop.h"
+
 #include <array>
-#include <cstring>
-#include <system_error>
 
 extern "C" {
 #include <gensio/gensio.h>
 #include <gensio/gensio_os_funcs.h>
-#include <gensio/gensio_unix.h>
 #include <gensio/sergensio.h>
 }
 
-#include <fcntl.h>
 #include <sys/socket.h>
 
 namespace kel {
 
 namespace {
 
-/// A pair of sockets that do not block.
-void connectPair(FileDescriptor& one, FileDescriptor& other)
-{
-    int ends[2] = {-1, -1};
-    if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0, ends) != 0)
-        throw std::system_error(errno, std::generic_category(), "no pair of sockets");
-    one = FileDescriptor(ends[0]);
-    other = FileDescriptor(ends[1]);
-}
+/// How long the far end may take over the end of a connection.
+constexpr std::chrono::milliseconds kClosingPatience{800};
 
 RemoteResult openFailure(int error)
 {
@@ -112,9 +103,8 @@ struct GensioBridge::Events {
         gensio_set_read_callback_enable(self.stream_, true);
     }
 
-    static void wakeReadable(gensio_iod*, void* data) { bridge(data).woken(); }
     static void nothing(gensio_iod*, void*) {}
-    static void watchEnded(gensio_iod*, void* data) { --bridge(data).watchesLeft_; }
+    static void watchEnded(gensio_iod*, void* data) { bridge(data).watched_ = false; }
 
     static void settingDone(sergensio*, int error, unsigned int value, void* data)
     {
@@ -126,7 +116,6 @@ struct GensioBridge::Events {
 GensioBridge::GensioBridge(std::string address, FileDescriptor& hostEnd) : address_(std::move(address))
 {
     connectPair(hostEnd, hostSide_);
-    connectPair(waker_, wakened_);
 }
 
 GensioBridge::~GensioBridge() = default;
@@ -141,7 +130,7 @@ std::future<RemoteResult> GensioBridge::set(const LineParameters& line, bool dem
         const std::lock_guard lock(mutex_);
         newWish_ = std::move(wish);
     }
-    wake();
+    GensioLoop::instance().wake();
     return answer;
 }
 
@@ -151,112 +140,110 @@ void GensioBridge::giveUp()
         const std::lock_guard lock(mutex_);
         givenUp_ = true;
     }
-    wake();
-}
-
-void GensioBridge::wake()
-{
-    static_cast<void>(::send(waker_.number(), "", 1, MSG_NOSIGNAL));
+    GensioLoop::instance().wake();
 }
 
 // --- The thread
 
-void GensioBridge::run()
+bool GensioBridge::step()
 {
-    if (openStream()) {
-        carry();
-        closeStream();
+    switch (state_) {
+    case State::New:
+        if (openStream())
+            state_ = State::Opening;
+        else
+            beginClearing();
+        break;
+    case State::Opening:
+        if (closed_)
+            beginClearing();
+        else if (givenUp())
+            beginClosing();
+        else if (openAnswered_)
+            beginReading();
+        break;
+    case State::Open:
+        takeWish();
+        if (closed_ || hungUp_ || (hostGone_ && toFarEnd_.empty()) || givenUp())
+            beginClosing();
+        break;
+    case State::Closing:
+        if (closed_ || std::chrono::steady_clock::now() > closingEnds_) {
+            os_->set_read_handler(hostWatch_, true);
+            state_ = State::Lingering;
+        }
+        break;
+    case State::Lingering:
+        takeWish();
+        if (hostGone_ || givenUp())
+            beginClearing();
+        break;
+    case State::Clearing:
+        if (!watched_) {
+            release();
+            return true;
+        }
+        break;
     }
-    release();
-    ended_.set_value();
+    return false;
+}
+
+bool GensioBridge::givenUp()
+{
+    const std::lock_guard lock(mutex_);
+    return givenUp_;
 }
 
 bool GensioBridge::openStream()
 {
-    int error = gensio_unix_funcs_alloc(nullptr, 0, &os_);
+    os_ = GensioLoop::instance().os();
+    int error = os_->add_iod(os_, GENSIO_IOD_SOCKET, hostSide_.number(), &hostWatch_);
+    if (error == 0)
+        error = os_->set_fd_handlers(hostWatch_, this, &Events::hostReadable, &Events::hostWritable, &Events::nothing,
+                                     &Events::watchEnded);
+    watched_ = error == 0;
     if (error == 0)
         error = str_to_gensio(address_.c_str(), os_, &Events::happened, this, &stream_);
-    if (error == 0) {
-        watchHost();
+    if (error == 0)
         error = gensio_open(stream_, &Events::openDone, this);
-    }
     if (error != 0)
         opened_.set_value(openFailure(error));
     return error == 0;
 }
 
-void GensioBridge::watchHost()
+void GensioBridge::beginReading()
 {
-    if (os_->add_iod(os_, GENSIO_IOD_SOCKET, hostSide_.number(), &hostWatch_) != 0 ||
-        os_->add_iod(os_, GENSIO_IOD_SOCKET, wakened_.number(), &wakeWatch_) != 0)
-        return;
-    watchesLeft_ = 2;
-    os_->set_fd_handlers(hostWatch_, this, &Events::hostReadable, &Events::hostWritable, &Events::nothing,
-                         &Events::watchEnded);
-    os_->set_fd_handlers(wakeWatch_, this, &Events::wakeReadable, &Events::nothing, &Events::nothing,
-                         &Events::watchEnded);
-    os_->set_read_handler(wakeWatch_, true);
+    state_ = State::Open;
+    gensio_set_read_callback_enable(stream_, true);
+    os_->set_read_handler(hostWatch_, true);
 }
 
-void GensioBridge::carry()
+void GensioBridge::beginClosing()
 {
-    bool reading = false;
-    for (;;) {
-        gensio_time turn{1, 0};
-        gensio_os_funcs_service(os_, &turn);
-        if (openAnswered_ && !closed_ && !reading) {
-            reading = true;
-            gensio_set_read_callback_enable(stream_, true);
-            os_->set_read_handler(hostWatch_, true);
-        }
-        const bool allSent = hostGone_ && toFarEnd_.empty();
-        const std::lock_guard lock(mutex_);
-        if (closed_ || givenUp_ || hungUp_ || allSent)
-            return;
-    }
-}
-
-void GensioBridge::closeStream()
-{
+    state_ = State::Closing;
+    closingEnds_ = std::chrono::steady_clock::now() + kClosingPatience;
     if (wish_)
         endWish();
     if (!closed_ && gensio_close(stream_, &Events::closeDone, this) != 0)
         closed_ = true;
-    for (int turns = 0; !closed_ && turns < 20; ++turns) {
-        gensio_time turn{0, 50'000'000};
-        gensio_os_funcs_service(os_, &turn);
-    }
-    if (hostWatch_)
-        os_->set_read_handler(hostWatch_, true);
-    // The host's end of the line stays as it is until the host closes it: writing to it is no signal.
-    const auto hostWaits = [&] {
-        const std::lock_guard lock(mutex_);
-        return !givenUp_ && !hostGone_;
-    };
-    while (hostWaits()) {
-        gensio_time turn{1, 0};
-        gensio_os_funcs_service(os_, &turn);
-    }
+    GensioLoop::instance().wake();
+}
+
+void GensioBridge::beginClearing()
+{
+    state_ = State::Clearing;
+    if (watched_)
+        os_->clear_fd_handlers(hostWatch_);
+    GensioLoop::instance().wake();
 }
 
 void GensioBridge::release()
 {
-    if (os_ && hostWatch_ && wakeWatch_) {
-        os_->clear_fd_handlers(hostWatch_);
-        os_->clear_fd_handlers(wakeWatch_);
-        for (int turns = 0; watchesLeft_ > 0 && turns < 20; ++turns) {
-            gensio_time turn{0, 10'000'000};
-            gensio_os_funcs_service(os_, &turn);
-        }
+    if (hostWatch_)
         os_->release_iod(hostWatch_);
-        os_->release_iod(wakeWatch_);
-    }
     if (stream_)
         gensio_free(stream_);
-    if (os_)
-        gensio_os_funcs_free(os_);
-    os_ = nullptr;
-    stream_ = nullptr;
+    ended_.set_value();
 }
 
 /// What the host's socket does not take now stays with gensio, until there is room.
@@ -318,10 +305,8 @@ void GensioBridge::toFarEnd()
         os_->set_read_handler(hostWatch_, true);
 }
 
-void GensioBridge::woken()
+void GensioBridge::takeWish()
 {
-    std::array<char, 64> bytes;
-    static_cast<void>(::read(wakened_.number(), bytes.data(), bytes.size()));
     {
         const std::lock_guard lock(mutex_);
         if (wish_ || !newWish_)
@@ -334,7 +319,7 @@ void GensioBridge::woken()
 
 void GensioBridge::startWish()
 {
-    sergensio* const line = hungUp_ || closed_ || !openAnswered_ ? nullptr : gensio_to_sergensio(stream_);
+    sergensio* const line = hungUp_ || closed_ || state_ != State::Open ? nullptr : gensio_to_sergensio(stream_);
     if (!line) {
         if (wish_->demanded)
             wish_->result = {RemoteResult::Cause::Refused, "the server takes no settings of its line"};

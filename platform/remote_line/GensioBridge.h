@@ -3,6 +3,7 @@
 #include "platform/posix/FileDescriptor.h"
 #include "platform/remote_line/RemoteConnection.h"
 
+#include <chrono>
 #include <future>
 #include <mutex>
 #include <optional>
@@ -14,8 +15,8 @@ struct gensio_os_funcs;
 
 namespace kel {
 
-/// Carries bytes between a stream of gensio and a socket of this process, in a thread that does nothing else: the one
-/// who reads and writes the socket's other end has a line of its own, and no turn of gensio's to wait for.
+/// Carries bytes between a stream of gensio and a socket of this process, in the thread of the loop: the one who reads
+/// and writes the socket's other end has a line of its own, and no turn of gensio's to wait for.
 ///
 ///     host  <-- socket pair -->  bridge  <-- gensio: telnet, TLS, TCP -->  far end
 ///
@@ -28,8 +29,8 @@ public:
     GensioBridge(const GensioBridge&) = delete;
     GensioBridge& operator=(const GensioBridge&) = delete;
 
-    /// The thread's work, from opening to closing.
-    void run();
+    /// Goes on with what is due, from opening to closing; true once nothing is left of it.
+    [[nodiscard]] bool step();
 
     // --- For the host's side
 
@@ -54,26 +55,33 @@ private:
 
     struct Events; // gensio's callbacks
 
+    enum class State {
+        New,
+        Opening,   ///< gensio has not answered yet
+        Open,
+        Closing,   ///< the same, for the end
+        Lingering, ///< the host has still its end of the line, which stays as it is: writing to it is no signal
+        Clearing,  ///< the watch over the host's socket is being taken away
+    };
+
     [[nodiscard]] bool openStream();
-    void watchHost();
-    void carry();
-    void closeStream();
+    void beginReading();
+    void beginClosing();
+    void beginClearing();
     void release();
+    [[nodiscard]] bool givenUp();
 
     [[nodiscard]] int fromFarEnd(int error, const unsigned char* bytes, unsigned long* count);
     void fromHost();
     void toFarEnd();
-    void woken();
+    void takeWish();
     void startWish();
     void settingAnswered(int error, unsigned int wanted, unsigned int taken, const char* what);
     void endWish();
     void hangUp();
-    void wake();
 
     std::string address_;
     FileDescriptor hostSide_;
-    FileDescriptor waker_;
-    FileDescriptor wakened_;
     std::promise<RemoteResult> opened_;
     std::promise<void> ended_;
 
@@ -84,12 +92,13 @@ private:
     gensio_os_funcs* os_ = nullptr;
     gensio* stream_ = nullptr;
     gensio_iod* hostWatch_ = nullptr;
-    gensio_iod* wakeWatch_ = nullptr;
+    State state_ = State::New;
+    std::chrono::steady_clock::time_point closingEnds_;
     bool openAnswered_ = false;
     bool hostGone_ = false;
     bool hungUp_ = false;
     bool closed_ = false;
-    int watchesLeft_ = 0;
+    bool watched_ = false;
     std::string toFarEnd_;
     std::optional<Wish> wish_;
 };

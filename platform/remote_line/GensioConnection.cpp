@@ -1,10 +1,8 @@
 #include "platform/remote_line/GensioBridge.h"
+#include "platform/remote_line/GensioLoop.h"
 
-#include <csignal>
-#include <pthread.h>
 #include <sys/socket.h>
 #include <system_error>
-#include <thread>
 
 namespace kel {
 
@@ -14,23 +12,6 @@ namespace {
 constexpr std::chrono::seconds kSettingPatience{5};
 constexpr std::chrono::milliseconds kFarewell{1000};
 
-/// Signals are the host's: none is taken by the bridge's thread.
-class NoSignals {
-public:
-    NoSignals()
-    {
-        sigset_t all;
-        sigfillset(&all);
-        pthread_sigmask(SIG_SETMASK, &all, &before_);
-    }
-    ~NoSignals() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
-    NoSignals(const NoSignals&) = delete;
-    NoSignals& operator=(const NoSignals&) = delete;
-
-private:
-    sigset_t before_{};
-};
-
 /// The host's side of a bridge. The bridge outlives it where it hangs in the network.
 class GensioConnection final : public RemoteConnection {
 public:
@@ -38,8 +19,7 @@ public:
         : bridge_(std::make_shared<GensioBridge>(address, hostEnd_)), opened_(bridge_->opened()),
           ended_(bridge_->ended())
     {
-        const NoSignals noSignals;
-        std::thread([bridge = bridge_] { bridge->run(); }).detach();
+        GensioLoop::instance().add(bridge_);
     }
 
     ~GensioConnection() override

@@ -6,11 +6,9 @@
 #include <algorithm>
 #include <charconv>
 
-namespace kel
-{
+namespace kel {
 
-namespace
-{
+namespace {
 
 std::set<std::string> commandsIn(const std::string& text)
 {
@@ -45,8 +43,7 @@ void AppersonReader::takeStep(const std::string& command)
     const bool accepted = answer(command, command == "M3" ? 4 : std::string::npos);
     const auto place = std::ranges::find(steps_, command);
     if (place != steps_.begin() || place == steps_.end())
-        fault("command " + command + " where the start goes on with " +
-              (steps_.empty() ? "reading" : steps_.front()));
+        fault("command " + command + " where the start goes on with " + (steps_.empty() ? "reading" : steps_.front()));
     if (accepted && place != steps_.end())
         steps_.erase(steps_.begin(), std::next(place));
 }

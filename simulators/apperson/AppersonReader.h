@@ -5,8 +5,7 @@
 #include <deque>
 #include <set>
 
-namespace kel
-{
+namespace kel {
 
 /// What the simulated Apperson readers have in common: they answer a command with "OK" and something behind it, and
 /// they want the commands of a start in their order.
@@ -15,8 +14,7 @@ namespace kel
 /// transcripts; a line end without it), `refuse` and `silent` (commands, with commas between, that are answered "NO"
 /// and not at all; neither has an effect), `reader-grade` (the host leaves the grading to the reader, and so must not
 /// switch it to sending for the host), `jam-code` (206 without it: what is told of a sheet that is stuck).
-class AppersonReader : public Simulator
-{
+class AppersonReader : public Simulator {
 protected:
     explicit AppersonReader(SimulatorOptions options);
 

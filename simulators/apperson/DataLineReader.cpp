@@ -4,11 +4,9 @@
 
 #include <algorithm>
 
-namespace kel
-{
+namespace kel {
 
-namespace
-{
+namespace {
 
 constexpr std::size_t kCommandLength = 2;
 constexpr std::size_t kEssayLength = 4;
@@ -310,16 +308,16 @@ std::string DataLineReader::lineOf(const std::string& errorCode) const
     };
     std::string line;
     if (bench_) {
-        line = field("Student ID", 12) + unknown(4);                                // to 16
-        line += "," + field("Page 1 ID", 4, "0001") + unknown(5);                   // to 26
-        line += "," + field("Test ID", 12) + "," + field("School ID", 12);          // to 52
-        line += "," + field("Class ID", 12) + "," + padded(errorCode, 3);           // to 69
-        line += unknown(49);                                                        // to 118
+        line = field("Student ID", 12) + unknown(4);                       // to 16
+        line += "," + field("Page 1 ID", 4, "0001") + unknown(5);          // to 26
+        line += "," + field("Test ID", 12) + "," + field("School ID", 12); // to 52
+        line += "," + field("Class ID", 12) + "," + padded(errorCode, 3);  // to 69
+        line += unknown(49);                                               // to 118
     } else {
         line = field("Student ID", 10) + field("Test Version", 1, "1") + unknown(3); // to 14
-        line += field("Essay Score", 4, "0000");                                    // to 18
-        line += "," + field("Page 1 ID", 4, "0001");                                // to 23
-        line += "," + field("Page 2 ID", 4, "0000") + unknown(4);                   // to 32
+        line += field("Essay Score", 4, "0000");                                     // to 18
+        line += "," + field("Page 1 ID", 4, "0001");                                 // to 23
+        line += "," + field("Page 2 ID", 4, "0000") + unknown(4);                    // to 32
     }
     // What stands behind the last comma is no answer.
     return line + "," + answers() + "A" + kLineEnd;

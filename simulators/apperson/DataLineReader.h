@@ -2,8 +2,7 @@
 
 #include "simulators/apperson/AppersonReader.h"
 
-namespace kel
-{
+namespace kel {
 
 /// An Apperson reader that sends a line of text for each sheet: the BenchMark 3000 and the Advantage 1200. Its
 /// commands are two letters without anything behind; each is answered "OK" unless it says otherwise.
@@ -35,8 +34,7 @@ namespace kel
 /// "Error Code", on the 1200 "Test Version", "Essay Score" and "Page 2 ID". A row of marks is a question, a column a
 /// letter from A; behind those of side 1 come those of side 2 on the 1200. The BenchMark tells a jam as an error code;
 /// the 1200 is silent.
-class DataLineReader final : public AppersonReader
-{
+class DataLineReader final : public AppersonReader {
 public:
     explicit DataLineReader(SimulatorOptions options);
 
@@ -79,7 +77,7 @@ private:
     [[nodiscard]] std::string lineOf(const std::string& errorCode) const;
     [[nodiscard]] std::string answers() const;
 
-    bool bench_; // a BenchMark 3000
+    bool bench_;           // a BenchMark 3000
     bool powered_ = false; // R1 has come
     bool running_ = false;
     bool waitingForSheet_ = false;
@@ -90,7 +88,7 @@ private:
     Key key_;
     bool downloading_ = false;
     bool keyOpen_ = false;
-    bool pageTold_ = false;   // K7 has come for this version
+    bool pageTold_ = false;    // K7 has come for this version
     bool versionTold_ = false; // S has come for this version
     Int32 version_ = 1;
     std::string keyBytes_;

@@ -4,11 +4,9 @@
 
 #include <algorithm>
 
-namespace kel
-{
+namespace kel {
 
-namespace
-{
+namespace {
 
 // The lowest byte that ends a block, and the only one that says that all is well.
 constexpr Int32 kLinkDone = 200;

@@ -2,8 +2,7 @@
 
 #include "simulators/apperson/AppersonReader.h"
 
-namespace kel
-{
+namespace kel {
 
 /// An Apperson reader that sends its marks as they are: the Advantage Link and the Grade Master. Each command is a few
 /// letters with CR (0D) behind.
@@ -19,8 +18,8 @@ namespace kel
 ///            a byte a column; 200, or the code of           number of an error in 3, a byte a row (bit 01 is
 ///            what went wrong                                column 1); 217, or the code of what went wrong
 ///
-/// A sheet without identifier says "Blank ID# ", one that went wrong "Error     ". T1 and A1 do not come when the reader
-/// grades.
+/// A sheet without identifier says "Blank ID# ", one that went wrong "Error     ". T1 and A1 do not come when the
+/// reader grades.
 ///
 /// It refuses as the host's mistake: any other command and any other order, a sheet asked for while one is under way or
 /// not done with FE, and FE before the whole block is there.
@@ -31,8 +30,7 @@ namespace kel
 ///
 /// Fields of a sheet: "Status" (the code in place of 200 or 217), "End Code" (of the Advantage Link, in place of the OK
 /// of FE), "Error Code" (of the Grade Master, three characters behind "Error     "). The identifier is the barcode.
-class RawMarkReader final : public AppersonReader
-{
+class RawMarkReader final : public AppersonReader {
 public:
     explicit RawMarkReader(SimulatorOptions options);
 

@@ -204,6 +204,23 @@ TEST(ScanCommand, FileThatIsNoSerialDeviceIsReported)
     EXPECT_EQ(outcome.status, 1);
 }
 
+TEST(ScanCommand, AnAnswerKeyGoesIntoTheReader)
+{
+    const TextFile form(R"({"side1Rows":[1],"side1Cols":[2]})");
+    const TextFile sheets(R"([{"side1":[[1,1]],"fields":{"Student ID":"77"}}])");
+    const TextFile key(R"({"formIds":["0001","0002"],"questionsOnPage":[1,1],"questions":[
+        {"name":"Question 1","choices":["A","B"],"correctAnswers":["A","B"]},
+        {"name":"Question 2","choices":["A","B"],"correctAnswers":["B","A"]}]})");
+    const Words words = {"scan",      "--model",  "40",          "--simulate",   "--set",    "SleepTime=10", "--form",
+                         form.path(), "--sheets", sheets.path(), "--answer-key", key.path(), "--max-sheets", "1"};
+    const CommandOutcome outcome = runCommand(words);
+    EXPECT_THAT(
+        outcome.lines(),
+        ElementsAre(HasSubstr(R"("record":{"Student ID":"77","Test Version":"1","Page 1 ID":"0001","1":"A\tB"})"),
+                    R"({"event":"end","started":true,"sheets":1,"cancelScan":true,"result":true})"));
+    EXPECT_EQ(outcome.errors, ""); // the simulated reader has found no fault with the key
+}
+
 TEST(ScanCommand, DeviceThatIsInUseIsReportedWithItsUser)
 {
     Pty line;
@@ -296,6 +313,9 @@ INSTANTIATE_TEST_SUITE_P(
         WrongUse{"NoFormFile",
                  {"--model", "24", "--simulate", "--form", "/nonexistent"},
                  "The form file /nonexistent cannot be read: No such file or directory."},
+        WrongUse{"NoAnswerKeyFile",
+                 {"--model", "40", "--device", "/nonexistent", "--answer-key", "/nokey"},
+                 "The answer key file /nokey cannot be read: No such file or directory."},
         WrongUse{"UnknownFault",
                  {"--model", "24", "--simulate", "--fault", "burn"},
                  "fault \"burn\": unknown word \"burn\". A fault is WORD[=VALUE]@PLACE; the words are drop, garble, "

@@ -69,8 +69,24 @@ TEST_F(SimulatedPumpTest, ReturnsAtOnceWhileInputIsNewOrWasTakenFrom)
     EXPECT_EQ(machine_.now(), 2s);
     control_->InputLen(0);
     EXPECT_EQ(control_->Input(), "BC");
-    DoEvents(); // nothing waits any more
+    DoEvents(); // taken from: a caller that pauses when nothing waits gets to its pause
+    EXPECT_EQ(machine_.now(), 2s);
+    DoEvents(); // nothing waits any more, and the caller did nothing
     EXPECT_EQ(machine_.now(), 2s + 5ms);
+}
+
+TEST_F(SimulatedPumpTest, ReturnsAtOnceBehindAnOutputAndAPause)
+{
+    device_.sendAt(1s, "A");
+    open();
+    control_->Output("x");
+    DoEvents();
+    EXPECT_EQ(machine_.now(), 0s);
+    Sleep(10);
+    DoEvents();
+    EXPECT_EQ(machine_.now(), 10ms);
+    DoEvents();
+    EXPECT_EQ(machine_.now(), 1s);
 }
 
 TEST_F(SimulatedPumpTest, TheTimerFiresOnceAndOnlyInDoEvents)
@@ -315,7 +331,8 @@ TEST_F(SimulatedPumpTest, ProgressKeepsALongDialogueAlive)
     device_.echoAfter(1s);
     for (int count = 0; count < 100; ++count) {
         control_->Output("x");
-        DoEvents();
+        DoEvents(); // behind the output
+        DoEvents(); // until the answer comes
         EXPECT_EQ(control_->Input(), "x");
     }
     EXPECT_GT(machine_.now(), 100s);
