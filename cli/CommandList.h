@@ -3,7 +3,8 @@
 // All commands of the program: each is one file in commands/, with the function that is named here.
 #define KEL_COMMANDS(command)                                                                                          \
     command(addModelsCommand) command(addModelCommand) command(addPortsCommand) command(addScanCommand)                \
-        command(addSimulateCommand) command(addSettingsCommand) command(addReplayCommand)
+        command(addSimulateCommand) command(addSettingsCommand) command(addReplayCommand)            \
+        command(addLocateCommand) command(addFirmwareCommand)
 
 namespace kel {
 

@@ -135,7 +135,8 @@ ScanRequest requestOfTranscript(const Transcript& transcript, const std::string&
     if (!request.model)
         throw UsageError(fileName + ": no model; write '# model: N' above the first line of the dialogue.");
     head.use("form", [&](const std::string& value) { request.form = parseForm(value, "the form"); });
-    head.use("answer-key", [&](const std::string& value) { request.answerKey = parseAnswerKey(value, "the answer key"); });
+    head.use("answer-key",
+             [&](const std::string& value) { request.answerKey = parseAnswerKey(value, "the answer key"); });
     head.use("port", [&](const std::string& value) { request.port = HeadReader::number<Int16>(value); });
     head.use("max-sheets", [&](const std::string& value) { request.maxSheets = HeadReader::number<Int32>(value); });
     head.use("reject-blank", [&](const std::string&) { request.rejectBlank = true; });
@@ -146,7 +147,8 @@ ScanRequest requestOfTranscript(const Transcript& transcript, const std::string&
     head.use("print1", [&](const std::string& value) { request.print.print1 = value; });
     head.use("print2", [&](const std::string& value) { request.print.print2 = value; });
     head.use("print3", [&](const std::string& value) { request.print.print3 = value; });
-    head.use("print-distance", [&](const std::string& value) { request.print.distance = HeadReader::number<Int16>(value); });
+    head.use("print-distance",
+             [&](const std::string& value) { request.print.distance = HeadReader::number<Int16>(value); });
     return request;
 }
 

@@ -7,7 +7,7 @@ namespace kel {
 
 /// Where a remote line is.
 struct RemoteAddress {
-    std::string stream; ///< as gensio says it: "telnet(rfc2217),tcp,host,3000"; empty if the text is none
+    std::string stream;         ///< as gensio says it: "telnet(rfc2217),tcp,host,3000"; empty if the text is none
     bool takesSettings = false; ///< the far end has to take the settings of the line
 };
 

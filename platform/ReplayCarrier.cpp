@@ -76,7 +76,8 @@ bool ReplayCarrier::Pump::inputInvites()
     return player_.waiting() > 0 && (player_.arrivals() != arrivalsSeen_ || player_.takings() != takingsSeen_);
 }
 
-/// Time passes up to what happens next. Of two things at once the reader's comes first, and then the timer.
+/// Time passes up to what happens next. Of two things at once the reader's comes first, and then the timer. Bytes that
+/// the recorded host knew of only behind the end of its timer are no reason to let it go on.
 void ReplayCarrier::Pump::moveOn()
 {
     const std::optional<Moment> reader = player_.nextOfReader();
@@ -200,13 +201,16 @@ Int32 ReplayCarrier::Control::InBufferCount()
         else
             player_.moveTo(player_.now() + kTurn);
     }
-    return static_cast<Int32>(player_.waiting());
+    const auto count = static_cast<Int32>(player_.waiting());
+    player_.seen();
+    return count;
 }
 
 std::string ReplayCarrier::Control::Input()
 {
     demandOpen();
     std::string bytes = player_.take(inputLen_ == 0 ? std::string::npos : static_cast<std::size_t>(inputLen_));
+    player_.seen();
     if (bytes.empty() && player_.hungUp())
         failHungUp();
     vainLooks_ = 0;

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cmath>
 
 namespace kel {
 
@@ -11,9 +10,15 @@ namespace {
 // Lets what came behind a look stand behind it.
 constexpr Moment kJustAfter = std::chrono::microseconds(1);
 
+double milliseconds(Moment time)
+{
+    return static_cast<double>(std::chrono::duration_cast<std::chrono::microseconds>(time).count()) / 1000;
+}
+
 std::string onOneLine(std::string text)
 {
-    std::replace_if(text.begin(), text.end(), [](char character) { return character == '\n' || character == '\r'; }, ' ');
+    std::replace_if(
+        text.begin(), text.end(), [](char character) { return character == '\n' || character == '\r'; }, ' ');
     return text;
 }
 
@@ -32,10 +37,10 @@ void TraceLog::opened(Moment now)
     known_ = 0;
 }
 
-void TraceLog::add(Moment at, TranscriptLine line, std::size_t missing)
+void TraceLog::add(Moment at, Moment known, TranscriptLine line, std::size_t missing)
 {
     begun_ = true;
-    entries_.push_back({at, std::move(line), missing});
+    entries_.push_back({at, known, std::move(line), missing});
     writeComplete();
 }
 
@@ -43,13 +48,13 @@ void TraceLog::sent(Moment now, std::string_view bytes)
 {
     notBefore_ = now;
     if (!bytes.empty())
-        add(now, {.kind = TranscriptLine::Kind::ToReader, .bytes = std::string(bytes)});
+        add(now, now, {.kind = TranscriptLine::Kind::ToReader, .bytes = std::string(bytes)});
 }
 
 void TraceLog::looked(Moment now, std::size_t waiting)
 {
     if (waiting > known_)
-        add(notBefore_, {.kind = TranscriptLine::Kind::FromReader}, waiting - known_);
+        add(notBefore_, now, {.kind = TranscriptLine::Kind::FromReader}, waiting - known_);
     known_ = waiting;
     notBefore_ = now + kJustAfter;
 }
@@ -70,13 +75,13 @@ void TraceLog::took(Moment now, std::string_view bytes)
 void TraceLog::hungUp(const std::string& text)
 {
     giveUpMissing();
-    add(notBefore_, {.kind = TranscriptLine::Kind::Unplug, .note = onOneLine(text)});
+    add(notBefore_, notBefore_, {.kind = TranscriptLine::Kind::Unplug, .note = onOneLine(text)});
 }
 
 void TraceLog::closed(Moment now)
 {
     giveUpMissing();
-    writePause(now);
+    writePause(now, now);
 }
 
 void TraceLog::giveUpMissing()
@@ -93,20 +98,23 @@ void TraceLog::writeComplete()
         const Entry& entry = entries_.front();
         if (entry.line.kind == TranscriptLine::Kind::FromReader && entry.line.bytes.empty())
             continue;
-        writePause(entry.at);
+        writePause(entry.at, std::max(entry.at, entry.known));
         write_(writeTranscriptLine(entry.line) + "\n");
     }
 }
 
-/// Pauses are written in whole microseconds, and what is cut off goes to the next one.
-void TraceLog::writePause(Moment until)
+void TraceLog::writePause(Moment notBefore, Moment until)
 {
-    const auto pause = std::chrono::duration_cast<std::chrono::microseconds>(until - lastLine_);
-    if (pause.count() <= 0)
+    const Moment pause = std::chrono::duration_cast<std::chrono::microseconds>(until - lastLine_);
+    if (pause <= Moment::zero())
         return;
-    write_(writeTranscriptLine({.kind = TranscriptLine::Kind::Pause,
-                                .milliseconds = static_cast<double>(pause.count()) / 1000}) +
-           "\n");
+    const Moment least = std::chrono::duration_cast<std::chrono::microseconds>(notBefore - lastLine_);
+    TranscriptLine line{.kind = TranscriptLine::Kind::Pause, .milliseconds = milliseconds(pause)};
+    if (least < pause)
+        line.note = kNotBefore + writeTranscriptLine({.kind = TranscriptLine::Kind::Pause,
+                                                      .milliseconds = std::max(milliseconds(least), 0.0)})
+                                     .substr(2);
+    write_(writeTranscriptLine(line) + "\n");
     lastLine_ += pause;
 }
 

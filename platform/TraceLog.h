@@ -12,12 +12,22 @@
 
 namespace kel {
 
+/// How the note of a pause begins; behind it stand milliseconds.
+inline const std::string kNotBefore = "not before ";
+
 /// Makes a transcript of what passes a serial control, while it happens.
 ///
-/// A reader's bytes become known to the host when it looks at the line, and what they are when it takes them. They are
-/// written behind all that was known before, with the moment of the last look that did not show them yet: whenever
-/// exactly they came after that, it made no difference to the host. A line is handed out as soon as it is complete and
-/// all lines before it are.
+/// A reader's bytes become known to the host when it looks at the line, and what they are when it takes them; a line is
+/// handed out as soon as it is complete and all lines before it are. The pause in front of them lasts to the look that
+/// showed them, and its note tells how much of it had passed at the last look that did not: whenever exactly they came
+/// in between, it made no difference to the host.
+///
+///     > 1B "QSTS" 0D
+///     + 21.4 # not before 20.1
+///     < "00000000"
+///
+/// So a replay, whose host needs no time for itself, has the bytes in time for the same look. The note of a hang-up is
+/// the text of the failure that the host got.
 class TraceLog {
 public:
     using Head = std::vector<std::pair<std::string, std::string>>;
@@ -54,19 +64,20 @@ public:
 private:
     struct Entry {
         Moment at{};
+        Moment known{};
         TranscriptLine line;
         std::size_t missing = 0; ///< bytes that are known to be there, and not what they are
     };
 
-    void add(Moment at, TranscriptLine line, std::size_t missing = 0);
-    void writePause(Moment until);
+    void add(Moment at, Moment known, TranscriptLine line, std::size_t missing = 0);
+    void writePause(Moment notBefore, Moment until);
     void writeComplete();
     void giveUpMissing();
 
     Write write_;
     std::deque<Entry> entries_;
     std::size_t known_ = 0;
-    Moment lastLine_{};  // when the last line that was written happened
+    Moment lastLine_{};  // when the last line that was written was sent or known
     Moment notBefore_{}; // the last moment at which the host knew nothing more
     bool begun_ = false;
 };

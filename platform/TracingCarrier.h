@@ -50,7 +50,7 @@ private:
 
         TracingCarrier& carrier_;
         TraceLog log_;
-        std::string kept_;          // bytes taken ahead of the host, of a line that is dead
+        std::string kept_; // bytes taken ahead of the host, of a line that is dead
         bool lineWritten_ = false;
         bool deathWritten_ = false;
     };

@@ -80,6 +80,12 @@ double parsePause(std::string_view text, int line)
     return value;
 }
 
+std::string noteOf(std::string_view text)
+{
+    const std::size_t comment = text.find('#');
+    return comment == std::string_view::npos ? "" : std::string(trimmed(text.substr(comment + 1)));
+}
+
 /// `key: value`; false for any other comment.
 bool parseHead(std::string_view comment, std::pair<std::string, std::string>& head)
 {
@@ -109,13 +115,13 @@ TranscriptLine parseDialogueLine(std::string_view text, int number)
     case '+':
         line.kind = TranscriptLine::Kind::Pause;
         line.milliseconds = parsePause(rest, number);
+        line.note = noteOf(rest);
         break;
     case '!':
         if (trimmed(rest.substr(0, rest.find('#'))) != "unplug")
             throw TranscriptError(number, "\"" + std::string(trimmed(rest)) + "\" is no event; there is: unplug");
         line.kind = TranscriptLine::Kind::Unplug;
-        if (const std::size_t comment = rest.find('#'); comment != std::string_view::npos)
-            line.note = trimmed(rest.substr(comment + 1));
+        line.note = noteOf(rest);
         break;
     default:
         throw TranscriptError(number,
@@ -206,11 +212,12 @@ std::string transcriptBytes(std::string_view bytes)
 
 std::string writeTranscriptLine(const TranscriptLine& line)
 {
+    const std::string note = line.note.empty() ? "" : " # " + line.note;
     switch (line.kind) {
     case TranscriptLine::Kind::ToReader: return "> " + transcriptBytes(line.bytes);
     case TranscriptLine::Kind::FromReader: return "< " + transcriptBytes(line.bytes);
-    case TranscriptLine::Kind::Pause: return "+ " + numberText(line.milliseconds);
-    case TranscriptLine::Kind::Unplug: return line.note.empty() ? "! unplug" : "! unplug # " + line.note;
+    case TranscriptLine::Kind::Pause: return "+ " + numberText(line.milliseconds) + note;
+    case TranscriptLine::Kind::Unplug: return "! unplug" + note;
     }
     return {};
 }

@@ -25,7 +25,7 @@ struct TranscriptLine {
     std::string bytes = {};
     double milliseconds = 0;
     int number = 0; ///< of the line in its text, from 1; 0 if it was not parsed
-    std::string note = {}; ///< of an unplug: what the host was told, which stands behind a # and may be missing
+    std::string note = {}; ///< of a pause or an unplug: what stands behind a #; see TraceLog for what it may say
 
     friend bool operator==(const TranscriptLine& a, const TranscriptLine& b)
     {

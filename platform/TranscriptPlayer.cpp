@@ -1,11 +1,19 @@
 #include "platform/TranscriptPlayer.h"
 
+#include "platform/TraceLog.h"
+#include "types/Text.h"
+
 #include <algorithm>
 #include <cmath>
 
 namespace kel {
 
 namespace {
+
+Moment duration(double milliseconds)
+{
+    return Moment(static_cast<Moment::rep>(std::llround(milliseconds * 1e6)));
+}
 
 std::string place(const TranscriptLine& line)
 {
@@ -17,12 +25,15 @@ std::string place(const TranscriptLine& line)
 TranscriptPlayer::TranscriptPlayer(Transcript transcript)
     : transcript_(std::move(transcript)), recorded_(transcript_.value("times") == "recorded")
 {
+    Moment least{};
     for (const TranscriptLine& line : transcript_.lines) {
         if (line.kind == TranscriptLine::Kind::Pause) {
-            lastPause_ += Moment(static_cast<Moment::rep>(std::llround(line.milliseconds * 1e6)));
+            const bool early = recorded_ && line.note.starts_with(kNotBefore);
+            least = lastPause_ + duration(early ? Val(line.note.substr(kNotBefore.size())) : line.milliseconds);
+            lastPause_ += duration(line.milliseconds);
         } else {
-            steps_.push_back({line, lastPause_});
-            lastPause_ = {};
+            steps_.push_back({line, lastPause_, least});
+            lastPause_ = least = {};
         }
     }
 }
@@ -39,6 +50,7 @@ void TranscriptPlayer::beginStep(Moment when)
 {
     sent_ = 0;
     due_ = when + (position_ < steps_.size() ? steps_[position_].pause : lastPause_);
+    earliest_ = when + (position_ < steps_.size() ? steps_[position_].least : lastPause_);
 }
 
 bool TranscriptPlayer::atHost() const
@@ -48,14 +60,14 @@ bool TranscriptPlayer::atHost() const
 
 std::optional<Moment> TranscriptPlayer::nextOfReader() const
 {
-    if (!open_ || hungUp_ || !differences_.empty() || atHost())
+    if (!plays() || unseen_ || atHost())
         return std::nullopt;
     return due_;
 }
 
 std::optional<Moment> TranscriptPlayer::nextOfHost() const
 {
-    if (!recorded_ || !open_ || hungUp_ || !differences_.empty() || !atHost())
+    if (!recorded_ || !plays() || unseen_ || !atHost())
         return std::nullopt;
     return due_;
 }
@@ -70,22 +82,31 @@ void TranscriptPlayer::playStep()
     } else {
         received_ += line.bytes;
         arrivals_ += line.bytes.size();
+        unseen_ = recorded_;
     }
     ++position_;
     beginStep(std::min(due_, now_));
 }
 
+void TranscriptPlayer::seen()
+{
+    if (unseen_)
+        beginStep(now_);
+    unseen_ = false;
+}
+
 void TranscriptPlayer::settle()
 {
-    for (auto due = nextOfReader(); due && *due <= now_; due = nextOfReader())
+    while (nextOfReader() && earliest_ <= now_)
         playStep();
 }
 
 bool TranscriptPlayer::send(std::string_view bytes)
 {
     settle();
-    while (nextOfReader())
+    while (plays() && !atHost())
         playStep();
+    unseen_ = false;
     if (hungUp_)
         return false;
     for (std::size_t i = 0; i < bytes.size() && differences_.empty(); ++i) {

@@ -13,7 +13,8 @@
 namespace kel {
 
 /// The reader's end of a transcript for one host, on a clock that only the host moves. What the reader sends comes at
-/// the times told, counted from the line above; what the host sends has to be what stands in the transcript.
+/// the times told, counted from the line above; what the host sends has to be what stands in the transcript. In a
+/// recorded transcript the pause behind bytes of the reader is counted from when the host knew of them.
 ///
 /// The host of a replay needs no time for itself. So it may be ahead of a recorded one by what that one needed, and is
 /// never behind it: where it sends before the bytes in front of that line are due, they come at once.
@@ -37,12 +38,16 @@ public:
     [[nodiscard]] std::size_t waiting();
     [[nodiscard]] std::string take(std::size_t most);
 
+    /// The host has looked, and knows of all that waits.
+    void seen();
+
     /// Whether the line has hung up by now, and what the recorded host was told then.
     [[nodiscard]] bool hungUp();
     [[nodiscard]] const std::string& hangUpText() const noexcept { return hangUpText_; }
     void hangUp() noexcept { hungUp_ = true; }
 
-    /// When the reader has its next bytes or hangs up; nothing if it waits for the host.
+    /// When the reader has its next bytes or hangs up, as the recorded host had it; nothing if it waits for the host.
+    /// A look may show it earlier, if its note says so.
     [[nodiscard]] std::optional<Moment> nextOfReader() const;
 
     /// When the recorded host did the next thing, as far as the transcript tells.
@@ -64,8 +69,10 @@ private:
     struct Step {
         TranscriptLine line;
         Moment pause{};
+        Moment least{}; ///< of the pause, what a look without the line has passed of it
     };
 
+    [[nodiscard]] bool plays() const { return open_ && !hungUp_ && differences_.empty(); }
     [[nodiscard]] bool atHost() const;
     void settle();
     void playStep();
@@ -79,6 +86,8 @@ private:
     std::size_t position_ = 0;
     std::size_t sent_ = 0; // bytes of the host's line under way
     Moment due_{};
+    Moment earliest_{};
+    bool unseen_ = false; // the pause behind the bytes that came last has not begun
     bool open_ = false;
     bool hungUp_ = false;
     std::string hangUpText_;

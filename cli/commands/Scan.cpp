@@ -173,7 +173,10 @@ void addReaderOptions(CLI::App& command, Arguments& arguments)
     CLI::Option* port =
         command.add_option("--port", arguments.port, "The reader's port number ('kelreader ports')")->type_name("N");
     CLI::Option* device =
-        command.add_option("--device", arguments.device, "The reader's device")->type_name("PATH")->excludes(port);
+        command
+            .add_option("--device", arguments.device, "The reader's device, or a remote line as rfc2217:HOST:PORT")
+            ->type_name("PATH")
+            ->excludes(port);
     command.add_flag("--simulate", arguments.simulate, "A simulated reader")->excludes(port)->excludes(device);
     command.add_option("--form", arguments.formFile, "The form of the sheets, as JSON")->type_name("FILE");
     command

@@ -57,6 +57,9 @@ Int32 LineInput::count()
         if (vainLooks_ >= kLooksAtDeadLine)
             failHungUp();
     }
+    if (waiting() > told_)
+        busyInTurn_ = true;
+    told_ = waiting();
     return static_cast<Int32>(waiting());
 }
 
@@ -75,6 +78,7 @@ std::string LineInput::take(Int32 most)
         buffer_.clear();
         taken_ = 0;
     }
+    told_ = waiting();
     if (count > 0) {
         busyInTurn_ = true;
         vainLooks_ = 0;

@@ -60,8 +60,9 @@ public:
     /// Whether something waits that the caller has not been told yet.
     [[nodiscard]] bool untold() const noexcept { return untold_; }
 
-    /// Whether the caller is not to be kept: it has taken or sent something since the pump last returned, or something
-    /// waits that is news to it. A caller that pauses whenever nothing waits gets to its pause so.
+    /// Whether the caller is not to be kept: since the pump last returned it has taken or sent something, or has been
+    /// told of more than before; or something waits that is news to it. So a caller that pauses whenever nothing waits
+    /// gets to its pause, and one that yields between asking and taking is not held up.
     [[nodiscard]] bool inviting() const noexcept { return busyInTurn_ || (waiting() > 0 && untold_ && !offered_); }
 
     /// The pump gives the thread back to the caller.
@@ -93,7 +94,8 @@ private:
     bool old_ = false;         // what is known of the line may be outdated
     bool untold_ = false;      // bytes came behind the caller's back, and it has not asked since
     bool offered_ = false;     // the pump has returned because of them
-    bool busyInTurn_ = false;  // the caller has taken or sent bytes since the pump last returned
+    std::size_t told_ = 0;     // how many bytes wait, as the caller knows
+    bool busyInTurn_ = false;  // the caller has taken or sent bytes since the pump last returned, or was told of more
     bool lookedInVain_ = false; // the last look found nothing
     bool hungUp_ = false;
     int vainLooks_ = 0; // at a dead line, without taking anything

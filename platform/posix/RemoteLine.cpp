@@ -29,8 +29,9 @@ OpenRemoteConnection loadModule(const std::string& line)
         const char* const reason = ::dlerror();
         throw failure(FailureCode::HardwareNotAvailable,
                       line + " is a remote line, and the module for these cannot be loaded: " +
-                          (reason ? reason : file.string()) + ". Install gensio (libgensio4) and the module beside the "
-                                                              "component.");
+                          (reason ? reason : file.string()) +
+                          ". Install gensio (libgensio4) and the module beside the "
+                          "component.");
     }
     return reinterpret_cast<OpenRemoteConnection>(open);
 }

@@ -35,7 +35,9 @@ RemoteResult openFailure(int error)
     case GE_CERTINVALID:
     case GE_CERTEXPIRED:
     case GE_CERTREVOKED:
-    case GE_NOCERT: return {Cause::Unreachable, "the server's certificate is not trusted: " + std::string(gensio_err_to_str(error))};
+    case GE_NOCERT:
+        return {Cause::Unreachable,
+                "the server's certificate is not trusted: " + std::string(gensio_err_to_str(error))};
     default: return {Cause::Unreachable, gensio_err_to_str(error)};
     }
 }

@@ -57,7 +57,7 @@ private:
 
     enum class State {
         New,
-        Opening,   ///< gensio has not answered yet
+        Opening, ///< gensio has not answered yet
         Open,
         Closing,   ///< the same, for the end
         Lingering, ///< the host has still its end of the line, which stays as it is: writing to it is no signal

@@ -46,9 +46,7 @@ void takeWakings(gensio_iod*, void* wakened)
     static_cast<void>(::read(*static_cast<int*>(wakened), bytes.data(), bytes.size()));
 }
 
-void nothing(gensio_iod*, void*)
-{
-}
+void nothing(gensio_iod*, void*) {}
 
 } // namespace
 

@@ -116,6 +116,7 @@ std::string SimulatedLine::take(std::size_t most)
     clock_.progress();
     taken_ += bytes.size();
     ++busyCount_;
+    told_ -= std::min(told_, bytes.size());
     if (taken_ == received_.size()) {
         received_.clear();
         taken_ = 0;

@@ -62,6 +62,14 @@ public:
         return received_.size() - taken_;
     }
 
+    /// The host has been told how many bytes wait; being told of more than before counts as its being busy.
+    void told(std::size_t waiting)
+    {
+        if (waiting > told_)
+            ++busyCount_;
+        told_ = waiting;
+    }
+
     /// Takes bytes that wait; at most `most`.
     [[nodiscard]] std::string take(std::size_t most);
 
@@ -106,7 +114,8 @@ private:
     std::string received_;
     std::size_t taken_ = 0;
     std::uint64_t arrivedCount_ = 0;
-    std::uint64_t busyCount_ = 0; // what the host has taken and sent
+    std::size_t told_ = 0;
+    std::uint64_t busyCount_ = 0; // what the host has taken, sent and been told
     std::uint64_t arrivedSeen_ = 0;
     std::uint64_t busySeen_ = 0;
     bool hangUpSeen_ = false;

@@ -77,6 +77,7 @@ Int32 SimulatedSerialControl::InBufferCount()
     const std::size_t waiting = line.waiting();
     if (waiting == 0 && line.hungUp())
         failHungUp();
+    line.told(waiting);
     return static_cast<Int32>(waiting);
 }
 

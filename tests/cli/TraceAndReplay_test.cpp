@@ -113,7 +113,8 @@ std::vector<std::filesystem::path> sessions()
 std::string nameOf(const testing::TestParamInfo<std::filesystem::path>& info)
 {
     std::string name = info.param.parent_path().filename().string() + "_" + info.param.stem().string();
-    std::replace_if(name.begin(), name.end(), [](char c) { return !std::isalnum(static_cast<unsigned char>(c)); }, '_');
+    std::replace_if(
+        name.begin(), name.end(), [](char c) { return !std::isalnum(static_cast<unsigned char>(c)); }, '_');
     return name;
 }
 
@@ -122,8 +123,9 @@ INSTANTIATE_TEST_SUITE_P(Sessions, TraceAndReplay, testing::ValuesIn(sessions())
 /// A scan over a pseudo-terminal in real time, traced.
 CommandOutcome tracedScan(const TextFile& trace, const Words& more)
 {
-    Words words = {"scan",       "--model", "24",        "--simulate", "--rate", "unlimited", "--setting",
-                   "feed-ms=0", "--set",   "SleepTime=10", "--set",     "RecognitionThreshold=198", "--trace", trace.path()};
+    Words words = {"scan",      "--model",   "24",    "--simulate",   "--rate", "unlimited",
+                   "--setting", "feed-ms=0", "--set", "SleepTime=10", "--set",  "RecognitionThreshold=198",
+                   "--trace",   trace.path()};
     words.insert(words.end(), more.begin(), more.end());
     return runCommand(words);
 }
@@ -197,7 +199,8 @@ TEST(ReplayCommand, RefusesADamagedTranscript)
 {
     const TextFile damaged("# model: 13\n> 1B\n< 0\n");
     EXPECT_EQ(runCommand({"replay", damaged.path()}).errors,
-              "kelreader: " + damaged.path() + ", line 3: \"0\" is neither two hexadecimal digits nor a text in quotes.\n");
+              "kelreader: " + damaged.path() +
+                  ", line 3: \"0\" is neither two hexadecimal digits nor a text in quotes.\n");
     EXPECT_EQ(runCommand({"replay", damaged.path()}).status, 2);
 
     const TextFile noNumber("# model: 13\n# max-sheets: many\n> 1B\n");

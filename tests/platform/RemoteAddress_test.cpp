@@ -31,7 +31,8 @@ TEST(RemoteAddress, SaysWhetherTheLineIsSet)
 
 TEST(RemoteAddress, HasNoStreamForWhatIsNoPlace)
 {
-    for (const char* device : {"tcp:", "tcp:host", "tcp:host:", "tcp::3000", "tcp:ho,st:3000", "tcp:host:30(00", "tcp:::1:30"})
+    for (const char* device :
+         {"tcp:", "tcp:host", "tcp:host:", "tcp::3000", "tcp:ho,st:3000", "tcp:host:30(00", "tcp:::1:30"})
         EXPECT_EQ(remoteAddress(device)->stream, "") << device;
 }
 

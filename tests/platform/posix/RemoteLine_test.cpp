@@ -259,7 +259,8 @@ TEST_F(RemoteLineTest, NobodyThereIsNotAvailable)
 {
     const RuntimeFailure failure = failureOfOpening("rfc2217:" + place());
     EXPECT_EQ(failure.code(), FailureCode::HardwareNotAvailable);
-    EXPECT_THAT(failure.text(), HasSubstr("Port 1 (rfc2217:" + place() + ") cannot be reached: the connection was refused."));
+    EXPECT_THAT(failure.text(),
+                HasSubstr("Port 1 (rfc2217:" + place() + ") cannot be reached: the connection was refused."));
     EXPECT_FALSE(control_->PortOpen());
 }
 

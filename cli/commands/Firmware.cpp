@@ -1,0 +1,66 @@
+#include "cli/CommandList.h"
+#include "cli/Commands.h"
+#include "cli/ModelLookup.h"
+#include "cli/PropertyTable.h"
+#include "cli/SearchReports.h"
+#include "cli/TextOutput.h"
+#include "platform/PortMap.h"
+#include "types/Text.h"
+
+#include <iostream>
+#include <optional>
+
+namespace kel {
+
+namespace {
+
+struct Arguments {
+    std::string model;
+    Int16 port = PortMap::kFirstPort;
+    std::string device;
+    std::vector<std::string> assignments;
+};
+
+int run(const Arguments& arguments)
+{
+    std::optional<PortOverride> line;
+    if (!arguments.device.empty())
+        line.emplace(arguments.port, arguments.device);
+    clsKELReader reader;
+    const SearchReports reports(reader);
+    reader.LoadDefaults(modelNamed(arguments.model));
+    reader.Port(arguments.port);
+    for (const std::string& assignment : arguments.assignments)
+        applyAssignment(reader, assignment);
+    std::string version;
+    if (reader.Firmware(version)) {
+        TextOutput output;
+        output.writeOrFail(version + "\n");
+        return kDoneStatus;
+    }
+    reports.tell();
+    if (!reader.Profiles()->Item(CStr(reader.ReaderType()))->FirmwareEnabled())
+        std::cerr << "kelreader: " << reader.ReaderName() << " does not tell its firmware version." << std::endl;
+    else
+        std::cerr << "kelreader: No " << reader.ReaderName() << " told its firmware version at port " << reader.Port()
+                  << ". Is it switched on and connected?" << std::endl;
+    return kFailedStatus;
+}
+
+} // namespace
+
+void addFirmwareCommand(Commands& commands)
+{
+    const auto arguments = std::make_shared<Arguments>();
+    CLI::App& command = commands.add("firmware", "Asks a reader for its firmware version and writes it",
+                                     [arguments] { return run(*arguments); });
+    command.add_option("--model", arguments->model, "The model: its number, its name, or a part of the name")
+        ->required();
+    CLI::Option* port = command.add_option("--port", arguments->port, "The reader's port, 1 to 16");
+    command.add_option("--device", arguments->device, "The reader's device, such as /dev/ttyUSB0")->excludes(port);
+    command.add_option("--set", arguments->assignments, "Sets a property of the reader, such as its line settings")
+        ->type_name("Property=Value")
+        ->allow_extra_args(false);
+}
+
+} // namespace kel

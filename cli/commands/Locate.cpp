@@ -1,0 +1,59 @@
+#include "cli/CommandList.h"
+#include "cli/Commands.h"
+#include "cli/ModelLookup.h"
+#include "cli/PropertyTable.h"
+#include "cli/SearchReports.h"
+#include "cli/TextOutput.h"
+#include "types/Text.h"
+
+#include <iostream>
+
+namespace kel {
+
+namespace {
+
+struct Arguments {
+    std::string model;
+    Int16 startPort = 0;
+    std::vector<std::string> assignments;
+};
+
+int run(const Arguments& arguments)
+{
+    clsKELReader reader;
+    const SearchReports reports(reader);
+    reader.LoadDefaults(modelNamed(arguments.model));
+    for (const std::string& assignment : arguments.assignments)
+        applyAssignment(reader, assignment);
+    if (reader.Locate(arguments.startPort)) {
+        TextOutput output;
+        output.writeOrFail(CStr(reader.Port()) + "\n");
+        return kDoneStatus;
+    }
+    reports.tell();
+    if (!reader.Profiles()->Item(CStr(reader.ReaderType()))->LocateEnabled())
+        std::cerr << "kelreader: " << reader.ReaderName() << " cannot be searched for; name its port." << std::endl;
+    else
+        std::cerr << "kelreader: No " << reader.ReaderName()
+                  << " answered at any port. Is it switched on and connected, and does its port have a device "
+                     "('kelreader ports')?"
+                  << std::endl;
+    return kFailedStatus;
+}
+
+} // namespace
+
+void addLocateCommand(Commands& commands)
+{
+    const auto arguments = std::make_shared<Arguments>();
+    CLI::App& command = commands.add("locate", "Searches the ports for a reader and writes the number of its port",
+                                     [arguments] { return run(*arguments); });
+    command.add_option("--model", arguments->model, "The model: its number, its name, or a part of the name")
+        ->required();
+    command.add_option("--port", arguments->startPort, "The port to look at first, 1 to 16");
+    command.add_option("--set", arguments->assignments, "Sets a property of the reader, such as its line settings")
+        ->type_name("Property=Value")
+        ->allow_extra_args(false);
+}
+
+} // namespace kel
