@@ -8,4 +8,4 @@ scripts/install-packages.sh build test
 cmake --preset asan >build-asan.log 2>&1 || { cat build-asan.log >&2; exit 1; }
 rm -f build-asan.log
 cmake --build --preset asan --parallel "$(nproc)"
-exec ctest --preset asan --parallel "$(nproc)" "$@"
+exec ctest --preset asan --parallel 8 "$@"

@@ -9,6 +9,7 @@
 #include "cli/TextOutput.h"
 #include "cli/TraceHead.h"
 #include "cli/UsageError.h"
+#include "platform/Platform.h"
 #include "platform/PortMap.h"
 #include "platform/TracingCarrier.h"
 #include "platform/posix/PtyDeviceHost.h"
@@ -38,6 +39,7 @@ struct Arguments {
     std::string format;
     std::string outFile;
     std::string traceFile;
+    std::string omrApiFile;
     bool rejectBlank = false;
     std::vector<Int32> rejectSheets;
     PrintRequest print;
@@ -144,6 +146,9 @@ int run(const Arguments& arguments)
     if (!device.empty())
         inItsPlace.emplace(reader.Port(), device);
 
+    if (!arguments.omrApiFile.empty())
+        platform().omrApiLoader().libraryFile(arguments.omrApiFile);
+
     ScanOutput output(arguments.outFile, arguments.format);
     std::shared_ptr<const TextOutput> transcript;
     if (!arguments.traceFile.empty())
@@ -179,6 +184,9 @@ void addReaderOptions(CLI::App& command, Arguments& arguments)
             ->excludes(port);
     command.add_flag("--simulate", arguments.simulate, "A simulated reader")->excludes(port)->excludes(device);
     command.add_option("--form", arguments.formFile, "The form of the sheets, as JSON")->type_name("FILE");
+    command
+        .add_option("--omrapi", arguments.omrApiFile, "The library of the USB readers' maker, in place of the usual one")
+        ->type_name("FILE");
     command
         .add_option("--answer-key", arguments.answerKeyFile,
                     "The right answers, as JSON, for a reader that grades by itself")

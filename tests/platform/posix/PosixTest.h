@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tests/support/TemporaryFolder.h"
+
 #include "platform/posix/FileDescriptor.h"
 #include "platform/posix/PosixPlatform.h"
 #include "platform/posix/PosixSerialControl.h"
@@ -22,30 +24,6 @@
 #include <vector>
 
 namespace kel::test {
-
-/// A folder of a test's own, gone at its end.
-class TemporaryFolder {
-public:
-    TemporaryFolder()
-    {
-        std::string name = (std::filesystem::temp_directory_path() / "kel-XXXXXX").string();
-        if (!::mkdtemp(name.data()))
-            throw std::runtime_error("no temporary folder");
-        path_ = name;
-    }
-    ~TemporaryFolder()
-    {
-        std::error_code ignored;
-        std::filesystem::remove_all(path_, ignored);
-    }
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-
-    [[nodiscard]] const std::filesystem::path& path() const { return path_; }
-
-private:
-    std::filesystem::path path_;
-};
 
 /// The run-time failure that a body ends with; nothing if it comes to its end.
 template <class Body>

@@ -100,8 +100,7 @@ class RemoteLineTest : public testing::Test {
 protected:
     void SetUp() override
     {
-        if (!std::filesystem::exists(kServer))
-            GTEST_SKIP() << "ser2net is not installed; scripts/install-packages.sh installs it";
+        ASSERT_TRUE(std::filesystem::exists(kServer)) << "scripts/install-packages.sh installs ser2net";
         std::filesystem::create_directories(folder_);
         pty_.start();
     }
