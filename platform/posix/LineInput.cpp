@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <limits>
 #include <unistd.h>
+#include <utility>
 
 namespace kel {
 
@@ -37,15 +38,15 @@ bool LineInput::mayBeOld() const noexcept
     return old_ || steadyTime() - lastLook_ > lookLasts_;
 }
 
-/// A look that found nothing a moment ago is not repeated: the caller asks twice in one breath.
-bool LineInput::foundNothingJustNow() const noexcept
+/// A look that found nothing is not repeated behind a turn of the pump that took no time.
+bool LineInput::foundNothingBeforeTurn() noexcept
 {
-    return lookedInVain_ && !old_ && steadyTime() - lastLook_ <= kShortestLook;
+    return std::exchange(turnBehindVainLook_, false) && !old_ && steadyTime() - lastLook_ <= kShortestLook;
 }
 
 Int32 LineInput::count()
 {
-    if (waiting() == 0 ? !foundNothingJustNow() : mayBeOld())
+    if (waiting() == 0 ? !foundNothingBeforeTurn() : mayBeOld())
         look();
     untold_ = false;
     if (hungUp_) {
@@ -66,7 +67,7 @@ Int32 LineInput::count()
 std::string LineInput::take(Int32 most)
 {
     const auto wanted = most == 0 ? std::numeric_limits<std::size_t>::max() : static_cast<std::size_t>(most);
-    if (waiting() == 0 ? !foundNothingJustNow() : waiting() < wanted && mayBeOld())
+    if (waiting() == 0 || (waiting() < wanted && mayBeOld()))
         look();
     untold_ = false;
     if (waiting() == 0 && hungUp_)
@@ -137,6 +138,7 @@ std::size_t LineInput::readOnce()
 void LineInput::turnEnds() noexcept
 {
     busyInTurn_ = false;
+    turnBehindVainLook_ = std::exchange(lookedInVain_, false);
     offered_ = true;
     timePassed_ = true;
 }

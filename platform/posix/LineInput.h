@@ -81,7 +81,7 @@ private:
 
     [[nodiscard]] std::size_t waiting() const noexcept { return buffer_.size() - taken_; }
     [[nodiscard]] bool mayBeOld() const noexcept;
-    [[nodiscard]] bool foundNothingJustNow() const noexcept;
+    [[nodiscard]] bool foundNothingBeforeTurn() noexcept;
     void look();
     [[nodiscard]] std::size_t readOnce();
 
@@ -96,7 +96,8 @@ private:
     bool offered_ = false;     // the pump has returned because of them
     std::size_t told_ = 0;     // how many bytes wait, as the caller knows
     bool busyInTurn_ = false;  // the caller has taken or sent bytes since the pump last returned, or was told of more
-    bool lookedInVain_ = false; // the last look found nothing
+    bool lookedInVain_ = false; // the last look, in this turn, found nothing
+    bool turnBehindVainLook_ = false;
     bool hungUp_ = false;
     int vainLooks_ = 0; // at a dead line, without taking anything
     bool timePassed_ = false;
