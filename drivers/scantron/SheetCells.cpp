@@ -46,12 +46,14 @@ std::optional<WindowCellsST::Cell> WindowCellsST::next()
     if (iInner_ >= inner.length) {
         iInner_ = 0;
         iOuter_ = checkedAdd(iOuter_, 1);
+        outerAt_.reset();
     }
     if (inner.length < 1 || iOuter_ > outer.length)
         return std::nullopt;
-    const Int16 outerAt = outer.at(iOuter_);
+    if (!outerAt_)
+        outerAt_ = outer.at(iOuter_);
     const Int16 innerAt = inner.at(++iInner_);
-    return byColumns_ ? Cell{innerAt, outerAt} : Cell{outerAt, innerAt};
+    return byColumns_ ? Cell{innerAt, *outerAt_} : Cell{*outerAt_, innerAt};
 }
 
 } // namespace kel

@@ -61,6 +61,7 @@ private:
     bool byColumns_;
     Int16 iOuter_ = 1;
     Int16 iInner_ = 0;
+    std::optional<Int16> outerAt_; // where the outer direction stands now
 };
 
 } // namespace kel
