@@ -27,7 +27,8 @@ void Stack_BytesOnALineInMemory(benchmark::State& state)
     SimulatorOptions options;
     options.rate = Rate::Unlimited;
     for (int i = 0; i < kSheets; ++i)
-        options.sheets.put({.side1 = MarkRows(kRows, std::vector<Int16>(48, 3)), .side2 = {}, .barcodes = {}, .fields = {}});
+        options.sheets.put(
+            {.side1 = MarkRows(kRows, std::vector<Int16>(48, 3)), .side2 = {}, .barcodes = {}, .fields = {}});
     options.settings["compress"] = "false";
     std::int64_t bytes = 0;
     for (auto _ : state) {
@@ -47,8 +48,8 @@ void Stack_BytesOnALineInMemory(benchmark::State& state)
         state.ResumeTiming();
     }
     state.SetBytesProcessed(bytes);
-    state.counters["ns/byte"] = benchmark::Counter(static_cast<double>(bytes) / 1e9, benchmark::Counter::kIsRate |
-                                                                                     benchmark::Counter::kInvert);
+    state.counters["ns/byte"] =
+        benchmark::Counter(static_cast<double>(bytes) / 1e9, benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
 }
 BENCHMARK(Stack_BytesOnALineInMemory)->Unit(benchmark::kMillisecond);
 

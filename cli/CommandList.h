@@ -1,10 +1,18 @@
 #pragma once
 
-// All commands of the program: each is one file in commands/, with the function that is named here.
-#define KEL_COMMANDS(command)                                                                                          \
-    command(addModelsCommand) command(addModelCommand) command(addPortsCommand) command(addScanCommand)                \
-        command(addSimulateCommand) command(addSettingsCommand) command(addReplayCommand)            \
-        command(addLocateCommand) command(addFirmwareCommand)
+// All commands of the program, a line each: each is one file in commands/, with the function that is named here.
+// clang-format off
+#define KEL_COMMANDS(command)    \
+    command(addModelsCommand)    \
+    command(addModelCommand)     \
+    command(addPortsCommand)     \
+    command(addScanCommand)      \
+    command(addSimulateCommand)  \
+    command(addSettingsCommand)  \
+    command(addReplayCommand)    \
+    command(addLocateCommand)    \
+    command(addFirmwareCommand)
+// clang-format on
 
 namespace kel {
 

@@ -19,10 +19,11 @@ namespace {
 constexpr DriverFamily kPeripheralDynamics = {
     .Init = InitReaderPD,
     // The reader is told that the session ends, but its close step counts as failed.
-    .Close = [](ReaderContract& oReader) {
-        CloseReaderPD(oReader);
-        return False;
-    },
+    .Close =
+        [](ReaderContract& oReader) {
+            CloseReaderPD(oReader);
+            return False;
+        },
     .Read = ReadPagePD,
     .Reject = RejectPagePD,
     .Eject = [](ReaderContract& oReader, Boolean&) { EjectPagePD(oReader); },

@@ -36,8 +36,7 @@ struct ErrorReport {
 };
 
 /// The host's error object: where reports go once a host has registered one with `SetError`.
-class ErrorObject
-{
+class ErrorObject {
 public:
     virtual ~ErrorObject() = default;
 

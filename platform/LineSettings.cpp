@@ -4,11 +4,9 @@
 
 #include <charconv>
 
-namespace kel
-{
+namespace kel {
 
-namespace
-{
+namespace {
 
 bool parseWhole(std::string_view text, Int32& value)
 {

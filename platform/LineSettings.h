@@ -6,8 +6,7 @@
 #include <string>
 #include <string_view>
 
-namespace kel
-{
+namespace kel {
 
 /// Line settings from their text: speed, parity letter (N E O M S, in either case), data bits 4 to 8, and stop bits
 /// 1, 1.5 or 2, parted by commas. Any other text is 380 "Invalid property value". Handshaking is not part of it.

@@ -46,8 +46,7 @@ public:
                        const RegistryValue& value) = 0;
 
     /// Removes a value, or with an empty optional the key with everything below it; false if it was not there.
-    virtual bool remove(kelReaderRegistryKey hive, std::string_view subKey,
-                        std::optional<std::string_view> name) = 0;
+    virtual bool remove(kelReaderRegistryKey hive, std::string_view subKey, std::optional<std::string_view> name) = 0;
 
     /// Whether the key exists; the names of its values, in order; the names of the keys directly below it.
     [[nodiscard]] virtual bool exists(kelReaderRegistryKey hive, std::string_view subKey) = 0;

@@ -3,11 +3,9 @@
 #include <charconv>
 #include <cmath>
 
-namespace kel
-{
+namespace kel {
 
-namespace
-{
+namespace {
 
 constexpr std::string_view kBlanks = " \t\r";
 

@@ -9,8 +9,7 @@
 #include <utility>
 #include <vector>
 
-namespace kel
-{
+namespace kel {
 
 /// One line of a recorded dialogue.
 struct TranscriptLine {
@@ -24,7 +23,7 @@ struct TranscriptLine {
     Kind kind{};
     std::string bytes = {};
     double milliseconds = 0;
-    int number = 0; ///< of the line in its text, from 1; 0 if it was not parsed
+    int number = 0;        ///< of the line in its text, from 1; 0 if it was not parsed
     std::string note = {}; ///< of a pause or an unplug: what stands behind a #; see TraceLog for what it may say
 
     friend bool operator==(const TranscriptLine& a, const TranscriptLine& b)
@@ -44,8 +43,7 @@ struct Transcript {
 };
 
 /// A text that is no transcript; the text of the error begins with the number of the line: "line 7: ...".
-class TranscriptError : public std::runtime_error
-{
+class TranscriptError : public std::runtime_error {
 public:
     TranscriptError(int line, const std::string& what)
         : std::runtime_error("line " + std::to_string(line) + ": " + what), line_(line)

@@ -4,11 +4,9 @@
 #include <array>
 #include <cstddef>
 
-namespace kel
-{
+namespace kel {
 
-namespace
-{
+namespace {
 
 // clang-format off
 

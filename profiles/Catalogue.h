@@ -4,8 +4,7 @@
 
 #include <span>
 
-namespace kel
-{
+namespace kel {
 
 /// The models of one maker.
 struct CatalogueGroup {

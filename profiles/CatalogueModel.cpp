@@ -1,10 +1,8 @@
 #include "profiles/CatalogueModel.h"
 
-namespace kel
-{
+namespace kel {
 
-namespace
-{
+namespace {
 
 void allow(UserMay user, Boolean& enabled, Boolean& visible)
 {

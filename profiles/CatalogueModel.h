@@ -4,8 +4,7 @@
 
 #include <optional>
 
-namespace kel
-{
+namespace kel {
 
 /// What the user may do with a setting in the options dialog.
 enum class UserMay {
@@ -45,8 +44,7 @@ struct ModelOption {
 ///     (-) (+)          the dialog does not show it
 ///
 /// A row that is written wrongly does not compile.
-class ModelOptions
-{
+class ModelOptions {
 public:
     consteval ModelOptions(const char* row)
     {

@@ -10,15 +10,13 @@
 #include <utility>
 #include <vector>
 
-namespace kel
-{
+namespace kel {
 
 /// Objects in the order in which they were added, each under a key of its own. An object is found by its key or by
 /// its 1-based position; the key is what it was added under, whatever becomes of the object.
 /// An unknown key is failure 5, a position that is not there failure 9.
 template <class T>
-class KeyedCollection
-{
+class KeyedCollection {
 public:
     [[nodiscard]] Int32 Count() const { return static_cast<Int32>(entries_.size()); }
 

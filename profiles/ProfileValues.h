@@ -6,8 +6,7 @@
 
 #include <string>
 
-namespace kel
-{
+namespace kel {
 
 /// What one model can do and what it starts from. An option's plain field is its default, `...Enabled` says whether
 /// the user may change it, `...Visible` whether the options dialog shows it. The values here are those of a new

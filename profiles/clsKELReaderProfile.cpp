@@ -2,8 +2,7 @@
 
 #include "dispatch/ReaderModels.h"
 
-namespace kel
-{
+namespace kel {
 
 std::string clsKELReaderProfile::ReaderName() const
 {

@@ -37,14 +37,12 @@
     property(MaxCols)
 // clang-format on
 
-namespace kel
-{
+namespace kel {
 
 /// The capability record of one model. Each field of `ProfileValues` is a property here: `X()` reads it and
 /// `X(value)` writes it, as it is and without a test of any kind. A host may change a record; what it writes is what
 /// the options dialog and `LoadDefaults` then find.
-class KEL_PUBLIC clsKELReaderProfile
-{
+class KEL_PUBLIC clsKELReaderProfile {
 public:
     clsKELReaderProfile() = default;
     explicit clsKELReaderProfile(ProfileValues values) : values_(std::move(values)) {}

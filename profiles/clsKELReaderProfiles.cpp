@@ -4,11 +4,9 @@
 #include "profiles/Catalogue.h"
 #include "types/Text.h"
 
-namespace kel
-{
+namespace kel {
 
-namespace
-{
+namespace {
 
 constexpr const char* kSourceItem = "KELReader81 - clsKELReaderProfiles.Item";
 constexpr const char* kSourceRemove = "KELReader81 - clsKELReaderProfiles.Remove";

@@ -10,8 +10,7 @@
 
 #include <string_view>
 
-namespace kel
-{
+namespace kel {
 
 struct CatalogueModel;
 
@@ -21,8 +20,7 @@ struct CatalogueModel;
 /// also where it comes from a `kelReaderType`: `Item("40")` and `Item(2)` are the same record.
 ///
 /// Records are handed out by reference. What a host writes into one stays until the collection is filled anew.
-class KEL_PUBLIC clsKELReaderProfiles
-{
+class KEL_PUBLIC clsKELReaderProfiles {
 public:
     clsKELReaderProfiles();
     clsKELReaderProfiles(const clsKELReaderProfiles&) = delete;

@@ -53,9 +53,7 @@ constexpr SettingRow kSettings[] = {
      [](ReaderSession& session, const std::string& text) { session.Printer()->Enabled(CBool(text)); },
      [](ReaderSession& session) { return CStr(session.Printer()->Enabled()); }},
     {"RecognitionThreshold", "0",
-     [](ReaderSession& session, const std::string& text) {
-         session.settings().RecognitionThreshold = CInt(Val(text));
-     },
+     [](ReaderSession& session, const std::string& text) { session.settings().RecognitionThreshold = CInt(Val(text)); },
      [](ReaderSession& session) { return CStr(session.RecognitionThreshold()); }},
     {"Reject", "False",
      [](ReaderSession& session, const std::string& text) { session.settings().Rejecter = CBool(text); },
@@ -168,8 +166,8 @@ Boolean SettingsStore::SaveValue(std::string_view sValueName, std::string& sValu
     guarded("KELReader81 - clsKELReader.SaveValue", [&] {
         if (sValue.empty())
             sValue = " ";
-        bResult = platform().registry().write(lRegistryKey_, sRegistrySubKey_, sValueName,
-                                              {RegistryType::Text, sValue});
+        bResult =
+            platform().registry().write(lRegistryKey_, sRegistrySubKey_, sValueName, {RegistryType::Text, sValue});
     });
     return bResult;
 }

@@ -18,9 +18,7 @@ std::string helpFile;
 
 } // namespace
 
-clsKELReader::clsKELReader() : session_(std::make_unique<ReaderSession>())
-{
-}
+clsKELReader::clsKELReader() : session_(std::make_unique<ReaderSession>()) {}
 
 clsKELReader::~clsKELReader() = default;
 

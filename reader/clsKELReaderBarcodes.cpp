@@ -9,7 +9,8 @@ Int32 clsKELReaderBarcodes::Count() const
     return kelBarcodes_.Count();
 }
 
-void clsKELReaderBarcodes::Add(Reference<clsKELReaderBarcode> Item, std::optional<Int32> Before, std::optional<Int32> After)
+void clsKELReaderBarcodes::Add(Reference<clsKELReaderBarcode> Item, std::optional<Int32> Before,
+                               std::optional<Int32> After)
 {
     guarded("KELReader81 - clsKELReaderBarcodes.Add", [&] { kelBarcodes_.Add(Item, Before, After); });
 }

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "reader/clsKELReaderBarcode.h"
 #include "reader/OrderedCollection.h"
+#include "reader/clsKELReaderBarcode.h"
 #include "types/Boolean.h"
 #include "types/Export.h"
 

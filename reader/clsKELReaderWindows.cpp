@@ -9,7 +9,8 @@ Int32 clsKELReaderWindows::Count() const
     return kelWindows_.Count();
 }
 
-void clsKELReaderWindows::Add(Reference<clsKELReaderWindow> Item, std::optional<Int32> Before, std::optional<Int32> After)
+void clsKELReaderWindows::Add(Reference<clsKELReaderWindow> Item, std::optional<Int32> Before,
+                              std::optional<Int32> After)
 {
     guarded("KELReader81 - clsKELReaderWindows.Add", [&] { kelWindows_.Add(Item, Before, After); });
 }

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "reader/clsKELReaderWindow.h"
 #include "reader/OrderedCollection.h"
+#include "reader/clsKELReaderWindow.h"
 #include "types/Boolean.h"
 #include "types/Export.h"
 

@@ -4,8 +4,7 @@
 
 #include <memory>
 
-namespace kel
-{
+namespace kel {
 
 /// A simulated reader of a model, with what the options say. Throws std::invalid_argument for a model that has none
 /// (the USB models, which have no line) and for a setting that the model does not know.

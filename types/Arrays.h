@@ -2,8 +2,8 @@
 
 #include "types/Numbers.h"
 
-#include <algorithm>
 #include "types/SourceLocation.h"
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -18,10 +18,7 @@ public:
     Array1() = default;
 
     /// An array `lower To upper`, every element in its initial state. An upper bound below the lower is failure 9.
-    Array1(Int32 lower, Int32 upper, SourceLocation where = SourceLocation::current())
-    {
-        ReDim(lower, upper, where);
-    }
+    Array1(Int32 lower, Int32 upper, SourceLocation where = SourceLocation::current()) { ReDim(lower, upper, where); }
 
     /// Elements that stand somewhere else already, numbered from `lower`; may be none.
     [[nodiscard]] static Array1 of(Int32 lower, std::vector<T> elements)
@@ -116,10 +113,7 @@ public:
     Array2() = default;
 
     /// An array `(1 To rows, 1 To columns)` of initial elements. Less than one row or column is failure 9.
-    Array2(Int32 rows, Int32 columns, SourceLocation where = SourceLocation::current())
-    {
-        ReDim(rows, columns, where);
-    }
+    Array2(Int32 rows, Int32 columns, SourceLocation where = SourceLocation::current()) { ReDim(rows, columns, where); }
 
     void ReDim(Int32 rows, Int32 columns, SourceLocation where = SourceLocation::current())
     {

@@ -2,11 +2,11 @@
 
 #include "types/RuntimeFailure.h"
 
+#include "types/SourceLocation.h"
 #include <cmath>
 #include <concepts>
 #include <cstdint>
 #include <limits>
-#include "types/SourceLocation.h"
 #include <type_traits>
 #include <utility>
 
@@ -26,7 +26,7 @@ using Byte = std::uint8_t;
 /// Narrows a number to a whole number type, halves to even.
 /// Fails with 6 "Overflow" when the rounded value does not fit, a NaN included.
 template <std::signed_integral To, class From>
-    requires std::is_arithmetic_v<From>
+requires std::is_arithmetic_v<From>
 [[nodiscard]] To narrow(From value, SourceLocation where = SourceLocation::current())
 {
     if constexpr (std::is_floating_point_v<From>) {
@@ -69,8 +69,7 @@ template <std::signed_integral T>
 
 /// The difference; 6 "Overflow" when it does not fit the operands' type.
 template <std::signed_integral T>
-[[nodiscard]] T checkedSubtract(T a, std::type_identity_t<T> b,
-                                SourceLocation where = SourceLocation::current())
+[[nodiscard]] T checkedSubtract(T a, std::type_identity_t<T> b, SourceLocation where = SourceLocation::current())
 {
     T result;
     if (__builtin_sub_overflow(a, b, &result))
@@ -80,8 +79,7 @@ template <std::signed_integral T>
 
 /// The product; 6 "Overflow" when it does not fit the operands' type.
 template <std::signed_integral T>
-[[nodiscard]] T checkedMultiply(T a, std::type_identity_t<T> b,
-                                SourceLocation where = SourceLocation::current())
+[[nodiscard]] T checkedMultiply(T a, std::type_identity_t<T> b, SourceLocation where = SourceLocation::current())
 {
     T result;
     if (__builtin_mul_overflow(a, b, &result))

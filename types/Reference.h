@@ -17,15 +17,11 @@ public:
     Reference() noexcept = default;
     Reference(std::nullptr_t) noexcept {}
     template <class U>
-        requires std::convertible_to<U*, T*>
-    Reference(std::shared_ptr<U> object) noexcept : object_(std::move(object))
-    {
-    }
+    requires std::convertible_to<U*, T*> Reference(std::shared_ptr<U> object)
+    noexcept : object_(std::move(object)) {}
     template <class U>
-        requires std::convertible_to<U*, T*>
-    Reference(const Reference<U>& other) noexcept : object_(other.shared())
-    {
-    }
+    requires std::convertible_to<U*, T*> Reference(const Reference<U>& other)
+    noexcept : object_(other.shared()) {}
 
     [[nodiscard]] bool isNothing() const noexcept { return object_ == nullptr; }
     explicit operator bool() const noexcept { return !isNothing(); }

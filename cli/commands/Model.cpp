@@ -7,11 +7,9 @@
 #include "profiles/clsKELReaderProfiles.h"
 #include "types/Text.h"
 
-namespace kel
-{
+namespace kel {
 
-namespace
-{
+namespace {
 
 struct Arguments {
     std::string model;

@@ -5,11 +5,9 @@
 #include "cli/TextOutput.h"
 #include "profiles/clsKELReaderProfiles.h"
 
-namespace kel
-{
+namespace kel {
 
-namespace
-{
+namespace {
 
 struct Arguments {
     std::string maker;

@@ -10,11 +10,9 @@
 #include <filesystem>
 #include <iostream>
 
-namespace kel
-{
+namespace kel {
 
-namespace
-{
+namespace {
 
 struct Arguments {
     std::string format;

@@ -17,11 +17,9 @@
 
 #include <iostream>
 
-namespace kel
-{
+namespace kel {
 
-namespace
-{
+namespace {
 
 // The port that stands for a device which is named on the command line.
 constexpr Int16 kDevicePort = 1;
@@ -84,8 +82,7 @@ void demandLine(const Arguments& arguments, const clsKELReader& reader)
 }
 
 /// The simulated reader of a scan, which runs behind a pseudo-terminal in a thread of its own.
-class SimulatedLine
-{
+class SimulatedLine {
 public:
     SimulatedLine(const Arguments& arguments, kelReaderType model, const ScanForm& form)
         : reader_(arguments.simulator.make(model, form)), host_(*reader_)
@@ -178,14 +175,14 @@ void addReaderOptions(CLI::App& command, Arguments& arguments)
     CLI::Option* port =
         command.add_option("--port", arguments.port, "The reader's port number ('kelreader ports')")->type_name("N");
     CLI::Option* device =
-        command
-            .add_option("--device", arguments.device, "The reader's device, or a remote line as rfc2217:HOST:PORT")
+        command.add_option("--device", arguments.device, "The reader's device, or a remote line as rfc2217:HOST:PORT")
             ->type_name("PATH")
             ->excludes(port);
     command.add_flag("--simulate", arguments.simulate, "A simulated reader")->excludes(port)->excludes(device);
     command.add_option("--form", arguments.formFile, "The form of the sheets, as JSON")->type_name("FILE");
     command
-        .add_option("--omrapi", arguments.omrApiFile, "The library of the USB readers' maker, in place of the usual one")
+        .add_option("--omrapi", arguments.omrApiFile,
+                    "The library of the USB readers' maker, in place of the usual one")
         ->type_name("FILE");
     command
         .add_option("--answer-key", arguments.answerKeyFile,
@@ -226,9 +223,7 @@ void addScanCommand(Commands& commands)
     addSheetOptions(command, *arguments);
     addFormat(command, arguments->format, {"json", "csv", "table"});
     command.add_option("--out", arguments->outFile, "Writes to a file in place of standard output")->type_name("FILE");
-    command
-        .add_option("--trace", arguments->traceFile,
-                    "Writes down what goes over the line, for 'kelreader replay'")
+    command.add_option("--trace", arguments->traceFile, "Writes down what goes over the line, for 'kelreader replay'")
         ->type_name("FILE");
     arguments->simulator.addTo(command);
     command.footer(

@@ -25,10 +25,10 @@ struct SetUpCT {
 struct ModelCT {
     kelReaderType type;
     SheetStartCT start;
-    bool cancellable;                     ///< whether the stop flag counts while a sheet is awaited and read
-    bool probed;                          ///< whether the start of a session ends with "R7777I00E"
-    std::optional<Byte> refusal;          ///< a byte by which the model refuses a sheet
-    std::optional<SetUpCT> singleSheets;  ///< without the feeder
+    bool cancellable;                    ///< whether the stop flag counts while a sheet is awaited and read
+    bool probed;                         ///< whether the start of a session ends with "R7777I00E"
+    std::optional<Byte> refusal;         ///< a byte by which the model refuses a sheet
+    std::optional<SetUpCT> singleSheets; ///< without the feeder
     std::optional<SetUpCT> feeder;
 };
 

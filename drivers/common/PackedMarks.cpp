@@ -19,9 +19,7 @@ std::string frameCommand(const std::string& text)
     return "\x12\x1B" + text + "\x12" + "E";
 }
 
-PackedRows::PackedRows(Int32 rows, Int16 iMarkValue) : iSide1Arr_(rows, kColumns), iMarkValue_(iMarkValue)
-{
-}
+PackedRows::PackedRows(Int32 rows, Int16 iMarkValue) : iSide1Arr_(rows, kColumns), iMarkValue_(iMarkValue) {}
 
 void PackedRows::take(Byte bByte)
 {

@@ -61,8 +61,7 @@ std::string windowDefinitionST(int side, const clsKELReaderWindow& window)
 {
     const Extent columns = extentOf(window.StartCol(), window.NumCols(), window.ColGap());
     const Extent rows = extentOf(window.StartRow(), window.NumRows(), window.RowGap());
-    const std::string rectangle =
-        fields("FRM=DK " + CStr(side), {rows.first, columns.first, rows.last, columns.last});
+    const std::string rectangle = fields("FRM=DK " + CStr(side), {rows.first, columns.first, rows.last, columns.last});
     if (window.Orientation() == 1)
         return frameST(rectangle + fields(" L", {window.NumRows(), window.NumCols()}));
     return frameST(rectangle + fields(" C", {window.NumCols(), window.NumRows()}));

@@ -91,11 +91,11 @@ private:
     Moment lastLook_{};
     std::string buffer_;
     std::size_t taken_ = 0;
-    bool old_ = false;         // what is known of the line may be outdated
-    bool untold_ = false;      // bytes came behind the caller's back, and it has not asked since
-    bool offered_ = false;     // the pump has returned because of them
-    std::size_t told_ = 0;     // how many bytes wait, as the caller knows
-    bool busyInTurn_ = false;  // the caller has taken or sent bytes since the pump last returned, or was told of more
+    bool old_ = false;          // what is known of the line may be outdated
+    bool untold_ = false;       // bytes came behind the caller's back, and it has not asked since
+    bool offered_ = false;      // the pump has returned because of them
+    std::size_t told_ = 0;      // how many bytes wait, as the caller knows
+    bool busyInTurn_ = false;   // the caller has taken or sent bytes since the pump last returned, or was told of more
     bool lookedInVain_ = false; // the last look, in this turn, found nothing
     bool turnBehindVainLook_ = false;
     bool hungUp_ = false;

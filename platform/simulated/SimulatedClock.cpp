@@ -2,11 +2,9 @@
 
 #include <cstdio>
 
-namespace kel
-{
+namespace kel {
 
-namespace
-{
+namespace {
 
 std::string inSeconds(Moment moment)
 {

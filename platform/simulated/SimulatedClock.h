@@ -4,8 +4,7 @@
 
 #include <string>
 
-namespace kel
-{
+namespace kel {
 
 /// What is thrown when a dialogue makes no progress for ever. Not a standard exception, so that no guard takes it for
 /// a failure of the procedure that was running; the text goes to standard error as well.
@@ -14,8 +13,7 @@ struct StuckDialogue {
 };
 
 /// The virtual clock of a simulated platform, with the watchdog over what is done with it.
-class SimulatedClock
-{
+class SimulatedClock {
 public:
     [[nodiscard]] Moment now() const noexcept { return now_; }
 

@@ -5,11 +5,9 @@
 #include <algorithm>
 #include <utility>
 
-namespace kel
-{
+namespace kel {
 
-namespace
-{
+namespace {
 
 // What has been taken is cut off the buffer once it is so much.
 constexpr std::size_t kKeptBehind = 65536;

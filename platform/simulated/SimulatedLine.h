@@ -8,8 +8,7 @@
 #include <string_view>
 #include <vector>
 
-namespace kel
-{
+namespace kel {
 
 /// How long the host's bytes are on the wire.
 enum class HostPace {
@@ -38,8 +37,7 @@ struct HostAction {
 
 /// A serial line in memory between the control that has it open and the device at its far end.
 /// Everything happens in the order of its times, however far the clock has jumped since the last look.
-class SimulatedLine
-{
+class SimulatedLine {
 public:
     explicit SimulatedLine(SimulatedClock& clock) : clock_(clock) {}
 

@@ -3,12 +3,10 @@
 #include "platform/OmrApi.h"
 #include "types/RuntimeFailure.h"
 
-namespace kel
-{
+namespace kel {
 
 /// The library of the USB readers, as far as a test has set one. Until then it is missing.
-class SimulatedOmrApiLoader final : public OmrApiLoader
-{
+class SimulatedOmrApiLoader final : public OmrApiLoader {
 public:
     [[nodiscard]] OmrApi& omrApi() override
     {

@@ -5,11 +5,9 @@
 #include <stdexcept>
 #include <utility>
 
-namespace kel
-{
+namespace kel {
 
-namespace
-{
+namespace {
 
 template <std::size_t... Index>
 std::array<SimulatedLine, sizeof...(Index)> makeLines(SimulatedClock& clock, std::index_sequence<Index...>)

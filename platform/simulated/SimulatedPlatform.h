@@ -10,8 +10,7 @@
 
 #include <array>
 
-namespace kel
-{
+namespace kel {
 
 /// A platform without a machine: a virtual clock, serial lines in memory, and the rest as records that a test reads
 /// and scripts. It is used by one thread and outlives all that was made by it.
@@ -20,8 +19,7 @@ namespace kel
 ///     PlatformScope scope(machine);
 ///     machine.attach(1, simulatedReader);
 ///     machine.at(3s, [&] { reader.CancelScan(True); });
-class SimulatedPlatform final : public Platform
-{
+class SimulatedPlatform final : public Platform {
 public:
     SimulatedPlatform();
 

@@ -2,8 +2,7 @@
 
 #include <system_error>
 
-namespace kel
-{
+namespace kel {
 
 SimulatedProcess::SimulatedProcess()
 {

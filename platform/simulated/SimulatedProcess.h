@@ -2,13 +2,11 @@
 
 #include "platform/Process.h"
 
-namespace kel
-{
+namespace kel {
 
 /// A process with a command line and a component folder as told. The folder is at first that of the running program,
 /// beside which the build puts the language file.
-class SimulatedProcess final : public Process
-{
+class SimulatedProcess final : public Process {
 public:
     SimulatedProcess();
 

@@ -5,11 +5,9 @@
 #include <algorithm>
 #include <utility>
 
-namespace kel
-{
+namespace kel {
 
-namespace
-{
+namespace {
 
 using namespace std::chrono_literals;
 

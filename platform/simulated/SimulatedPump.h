@@ -10,14 +10,12 @@
 #include <optional>
 #include <vector>
 
-namespace kel
-{
+namespace kel {
 
 class SimulatedPump;
 
 /// A timer of the virtual clock.
-class SimulatedScanTimer final : public ScanTimer
-{
+class SimulatedScanTimer final : public ScanTimer {
 public:
     explicit SimulatedScanTimer(SimulatedPump& pump);
     ~SimulatedScanTimer() override;
@@ -54,8 +52,7 @@ struct HostSleep {
 /// runs; then it returns at once while there is news on a line or the host has been busy since the turn before, and
 /// otherwise the clock moves on to the next moment
 /// at which anything happens.
-class SimulatedPump final : public MessagePump
-{
+class SimulatedPump final : public MessagePump {
 public:
     void DoEvents() override;
     void Sleep(Int32 milliseconds) override;

@@ -2,11 +2,9 @@
 
 #include "types/Text.h"
 
-namespace kel
-{
+namespace kel {
 
-namespace
-{
+namespace {
 
 /// The names of a path, without the empty ones that doubled or outer backslashes would give.
 std::vector<std::string> namesOf(std::string_view subKey)

@@ -4,12 +4,10 @@
 
 #include <map>
 
-namespace kel
-{
+namespace kel {
 
 /// A registry in memory.
-class SimulatedRegistry final : public Registry
-{
+class SimulatedRegistry final : public Registry {
 public:
     enum class Access { None, ReadOnly, Full };
 

@@ -5,8 +5,7 @@
 #include <deque>
 #include <vector>
 
-namespace kel
-{
+namespace kel {
 
 /// A box that was shown.
 struct ShownBox {
@@ -19,8 +18,7 @@ struct ShownBox {
 };
 
 /// A screen that remembers. Boxes are answered as scripted, and without a script Ok, or Abort where that is offered.
-class SimulatedScreen final : public Screen
-{
+class SimulatedScreen final : public Screen {
 public:
     BoxAnswer MsgBox(const std::string& text, BoxIcon icon, BoxButtons buttons, const std::string& title) override
     {

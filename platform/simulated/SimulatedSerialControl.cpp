@@ -2,11 +2,9 @@
 
 #include "platform/LineSettings.h"
 
-namespace kel
-{
+namespace kel {
 
-namespace
-{
+namespace {
 
 [[noreturn]] void failHungUp()
 {

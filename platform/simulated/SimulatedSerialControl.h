@@ -5,12 +5,10 @@
 
 #include <span>
 
-namespace kel
-{
+namespace kel {
 
 /// A serial control on the lines of a simulated platform.
-class SimulatedSerialControl final : public SerialControl
-{
+class SimulatedSerialControl final : public SerialControl {
 public:
     /// The lines of the ports from 1 on.
     SimulatedSerialControl(std::span<SimulatedLine> lines, SimulatedClock& clock) : lines_(lines), clock_(clock) {}

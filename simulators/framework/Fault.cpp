@@ -4,11 +4,9 @@
 #include <charconv>
 #include <stdexcept>
 
-namespace kel
-{
+namespace kel {
 
-namespace
-{
+namespace {
 
 struct FaultWord {
     std::string_view word;

@@ -6,8 +6,7 @@
 #include <string>
 #include <string_view>
 
-namespace kel
-{
+namespace kel {
 
 /// Something that goes wrong on purpose, at byte n of what the reader sends or at the n-th sheet that it feeds; both
 /// count from 1. With both, the byte is counted from the feeding of that sheet.

@@ -5,13 +5,11 @@
 #include <limits>
 #include <stdexcept>
 
-namespace kel
-{
+namespace kel {
 
 using namespace json;
 
-namespace
-{
+namespace {
 
 template <class Number>
 void takeNumber(const Json& object, const char* member, const std::string& place, Number& target)

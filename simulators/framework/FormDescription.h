@@ -6,8 +6,7 @@
 #include <string_view>
 #include <vector>
 
-namespace kel
-{
+namespace kel {
 
 /// A read window as the form file has it.
 struct FormWindow {

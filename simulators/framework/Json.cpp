@@ -5,8 +5,7 @@
 #include <sstream>
 #include <stdexcept>
 
-namespace kel::json
-{
+namespace kel::json {
 
 Json parseJson(std::string_view text)
 {

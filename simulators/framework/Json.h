@@ -8,8 +8,7 @@
 #include <string>
 #include <string_view>
 
-namespace kel::json
-{
+namespace kel::json {
 
 /// Reading of JSON files whose mistakes are told with their place: "sheet 2, side1, row 3: is not an array".
 /// All of these throw std::runtime_error.

@@ -1,10 +1,8 @@
 #include "simulators/framework/OutputFaults.h"
 
-namespace kel
-{
+namespace kel {
 
-namespace
-{
+namespace {
 
 Moment milliseconds(Int32 count)
 {

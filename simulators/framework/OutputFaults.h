@@ -6,12 +6,10 @@
 #include <optional>
 #include <vector>
 
-namespace kel
-{
+namespace kel {
 
 /// What the faults do to the bytes that a reader sends: counts the bytes and answers for each what becomes of it.
-class OutputFaults
-{
+class OutputFaults {
 public:
     OutputFaults() = default;
     explicit OutputFaults(std::vector<Fault> faults) : faults_(std::move(faults)) {}

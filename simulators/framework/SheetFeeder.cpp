@@ -6,17 +6,14 @@
 #include <random>
 #include <stdexcept>
 
-namespace kel
-{
+namespace kel {
 
 using namespace json;
 
-namespace
-{
+namespace {
 
 /// Whole numbers from the standard's own generator, whose output is laid down; its distributions are not.
-class Draw
-{
+class Draw {
 public:
     Draw(std::uint64_t seed, std::uint64_t place) : generator_(mixed(mixed(seed) + place)) {}
 

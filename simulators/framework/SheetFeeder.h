@@ -8,8 +8,7 @@
 #include <optional>
 #include <string_view>
 
-namespace kel
-{
+namespace kel {
 
 /// What random sheets of a model look like.
 struct SheetShape {
@@ -31,8 +30,7 @@ struct SheetShape {
 [[nodiscard]] SimulatedSheet randomSheet(const SheetShape& shape, std::uint64_t seed, std::uint64_t place);
 
 /// The pile of sheets in front of a simulated reader.
-class SheetFeeder
-{
+class SheetFeeder {
 public:
     /// An empty feeder.
     SheetFeeder() = default;

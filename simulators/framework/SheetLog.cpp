@@ -2,8 +2,7 @@
 
 #include "simulators/framework/Json.h"
 
-namespace kel
-{
+namespace kel {
 
 using namespace json;
 

@@ -4,8 +4,7 @@
 
 #include <string>
 
-namespace kel
-{
+namespace kel {
 
 /// What happened to a sheet in a simulated reader.
 enum class SheetEvent {

@@ -6,8 +6,7 @@
 #include <string>
 #include <vector>
 
-namespace kel
-{
+namespace kel {
 
 /// The marks of one side: rows from the sheet's first, each with its columns from the first. 0 is no mark; what the
 /// other values mean (a darkness, just "marked") is the model's. Rows may have different lengths.

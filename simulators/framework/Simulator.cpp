@@ -8,11 +8,9 @@
 #include <stdexcept>
 #include <utility>
 
-namespace kel
-{
+namespace kel {
 
-namespace
-{
+namespace {
 
 [[noreturn]] void refuseSetting(const std::string& name, const std::string& value, const std::string& what)
 {

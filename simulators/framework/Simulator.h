@@ -12,8 +12,7 @@
 #include <string_view>
 #include <vector>
 
-namespace kel
-{
+namespace kel {
 
 /// The base of all simulated readers: the far end of a line with an output queue, a clock, a pile of sheets, a log and
 /// a list of what the host did wrongly. A model adds `onByte`: bytes in, one at a time, and `send` for its replies.
@@ -28,8 +27,7 @@ namespace kel
 ///             }
 ///         }
 ///     };
-class Simulator : public LineDevice
-{
+class Simulator : public LineDevice {
 public:
     explicit Simulator(SimulatorOptions options);
     Simulator(const Simulator&) = delete;

@@ -8,8 +8,7 @@
 #include <map>
 #include <optional>
 
-namespace kel
-{
+namespace kel {
 
 /// How fast a simulated reader's bytes come.
 enum class Rate {

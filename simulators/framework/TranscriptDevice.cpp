@@ -5,11 +5,9 @@
 #include <algorithm>
 #include <cmath>
 
-namespace kel
-{
+namespace kel {
 
-namespace
-{
+namespace {
 
 Moment milliseconds(double count)
 {

@@ -6,14 +6,12 @@
 #include <string>
 #include <vector>
 
-namespace kel
-{
+namespace kel {
 
 /// Plays the reader's end of a transcript. The host must send exactly the bytes that stand in it, in their order;
 /// the reader's bytes come at the times told, counted from when the line above was done. The first difference is an
 /// error with both sides, and nothing more comes after it.
-class TranscriptDevice final : public LineDevice
-{
+class TranscriptDevice final : public LineDevice {
 public:
     explicit TranscriptDevice(Transcript transcript);
 

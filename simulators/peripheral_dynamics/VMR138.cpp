@@ -4,11 +4,9 @@
 
 #include <algorithm>
 
-namespace kel
-{
+namespace kel {
 
-namespace
-{
+namespace {
 
 using namespace std::chrono_literals;
 

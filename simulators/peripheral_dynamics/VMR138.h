@@ -2,8 +2,7 @@
 
 #include "simulators/framework/Simulator.h"
 
-namespace kel
-{
+namespace kel {
 
 /// A Peripheral Dynamics VMR138: one-character commands, a status of three characters, marks as bits of 12 columns.
 ///
@@ -22,8 +21,7 @@ namespace kel
 /// Settings: `threshold` (0xC5 at power-on), `status1` and `status2` (bits that stand at power-on), `feed-ms` (from "8"
 /// to the page reply), `noise` (bytes in front of a page reply, in the notation of transcripts), `high-bits` (the two
 /// bits of a row byte that mean nothing, 0 to 3; without it they change from byte to byte).
-class VMR138 final : public Simulator
-{
+class VMR138 final : public Simulator {
 public:
     explicit VMR138(SimulatorOptions options);
 

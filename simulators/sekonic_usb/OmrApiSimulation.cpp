@@ -8,11 +8,9 @@
 #include <charconv>
 #include <stdexcept>
 
-namespace kel
-{
+namespace kel {
 
-namespace
-{
+namespace {
 
 constexpr Int32 kFeederEmpty = 0x40110000;
 constexpr Int32 kJam = 0x35090000;
@@ -24,8 +22,7 @@ std::string lastLoaderError()
 }
 
 /// A side as the library takes it: all rows as long as the longest.
-class PackedSide
-{
+class PackedSide {
 public:
     explicit PackedSide(const MarkRows& cells) : rows_(static_cast<Int32>(cells.size()))
     {

@@ -5,8 +5,7 @@
 
 #include <filesystem>
 
-namespace kel
-{
+namespace kel {
 
 /// The simulated library from outside: sets it up and asks what has happened in it. The reader's own calls go their
 /// usual way, through the loader of the platform, to the same library:
@@ -15,8 +14,7 @@ namespace kel
 ///     platform().omrApiLoader().libraryFile("bin/libOMRAPI_simulated.so");
 ///
 /// A process has one such library and in it one reader.
-class OmrApiSimulation
-{
+class OmrApiSimulation {
 public:
     /// Loads the library if need be, and sets it up. std::runtime_error if it is not there, is another library, or
     /// refuses the state.

@@ -6,13 +6,11 @@
 #include <charconv>
 #include <limits>
 
-namespace kel
-{
+namespace kel {
 
 using namespace json;
 
-namespace
-{
+namespace {
 
 constexpr std::int64_t kLowest = std::numeric_limits<Int32>::min();
 constexpr std::int64_t kHighest = std::numeric_limits<Int32>::max();

@@ -9,8 +9,7 @@
 #include <string_view>
 #include <vector>
 
-namespace kel
-{
+namespace kel {
 
 /// The rows of the largest sheet.
 inline constexpr Int32 kOmrMostRows = 200;

@@ -141,6 +141,7 @@ TEST_F(ScanSessionTest, StopBetweenSheetsEndsTheBatch)
                                    "{\"event\":\"end\",\"started\":true,\"sheets\":2,\"cancelScan\":true,"
                                    "\"result\":true}\n"));
     EXPECT_TRUE(result.failures.empty());
+    EXPECT_THAT(log(), testing::Contains("ejected 2")) << "the last sheet is not left in the reader";
 }
 
 TEST_F(ScanSessionTest, StopReachesAReadThatWaits)

@@ -233,8 +233,8 @@ TEST(DriverFamiliesTest, ModelsThatPrint)
 
 TEST(DriverFamiliesTest, ModelsThatDecideOnASheet)
 {
-    const auto deciding = ElementsAre(1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 18, 22, 23, 24, 25, 26, 29,
-                                      30, 31, 32, 33, 34, 36, 37, 39, 40);
+    const auto deciding = ElementsAre(1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 18, 22, 23, 24, 25, 26, 29, 30,
+                                      31, 32, 33, 34, 36, 37, 39, 40);
     EXPECT_THAT(modelsWith([](const DriverFamily& family) { return family.Reject != nullptr; }), deciding);
     EXPECT_THAT(modelsWith([](const DriverFamily& family) { return family.Eject != nullptr; }), deciding);
 }

@@ -4,10 +4,8 @@
 
 #include <gtest/gtest.h>
 
-namespace kel
-{
-namespace
-{
+namespace kel {
+namespace {
 
 TEST(LineSettings, AreReadFromTheirText)
 {

@@ -8,10 +8,8 @@
 #include <string>
 #include <vector>
 
-namespace kel::omr_binding_test
-{
-namespace
-{
+namespace kel::omr_binding_test {
+namespace {
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
@@ -101,8 +99,7 @@ std::int32_t text(std::int32_t line, const char* words)
 } // extern "C"
 
 /// A library of these functions, that notes what it is asked for.
-class FakeLibrary final : public SymbolSource
-{
+class FakeLibrary final : public SymbolSource {
 public:
     [[nodiscard]] void* find(const char* name) override
     {
@@ -124,8 +121,7 @@ public:
     std::optional<RuntimeFailure> missing;
 };
 
-class OmrApiBindingTest : public ::testing::Test
-{
+class OmrApiBindingTest : public ::testing::Test {
 protected:
     OmrApiBindingTest() { arrived.clear(); }
 

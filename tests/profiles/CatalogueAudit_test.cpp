@@ -9,11 +9,9 @@
 #include <functional>
 #include <set>
 
-namespace kel::test
-{
+namespace kel::test {
 
-namespace
-{
+namespace {
 
 using Record = clsKELReaderProfile;
 

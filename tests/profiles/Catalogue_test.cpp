@@ -8,11 +8,9 @@
 
 #include <gtest/gtest.h>
 
-namespace kel::test
-{
+namespace kel::test {
 
-namespace
-{
+namespace {
 
 /// A row of the roster with all that the tables say of its model.
 struct ExpectedModel {
@@ -30,8 +28,7 @@ std::pair<std::string, std::vector<std::string>> splitAtColon(const std::string&
     return {row.substr(0, colon), words(row.substr(colon + 1))};
 }
 
-class ExpectedCatalogue
-{
+class ExpectedCatalogue {
 public:
     ExpectedCatalogue()
     {
@@ -144,8 +141,7 @@ private:
     std::map<std::string, ExpectedModel> models_;
 };
 
-class Catalogue : public testing::Test
-{
+class Catalogue : public testing::Test {
 protected:
     Catalogue() : scope_(machine_) {}
 

@@ -3,8 +3,7 @@
 // What the models can do, as tables on paper: kept apart from the catalogue's data on purpose, and in another form.
 // Who changes a model changes it in both places.
 
-namespace kel::test
-{
+namespace kel::test {
 
 // Position, model, number, maker, name.
 inline constexpr const char* kRoster = R"(

@@ -10,8 +10,7 @@
 #include <type_traits>
 #include <vector>
 
-namespace kel::test
-{
+namespace kel::test {
 
 /// A record as text: the value of each property by the property's name.
 using RecordText = std::map<std::string, std::string>;

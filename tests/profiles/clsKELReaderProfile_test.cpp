@@ -8,11 +8,9 @@
 
 #include <limits>
 
-namespace kel::test
-{
+namespace kel::test {
 
-namespace
-{
+namespace {
 
 // A new record, in the order in which its fields are declared.
 constexpr const char* kNewRecord = R"(
@@ -66,8 +64,7 @@ Value other(Value value)
         return static_cast<Value>(static_cast<int>(value) + 1);
 }
 
-class Profile : public testing::Test
-{
+class Profile : public testing::Test {
 protected:
     Profile() : scope_(machine_) {}
 

@@ -7,15 +7,12 @@
 
 #include <gtest/gtest.h>
 
-namespace kel::test
-{
+namespace kel::test {
 
-namespace
-{
+namespace {
 
 /// Keeps the reports that reach it.
-class KeptReports : public ErrorObject
-{
+class KeptReports : public ErrorObject {
 public:
     Int32 RaiseError(const ErrorReport& report) override
     {
@@ -26,8 +23,7 @@ public:
     std::vector<ErrorReport> reports;
 };
 
-class Profiles : public testing::Test
-{
+class Profiles : public testing::Test {
 protected:
     Profiles() : scope_(machine_) { setErrorObject(error_); }
     ~Profiles() override { setErrorObject(nullptr); }
@@ -232,9 +228,7 @@ TEST_F(Profiles, RemovingAnUnknownKeyIsReported)
     EXPECT_EQ(profiles_.Count(), 42);
 }
 
-class ProfilesPosition : public Profiles, public testing::WithParamInterface<Int32>
-{
-};
+class ProfilesPosition : public Profiles, public testing::WithParamInterface<Int32> {};
 
 TEST_P(ProfilesPosition, RemovingAPositionThatIsNotThereIsReported)
 {

@@ -171,8 +171,8 @@ TEST_F(ReaderSessionTest, AFailedStartEndsTheReaderInABatch)
     Int32 lSheetCount = 0;
     EXPECT_EQ(reader().ReadBatch(False, 1, lSheetCount), False);
     EXPECT_EQ(lSheetCount, 0);
-    EXPECT_THAT(host.heard().order,
-                ElementsAre("report basRead.ReaderInit", testing::StartsWith("report basPeripheralDynamics.CloseReaderPD")));
+    EXPECT_THAT(host.heard().order, ElementsAre("report basRead.ReaderInit",
+                                                testing::StartsWith("report basPeripheralDynamics.CloseReaderPD")));
 }
 
 TEST_F(ReaderSessionTest, TheHostMayStopAReadInBeforeSheet)

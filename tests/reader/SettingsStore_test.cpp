@@ -19,7 +19,10 @@ protected:
     clsKELReader& reader() { return host.reader(); }
     SimulatedRegistry& registry() { return host.machine.registry(); }
 
-    void put(const std::string& name, const std::string& text) { registry().write(kHive, kKey, name, {RegistryType::Text, text}); }
+    void put(const std::string& name, const std::string& text)
+    {
+        registry().write(kHive, kKey, name, {RegistryType::Text, text});
+    }
     void putNumber(const std::string& name, const std::string& bytes)
     {
         registry().write(kHive, kKey, name, {RegistryType::Number, bytes});

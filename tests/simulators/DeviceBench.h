@@ -6,12 +6,10 @@
 #include <string_view>
 #include <vector>
 
-namespace kel
-{
+namespace kel {
 
 /// Holds the host's end of a simulated reader's line by hand: bytes in, time passes, bytes out.
-class DeviceBench
-{
+class DeviceBench {
 public:
     struct TimedByte {
         Moment at;

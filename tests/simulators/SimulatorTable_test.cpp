@@ -5,10 +5,8 @@
 
 #include <stdexcept>
 
-namespace kel
-{
-namespace
-{
+namespace kel {
+namespace {
 
 TEST(SimulatorTable, HasNoReaderWithoutALine)
 {

@@ -20,7 +20,8 @@
 #include <sstream>
 
 // Sessions byte for byte. Every file below this folder is one: its head says what the host is to do (model, line, form,
-// answer-key, set, port, max-sheets, reject-sheets, reject-blank, print1 to print3, print-distance) and what it then hears
+// answer-key, set, port, max-sheets, reject-sheets, reject-blank, print1 to print3, print-distance) and what it then
+// hears
 // ("expect", a line of JSON each, in order; {354} stands for the text of that number), its lines what goes over the
 // wire. Large arrays are written as @ROWSxCOLUMNS@row,column=value;...@ with 0 everywhere else. Each session runs under
 // the virtual clock and over a pseudo-terminal. A run-time failure is expected with its standard text alone and without
@@ -108,7 +109,8 @@ ScanRequest requestOf(const Transcript& transcript)
 std::vector<std::string> expectedLines(const Transcript& transcript)
 {
     std::vector<std::string> lines = transcript.values("expect");
-    std::transform(lines.begin(), lines.end(), lines.begin(), [](const auto& line) { return withTexts(withArrays(line)); });
+    std::transform(lines.begin(), lines.end(), lines.begin(),
+                   [](const auto& line) { return withTexts(withArrays(line)); });
     return lines;
 }
 
@@ -129,7 +131,8 @@ std::string withoutStatement(const std::string& line)
 std::vector<std::string> scan(const Transcript& transcript)
 {
     std::vector<std::string> lines;
-    JsonLines sink([&](const std::string& line) { lines.push_back(withoutStatement(line.substr(0, line.size() - 1))); });
+    JsonLines sink(
+        [&](const std::string& line) { lines.push_back(withoutStatement(line.substr(0, line.size() - 1))); });
     clsKELReader reader;
     const ScanRequest request = requestOf(transcript);
     prepareReader(reader, request);
@@ -216,7 +219,8 @@ TEST_P(TranscriptTest, OverAPseudoTerminal)
 std::string nameOf(const testing::TestParamInfo<std::filesystem::path>& info)
 {
     std::string name = info.param.parent_path().filename().string() + "_" + info.param.stem().string();
-    std::replace_if(name.begin(), name.end(), [](char c) { return !std::isalnum(static_cast<unsigned char>(c)); }, '_');
+    std::replace_if(
+        name.begin(), name.end(), [](char c) { return !std::isalnum(static_cast<unsigned char>(c)); }, '_');
     return name;
 }
 

@@ -2,11 +2,9 @@
 
 #include <algorithm>
 
-namespace kel
-{
+namespace kel {
 
-namespace
-{
+namespace {
 
 constexpr Int32 kFeederEmpty = 0x40110000;
 constexpr Int32 kReadAllTheSame[] = {0x40120003, 0x41120003, 0x42120003};

@@ -8,13 +8,11 @@
 #include <optional>
 #include <set>
 
-namespace kel
-{
+namespace kel {
 
 /// The reader behind the simulated library, with the library's own memory of it. Every member function is one call of
 /// the host; it does what the reader would do, and notes what a host must not do.
-class OmrDevice
-{
+class OmrDevice {
 public:
     OmrDevice() = default;
     explicit OmrDevice(OmrSimulationState state);

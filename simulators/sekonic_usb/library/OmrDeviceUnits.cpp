@@ -4,11 +4,9 @@
 
 // The units that a reader may have beside its transport: the barcode reader and the imprinter.
 
-namespace kel
-{
+namespace kel {
 
-namespace
-{
+namespace {
 
 constexpr Int32 kSymbologies = 0x17;
 constexpr Int32 kRoomForBarcode = 512;

@@ -16,8 +16,7 @@
 
 #define OMR_EXPORT extern "C" __attribute__((visibility("default")))
 
-namespace
-{
+namespace {
 
 /// What is to be read of a side, and has been.
 struct MarksRecord {

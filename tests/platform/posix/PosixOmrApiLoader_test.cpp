@@ -8,14 +8,11 @@
 #include <fstream>
 #include <string>
 
-namespace kel::omr_loader_test
-{
-namespace
-{
+namespace kel::omr_loader_test {
+namespace {
 
 /// A component's folder without a library, until the test puts one there.
-class PosixOmrApiLoaderTest : public ::testing::Test
-{
+class PosixOmrApiLoaderTest : public ::testing::Test {
 protected:
     void put(const std::string& name) { std::filesystem::copy_file(KEL_OMRAPI_SIMULATED, folder / name); }
 

@@ -7,12 +7,10 @@
 #include <utility>
 #include <vector>
 
-namespace kel
-{
+namespace kel {
 
 /// A device that sends what it was told at the times told, and remembers what it heard and when.
-class ScriptedDevice final : public LineDevice
-{
+class ScriptedDevice final : public LineDevice {
 public:
     struct Heard {
         Moment at;

@@ -3,15 +3,12 @@
 
 #include <gtest/gtest.h>
 
-namespace kel
-{
-namespace
-{
+namespace kel {
+namespace {
 
 using namespace std::chrono_literals;
 
-class SimulatedPumpTest : public ::testing::Test
-{
+class SimulatedPumpTest : public ::testing::Test {
 protected:
     SimulatedPumpTest() : scope_(machine_), control_(machine_.newSerialControl()), timer_(machine_.newScanTimer())
     {

@@ -2,10 +2,8 @@
 
 #include <gtest/gtest.h>
 
-namespace kel
-{
-namespace
-{
+namespace kel {
+namespace {
 
 constexpr kelReaderRegistryKey kUser = kelReaderRegistryKeyCurrentUser;
 constexpr kelReaderRegistryKey kMachine = kelReaderRegistryKeyLocalMachine;

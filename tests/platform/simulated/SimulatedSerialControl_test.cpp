@@ -3,15 +3,12 @@
 
 #include <gtest/gtest.h>
 
-namespace kel
-{
-namespace
-{
+namespace kel {
+namespace {
 
 using namespace std::chrono_literals;
 
-class SimulatedSerialControlTest : public ::testing::Test
-{
+class SimulatedSerialControlTest : public ::testing::Test {
 protected:
     SimulatedSerialControlTest() : scope_(machine_), control_(machine_.newSerialControl())
     {

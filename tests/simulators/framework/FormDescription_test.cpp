@@ -4,10 +4,8 @@
 
 #include <stdexcept>
 
-namespace kel
-{
-namespace
-{
+namespace kel {
+namespace {
 
 std::string errorOf(std::string_view text)
 {

@@ -3,12 +3,10 @@
 #include "simulators/framework/Simulator.h"
 #include "tests/simulators/DeviceBench.h"
 
-namespace kel
-{
+namespace kel {
 
 /// A reader that answers "R" with 10 digits, and "F" with the feeding of a sheet and its first row.
-class LittleReader final : public Simulator
-{
+class LittleReader final : public Simulator {
 public:
     explicit LittleReader(SimulatorOptions options = {}) : Simulator(std::move(options))
     {

@@ -5,10 +5,8 @@
 #include <fstream>
 #include <stdexcept>
 
-namespace kel
-{
-namespace
-{
+namespace kel {
+namespace {
 
 std::string errorOf(std::string_view text)
 {

@@ -4,10 +4,8 @@
 
 #include <stdexcept>
 
-namespace kel
-{
-namespace
-{
+namespace kel {
+namespace {
 
 using namespace std::chrono_literals;
 

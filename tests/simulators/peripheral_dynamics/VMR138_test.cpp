@@ -4,18 +4,15 @@
 
 #include <gtest/gtest.h>
 
-namespace kel
-{
-namespace
-{
+namespace kel {
+namespace {
 
 using namespace std::chrono_literals;
 using namespace std::string_literals;
 
 using Errors = std::vector<std::string>;
 
-class VMR138Test : public ::testing::Test
-{
+class VMR138Test : public ::testing::Test {
 protected:
     /// A reader in whose session the threshold has been asked for.
     void start(std::map<std::string, std::string> settings, SheetFeeder sheets = {},
