@@ -1,6 +1,8 @@
 #pragma once
 
 #include "types/Boolean.h"
+#include "types/Export.h"
+#include "types/Hidden.h"
 #include "types/Numbers.h"
 
 #include <memory>
@@ -36,13 +38,16 @@ struct ErrorReport {
 };
 
 /// The host's error object: where reports go once a host has registered one with `SetError`.
-class ErrorObject {
+class KEL_PUBLIC ErrorObject {
 public:
-    virtual ~ErrorObject() = default;
+    ErrorObject();
+    virtual ~ErrorObject();
+    ErrorObject(const ErrorObject&) = delete;
+    ErrorObject& operator=(const ErrorObject&) = delete;
 
     /// Read, overridden and restored around each report that carries `vSilent`.
-    [[nodiscard]] virtual Boolean Silent() { return silent_; }
-    virtual void Silent(Boolean value) { silent_ = value; }
+    [[nodiscard]] virtual Boolean Silent();
+    virtual void Silent(Boolean value);
 
     /// Shows or logs a report; its result says which button was chosen. `LineNumber` and `vSilent` are information
     /// only: the source already carries the number, and `Silent` is set.
@@ -52,7 +57,7 @@ public:
     virtual void SetFont(void* form) { static_cast<void>(form); }
 
 private:
-    Boolean silent_ = False;
+    Hidden<Boolean> silent_;
 };
 
 } // namespace kel

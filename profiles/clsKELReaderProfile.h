@@ -2,10 +2,10 @@
 
 #include "profiles/ProfileValues.h"
 #include "types/Export.h"
+#include "types/Hidden.h"
 
 #include <string>
 #include <string_view>
-#include <utility>
 
 // clang-format off
 /// The properties of a profile in the order of its interface: `property(Name)` for those that are read and written,
@@ -44,13 +44,16 @@ namespace kel {
 /// the options dialog and `LoadDefaults` then find.
 class KEL_PUBLIC clsKELReaderProfile {
 public:
-    clsKELReaderProfile() = default;
-    explicit clsKELReaderProfile(ProfileValues values) : values_(std::move(values)) {}
+    clsKELReaderProfile();
+    explicit clsKELReaderProfile(const ProfileValues& values);
+    clsKELReaderProfile(const clsKELReaderProfile& other);
+    clsKELReaderProfile& operator=(const clsKELReaderProfile& other);
+    ~clsKELReaderProfile();
 
 // clang-format off
 #define KEL_PROPERTY(Name)                                                                                             \
-    [[nodiscard]] decltype(ProfileValues::Name) Name() const { return values_.Name; }                                  \
-    void Name(decltype(ProfileValues::Name) value) { values_.Name = std::move(value); }
+    [[nodiscard]] decltype(ProfileValues::Name) Name() const;                                                          \
+    void Name(decltype(ProfileValues::Name) value);
 #define KEL_NOT_STORED(Name)
     // clang-format on
     KEL_PROFILE_PROPERTIES(KEL_PROPERTY, KEL_NOT_STORED)
@@ -61,7 +64,7 @@ public:
     [[nodiscard]] std::string ReaderName() const;
 
 private:
-    ProfileValues values_;
+    Hidden<ProfileValues> values_;
 };
 
 /// Calls `visit(name, value)` for every property of a profile, in the order of the interface.

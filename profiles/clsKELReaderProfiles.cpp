@@ -2,6 +2,7 @@
 
 #include "failure/guarded.h"
 #include "profiles/Catalogue.h"
+#include "profiles/KeyedCollection.h"
 #include "types/Text.h"
 
 namespace kel {
@@ -34,43 +35,55 @@ Reference<clsKELReaderProfile> itemOrNothing(const Profiles& profiles, Index ind
 
 } // namespace
 
+struct clsKELReaderProfiles::Fields {
+    Profiles kelProfiles;
+    kelProfileType eProfileType = kelProfileTypeAll;
+};
+
 clsKELReaderProfiles::clsKELReaderProfiles()
 {
     FillProfiles();
 }
 
+clsKELReaderProfiles::~clsKELReaderProfiles() = default;
+
 Int32 clsKELReaderProfiles::Count() const
 {
     Int32 lResult = 0;
-    guarded("KELReader81 - clsKELReaderProfiles.Count", [&] { lResult = kelProfiles_.Count(); });
+    guarded("KELReader81 - clsKELReaderProfiles.Count", [&] { lResult = fields_->kelProfiles.Count(); });
     return lResult;
 }
 
 Reference<clsKELReaderProfile> clsKELReaderProfiles::Item(std::string_view Key) const
 {
-    return itemOrNothing(kelProfiles_, Key);
+    return itemOrNothing(fields_->kelProfiles, Key);
 }
 
 Reference<clsKELReaderProfile> clsKELReaderProfiles::Item(Int32 Position) const
 {
-    return itemOrNothing(kelProfiles_, Position);
+    return itemOrNothing(fields_->kelProfiles, Position);
 }
 
 Boolean clsKELReaderProfiles::Exists(std::string_view Key) const
 {
-    return holds(kelProfiles_, Key);
+    return holds(fields_->kelProfiles, Key);
 }
 
 Boolean clsKELReaderProfiles::Exists(Int32 Position) const
 {
-    return holds(kelProfiles_, Position);
+    return holds(fields_->kelProfiles, Position);
+}
+
+kelProfileType clsKELReaderProfiles::ProfileType() const
+{
+    return fields_->eProfileType;
 }
 
 void clsKELReaderProfiles::ProfileType(kelProfileType value)
 {
     guarded("KELReader81 - clsKELReaderProfiles.ProfileType", [&] {
-        const bool bRefill = value != eProfileType_ || Count() == 0;
-        eProfileType_ = value;
+        const bool bRefill = value != fields_->eProfileType || Count() == 0;
+        fields_->eProfileType = value;
         if (bRefill)
             FillProfiles();
     });
@@ -78,12 +91,12 @@ void clsKELReaderProfiles::ProfileType(kelProfileType value)
 
 void clsKELReaderProfiles::Remove(std::string_view Key)
 {
-    guarded(kSourceRemove, [&] { kelProfiles_.Remove(Key); });
+    guarded(kSourceRemove, [&] { fields_->kelProfiles.Remove(Key); });
 }
 
 void clsKELReaderProfiles::Remove(Int32 Position)
 {
-    guarded(kSourceRemove, [&] { kelProfiles_.Remove(Position); });
+    guarded(kSourceRemove, [&] { fields_->kelProfiles.Remove(Position); });
 }
 
 void clsKELReaderProfiles::RemoveAll()
@@ -100,7 +113,7 @@ void clsKELReaderProfiles::FillProfiles()
         RemoveAll();
         Add(noReader());
         for (const CatalogueGroup& group : catalogue()) {
-            if ((eProfileType_ & group.ProfileType) == 0)
+            if ((fields_->eProfileType & group.ProfileType) == 0)
                 continue;
             for (const CatalogueModel& model : group.Models)
                 Add(model);
@@ -110,7 +123,7 @@ void clsKELReaderProfiles::FillProfiles()
 
 void clsKELReaderProfiles::Add(const CatalogueModel& model)
 {
-    kelProfiles_.Add(makeReference<clsKELReaderProfile>(profileValues(model)), CStr(model.ReaderType));
+    fields_->kelProfiles.Add(makeReference<clsKELReaderProfile>(profileValues(model)), CStr(model.ReaderType));
 }
 
 } // namespace kel

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "profiles/KeyedCollection.h"
 #include "profiles/clsKELReaderProfile.h"
 #include "types/Boolean.h"
 #include "types/Enumerations.h"
 #include "types/Export.h"
+#include "types/Hidden.h"
 #include "types/Numbers.h"
 #include "types/Reference.h"
 
@@ -23,6 +23,7 @@ struct CatalogueModel;
 class KEL_PUBLIC clsKELReaderProfiles {
 public:
     clsKELReaderProfiles();
+    ~clsKELReaderProfiles();
     clsKELReaderProfiles(const clsKELReaderProfiles&) = delete;
     clsKELReaderProfiles& operator=(const clsKELReaderProfiles&) = delete;
 
@@ -40,7 +41,7 @@ public:
     /// The makers whose models are held, as bits; the record of `kelReaderTypeNone` is always among them. Setting
     /// fills the collection anew if the value changes or if no record is left; the same value again on a collection
     /// that holds records leaves it as it is.
-    [[nodiscard]] kelProfileType ProfileType() const { return eProfileType_; }
+    [[nodiscard]] kelProfileType ProfileType() const;
     void ProfileType(kelProfileType value);
 
     /// Removes a record. One that is not there is reported: as 5 for a key, as 9 for a position.
@@ -54,8 +55,8 @@ private:
     void FillProfiles();
     void Add(const CatalogueModel& model);
 
-    KeyedCollection<clsKELReaderProfile> kelProfiles_;
-    kelProfileType eProfileType_ = kelProfileTypeAll;
+    struct Fields;
+    Hidden<Fields> fields_;
 };
 
 } // namespace kel

@@ -28,52 +28,114 @@ std::vector<std::string> columnTexts(Int32 columns)
 
 } // namespace
 
-AnswerList::AnswerList(std::vector<std::string> answers) : answers_(std::move(answers)) {}
+struct AnswerList::Fields {
+    std::vector<std::string> answers;
+};
+
+AnswerList::AnswerList(std::vector<std::string> answers) : fields_(Fields{std::move(answers)}) {}
+AnswerList::AnswerList(const AnswerList& other) = default;
+AnswerList& AnswerList::operator=(const AnswerList& other) = default;
+AnswerList::~AnswerList() = default;
 
 Int32 AnswerList::Count() const
 {
-    return static_cast<Int32>(answers_.size());
+    return static_cast<Int32>(fields_->answers.size());
 }
 
 Int32 AnswerList::Position(std::string_view answer) const
 {
-    const auto found = std::find(answers_.begin(), answers_.end(), answer);
-    if (found != answers_.end())
-        return static_cast<Int32>(found - answers_.begin()) + 1;
+    const auto found = std::find(fields_->answers.begin(), fields_->answers.end(), answer);
+    if (found != fields_->answers.end())
+        return static_cast<Int32>(found - fields_->answers.begin()) + 1;
 
     std::string choices;
-    for (const std::string& choice : answers_)
+    for (const std::string& choice : fields_->answers)
         choices.append(choices.empty() ? "" : ", ").append(choice);
     throw RuntimeFailure(FailureCode::InvalidProcedureCall,
                          "The right answer \"" + std::string(answer) + "\" is not among the choices (" + choices + ")");
 }
 
+struct AnswerKeyEntry::Fields {
+    std::string sName;
+    Reference<AnswerChoices> oChoices;
+    Reference<AnswerChoices> oChoiceColumns;
+    std::vector<std::string> sCorrectAnswers;
+};
+
 AnswerKeyEntry::AnswerKeyEntry(std::string name, std::vector<std::string> choices, Int32 choiceColumns,
                                std::vector<std::string> correctAnswers)
-    : sName_(std::move(name)), oChoices_(makeReference<AnswerList>(std::move(choices))),
-      oChoiceColumns_(makeReference<AnswerList>(columnTexts(choiceColumns))),
-      sCorrectAnswers_(std::move(correctAnswers))
+    : fields_(Fields{std::move(name), makeReference<AnswerList>(std::move(choices)),
+                     makeReference<AnswerList>(columnTexts(choiceColumns)), std::move(correctAnswers)})
 {
+}
+AnswerKeyEntry::AnswerKeyEntry(const AnswerKeyEntry& other) = default;
+AnswerKeyEntry& AnswerKeyEntry::operator=(const AnswerKeyEntry& other) = default;
+AnswerKeyEntry::~AnswerKeyEntry() = default;
+
+std::string AnswerKeyEntry::Name() const
+{
+    return fields_->sName;
+}
+
+Reference<AnswerChoices> AnswerKeyEntry::Choices() const
+{
+    return fields_->oChoices;
+}
+
+Reference<AnswerChoices> AnswerKeyEntry::ChoiceColumns() const
+{
+    return fields_->oChoiceColumns;
 }
 
 Int32 AnswerKeyEntry::CorrectAnswersCount() const
 {
-    return static_cast<Int32>(sCorrectAnswers_.size());
+    return static_cast<Int32>(fields_->sCorrectAnswers.size());
 }
 
 std::string AnswerKeyEntry::CorrectAnswers(Int32 version) const
 {
-    return numbered(sCorrectAnswers_, version);
+    return numbered(fields_->sCorrectAnswers, version);
+}
+
+struct AnswerKey::Fields {
+    std::string sFormIDs;
+    Int32 lNumberOfPages = 1;
+    std::vector<Reference<AnswerKeyQuestion>> questions;
+};
+
+AnswerKey::AnswerKey() = default;
+AnswerKey::AnswerKey(const AnswerKey& other) = default;
+AnswerKey& AnswerKey::operator=(const AnswerKey& other) = default;
+AnswerKey::~AnswerKey() = default;
+
+std::string AnswerKey::FormIDs() const
+{
+    return fields_->sFormIDs;
+}
+
+void AnswerKey::FormIDs(std::string value)
+{
+    fields_->sFormIDs = std::move(value);
+}
+
+Int32 AnswerKey::NumberOfPages() const
+{
+    return fields_->lNumberOfPages;
+}
+
+void AnswerKey::NumberOfPages(Int32 value)
+{
+    fields_->lNumberOfPages = value;
 }
 
 Int32 AnswerKey::QuestionsCount() const
 {
-    return static_cast<Int32>(questions_.size());
+    return static_cast<Int32>(fields_->questions.size());
 }
 
 Reference<AnswerKeyQuestion> AnswerKey::Questions(Int32 number) const
 {
-    return numbered(questions_, number);
+    return numbered(fields_->questions, number);
 }
 
 void AnswerKey::AddQuestion(std::string name, std::vector<std::string> choices, std::vector<std::string> correctAnswers)
@@ -91,7 +153,7 @@ void AnswerKey::AddQuestion(std::string name, std::vector<std::string> choices, 
 
 void AnswerKey::AddQuestion(Reference<AnswerKeyQuestion> question)
 {
-    questions_.push_back(std::move(question));
+    fields_->questions.push_back(std::move(question));
 }
 
 } // namespace kel

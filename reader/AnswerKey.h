@@ -2,6 +2,7 @@
 
 #include "reader/AnswerKeyObject.h"
 #include "types/Export.h"
+#include "types/Hidden.h"
 
 #include <string>
 #include <vector>
@@ -12,13 +13,17 @@ namespace kel {
 class KEL_PUBLIC AnswerList final : public AnswerChoices {
 public:
     explicit AnswerList(std::vector<std::string> answers = {});
+    AnswerList(const AnswerList& other);
+    AnswerList& operator=(const AnswerList& other);
+    ~AnswerList() override;
 
     [[nodiscard]] Int32 Count() const override;
     /// Failure 5, with a text that names the answer and the choices, for a text that is no choice.
     [[nodiscard]] Int32 Position(std::string_view answer) const override;
 
 private:
-    std::vector<std::string> answers_;
+    struct Fields;
+    Hidden<Fields> fields_;
 };
 
 /// A question of an `AnswerKey`.
@@ -28,19 +33,20 @@ public:
     /// reader stores at most four versions. `choiceColumns` is how many columns the form has for the question.
     AnswerKeyEntry(std::string name, std::vector<std::string> choices, Int32 choiceColumns,
                    std::vector<std::string> correctAnswers);
+    AnswerKeyEntry(const AnswerKeyEntry& other);
+    AnswerKeyEntry& operator=(const AnswerKeyEntry& other);
+    ~AnswerKeyEntry() override;
 
-    [[nodiscard]] std::string Name() const override { return sName_; }
-    [[nodiscard]] Reference<AnswerChoices> Choices() const override { return oChoices_; }
-    [[nodiscard]] Reference<AnswerChoices> ChoiceColumns() const override { return oChoiceColumns_; }
+    [[nodiscard]] std::string Name() const override;
+    [[nodiscard]] Reference<AnswerChoices> Choices() const override;
+    [[nodiscard]] Reference<AnswerChoices> ChoiceColumns() const override;
     [[nodiscard]] Int32 CorrectAnswersCount() const override;
     /// Failure 9 for a version that is not there.
     [[nodiscard]] std::string CorrectAnswers(Int32 version) const override;
 
 private:
-    std::string sName_;
-    Reference<AnswerChoices> oChoices_;
-    Reference<AnswerChoices> oChoiceColumns_;
-    std::vector<std::string> sCorrectAnswers_;
+    struct Fields;
+    Hidden<Fields> fields_;
 };
 
 /// A ready-made answer key for hosts that have no key object of their own:
@@ -55,11 +61,16 @@ private:
 /// Nothing is checked when it is set; what does not fit is reported when the key goes into the reader.
 class KEL_PUBLIC AnswerKey final : public AnswerKeyObject {
 public:
-    [[nodiscard]] std::string FormIDs() const override { return sFormIDs_; }
-    void FormIDs(std::string value) { sFormIDs_ = std::move(value); }
+    AnswerKey();
+    AnswerKey(const AnswerKey& other);
+    AnswerKey& operator=(const AnswerKey& other);
+    ~AnswerKey() override;
+
+    [[nodiscard]] std::string FormIDs() const override;
+    void FormIDs(std::string value);
     /// 1 on a new key.
-    [[nodiscard]] Int32 NumberOfPages() const override { return lNumberOfPages_; }
-    void NumberOfPages(Int32 value) { lNumberOfPages_ = value; }
+    [[nodiscard]] Int32 NumberOfPages() const override;
+    void NumberOfPages(Int32 value);
 
     [[nodiscard]] Int32 QuestionsCount() const override;
     /// Failure 9 for a number that is not there.
@@ -72,9 +83,8 @@ public:
     void AddQuestion(Reference<AnswerKeyQuestion> question);
 
 private:
-    std::string sFormIDs_;
-    Int32 lNumberOfPages_ = 1;
-    std::vector<Reference<AnswerKeyQuestion>> questions_;
+    struct Fields;
+    Hidden<Fields> fields_;
 };
 
 } // namespace kel

@@ -2,11 +2,10 @@
 
 #include "types/Boolean.h"
 #include "types/Export.h"
+#include "types/Hidden.h"
 #include "types/Numbers.h"
 #include "types/SourceLocation.h"
 
-#include <cstddef>
-#include <map>
 #include <string>
 #include <variant>
 #include <vector>
@@ -31,9 +30,14 @@ inline constexpr Int32 kTextCompare = 1;
 /// know, with its members and their manners. It may be copied.
 class KEL_PUBLIC Dictionary {
 public:
+    Dictionary();
+    Dictionary(const Dictionary& other);
+    Dictionary& operator=(const Dictionary& other);
+    ~Dictionary();
+
     /// How text keys are compared; a new dictionary compares them exactly. To be set while the dictionary is empty;
     /// failure 5 afterwards, and for any other value.
-    [[nodiscard]] Int32 CompareMode() const { return lCompareMode_; }
+    [[nodiscard]] Int32 CompareMode() const;
     void CompareMode(Int32 mode, SourceLocation where = SourceLocation::current());
 
     /// Adds an item at the end. A key that is there already is failure 457.
@@ -53,7 +57,7 @@ public:
     /// Keys and items in their order.
     [[nodiscard]] std::vector<DictionaryKey> Keys() const;
     [[nodiscard]] std::vector<DictionaryItem> Items() const;
-    [[nodiscard]] Int32 Count() const { return static_cast<Int32>(entries_.size()); }
+    [[nodiscard]] Int32 Count() const;
 
     /// Removes an entry. A key that is not there is failure 32811 "Element not found".
     void Remove(const DictionaryKey& key, SourceLocation where = SourceLocation::current());
@@ -61,18 +65,8 @@ public:
     void RemoveAll();
 
 private:
-    struct Entry {
-        DictionaryKey key;
-        DictionaryItem item;
-    };
-
-    [[nodiscard]] DictionaryKey comparable(const DictionaryKey& key) const;
-    [[nodiscard]] std::size_t position(const DictionaryKey& key, SourceLocation where) const;
-    Entry& entryOf(const DictionaryKey& key);
-
-    Int32 lCompareMode_ = kBinaryCompare;
-    std::vector<Entry> entries_;
-    std::map<DictionaryKey, std::size_t> positions_; // by the comparable form of the key
+    struct Fields;
+    Hidden<Fields> fields_;
 };
 
 } // namespace kel

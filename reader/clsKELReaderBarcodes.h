@@ -1,9 +1,10 @@
 #pragma once
 
-#include "reader/OrderedCollection.h"
 #include "reader/clsKELReaderBarcode.h"
 #include "types/Boolean.h"
 #include "types/Export.h"
+#include "types/Hidden.h"
+#include "types/Reference.h"
 
 #include <optional>
 
@@ -12,6 +13,11 @@ namespace kel {
 /// The barcode zones of a form in their order, addressed by position from 1.
 class KEL_PUBLIC clsKELReaderBarcodes {
 public:
+    clsKELReaderBarcodes();
+    clsKELReaderBarcodes(const clsKELReaderBarcodes& other);
+    clsKELReaderBarcodes& operator=(const clsKELReaderBarcodes& other);
+    ~clsKELReaderBarcodes();
+
     [[nodiscard]] Int32 Count() const;
 
     /// Adds a zone before or after a position, or at the end. A position that is not there is reported, and nothing
@@ -30,7 +36,8 @@ public:
     [[nodiscard]] Boolean Exists(Int32 Index) const;
 
 private:
-    OrderedCollection<clsKELReaderBarcode> kelBarcodes_;
+    struct Fields;
+    Hidden<Fields> fields_;
 };
 
 } // namespace kel

@@ -7,6 +7,22 @@
 
 namespace kel {
 
+struct clsKELReaderPrinter::Fields {
+    Boolean bEnabled;
+    Boolean bActive;
+    std::string sBuffer1;
+    std::string sBuffer2;
+    std::string sBuffer3;
+    Int16 iDistance = 0;
+    kelReaderType uReaderType = kelReaderTypeNone;
+    Boolean bInitialized;
+};
+
+clsKELReaderPrinter::clsKELReaderPrinter() = default;
+clsKELReaderPrinter::clsKELReaderPrinter(const clsKELReaderPrinter& other) = default;
+clsKELReaderPrinter& clsKELReaderPrinter::operator=(const clsKELReaderPrinter& other) = default;
+clsKELReaderPrinter::~clsKELReaderPrinter() = default;
+
 namespace {
 
 enum class Imprinter {
@@ -84,23 +100,23 @@ const ImprintModel& imprintModel(kelReaderType type)
 void clsKELReaderPrinter::SetType(kelReaderType Value)
 {
     guarded("KELReader81 - clsKELReaderPrinter.SetType", [&] {
-        uReaderType_ = Value;
+        fields_->uReaderType = Value;
         if (BufferCount() == 3)
-            iDistance_ = kThreeLineDistance;
+            fields_->iDistance = kThreeLineDistance;
     });
 }
 
 Boolean clsKELReaderPrinter::Enabled() const
 {
-    return bEnabled_;
+    return fields_->bEnabled;
 }
 
 void clsKELReaderPrinter::Enabled(Boolean value)
 {
     guarded("KELReader81 - clsKELReaderPrinter.Enabled", [&] {
-        switch (imprintModel(uReaderType_).imprinter) {
-        case None: bEnabled_ = False; break;
-        case Optional: bEnabled_ = value; break;
+        switch (imprintModel(fields_->uReaderType).imprinter) {
+        case None: fields_->bEnabled = False; break;
+        case Optional: fields_->bEnabled = value; break;
         case NotConcerned: break;
         }
     });
@@ -108,95 +124,95 @@ void clsKELReaderPrinter::Enabled(Boolean value)
 
 Boolean clsKELReaderPrinter::Initialized() const
 {
-    return bInitialized_;
+    return fields_->bInitialized;
 }
 
 void clsKELReaderPrinter::Initialized(Boolean value)
 {
-    bInitialized_ = value;
+    fields_->bInitialized = value;
 }
 
 Boolean clsKELReaderPrinter::Active() const
 {
-    return bActive_ & Enabled();
+    return fields_->bActive & Enabled();
 }
 
 void clsKELReaderPrinter::Active(Boolean value)
 {
-    bActive_ = value & Enabled();
+    fields_->bActive = value & Enabled();
 }
 
 std::string clsKELReaderPrinter::Buffer1() const
 {
-    return sBuffer1_;
+    return fields_->sBuffer1;
 }
 
 void clsKELReaderPrinter::Buffer1(const std::string& text)
 {
-    sBuffer1_ = text;
+    fields_->sBuffer1 = text;
 }
 
 std::string clsKELReaderPrinter::Buffer2() const
 {
-    return sBuffer2_;
+    return fields_->sBuffer2;
 }
 
 void clsKELReaderPrinter::Buffer2(const std::string& text)
 {
-    sBuffer2_ = text;
+    fields_->sBuffer2 = text;
 }
 
 std::string clsKELReaderPrinter::Buffer3() const
 {
-    return sBuffer3_;
+    return fields_->sBuffer3;
 }
 
 void clsKELReaderPrinter::Buffer3(const std::string& text)
 {
-    sBuffer3_ = text;
+    fields_->sBuffer3 = text;
 }
 
 Int16 clsKELReaderPrinter::FilledBufferCount() const
 {
     const Int16 lines = BufferCount();
     Int16 filled = 0;
-    if (lines >= 1 && !sBuffer1_.empty())
+    if (lines >= 1 && !fields_->sBuffer1.empty())
         ++filled;
-    if (lines >= 2 && !sBuffer2_.empty())
+    if (lines >= 2 && !fields_->sBuffer2.empty())
         ++filled;
-    if (lines >= 3 && !sBuffer3_.empty())
+    if (lines >= 3 && !fields_->sBuffer3.empty())
         ++filled;
     return filled;
 }
 
 Int16 clsKELReaderPrinter::BufferCount() const
 {
-    return imprintModel(uReaderType_).lines;
+    return imprintModel(fields_->uReaderType).lines;
 }
 
 Int16 clsKELReaderPrinter::Distance() const
 {
-    return iDistance_;
+    return fields_->iDistance;
 }
 
 void clsKELReaderPrinter::Distance(Int16 value)
 {
-    iDistance_ = value;
+    fields_->iDistance = value;
 }
 
 Int32 clsKELReaderPrinter::MinPosition() const
 {
-    return Enabled() ? imprintModel(uReaderType_).minPosition : -1;
+    return Enabled() ? imprintModel(fields_->uReaderType).minPosition : -1;
 }
 
 Int32 clsKELReaderPrinter::MaxPosition() const
 {
-    return Enabled() ? imprintModel(uReaderType_).maxPosition : -1;
+    return Enabled() ? imprintModel(fields_->uReaderType).maxPosition : -1;
 }
 
 Int32 clsKELReaderPrinter::MaxCharacters() const
 {
-    return Enabled() ? imprintModel(uReaderType_).maxCharacters : -1;
+    return Enabled() ? imprintModel(fields_->uReaderType).maxCharacters : -1;
 }
 
 } // namespace kel

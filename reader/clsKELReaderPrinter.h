@@ -3,6 +3,7 @@
 #include "types/Boolean.h"
 #include "types/Enumerations.h"
 #include "types/Export.h"
+#include "types/Hidden.h"
 #include "types/Numbers.h"
 
 #include <string>
@@ -13,6 +14,11 @@ namespace kel {
 /// driver takes it when the sheet is printed on. Nothing here checks the texts or the distance against the bounds.
 class KEL_PUBLIC clsKELReaderPrinter {
 public:
+    clsKELReaderPrinter();
+    clsKELReaderPrinter(const clsKELReaderPrinter& other);
+    clsKELReaderPrinter& operator=(const clsKELReaderPrinter& other);
+    ~clsKELReaderPrinter();
+
     /// The reader model, handed on by the reader object. On the models with three print lines it also sets
     /// `Distance` to 245.
     void SetType(kelReaderType Value);
@@ -55,14 +61,8 @@ private:
     friend class ReaderSession;
     void Initialized(Boolean value);
 
-    Boolean bEnabled_;
-    Boolean bActive_;
-    std::string sBuffer1_;
-    std::string sBuffer2_;
-    std::string sBuffer3_;
-    Int16 iDistance_ = 0;
-    kelReaderType uReaderType_ = kelReaderTypeNone;
-    Boolean bInitialized_;
+    struct Fields;
+    Hidden<Fields> fields_;
 };
 
 } // namespace kel

@@ -1,30 +1,40 @@
 #include "reader/clsKELReaderWindows.h"
 
 #include "failure/guarded.h"
+#include "reader/OrderedCollection.h"
 
 namespace kel {
 
+struct clsKELReaderWindows::Fields {
+    OrderedCollection<clsKELReaderWindow> kelWindows;
+};
+
+clsKELReaderWindows::clsKELReaderWindows() = default;
+clsKELReaderWindows::clsKELReaderWindows(const clsKELReaderWindows& other) = default;
+clsKELReaderWindows& clsKELReaderWindows::operator=(const clsKELReaderWindows& other) = default;
+clsKELReaderWindows::~clsKELReaderWindows() = default;
+
 Int32 clsKELReaderWindows::Count() const
 {
-    return kelWindows_.Count();
+    return fields_->kelWindows.Count();
 }
 
 void clsKELReaderWindows::Add(Reference<clsKELReaderWindow> Item, std::optional<Int32> Before,
                               std::optional<Int32> After)
 {
-    guarded("KELReader81 - clsKELReaderWindows.Add", [&] { kelWindows_.Add(Item, Before, After); });
+    guarded("KELReader81 - clsKELReaderWindows.Add", [&] { fields_->kelWindows.Add(Item, Before, After); });
 }
 
 void clsKELReaderWindows::Remove(Int32 Position)
 {
-    guarded("KELReader81 - clsKELReaderWindows.Remove", [&] { kelWindows_.Remove(Position); });
+    guarded("KELReader81 - clsKELReaderWindows.Remove", [&] { fields_->kelWindows.Remove(Position); });
 }
 
 void clsKELReaderWindows::RemoveAll()
 {
     guarded("KELReader81 - clsKELReaderWindows.RemoveAll", [&] {
         for (Int32 lPosition = Count(); lPosition >= 1; --lPosition)
-            kelWindows_.Remove(lPosition);
+            fields_->kelWindows.Remove(lPosition);
     });
 }
 
@@ -33,7 +43,7 @@ Reference<clsKELReaderWindow> clsKELReaderWindows::Item(Int32 Position) const
     Reference<clsKELReaderWindow> oItem;
     guarded("KELReader81 - clsKELReaderWindows.Item", [&] {
         if (Exists(Position))
-            oItem = kelWindows_.Item(Position);
+            oItem = fields_->kelWindows.Item(Position);
     });
     return oItem;
 }
@@ -41,7 +51,7 @@ Reference<clsKELReaderWindow> clsKELReaderWindows::Item(Int32 Position) const
 Boolean clsKELReaderWindows::Exists(Int32 Position) const
 {
     Boolean bResult = False;
-    ignoringFailures([&] { bResult = !kelWindows_.Item(Position).isNothing(); });
+    ignoringFailures([&] { bResult = !fields_->kelWindows.Item(Position).isNothing(); });
     return bResult;
 }
 

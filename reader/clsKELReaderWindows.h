@@ -1,9 +1,10 @@
 #pragma once
 
-#include "reader/OrderedCollection.h"
 #include "reader/clsKELReaderWindow.h"
 #include "types/Boolean.h"
 #include "types/Export.h"
+#include "types/Hidden.h"
+#include "types/Reference.h"
 
 #include <optional>
 
@@ -12,6 +13,11 @@ namespace kel {
 /// The read windows of a form in their order, addressed by position from 1.
 class KEL_PUBLIC clsKELReaderWindows {
 public:
+    clsKELReaderWindows();
+    clsKELReaderWindows(const clsKELReaderWindows& other);
+    clsKELReaderWindows& operator=(const clsKELReaderWindows& other);
+    ~clsKELReaderWindows();
+
     [[nodiscard]] Int32 Count() const;
 
     /// Adds a window before or after a position, or at the end. A position that is not there is reported, and nothing
@@ -30,7 +36,8 @@ public:
     [[nodiscard]] Boolean Exists(Int32 Position) const;
 
 private:
-    OrderedCollection<clsKELReaderWindow> kelWindows_;
+    struct Fields;
+    Hidden<Fields> fields_;
 };
 
 } // namespace kel
