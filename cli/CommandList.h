@@ -11,7 +11,8 @@
     command(addSettingsCommand)  \
     command(addReplayCommand)    \
     command(addLocateCommand)    \
-    command(addFirmwareCommand)
+    command(addFirmwareCommand)  \
+    command(addHelpCommand)
 // clang-format on
 
 namespace kel {

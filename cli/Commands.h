@@ -29,6 +29,9 @@ public:
     /// Adds a command below another: `ports set`.
     CLI::App& add(CLI::App& parent, const std::string& name, const std::string& description, Run run);
 
+    /// The program itself, with all its commands.
+    [[nodiscard]] CLI::App& program() const { return app_; }
+
     /// Runs the command that the arguments have called.
     [[nodiscard]] int runChosen() const { return chosen_(); }
 

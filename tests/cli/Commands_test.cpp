@@ -6,6 +6,11 @@
 
 #include <algorithm>
 #include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <regex>
+#include <set>
+#include <sstream>
 
 namespace kel::test {
 namespace {
@@ -129,6 +134,54 @@ TEST(CommandLine, HelpGoesToStandardOutput)
     EXPECT_EQ(outcome.errors, "");
     EXPECT_EQ(outcome.status, 0);
     EXPECT_THAT(runCommand({"--version"}).output, StartsWith("kelreader "));
+}
+
+TEST(HelpCommand, TellsWhatAnyCommandTakes)
+{
+    EXPECT_EQ(runCommand({"help"}).output, runCommand({"--help"}).output);
+    EXPECT_EQ(runCommand({"help", "scan"}).output, runCommand({"scan", "--help"}).output);
+    EXPECT_EQ(runCommand({"help", "ports", "set"}).output, runCommand({"ports", "set", "--help"}).output);
+}
+
+TEST(HelpCommand, UnknownCommandIsWrongUse)
+{
+    const CommandOutcome outcome = runCommand({"help", "scn"});
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_THAT(outcome.errors, HasSubstr("There is no command 'scn'; the nearest are"));
+    EXPECT_THAT(runCommand({"help", "scan", "x"}).errors, HasSubstr("'scan' has no commands of its own."));
+}
+
+/// All options that a command's help tells, as "--name".
+std::set<std::string> optionsIn(const std::string& help)
+{
+    std::set<std::string> options;
+    const std::regex option("--[a-z][a-z0-9-]*");
+    for (auto found = std::sregex_iterator(help.begin(), help.end(), option); found != std::sregex_iterator(); ++found)
+        options.insert(found->str());
+    return options;
+}
+
+TEST(ManualPage, TellsEveryCommandAndOption)
+{
+    std::ifstream file(std::filesystem::path(KEL_TEST_DATA).parent_path() / "docs" / "kelreader.1");
+    std::string page(std::istreambuf_iterator<char>(file), {});
+    ASSERT_FALSE(page.empty());
+    page = std::regex_replace(page, std::regex("\\\\-"), "-");
+
+    std::istringstream program(runCommand({"help"}).output);
+    std::string line;
+    while (std::getline(program, line) && line != "Subcommands:") {
+    }
+    int commands = 0;
+    for (std::string name; std::getline(program, line) && std::istringstream(line) >> name; ++commands) {
+        EXPECT_THAT(page, testing::ContainsRegex("[.\"]" + name + "|[A-Z] \"?" + name)) << name;
+        for (const std::string& option : optionsIn(runCommand({"help", name}).output)) {
+            if (option != "--help") {
+                EXPECT_THAT(page, HasSubstr(option)) << name;
+            }
+        }
+    }
+    EXPECT_GE(commands, 10);
 }
 
 TEST(PortsCommand, NumbersAreMappedAndTaken)

@@ -1,3 +1,4 @@
+#include "profiles/KeyedCollection.h"
 #include "profiles/clsKELReaderProfiles.h"
 
 #include "failure/basError.h"

@@ -1,0 +1,48 @@
+#include "cli/CommandList.h"
+#include "cli/Commands.h"
+#include "cli/NearestNames.h"
+#include "cli/TextOutput.h"
+#include "cli/UsageError.h"
+
+namespace kel {
+
+namespace {
+
+/// The command below `parent` that bears a name.
+CLI::App& commandNamed(CLI::App& parent, const std::string& name)
+{
+    std::vector<std::string> known;
+    for (CLI::App* command : parent.get_subcommands([](const CLI::App*) { return true; })) {
+        if (command->get_name() == name)
+            return *command;
+        known.push_back(command->get_name());
+    }
+    if (known.empty())
+        throw UsageError("'" + parent.get_name() + "' has no commands of its own.");
+    throw UsageError("There is no command '" + name + "'; " + nearestListed(nearestNames(name, known)) + ".");
+}
+
+int run(CLI::App& program, const std::vector<std::string>& words)
+{
+    CLI::App* command = &program;
+    std::string path;
+    for (const std::string& word : words) {
+        path += (path.empty() ? "" : " ") + command->get_name();
+        command = &commandNamed(*command, word);
+    }
+    TextOutput().writeOrFail(command->help(path));
+    return kDoneStatus;
+}
+
+} // namespace
+
+void addHelpCommand(Commands& commands)
+{
+    const auto words = std::make_shared<std::vector<std::string>>();
+    CLI::App& program = commands.program();
+    CLI::App& command = commands.add("help", "Tells what a command does and takes",
+                                     [words, &program] { return run(program, *words); });
+    command.add_option("command", *words, "The command, such as scan, or 'ports set'");
+}
+
+} // namespace kel

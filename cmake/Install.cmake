@@ -1,0 +1,86 @@
+# Where things go. The component, its language file and the modules that it loads lie in one folder, since it looks for
+# them beside itself; the usual places hold links to what others call by name.
+include(GNUInstallDirs)
+include(CMakePackageConfigHelpers)
+
+set(folder ${CMAKE_INSTALL_LIBDIR}/kelreader81u)
+
+# A link at `name` (below the prefix) to a file of the folder.
+function(kel_install_link name file component)
+    cmake_path(GET name PARENT_PATH place)
+    cmake_path(RELATIVE_PATH folder BASE_DIRECTORY ${place} OUTPUT_VARIABLE back)
+    install(CODE "
+        set(root \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}\")
+        file(MAKE_DIRECTORY \"\${root}/${place}\")
+        file(CREATE_LINK \"${back}/${file}\" \"\${root}/${name}\" SYMBOLIC)" COMPONENT ${component})
+endfunction()
+
+set_target_properties(KELReader81U PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
+
+# The command, the component and what both load.
+install(TARGETS kelreader RUNTIME DESTINATION ${folder} COMPONENT command)
+install(TARGETS KELReader81U EXPORT KELReader81UTargets
+        LIBRARY DESTINATION ${folder} COMPONENT command NAMELINK_COMPONENT development)
+install(TARGETS KELReader81U_remote LIBRARY DESTINATION ${folder} COMPONENT command)
+install(TARGETS OMRAPI_simulated LIBRARY DESTINATION ${folder} COMPONENT command)
+install(FILES ${CMAKE_BINARY_DIR}/bin/LKELReader81.txt DESTINATION ${folder} COMPONENT command)
+install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} RENAME copyright COMPONENT command)
+install(FILES docs/kelreader.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT command)
+set(shared_object libKELReader81U.so.${PROJECT_VERSION_MAJOR})
+kel_install_link(${CMAKE_INSTALL_BINDIR}/kelreader kelreader command)
+kel_install_link(${CMAKE_INSTALL_LIBDIR}/${shared_object} ${shared_object} command)
+
+# The options dialog's window, a package of its own, so that a machine without a display needs no toolkit.
+if(TARGET KELReader81U_options_qt)
+    install(TARGETS KELReader81U_options_qt LIBRARY DESTINATION ${folder} COMPONENT options)
+endif()
+
+# For those who build a host.
+foreach(header IN LISTS KEL_PUBLIC_HEADERS)
+    cmake_path(GET header PARENT_PATH place)
+    install(FILES ${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/KELReader81U/${place} COMPONENT development)
+endforeach()
+set(package ${CMAKE_INSTALL_LIBDIR}/cmake/KELReader81U)
+configure_package_config_file(cmake/KELReader81UConfig.cmake.in KELReader81UConfig.cmake INSTALL_DESTINATION ${package})
+write_basic_package_version_file(KELReader81UConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/KELReader81UConfig.cmake
+              ${CMAKE_CURRENT_BINARY_DIR}/KELReader81UConfigVersion.cmake
+        DESTINATION ${package} COMPONENT development)
+install(EXPORT KELReader81UTargets NAMESPACE KELReader81U:: DESTINATION ${package} COMPONENT development)
+cmake_path(SET KEL_PKGCONFIG_TO_PREFIX .)
+cmake_path(RELATIVE_PATH KEL_PKGCONFIG_TO_PREFIX BASE_DIRECTORY ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+configure_file(cmake/KELReader81U.pc.in KELReader81U.pc @ONLY)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/KELReader81U.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
+        COMPONENT development)
+kel_install_link(${CMAKE_INSTALL_LIBDIR}/libKELReader81U.so ${shared_object} development)
+install(DIRECTORY examples/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples COMPONENT development
+        FILES_MATCHING PATTERN "*.cpp" PATTERN "CMakeLists.txt" PATTERN "windows" EXCLUDE)
+
+# Debian packages: "cpack" in a build folder makes them.
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_NAME kelreader81u)
+set(CPACK_PACKAGE_CONTACT "The KELReader81U developers <kelreader81u@localhost>")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "one object for optical mark readers of five makers")
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_COMPONENTS_ALL command development)
+if(TARGET KELReader81U_options_qt)
+    list(APPEND CPACK_COMPONENTS_ALL options)
+endif()
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_BINARY_DIR}/bin)
+set(CPACK_DEBIAN_PACKAGE_SECTION misc)
+set(CPACK_DEBIAN_COMMAND_PACKAGE_NAME kelreader81u)
+set(CPACK_DEBIAN_COMMAND_PACKAGE_RECOMMENDS kelreader81u-options)
+set(CPACK_DEBIAN_COMMAND_PACKAGE_CONTROL_EXTRA ${CMAKE_CURRENT_SOURCE_DIR}/cmake/triggers)
+set(CPACK_DEBIAN_COMMAND_DESCRIPTION "the command kelreader and the component for optical mark readers")
+set(CPACK_DEBIAN_OPTIONS_PACKAGE_NAME kelreader81u-options)
+set(CPACK_DEBIAN_OPTIONS_PACKAGE_DEPENDS "kelreader81u (= ${PROJECT_VERSION})")
+set(CPACK_DEBIAN_OPTIONS_DESCRIPTION "the options window of KELReader81U")
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libkelreader81u-dev)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "kelreader81u (= ${PROJECT_VERSION})")
+set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION "headers, CMake package and examples for hosts of KELReader81U")
+include(CPack)

@@ -1,0 +1,34 @@
+# The headers that a host sees. They include each other only.
+set(KEL_PUBLIC_HEADERS
+    failure/ErrorReport.h
+    options/Controls.h
+    options/Form.h
+    options/OptionsPresenter.h
+    options/frmOptions.h
+    platform/Carrier.h
+    platform/ScanTimer.h
+    platform/Screen.h
+    platform/SerialControl.h
+    profiles/ProfileValues.h
+    profiles/clsKELReaderProfile.h
+    profiles/clsKELReaderProfiles.h
+    reader/AnswerKey.h
+    reader/AnswerKeyObject.h
+    reader/Dictionary.h
+    reader/ReaderEvents.h
+    reader/clsKELReader.h
+    reader/clsKELReaderBarcode.h
+    reader/clsKELReaderBarcodes.h
+    reader/clsKELReaderPrinter.h
+    reader/clsKELReaderWindow.h
+    reader/clsKELReaderWindows.h
+    types/Arrays.h
+    types/Boolean.h
+    types/Enumerations.h
+    types/Export.h
+    types/Hidden.h
+    types/Numbers.h
+    types/Reference.h
+    types/RuntimeFailure.h
+    types/SourceLocation.h
+)
