@@ -1,6 +1,8 @@
 // What a reader on a real line costs: time of a page against its time on the wire, the way from the last byte to the
 // event, processor time while nothing comes, system calls a byte. The line is a pseudo-terminal, its far end a thread.
 
+#include "benchmarks/PacedReader.h"
+#include "benchmarks/ProcessCosts.h"
 #include "platform/Platform.h"
 #include "platform/PortMap.h"
 #include "platform/posix/Pty.h"
@@ -9,11 +11,6 @@
 
 #include <benchmark/benchmark.h>
 
-#include <fcntl.h>
-#include <poll.h>
-#include <sys/ptrace.h>
-#include <sys/resource.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -25,84 +22,6 @@
 
 namespace kel {
 namespace {
-
-using Clock = std::chrono::steady_clock;
-using std::chrono::duration;
-using std::chrono::microseconds;
-using std::chrono::milliseconds;
-
-constexpr int kRows = 60;
-constexpr int kPageBytes = 2 * kRows + 2;
-
-std::string page()
-{
-    return "\n" + std::string(2 * kRows, '\x41') + "\r";
-}
-
-/// The far end of a VMR138's line as far as these figures need it.
-class Reader {
-public:
-    /// A page comes in pieces of so many bytes, each after its time on the wire; without a wait for 0 microseconds.
-    Reader(int piece, microseconds byteTime) : piece_(piece), byteTime_(byteTime), thread_([this] { run(); }) {}
-    ~Reader()
-    {
-        stop_ = true;
-        thread_.join();
-    }
-
-    [[nodiscard]] const std::string& device() const { return pty_.name(); }
-    [[nodiscard]] Clock::time_point lastByte() const { return lastByte_.load(); }
-    [[nodiscard]] duration<double> wireTime() const { return wireTime_.load(); }
-
-private:
-    void run()
-    {
-        while (!stop_) {
-            pollfd master{pty_.handle(), POLLIN, 0};
-            if (::poll(&master, 1, 20) < 1)
-                continue;
-            for (const char byte : pty_.read())
-                answer(byte);
-        }
-    }
-
-    void answer(char byte)
-    {
-        if (byte == 'Q')
-            put(std::string("X\0\0", 3));
-        else if (byte == '+')
-            put("F0");
-        else if (byte == '8')
-            sendPage();
-    }
-
-    void sendPage()
-    {
-        const std::string bytes = page();
-        const Clock::time_point begin = Clock::now();
-        for (std::size_t at = 0; at < bytes.size(); at += static_cast<std::size_t>(piece_)) {
-            const std::string piece = bytes.substr(at, static_cast<std::size_t>(piece_));
-            std::this_thread::sleep_until(begin + (static_cast<int>(at + piece.size())) * byteTime_);
-            lastByte_ = Clock::now();
-            put(piece);
-        }
-        wireTime_ = duration<double>(Clock::now() - begin);
-    }
-
-    void put(const std::string& bytes)
-    {
-        if (pty_.write(bytes) != bytes.size())
-            stop_ = true;
-    }
-
-    Pty pty_;
-    int piece_;
-    microseconds byteTime_;
-    std::atomic<bool> stop_{false};
-    std::atomic<Clock::time_point> lastByte_{};
-    std::atomic<duration<double>> wireTime_{};
-    std::thread thread_;
-};
 
 /// A host that notes when a sheet was there.
 class Host final : public ReaderEvents {
@@ -127,14 +46,6 @@ struct Session {
     clsKELReader reader;
     std::shared_ptr<Host> host = std::make_shared<Host>();
 };
-
-double cpuSeconds()
-{
-    rusage usage{};
-    getrusage(RUSAGE_THREAD, &usage);
-    return static_cast<double>(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) +
-           static_cast<double>(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
-}
 
 /// The driver takes the number of rows from what has come after five times SleepTime: with none, the rows that come
 /// later overrun. So these pages are read as the bytes come, by the loop that every driver has.
@@ -193,39 +104,6 @@ void Line_IdleProcessorShare(benchmark::State& state)
     state.counters["percent_of_a_core"] = share;
 }
 BENCHMARK(Line_IdleProcessorShare)->Iterations(1)->Unit(benchmark::kMillisecond);
-
-/// Counts the system calls that a child makes between two marks (calls of getppid).
-int countSystemCalls(void (*session)())
-{
-    const pid_t child = fork();
-    if (child == 0) {
-        ptrace(PTRACE_TRACEME, 0, nullptr, nullptr);
-        raise(SIGSTOP);
-        session();
-        _exit(0);
-    }
-    int status = 0;
-    waitpid(child, &status, 0);
-    ptrace(PTRACE_SETOPTIONS, child, nullptr, PTRACE_O_TRACESYSGOOD);
-    int calls = 0;
-    bool counting = false;
-    bool entering = true;
-    while (true) {
-        ptrace(PTRACE_SYSCALL, child, nullptr, nullptr);
-        if (waitpid(child, &status, 0) < 0 || WIFEXITED(status))
-            return calls;
-        if (!WIFSTOPPED(status) || WSTOPSIG(status) != (SIGTRAP | 0x80))
-            continue;
-        if (entering) {
-            constexpr long kOriginalRax = 8 * 15;
-            if (ptrace(PTRACE_PEEKUSER, child, kOriginalRax, nullptr) == 110) // getppid
-                counting = !counting;
-            else if (counting)
-                ++calls;
-        }
-        entering = !entering;
-    }
-}
 
 constexpr int kBursts = 40;
 

@@ -1,0 +1,85 @@
+#!/usr/bin/env python3
+"""Prints the measured figures beside what they are to reach, and beside the nearest thing that a host would write.
+
+Usage: goals.py RESULTS.json    (as kel_benchmarks --benchmark_out writes it)
+"""
+
+import json
+import sys
+
+MEGA = 1e6
+
+# What, the benchmark, its counter, a factor, the unit, the bound ("<" or ">" and the number), the alternative's
+# benchmark of the same counter.
+GOALS = [
+    ("page time over wire time", "Line_PageTimeOverWireTime", "page/wire", 1, "", "< 1.01", "Alternative_BlockingReads"),
+    ("last byte to the host, p99", "Line_PageTimeOverWireTime", "last_byte_ms_p99", 1, "ms", "< 1",
+     "Alternative_BlockingReads"),
+    ("waiting for a sheet", "Line_IdleProcessorShare", "percent_of_a_core", 1, "% of a core", "< 0.5",
+     "Alternative_BusyLoop"),
+    ("system calls, bursts of 15", "Line_SystemCallsAByte", "calls/byte", 1, "a byte", "< 0.2",
+     "Alternative_SystemCallsAByte"),
+    ("whole stack, line in memory", "Stack_BytesOnALineInMemory", "ns/byte", 1, "ns a byte", "< 150", None),
+    ("text look-up", "Stack_TextLookUp", "time_ns", 1, "ns", "< 20", None),
+    ("kelreader models", "Command_Models", "time_ns", 1e-6, "ms", "< 50", None),
+    ("kelreader models, memory", "Command_Models", "MB", 1, "MB", "< 20", None),
+    ("loading 19 settings", "Settings_Load", "time_ns", 1e-6, "ms", "< 2", None),
+    ("search, 15 of 16 ports absent", "Search_SixteenPorts", "time_ns", 1e-6, "ms", "< 600", None),
+    ("VMR138 decoder", "Decode_PeripheralDynamics", "bytes_per_second", 1 / MEGA, "MB/s", "> 100", None),
+    ("Scanmark page decoder", "Decode_ScantronPage", "bytes_per_second", 1 / MEGA, "MB/s", "> 100", None),
+    ("Scanmark window decoder", "Decode_ScantronWindow", "bytes_per_second", 1 / MEGA, "MB/s", "> 100", None),
+    ("OpScan decoder, cells", "Decode_NcsPage", "bytes_per_second", 1 / MEGA, "MB/s", "> 100", None),
+    ("packed marks", "Decode_PackedMarks", "bytes_per_second", 1 / MEGA, "MB/s", "> 100", None),
+    ("USB side of 9,600 cells", "Decode_SekonicUsbSide", "time_ns", 1e-3, "us", "< 20", None),
+    ("a guarded call", "Guarded_Call", "time_ns", 1, "ns", None, "Guarded_NoTrap"),
+    ("a guarded call with variables", "Guarded_CallWithVariables", "time_ns", 1, "ns", None, "Guarded_NoTrap"),
+    ("options window, 16 absent ports", "Options_Show", "time_ns", 1e-6, "ms", "< 300", None),
+    ("options window, another model", "Options_ModelChange", "time_ns", 1e-6, "ms", "< 5", None),
+]
+
+NANOSECONDS = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}
+
+
+def figure(results, name, counter):
+    """A counter of a benchmark, or None if it did not run."""
+    # A name may carry its arguments behind it.
+    found = next((r for r in results if r["name"] == name or r["name"].startswith(name + "/")), None)
+    if found is None:
+        return None
+    if counter == "time_ns":
+        return found["real_time"] * NANOSECONDS[found["time_unit"]]
+    return found.get(counter)
+
+
+def shown(value, unit):
+    return "-" if value is None else f"{value:.3g} {unit}".strip()
+
+
+def reached(value, bound):
+    sign, number = bound.split()
+    return value < float(number) if sign == "<" else value > float(number)
+
+
+def table(results):
+    rows = [("figure", "goal", "reached", "alternative", "")]
+    for what, name, counter, factor, unit, bound, alternative in GOALS:
+        value = figure(results, name, counter)
+        if value is None:
+            continue
+        other = figure(results, alternative, counter) if alternative else None
+        verdict = "" if bound is None else "ok" if reached(value * factor, bound) else "MISSED"
+        rows.append((what, f"{bound} {unit}".strip() if bound else "-", shown(value * factor, unit),
+                     shown(None if other is None else other * factor, unit), verdict))
+    widths = [max(len(row[i]) for row in rows) for i in range(len(rows[0]))]
+    return "\n".join("  ".join(cell.ljust(width) for cell, width in zip(row, widths)).rstrip() for row in rows)
+
+
+def main():
+    if len(sys.argv) != 2:
+        sys.exit(__doc__)
+    with open(sys.argv[1], encoding="utf-8") as file:
+        print(table(json.load(file)["benchmarks"]))
+
+
+if __name__ == "__main__":
+    main()
