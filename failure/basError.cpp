@@ -49,6 +49,7 @@ void nameSource(ErrorReport& report)
 /// Hands a report to the host's object under the report's own `Silent`, if it has one.
 void raise(ErrorObject& object, const ErrorReport& report, Int16& iResult)
 {
+    const HostCode host;
     const Boolean bSilent = object.Silent();
     try {
         if (report.vSilent)
@@ -91,6 +92,7 @@ Int16 DisplayError(ErrorReport report)
 Boolean setErrorObject(std::shared_ptr<ErrorObject> object)
 {
     const Boolean bSet = object != nullptr;
+    const HostCode host;
     {
         const std::lock_guard lock(registered().mutex);
         registered().object.swap(object);

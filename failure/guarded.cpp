@@ -15,4 +15,14 @@ void reportRuntimeFailure(const char* source, const RuntimeFailure& failure)
     DisplayError(std::move(report));
 }
 
+namespace detail {
+
+void reportCaught(const char* source)
+{
+    ComponentCode::goesOn();
+    reportRuntimeFailure(source, caughtFailure());
+}
+
+} // namespace detail
+
 } // namespace kel

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "failure/ProcedureVariables.h"
+#include "platform/FaultCapture.h"
 #include "types/RuntimeFailure.h"
 
 #include <exception>
@@ -10,43 +12,113 @@ namespace kel {
 /// Reports a run-time failure under a procedure's source: number, text and the failing statement's line, type 0.
 void reportRuntimeFailure(const char* source, const RuntimeFailure& failure);
 
-/// The guard of a procedure: runs the body; a run-time failure in it is reported under `source` and goes no further,
-/// so that the procedure ends normally with the result assigned so far.
-/// `source` has the form "KELReader81 - basScantron.InitReaderST".
-template <class Body>
-void guarded(const char* source, Body&& body)
+namespace detail {
+
+/// The common first trap of a procedure, called by its handler: reports what is being caught.
+[[gnu::cold, gnu::noinline]] void reportCaught(const char* source);
+
+/// How a cold function asks for a procedure's variables.
+using TellVariables = void (*)(const void* stated, ProcedureDump& dump);
+
+/// The second trap of a procedure, called by its handler: captures what is being caught, reports it with the
+/// variables, and raises it once more.
+[[noreturn, gnu::cold]] void captureAndRaise(const char* source, TellVariables tell, const void* stated);
+
+template <StatedVariables Stated>
+[[noreturn]] void captureAndRaise(const char* source, const Stated& stated)
 {
+    captureAndRaise(
+        source, [](const void* what, ProcedureDump& dump) { static_cast<const Stated*>(what)->tell(dump); }, &stated);
+}
+
+} // namespace detail
+
+/// The traps of a procedure. Its body runs; a run-time failure in it, a fault of the processor too, is reported under
+/// `source` and goes no further, so that the procedure ends normally with the result assigned so far. What fails while
+/// this is done meets the second trap: it is told to the host's error library with the procedure's variables, and goes
+/// on to the caller.
+///
+/// `source` has the form "KELReader81 - basScantron.InitReaderST". `stated` are the variables:
+///
+///     guarded(kSendCommand, KEL_PARAMETERS(oReader, sCmd) + KEL_LOCALS(sReply), [&] { … });
+///
+/// Locals that are to show stand in front of it, since those within the body are gone when the trap fires.
+template <StatedVariables Stated, class Body>
+void guarded(const char* source, const Stated& stated, Body&& body)
+{
+    const ComponentCode running;
     try {
-        std::forward<Body>(body)();
+        try {
+            std::forward<Body>(body)();
+        } catch (const std::exception&) {
+            detail::reportCaught(source);
+        }
     } catch (const std::exception&) {
-        reportRuntimeFailure(source, caughtFailure());
+        detail::captureAndRaise(source, stated);
     }
 }
 
-/// A guard with something of its own to do: `onFailure` gets the failure first, and answers whether it has dealt with
-/// it. If not, it is reported in the common way. A failure of `onFailure` itself is reported too.
-template <class Body, class OnFailure>
-void guarded(const char* source, Body&& body, OnFailure&& onFailure)
+/// The traps of a procedure with something of its own to do: `onFailure` gets the failure first, and answers whether it
+/// has dealt with it. If not, it is reported in the common way. No further first trap follows: a failure of `onFailure`
+/// itself goes to the second.
+template <StatedVariables Stated, class Body, class OnFailure>
+void guarded(const char* source, const Stated& stated, Body&& body, OnFailure&& onFailure)
 {
+    const ComponentCode running;
     try {
-        std::forward<Body>(body)();
-    } catch (const std::exception&) {
-        const RuntimeFailure failure = caughtFailure();
-        guarded(source, [&] {
+        try {
+            std::forward<Body>(body)();
+        } catch (const std::exception&) {
+            ComponentCode::goesOn();
+            const RuntimeFailure failure = caughtFailure();
             if (!onFailure(failure))
                 reportRuntimeFailure(source, failure);
-        });
+        }
+    } catch (const std::exception&) {
+        detail::captureAndRaise(source, stated);
     }
+}
+
+/// The same without variables.
+template <class Body>
+void guarded(const char* source, Body&& body)
+{
+    guarded(source, NothingStated(), std::forward<Body>(body));
+}
+template <class Body, class OnFailure>
+requires(!StatedVariables<Body>) void guarded(const char* source, Body&& body, OnFailure&& onFailure)
+{
+    guarded(source, NothingStated(), std::forward<Body>(body), std::forward<OnFailure>(onFailure));
+}
+
+/// The second trap alone: for accessors, and for helpers that report nothing themselves. A failure goes on to the
+/// caller, who reports it, or to the host. `source` has the form "clsKELReader.HelpID". The result is the body's.
+template <StatedVariables Stated, class Body>
+decltype(auto) captured(const char* source, const Stated& stated, Body&& body)
+{
+    const ComponentCode running;
+    try {
+        return std::forward<Body>(body)();
+    } catch (const std::exception&) {
+        detail::captureAndRaise(source, stated);
+    }
+}
+template <class Body>
+decltype(auto) captured(const char* source, Body&& body)
+{
+    return captured(source, NothingStated(), std::forward<Body>(body));
 }
 
 /// Runs a body that is allowed to fail without anybody being told. True if it came to its end.
 template <class Body>
 bool ignoringFailures(Body&& body)
 {
+    const ComponentCode running;
     try {
         std::forward<Body>(body)();
         return true;
     } catch (const std::exception&) {
+        ComponentCode::goesOn();
         return false;
     }
 }

@@ -1,21 +1,67 @@
 #include "startup/Main.h"
 
+#include "failure/modvbCodeShieldSupport.h"
+#include "options/OptionsPresenter.h"
+#include "options/ShowOptions.h"
+#include "reader/OptionsDialog.h"
+
+#if defined(_WIN32)
+#include "options/win32/Win32OptionsPresenter.h"
+#include "platform/windows/WindowsPlatform.h"
+#else
+#include "options/posix/OptionsModule.h"
+#include "platform/posix/PosixFaultCapture.h"
 #include "platform/posix/PosixPlatform.h"
+#endif
 
 #include <mutex>
 
 namespace kel {
 
-void Main()
+namespace {
+
+#if defined(_WIN32)
+constexpr PlatformFactory kPlatformOfThisSystem = &makeWindowsPlatform;
+constexpr OptionsPresenterFactory kOptionsPresenterOfThisSystem = &makeWin32OptionsPresenter;
+#else
+constexpr PlatformFactory kPlatformOfThisSystem = &makePosixPlatform;
+constexpr OptionsPresenterFactory kOptionsPresenterOfThisSystem = &loadOptionsModule;
+#endif
+
+/// The fault capture of this system; nothing where the compiler cannot make code that it could work on.
+FaultCapture* faultCaptureOfThisSystem()
+{
+#if defined(_WIN32) || defined(__clang__)
+    return nullptr;
+#else
+    return &PosixFaultCapture::instance();
+#endif
+}
+
+/// What can be done before anything of the component is used: it touches nothing outside this process.
+void joinParts()
 {
     static std::once_flag once;
-    std::call_once(once, [] { setPlatformFactory(&makePosixPlatform); });
+    std::call_once(once, [] {
+        setPlatformFactory(kPlatformOfThisSystem);
+        setFaultCapture(faultCaptureOfThisSystem());
+        setOptionsDialog(&showOptionsDialog);
+        setOptionsPresenterFactory(kOptionsPresenterOfThisSystem);
+    });
+}
+
+} // namespace
+
+void Main()
+{
+    joinParts();
+    vbcsInitialise();
 }
 
 namespace {
 
 // Kept although nothing names it: loading it is all that it is for.
-[[maybe_unused, gnu::used]] const bool started = (Main(), true);
+[[maybe_unused, gnu::used]] const bool started = (joinParts(), true);
 
 } // namespace
 

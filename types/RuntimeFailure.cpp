@@ -52,7 +52,12 @@ RuntimeFailure::RuntimeFailure(FailureCode code, std::string text, SourceLocatio
 }
 
 RuntimeFailure::RuntimeFailure(std::int32_t number, std::string text, SourceLocation where)
-    : number_(number), text_(std::move(text)), where_(where)
+    : RuntimeFailure(number, std::move(text), "KELReader81U", where)
+{
+}
+
+RuntimeFailure::RuntimeFailure(std::int32_t number, std::string text, std::string source, SourceLocation where)
+    : number_(number), text_(std::move(text)), source_(std::move(source)), where_(where)
 {
 }
 

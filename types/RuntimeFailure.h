@@ -57,15 +57,21 @@ public:
     /// A failure of any number, such as a fault of the processor.
     RuntimeFailure(std::int32_t number, std::string text, SourceLocation where = SourceLocation::current());
 
+    /// A failure that does not come from a statement of the component itself.
+    RuntimeFailure(std::int32_t number, std::string text, std::string source, SourceLocation where);
+
     [[nodiscard]] std::int32_t number() const noexcept { return number_; }
     [[nodiscard]] FailureCode code() const noexcept { return static_cast<FailureCode>(number_); }
     [[nodiscard]] const std::string& text() const noexcept { return text_; }
+    /// Who raised it: the component's name, or whatever else it came from.
+    [[nodiscard]] const std::string& source() const noexcept { return source_; }
     [[nodiscard]] const SourceLocation& where() const noexcept { return where_; }
     [[nodiscard]] const char* what() const noexcept override { return text_.c_str(); }
 
 private:
     std::int32_t number_;
     std::string text_;
+    std::string source_;
     SourceLocation where_;
 };
 

@@ -1,12 +1,8 @@
 #include "platform/posix/LineInput.h"
 
 #include "platform/posix/FileDescriptor.h"
-#include "platform/posix/SteadyTime.h"
 
-#include <algorithm>
-#include <array>
 #include <cerrno>
-#include <limits>
 #include <unistd.h>
 #include <utility>
 
@@ -14,156 +10,22 @@ namespace kel {
 
 namespace {
 
-// A look is at its oldest after a character's time, but the clock is no finer and no loop slower than this.
-constexpr Moment kShortestLook = std::chrono::microseconds(20);
-constexpr Moment kLongestLook = std::chrono::milliseconds(1);
-
 // The kernel hands out so many bytes of a terminal at a time, however many are asked for.
 constexpr std::size_t kFullRead = 4095;
 
 } // namespace
 
-LineInput::LineInput(int handle, std::string name) : handle_(handle), name_(std::move(name))
-{
-    characterTime(kLongestLook);
-}
+LineInput::LineInput(int handle, std::string name) : ReceivedInput(std::move(name), kFullRead), handle_(handle) {}
 
-void LineInput::characterTime(Moment time)
+/// The end of the line's file, and any failure but "nothing there", is its hanging up.
+std::size_t LineInput::read(char* into, std::size_t room)
 {
-    lookLasts_ = std::clamp(time, kShortestLook, kLongestLook);
-}
-
-bool LineInput::mayBeOld() const noexcept
-{
-    return old_ || steadyTime() - lastLook_ > lookLasts_;
-}
-
-/// A look that found nothing is not repeated behind a turn of the pump that took no time.
-bool LineInput::foundNothingBeforeTurn() noexcept
-{
-    return std::exchange(turnBehindVainLook_, false) && !old_ && steadyTime() - lastLook_ <= kShortestLook;
-}
-
-Int32 LineInput::count()
-{
-    if (waiting() == 0 ? !foundNothingBeforeTurn() : mayBeOld())
-        look();
-    untold_ = false;
-    if (hungUp_) {
-        if (waiting() == 0)
-            failHungUp();
-        if (vainLooks_ == 0 || timePassed_)
-            ++vainLooks_;
-        timePassed_ = false;
-        if (vainLooks_ >= kLooksAtDeadLine)
-            failHungUp();
-    }
-    if (waiting() > told_)
-        busyInTurn_ = true;
-    told_ = waiting();
-    return static_cast<Int32>(waiting());
-}
-
-std::string LineInput::take(Int32 most)
-{
-    const auto wanted = most == 0 ? std::numeric_limits<std::size_t>::max() : static_cast<std::size_t>(most);
-    if (waiting() == 0 || (waiting() < wanted && mayBeOld()))
-        look();
-    untold_ = false;
-    if (waiting() == 0 && hungUp_)
-        failHungUp();
-    const std::size_t count = std::min(wanted, waiting());
-    std::string result = buffer_.substr(taken_, count);
-    taken_ += count;
-    if (waiting() == 0) {
-        buffer_.clear();
-        taken_ = 0;
-    }
-    told_ = waiting();
-    if (count > 0) {
-        busyInTurn_ = true;
-        vainLooks_ = 0;
-    }
-    return result;
-}
-
-/// What the caller asks for is no news to it afterwards.
-void LineInput::look()
-{
-    const std::size_t count = canBringMore() ? readOnce() : 0;
-    old_ = count >= kFullRead; // then there was more than one read gives
-    lookedInVain_ = count == 0 && !hungUp_;
-    lastLook_ = steadyTime();
-}
-
-void LineInput::fetch(bool hangUpSignalled)
-{
-    const std::size_t before = waiting();
-    // Behind a read that was not full there is nothing, but for the end of a line that has hung up.
-    while (canBringMore()) {
-        const std::size_t count = readOnce();
-        if (count == 0 || (count < kFullRead && !hangUpSignalled))
-            break;
-    }
-    if (hangUpSignalled)
-        hungUp_ = true;
-    old_ = false;
-    lookedInVain_ = false;
-    lastLook_ = steadyTime();
-    if (waiting() > before) {
-        untold_ = true;
-        offered_ = false;
-    }
-}
-
-/// Reads what is there, and answers how many bytes came. The end of the line's file, and any failure but "nothing
-/// there", is its hanging up.
-std::size_t LineInput::readOnce()
-{
-    std::array<char, kFullRead + 1> fetched;
-    ++reads_;
-    const ssize_t count = retrying([&] { return ::read(handle_, fetched.data(), fetched.size()); });
-    if (count > 0) {
-        // What has been taken goes before the buffer grows.
-        buffer_.erase(0, taken_);
-        taken_ = 0;
-        buffer_.append(fetched.data(), static_cast<std::size_t>(count));
+    const ssize_t count = retrying([&] { return ::read(handle_, into, room); });
+    if (count > 0)
         return static_cast<std::size_t>(count);
-    }
     if (count == 0 || (errno != EAGAIN && errno != EWOULDBLOCK))
-        hungUp_ = true;
+        hangUp();
     return 0;
-}
-
-void LineInput::turnEnds() noexcept
-{
-    busyInTurn_ = false;
-    turnBehindVainLook_ = std::exchange(lookedInVain_, false);
-    offered_ = true;
-    timePassed_ = true;
-}
-
-void LineInput::timePasses() noexcept
-{
-    old_ = true;
-    timePassed_ = true;
-    busyInTurn_ = true;
-}
-
-void LineInput::failHungUp() const
-{
-    throw RuntimeFailure(FailureCode::ErrorReadingDevice,
-                         failureText(FailureCode::ErrorReadingDevice) + ": " + name_ +
-                             " has hung up: the reader was disconnected or switched off. Connect it and start anew.");
-}
-
-void LineInput::failStuck(std::size_t bytesLeft) const
-{
-    throw RuntimeFailure(FailureCode::ErrorReadingDevice,
-                         failureText(FailureCode::ErrorReadingDevice) + ": " + name_ + " takes no output, and " +
-                             std::to_string(bytesLeft) +
-                             " bytes are left. Is the reader switched on, and does its handshaking agree with the "
-                             "settings?");
 }
 
 } // namespace kel

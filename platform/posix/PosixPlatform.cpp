@@ -1,6 +1,6 @@
 #include "platform/posix/PosixPlatform.h"
 
-#include "platform/posix/PosixScanTimer.h"
+#include "platform/TurnTimer.h"
 #include "platform/posix/PosixSerialControl.h"
 
 namespace kel {
@@ -18,7 +18,7 @@ std::unique_ptr<SerialControl> PosixPlatform::newSerialControl()
 
 std::unique_ptr<ScanTimer> PosixPlatform::newScanTimer()
 {
-    return std::make_unique<PosixScanTimer>(pump_);
+    return std::make_unique<TurnTimer>(pump_);
 }
 
 std::unique_ptr<Platform> makePosixPlatform()

@@ -1,19 +1,11 @@
 #pragma once
 
-#include "platform/MessagePump.h"
+#include "platform/SteadyTime.h"
 
 #include <cerrno>
 #include <time.h>
 
 namespace kel {
-
-/// The monotonic clock, which needs no system call to be read.
-[[nodiscard]] inline Moment steadyTime() noexcept
-{
-    timespec now{};
-    ::clock_gettime(CLOCK_MONOTONIC, &now);
-    return std::chrono::seconds(now.tv_sec) + std::chrono::nanoseconds(now.tv_nsec);
-}
 
 /// A moment or a span as the system calls want it; a negative one is none.
 [[nodiscard]] inline timespec toTimespec(Moment time) noexcept

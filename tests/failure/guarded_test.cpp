@@ -102,14 +102,19 @@ TEST_F(Guarded, AsksWhoWantsToDealWithAFailureFirst)
     EXPECT_EQ(oError->reports[0].ErrorNumber, 6);
 }
 
-TEST_F(Guarded, ReportsAFailureOfTheOneWhoWantedToDealWithIt)
+TEST_F(Guarded, LetsAFailureOfTheOneWhoWantedToDealWithItGoOnToTheCaller)
 {
     const auto oError = registered();
-    guarded(
-        "KELReader81 - m.p", [] { throw RuntimeFailure(FailureCode::Overflow); },
-        [](const RuntimeFailure&) -> bool { throw RuntimeFailure(FailureCode::TypeMismatch); });
+    guarded("KELReader81 - caller.p", [] {
+        guarded(
+            "KELReader81 - m.p", [] { throw RuntimeFailure(FailureCode::Overflow); },
+            [](const RuntimeFailure&) -> bool { throw RuntimeFailure(FailureCode::TypeMismatch); });
+    });
     ASSERT_EQ(oError->reports.size(), 1U);
     EXPECT_EQ(oError->reports[0].ErrorNumber, 13);
+    EXPECT_TRUE(oError->reports[0].ErrorSource.starts_with("caller.p"));
+    ASSERT_EQ(boxes().size(), 1U);
+    EXPECT_EQ(boxes()[0].title, "Application Error");
 }
 
 TEST_F(Guarded, MayBeToldToKeepQuiet)

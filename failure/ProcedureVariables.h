@@ -1,0 +1,142 @@
+#pragma once
+
+#include "failure/ToVariant.h"
+#include "failure/VariantDump.h"
+
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <utility>
+
+/// A procedure's parameters and locals, by their names and by reference; nothing is done with them unless a dump is
+/// built. `KEL_PARAMETERS(oReader, lSleepTime) + KEL_LOCALS(iHigh, iLow)`
+#define KEL_PARAMETERS(...)                                                                                            \
+    ::kel::parametersFrom(                                                                                             \
+        [&](::kel::VariableLines& kelLines) { kelLines.add(#__VA_ARGS__ __VA_OPT__(, ) __VA_ARGS__); })
+#define KEL_LOCALS(...)                                                                                                \
+    ::kel::localsFrom([&](::kel::VariableLines& kelLines) { kelLines.add(#__VA_ARGS__ __VA_OPT__(, ) __VA_ARGS__); })
+
+namespace kel {
+
+/// The lines of some variables. A variable that cannot be looked at is left out.
+class VariableLines {
+public:
+    /// `names` are the variables' names as they stand in the code, separated by commas; the underscore at the end of a
+    /// member's name does not show.
+    template <class... Values>
+    void add(std::string_view names, const Values&... values)
+    {
+        static_cast<void>(names);
+        (addNext(
+             names, [](const void* value) { return toVariant(*static_cast<const Values*>(value)); }, &values),
+         ...);
+    }
+
+    [[nodiscard]] const std::string& text() const { return text_; }
+
+private:
+    void addNext(std::string_view& names, Variant (*asVariant)(const void*), const void* value);
+
+    std::string text_;
+};
+
+/// The three texts that are told of a procedure's variables. What has no variables reads "{None}".
+struct ProcedureDump {
+    static constexpr const char* kNone = "{None}";
+    std::string parameters = kNone;
+    std::string locals = kNone;
+    std::string module = kNone;
+};
+
+/// Pieces of what a procedure states of its variables; they are added up.
+template <class Tell>
+class StatedParameters {
+public:
+    explicit StatedParameters(Tell tell) : tell_(std::move(tell)) {}
+    void tell(ProcedureDump& dump) const
+    {
+        VariableLines lines;
+        tell_(lines);
+        if (!lines.text().empty())
+            dump.parameters = lines.text();
+    }
+
+private:
+    Tell tell_;
+};
+
+template <class Tell>
+class StatedLocals {
+public:
+    explicit StatedLocals(Tell tell) : tell_(std::move(tell)) {}
+    void tell(ProcedureDump& dump) const
+    {
+        VariableLines lines;
+        tell_(lines);
+        if (!lines.text().empty())
+            dump.locals = lines.text();
+    }
+
+private:
+    Tell tell_;
+};
+
+/// The object whose procedure it is; its `dumpMembers` gives the lines of its variables.
+template <class Object>
+class StatedModule {
+public:
+    explicit StatedModule(const Object& object) : object_(object) {}
+    void tell(ProcedureDump& dump) const { dump.module = object_.dumpMembers(); }
+
+private:
+    const Object& object_;
+};
+
+template <class First, class Second>
+class StatedBoth {
+public:
+    StatedBoth(First first, Second second) : first_(std::move(first)), second_(std::move(second)) {}
+    void tell(ProcedureDump& dump) const
+    {
+        first_.tell(dump);
+        second_.tell(dump);
+    }
+
+private:
+    First first_;
+    Second second_;
+};
+
+/// A procedure without variables.
+struct NothingStated {
+    void tell(ProcedureDump&) const {}
+};
+
+template <class T>
+concept StatedVariables = requires(const T& stated, ProcedureDump& dump)
+{
+    stated.tell(dump);
+};
+
+template <class Tell>
+[[nodiscard]] StatedParameters<Tell> parametersFrom(Tell tell)
+{
+    return StatedParameters<Tell>(std::move(tell));
+}
+template <class Tell>
+[[nodiscard]] StatedLocals<Tell> localsFrom(Tell tell)
+{
+    return StatedLocals<Tell>(std::move(tell));
+}
+template <class Object>
+[[nodiscard]] StatedModule<Object> moduleOf(const Object& object)
+{
+    return StatedModule<Object>(object);
+}
+template <StatedVariables First, StatedVariables Second>
+[[nodiscard]] StatedBoth<First, Second> operator+(First first, Second second)
+{
+    return {std::move(first), std::move(second)};
+}
+
+} // namespace kel
