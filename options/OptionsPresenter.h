@@ -1,0 +1,57 @@
+#pragma once
+
+#include "platform/Screen.h"
+#include "types/Export.h"
+
+#include <memory>
+#include <string>
+
+namespace kel {
+
+class frmOptions;
+
+/// Shows the options dialog: what stands between its model and a window system.
+///
+/// The component brings one for each system: on Linux a Qt window in a module of its own, which is loaded at the first
+/// `ShowOptions`, on Windows a dialog. A host with a window system of its own, a test or a script gives its own with
+/// `setOptionsPresenter`:
+///
+///     class ChooseScanmark final : public kel::OptionsPresenter {
+///         bool show(kel::frmOptions& form, void*, std::string&) override
+///         {
+///             form.Show();
+///             form.cboReaderType.CurrentRow(form.cboReaderType.FindRow("13", 0, 1));
+///             form.cmdOK.Click();
+///             return true;
+///         }
+///     };
+///     kel::setOptionsPresenter(std::make_shared<ChooseScanmark>());
+class KEL_PUBLIC OptionsPresenter {
+public:
+    virtual ~OptionsPresenter() = default;
+
+    /// Shows the form and comes back when it is decided. In this order: set `form.Measure` and `form.Window` if there
+    /// are any; `form.Show()`, which fills the controls; show them, with the focus on `form.ActiveControl()`; hand on
+    /// what the user does, until `form.Visible()` is False (`form.onHide` tells when). A window that is closed in
+    /// another way is `form.cmdCancel.Click()`; a form that is still visible when this returns counts as cancelled.
+    ///
+    /// `parent` is the owner that the host gave to `ShowOptions`, of this presenter's own kind, or nothing.
+    /// False if the form could not be shown: `reason` then says why, in a sentence that `ShowOptions` reports.
+    virtual bool show(frmOptions& form, void* parent, std::string& reason) = 0;
+
+    /// Where boxes, beeps and the mouse pointer go while `show` runs; nothing for where the platform has them.
+    [[nodiscard]] virtual Screen* screen() { return nullptr; }
+};
+
+/// The host's presenter, for the whole process; nothing brings the component's own back.
+KEL_PUBLIC void setOptionsPresenter(std::shared_ptr<OptionsPresenter> presenter);
+
+/// The presenter to use: the host's, else the component's own, which is made at the first need. Fails with 48 where
+/// neither can be had.
+[[nodiscard]] KEL_PUBLIC std::shared_ptr<OptionsPresenter> optionsPresenter();
+
+/// Installs what makes the component's own presenter. Called once at start-up.
+using OptionsPresenterFactory = std::shared_ptr<OptionsPresenter> (*)();
+void setOptionsPresenterFactory(OptionsPresenterFactory factory);
+
+} // namespace kel

@@ -1,0 +1,231 @@
+// How the dialog shows the reader's settings and writes them back.
+
+#include "options/frmOptions.h"
+
+#include "failure/guarded.h"
+#include "options/ListSelection.h"
+#include "platform/Platform.h"
+#include "reader/clsKELReader.h"
+#include "strings/VBLMRTSModule.h"
+
+#include <array>
+
+namespace kel {
+
+namespace {
+
+constexpr Int16 kFirstPort = 1;
+constexpr Int16 kLastPort = 16;
+
+struct NamedValue {
+    const char* name;
+    const char* value;
+};
+
+constexpr std::array kBaudRates = {"110",   "300",   "600",   "1200",  "2400",   "9600",  "14400",
+                                   "19200", "28800", "38400", "56000", "128000", "256000"};
+constexpr std::array kDataBits = {"4", "5", "6", "7", "8"};
+constexpr std::array kStopBits = {"1", "1.5", "2"};
+// The last one is a blank; it is no letter.
+constexpr std::array kParities = {NamedValue{"None", "N"}, NamedValue{"Odd", "O"}, NamedValue{"Even", "E"},
+                                  NamedValue{"Mark", "M"}, NamedValue{"Space", " "}};
+constexpr std::array kFlowControls = {NamedValue{"None", "0"}, NamedValue{"Xon / Xoff", "1"},
+                                      NamedValue{"Hardware", "2"}, NamedValue{"Both", "3"}};
+
+template <std::size_t count>
+void fill(PowerCombo& list, const std::array<const char*, count>& texts)
+{
+    list.ClearRows();
+    for (const char* const text : texts)
+        frmOptions::AddComboItem(list, text, True, 0, -1);
+}
+
+template <std::size_t count>
+void fill(PowerCombo& list, const std::array<NamedValue, count>& rows)
+{
+    list.ClearRows();
+    for (const NamedValue& row : rows) {
+        frmOptions::AddComboItem(list, row.name, True, 0, -1);
+        frmOptions::AddComboItem(list, row.value, False, 1, -1);
+    }
+}
+
+Boolean ticked(const CheckBox& box)
+{
+    return box.Value() == 1;
+}
+
+void setTick(CheckBox& box, Boolean value)
+{
+    box.Value(value ? Int16{1} : Int16{0});
+}
+
+Int16 number16(const PowerEdit& field)
+{
+    return CInt(Val(field.Text()));
+}
+
+// Whether the last dialog of a thread was cancelled; one that is under way is, as long as nothing is decided.
+thread_local Boolean bCancelled = True;
+
+} // namespace
+
+void frmOptions::undecided()
+{
+    bCancelled = True;
+}
+
+Boolean frmOptions::Cancelled()
+{
+    return bCancelled;
+}
+
+void frmOptions::AddComboItem(PowerCombo& cboCombo, std::string sItem, Boolean bAddNewRow, Int16 iColIndex,
+                              Int32 lRowIndex)
+{
+    guarded("KELReader81 - frmOptions.AddComboItem", [&] {
+        if (bAddNewRow)
+            cboCombo.AddRow();
+        const Int32 lRow = lRowIndex != -1 ? lRowIndex : cboCombo.RowCount() - 1;
+        cboCombo.SetCell(lRow, iColIndex, std::move(sItem));
+    });
+}
+
+Boolean frmOptions::IsValidPort(Int16 iPort)
+{
+    return ignoringFailures([&] {
+        mscScanner_->CommPort(iPort);
+        mscScanner_->PortOpen(True);
+        mscScanner_->PortOpen(False);
+    });
+}
+
+void frmOptions::fillLineLists()
+{
+    fill(cboBaud, kBaudRates);
+    fill(cboDataBits, kDataBits);
+    fill(cboStopBits, kStopBits);
+    fill(cboParity, kParities);
+    fill(cboFlowControl, kFlowControls);
+}
+
+void frmOptions::LoadValues()
+{
+    guarded("KELReader81 - frmOptions.LoadValues", [&] {
+        cboPort.ClearRows();
+        for (Int16 iPort = kFirstPort; iPort <= kLastPort; ++iPort) {
+            if (IsValidPort(iPort))
+                AddComboItem(cboPort, CStr(iPort), True, 0, -1);
+        }
+        selectText(cboPort, CStr(reader().Port()), 0);
+        if (cboPort.CurrentRow() == -1)
+            cboPort.CurrentRow(0);
+
+        cboReaderType.ClearRows();
+        for (Int32 position = 1; position <= reader().Profiles()->Count(); ++position) {
+            AddComboItem(cboReaderType, reader().Profiles()->Item(position)->ReaderName(), True, 0, -1);
+            AddComboItem(cboReaderType, CStr(reader().Profiles()->Item(position)->ReaderType()), False, 1,
+                         position - 1);
+        }
+        fillLineLists();
+
+        // This sets every control from the catalogue; the reader's own values go on top of it.
+        cboReaderType.CurrentRow(cboReaderType.FindRow(CStr(reader().ReaderType()), 0, 1));
+        if (cboReaderType.CurrentRow() == -1)
+            selectText(cboReaderType, CStr(kelReaderTypeNone), 1);
+
+        selectText(cboBaud, CStr(reader().BaudRate()), 0);
+        selectText(cboDataBits, CStr(reader().DataBits()), 0);
+        selectText(cboStopBits, CStr(reader().StopBits()), 0);
+        if (!reader().Parity().empty())
+            selectText(cboParity, reader().Parity(), 1);
+        else
+            cboParity.CurrentRow(-1);
+        selectText(cboFlowControl, CStr(reader().FlowControl()), 1);
+
+        setTick(chkReaderGrade, reader().ReaderGrade());
+        setTick(chkDuplex, reader().Duplex());
+        setTick(chkBarcode, reader().Barcode());
+        setTick(chkFeeder, reader().Feeder());
+        setTick(chkRejecter, reader().Rejecter());
+        setTick(chkWindowing, reader().Windowing());
+        setTick(chkPrinter, reader().Printer()->Enabled());
+
+        txtRecognitionThreshold.Text(CStr(reader().RecognitionThreshold()));
+        txtMarkCutOff.Text(CStr(reader().MarkCutOff()));
+        txtMarkDiscrimination.Text(CStr(reader().MarkDiscrimination()));
+        txtReaderTimeout.Text(CStr(reader().Timeout()));
+        if (reader().SleepTime() >= txtSystemPause.Minimum())
+            txtSystemPause.Text(CStr(reader().SleepTime()));
+    });
+}
+
+void frmOptions::SaveValues(clsKELReader& cSaveReader)
+{
+    guarded("KELReader81 - frmOptions.SaveValues", [&] {
+        cSaveReader.ReaderType(static_cast<kelReaderType>(integerOf(selectedValue(cboReaderType))));
+        if (cSaveReader.ReaderType() == kelReaderTypeNone) {
+            cSaveReader.LoadDefaults(kelReaderTypeNone);
+            return;
+        }
+        const auto profile = cSaveReader.Profiles()->Item(CStr(cSaveReader.ReaderType()));
+        if (profile->InterfaceType() == kelReaderInterfaceTypeSerial) {
+            cSaveReader.BaudRate(static_cast<kelReaderBaudRate>(CLng(Val(cboBaud.Text()))));
+            cSaveReader.DataBits(static_cast<kelReaderDataBits>(CLng(Val(cboDataBits.Text()))));
+            cSaveReader.Port(CInt(Val(cboPort.Text())));
+            cSaveReader.StopBits(static_cast<float>(Val(cboStopBits.Text())));
+            cSaveReader.FlowControl(static_cast<kelReaderFlowControl>(integerOf(selectedValue(cboFlowControl))));
+            cSaveReader.Parity(selectedValue(cboParity));
+        }
+        cSaveReader.ReaderGrade(ticked(chkReaderGrade));
+        cSaveReader.Duplex(ticked(chkDuplex));
+        cSaveReader.Barcode(ticked(chkBarcode));
+        cSaveReader.Feeder(ticked(chkFeeder));
+        cSaveReader.MarkCutOff(number16(txtMarkCutOff));
+        cSaveReader.MarkDiscrimination(number16(txtMarkDiscrimination));
+        cSaveReader.Printer()->Enabled(ticked(chkPrinter));
+        cSaveReader.RecognitionThreshold(number16(txtRecognitionThreshold));
+        cSaveReader.Rejecter(ticked(chkRejecter));
+        cSaveReader.Windowing(ticked(chkWindowing));
+        cSaveReader.SleepTime(CLng(Val(txtSystemPause.Text())));
+        cSaveReader.Timeout(CLng(Val(txtReaderTimeout.Text())));
+    });
+}
+
+void frmOptions::cmdOK_Click()
+{
+    guarded("KELReader81 - frmOptions.cmdOK_Click", [&] {
+        if (cboPort.Enabled() && cboReaderType.CurrentRow() > 0 && cboPort.Text().empty()) {
+            platform().screen().MsgBox(VBLM_RTString(TextNumber(174)), BoxIcon::Exclamation, BoxButtons::Ok,
+                                       VBLM_RTString(TextNumber(176)));
+            return;
+        }
+        SaveValues(reader());
+        iReaderIndex_ = -1;
+        bCancelled = False;
+        Hide();
+    });
+}
+
+void frmOptions::cmdCancel_Click()
+{
+    guarded("KELReader81 - frmOptions.cmdCancel_Click", [&] {
+        iReaderIndex_ = -1;
+        bCancelled = True;
+        Hide();
+    });
+}
+
+void frmOptions::cmdDefaults_Click()
+{
+    guarded("KELReader81 - frmOptions.cmdDefaults_Click", [&] {
+        const Int32 lSelection = cboReaderType.CurrentRow();
+        if (lSelection <= 0)
+            return;
+        // Away and back again: each change of the row loads the catalogue's values.
+        cboReaderType.CurrentRow(cboReaderType.FindRow(CStr(kelReaderTypeNone), 0, 1));
+        cboReaderType.CurrentRow(lSelection);
+    });
+}
+
+} // namespace kel

@@ -1,0 +1,8 @@
+// What the module exports.
+
+#include "options/qt/QtOptionsPresenter.h"
+
+extern "C" __attribute__((visibility("default"))) kel::OptionsPresenter* kelNewOptionsPresenter()
+{
+    return new kel::QtOptionsPresenter;
+}

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "options/Controls.h"
+
+#include <QAbstractSpinBox>
+
+#include <functional>
+
+namespace kel {
+
+/// A number field of the form as a spin box. It shows the text that the model has, whatever the bounds, and leaves it
+/// to the model to put it right.
+class NumberField final : public QAbstractSpinBox {
+public:
+    /// `after` runs after whatever the user has done here.
+    NumberField(PowerEdit& edit, std::function<void()> after, QWidget* parent);
+
+    /// Shows the model's text, bounds and selection.
+    void refresh();
+
+    /// What leaving the field does; for a default button that works while the field keeps the focus.
+    void leave();
+
+    void stepBy(int steps) override;
+    QValidator::State validate(QString&, int&) const override { return QValidator::Acceptable; }
+    [[nodiscard]] QSize sizeHint() const override;
+    [[nodiscard]] QSize minimumSizeHint() const override { return sizeHint(); }
+
+protected:
+    [[nodiscard]] StepEnabled stepEnabled() const override;
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+
+private:
+    PowerEdit& edit_;
+    std::function<void()> after_;
+    std::string textOnEntry_;
+};
+
+} // namespace kel

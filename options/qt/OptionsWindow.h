@@ -1,0 +1,73 @@
+#pragma once
+
+#include "options/frmOptions.h"
+#include "options/qt/NumberField.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDialog>
+#include <QGroupBox>
+#include <QLabel>
+#include <QPushButton>
+
+#include <functional>
+#include <map>
+#include <vector>
+
+class QGridLayout;
+class QToolButton;
+
+namespace kel {
+
+/// The options form as a window. Each control of the form is a widget of the same name; the layout is Qt's own, so
+/// that every text has its room in any language and at any size of type.
+class OptionsWindow final : public QDialog {
+public:
+    OptionsWindow(frmOptions& form, QWidget* parent);
+
+    /// Shows the window and comes back when the form has been hidden.
+    void run();
+
+    /// Shows the form as it is now.
+    void refresh();
+
+    [[nodiscard]] QString okCaption() const { return QString::fromStdString(form_.cmdOK.Caption()); }
+
+    /// Escape, and closing the window, is Cancel.
+    void reject() override;
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    QWidget* header();
+    QGroupBox* readerBox();
+    QGroupBox* portBox();
+    QWidget* buttons();
+
+    QLabel* put(Label& label, QWidget* buddy);
+    QCheckBox* put(CheckBox& box);
+    QComboBox* put(PowerCombo& list);
+    NumberField* put(PowerEdit& edit);
+    QPushButton* put(PowerButton& button);
+    QGroupBox* put(Frame& frame);
+    void addLine(QGridLayout& grid, int row, Label& label, QWidget* field);
+    template <class Widget>
+    Widget* enlist(Control& control, Widget* widget);
+
+    void act(const std::function<void()>& what);
+    void followFocus(QWidget* now);
+    void enlargeTitle();
+    void openHelp();
+
+    frmOptions& form_;
+    std::map<QWidget*, Control*> controls_;
+    std::vector<std::function<void()>> updates_;
+    QLabel* title_ = nullptr;
+    QToolButton* help_ = nullptr;
+    bool refreshing_ = false;
+};
+
+} // namespace kel

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "options/OptionsPresenter.h"
+#include "options/qt/WindowScreen.h"
+
+class QWidget;
+
+namespace kel {
+
+/// Shows the options dialog as a Qt window.
+///
+/// A `QApplication` of the host is used, on its thread; `parent` is then a `QWidget*` or nothing. Without one an
+/// application is made for the call, and `parent` is not looked at.
+class QtOptionsPresenter final : public OptionsPresenter {
+public:
+    bool show(frmOptions& form, void* parent, std::string& reason) override;
+    [[nodiscard]] Screen* screen() override { return &screen_; }
+
+private:
+    void showWindow(frmOptions& form, QWidget* parent);
+
+    WindowScreen screen_;
+};
+
+} // namespace kel

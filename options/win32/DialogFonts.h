@@ -1,0 +1,39 @@
+#pragma once
+
+#include "options/Form.h"
+#include "options/win32/DialogLayout.h"
+
+#include <windows.h>
+
+namespace kel {
+
+/// The typefaces of a dialog, and what texts need in them. The form's own typeface is that of the system's messages;
+/// what differs from it is the style that a control asks for.
+class DialogFonts final : public TextMeasure {
+public:
+    DialogFonts();
+    ~DialogFonts() override;
+    DialogFonts(const DialogFonts&) = delete;
+    DialogFonts& operator=(const DialogFonts&) = delete;
+
+    [[nodiscard]] double TextWidth(const std::string& text, const Font& font) override;
+
+    [[nodiscard]] HFONT text() const noexcept { return text_; }
+    [[nodiscard]] HFONT title() const noexcept { return title_; }
+    [[nodiscard]] DialogMetrics metrics() const;
+
+    [[nodiscard]] int pixels(double twips) const;
+    [[nodiscard]] double twips(int pixels) const;
+
+private:
+    /// The height of a line.
+    [[nodiscard]] int lineOf(HFONT font) const;
+    [[nodiscard]] int widthOf(const std::string& text, HFONT font) const;
+
+    HDC screen_;
+    HFONT text_ = nullptr;
+    HFONT bold_ = nullptr;
+    HFONT title_ = nullptr;
+};
+
+} // namespace kel

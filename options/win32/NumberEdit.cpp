@@ -1,0 +1,107 @@
+#include "options/win32/NumberEdit.h"
+
+#include "platform/windows/WindowsText.h"
+#include "types/Text.h"
+
+#include <algorithm>
+#include <cmath>
+#include <commctrl.h>
+#include <utility>
+
+namespace kel {
+
+namespace {
+
+constexpr UINT_PTR kSubclass = 1;
+
+std::string shownText(HWND window)
+{
+    std::wstring text(static_cast<std::size_t>(::GetWindowTextLengthW(window)) + 1, L'\0');
+    text.resize(static_cast<std::size_t>(::GetWindowTextW(window, text.data(), static_cast<int>(text.size()))));
+    return utf8Text(text);
+}
+
+} // namespace
+
+NumberEdit::NumberEdit(PowerEdit& edit, HWND field, HWND spinner, Action after,
+                       std::function<void(const Action&)> contain)
+    : edit_(edit), field_(field), spinner_(spinner), after_(std::move(after)), contain_(std::move(contain))
+{
+    ::SetWindowSubclass(field_, &procedure, kSubclass, reinterpret_cast<DWORD_PTR>(this));
+}
+
+NumberEdit::~NumberEdit()
+{
+    ::RemoveWindowSubclass(field_, &procedure, kSubclass);
+}
+
+void NumberEdit::refresh()
+{
+    if (shownText(field_) == edit_.Text())
+        return;
+    refreshing_ = true;
+    ::SetWindowTextW(field_, wideText(edit_.Text()).c_str());
+    refreshing_ = false;
+}
+
+void NumberEdit::changed()
+{
+    if (!refreshing_)
+        edit_.Text(shownText(field_));
+}
+
+/// A click places the cursor after this; the selection comes last.
+void NumberEdit::enter()
+{
+    textOnEntry_ = edit_.Text();
+    edit_.GotFocus();
+    const Int32 start = edit_.SelectionStart();
+    const Int32 length = edit_.SelectionLength();
+    ::PostMessageW(field_, EM_SETSEL, static_cast<WPARAM>(start), length < 0 ? -1 : start + length);
+}
+
+void NumberEdit::leave()
+{
+    // An empty field is no wish for a number.
+    if (!IsNumeric(edit_.Text()))
+        edit_.Text(textOnEntry_);
+    edit_.Validate();
+    textOnEntry_ = edit_.Text();
+    after_();
+}
+
+void NumberEdit::step(int by)
+{
+    const double number = IsNumeric(edit_.Text()) ? Val(edit_.Text()) : edit_.Minimum();
+    const double wanted =
+        std::clamp(std::trunc(number) + by, static_cast<double>(edit_.Minimum()), static_cast<double>(edit_.Maximum()));
+    edit_.Text(CStr(static_cast<Int32>(wanted)));
+    after_();
+    ::SendMessageW(field_, EM_SETSEL, 0, -1);
+}
+
+bool NumberEdit::takes(WPARAM character)
+{
+    // Backspace and what the control key makes of letters are for the field.
+    if (character < L' ' || character == 0x7F)
+        return true;
+    // A character beyond the narrow ones is a letter of some kind.
+    return edit_.KeyPress(character < 0x100 ? static_cast<Int16>(character) : Int16{0xFF}) != 0;
+}
+
+LRESULT CALLBACK NumberEdit::procedure(HWND field, UINT message, WPARAM first, LPARAM second, UINT_PTR, DWORD_PTR self)
+{
+    auto& number = *reinterpret_cast<NumberEdit*>(self);
+    bool done = false;
+    number.contain_([&] {
+        if (message == WM_CHAR) {
+            done = !number.takes(first);
+        } else if (message == WM_KEYDOWN && (first == VK_UP || first == VK_DOWN)) {
+            number.step(first == VK_UP ? 1 : -1);
+            done = true;
+        }
+    });
+    return done ? 0 : ::DefSubclassProc(field, message, first, second);
+}
+
+} // namespace kel

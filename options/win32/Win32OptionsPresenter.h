@@ -1,0 +1,21 @@
+#pragma once
+
+#include "options/OptionsPresenter.h"
+#include "options/win32/DialogScreen.h"
+
+namespace kel {
+
+/// Shows the options dialog as a modal dialog of Windows. `parent` is the owner's window handle or nothing, for the
+/// window that the thread works in.
+class Win32OptionsPresenter final : public OptionsPresenter {
+public:
+    bool show(frmOptions& form, void* parent, std::string& reason) override;
+    [[nodiscard]] Screen* screen() override { return &screen_; }
+
+private:
+    DialogScreen screen_;
+};
+
+[[nodiscard]] std::shared_ptr<OptionsPresenter> makeWin32OptionsPresenter();
+
+} // namespace kel
