@@ -1,0 +1,49 @@
+# The component as a COM server: KELReader81U.dll, with the type library and the version in its resources.
+#
+#   com/KELReader81U.idl   the interfaces; widl makes KELReader81U.tlb, KELReader81U.h and KELReader81U_i.c of it,
+#                          which lie in the build folder com/generated
+#   com/KELReader81U.def   the exports
+#   com/KELReader81U.rc    the resources; finds the .tlb by its bare name
+enable_language(RC)
+set(com_folder ${PROJECT_SOURCE_DIR}/com)
+set(com_generated ${CMAKE_BINARY_DIR}/com/generated)
+file(MAKE_DIRECTORY ${com_generated})
+
+file(GLOB com_sources CONFIGURE_DEPENDS ${com_folder}/*.cpp ${com_folder}/KELReader81U.idl ${com_folder}/KELReader81U.def
+     ${com_folder}/KELReader81U.rc)
+set(idl_file ${com_folder}/KELReader81U.idl)
+if(idl_file IN_LIST com_sources)
+    find_program(WIDL x86_64-w64-mingw32-widl REQUIRED)
+    set(made)
+    # What widl makes, and the option that makes it. Its headers of the system are Wine's.
+    foreach(kind IN ITEMS "KELReader81U.tlb -t" "KELReader81U.h -h" "KELReader81U_i.c -u")
+        separate_arguments(kind)
+        list(POP_FRONT kind name option)
+        add_custom_command(
+            OUTPUT ${com_generated}/${name}
+            COMMAND ${WIDL} --win64 -I ${com_folder} -L /usr/lib/x86_64-linux-gnu/wine/x86_64-windows ${option}
+                    -o ${com_generated}/${name} ${idl_file}
+            DEPENDS ${idl_file}
+            VERBATIM)
+        list(APPEND made ${com_generated}/${name})
+    endforeach()
+    add_custom_target(kel_type_library DEPENDS ${made})
+endif()
+
+list(FILTER com_sources EXCLUDE REGEX "\\.idl$")
+add_library(KELReader81U SHARED ${com_sources})
+set_target_properties(KELReader81U PROPERTIES PREFIX "" OUTPUT_NAME KELReader81U)
+target_link_libraries(KELReader81U PUBLIC kel_objects)
+add_dependencies(KELReader81U kel_language_file)
+target_link_options(KELReader81U PRIVATE -Wl,--enable-stdcall-fixup)
+if(TARGET kel_type_library)
+    add_dependencies(KELReader81U kel_type_library)
+    target_sources(KELReader81U PRIVATE ${com_generated}/KELReader81U_i.c)
+    # What widl writes is not held to our warnings.
+    set_source_files_properties(${com_generated}/KELReader81U_i.c PROPERTIES COMPILE_OPTIONS -w)
+    target_include_directories(KELReader81U SYSTEM PUBLIC ${com_generated})
+endif()
+if("${com_folder}/KELReader81U.rc" IN_LIST com_sources)
+    set_source_files_properties(${com_folder}/KELReader81U.rc PROPERTIES INCLUDE_DIRECTORIES ${com_generated}
+                                OBJECT_DEPENDS ${com_generated}/KELReader81U.tlb)
+endif()

@@ -1,0 +1,82 @@
+#include "platform/windows/PortInput.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace kel {
+
+namespace {
+
+// How much is fetched at a time; there may be more behind it.
+constexpr std::size_t kFullRead = 4096;
+
+/// How long the system may take to end its watch.
+constexpr DWORD kEndOfWatch = 200;
+
+SystemHandle newEvent()
+{
+    return SystemHandle(::CreateEventW(nullptr, TRUE, FALSE, nullptr));
+}
+
+} // namespace
+
+PortInput::PortInput(HANDLE port, std::string name)
+    : ReceivedInput(std::move(name), kFullRead), port_(port), readDone_(newEvent()), watch_(std::make_unique<Watch>())
+{
+    watch_->event = newEvent();
+    watch_->state.hEvent = watch_->event.get();
+    ::SetCommMask(port_, EV_RXCHAR);
+}
+
+PortInput::~PortInput()
+{
+    if (!watching_)
+        return;
+    ::SetCommMask(port_, 0);
+    ::CancelIoEx(port_, &watch_->state);
+    // A watch that does not end goes on writing to its place.
+    if (::WaitForSingleObject(watch_->event.get(), kEndOfWatch) != WAIT_OBJECT_0)
+        static_cast<void>(watch_.release());
+}
+
+HANDLE PortInput::arrival()
+{
+    if (!watching_ && canBeWatched_) {
+        ::ResetEvent(watch_->event.get());
+        watching_ = ::WaitCommEvent(port_, &watch_->events, &watch_->state) || ::GetLastError() == ERROR_IO_PENDING;
+        canBeWatched_ = watching_;
+    }
+    return watching_ ? watch_->event.get() : nullptr;
+}
+
+/// A watch that failed says nothing about the port: reading tells.
+void PortInput::arrived()
+{
+    DWORD ignored = 0;
+    watching_ = false;
+    canBeWatched_ = ::GetOverlappedResult(port_, &watch_->state, &ignored, TRUE) != FALSE;
+}
+
+/// Any failure of the port is its hanging up.
+std::size_t PortInput::read(char* into, std::size_t room)
+{
+    DWORD errors = 0;
+    COMSTAT status{};
+    if (!::ClearCommError(port_, &errors, &status)) {
+        hangUp();
+        return 0;
+    }
+    if (status.cbInQue == 0)
+        return 0;
+    DWORD count = 0;
+    OVERLAPPED state{};
+    state.hEvent = readDone_.get();
+    const auto wanted = static_cast<DWORD>(std::min<std::size_t>(room, status.cbInQue));
+    const bool done = ::ReadFile(port_, into, wanted, &count, &state) ||
+                      (::GetLastError() == ERROR_IO_PENDING && ::GetOverlappedResult(port_, &state, &count, TRUE));
+    if (!done)
+        hangUp();
+    return done ? count : 0;
+}
+
+} // namespace kel

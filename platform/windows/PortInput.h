@@ -1,0 +1,41 @@
+#pragma once
+
+#include "platform/ReceivedInput.h"
+#include "platform/windows/SystemHandle.h"
+
+#include <memory>
+
+namespace kel {
+
+/// The input side of an open port.
+class PortInput final : public ReceivedInput {
+public:
+    /// The port must be open for overlapped use, and its reads must not wait; `name` is for failures.
+    PortInput(HANDLE port, std::string name);
+    ~PortInput() override;
+
+    /// The event that is set when a byte arrives from now on, or the port is gone; null for a port that cannot be
+    /// watched, as a pseudo-terminal under Wine.
+    [[nodiscard]] HANDLE arrival();
+
+    /// The event is set.
+    void arrived();
+
+private:
+    /// What the system writes to while it watches the port; it must stay where it is for so long.
+    struct Watch {
+        SystemHandle event;
+        OVERLAPPED state{};
+        DWORD events = 0;
+    };
+
+    [[nodiscard]] std::size_t read(char* into, std::size_t room) override;
+
+    HANDLE port_;
+    SystemHandle readDone_;
+    std::unique_ptr<Watch> watch_;
+    bool watching_ = false;
+    bool canBeWatched_ = true;
+};
+
+} // namespace kel

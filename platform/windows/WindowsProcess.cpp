@@ -1,0 +1,36 @@
+#include "platform/windows/WindowsProcess.h"
+
+#include "platform/windows/ComponentInstance.h"
+#include "platform/windows/WindowsText.h"
+
+namespace kel {
+
+namespace {
+
+constexpr DWORD kLongestPath = 32768;
+
+} // namespace
+
+std::string WindowsProcess::CommandLine() const
+{
+    return utf8FromAnsi(::GetCommandLineA());
+}
+
+/// A folder whose name the code page does not have comes with question marks, which are in no name.
+std::filesystem::path WindowsProcess::ComponentFile() const
+{
+    std::string name(kLongestPath, '\0');
+    name.resize(::GetModuleFileNameA(componentInstance(), name.data(), kLongestPath));
+    if (name.find('?') == std::string::npos)
+        return wideText(utf8FromAnsi(name));
+    std::wstring wide(kLongestPath, L'\0');
+    wide.resize(::GetModuleFileNameW(componentInstance(), wide.data(), kLongestPath));
+    return wide;
+}
+
+std::filesystem::path WindowsProcess::ComponentFolder() const
+{
+    return ComponentFile().parent_path();
+}
+
+} // namespace kel

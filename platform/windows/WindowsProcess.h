@@ -1,0 +1,16 @@
+#pragma once
+
+#include "platform/Process.h"
+
+namespace kel {
+
+/// This process as the system tells of it.
+class WindowsProcess final : public Process {
+public:
+    [[nodiscard]] std::string CommandLine() const override;
+    [[nodiscard]] std::filesystem::path ComponentFolder() const override;
+    /// The DLL that this code is in, or the program where it is linked into one.
+    [[nodiscard]] std::filesystem::path ComponentFile() const override;
+};
+
+} // namespace kel

@@ -1,0 +1,240 @@
+"""What the tests of the Windows edition stand on: a Wine prefix, ports, readers behind them. See README.md."""
+
+import contextlib
+import fcntl
+import json
+import os
+import pathlib
+import pty
+import shutil
+import signal
+import subprocess
+import sys
+import tempfile
+import threading
+import time
+import tty
+import unittest
+
+BIN = pathlib.Path(os.environ["KEL_WINDOWS_BIN"])  # the programs and DLLs of the Windows edition
+READER_PROGRAM = os.environ["KEL_READER_PROGRAM"]  # the command kelreader of this system, for its simulated readers
+PREFIX = pathlib.Path(os.environ["WINEPREFIX"])
+PORTS = PREFIX / "ports"
+NO_FILE = PREFIX / "no_device"
+
+NOTHING_BEHIND = 15  # a port that leads nowhere
+FILE_BEHIND = 16     # a port that leads to a file
+
+_WINESERVER = "/usr/lib/wine/wineserver"
+_NO_STREAMS = {"stdin": subprocess.DEVNULL, "stdout": subprocess.DEVNULL, "stderr": subprocess.DEVNULL}
+
+
+def environment(**more):
+    """The environment of a program under Wine: no display, no Mono, no browser."""
+    result = dict(os.environ)
+    result.pop("DISPLAY", None)
+    result.update(WINEDEBUG="-all", WINEARCH="win64", WINEPREFIX=str(PREFIX),
+                  WINEDLLOVERRIDES="mscoree,mshtml=;winemenubuilder.exe=d")
+    result.update(more)
+    return result
+
+
+def wine(*arguments, timeout=60, check=False, cwd=BIN, env=None):
+    """Runs a program under Wine to its end; its output is text."""
+    # Not a pipe: Wine's own processes inherit it, and live longer.
+    with tempfile.TemporaryFile("w+", errors="replace") as output:
+        done = subprocess.run(["wine", *map(str, arguments)], cwd=cwd, env=env or environment(), timeout=timeout,
+                              stdin=subprocess.DEVNULL, stdout=output, stderr=subprocess.STDOUT)
+        output.seek(0)
+        done.stdout = output.read()
+    if check and done.returncode != 0:
+        raise RuntimeError(f"{' '.join(map(str, arguments))}: {done.returncode}\n{done.stdout}")
+    return done
+
+
+def start_server():
+    """Starts Wine, with a program that keeps its services running from one test to the next."""
+    subprocess.run([_WINESERVER, "-p"], env=environment(), check=True, **_NO_STREAMS)
+    subprocess.Popen(["wine", "keep_alive.exe"], cwd=BIN, env=environment(), start_new_session=True, **_NO_STREAMS)
+
+
+def stop_server():
+    for option in ("-k", "-w"):
+        subprocess.run([_WINESERVER, option], env=environment(), check=False, **_NO_STREAMS)
+
+
+def make_prefix():
+    """A new prefix with its dialogs on no display, and COM1 to COM16 mapped to links that tests make and remove."""
+    if PREFIX.exists():
+        stop_server()
+        shutil.rmtree(PREFIX)
+    PREFIX.parent.mkdir(parents=True, exist_ok=True)
+    wine("wineboot", "--init", cwd="/", timeout=120)
+    PORTS.mkdir()
+    (PORTS / "file").write_text("no serial device")
+    keys = ["REGEDIT4", "", r"[HKEY_CURRENT_USER\Software\Wine\Drivers]", '"Graphics"="null"', "",
+            r"[HKEY_LOCAL_MACHINE\Software\Wine\Ports]"]
+    keys += [f'"COM{number}"="{port_link(number)}"' for number in range(1, 17)]
+    file = PREFIX / "prefix.reg"
+    file.write_text("\r\n".join(keys) + "\r\n")
+    wine("regedit", "/S", file, check=True)
+    # Both keys are read at the start.
+    stop_server()
+
+
+def port_link(number):
+    return PORTS / ("file" if number == FILE_BEHIND else f"com{number}")
+
+
+def registry_values(key):
+    """The values of a key as `reg query` shows them: name to (type, text)."""
+    answer = wine("reg", "query", key)
+    if answer.returncode != 0:
+        return None
+    rows = [line.split(None, 2) for line in answer.stdout.splitlines() if line.startswith("    ")]
+    return {row[0]: (row[1], row[2] if len(row) > 2 else "") for row in rows}
+
+
+def registry_has(key):
+    return wine("reg", "query", key).returncode == 0
+
+
+class SimulatedReader:
+    """A reader of ours behind a port: what `kelreader simulate` plays. What it tells is in `events` at the end."""
+
+    def __init__(self, model, port=1, sheets=None, seed=1, count=3, form=None, rate="unlimited", faults=(), settings=()):
+        arguments = [READER_PROGRAM, "simulate", "--model", str(model), "--link", str(port_link(port)), "--rate", rate]
+        arguments += ["--sheets", str(sheets)] if sheets else ["--seed", str(seed), "--count", str(count)]
+        arguments += ["--form", str(form)] if form else []
+        for fault in faults:
+            arguments += ["--fault", fault]
+        for setting in settings:
+            arguments += ["--setting", setting]
+        self.events = []
+        self._link = port_link(port)
+        self._process = subprocess.Popen(arguments, stdout=subprocess.PIPE, text=True)
+        self._collect()
+
+    def _collect(self):
+        first = self._process.stdout.readline()
+        if not first:
+            raise RuntimeError("no simulated reader")
+        self.events.append(json.loads(first))
+
+        def read():
+            for line in self._process.stdout:
+                self.events.append(json.loads(line))
+        self._reading = threading.Thread(target=read, daemon=True)
+        self._reading.start()
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        self._process.send_signal(signal.SIGINT)
+        self._process.wait(timeout=10)
+        self._reading.join()
+        self._process.stdout.close()
+        with contextlib.suppress(FileNotFoundError):
+            self._link.unlink()
+
+
+class FarEnd:
+    """The far end of a port that does what lines of text ask it for; PortTest.h tells which."""
+
+    def __init__(self, port=1):
+        self._link = port_link(port)
+        self._thread = threading.Thread(target=self._serve, daemon=True)
+        self._ends = False
+
+    def __enter__(self):
+        self._open()
+        self._thread.start()
+        return self
+
+    def __exit__(self, *_):
+        self._ends = True
+        self._close()
+        self._thread.join(timeout=5)
+
+    def _open(self):
+        self._master, self._slave = pty.openpty()
+        tty.setraw(self._slave)
+        fresh = self._link.with_name(self._link.name + ".new")
+        with contextlib.suppress(FileNotFoundError):
+            fresh.unlink()
+        fresh.symlink_to(os.ttyname(self._slave))
+        fresh.rename(self._link)
+
+    def _close(self):
+        with contextlib.suppress(FileNotFoundError):
+            self._link.unlink()
+        os.close(self._slave)
+        os.close(self._master)
+
+    def _serve(self):
+        pending = b""
+        while not self._ends:
+            try:
+                pending += os.read(self._master, 4096)
+            except OSError:
+                if self._ends:
+                    return
+                time.sleep(0.01)
+                continue
+            while b"\n" in pending:
+                order, pending = pending.split(b"\n", 1)
+                self._do(order)
+
+    def _do(self, order):
+        word, _, rest = order.partition(b" ")
+        if word == b"echo":
+            self._send(rest)
+        elif word == b"send":
+            self._send(bytes(ord("a") + i % 26 for i in range(int(rest))))
+        elif word == b"late":
+            delay, _, text = rest.partition(b" ")
+            time.sleep(int(delay) / 1000)
+            self._send(text)
+        elif word == b"hangup":
+            self._send(rest)
+            time.sleep(0.1)
+            self._close()
+            self._open()
+
+    def _send(self, data):
+        while data:
+            data = data[os.write(self._master, data):]
+
+
+def main():
+    """harness.py start|stop: before and after all tests."""
+    if sys.argv[1] == "start":
+        make_prefix()
+        start_server()
+    else:
+        stop_server()
+
+
+@contextlib.contextmanager
+def machine_wide():
+    """For tests that change what the whole prefix has, such as registration: one at a time."""
+    with open(PREFIX / "machine.lock", "w") as lock:
+        fcntl.flock(lock, fcntl.LOCK_EX)
+        yield
+
+
+class WindowsTest(unittest.TestCase):
+    """A test case of programs under Wine."""
+
+    maxDiff = None
+
+    def run_program(self, *arguments, timeout=60, status=0, **more):
+        """Runs a program and checks its exit status; the answer is its output."""
+        answer = wine(*arguments, timeout=timeout, **more)
+        self.assertEqual(answer.returncode, status, f"{' '.join(map(str, arguments))}:\n{answer.stdout}")
+        return answer.stdout
+
+
+if __name__ == "__main__":
+    main()

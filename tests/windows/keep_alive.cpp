@@ -1,0 +1,7 @@
+#include <windows.h>
+
+// Does nothing, for longer than all tests take.
+int main()
+{
+    ::Sleep(30 * 60 * 1000);
+}

@@ -1,0 +1,315 @@
+#include "options/win32/OptionsDialogWindow.h"
+
+#include "options/OptionsPresenter.h"
+#include "platform/windows/WindowsPlatform.h"
+#include "reader/clsKELReader.h"
+#include "startup/Main.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <set>
+#include <string>
+#include <thread>
+
+namespace kel {
+namespace {
+
+/// The dialog as another program sees it: windows with numbers, worked by messages. It runs on a thread of its own
+/// while ShowOptions runs on the test's.
+class OtherProgram {
+public:
+    /// The dialog, as soon as it is visible.
+    OtherProgram()
+    {
+        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+        while (std::chrono::steady_clock::now() < end) {
+            ::EnumWindows(
+                [](HWND window, LPARAM self) -> BOOL {
+                    DWORD process = 0;
+                    ::GetWindowThreadProcessId(window, &process);
+                    wchar_t kind[32] = {};
+                    ::GetClassNameW(window, kind, 32);
+                    if (process == ::GetCurrentProcessId() && ::IsWindowVisible(window) &&
+                        std::wstring_view(kind) == L"#32770")
+                        reinterpret_cast<OtherProgram*>(self)->dialog = window;
+                    return TRUE;
+                },
+                reinterpret_cast<LPARAM>(this));
+            if (dialog)
+                return;
+            ::Sleep(10);
+        }
+    }
+
+    [[nodiscard]] HWND control(int number) const { return ::GetDlgItem(dialog, number); }
+
+    void click(int number) const { ::SendMessageW(control(number), BM_CLICK, 0, 0); }
+
+    void select(int number, const wchar_t* text) const
+    {
+        const HWND list = control(number);
+        const LRESULT row =
+            ::SendMessageW(list, CB_FINDSTRINGEXACT, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(text));
+        ASSERT_GE(row, 0);
+        ::SendMessageW(list, CB_SETCURSEL, static_cast<WPARAM>(row), 0);
+        ::SendMessageW(dialog, WM_COMMAND, MAKEWPARAM(number, CBN_SELCHANGE), reinterpret_cast<LPARAM>(list));
+    }
+
+    void enter(int number) const
+    {
+        ::SendMessageW(dialog, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(control(number)), TRUE);
+        settle();
+    }
+
+    void type(int number, const wchar_t* text) const
+    {
+        for (; *text != L'\0'; ++text)
+            ::SendMessageW(control(number), WM_CHAR, *text, 0);
+    }
+
+    void press(int number, WPARAM key) const
+    {
+        ::PostMessageW(control(number), WM_KEYDOWN, key, 0);
+        settle();
+    }
+
+    [[nodiscard]] std::wstring text(int number) const { return textOf(control(number)); }
+
+    [[nodiscard]] static std::wstring textOf(HWND window)
+    {
+        std::wstring result(256, L'\0');
+        result.resize(
+            static_cast<std::size_t>(::SendMessageW(window, WM_GETTEXT, 256, reinterpret_cast<LPARAM>(result.data()))));
+        return result;
+    }
+
+    /// What was posted has been done when this has come back.
+    void settle() const
+    {
+        for (int i = 0; i < 3; ++i) {
+            ::Sleep(20);
+            ::SendMessageW(dialog, WM_NULL, 0, 0);
+        }
+    }
+
+    HWND dialog = nullptr;
+};
+
+class OptionsDialogWindowTest : public ::testing::Test {
+protected:
+    OptionsDialogWindowTest()
+    {
+        Main();
+        const frmOptions form;
+        for (std::size_t i = 0; i < form.Controls().size(); ++i)
+            numbers_.emplace(form.Controls()[i]->Name(), OptionsDialogWindow::kFirstControl + static_cast<int>(i));
+        numbers_["cmdOK"] = IDOK;
+        numbers_["cmdCancel"] = IDCANCEL;
+    }
+
+    [[nodiscard]] int number(std::string_view name) const { return numbers_.at(name); }
+
+    /// Shows the options while the actions of the user run.
+    template <class Actions>
+    Boolean show(Actions actions)
+    {
+        std::thread user([&] {
+            const OtherProgram other;
+            ASSERT_NE(other.dialog, nullptr);
+            actions(other);
+            if (::IsWindow(other.dialog))
+                ::PostMessageW(other.dialog, WM_CLOSE, 0, 0);
+        });
+        const Boolean result = reader.ShowOptions();
+        user.join();
+        return result;
+    }
+
+    WindowsPlatform machine;
+    PlatformScope scope{machine};
+    clsKELReader reader;
+
+private:
+    std::map<std::string_view, int> numbers_;
+};
+
+TEST_F(OptionsDialogWindowTest, TheChosenModelIsTheReaders)
+{
+    reader.LoadDefaults(kelReaderTypeScantronScanMark2500);
+    EXPECT_EQ(show([&](const OtherProgram& user) {
+                  user.select(number("cboReaderType"), L"Sekonic SR3500 (USB)");
+                  user.click(IDOK);
+              }),
+              True);
+    EXPECT_EQ(reader.ReaderType(), kelReaderTypeSekonicSR3500);
+}
+
+TEST_F(OptionsDialogWindowTest, NothingIsTakenWithCancelEscapeOrTheCloseButton)
+{
+    reader.LoadDefaults(kelReaderTypeScantronScanMark2500);
+    const auto choose = [&](const OtherProgram& user) {
+        user.select(number("cboReaderType"), L"Sekonic SR3500 (USB)");
+    };
+    EXPECT_EQ(show([&](const OtherProgram& user) {
+                  choose(user);
+                  user.click(IDCANCEL);
+              }),
+              False);
+    EXPECT_EQ(show([&](const OtherProgram& user) {
+                  choose(user);
+                  user.press(number("cboReaderType"), VK_ESCAPE);
+              }),
+              False);
+    EXPECT_EQ(show(choose), False);
+    EXPECT_EQ(reader.ReaderType(), kelReaderTypeScantronScanMark2500);
+}
+
+TEST_F(OptionsDialogWindowTest, ANumberIsPutRightWhenItsFieldIsLeft)
+{
+    reader.LoadDefaults(kelReaderTypeScantronScanMark2500);
+    const int pause = number("txtSystemPause");
+    const int timeout = number("txtReaderTimeout");
+    std::wstring typed;
+    std::wstring left;
+    std::wstring stepped;
+    EXPECT_EQ(show([&](const OtherProgram& user) {
+                  user.enter(pause);
+                  user.type(pause, L"99999999");
+                  user.enter(timeout);
+                  left = user.text(pause);
+                  user.type(timeout, L"3x");
+                  typed = user.text(timeout);
+                  user.press(timeout, VK_UP);
+                  stepped = user.text(timeout);
+                  user.press(timeout, VK_RETURN);
+              }),
+              True);
+    EXPECT_EQ(left, L"10000");
+    EXPECT_EQ(typed, L"3");
+    EXPECT_EQ(stepped, L"4");
+    EXPECT_EQ(reader.SleepTime(), 10000);
+    EXPECT_EQ(reader.Timeout(), 4);
+}
+
+TEST_F(OptionsDialogWindowTest, ABoxIsTickedByAClick)
+{
+    reader.LoadDefaults(kelReaderTypeScantronScanMark2500);
+    const Boolean before = reader.Feeder();
+    show([&](const OtherProgram& user) {
+        user.click(number("chkFeeder"));
+        user.click(IDOK);
+    });
+    EXPECT_NE(reader.Feeder(), before);
+}
+
+TEST_F(OptionsDialogWindowTest, AnOwnerIsHeldUpMeanwhile)
+{
+    const HWND owner = ::CreateWindowW(L"STATIC", L"owner", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 100, 100, nullptr,
+                                       nullptr, nullptr, nullptr);
+    bool held = false;
+    HWND seen = nullptr;
+    std::thread user([&] {
+        const OtherProgram other;
+        held = !::IsWindowEnabled(owner);
+        seen = ::GetWindow(other.dialog, GW_OWNER);
+        ::PostMessageW(other.dialog, WM_CLOSE, 0, 0);
+    });
+    reader.ShowOptions(owner);
+    user.join();
+    EXPECT_TRUE(held);
+    EXPECT_EQ(seen, owner);
+    EXPECT_TRUE(::IsWindowEnabled(owner));
+    ::DestroyWindow(owner);
+}
+
+/// What a text needs in the typeface of its window, without its access key's mark.
+int neededWidth(HWND window, std::wstring text)
+{
+    if (const std::size_t mark = text.find(L'&'); mark != std::wstring::npos)
+        text.erase(mark, 1);
+    const HDC screen = ::GetDC(window);
+    const HGDIOBJ before = ::SelectObject(screen, reinterpret_cast<HGDIOBJ>(::SendMessageW(window, WM_GETFONT, 0, 0)));
+    SIZE size{};
+    ::GetTextExtentPoint32W(screen, text.data(), static_cast<int>(text.size()), &size);
+    ::SelectObject(screen, before);
+    ::ReleaseDC(window, screen);
+    return size.cx;
+}
+
+/// In the language that the process runs in; the tests run once for each.
+TEST_F(OptionsDialogWindowTest, NoTextIsCutOffAndNothingOverlaps)
+{
+    for (const auto model : {kelReaderTypeScantronScanMark2500, kelReaderTypeScanningSystemsSR410,
+                             kelReaderTypeAppersonBenchMark3000, kelReaderTypeNCSOpScan8, kelReaderTypeSekonicSR3500}) {
+        reader.LoadDefaults(model);
+        std::string complaints;
+        int labels = 0;
+        show([&](const OtherProgram& user) {
+            RECT inside{};
+            ::GetClientRect(user.dialog, &inside);
+            std::vector<RECT> places;
+            for (HWND each = ::GetWindow(user.dialog, GW_CHILD); each; each = ::GetWindow(each, GW_HWNDNEXT)) {
+                if (!::IsWindowVisible(each))
+                    continue;
+                wchar_t kind[32] = {};
+                ::GetClassNameW(each, kind, 32);
+                const bool isText = ::lstrcmpiW(kind, L"static") == 0;
+                const bool isButton = ::lstrcmpiW(kind, L"button") == 0;
+                const auto style = ::GetWindowLongW(each, GWL_STYLE) & BS_TYPEMASK;
+                const bool isFrame = isButton && style == BS_GROUPBOX;
+                RECT place{};
+                ::GetWindowRect(each, &place);
+                ::MapWindowPoints(nullptr, user.dialog, reinterpret_cast<POINT*>(&place), 2);
+                const std::wstring text = OtherProgram::textOf(each);
+                const std::string name(text.begin(), text.end());
+                const int spare = isButton && style == BS_CHECKBOX ? ::GetSystemMetrics(SM_CXMENUCHECK) + 4 : 0;
+                if (isText || isButton) {
+                    ++labels;
+                    if (neededWidth(each, text) + spare > place.right - place.left)
+                        complaints += "cut off: " + name + "\n";
+                }
+                if (::lstrcmpiW(kind, L"combobox") == 0) {
+                    const LRESULT rows = ::SendMessageW(each, CB_GETCOUNT, 0, 0);
+                    for (LRESULT row = 0; row < rows; ++row) {
+                        wchar_t cell[128] = {};
+                        ::SendMessageW(each, CB_GETLBTEXT, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(cell));
+                        if (neededWidth(each, cell) + ::GetSystemMetrics(SM_CXVSCROLL) > place.right - place.left)
+                            complaints += "cut off in a list: " + std::string(cell, cell + ::lstrlenW(cell)) + "\n";
+                    }
+                }
+                if (place.left < 0 || place.top < 0 || place.right > inside.right || place.bottom > inside.bottom)
+                    complaints += "outside: " + name + "\n";
+                if (isFrame)
+                    continue;
+                for (const RECT& other : places) {
+                    RECT common{};
+                    if (::IntersectRect(&common, &place, &other))
+                        complaints += "overlaps: " + name + "\n";
+                }
+                places.push_back(place);
+            }
+        });
+        EXPECT_EQ(complaints, "") << "model " << model;
+        EXPECT_GT(labels, 10);
+    }
+}
+
+TEST_F(OptionsDialogWindowTest, EveryAccessKeyHasOneMeaning)
+{
+    std::multiset<wchar_t> keys;
+    reader.LoadDefaults(kelReaderTypeScantronScanMark2500);
+    show([&](const OtherProgram& user) {
+        for (HWND each = ::GetWindow(user.dialog, GW_CHILD); each; each = ::GetWindow(each, GW_HWNDNEXT)) {
+            const std::wstring text = OtherProgram::textOf(each);
+            const std::size_t mark = text.find(L'&');
+            if (::IsWindowVisible(each) && mark != std::wstring::npos && mark + 1 < text.size())
+                keys.insert(static_cast<wchar_t>(::towupper(text[mark + 1])));
+        }
+    });
+    for (const wchar_t key : keys)
+        EXPECT_EQ(keys.count(key), 1U) << static_cast<char>(key);
+}
+
+} // namespace
+} // namespace kel

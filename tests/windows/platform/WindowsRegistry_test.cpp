@@ -1,0 +1,66 @@
+#include "platform/windows/WindowsRegistry.h"
+
+#include <gtest/gtest.h>
+
+namespace kel {
+namespace {
+
+constexpr auto kHive = kelReaderRegistryKeyCurrentUser;
+constexpr const char* kKey = R"(Software\KELReader81U tests\Registry)";
+
+class WindowsRegistryTest : public ::testing::Test {
+protected:
+    void SetUp() override { registry.remove(kHive, kKey, std::nullopt); }
+    void TearDown() override { registry.remove(kHive, kKey, std::nullopt); }
+
+    WindowsRegistry registry;
+};
+
+TEST_F(WindowsRegistryTest, AValueIsReadAsItWasWritten)
+{
+    EXPECT_FALSE(registry.exists(kHive, kKey));
+    EXPECT_EQ(registry.read(kHive, kKey, "ScannerPort"), std::nullopt);
+    EXPECT_TRUE(registry.write(kHive, kKey, "ScannerPort", {RegistryType::Text, "3"}));
+    EXPECT_TRUE(registry.exists(kHive, kKey));
+    const auto read = registry.read(kHive, kKey, "scannerport");
+    ASSERT_TRUE(read);
+    EXPECT_EQ(read->type, RegistryType::Text);
+    EXPECT_EQ(read->data.substr(0, read->data.find('\0')), "3");
+
+    EXPECT_TRUE(registry.write(kHive, kKey, "Number", {RegistryType::Number, std::string("\x80\x25\0\0", 4)}));
+    EXPECT_EQ(registry.read(kHive, kKey, "Number"),
+              (RegistryValue{RegistryType::Number, std::string("\x80\x25\0\0", 4)}));
+}
+
+TEST_F(WindowsRegistryTest, TextsArePassedInTheCodePage)
+{
+    registry.write(kHive, kKey, "Text",
+                   {RegistryType::Text, "Pr\xC3\xBC"
+                                        "fung"});
+    const auto read = registry.read(kHive, kKey, "Text");
+    ASSERT_TRUE(read);
+    EXPECT_EQ(read->data.substr(0, read->data.find('\0')), "Pr\xC3\xBC"
+                                                           "fung");
+}
+
+TEST_F(WindowsRegistryTest, ALongValueIsReadWhole)
+{
+    registry.write(kHive, kKey, "Long", {RegistryType::Binary, std::string(5000, 'x')});
+    EXPECT_EQ(registry.read(kHive, kKey, "Long"), (RegistryValue{RegistryType::Binary, std::string(5000, 'x')}));
+}
+
+TEST_F(WindowsRegistryTest, NamesAreTold)
+{
+    registry.write(kHive, kKey, "a", {RegistryType::Text, "1"});
+    registry.write(kHive, kKey, "b", {RegistryType::Text, "2"});
+    registry.write(kHive, std::string(kKey) + "\\Below", "c", {RegistryType::Text, "3"});
+    EXPECT_EQ(registry.valueNames(kHive, kKey), (std::vector<std::string>{"a", "b"}));
+    EXPECT_EQ(registry.subKeys(kHive, kKey), std::vector<std::string>{"Below"});
+    EXPECT_TRUE(registry.remove(kHive, kKey, "a"));
+    EXPECT_FALSE(registry.remove(kHive, kKey, "a"));
+    EXPECT_TRUE(registry.remove(kHive, kKey, std::nullopt));
+    EXPECT_FALSE(registry.exists(kHive, kKey));
+}
+
+} // namespace
+} // namespace kel
