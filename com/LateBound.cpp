@@ -1,0 +1,87 @@
+#include "com/LateBound.h"
+
+#include "com/Boundary.h"
+
+#include <vector>
+
+namespace kel::com {
+
+namespace {
+
+constexpr WORD kGet = DISPATCH_METHOD | DISPATCH_PROPERTYGET;
+
+} // namespace
+
+LateBound::LateBound(ComPtr<IDispatch> object, SourceLocation where) : object_(std::move(object))
+{
+    if (!object_)
+        throw RuntimeFailure(FailureCode::ObjectNotSet, where);
+}
+
+bool LateBound::has(const wchar_t* member) const
+{
+    DISPID id = DISPID_UNKNOWN;
+    auto* name = const_cast<LPOLESTR>(member);
+    return SUCCEEDED(object_->GetIDsOfNames(IID_NULL, &name, 1, LOCALE_USER_DEFAULT, &id));
+}
+
+OleVariant LateBound::get(const wchar_t* member, std::span<const OleVariant> arguments, SourceLocation where) const
+{
+    return invoke(idOf(member, where), kGet, arguments, where);
+}
+
+void LateBound::put(const wchar_t* member, const OleVariant& value, SourceLocation where) const
+{
+    invoke(idOf(member, where), DISPATCH_PROPERTYPUT, {&value, 1}, where);
+}
+
+OleVariant LateBound::call(const wchar_t* member, std::span<const OleVariant> arguments, SourceLocation where) const
+{
+    return invoke(idOf(member, where), DISPATCH_METHOD, arguments, where);
+}
+
+OleVariant LateBound::item(const OleVariant& index, SourceLocation where) const
+{
+    return invoke(has(L"Item") ? idOf(L"Item", where) : DISPID_VALUE, kGet, {&index, 1}, where);
+}
+
+DISPID LateBound::idOf(const wchar_t* member, const SourceLocation& where) const
+{
+    DISPID id = DISPID_UNKNOWN;
+    auto* name = const_cast<LPOLESTR>(member);
+    const HRESULT found = object_->GetIDsOfNames(IID_NULL, &name, 1, LOCALE_USER_DEFAULT, &id);
+    if (FAILED(found)) {
+        EXCEPINFO none{};
+        throw failureOfCall(found, none, where);
+    }
+    return id;
+}
+
+OleVariant LateBound::invoke(DISPID id, WORD flags, std::span<const OleVariant> arguments,
+                             const SourceLocation& where) const
+{
+    // The last argument comes first. The copies own nothing.
+    std::vector<VARIANT> reversed;
+    reversed.reserve(arguments.size());
+    for (std::size_t index = arguments.size(); index > 0; --index)
+        reversed.push_back(arguments[index - 1].get());
+
+    DISPID valueOfProperty = DISPID_PROPERTYPUT;
+    DISPPARAMS parameters{reversed.data(), nullptr, static_cast<UINT>(reversed.size()), 0};
+    if (flags == DISPATCH_PROPERTYPUT) {
+        parameters.rgdispidNamedArgs = &valueOfProperty;
+        parameters.cNamedArgs = 1;
+    }
+    OleVariant result;
+    EXCEPINFO exception{};
+    UINT wrongArgument = 0;
+    const ComPtr<IDispatch> object = object_; // the host's code may let go of what holds it here
+    const HRESULT called =
+        object->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, flags, &parameters,
+                       flags == DISPATCH_PROPERTYPUT ? nullptr : result.out(), &exception, &wrongArgument);
+    if (FAILED(called))
+        throw failureOfCall(called, exception, where);
+    return result;
+}
+
+} // namespace kel::com
