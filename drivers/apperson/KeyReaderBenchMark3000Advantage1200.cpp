@@ -48,16 +48,19 @@ void sendPieces(ReaderContract& oReader, const std::string& sKey)
 Boolean KeyReaderBenchMark3000Advantage1200(ReaderContract& oReader)
 {
     Boolean bResult = False;
-    guarded(kKeyReader, [&] {
+    Reference<AnswerKeyObject> oAnswerKey;
+    TextArray sFormIDArr;
+    Int32 lKeyCtr = 0;
+    guarded(kKeyReader, KEL_PARAMETERS(oReader) + KEL_LOCALS(oAnswerKey, sFormIDArr, lKeyCtr), [&] {
         const auto tell = [&](const std::string& scmd) { return exchangeAP(oReader, kKeyReader, scmd); };
         const bool bAdvantage1200 = oReader.ReaderType() == kelReaderTypeAppersonAdvantage1200;
-        const Reference<AnswerKeyObject> oAnswerKey = oReader.AnswerKey();
-        TextArray sFormIDArr = formIDs(*oAnswerKey);
+        oAnswerKey = oReader.AnswerKey();
+        sFormIDArr = formIDs(*oAnswerKey);
         EncodedKeyAP key = encodeKeyAP(*oAnswerKey, bAdvantage1200 ? AnswerCodeAP::Digits : AnswerCodeAP::Mask);
         if (sFormIDArr.UBound() > 0)
             dropUnusedSecondPage(oReader, key, sFormIDArr);
 
-        for (Int32 lKeyCtr = 1; lKeyCtr <= key.iNumKeys; ++lKeyCtr) {
+        for (lKeyCtr = 1; lKeyCtr <= key.iNumKeys; ++lKeyCtr) {
             if (key.iNumKeys > 1 && !tell("S" + CStr(lKeyCtr)))
                 return;
             if (bAdvantage1200 && compareNoCase(key.sEssayScore, "0000") > 0)

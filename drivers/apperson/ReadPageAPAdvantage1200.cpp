@@ -3,6 +3,7 @@
 #include "drivers/common/Dialogue.h"
 #include "failure/guarded.h"
 #include "platform/Platform.h"
+#include "reader/DictionaryVariant.h"
 
 namespace kel {
 
@@ -26,14 +27,16 @@ bool collectLine(ReaderContract& oReader, Advantage1200LineAP& line)
 Boolean ReadPageAPAdvantage1200(ReaderContract& oReader)
 {
     Boolean bResult = False;
-    guarded("KELReader81 - basApperson.ReadPageAPAdvantage1200", [&] {
-        Dictionary oDataDict;
+    Dictionary oDataDict;
+    MarkArray iSide1Arr;
+    MarkArray iSide2Arr;
+    TextArray sBarcodeArr;
+    Boolean bNeedsMoreData = False;
+    const auto variables =
+        KEL_PARAMETERS(oReader) + KEL_LOCALS(oDataDict, iSide1Arr, iSide2Arr, sBarcodeArr, bNeedsMoreData);
+    guarded("KELReader81 - basApperson.ReadPageAPAdvantage1200", variables, [&] {
         oDataDict.CompareMode(kTextCompare);
         Advantage1200LineAP line(oDataDict);
-        MarkArray iSide1Arr;
-        MarkArray iSide2Arr;
-        TextArray sBarcodeArr;
-        Boolean bNeedsMoreData = False;
 
         // No command: the reader sends by itself once it has been started.
         oReader.fComm().mscComm().InputLen(1);

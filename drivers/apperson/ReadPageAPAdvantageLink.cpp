@@ -31,7 +31,9 @@ void reportAndDrain(ReaderContract& oReader, Int16 iErrCode)
 Boolean ReadPageAPAdvantageLink(ReaderContract& oReader)
 {
     Boolean bResult = False;
-    guarded(kReadPage, [&] {
+    MarkArray iSide1Arr;
+    std::string sData;
+    guarded(kReadPage, KEL_PARAMETERS(oReader) + KEL_LOCALS(iSide1Arr, sData), [&] {
         if (!isOKAP(ask(oReader, "FB\r")))
             return;
 
@@ -44,10 +46,10 @@ Boolean ReadPageAPAdvantageLink(ReaderContract& oReader)
             reportAndDrain(oReader, block.status());
             return;
         }
-        MarkArray iSide1Arr(oReader.LargestSide1Rows(), oReader.LargestSide1Cols());
+        iSide1Arr.ReDim(oReader.LargestSide1Rows(), oReader.LargestSide1Cols());
         setMarksAdvantageLinkAP(iSide1Arr, block);
 
-        const std::string sData = ask(oReader, "FE\r");
+        sData = ask(oReader, "FE\r");
         if (sData.empty())
             return;
         if (!isOKAP(sData)) {

@@ -4,6 +4,7 @@
 #include "failure/basError.h"
 #include "failure/guarded.h"
 #include "platform/Platform.h"
+#include "reader/DictionaryVariant.h"
 
 namespace kel {
 
@@ -45,8 +46,14 @@ LineEndAP collectLine(ReaderContract& oReader, BenchMarkLineAP& line)
 Boolean ReadPageAPBenchMarkAdvantage(ReaderContract& oReader)
 {
     Boolean bResult = False;
-    guarded(kReadPage, [&] {
-        Dictionary oDataDict;
+    Dictionary oDataDict;
+    MarkArray iSide1Arr;
+    MarkArray iSide2Arr;
+    TextArray sBarcodeArr;
+    Boolean bNeedsMoreData = False;
+    const auto variables =
+        KEL_PARAMETERS(oReader) + KEL_LOCALS(oDataDict, iSide1Arr, iSide2Arr, sBarcodeArr, bNeedsMoreData);
+    guarded(kReadPage, variables, [&] {
         oDataDict.CompareMode(kTextCompare);
         if (!bAPReaderStarted && !startSheets(oReader))
             return;
@@ -58,10 +65,7 @@ Boolean ReadPageAPBenchMarkAdvantage(ReaderContract& oReader)
 
         // The sheet is through the reader now: it counts as read even when the host fails in what follows.
         bResult = True;
-        MarkArray iSide1Arr(oReader.LargestSide1Rows(), oReader.LargestSide1Cols());
-        MarkArray iSide2Arr;
-        TextArray sBarcodeArr;
-        Boolean bNeedsMoreData = False;
+        iSide1Arr.ReDim(oReader.LargestSide1Rows(), oReader.LargestSide1Cols());
         oReader.TranslateDataEvent(oDataDict, iSide1Arr, iSide2Arr, sBarcodeArr, bNeedsMoreData);
         oReader.Side1Array(iSide1Arr);
         oReader.BarcodeArray(sBarcodeArr);

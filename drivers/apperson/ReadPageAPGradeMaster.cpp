@@ -16,8 +16,11 @@ constexpr TextNumber kSheetErrorTitle = 196;
 Boolean ReadPageAPGradeMaster(ReaderContract& oReader)
 {
     Boolean bResult = False;
-    guarded(kReadPage, [&] {
-        TextArray sBarcodeArr(1, 1);
+    TextArray sBarcodeArr;
+    MarkArray iSide1Arr;
+    Int16 iErrCode = 0;
+    guarded(kReadPage, KEL_PARAMETERS(oReader) + KEL_LOCALS(sBarcodeArr, iSide1Arr, iErrCode), [&] {
+        sBarcodeArr.ReDim(1, 1);
         oReader.fComm().mscComm().Output("P\r");
         oReader.fComm().mscComm().InputLen(1);
         RawBlockAP block = newBlockGradeMasterAP();
@@ -29,10 +32,10 @@ Boolean ReadPageAPGradeMaster(ReaderContract& oReader)
             return;
         }
 
-        MarkArray iSide1Arr(oReader.LargestSide1Rows(), oReader.LargestSide1Cols());
+        iSide1Arr.ReDim(oReader.LargestSide1Rows(), oReader.LargestSide1Cols());
         sBarcodeArr(1) = identifierGradeMasterAP(block);
         if (sBarcodeArr(1) == kErrorIdentifierGradeMasterAP) {
-            const Int16 iErrCode = errorNumberGradeMasterAP(block);
+            iErrCode = errorNumberGradeMasterAP(block);
             if (iErrCode > 0)
                 reportReaderFault(kReadPage, ReturnErrorAP(iErrCode), VBLM_RTString(kSheetErrorTitle));
             return;

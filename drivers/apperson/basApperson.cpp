@@ -82,7 +82,7 @@ const char* closeCommand(kelReaderType eReaderType)
 Boolean InitReaderAP(ReaderContract& oReader)
 {
     Boolean bResult = False;
-    guarded(kInitReader, [&] {
+    guarded(kInitReader, KEL_PARAMETERS(oReader), [&] {
         switch (oReader.ReaderType()) {
         case kelReaderTypeAppersonBenchMark3000:
         case kelReaderTypeAppersonAdvantage1200: bResult = startLineReader(oReader); break;
@@ -97,7 +97,7 @@ Boolean InitReaderAP(ReaderContract& oReader)
 Boolean CloseReaderAP(ReaderContract& oReader)
 {
     Boolean bResult = False;
-    guarded(kCloseReader, [&] {
+    guarded(kCloseReader, KEL_PARAMETERS(oReader), [&] {
         bAPReaderStarted = False;
         oReader.fComm().mscComm().Output(closeCommand(oReader.ReaderType()));
         if (waitForReply(oReader, {.cancellable = false}) != Wait::Reply) {
@@ -112,7 +112,7 @@ Boolean CloseReaderAP(ReaderContract& oReader)
 Boolean ReadPageAP(ReaderContract& oReader)
 {
     Boolean bResult = False;
-    guarded(kReadPage, [&] {
+    guarded(kReadPage, KEL_PARAMETERS(oReader), [&] {
         switch (oReader.ReaderType()) {
         case kelReaderTypeAppersonAdvantageLink: bResult = ReadPageAPAdvantageLink(oReader); break;
         case kelReaderTypeAppersonGradeMaster: bResult = ReadPageAPGradeMaster(oReader); break;
@@ -126,7 +126,7 @@ Boolean ReadPageAP(ReaderContract& oReader)
 
 Boolean RejectPageAP(ReaderContract& oReader)
 {
-    guarded(kRejectPage, [&] {
+    guarded(kRejectPage, KEL_PARAMETERS(oReader), [&] {
         if (oReader.ReaderType() == kelReaderTypeAppersonBenchMark3000)
             oReader.fComm().mscComm().Output("A7");
     });
@@ -135,7 +135,7 @@ Boolean RejectPageAP(ReaderContract& oReader)
 
 Boolean EjectPageAP(ReaderContract& oReader)
 {
-    guarded(kEjectPage, [&] {
+    guarded(kEjectPage, KEL_PARAMETERS(oReader), [&] {
         if (oReader.ReaderType() == kelReaderTypeAppersonBenchMark3000)
             oReader.fComm().mscComm().Output("A6");
     });
@@ -145,7 +145,7 @@ Boolean EjectPageAP(ReaderContract& oReader)
 std::string ReturnErrorAP(Int16 iErrCode)
 {
     std::string sResult;
-    guarded(kReturnError, [&] { sResult = VBLM_RTString(errorTextAP(iErrCode)); });
+    guarded(kReturnError, KEL_PARAMETERS(iErrCode), [&] { sResult = VBLM_RTString(errorTextAP(iErrCode)); });
     return sResult;
 }
 

@@ -110,7 +110,7 @@ bool startSheet(ReaderContract& oReader, SheetStartCT eStart)
 Boolean InitReaderCT(ReaderContract& oReader)
 {
     Boolean bResult = False;
-    guarded(kInitReader, [&] {
+    guarded(kInitReader, KEL_PARAMETERS(oReader), [&] {
         oReader.fComm().mscComm().InputLen(1);
         drainInput(oReader);
         const ModelCT& model = modelCT(oReader.ReaderType());
@@ -129,7 +129,9 @@ Boolean InitReaderCT(ReaderContract& oReader)
 Boolean ReadPageCT(ReaderContract& oReader)
 {
     Boolean bResult = False;
-    guarded(kReadPage, [&] {
+    bool bPageRead = false;
+    Byte iTemp = 0;
+    guarded(kReadPage, KEL_PARAMETERS(oReader) + KEL_LOCALS(bPageRead, iTemp), [&] {
         const ModelCT& model = modelCT(oReader.ReaderType());
         drainInput(oReader);
         oReader.fComm().mscComm().InputLen(1);
@@ -137,14 +139,13 @@ Boolean ReadPageCT(ReaderContract& oReader)
         if (!startSheet(oReader, model.start))
             return;
 
-        bool bPageRead = false;
         while (!bPageRead) {
             DoEvents();
             if (model.cancellable && oReader.CancelScan())
                 return;
             if (oReader.fComm().mscComm().InBufferCount() == 0)
                 continue;
-            const Byte iTemp = takeByte(oReader);
+            iTemp = takeByte(oReader);
             if (iTemp == kSheetEnd)
                 bPageRead = true;
             else if (iTemp == model.refusal)
@@ -162,7 +163,7 @@ Boolean ReadPageCT(ReaderContract& oReader)
 Boolean RejectPageCT(ReaderContract& oReader, Boolean bRejectHopper)
 {
     Boolean bResult = False;
-    guarded(kRejectPage, [&] {
+    guarded(kRejectPage, KEL_PARAMETERS(oReader, bRejectHopper), [&] {
         oReader.fComm().mscComm().Output(frameCommand(bRejectHopper ? "EF" : "ER"));
         if (waitForReply(oReader, {.cancellable = false}) != Wait::Reply) {
             reportReaderFault(kRejectPage, 242, kNoAnswerTitle);

@@ -28,7 +28,7 @@ std::string takeAll(ReaderContract& oReader)
 /// Closes the line if it is open, behind a failure too.
 void closeLine(ReaderContract& oReader, const char* source)
 {
-    guarded(source, [&] {
+    guarded(source, KEL_PARAMETERS(oReader), [&] {
         if (oReader.fComm().mscComm().PortOpen())
             oReader.fComm().mscComm().PortOpen(False);
     });
@@ -39,7 +39,7 @@ void closeLine(ReaderContract& oReader, const char* source)
 Boolean LocateReaderNCSEZ(ReaderContract& oReader, Int16 iPort)
 {
     Boolean bResult = False;
-    guarded(kLocateReader, [&] {
+    guarded(kLocateReader, KEL_PARAMETERS(oReader, iPort), [&] {
         openLine(oReader, iPort);
         oReader.fComm().mscComm().Output(kProbe);
         Sleep(100);
@@ -53,12 +53,13 @@ Boolean LocateReaderNCSEZ(ReaderContract& oReader, Int16 iPort)
 Boolean FirmwareVersionNCSEZ(ReaderContract& oReader, std::string& sReturn)
 {
     Boolean bResult = False;
-    guarded(kFirmwareVersion, [&] {
+    std::string sData;
+    guarded(kFirmwareVersion, KEL_PARAMETERS(oReader, sReturn) + KEL_LOCALS(sData), [&] {
         openLine(oReader, oReader.Port());
         oReader.fComm().mscComm().Output(frameCommand("V"));
         Sleep(100);
         if (oReader.fComm().mscComm().InBufferCount() > 0) {
-            const std::string sData = takeAll(oReader);
+            sData = takeAll(oReader);
             const std::size_t lLocate = sData.find(kProbeAnswer);
             if (lLocate != std::string::npos) {
                 sReturn = Trim(sData.substr(0, lLocate));

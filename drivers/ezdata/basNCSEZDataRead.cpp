@@ -22,13 +22,16 @@ constexpr Int32 kAnswerLength = 2;
 Boolean ReadPageNCSEZ(ReaderContract& oReader)
 {
     Boolean bResult = False;
-    guarded(kReadPage, [&] {
+    Int32 lWaiting = 0;
+    bool bPageRead = false;
+    Byte iTemp = 0;
+    guarded(kReadPage, KEL_PARAMETERS(oReader) + KEL_LOCALS(lWaiting, bPageRead, iTemp), [&] {
         oReader.fComm().mscComm().InputLen(1);
         PackedRows page(kMostRows, checkedAdd(oReader.RecognitionThreshold(), 1));
         drainInput(oReader);
         oReader.fComm().mscComm().Output(frameCommand("E"));
         Sleep(500);
-        const Int32 lWaiting = oReader.fComm().mscComm().InBufferCount();
+        lWaiting = oReader.fComm().mscComm().InBufferCount();
         if (lWaiting != kAnswerLength) {
             reportReaderFault(kReadPage, VBLM_RTString(TextNumber(340)) + CStr(lWaiting),
                               VBLM_RTString(TextNumber(292)));
@@ -37,14 +40,13 @@ Boolean ReadPageNCSEZ(ReaderContract& oReader)
         if (!commandTakenNCSEZ(oReader, kReadPage, {.refused = 336, .unknown = 338}))
             return;
 
-        bool bPageRead = false;
         while (!bPageRead) {
             DoEvents();
             if (oReader.CancelScan())
                 return;
             if (oReader.fComm().mscComm().InBufferCount() == 0)
                 continue;
-            const Byte iTemp = takeByte(oReader);
+            iTemp = takeByte(oReader);
             if (iTemp == kSheetEnd)
                 bPageRead = true;
             else
@@ -60,7 +62,7 @@ Boolean ReadPageNCSEZ(ReaderContract& oReader)
 Boolean RejectPageNCSEZ(ReaderContract& oReader, Boolean bRejectHopper)
 {
     Boolean bResult = False;
-    guarded(kRejectPage, [&] {
+    guarded(kRejectPage, KEL_PARAMETERS(oReader, bRejectHopper), [&] {
         oReader.fComm().mscComm().Output(frameCommand(bRejectHopper ? "EF" : "ER"));
         Sleep(200);
         if (oReader.fComm().mscComm().InBufferCount() != kAnswerLength) {

@@ -121,11 +121,12 @@ bool takeChange(ReaderContract& oReader, const std::string& sEcho, TextNumber wr
 Boolean InitReaderNCSEZ(ReaderContract& oReader)
 {
     Boolean bResult = False;
-    guarded(kInitReader, [&] {
+    std::string sConfiguration;
+    Int16 iStatus = 0;
+    guarded(kInitReader, KEL_PARAMETERS(oReader) + KEL_LOCALS(sConfiguration, iStatus), [&] {
         oReader.fComm().mscComm().InputLen(1);
         drainInput(oReader);
         Sleep(100);
-        std::string sConfiguration;
         if (!readConfiguration(oReader, sConfiguration) || !correctConfiguration(oReader, sConfiguration))
             return;
 
@@ -134,7 +135,6 @@ Boolean InitReaderNCSEZ(ReaderContract& oReader)
             failNCSEZ(kInitReader, 318);
             return;
         }
-        Int16 iStatus = 0;
         if (!takeStatus(oReader, iStatus) || !clearPath(oReader, iStatus))
             return;
         if (iStatus & kStatusFault)
@@ -150,7 +150,7 @@ Boolean InitReaderNCSEZ(ReaderContract& oReader)
 Boolean SetValuesNCSEZ(ReaderContract& oReader, const std::string& sExecCmd, const std::string& sReturn)
 {
     Boolean bResult = False;
-    guarded(kSetValues, [&] {
+    guarded(kSetValues, KEL_PARAMETERS(oReader, sExecCmd, sReturn), [&] {
         oReader.fComm().mscComm().InputLen(1);
         oReader.fComm().mscComm().Output(frameCommand(sExecCmd));
         Sleep(200);
@@ -170,10 +170,14 @@ Boolean SetValuesNCSEZ(ReaderContract& oReader, const std::string& sExecCmd, con
 Boolean CheckThresholdNCSEZ(Int16 iRecognitionThreshold, const std::string& sScannerThreshold)
 {
     Boolean bResult = False;
-    guarded(kCheckThreshold, [&] {
+    Int16 iCurrentThreshold = 0;
+    Int16 iThreshold = 0;
+    const auto variables =
+        KEL_PARAMETERS(iRecognitionThreshold, sScannerThreshold) + KEL_LOCALS(iCurrentThreshold, iThreshold);
+    guarded(kCheckThreshold, variables, [&] {
         // "60" stands for 0, "62" for 1, and so on to "78" for 9.
-        Int16 iCurrentThreshold = iRecognitionThreshold;
-        for (Int16 iThreshold = 0; iThreshold <= 9; ++iThreshold) {
+        iCurrentThreshold = iRecognitionThreshold;
+        for (iThreshold = 0; iThreshold <= 9; ++iThreshold) {
             if (sScannerThreshold == CStr(60 + 2 * iThreshold))
                 iCurrentThreshold = iThreshold;
         }
@@ -185,12 +189,13 @@ Boolean CheckThresholdNCSEZ(Int16 iRecognitionThreshold, const std::string& sSca
 Boolean CloseReaderNCSEZ(ReaderContract& oReader)
 {
     Boolean bResult = False;
-    guarded(kCloseReader, [&] {
+    bool bNeedsEject = false;
+    guarded(kCloseReader, KEL_PARAMETERS(oReader) + KEL_LOCALS(bNeedsEject), [&] {
         oReader.fComm().mscComm().InputLen(1);
         if (oReader.CancelScan()) {
             // A stopped run may have left a sheet in the path: what still comes is its sign.
             Sleep(checkedMultiply(oReader.SleepTime(), 10));
-            const bool bNeedsEject = oReader.fComm().mscComm().InBufferCount() > 0;
+            bNeedsEject = oReader.fComm().mscComm().InBufferCount() > 0;
             drainInputWithPauses(oReader);
             if (bNeedsEject)
                 oReader.RejectPage();

@@ -77,8 +77,9 @@ bool readPage(ReaderContract& oReader, PageDecoderNCS& page)
 Boolean ReadPageNCS(ReaderContract& oReader)
 {
     Boolean bResult = False;
-    guarded(kReadPage, [&] {
-        const bool bTwoSides = oReader.Duplex() && oReader.DuplexForm();
+    bool bTwoSides = false;
+    guarded(kReadPage, KEL_PARAMETERS(oReader) + KEL_LOCALS(bTwoSides), [&] {
+        bTwoSides = oReader.Duplex() && oReader.DuplexForm();
         PageDecoderNCS page(bTwoSides);
         drainInput(oReader);
         oReader.fComm().mscComm().Output(kStartOfSheet);

@@ -97,7 +97,9 @@ bool changeMode(ReaderContract& oReader, eScanMode eMode)
 Boolean InitReaderNCS(ReaderContract& oReader)
 {
     Boolean bResult = False;
-    guarded(kInitReader, [&] {
+    eScanMode eMode = eScanModeNone;
+    Int32 lIndex = 0;
+    guarded(kInitReader, KEL_PARAMETERS(oReader) + KEL_LOCALS(eMode, lIndex), [&] {
         sNCSAsyncCommDriverStatus.clear();
         eNCSScanMode = eScanModeNone;
         if (!GetScanModeNCS(oReader, eNCSScanMode))
@@ -105,8 +107,7 @@ Boolean InitReaderNCS(ReaderContract& oReader)
         if (eNCSScanMode != eScanModeI) {
             if (!changeMode(oReader, eScanModeI))
                 return;
-            eScanMode eMode = eScanModeNone;
-            for (Int32 lIndex = 0; eMode != eScanModeI; ++lIndex) {
+            for (lIndex = 0; eMode != eScanModeI; ++lIndex) {
                 if (!GetScanModeNCS(oReader, eMode))
                     return;
                 if (lIndex > kMostPolls) {
@@ -124,7 +125,7 @@ Boolean InitReaderNCS(ReaderContract& oReader)
 Boolean CloseReaderNCS(ReaderContract& oReader)
 {
     Boolean bResult = False;
-    guarded(kCloseReader, [&] {
+    guarded(kCloseReader, KEL_PARAMETERS(oReader), [&] {
         if (oReader.SleepTime() < 1)
             oReader.SleepTime(50);
         Sleep(checkedMultiply(oReader.SleepTime(), 2));
@@ -149,10 +150,11 @@ Boolean CloseReaderNCS(ReaderContract& oReader)
 Boolean CheckStatusNCS(ReaderContract& oReader)
 {
     Boolean bResult = False;
-    guarded(kCheckStatus, [&] {
+    ReportBytes bDataArr{};
+    guarded(kCheckStatus, KEL_PARAMETERS(oReader) + KEL_LOCALS(bDataArr), [&] {
         if (!query(oReader, "s1", kStatusLength, kCheckStatus))
             return;
-        const ReportBytes bDataArr = takeReport(oReader, kStatusMost);
+        bDataArr = takeReport(oReader, kStatusMost);
         if ((((bDataArr[1] & 3) | bDataArr[2]) & 15) == 0) {
             bResult = True;
             return;
@@ -172,12 +174,14 @@ Boolean CheckStatusNCS(ReaderContract& oReader)
 Boolean GetScanModeNCS(ReaderContract& oReader, eScanMode& eMode)
 {
     Boolean bResult = False;
-    guarded(kGetScanMode, [&] {
+    ReportBytes bDataArr{};
+    std::string sLetter;
+    guarded(kGetScanMode, KEL_PARAMETERS(oReader, eMode) + KEL_LOCALS(bDataArr, sLetter), [&] {
         if (!query(oReader, "s0", kReportLength, kGetScanMode))
             return;
-        const ReportBytes bDataArr = takeReport(oReader, kReportMost);
+        bDataArr = takeReport(oReader, kReportMost);
         sNCSAsyncCommDriverStatus = upperCase(Chr(bDataArr[kReportDriverStatus]));
-        const std::string sLetter = lowerCase(Chr(bDataArr[kReportScanMode]));
+        sLetter = lowerCase(Chr(bDataArr[kReportScanMode]));
         for (Int32 lMode = eScanModeI; lMode <= eScanModeS; ++lMode) {
             if (sLetter == kModeLetters[static_cast<std::size_t>(lMode)])
                 eMode = static_cast<eScanMode>(lMode);
@@ -191,13 +195,14 @@ Boolean GetScanModeNCS(ReaderContract& oReader, eScanMode& eMode)
 Boolean SetScanModeNCS(ReaderContract& oReader, eScanMode eMode)
 {
     Boolean bResult = False;
-    guarded(kSetScanMode, [&] {
+    std::string sCmd;
+    guarded(kSetScanMode, KEL_PARAMETERS(oReader, eMode) + KEL_LOCALS(sCmd), [&] {
         drainInput(oReader);
         if (eMode == eScanModeNone) {
             reportReaderFault(kSetScanMode, 286, 288);
             return;
         }
-        std::string sCmd = "e";
+        sCmd = "e";
         if (eMode >= eScanModeI && eMode <= eScanModeS)
             sCmd += kModeLetters[static_cast<std::size_t>(eMode)];
         oReader.fComm().mscComm().Output(sCmd + kEndOfField);
@@ -213,7 +218,7 @@ Boolean SetScanModeNCS(ReaderContract& oReader, eScanMode eMode)
 Boolean PrintNCS(ReaderContract& oReader)
 {
     Boolean bResult = False;
-    guarded(kPrint, [&] {
+    guarded(kPrint, KEL_PARAMETERS(oReader), [&] {
         if (oReader.Printer().isNothing())
             return;
         oReader.fComm().mscComm().Output("1" + formatZeros(oReader.Printer()->Distance(), 2) + kEndOfField);
@@ -225,12 +230,12 @@ Boolean PrintNCS(ReaderContract& oReader)
 
 void RejectPageNCS(ReaderContract& oReader)
 {
-    guarded(kRejectPage, [&] { oReader.fComm().mscComm().Output(kReject); });
+    guarded(kRejectPage, KEL_PARAMETERS(oReader), [&] { oReader.fComm().mscComm().Output(kReject); });
 }
 
 void EjectPageNCS(ReaderContract& oReader)
 {
-    guarded(kEjectPage, [&] { oReader.fComm().mscComm().Output(kEject); });
+    guarded(kEjectPage, KEL_PARAMETERS(oReader), [&] { oReader.fComm().mscComm().Output(kEject); });
 }
 
 } // namespace kel

@@ -82,14 +82,14 @@ void reportRowOverrun(ReaderContract& oReader)
 Boolean InitReaderPD(ReaderContract& oReader)
 {
     Boolean bResult = False;
-    guarded(kInitReader, [&] {
+    Int16 iStatusByte1 = 0;
+    Int16 iStatusByte2 = 0;
+    guarded(kInitReader, KEL_PARAMETERS(oReader) + KEL_LOCALS(iStatusByte1, iStatusByte2), [&] {
         oReader.fComm().mscComm().InputLen(1);
         drainInput(oReader);
         oReader.fComm().mscComm().Output("0");
         Sleep(500);
 
-        Int16 iStatusByte1 = 0;
-        Int16 iStatusByte2 = 0;
         if (!CheckStatusPD(oReader, iStatusByte1, iStatusByte2))
             return;
         if (iStatusByte1 & kWantsD)
@@ -109,13 +109,20 @@ Boolean InitReaderPD(ReaderContract& oReader)
 
 void CloseReaderPD(ReaderContract& oReader)
 {
-    guarded(kCloseReader, [&] { oReader.fComm().mscComm().Output("9"); });
+    guarded(kCloseReader, KEL_PARAMETERS(oReader), [&] { oReader.fComm().mscComm().Output("9"); });
 }
 
 Boolean SetRecThresholdPD(ReaderContract& oReader, Int32 lSleepTime)
 {
     Boolean bResult = False;
-    guarded(kSetRecThreshold, [&] {
+    Int16 iHigh = 0;
+    Int16 iLow = 0;
+    Int16 iCurrentThreshold = 0;
+    Int16 iDifference = 0;
+    Int16 iStep = 0;
+    const auto variables =
+        KEL_PARAMETERS(oReader, lSleepTime) + KEL_LOCALS(iHigh, iLow, iCurrentThreshold, iDifference, iStep);
+    guarded(kSetRecThreshold, variables, [&] {
         Sleep(checkedMultiply(lSleepTime, 5));
         oReader.fComm().mscComm().Output("+");
         Sleep(checkedMultiply(lSleepTime, 5));
@@ -124,12 +131,12 @@ Boolean SetRecThresholdPD(ReaderContract& oReader, Int32 lSleepTime)
             return;
         }
 
-        const Int16 iHigh = thresholdHighDigitPD(oReader.fComm().mscComm().Input());
+        iHigh = thresholdHighDigitPD(oReader.fComm().mscComm().Input());
         if (iHigh < 0) {
             reportReaderFault(kSetRecThreshold, 352, kThresholdTitle);
             return;
         }
-        const Int16 iLow = thresholdLowDigitPD(oReader.fComm().mscComm().Input());
+        iLow = thresholdLowDigitPD(oReader.fComm().mscComm().Input());
         if (iLow < 0) {
             reportReaderFault(kSetRecThreshold, 352, kThresholdTitle);
             return;
@@ -137,11 +144,11 @@ Boolean SetRecThresholdPD(ReaderContract& oReader, Int32 lSleepTime)
         drainInput(oReader);
 
         // "-" raises the reader's value and "+" lowers it.
-        const Int16 iCurrentThreshold = checkedAdd(iHigh, iLow);
-        const Int16 iDifference = checkedSubtract(oReader.RecognitionThreshold(), iCurrentThreshold);
-        for (Int16 iStep = 0; iStep < iDifference; ++iStep)
+        iCurrentThreshold = checkedAdd(iHigh, iLow);
+        iDifference = checkedSubtract(oReader.RecognitionThreshold(), iCurrentThreshold);
+        for (iStep = 0; iStep < iDifference; ++iStep)
             stepThreshold(oReader, "-", lSleepTime);
-        for (Int16 iStep = 0; iStep > iDifference; --iStep)
+        for (iStep = 0; iStep > iDifference; --iStep)
             stepThreshold(oReader, "+", lSleepTime);
 
         drainInput(oReader);
@@ -153,7 +160,7 @@ Boolean SetRecThresholdPD(ReaderContract& oReader, Int32 lSleepTime)
 Boolean CheckStatusPD(ReaderContract& oReader, Int16& iStatusByte1, Int16& iStatusByte2)
 {
     Boolean bResult = False;
-    guarded(kCheckStatus, [&] {
+    guarded(kCheckStatus, KEL_PARAMETERS(oReader, iStatusByte1, iStatusByte2), [&] {
         drainInput(oReader);
         Sleep(checkedMultiply(oReader.SleepTime(), 5));
         oReader.fComm().mscComm().Output("Q");
@@ -182,18 +189,22 @@ Boolean ReadPagePD(ReaderContract& oReader)
 {
     Boolean bResult = False;
     Int16 iRow = 0;
+    Int16 iThreshold = 0;
+    bool bFirstByte = true;
+    bool bRightByte = false;
+    bool bPageRead = false;
+    MarkArray iSide1Arr;
+    Int16 iStatusByte1 = 0;
+    Int16 iStatusByte2 = 0;
+    const auto variables = KEL_PARAMETERS(oReader) + KEL_LOCALS(iRow, iThreshold, bFirstByte, bRightByte, bPageRead,
+                                                                iSide1Arr, iStatusByte1, iStatusByte2);
     const auto read = [&] {
         drainInput(oReader);
         oReader.fComm().mscComm().InputLen(1);
-        const Int16 iThreshold = checkedAdd(oReader.RecognitionThreshold(), 1);
+        iThreshold = checkedAdd(oReader.RecognitionThreshold(), 1);
         iRow = 1;
-        bool bFirstByte = true;
-        bool bRightByte = false;
-        bool bPageRead = false;
-        MarkArray iSide1Arr(kMostRows, kColumns);
+        iSide1Arr.ReDim(kMostRows, kColumns);
 
-        Int16 iStatusByte1 = 0;
-        Int16 iStatusByte2 = 0;
         if (!CheckStatusPD(oReader, iStatusByte1, iStatusByte2))
             return;
         if (!(iStatusByte1 & kSheetUnderWay)) {
@@ -233,7 +244,7 @@ Boolean ReadPagePD(ReaderContract& oReader)
         oReader.Side1Array(iSide1Arr);
         bResult = True;
     };
-    guarded(kReadPage, read, [&](const RuntimeFailure&) {
+    guarded(kReadPage, variables, read, [&](const RuntimeFailure&) {
         // More row bytes than the count taken at the start byte: row 0 is refused. Whatever else fails while no row
         // is under way is told in the same words.
         if (iRow != 0)
@@ -247,7 +258,7 @@ Boolean ReadPagePD(ReaderContract& oReader)
 
 void RejectPagePD(ReaderContract& oReader)
 {
-    guarded(kRejectPage, [&] {
+    guarded(kRejectPage, KEL_PARAMETERS(oReader), [&] {
         oReader.fComm().mscComm().Output("3");
         Sleep(1000);
     });
@@ -255,7 +266,7 @@ void RejectPagePD(ReaderContract& oReader)
 
 void EjectPagePD(ReaderContract& oReader)
 {
-    guarded(kEjectPage, [&] {
+    guarded(kEjectPage, KEL_PARAMETERS(oReader), [&] {
         oReader.fComm().mscComm().Output("4");
         Sleep(100);
     });

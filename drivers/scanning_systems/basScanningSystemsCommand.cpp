@@ -19,7 +19,8 @@ constexpr const char* kReturnError = "KELReader81 - basScanningSystems.ReturnErr
 std::string SendCommandSS(ReaderContract& oReader, const std::string& sCmd, Boolean bUseByteArray)
 {
     std::string sResult;
-    guarded(kSendCommand, [&] {
+    std::string sData;
+    guarded(kSendCommand, KEL_PARAMETERS(oReader, sCmd, bUseByteArray) + KEL_LOCALS(sData), [&] {
         oReader.fComm().mscComm().Output(sCmd);
         switch (waitForReply(oReader)) {
         case Wait::Cancelled: return;
@@ -28,7 +29,6 @@ std::string SendCommandSS(ReaderContract& oReader, const std::string& sCmd, Bool
         }
 
         oReader.fComm().mscComm().InputLen(1);
-        std::string sData;
         while (oReader.fComm().mscComm().InBufferCount() > 0) {
             sData += bUseByteArray ? CStr(takeByte(oReader)) : oReader.fComm().mscComm().Input();
             if (oReader.fComm().mscComm().InBufferCount() == 0)
@@ -41,11 +41,12 @@ std::string SendCommandSS(ReaderContract& oReader, const std::string& sCmd, Bool
 
 void ReturnErrorSS(ReaderContract& oReader, const std::string& sErr)
 {
-    guarded(kReturnError, [&] {
+    std::string sText;
+    guarded(kReturnError, KEL_PARAMETERS(oReader, sErr) + KEL_LOCALS(sText), [&] {
         const std::optional<FaultTextSS> fault = faultTextSS(oReader.ReaderType(), iEmulationMode, sErr);
         if (!fault)
             return;
-        std::string sText = VBLM_RTString(fault->text);
+        sText = VBLM_RTString(fault->text);
         if (fault->behindCode)
             sText += sErr + VBLM_RTString(*fault->behindCode);
         if (!sText.empty())

@@ -47,10 +47,10 @@ void sendLine(ReaderContract& oReader, const char* line, const std::string& text
 Boolean PrintSS(ReaderContract& oReader, Boolean bAbort)
 {
     Boolean bResult = False;
-    guarded(kPrint, [&] {
+    std::string sReply;
+    guarded(kPrint, KEL_PARAMETERS(oReader, bAbort) + KEL_LOCALS(sReply), [&] {
         if (oReader.Printer().isNothing())
             return;
-        std::string sReply;
         if (bAbort) {
             static_cast<void>(ask(oReader, kNoPrintFollows, kCancelledPrint, 422, sReply));
             return;
@@ -67,7 +67,7 @@ Boolean PrintSS(ReaderContract& oReader, Boolean bAbort)
 
 void RejectPageSS(ReaderContract& oReader, Boolean bRejectHopper)
 {
-    guarded(kRejectPage, [&] {
+    guarded(kRejectPage, KEL_PARAMETERS(oReader, bRejectHopper), [&] {
         if (!oReader.Rejecter() && oReader.Printer()->Initialized()) {
             RejectPrintSS(oReader);
             return;
@@ -78,7 +78,7 @@ void RejectPageSS(ReaderContract& oReader, Boolean bRejectHopper)
 
 void RejectPrintSS(ReaderContract& oReader)
 {
-    guarded(kRejectPrint, [&] {
+    guarded(kRejectPrint, KEL_PARAMETERS(oReader), [&] {
         oReader.fComm().mscComm().Output(kNoPrintFollows);
         if (waitForReply(oReader, {.cancellable = false}) != Wait::Reply)
             return;

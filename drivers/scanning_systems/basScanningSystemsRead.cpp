@@ -132,8 +132,10 @@ bool readWindowsOfSide(ReaderContract& oReader, std::string_view prefix, std::st
 Boolean ReadPageSS(ReaderContract& oReader)
 {
     Boolean bResult = False;
-    guarded(kReadPage, [&] {
-        TextArray sBarcodeArr(0, 0);
+    TextArray sBarcodeArr;
+    std::string sData;
+    guarded(kReadPage, KEL_PARAMETERS(oReader) + KEL_LOCALS(sBarcodeArr, sData), [&] {
+        sBarcodeArr.ReDim(0, 0);
         drainInput(oReader);
         if (wantsBarcode(oReader))
             InitBarcodeSS(oReader);
@@ -141,7 +143,7 @@ Boolean ReadPageSS(ReaderContract& oReader)
             InitPrinterSS(oReader);
 
         // The reader answers when a sheet has passed: this is the wait for the sheet.
-        const std::string sData = SendCommandSS(oReader, "?\r", True);
+        sData = SendCommandSS(oReader, "?\r", True);
         if (sData.empty() || !statusIsGood(oReader, sData))
             return;
         readTimingMarks(oReader);
@@ -157,11 +159,12 @@ Boolean ReadPageSS(ReaderContract& oReader)
 Boolean ReadEntirePageSS(ReaderContract& oReader)
 {
     Boolean bResult = False;
-    guarded(kReadEntirePage, [&] {
+    MarkArray iSide1Arr;
+    MarkArray iSide2Arr;
+    guarded(kReadEntirePage, KEL_PARAMETERS(oReader) + KEL_LOCALS(iSide1Arr, iSide2Arr), [&] {
         drainInput(oReader);
         const bool bSR430 = oReader.ReaderType() == kelReaderTypeSekonicSR430;
-        MarkArray iSide1Arr(oReader.LargestSide1Rows(), kPageColumns);
-        MarkArray iSide2Arr;
+        iSide1Arr.ReDim(oReader.LargestSide1Rows(), kPageColumns);
         if (!readSide(oReader, "", oReader.LargestSide1Rows(),
                       bSR430 ? ColumnLettersSS::SR430 : ColumnLettersSS::Upwards, iSide1Arr))
             return;
@@ -182,11 +185,12 @@ Boolean ReadEntirePageSS(ReaderContract& oReader)
 Boolean ReadWindowsSS(ReaderContract& oReader)
 {
     Boolean bResult = False;
-    guarded(kReadWindows, [&] {
+    MarkArray iSide1Arr;
+    MarkArray iSide2Arr;
+    std::string sOutput;
+    guarded(kReadWindows, KEL_PARAMETERS(oReader) + KEL_LOCALS(iSide1Arr, iSide2Arr, sOutput), [&] {
         drainInput(oReader);
-        MarkArray iSide1Arr(oReader.LargestSide1Rows(), oReader.LargestSide1Cols());
-        MarkArray iSide2Arr;
-        std::string sOutput;
+        iSide1Arr.ReDim(oReader.LargestSide1Rows(), oReader.LargestSide1Cols());
         if (!readWindowsOfSide(oReader, "", sOutput))
             return;
         AddToArraySS(oReader, sOutput, 1, iSide1Arr);
@@ -207,8 +211,8 @@ Boolean ReadWindowsSS(ReaderContract& oReader)
 
 void AddToArraySS(ReaderContract& oReader, const std::string& sOutput, Int16 iPage, MarkArray& iPageArr)
 {
-    guarded(kAddToArray, [&] {
-        std::vector<Reference<clsKELReaderWindow>> windows;
+    std::vector<Reference<clsKELReaderWindow>> windows;
+    guarded(kAddToArray, KEL_PARAMETERS(oReader, sOutput, iPage, iPageArr) + KEL_LOCALS(windows), [&] {
         const Int32 lWindows = oReader.Windows()->Count();
         for (Int32 lWindow = 1; lWindow <= lWindows; ++lWindow)
             windows.push_back(oReader.Windows()->Item(lWindow));

@@ -91,7 +91,7 @@ bool startInEmulationMode(ReaderContract& oReader)
 Boolean InitReaderSS(ReaderContract& oReader)
 {
     Boolean bResult = False;
-    guarded(kInitReader, [&] {
+    guarded(kInitReader, KEL_PARAMETERS(oReader), [&] {
         oReader.fComm().mscComm().Output(kResetSS);
         if (!answerComes(oReader))
             return;

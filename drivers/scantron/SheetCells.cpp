@@ -28,32 +28,31 @@ WindowCellsST::Direction::Direction(Int16 startAt, Int16 count, Int16 signedGap)
 {
 }
 
-Int16 WindowCellsST::Direction::at(Int16 index) const
-{
-    return checkedSubtract(checkedAdd(checkedMultiply(gap, index), start), gap);
-}
-
 WindowCellsST::WindowCellsST(const clsKELReaderWindow& window)
-    : rows_(window.StartRow(), window.NumRows(), window.RowGap()),
-      columns_(window.StartCol(), window.NumCols(), window.ColGap()), byColumns_(window.Orientation() == 0)
+    : byColumns_(window.Orientation() == 0), outer_(byColumns_ ? columnsOf(window) : rowsOf(window)),
+      inner_(byColumns_ ? rowsOf(window) : columnsOf(window)), iInner_(inner_.length)
 {
 }
 
-std::optional<WindowCellsST::Cell> WindowCellsST::next()
+WindowCellsST::Direction WindowCellsST::rowsOf(const clsKELReaderWindow& window)
 {
-    const Direction& outer = byColumns_ ? columns_ : rows_;
-    const Direction& inner = byColumns_ ? rows_ : columns_;
-    if (iInner_ >= inner.length) {
+    return {window.StartRow(), window.NumRows(), window.RowGap()};
+}
+
+WindowCellsST::Direction WindowCellsST::columnsOf(const clsKELReaderWindow& window)
+{
+    return {window.StartCol(), window.NumCols(), window.ColGap()};
+}
+
+bool WindowCellsST::beginLine()
+{
+    while (iOuter_ < outer_.length) {
+        outerAt_ = outer_.at(++iOuter_);
         iInner_ = 0;
-        iOuter_ = checkedAdd(iOuter_, 1);
-        outerAt_.reset();
+        if (inner_.length > 0)
+            return true;
     }
-    if (inner.length < 1 || iOuter_ > outer.length)
-        return std::nullopt;
-    if (!outerAt_)
-        outerAt_ = outer.at(iOuter_);
-    const Int16 innerAt = inner.at(++iInner_);
-    return byColumns_ ? Cell{innerAt, *outerAt_} : Cell{*outerAt_, innerAt};
+    return false;
 }
 
 } // namespace kel

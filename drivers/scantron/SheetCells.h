@@ -56,12 +56,33 @@ private:
         Int16 length;
     };
 
-    Direction rows_;
-    Direction columns_;
+    [[nodiscard]] static Direction rowsOf(const clsKELReaderWindow& window);
+    [[nodiscard]] static Direction columnsOf(const clsKELReaderWindow& window);
+
+    /// Goes on to the next row or column of cells; false behind the last one.
+    bool beginLine();
+
     bool byColumns_;
-    Int16 iOuter_ = 1;
-    Int16 iInner_ = 0;
-    std::optional<Int16> outerAt_; // where the outer direction stands now
+    Direction outer_;
+    Direction inner_;
+    Int16 iOuter_ = 0;
+    Int16 outerAt_ = 0;
+    Int16 iInner_; // from the start as behind the end of a line
 };
+
+// In the header, so that the loop over a window's cells is one with its steps.
+
+inline Int16 WindowCellsST::Direction::at(Int16 index) const
+{
+    return checkedSubtract(checkedAdd(checkedMultiply(gap, index), start), gap);
+}
+
+inline std::optional<WindowCellsST::Cell> WindowCellsST::next()
+{
+    if (iInner_ >= inner_.length && !beginLine())
+        return std::nullopt;
+    const Int16 innerAt = inner_.at(++iInner_);
+    return byColumns_ ? Cell{innerAt, outerAt_} : Cell{outerAt_, innerAt};
+}
 
 } // namespace kel

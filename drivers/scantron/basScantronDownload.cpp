@@ -117,18 +117,25 @@ Int16& iRecognitionOffset()
 Boolean DownloadFormST(ReaderContract& oReader)
 {
     Boolean bResult = False;
-    guarded(kDownloadForm, [&] {
+    PageArray iSide1RowsArr;
+    PageArray iSide1ColsArr;
+    PageArray iSide2RowsArr;
+    PageArray iSide2ColsArr;
+    Int16 iSheetIndex = 0;
+    const auto variables =
+        KEL_PARAMETERS(oReader) + KEL_LOCALS(iSide1RowsArr, iSide1ColsArr, iSide2RowsArr, iSide2ColsArr, iSheetIndex);
+    guarded(kDownloadForm, variables, [&] {
         const bool bColumnModel = isColumnModel(oReader.ReaderType());
         iRecognitionOffset() = bColumnModel ? 0 : 48;
         if (bColumnModel && !send(oReader, thresholdCommandST(oReader.RecognitionThreshold()), 434))
             return;
 
-        const PageArray iSide1RowsArr = oReader.Side1Rows();
-        const PageArray iSide1ColsArr = oReader.Side1Cols();
-        const PageArray iSide2RowsArr = oReader.Side2Rows();
-        const PageArray iSide2ColsArr = oReader.Side2Cols();
+        iSide1RowsArr = oReader.Side1Rows();
+        iSide1ColsArr = oReader.Side1Cols();
+        iSide2RowsArr = oReader.Side2Rows();
+        iSide2ColsArr = oReader.Side2Cols();
         const Int32 lSheets = iSide1RowsArr.UBound();
-        for (Int16 iSheetIndex = 1; iSheetIndex <= lSheets; ++iSheetIndex) {
+        for (iSheetIndex = 1; iSheetIndex <= lSheets; ++iSheetIndex) {
             const bool bTwoSides = oReader.Duplex() && oReader.DuplexForm();
             const Int16 iSide2Rows = bTwoSides ? iSide2RowsArr(iSheetIndex) : Int16{0};
             if (!send(oReader, formStartST(iSide1RowsArr(iSheetIndex), iSide2Rows, iSide1ColsArr(iSheetIndex)), 436))

@@ -162,12 +162,13 @@ SideEnd readWindow(ReaderContract& oReader, const clsKELReaderWindow& cWindow, M
 Boolean ReadPageST(ReaderContract& oReader)
 {
     Boolean bResult = False;
-    guarded(kReadPage, [&] {
+    MarkArray iSide1Arr;
+    MarkArray iSide2Arr;
+    guarded(kReadPage, KEL_PARAMETERS(oReader) + KEL_LOCALS(iSide1Arr, iSide2Arr), [&] {
         if (!startTransfer(oReader, {kReadPage, oReader.Rejecter() ? "READ 5 Y E" : "READ 5 Y", 454}))
             return;
 
-        MarkArray iSide1Arr(oReader.LargestSide1Rows(), oReader.LargestSide1Cols());
-        MarkArray iSide2Arr;
+        iSide1Arr.ReDim(oReader.LargestSide1Rows(), oReader.LargestSide1Cols());
         oReader.Side1TimingMarks(0);
         oReader.Side2TimingMarks(0);
         const SideEnd eSide1 = readSide1(oReader, iSide1Arr);
@@ -195,16 +196,21 @@ Boolean ReadPageST(ReaderContract& oReader)
 Boolean ReadWindowsST(ReaderContract& oReader)
 {
     Boolean bResult = False;
-    guarded(kReadWindows, [&] {
-        const Int32 lWindowCount = oReader.Windows()->Count();
+    Int32 lWindowCount = 0;
+    Int32 lWindowIndex = 0;
+    MarkArray iSide1Arr;
+    MarkArray iSide2Arr;
+    bool bSide2 = false;
+    bool bEnded = false;
+    const auto variables =
+        KEL_PARAMETERS(oReader) + KEL_LOCALS(lWindowCount, lWindowIndex, iSide1Arr, iSide2Arr, bSide2, bEnded);
+    guarded(kReadWindows, variables, [&] {
+        lWindowCount = oReader.Windows()->Count();
         if (!startTransfer(oReader, {kReadWindows, "READ 5 Y E", 458}))
             return;
 
-        MarkArray iSide1Arr(oReader.LargestSide1Rows(), oReader.LargestSide1Cols());
-        MarkArray iSide2Arr;
-        bool bSide2 = false;
-        bool bEnded = false;
-        for (Int32 lWindowIndex = 1; lWindowIndex <= lWindowCount && !bEnded; ++lWindowIndex) {
+        iSide1Arr.ReDim(oReader.LargestSide1Rows(), oReader.LargestSide1Cols());
+        for (lWindowIndex = 1; lWindowIndex <= lWindowCount && !bEnded; ++lWindowIndex) {
             const Reference<clsKELReaderWindow> cWindow = oReader.Windows()->Item(lWindowIndex);
             // From the first window of another page on all bytes are side 2's.
             if (cWindow->Page() >= 2 && !bSide2) {

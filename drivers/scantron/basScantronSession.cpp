@@ -63,7 +63,7 @@ ScantronReady judgeStatus(const std::string& sStatus)
 Boolean InitReaderST(ReaderContract& oReader)
 {
     Boolean bResult = False;
-    guarded(kInitReader, [&] {
+    guarded(kInitReader, KEL_PARAMETERS(oReader), [&] {
         if (!ResetReaderST(oReader))
             return;
         if (DownloadFormST(oReader))
@@ -77,14 +77,14 @@ Boolean InitReaderST(ReaderContract& oReader)
 Boolean CloseReaderST(ReaderContract& oReader)
 {
     Boolean bResult = False;
-    guarded(kCloseReader, [&] { bResult = ResetReaderST(oReader); });
+    guarded(kCloseReader, KEL_PARAMETERS(oReader), [&] { bResult = ResetReaderST(oReader); });
     return bResult;
 }
 
 Boolean ResetReaderST(ReaderContract& oReader)
 {
     Boolean bResult = False;
-    guarded(kResetReader, [&] {
+    guarded(kResetReader, KEL_PARAMETERS(oReader), [&] {
         if (!oReader.fComm().mscComm().PortOpen()) {
             bResult = True;
             return;
@@ -106,7 +106,7 @@ Boolean ResetReaderST(ReaderContract& oReader)
 Boolean SendCommandST(ReaderContract& oReader, const std::string& sCmd)
 {
     Boolean bResult = False;
-    guarded(kSendCommand, [&] {
+    guarded(kSendCommand, KEL_PARAMETERS(oReader, sCmd), [&] {
         oReader.fComm().mscComm().Output(sCmd);
         if (waitForReply(oReader) == Wait::Reply)
             bResult = collectText(oReader).starts_with('\r');
@@ -117,7 +117,8 @@ Boolean SendCommandST(ReaderContract& oReader, const std::string& sCmd)
 ScantronReady CheckStatusST(ReaderContract& oReader)
 {
     ScantronReady eReady = ScantronReady::Fault;
-    guarded(kCheckStatus, [&] {
+    std::string sStatus;
+    guarded(kCheckStatus, KEL_PARAMETERS(oReader) + KEL_LOCALS(sStatus), [&] {
         oReader.fComm().mscComm().Output(frameST("QSTS"));
         switch (waitForReply(oReader)) {
         case Wait::Cancelled: return;
@@ -128,7 +129,6 @@ ScantronReady CheckStatusST(ReaderContract& oReader)
         // The block has one whole time-out of its own, and the stop flag is not looked at any more.
         oReader.fComm().tmrScan().Enabled(True);
         oReader.fComm().mscComm().InputLen(1);
-        std::string sStatus;
         while (sStatus.size() < kStatusLength) {
             DoEvents();
             if (oReader.fComm().mscComm().InBufferCount() > 0)
@@ -152,7 +152,7 @@ void ClearBufferST(ReaderContract& oReader)
 Boolean RejectPageST(ReaderContract& oReader, Boolean bRejectHopper)
 {
     Boolean bResult = False;
-    guarded(kRejectPage, [&] {
+    guarded(kRejectPage, KEL_PARAMETERS(oReader, bRejectHopper), [&] {
         if (bRejectHopper) {
             oReader.fComm().mscComm().Output(frameST("PRN$ 1 N "));
             oReader.fComm().mscComm().Output(frameST("EJCT C"));
@@ -176,8 +176,9 @@ Boolean RejectPageST(ReaderContract& oReader, Boolean bRejectHopper)
 Boolean PrintST(ReaderContract& oReader)
 {
     Boolean bResult = False;
-    guarded(kPrint, [&] {
-        const std::string sText = Space(oReader.Printer()->Distance()) + oReader.Printer()->Buffer1();
+    std::string sText;
+    guarded(kPrint, KEL_PARAMETERS(oReader) + KEL_LOCALS(sText), [&] {
+        sText = Space(oReader.Printer()->Distance()) + oReader.Printer()->Buffer1();
         bResult = SendCommandST(oReader, frameST("PRN$ 1 Y " + Left(sText, kLongestPrint)));
     });
     return bResult;

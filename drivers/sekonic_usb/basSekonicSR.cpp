@@ -55,14 +55,14 @@ Int32 outletSR(Boolean bRejecter, Boolean bStop)
 Boolean InitReaderSR(ReaderContract& oReader)
 {
     Boolean bResult = False;
+    Int32 lVal1 = 0;
+    Int32 lVal2 = 0;
     const auto init = [&] {
         if (omrApi().OMR_OpenDeviceUSB() != 0) {
             omrApi().OMR_GetLastError();
             reportReaderFault(kInitReader, kNotOpened, kInitTitle);
             return;
         }
-        Int32 lVal1 = 0;
-        Int32 lVal2 = 0;
         if (omrApi().OMR_GetReadingMethod(lVal1, lVal2) == 0) {
             reportReaderFault(kInitReader, kReadingMethodNotTold, kInitTitle);
             return;
@@ -89,7 +89,7 @@ Boolean InitReaderSR(ReaderContract& oReader)
             InitBarcodeSR();
         bResult = True;
     };
-    guarded(kInitReader, init, toldMissingLibrary);
+    guarded(kInitReader, KEL_PARAMETERS(oReader) + KEL_LOCALS(lVal1, lVal2), init, toldMissingLibrary);
     return bResult;
 }
 
@@ -106,8 +106,9 @@ Boolean CloseReaderSR()
 Boolean InitBarcodeSR()
 {
     Boolean bResult = False;
-    guarded(kInitBarcode, [&] {
-        const Int32 lUnit = omrApi().OMR_GetBarcodeReaderUnit();
+    Int32 lUnit = 0;
+    guarded(kInitBarcode, KEL_LOCALS(lUnit), [&] {
+        lUnit = omrApi().OMR_GetBarcodeReaderUnit();
         if (lUnit == -1)
             return;
         bResult = lUnit != 0 || omrApi().OMR_SetBarcodeReaderUnit(1) != 0;
@@ -117,7 +118,7 @@ Boolean InitBarcodeSR()
 
 void ReturnErrorSR(Int32 lError)
 {
-    guarded(kReturnError, [&] {
+    guarded(kReturnError, KEL_PARAMETERS(lError), [&] {
         DisplayError({.ErrorNumber = shownErrorSR(lError),
                       .ErrorType = kErrorTypeSettings,
                       .ErrorDescription = VBLM_RTString(errorMessageSR(lError)),
@@ -129,8 +130,9 @@ void ReturnErrorSR(Int32 lError)
 Boolean RejectPageSR(ReaderContract& oReader)
 {
     Boolean bResult = False;
-    guarded(kRejectPage, [&] {
-        const Int32 lOutlet = outletSR(oReader.Rejecter(), oReader.CancelScan());
+    Int32 lOutlet = 0;
+    guarded(kRejectPage, KEL_PARAMETERS(oReader) + KEL_LOCALS(lOutlet), [&] {
+        lOutlet = outletSR(oReader.Rejecter(), oReader.CancelScan());
         bResult = omrApi().OMR_EjectSheet(lOutlet) == 1;
     });
     return bResult;
@@ -139,8 +141,9 @@ Boolean RejectPageSR(ReaderContract& oReader)
 Boolean EjectPageSR(ReaderContract& oReader)
 {
     Boolean bResult = False;
-    guarded(kRejectPage, [&] {
-        const Int32 lOutlet = outletSR(False, oReader.CancelScan());
+    Int32 lOutlet = 0;
+    guarded(kRejectPage, KEL_PARAMETERS(oReader) + KEL_LOCALS(lOutlet), [&] {
+        lOutlet = outletSR(False, oReader.CancelScan());
         bResult = omrApi().OMR_EjectSheet(lOutlet) == 1;
     });
     return bResult;

@@ -88,22 +88,28 @@ TextArray fetchBarcodes()
 Boolean ReadPageSR(ReaderContract& oReader, Int32 lRecognitionThreshold)
 {
     Boolean bResult = False;
-    guarded(kReadPage, [&] {
-        MarkArray iSide1Arr(kMostRowsSR, kColumnsSR);
-        MarkArray iSide2Arr(kMostRowsSR, kColumnsSR);
-        TextArray sBarcodeArr(0, 0);
+    MarkArray iSide1Arr;
+    MarkArray iSide2Arr;
+    TextArray sBarcodeArr;
+    bool bReadBarcodes = false;
+    SRRead uRead;
+    Int32 lReturn = 0;
+    const auto variables = KEL_PARAMETERS(oReader, lRecognitionThreshold) +
+                           KEL_LOCALS(iSide1Arr, iSide2Arr, sBarcodeArr, bReadBarcodes, uRead, lReturn);
+    guarded(kReadPage, variables, [&] {
+        iSide1Arr.ReDim(kMostRowsSR, kColumnsSR);
+        iSide2Arr.ReDim(kMostRowsSR, kColumnsSR);
+        sBarcodeArr.ReDim(0, 0);
 
-        bool bReadBarcodes = false;
         if (oReader.Barcode() && oReader.Barcodes()->Count() > 0)
             bReadBarcodes = prepareBarcodes(oReader);
 
-        SRRead uRead;
         uRead.lCols = omrApi().OMR_GetNumberOfColumnsToRead();
         uRead.lRows = kMostRowsSR;
         uRead.lThreshold = lRecognitionThreshold;
 
         omrApi().OMR_FeedSheet();
-        const Int32 lReturn = omrApi().OMR_GetLastError();
+        lReturn = omrApi().OMR_GetLastError();
         switch (feedResultSR(lReturn)) {
         case FeedResultSR::SheetRead: break;
         case FeedResultSR::QuietStop: return;
@@ -141,13 +147,14 @@ Boolean ReadPageSR(ReaderContract& oReader, Int32 lRecognitionThreshold)
 Boolean PrintSR(const Reference<clsKELReaderPrinter>& cPrinter)
 {
     Boolean bResult = False;
-    guarded(kPrint, [&] {
+    Int32 lPosition = 0;
+    guarded(kPrint, KEL_PARAMETERS(cPrinter) + KEL_LOCALS(lPosition), [&] {
         if (cPrinter.isNothing() || !cPrinter->Active() || !cPrinter->Enabled() || !cPrinter->Initialized() ||
             cPrinter->BufferCount() < 1)
             return;
         if (omrApi().OMR_SetPrintOrder(1, 2, 3) == 0)
             return;
-        const Int32 lPosition = CLng(Val(CStr(cPrinter->Distance())));
+        lPosition = CLng(Val(CStr(cPrinter->Distance())));
         if (omrApi().OMR_SetPrintPosition(lPosition) == 0)
             return;
         if (omrApi().OMR_SetPrintString(1, cPrinter->Buffer1().c_str()) == 0)

@@ -9,8 +9,6 @@ namespace kel {
 
 namespace {
 
-using namespace std::chrono_literals;
-
 constexpr Byte kGo = 0x11;
 constexpr Byte kEject = 0x12;
 constexpr Byte kEnd = 0x0E;
@@ -28,7 +26,7 @@ constexpr Byte kFaults1 = 0x03;
 constexpr Byte kFaults2 = 0x0F;
 constexpr Byte kJam = 0x08;
 
-constexpr Moment kReplyTime = 2ms;
+constexpr Int32 kReplyMs = 2;
 
 char letterOf(const std::string& name, const std::string& text, std::string_view allowed)
 {
@@ -56,6 +54,7 @@ OpScan::OpScan(SimulatorOptions options)
           lengthOf("status-length", settingNumber("status-length", kStatusLength), kStatusLength))),
       reportLength_(static_cast<std::size_t>(
           lengthOf("report-length", settingNumber("report-length", Int32{kReportLength}), Int32{kReportLength}))),
+      replyTime_(std::chrono::milliseconds(settingNumber("reply-ms", kReplyMs))),
       feedTime_(std::chrono::milliseconds(settingNumber("feed-ms", 300))),
       format_{.compressed = settingFlag("compress", true),
               .alternating = settingFlag("alternate", false),
@@ -174,7 +173,7 @@ void OpScan::reportMode()
     report[kModeAt] = reportsStillLate_ > 0 ? modeBefore_ : mode_;
     if (reportsStillLate_ > 0)
         --reportsStillLate_;
-    sendAfter(kReplyTime, report);
+    sendAfter(replyTime_, report);
 }
 
 void OpScan::startSession()
@@ -279,7 +278,7 @@ void OpScan::reportStatus()
     status[1] = static_cast<char>(kMeaningless | status1_);
     status[2] = static_cast<char>(kMeaningless | status2_);
     status[3] = '\r';
-    sendAfter(kReplyTime, status);
+    sendAfter(replyTime_, status);
 }
 
 void OpScan::letSheetGo()

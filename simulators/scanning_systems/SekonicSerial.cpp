@@ -52,6 +52,17 @@ SekonicSerial::SekonicSerial(SimulatorOptions options)
         style_ = {.blanks = false, .separators = false, .explicitZeros = false};
     if (optionsReply_.size() > 5)
         optionsReply_[5] = rejecter_ ? '1' : '0';
+    if (!isLarge())
+        learnWindows();
+}
+
+/// No host can load windows into the small readers: theirs are those of the form.
+void SekonicSerial::learnWindows()
+{
+    for (const FormWindow& window : form().windows)
+        windows_.at(window.Page == 1 ? 0 : 1)
+            .push_back(
+                {window.StartRow, window.NumRows, window.RowGap, window.StartCol, window.NumCols, window.ColGap});
 }
 
 bool SekonicSerial::isLarge() const
@@ -173,7 +184,7 @@ void SekonicSerial::setUpOrRead(const std::string& text, int side)
         blockSide_ = side;
     } else if (text.starts_with("ED001"))
         sendPage(text.substr(5), side);
-    else if (text == "R*" && isLarge())
+    else if (text == "R*" && (isLarge() || !form().windows.empty()))
         sendWindows(side);
     else
         unknown(kDLE + text);

@@ -24,7 +24,7 @@ namespace kel {
 ///     [/] 05 "T"    timing marks: three digits, and more
 ///     13 "BA05"     a character, the barcode, a character; "?" and more without one
 ///     [/] 10 "ED001nnn"     the marks of a side down to a row
-///     [/] 10 "R*"   the marks of a side's windows
+///     [/] 10 "R*"   the marks of a side's windows: the loaded ones, with 19 and 38 those of the form
 ///     13 "P32nnn", "P4n" text blank, "P2n"     print position, the text of a line, and its print
 ///     "?P"          how the print went, by the last byte; "?F" no print: both let the sheet go
 ///     13 "R05", "R04"     reject hopper, normal way
@@ -55,6 +55,7 @@ private:
     void onOpen() override;
     void onClose() override;
 
+    void learnWindows();
     void obey(std::string command);
     void block(const std::string& text);
     void reset();

@@ -9,8 +9,6 @@ namespace kel {
 
 namespace {
 
-using namespace std::chrono_literals;
-
 constexpr Byte kEsc = 0x1B;
 constexpr Byte kCr = 0x0D;
 
@@ -22,7 +20,7 @@ constexpr char kJam = 0x40;
 constexpr std::size_t kMostPrinted = 125;
 constexpr Int32 kHighestRaw = 255;
 
-constexpr Moment kReplyTime = 2ms;
+constexpr Int32 kReplyMs = 2;
 
 bool isColumnModel(kelReaderType model)
 {
@@ -45,6 +43,7 @@ std::string usualStatus()
 Scanmark::Scanmark(SimulatorOptions options)
     : Simulator(std::move(options)), columnModel_(isColumnModel(model())), ejects_(hasEject(model())),
       status_(parseTranscriptBytes(setting("status", '"' + usualStatus() + '"'))),
+      replyTime_(std::chrono::milliseconds(settingNumber("reply-ms", kReplyMs))),
       feedTime_(std::chrono::milliseconds(settingNumber("feed-ms", 300))),
       readyTime_(std::chrono::milliseconds(settingNumber("ready-ms", 0))), endAfter_(settingNumber("end-after", -1)),
       end_(settingFlag("end", true)), answersPrintOff_(settingFlag("prn-n-reply", true))
@@ -122,13 +121,13 @@ void Scanmark::execute(const std::string& command)
 
 void Scanmark::acknowledge()
 {
-    sendAfter(kReplyTime, "\r");
+    sendAfter(replyTime_, "\r");
 }
 
 void Scanmark::refuse(const std::string& why)
 {
     fault(why);
-    sendAfter(kReplyTime, "?");
+    sendAfter(replyTime_, "?");
 }
 
 // --- Session and form
@@ -210,7 +209,7 @@ void Scanmark::reportStatus()
     const int flags = (block[kFlags] & ~kSheetReady) | (jammed_ ? kJam : 0) | (sheetReady() ? kSheetReady : 0);
     block[kFlags] = static_cast<char>(flags);
     toldReady_ = sheetReady();
-    sendAfter(kReplyTime, block);
+    sendAfter(replyTime_, block);
 }
 
 void Scanmark::startRead()

@@ -30,8 +30,9 @@ namespace kel {
 /// a jam is an end without cells and the bit 0x40.
 ///
 /// Settings: `status` (the 12 characters in the notation of transcripts; bit 0x01 of position 9 is the feeder's all the
-/// same), `feed-ms` (from READ to its reply), `ready-ms` (how long after a read the next sheet is ready), `end-after`
-/// (the end comes behind so many cells), `end` (false: never), `prn-n-reply` (false: PRN$ 1 N is not answered).
+/// same), `reply-ms` (from any other command to its reply), `feed-ms` (from READ to its reply), `ready-ms` (how long
+/// after a read the next sheet is ready), `end-after` (the end comes behind so many cells), `end` (false: never),
+/// `prn-n-reply` (false: PRN$ 1 N is not answered).
 class Scanmark final : public Simulator {
 public:
     explicit Scanmark(SimulatorOptions options);
@@ -89,6 +90,7 @@ private:
 
     std::string status_;
     bool jammed_ = false;
+    Moment replyTime_;
     Moment feedTime_;
     Moment readyTime_;
     Int32 endAfter_;

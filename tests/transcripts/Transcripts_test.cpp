@@ -3,9 +3,10 @@
 #include "platform/PortMap.h"
 #include "platform/posix/PosixPlatform.h"
 #include "platform/posix/PtyDeviceHost.h"
+#include "platform/simulated/SimulatedPlatform.h"
 #include "simulators/framework/TranscriptDevice.h"
 #include "strings/VBLMRTSModule.h"
-#include "tests/support/ReaderHost.h"
+#include "tests/support/WatchedDevice.h"
 #include "types/Text.h"
 
 #include <nlohmann/json.hpp>
@@ -16,7 +17,6 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
-#include <future>
 #include <sstream>
 
 // Sessions byte for byte. Every file below this folder is one: its head says what the host is to do (model, line, form,
@@ -139,43 +139,6 @@ std::vector<std::string> scan(const Transcript& transcript)
     static_cast<void>(runScan(reader, request, sink));
     return lines;
 }
-
-/// A device that says when its line was closed or hung up: until then the host's last bytes may be on the wire.
-class WatchedDevice final : public LineDevice {
-public:
-    explicit WatchedDevice(LineDevice& device) : device_(device) {}
-
-    void lineOpened(Moment now, const LineParameters& line) override { device_.lineOpened(now, line); }
-    void lineClosed(Moment now) override
-    {
-        device_.lineClosed(now);
-        tellEnd();
-    }
-    void byteFromHost(Moment now, Byte byte) override { device_.byteFromHost(now, byte); }
-    [[nodiscard]] std::optional<Moment> nextEvent() const override { return device_.nextEvent(); }
-    [[nodiscard]] std::optional<Byte> takeByte(Moment now) override
-    {
-        const std::optional<Byte> byte = device_.takeByte(now);
-        if (device_.hungUp())
-            tellEnd();
-        return byte;
-    }
-    [[nodiscard]] bool hungUp() const override { return device_.hungUp(); }
-
-    void waitForEnd() { ended_.get_future().wait_for(std::chrono::seconds(10)); }
-
-private:
-    void tellEnd()
-    {
-        if (!told_)
-            ended_.set_value();
-        told_ = true;
-    }
-
-    LineDevice& device_;
-    std::promise<void> ended_;
-    bool told_ = false;
-};
 
 void expectPlayed(const TranscriptDevice& device)
 {

@@ -7,14 +7,23 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <filesystem>
 #include <iostream>
 #include <memory>
 #include <type_traits>
 
+#if !defined(_WIN32)
+#include <dlfcn.h>
+#endif
+
 // The functions of the maker's library as a program sees them: C functions on 32-bit numbers, records of 32-bit
 // fields, arrays by their first byte, and texts that end with a zero.
 
+#if defined(_WIN32)
+#define OMR_EXPORT extern "C" __declspec(dllexport)
+#else
 #define OMR_EXPORT extern "C" __attribute__((visibility("default")))
+#endif
 
 namespace {
 
@@ -33,11 +42,32 @@ struct AreaRecord {
 };
 static_assert(sizeof(AreaRecord) == 8 && offsetof(AreaRecord, length) == 4);
 
-/// A reader that nobody has set up: what the file says that the environment names, or no reader at all.
-std::unique_ptr<kel::OmrDevice> deviceOfEnvironment()
+/// The file beside this library that has the name under which it was loaded, with ".json" behind it.
+std::string fileBesideLibrary()
 {
-    const char* file = std::getenv("KEL_OMRAPI_SIMULATION");
-    if (!file)
+#if defined(_WIN32)
+    return {};
+#else
+    Dl_info self{};
+    ::dladdr(reinterpret_cast<const void*>(&fileBesideLibrary), &self);
+    const std::string file = std::string(self.dli_fname ? self.dli_fname : "") + ".json";
+    return std::filesystem::exists(file) ? file : std::string();
+#endif
+}
+
+/// What tells how the reader is; empty if nothing does.
+std::string stateFile()
+{
+    const char* named = std::getenv("KEL_OMRAPI_SIMULATION");
+    return named ? named : fileBesideLibrary();
+}
+
+/// A reader that nobody has set up: as the state file tells it, with an empty feeder without one, and no reader at all
+/// where the file is broken.
+std::unique_ptr<kel::OmrDevice> deviceOfFile()
+{
+    const std::string file = stateFile();
+    if (file.empty())
         return std::make_unique<kel::OmrDevice>();
     try {
         return std::make_unique<kel::OmrDevice>(kel::omrStateFromJson(kel::json::readWholeFile(file)));
@@ -57,7 +87,7 @@ std::unique_ptr<kel::OmrDevice>& place()
 kel::OmrDevice& device()
 {
     if (!place())
-        place() = deviceOfEnvironment();
+        place() = deviceOfFile();
     return *place();
 }
 

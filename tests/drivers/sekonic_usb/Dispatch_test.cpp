@@ -67,6 +67,15 @@ TEST_F(SekonicUsbDispatch, CountsAnEjectedSheetOnlyWhileAStopIsPending)
     }
 }
 
+TEST_F(SekonicUsbDispatch, AStopThatComesDuringTheEjectCountsWhenItReturns)
+{
+    library.onCall = [&](const std::string&) { reader.CancelScan(True); };
+    Boolean bSheetEjected;
+    ReaderEject(reader, bSheetEjected);
+    EXPECT_EQ(bSheetEjected, True);
+    EXPECT_THAT(library.calls, ElementsAre("OMR_EjectSheet 3"));
+}
+
 TEST_F(SekonicUsbDispatch, TakesTheStopFlagBitByBit)
 {
     reader.CancelScan(Boolean::fromBits(4));

@@ -1,5 +1,5 @@
+#include "platform/TurnTimer.h"
 #include "platform/posix/LineInput.h"
-#include "platform/posix/PosixScanTimer.h"
 #include "platform/posix/SteadyTime.h"
 #include "tests/platform/posix/PosixTest.h"
 
@@ -442,7 +442,7 @@ TEST_F(PosixMessagePumpTest, AnotherIntervalOfARunningTimerCounts)
 
 TEST_F(PosixMessagePumpTest, IntervalAndEnablingStartARunningTimerAnew)
 {
-    PosixScanTimer limit(pump());
+    TurnTimer limit(pump());
     limit.Interval(60000);
     EXPECT_EQ(limit.end(), std::nullopt);
     limit.Enabled(True);

@@ -4,6 +4,7 @@
 #include "simulators/apperson/DataLineReader.h"
 #include "simulators/apperson/RawMarkReader.h"
 #include "strings/VBLMRTSModule.h"
+#include "tests/simulators/apperson/AppersonRoundTrip.h"
 #include "tests/support/ReaderHost.h"
 
 #include <gmock/gmock.h>
@@ -20,14 +21,10 @@ using testing::IsEmpty;
 
 constexpr std::uint64_t kSheets = 300;
 
-using Settings = std::map<std::string, std::string>;
-
 /// The rows and columns that the reader's form has.
 struct FormSize {
     Int16 rows;
     Int16 columns;
-    Int16 rows2 = 0;
-    Int16 columns2 = 0;
 };
 
 /// Holds the device for longer than the reader object that has its line open.
@@ -39,15 +36,11 @@ struct DeviceHolder {
 class Session : private DeviceHolder, public ReaderHost {
 public:
     Session(kelReaderType model, FormSize size, SimulatorOptions options)
-        : DeviceHolder{makeSimulator(model, withForm(std::move(options), size))}, size_(size)
+        : DeviceHolder{makeSimulator(model, withForm(std::move(options), size))}
     {
         connect(model, *device_);
         reader().Side1Rows(pages({size.rows}));
         reader().Side1Cols(pages({size.columns}));
-        if (size.rows2 > 0) {
-            reader().Side2Rows(pages({size.rows2}));
-            reader().Side2Cols(pages({size.columns2}));
-        }
         reader().SleepTime(5);
     }
 
@@ -69,137 +62,43 @@ public:
             ADD_FAILURE() << report.ErrorSource << ": " << report.ErrorDescription;
     }
 
-    /// Expects a sheet as the host has got it.
-    void expectSide(const MarkArray& heard, const MarkRows& sent, Int16 rows, Int16 columns, Int16 marked = 0)
-    {
-        for (Int32 row = 1; row <= rows; ++row)
-            for (Int32 column = 1; column <= columns; ++column) {
-                const Int16 mark = markAt(sent, row, column);
-                ASSERT_EQ(heard(row, column), mark != 0 && marked != 0 ? marked : mark) << row << ", " << column;
-            }
-    }
-
-    /// The host makes marks of a record, as one that knows the form does.
-    void translate()
-    {
-        heard().onTranslateData = [this](Dictionary& data, MarkArray& side1, MarkArray& side2, TextArray& barcodes,
-                                         Boolean&) {
-            for (Int32 question = 1; question <= size_.rows + size_.rows2; ++question) {
-                if (!bool(data.Exists(question)))
-                    continue;
-                const bool first = question <= size_.rows;
-                for (const char letter : itemText(data.Item(question)))
-                    if (letter != '\t')
-                        (first ? side1 : side2)(first ? question : question - size_.rows, letter - 'A' + 1) = 1;
-            }
-            barcodes = TextArray(1, 1);
-            barcodes(1) = itemText(data.Item("Student ID"));
-            records.push_back(data);
-        };
-    }
-
-    std::vector<Dictionary> records;
-
 private:
     static SimulatorOptions withForm(SimulatorOptions options, FormSize size)
     {
         options.form.side1Rows = {size.rows};
         options.form.side1Cols = {size.columns};
-        if (size.rows2 > 0) {
-            options.form.side2Rows = {size.rows2};
-            options.form.side2Cols = {size.columns2};
-        }
         return options;
     }
-
-    FormSize size_;
 };
 
-SimulatorOptions seeded(std::uint64_t seed, Settings settings = {})
-{
-    return {.seeded = SeededSheets{seed, kSheets}, .settings = std::move(settings)};
-}
-
-SimulatedSheet made(kelReaderType model, FormSize size, std::uint64_t seed, std::size_t place)
-{
-    FormDescription form{.side1Rows = {size.rows}, .side1Cols = {size.columns}};
-    if (size.rows2 > 0) {
-        form.side2Rows = {size.rows2};
-        form.side2Cols = {size.columns2};
+/// The simulated reader under the virtual clock.
+class AppersonBench : private DeviceHolder, public ReaderHost {
+public:
+    explicit AppersonBench(const AppersonSession& session)
+        : DeviceHolder{makeSimulator(session.model, optionsOf(session, kSheets))}
+    {
+        connect(session.model, *device_);
+        reader().SleepTime(5);
     }
-    return randomSheet(sheetShape(model, form), seed, place);
-}
 
-TEST(AppersonSessions, AdvantageLinkRoundTrip)
-{
-    const FormSize size{40, 12};
-    Session session(kelReaderTypeAppersonAdvantageLink, size, seeded(1));
-    ASSERT_EQ(session.batch(kSheets), kSheets);
-    session.expectNoFaults();
-    for (std::size_t place = 0; place < kSheets; ++place)
-        session.expectSide(session.heard().sheets[place].side1,
-                           made(kelReaderTypeAppersonAdvantageLink, size, 1, place).side1, size.rows, size.columns);
-}
-
-TEST(AppersonSessions, GradeMasterRoundTrip)
-{
-    const FormSize size{100, 5};
-    Session session(kelReaderTypeAppersonGradeMaster, size, seeded(18));
-    session.reader().RecognitionThreshold(7);
-    ASSERT_EQ(session.batch(kSheets), kSheets);
-    session.expectNoFaults();
-    for (std::size_t place = 0; place < kSheets; ++place) {
-        const SimulatedSheet sheet = made(kelReaderTypeAppersonGradeMaster, size, 18, place);
-        const HeardSheet& heard = session.heard().sheets[place];
-        session.expectSide(heard.side1, sheet.side1, size.rows, size.columns, 7);
-        EXPECT_THAT(heard.barcodes.elements(), ElementsAre(sheet.barcodes.front()));
+    void expectNoComplaints()
+    {
+        EXPECT_THAT(device_->errors(), IsEmpty());
+        for (const ErrorReport& report : heard().reports)
+            ADD_FAILURE() << report.ErrorSource << ": " << report.ErrorDescription;
     }
+};
+
+class AppersonRoundTrips : public testing::TestWithParam<AppersonSession> {};
+
+TEST_P(AppersonRoundTrips, EverySheet)
+{
+    AppersonBench bench(GetParam());
+    AppersonRoundTrip(bench, GetParam()).expectAll(kSheets);
 }
 
-TEST(AppersonSessions, BenchMarkRoundTrip)
-{
-    const FormSize size{50, 5};
-    const kelReaderType model = kelReaderTypeAppersonBenchMark3000;
-    Session session(model, size, seeded(39, {{"short-line", "\"OK\" 0D 0A"}, {"end-line", "z1"}}));
-    session.translate();
-    // The reader says by itself that there are no more sheets.
-    ASSERT_EQ(session.batch(-1), kSheets);
-    session.expectNoFaults();
-    for (std::size_t place = 0; place < kSheets; ++place) {
-        SimulatedSheet sheet = made(model, size, 39, place);
-        session.expectSide(session.heard().sheets[place].side1, sheet.side1, size.rows, size.columns);
-        EXPECT_THAT(session.heard().sheets[place].barcodes.elements(), ElementsAre(sheet.fields["Student ID"]));
-        sheet.fields["Error Code"] = "   ";
-        for (const auto& [name, text] : sheet.fields)
-            EXPECT_EQ(itemText(session.records[place].Item(name)), text) << name;
-    }
-}
-
-TEST(AppersonSessions, Advantage1200RoundTrip)
-{
-    const FormSize size{50, 5, 30, 4};
-    const kelReaderType model = kelReaderTypeAppersonAdvantage1200;
-    for (const bool grade : {false, true}) {
-        Session session(model, size, seeded(40, {{"reader-grade", grade ? "true" : "false"}}));
-        session.reader().ReaderGrade(grade ? True : False);
-        session.reader().DuplexForm(True);
-        session.translate();
-        ASSERT_EQ(session.batch(kSheets), kSheets);
-        session.expectNoFaults();
-        for (std::size_t place = 0; place < kSheets; ++place) {
-            SimulatedSheet sheet = made(model, size, 40, place);
-            session.expectSide(session.heard().sheets[place].side1, sheet.side1, size.rows, size.columns);
-            session.expectSide(session.heard().sheets[place].side2, sheet.side2, size.rows2, size.columns2);
-            if (!grade)
-                sheet.fields.erase("Essay Score");
-            if (sheet.fields["Page 2 ID"] == "0000")
-                sheet.fields.erase("Page 2 ID");
-            for (const auto& [name, text] : sheet.fields)
-                EXPECT_EQ(itemText(session.records[place].Item(name)), text) << name;
-            EXPECT_EQ(bool(session.records[place].Exists(std::string("Essay Score"))), grade);
-        }
-    }
-}
+INSTANTIATE_TEST_SUITE_P(Sessions, AppersonRoundTrips, testing::ValuesIn(kAppersonSessions),
+                         [](const auto& session) { return session.param.name; });
 
 TEST(AppersonSessions, AHostCanAskForTheSecondLineFirst)
 {

@@ -10,6 +10,16 @@
 
 namespace kel::test {
 
+/// The entries of a reader's log of one kind, by sheet.
+inline std::vector<Int32> sheetsLogged(const Simulator& device, SheetEvent event)
+{
+    std::vector<Int32> sheets;
+    for (const SheetRecord& record : device.log())
+        if (record.event == event)
+            sheets.push_back(record.sheet);
+    return sheets;
+}
+
 /// A reader object on a simulated reader whose marks come packed, two bytes a row of 12 columns.
 class PackedReader {
 public:
@@ -26,16 +36,10 @@ public:
     }
 
     [[nodiscard]] clsKELReader& reader() { return host.reader(); }
+    [[nodiscard]] RecordingHost& heard() { return host.heard(); }
 
     /// The entries of the reader's log of one kind, by sheet.
-    [[nodiscard]] std::vector<Int32> logged(SheetEvent event) const
-    {
-        std::vector<Int32> sheets;
-        for (const SheetRecord& record : device->log())
-            if (record.event == event)
-                sheets.push_back(record.sheet);
-        return sheets;
-    }
+    [[nodiscard]] std::vector<Int32> logged(SheetEvent event) const { return sheetsLogged(*device, event); }
 
     void expectNoComplaints()
     {
@@ -71,11 +75,12 @@ inline void expectMarks(const MarkArray& marks, const SimulatedSheet& sheet, Int
 }
 
 /// Reads all sheets in one batch, rejecting every seventh, and compares each with what was laid in.
-inline void expectRoundTrip(PackedReader& bench, const std::vector<SimulatedSheet>& sheets, Int32 rows)
+template <class Bench>
+void expectRoundTrip(Bench& bench, const std::vector<SimulatedSheet>& sheets, Int32 rows)
 {
     const auto value = static_cast<Int16>(bench.reader().RecognitionThreshold() + 1);
     std::size_t read = 0;
-    bench.host.heard().onReadSheet = [&](MarkArray& side1, MarkArray&, TextArray&, Boolean&) {
+    bench.heard().onReadSheet = [&](MarkArray& side1, MarkArray&, TextArray&, Boolean&) {
         ASSERT_LT(read, sheets.size());
         SCOPED_TRACE("sheet " + std::to_string(read + 1));
         expectMarks(side1, sheets[read], rows, value);

@@ -1,16 +1,12 @@
 #include "simulators/SimulatorTable.h"
 #include "simulators/ncs/OpScan.h"
 
-#include "platform/PortMap.h"
-#include "platform/posix/PosixPlatform.h"
-#include "platform/posix/PtyDeviceHost.h"
 #include "strings/VBLMRTSModule.h"
-#include "tests/support/ReaderHost.h"
+#include "tests/simulators/ncs/RandomSession.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <random>
 
 // The reader object against the simulated OpScan readers: what the sheets hold is what the host hears, but for column
 // 48, which always reads 0.
@@ -19,71 +15,6 @@ namespace kel::test {
 namespace {
 
 using namespace std::chrono_literals;
-
-constexpr kelReaderType kModels[] = {
-    kelReaderTypeNCSOpScan2, kelReaderTypeNCSOpScan3,        kelReaderTypeNCSOpScan4,
-    kelReaderTypeNCSOpScan5, kelReaderTypeNCSOpScan6,        kelReaderTypeNCSOpScan7,
-    kelReaderTypeNCSOpScan8, kelReaderTypeNCSOpScaniNSIGHT2, kelReaderTypeNCSOpScaniNSIGHT4};
-
-constexpr Int32 kRows = 150;
-constexpr Int32 kColumns = 48;
-
-class Chance {
-public:
-    explicit Chance(std::uint64_t seed) : numbers_(seed) {}
-
-    int number(int lowest, int highest)
-    {
-        return lowest + static_cast<int>(numbers_() % static_cast<std::uint64_t>(highest - lowest + 1));
-    }
-    bool one(int of) { return number(1, of) == 1; }
-
-    template <class T, std::size_t N>
-    T of(const T (&choices)[N])
-    {
-        return choices[number(0, static_cast<int>(N) - 1)];
-    }
-
-    /// Marks with stretches of equal ones.
-    MarkRows marks(int rows)
-    {
-        MarkRows marks(static_cast<std::size_t>(rows), std::vector<Int16>(kColumns));
-        for (auto& row : marks) {
-            Int16 value = 0;
-            const int change = number(1, 10);
-            for (Int16& cell : row)
-                cell = value = one(change) ? static_cast<Int16>(number(0, 15)) : value;
-        }
-        return marks;
-    }
-
-    std::string barcode()
-    {
-        // No letter a to d: those are markers.
-        constexpr std::string_view characters = "0000123456789ABCDEFGXYZefgxyz -.$/+%";
-        std::string text;
-        for (int left = number(0, 20); left > 0; --left)
-            text += characters[static_cast<std::size_t>(number(0, static_cast<int>(characters.size()) - 1))];
-        return text;
-    }
-
-private:
-    std::mt19937_64 numbers_;
-};
-
-MarkArray heardOf(const MarkRows& marks)
-{
-    MarkArray array(kRows, kColumns);
-    for (Int32 row = 1; row <= kRows; ++row)
-        for (Int32 column = 1; column < kColumns; ++column)
-            array(row, column) = markAt(marks, row, column);
-    return array;
-}
-
-TextArray heardOf(const std::vector<std::string>& barcodes)
-{
-    return TextArray::of(1, barcodes.empty() ? std::vector<std::string>{"?"} : barcodes);
-}
 
 std::vector<std::string> textsOf(const std::vector<ErrorReport>& reports)
 {
@@ -95,61 +26,16 @@ std::vector<std::string> textsOf(const std::vector<ErrorReport>& reports)
 
 using Texts = std::vector<std::string>;
 
-/// A few sheets with settings of reader and host by a seed.
 void readRandomSheets(std::uint64_t seed, Rate rate, int mostRows)
 {
-    Chance chance(seed);
-    const kelReaderType model = chance.of(kModels);
-    std::vector<SimulatedSheet> sheets;
-    const bool printedTwoSides = chance.one(2);
-    for (int left = chance.number(1, 2); left > 0; --left) {
-        SimulatedSheet sheet{.side1 = chance.marks(chance.number(0, mostRows))};
-        if (printedTwoSides)
-            sheet.side2 = chance.marks(chance.number(0, mostRows));
-        for (int barcodes = chance.number(0, 5); barcodes > 0; --barcodes)
-            sheet.barcodes.push_back(chance.barcode());
-        sheets.push_back(sheet);
-    }
-    const Boolean duplex(chance.one(2));
-    const Boolean duplexForm(chance.one(2));
-    const Boolean feeder(chance.one(2));
-    const std::string mode(1, "ietdws"[chance.number(0, 5)]);
-    SimulatorOptions options{.model = model, .sheets = SheetFeeder::of(sheets), .rate = rate};
-    options.settings = {{"mode", mode},
-                        {"driver-status", chance.one(2)   ? "N"
-                                          : chance.one(2) ? "A"
-                                                          : "i"},
-                        {"late-reports", std::to_string(chance.number(0, 10))},
-                        {"feeder", feeder ? "true" : "false"},
-                        {"compress", chance.one(2) ? "true" : "false"},
-                        {"alternate", chance.one(2) ? "true" : "false"},
-                        {"end", chance.one(2) ? "crlf" : "silence"},
-                        {"barcode-prefix", chance.one(2) ? "00" : "X9"}};
-
+    const RandomSession session(seed, {.mostRows = mostRows});
     ReaderHost host;
-    OpScan device(std::move(options));
-    host.connect(model, device);
-    host.reader().Duplex(duplex);
-    host.reader().DuplexForm(duplexForm);
-    host.reader().Feeder(feeder);
-    host.reader().ReaderGrade(Boolean(chance.one(2)));
+    OpScan device(session.options(rate));
+    host.connect(session.model(), device);
+    session.describeTo(host.reader());
     Int32 count = 0;
-    EXPECT_TRUE(host.reader().ReadBatch(False, static_cast<Int32>(sheets.size()), count));
-    EXPECT_EQ(device.errors(), Texts{});
-    EXPECT_EQ(textsOf(host.heard().reports), Texts{});
-    ASSERT_EQ(host.heard().sheets.size(), sheets.size());
-    const bool twoSides = duplex && duplexForm;
-    for (std::size_t index = 0; index < sheets.size(); ++index) {
-        const HeardSheet& heard = host.heard().sheets[index];
-        EXPECT_EQ(heard.side1, heardOf(sheets[index].side1));
-        EXPECT_EQ(heard.side2, twoSides ? heardOf(sheets[index].side2) : MarkArray());
-        EXPECT_EQ(heard.barcodes.LBound(), 1);
-        EXPECT_EQ(heard.barcodes.elements(), heardOf(sheets[index].barcodes).elements());
-    }
-    EXPECT_EQ(host.reader().Side1TimingMarks(), static_cast<Int16>(sheets.back().side1.size()));
-    EXPECT_EQ(host.reader().Side2TimingMarks(), twoSides ? static_cast<Int16>(sheets.back().side2.size()) : -1);
-    EXPECT_EQ(std::string(1, device.mode()), mode == "w" ? "i" : mode);
-    EXPECT_EQ(device.log().back().event, feeder ? SheetEvent::Ejected : SheetEvent::Ended);
+    EXPECT_TRUE(host.reader().ReadBatch(False, static_cast<Int32>(session.sheets().size()), count));
+    session.expectHeard(host.reader(), host.heard(), device);
 }
 
 TEST(OpScanSessions, AThousandRandomSheets)
@@ -170,7 +56,7 @@ TEST(OpScanSessions, RandomSheetsAtWireSpeed)
 
 TEST(OpScanSessions, SeededSheetsOfAllModels)
 {
-    for (const kelReaderType model : kModels) {
+    for (const kelReaderType model : kOpScanModels) {
         SCOPED_TRACE("model " + std::to_string(model));
         const std::unique_ptr<Simulator> device =
             makeSimulator(model, {.seeded = SeededSheets{.seed = 3, .count = 2}, .rate = Rate::Unlimited});
@@ -340,43 +226,6 @@ TEST_F(OpScanSession, APauseOfNothingBecomes50AtTheEnd)
     EXPECT_EQ(reader().SleepTime(), 50);
     EXPECT_EQ(host_.machine.sleeps().back().milliseconds, 100);
     expectNoError();
-}
-
-TEST(OpScanOverAPseudoTerminal, ThreeSheets)
-{
-    const std::vector<SimulatedSheet> sheets = {{.side1 = {{1, 2, 15}}, .barcodes = {"4711"}},
-                                                {.side1 = {{}, {4}}, .side2 = {{5}}, .barcodes = {"1", "22", "333"}},
-                                                {.side1 = MarkRows(63, std::vector<Int16>(48, 9))}};
-    const std::unique_ptr<Platform> machine = makePosixPlatform();
-    const PlatformScope scope(*machine);
-    SimulatorOptions options{
-        .model = kelReaderTypeNCSOpScan5, .sheets = SheetFeeder::of(sheets), .rate = Rate::Unlimited};
-    options.settings = {{"mode", "t"}, {"end", "silence"}};
-    OpScan device(std::move(options));
-    PtyDeviceHost pty(device);
-    const PortOverride line(1, pty.deviceFile());
-    pty.start();
-    clsKELReader reader;
-    const auto heard = std::make_shared<RecordingHost>();
-    reader.Advise(heard);
-    reader.SetError(heard);
-    reader.LoadDefaults(kelReaderTypeNCSOpScan5);
-    reader.Port(1);
-    reader.Duplex(True);
-    reader.DuplexForm(True);
-    Int32 count = 0;
-    EXPECT_TRUE(reader.ReadBatch(False, 3, count));
-    setErrorObject(nullptr);
-    pty.stop();
-    pty.join();
-    EXPECT_EQ(device.errors(), Texts{});
-    EXPECT_EQ(textsOf(heard->reports), Texts{});
-    ASSERT_EQ(heard->sheets.size(), 3U);
-    for (std::size_t index = 0; index < sheets.size(); ++index) {
-        EXPECT_EQ(heard->sheets[index].side1, heardOf(sheets[index].side1));
-        EXPECT_EQ(heard->sheets[index].side2, heardOf(sheets[index].side2));
-        EXPECT_EQ(heard->sheets[index].barcodes.elements(), heardOf(sheets[index].barcodes).elements());
-    }
 }
 
 } // namespace

@@ -1,11 +1,7 @@
 #include "simulators/scanning_systems/SekonicSerial.h"
 
-#include "simulators/SimulatorTable.h"
 #include "tests/simulators/DeviceBench.h"
-#include "tests/support/ReaderHost.h"
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
+#include "tests/simulators/scanning_systems/SekonicRoundTrip.h"
 
 namespace kel::test {
 namespace {
@@ -13,159 +9,30 @@ namespace {
 using namespace std::chrono_literals;
 using namespace std::string_literals;
 
-constexpr Int16 kRows1 = 30;
-constexpr Int16 kRows2 = 22;
-constexpr Int16 kColumns = 48;
-constexpr Int32 kSheets = 100;
+constexpr std::size_t kSheets = 100;
 
-using Window = std::array<Int16, 7>; // page, start row, rows, row gap, start column, columns, column gap
-
-const std::vector<Window> kWindows = {{1, 2, 5, 1, 3, 10, 1}, {1, 29, 4, -2, 20, 6, 2}, {1, 10, 7, 2, 40, 8, -3},
-                                      {1, 1, 1, 1, 1, 1, 1},  {2, 1, 22, 1, 1, 20, 1},  {2, 3, 5, 4, 30, 9, 2}};
-
-struct Session {
-    kelReaderType model;
-    std::string mode;
-    bool windows = false;
-    bool duplex = false;
-    bool barcode = false;
-    bool print = false;
-    bool rejecter = false;
-    bool plain = false;
-};
-
-const Session kSessions[] = {
-    {.model = kelReaderTypeScanningSystemsSR601, .mode = "0", .barcode = true, .rejecter = true},
-    {.model = kelReaderTypeScanningSystemsSR601, .mode = "1", .windows = true, .print = true},
-    {.model = kelReaderTypeScanningSystemsSR607,
-     .mode = "2",
-     .duplex = true,
-     .barcode = true,
-     .print = true,
-     .rejecter = true},
-    {.model = kelReaderTypeScanningSystemsSR607, .mode = "3", .windows = true, .duplex = true},
-    {.model = kelReaderTypeScanningSystemsSR700351, .mode = "1", .barcode = true, .print = true, .plain = true},
-    {.model = kelReaderTypeScanningSystemsSR700351, .mode = "2", .windows = true, .barcode = true, .rejecter = true},
-    {.model = kelReaderTypeScanningSystemsSR700352, .mode = "0", .duplex = true},
-    {.model = kelReaderTypeScanningSystemsSR700352,
-     .mode = "3",
-     .windows = true,
-     .duplex = true,
-     .barcode = true,
-     .print = true,
-     .rejecter = true},
-    {.model = kelReaderTypeScanningSystemsSR410, .mode = "0"},
-    {.model = kelReaderTypeSekonicSR430, .mode = "0"},
-};
-
-bool isLarge(kelReaderType model)
-{
-    return model != kelReaderTypeScanningSystemsSR410 && model != kelReaderTypeSekonicSR430;
-}
-
-/// The side as the host has to get it: all of it, or what lies in its windows.
-std::vector<std::vector<Int16>> wanted(const MarkRows& marks, Int16 page, Int16 rows, bool windows)
-{
-    std::vector<std::vector<Int16>> cells(static_cast<std::size_t>(rows), std::vector<Int16>(kColumns, 0));
-    for (Int32 row = 1; row <= rows; ++row)
-        for (Int32 column = 1; column <= kColumns; ++column) {
-            bool inside = !windows;
-            for (const auto& [of, startRow, numRows, rowGap, startColumn, numColumns, columnGap] : kWindows)
-                for (Int32 r = 0; r < numRows && of == page; ++r)
-                    for (Int32 c = 0; c < numColumns; ++c)
-                        inside = inside || (startRow + r * rowGap == row && startColumn + c * columnGap == column);
-            if (inside)
-                cells[static_cast<std::size_t>(row - 1)][static_cast<std::size_t>(column - 1)] =
-                    markAt(marks, row, column);
-        }
-    return cells;
-}
-
-std::vector<std::vector<Int16>> cellsOf(const MarkArray& marks)
-{
-    std::vector<std::vector<Int16>> cells;
-    for (Int32 row = 1; row <= marks.rows(); ++row) {
-        cells.emplace_back();
-        for (Int32 column = 1; column <= marks.columns(); ++column)
-            cells.back().push_back(marks(row, column));
-    }
-    return cells;
-}
-
-class SekonicSession : public testing::TestWithParam<Session> {
+class SekonicSessions : public testing::TestWithParam<SekonicSession> {
 protected:
     void connect(std::vector<SimulatedSheet> sheets, std::map<std::string, std::string> settings = {},
                  std::initializer_list<const char*> faults = {}, Rate rate = Rate::Wire)
     {
-        const Session& session = GetParam();
-        settings.emplace("mode", session.mode);
-        settings.emplace("rejecter", session.rejecter ? "true" : "false");
-        settings.emplace("plain", session.plain ? "true" : "false");
+        const SekonicSession& session = GetParam();
         settings.emplace("line", session.model == kelReaderTypeSekonicSR430 ? "38400,N,7,2" : "9600,N,7,2");
-        SimulatorOptions options{.sheets = SheetFeeder::of(sheets), .rate = rate, .settings = std::move(settings)};
+        SimulatorOptions options = optionsOf(session, std::move(settings));
+        options.sheets = SheetFeeder::of(sheets);
+        options.rate = rate;
         for (const char* fault : faults)
             options.faults.push_back(parseFault(fault));
         device = makeSimulator(session.model, std::move(options));
         host.connect(session.model, *device);
-        describeForm();
+        describeForm(host.reader(), session);
     }
 
-    void describeForm()
-    {
-        const Session& session = GetParam();
-        clsKELReader& reader = host.reader();
-        reader.RecognitionMode(session.windows ? kelRecognitionTypeWindow : kelRecognitionTypePage);
-        reader.Side1Rows(pages({kRows1}));
-        reader.Side1Cols(pages({kColumns}));
-        reader.Side2Rows(pages({kRows2}));
-        reader.Side2Cols(pages({kColumns}));
-        reader.Duplex(session.duplex ? True : False);
-        reader.DuplexForm(session.duplex ? True : False);
-        reader.Barcode(session.barcode ? True : False);
-        reader.Rejecter(isLarge(session.model) ? True : False);
-        if (session.barcode) {
-            const auto zone = makeReference<clsKELReaderBarcode>();
-            zone->Distance(120);
-            reader.Barcodes()->Add(zone);
-        }
-        for (const auto& [page, startRow, numRows, rowGap, startColumn, numColumns, columnGap] : kWindows) {
-            if (!session.windows || (page == 2 && !session.duplex))
-                continue;
-            const auto window = makeReference<clsKELReaderWindow>();
-            window->Page(page);
-            window->StartRow(startRow);
-            window->NumRows(numRows);
-            window->RowGap(rowGap);
-            window->StartCol(startColumn);
-            window->NumCols(numColumns);
-            window->ColGap(columnGap);
-            reader.Windows()->Add(window);
-        }
-        reader.Printer()->Enabled(session.print ? True : False);
-        reader.Printer()->Active(session.print ? True : False);
-        reader.Printer()->Distance(25);
-    }
-
-    /// Heights from no row to the form's and beyond it, every eighth sheet without a barcode.
-    static std::vector<SimulatedSheet> randomSheets()
-    {
-        std::vector<SimulatedSheet> sheets;
-        for (std::size_t place = 0; place < kSheets; ++place) {
-            const auto spread = static_cast<Int32>(place);
-            SheetShape shape{.side1Rows = spread * 7 % 33,
-                             .side1Columns = GetParam().model == kelReaderTypeSekonicSR430 ? 15 : kColumns,
-                             .densityPercent = spread * 3 % 101,
-                             .highestMark = 15,
-                             .barcodes = spread % 8 == 7 ? 0 : 1};
-            if (GetParam().duplex) {
-                shape.side2Rows = spread * 5 % 24;
-                shape.side2Columns = kColumns;
-            }
-            sheets.push_back(randomSheet(shape, 5, place));
-        }
-        return sheets;
-    }
-
+public:
+    // What a round trip needs.
+    [[nodiscard]] clsKELReader& reader() { return host.reader(); }
+    [[nodiscard]] RecordingHost& heard() { return host.heard(); }
+    [[nodiscard]] const std::vector<SheetRecord>& log() const { return device->log(); }
     void expectNoComplaints()
     {
         EXPECT_THAT(device->errors(), testing::IsEmpty());
@@ -173,82 +40,31 @@ protected:
             ADD_FAILURE() << report.ErrorSource << ": " << report.ErrorDescription;
     }
 
+protected:
     std::unique_ptr<Simulator> device; // outlives the line
     ReaderHost host;
 };
 
-TEST_P(SekonicSession, EverySheetItsPrintAndItsWay)
+TEST_P(SekonicSessions, EverySheetItsPrintAndItsWay)
 {
-    const Session& session = GetParam();
-    const std::vector<SimulatedSheet> sheets = randomSheets();
+    const std::vector<SimulatedSheet> sheets = randomSekonicSheets(GetParam(), kSheets);
     connect(sheets);
-    std::vector<SheetRecord> expectedLog;
-    Int32 sheet = 0;
-    host.heard().onReadSheet = [&](MarkArray& side1, MarkArray& side2, TextArray& barcodes, Boolean& bReject) {
-        ASSERT_LT(sheet, kSheets);
-        const SimulatedSheet& paper = sheets[static_cast<std::size_t>(sheet++)];
-        SCOPED_TRACE("sheet " + std::to_string(sheet));
-        EXPECT_EQ(cellsOf(side1), wanted(paper.side1, 1, kRows1, session.windows));
-        EXPECT_EQ(static_cast<std::size_t>(host.reader().Side1TimingMarks()), paper.side1.size());
-        expectedLog.push_back({SheetEvent::Fed, sheet});
-        expectedLog.push_back({SheetEvent::Read, sheet});
-        if (session.duplex) {
-            EXPECT_EQ(cellsOf(side2), wanted(paper.side2, 2, kRows2, session.windows));
-            EXPECT_EQ(static_cast<std::size_t>(host.reader().Side2TimingMarks()), paper.side2.size());
-            expectedLog.push_back({SheetEvent::Read, sheet});
-        } else {
-            EXPECT_EQ(host.reader().Side2TimingMarks(), -1);
-        }
-        if (session.barcode)
-            EXPECT_THAT(barcodes.elements(), testing::ElementsAre(paper.barcodes.empty() ? "?" : paper.barcodes[0]));
-        else
-            EXPECT_THAT(barcodes.elements(), testing::ElementsAre(""));
-
-        const std::string lines[] = {"A" + std::to_string(sheet), "second \"line\"", std::string(90, 'z') + " "};
-        for (Int32 line = 1; line <= 3; ++line) {
-            const std::string text = line <= sheet % 4 ? lines[line - 1] : "";
-            const auto printer = host.reader().Printer();
-            line == 1 ? printer->Buffer1(text) : line == 2 ? printer->Buffer2(text) : printer->Buffer3(text);
-        }
-        if (sheet % 9 == 0) {
-            host.reader().RejectPage();
-            bReject = True;
-            expectedLog.push_back({session.rejecter ? SheetEvent::Rejected : SheetEvent::Ejected, sheet});
-            if (!isLarge(session.model))
-                expectedLog.pop_back();
-            else if (session.print)
-                expectedLog.push_back({SheetEvent::Ejected, sheet});
-        } else if (session.print) {
-            for (Int32 line = 1; line <= sheet % 4; ++line)
-                expectedLog.push_back({SheetEvent::Printed, sheet, lines[line - 1], line, 25});
-        }
-    };
-    Int32 lSheetCount = 0;
-    EXPECT_EQ(host.reader().ReadBatch(session.print ? True : False, kSheets, lSheetCount), True);
-    EXPECT_EQ(sheet, kSheets);
-    if (isLarge(session.model))
-        expectedLog.push_back({SheetEvent::Ejected, kSheets});
-    EXPECT_EQ(device->log(), expectedLog);
-    EXPECT_EQ(host.reader().Rejecter() == True, session.rejecter);
-    expectNoComplaints();
-    const auto afterPrints =
-        static_cast<Int32>(std::count(host.heard().order.begin(), host.heard().order.end(), "AfterPrint"));
-    EXPECT_EQ(afterPrints, session.print ? kSheets - kSheets / 9 : 0);
+    SekonicRoundTrip(*this, GetParam(), sheets).expectAll();
 }
 
-class SekonicPages : public SekonicSession {};
+class SekonicPages : public SekonicSessions {};
 
 TEST_P(SekonicPages, EndEarlyAndLeaveTheRestEmpty)
 {
     connect({{.side1 = {{0, 3}, {}, {7}}, .side2 = {{9}}}}, {{"short-pages", "true"}});
     ASSERT_EQ(host.reader().StartReader(), True);
     EXPECT_EQ(host.reader().ReadPage(False), True);
-    EXPECT_EQ(cellsOf(host.reader().Side1Array()), wanted({{0, 3}, {}, {7}}, 1, kRows1, false));
+    EXPECT_EQ(cellsOf(host.reader().Side1Array()), wantedMarks(GetParam(), {{0, 3}, {}, {7}}, 1));
     EXPECT_EQ(host.reader().EndReader(), True);
     expectNoComplaints();
 }
 
-TEST_P(SekonicSession, ACancelEndsTheWaitForASheet)
+TEST_P(SekonicSessions, ACancelEndsTheWaitForASheet)
 {
     connect({}, {{"empty-status", "-1"}});
     ASSERT_EQ(host.reader().StartReader(), True);
@@ -262,7 +78,7 @@ TEST_P(SekonicSession, ACancelEndsTheWaitForASheet)
     expectNoComplaints();
 }
 
-TEST_P(SekonicSession, ACancelDoesNotEndTheStart)
+TEST_P(SekonicSessions, ACancelDoesNotEndTheStart)
 {
     connect({});
     host.machine.atDoEvents(1, [&] { host.reader().CancelScan(True); });
@@ -272,9 +88,9 @@ TEST_P(SekonicSession, ACancelDoesNotEndTheStart)
 }
 
 /// Where a reader falls silent for good: behind how many bytes, and what is then told.
-TEST_P(SekonicSession, SilenceAnywhereIsToldOrEndsTheReply)
+TEST_P(SekonicSessions, SilenceAnywhereIsToldOrEndsTheReply)
 {
-    const SimulatedSheet paper = randomSheets()[40];
+    const SimulatedSheet paper = randomSekonicSheets(GetParam(), 41).back();
     for (Int32 byte = 1; byte <= 60; ++byte) {
         SCOPED_TRACE(byte);
         const std::string fault = "silent@byte=" + std::to_string(byte);
@@ -291,19 +107,17 @@ TEST_P(SekonicSession, SilenceAnywhereIsToldOrEndsTheReply)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Models, SekonicSession, testing::ValuesIn(kSessions), [](const auto& session) {
-    return "Model" + std::to_string(session.param.model) + (session.param.windows ? "Windows" : "");
-});
+INSTANTIATE_TEST_SUITE_P(Models, SekonicSessions, testing::ValuesIn(kSekonicSessions), nameOfSession);
 
-std::vector<Session> pageSessions()
+std::vector<SekonicSession> pageSessions()
 {
-    std::vector<Session> sessions;
-    std::copy_if(std::begin(kSessions), std::end(kSessions), std::back_inserter(sessions),
-                 [](const Session& session) { return !session.windows; });
+    std::vector<SekonicSession> sessions;
+    std::copy_if(kSekonicSessions.begin(), kSekonicSessions.end(), std::back_inserter(sessions),
+                 [](const SekonicSession& session) { return !session.windows; });
     return sessions;
 }
 
-INSTANTIATE_TEST_SUITE_P(Models, SekonicPages, testing::ValuesIn(pageSessions()));
+INSTANTIATE_TEST_SUITE_P(Models, SekonicPages, testing::ValuesIn(pageSessions()), nameOfSession);
 
 TEST(SekonicSerial, PrintsThatWentWellAreHeardOf)
 {

@@ -1,0 +1,95 @@
+#include "tests/simulators/ezdata/PackedRoundTrip.h"
+#include "tests/support/PtyReader.h"
+#include "tests/support/SideBySide.h"
+
+// Sheets with packed marks through a real line. The dialogues are full of fixed pauses: a page of an EZData takes half
+// a second at least, and a reader that sends by itself must not be ahead of its host. So each model's sheets are read
+// in sessions side by side.
+
+namespace kel::test {
+namespace {
+
+constexpr std::size_t kSheets = 300;
+
+struct PackedModel {
+    kelReaderType type;
+    bool feeder;
+    Int32 mostRows;
+    const char* feedMilliseconds; // from the start of a sheet, or from the sheet before, to the page
+    std::size_t sessions;
+    bool rejects; // whether it sends sheets out
+};
+
+constexpr Int32 kEZDataRows = 150;
+constexpr Int32 kChatsworthRows = 128;
+constexpr const char* kBehindTheReply = "10";
+constexpr const char* kBehindTheHostsLook = "800"; // it counts the answer after 500
+constexpr const char* kBehindTheHostsWork = "150";
+
+const PackedModel kModels[] = {
+    {kelReaderTypeNCSEZData, false, kEZDataRows, kBehindTheHostsLook, 30, true},
+    {kelReaderTypeChatsworthACF100, false, kEZDataRows, kBehindTheHostsLook, 30, true},
+    {kelReaderTypeChatsworthOMR1100, false, kChatsworthRows, kBehindTheHostsWork, 15, false},
+    {kelReaderTypeChatsworthOMR2000, true, kChatsworthRows, kBehindTheReply, 1, false},
+    {kelReaderTypeChatsworthALSAccelScanOMR, false, kChatsworthRows, kBehindTheReply, 3, true},
+    {kelReaderTypeChatsworthACF200, false, kChatsworthRows, kBehindTheHostsWork, 15, false},
+    {kelReaderTypeChatsworthACF200, true, kChatsworthRows, kBehindTheReply, 1, false},
+    {kelReaderTypeChatsworthACP200, false, kChatsworthRows, kBehindTheHostsWork, 15, false},
+    {kelReaderTypeChatsworthACP200, true, kChatsworthRows, kBehindTheReply, 1, false},
+};
+
+/// What a round trip needs of a simulated reader behind a pseudo-terminal.
+class PackedPtyReader {
+public:
+    PackedPtyReader(const PackedModel& model, const std::vector<SimulatedSheet>& sheets)
+        : device_(makeSimulator(model.type, {.sheets = SheetFeeder::of(sheets),
+                                             .rate = Rate::Unlimited,
+                                             .settings = {{"feed-ms", model.feedMilliseconds}}})),
+          line_(model.type, *device_, true, false)
+    {
+        reader().Feeder(model.feeder);
+        reader().SleepTime(5);
+    }
+
+    [[nodiscard]] clsKELReader& reader() { return line_.reader(); }
+    [[nodiscard]] RecordingHost& heard() { return line_.heard(); }
+    [[nodiscard]] std::vector<Int32> logged(SheetEvent event) const { return sheetsLogged(*device_, event); }
+
+    /// At the end of the session: only then the device may be looked into.
+    void expectNoComplaints()
+    {
+        line_.finish();
+        EXPECT_THAT(device_->errors(), testing::IsEmpty());
+    }
+
+private:
+    std::unique_ptr<Simulator> device_; // outlives the line
+    PtyReader line_;
+};
+
+class PackedRoundTripOverAPseudoTerminal : public testing::TestWithParam<PackedModel> {};
+
+TEST_P(PackedRoundTripOverAPseudoTerminal, EverySheetAndItsWay)
+{
+    const PackedModel& model = GetParam();
+    const std::vector<SimulatedSheet> sheets = randomSheets(kSheets, model.mostRows, 21);
+    sideBySide(model.sessions, [&](std::size_t session) {
+        SCOPED_TRACE("session " + std::to_string(session));
+        const std::vector<SimulatedSheet> pile = partOf(sheets, session, model.sessions);
+        PackedPtyReader bench(model, pile);
+        expectRoundTrip(bench, pile, model.mostRows);
+        const auto last = static_cast<Int32>(pile.size());
+        std::vector<Int32> rejected;
+        for (Int32 sheet = 7; sheet <= last && model.rejects; sheet += 7)
+            rejected.push_back(sheet);
+        EXPECT_EQ(bench.logged(SheetEvent::Rejected), rejected);
+        EXPECT_EQ(bench.logged(SheetEvent::Ejected), model.rejects ? std::vector<Int32>{last} : std::vector<Int32>{});
+    });
+}
+
+INSTANTIATE_TEST_SUITE_P(Models, PackedRoundTripOverAPseudoTerminal, testing::ValuesIn(kModels), [](const auto& model) {
+    return "Model" + std::to_string(model.param.type) + (model.param.feeder ? "Feeder" : "");
+});
+
+} // namespace
+} // namespace kel::test
