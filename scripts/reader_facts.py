@@ -1,0 +1,133 @@
+"""What the sources say of the readers: models, drivers, texts, failures, and the numbers that drivers report."""
+
+import importlib.util
+import json
+import os
+import re
+import subprocess
+import sys
+
+
+def text_parser(root):
+    """The parser of the texts' own generator."""
+    sys.dont_write_bytecode = True
+    spec = importlib.util.spec_from_file_location("generate_language_file", root / "strings/generate_language_file.py")
+    module = importlib.util.module_from_spec(spec)
+    spec.loader.exec_module(module)
+    return module
+
+
+def english_texts(root):
+    problems = []
+    path = root / "strings/texts/English.txt"
+    entries = text_parser(root).parse(str(path), path.read_text(encoding="utf-8"), problems)
+    if problems:
+        raise SystemExit("\n".join(problems))
+    return {number: entry.text for number, entry in entries.items()}
+
+
+def read(root, path):
+    return (root / path).read_text(encoding="utf-8")
+
+
+def need(condition, what):
+    if not condition:
+        raise SystemExit(f"generate_reader_pages.py: {what}")
+
+
+def model_numbers(root):
+    rows = re.findall(r"\b(kelReaderType\w+) = (\d+),", read(root, "types/Enumerations.h"))
+    return {name: int(number) for name, number in rows}
+
+
+def families_of_models(root):
+    """The driver's folder of each model, by its number."""
+    source = read(root, "dispatch/DriverFamilies.cpp")
+    folders = {}
+    for name, init in re.findall(r"constexpr DriverFamily (\w+) = \{\s*\.Init = (\w+),", source):
+        holders = [
+            header.parent.name
+            for header in sorted((root / "drivers").glob("*/bas*.h"))
+            if re.search(rf"\b{init}\(", header.read_text(encoding="utf-8"))
+        ]
+        need(len(holders) == 1, f"{init} is declared in {len(holders)} drivers")
+        folders[name] = holders[0]
+    numbers = model_numbers(root)
+    rows = re.findall(r"\{(kelReaderType\w+), &(\w+)\},", source)
+    need(rows, "dispatch/DriverFamilies.cpp has no rows of models")
+    return {numbers[model]: folders[family] for model, family in rows}
+
+
+def print_lines(root):
+    """Print lines, positions from and to, and characters of the models that may have an imprinter."""
+    numbers = model_numbers(root)
+    source = read(root, "reader/clsKELReaderPrinter.cpp")
+    rows = re.findall(r"\{(kelReaderType\w+), (\w+), (\d+), (-?\d+), (-?\d+), (-?\d+)\},", source)
+    need(len(rows) == len(numbers), "reader/clsKELReaderPrinter.cpp does not have a row for each model")
+    return {
+        numbers[model]: tuple(map(int, figures)) for model, kind, *figures in rows if kind == "Optional"
+    }
+
+
+def failure_texts(root):
+    """The run-time failures: their standard texts by number."""
+    numbers = dict(re.findall(r"^    (\w+) = (\d+),$", read(root, "types/RuntimeFailure.h"), re.MULTILINE))
+    texts = {}
+    for name, text in re.findall(
+        r'case FailureCode::(\w+):\s*return ((?:"[^"]*"\s*)+);', read(root, "types/RuntimeFailure.cpp")
+    ):
+        texts[int(numbers[name])] = "".join(re.findall(r'"([^"]*)"', text))
+    need(texts and len(texts) == len(numbers), "types/RuntimeFailure.cpp does not have a text for each failure")
+    texts[68] = "Device unavailable"
+    return texts
+
+
+TOKENS = re.compile(
+    r"""(?P<comment>//[^\n]*|/\*.*?\*/)|(?P<text>"(?:\\.|[^"\\\n])*")|(?P<character>'(?:\\[^'\n]*|[^'\\\n])')""",
+    re.DOTALL,
+)
+# Figures that say themselves that they are none of a text: typed constants, pauses, intervals.
+NO_TEXT_NUMBER = re.compile(
+    r"\b(?:(?:Int16|Int32|Byte|std::size_t|auto) k?\w+ = \d+;|(?:Sleep|Interval)\(\d+\))"
+)
+# A number that says itself that it is one of a text.
+TEXT_NUMBER = re.compile(r"\bTextNumber(?: \w+ = |\()(\d+)\b")
+LITERAL_REPORT = re.compile(r'reportReaderFault\(((?:[^;"]|"(?:\\.|[^"\\])*")*?)\);', re.DOTALL)
+
+
+def named_numbers_in(source, texts):
+    """The numbers of a source that are written as numbers of texts."""
+    return {int(number) for number in TEXT_NUMBER.findall(source)} & texts.keys()
+
+
+def numbers_in(source, texts):
+    """All whole numbers of a source that are numbers of texts."""
+    plain = TOKENS.sub(lambda token: ' "" ' if token["text"] else " ", source)
+    plain = NO_TEXT_NUMBER.sub(" ", plain)
+    return {int(number) for number in re.findall(r"(?<![\w.])\d+(?![\w.])", plain)} & texts.keys()
+
+
+def literals_in(source):
+    """The words that a source reports without a number."""
+    found = set()
+    plain = TOKENS.sub(lambda token: " " if token["comment"] else token[0], source)
+    for report in LITERAL_REPORT.findall(plain):
+        found |= {text for text in re.findall(r'"((?:\\.|[^"\\])*)"', report) if re.search(r"\w \w", text)}
+    return found
+
+
+def sources_of(root, *folders):
+    return [path for folder in folders for kind in ("*.cpp", "*.h") for path in sorted((root / folder).glob(kind))]
+
+
+def catalogue(program):
+    listed = subprocess.run([program, "models", "--format", "json"], capture_output=True, text=True)
+    need(listed.returncode == 0, f"{program} does not list the models: {listed.stderr.strip()}")
+    return json.loads(listed.stdout)
+
+
+def usual_program(root):
+    named = os.environ.get("KELREADER")
+    programs = [named] if named else sorted(root.glob("build/*/bin/kelreader"), key=lambda path: path.stat().st_mtime)
+    need(programs, "build the command first, or name it with --kelreader")
+    return str(programs[-1])
