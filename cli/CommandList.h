@@ -12,6 +12,7 @@
     command(addReplayCommand)    \
     command(addLocateCommand)    \
     command(addFirmwareCommand)  \
+    command(addOptionsCommand)   \
     command(addHelpCommand)
 // clang-format on
 

@@ -125,9 +125,8 @@ ScanForm readFormFile(const std::filesystem::path& file)
     return parseForm(readWholeFile(file, "form file"), file.string());
 }
 
-void applyForm(const ScanForm& form, clsKELReader& reader)
+void applySizes(const ScanForm& form, clsKELReader& reader)
 {
-    reader.RecognitionMode(form.recognitionMode);
     if (form.side1Rows)
         reader.Side1Rows(pages(*form.side1Rows));
     if (form.side1Cols)
@@ -136,6 +135,12 @@ void applyForm(const ScanForm& form, clsKELReader& reader)
         reader.Side2Rows(pages(*form.side2Rows));
     if (form.side2Cols)
         reader.Side2Cols(pages(*form.side2Cols));
+}
+
+void applyForm(const ScanForm& form, clsKELReader& reader)
+{
+    reader.RecognitionMode(form.recognitionMode);
+    applySizes(form, reader);
     for (const clsKELReaderWindow& window : form.windows)
         reader.Windows()->Add(makeReference<clsKELReaderWindow>(window));
     for (const clsKELReaderBarcode& barcode : form.barcodes)

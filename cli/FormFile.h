@@ -38,7 +38,10 @@ struct ScanForm {
 /// The same from a file; UsageError if it cannot be read too.
 [[nodiscard]] ScanForm readFormFile(const std::filesystem::path& file);
 
-/// Gives the form to a reader. Windows and zones are added to those that its collections hold.
+/// Gives the form's sizes to a reader; those that are not given it leaves as they are.
+void applySizes(const ScanForm& form, clsKELReader& reader);
+
+/// Gives the whole form to a reader. Windows and zones are added to those that its collections hold.
 void applyForm(const ScanForm& form, clsKELReader& reader);
 
 } // namespace kel

@@ -1,5 +1,6 @@
 #include "cli/LoadedSettings.h"
 
+#include "cli/PropertyTable.h"
 #include "cli/UsageError.h"
 
 #include <memory>
@@ -60,6 +61,20 @@ const std::vector<std::string>& loadedProperties()
                                                    "Timeout",
                                                    "Windowing"};
     return names;
+}
+
+std::string settingsText(const clsKELReader& reader, bool asJson)
+{
+    constexpr std::size_t kNameWidth = 22;
+    Json record = Json::object();
+    std::string table;
+    for (const std::string& name : loadedProperties()) {
+        const Json value = propertyNamed(name).get(reader);
+        record[name] = value;
+        table += name + std::string(kNameWidth - name.size(), ' ') +
+                 (value.is_string() ? value.get<std::string>() : jsonText(value)) + "\n";
+    }
+    return asJson ? jsonText(record) + "\n" : table;
 }
 
 } // namespace kel

@@ -19,4 +19,7 @@ namespace kel {
 /// The names of the 19 settings as the reader's properties have them, in the order in which they are loaded.
 [[nodiscard]] const std::vector<std::string>& loadedProperties();
 
+/// The 19 settings of a reader, a line each, or as one JSON object.
+[[nodiscard]] std::string settingsText(const clsKELReader& reader, bool asJson);
+
 } // namespace kel

@@ -4,6 +4,7 @@
 #include "cli/NearestNames.h"
 #include "cli/UsageError.h"
 #include "dispatch/ReaderModels.h"
+#include "profiles/clsKELReaderProfiles.h"
 #include "types/Text.h"
 
 #include <algorithm>
@@ -137,6 +138,12 @@ kelReaderType modelNamed(std::string_view text)
             refuseAmbiguous(text, found);
     }
     refuseUnknown(text, models);
+}
+
+bool isUsbModel(kelReaderType eReaderType)
+{
+    const Reference<clsKELReaderProfile> profile = clsKELReaderProfiles().Item(CStr(eReaderType));
+    return profile && profile->InterfaceType() == kelReaderInterfaceTypeUSB;
 }
 
 kelProfileType makerNamed(std::string_view text)

@@ -12,6 +12,9 @@ namespace kel {
 /// UsageError for none, with the names that come nearest, and for several, with all of them.
 [[nodiscard]] kelReaderType modelNamed(std::string_view text);
 
+/// Whether a model is a USB reader, which has no line: it is reached through the library of its maker.
+[[nodiscard]] bool isUsbModel(kelReaderType eReaderType);
+
 /// The maker that a person means: "apperson", "chatsworth", "pdi" or "Peripheral Dynamics", "scantron", "sekonic".
 /// UsageError for any other, with the names that are known.
 [[nodiscard]] kelProfileType makerNamed(std::string_view text);

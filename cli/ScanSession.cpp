@@ -69,6 +69,7 @@ public:
 
     void ReadSheet(MarkArray& iSide1Array, MarkArray& iSide2Array, TextArray& sBarcodeArray, Boolean& bReject) override
     {
+        stopIfWanted(); // it may have come while the read could not hear it
         sheet_ = {};
         sheet_.sheet = sheets_ + 1;
         sheet_.side1 = iSide1Array;

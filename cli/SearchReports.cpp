@@ -32,6 +32,12 @@ SearchReports::~SearchReports()
 
 void SearchReports::tell() const
 {
+    for (const ReportedFailure& failure : collector_->failures)
+        std::cerr << "kelreader: " << failureSentence(failure) << std::endl;
+}
+
+void SearchReports::tellOfDevices() const
+{
     const auto devices = PortMap(platform().registry()).all();
     for (const ReportedFailure& failure : collector_->failures) {
         const bool ofADevice = std::any_of(devices.begin(), devices.end(), [&](const auto& port) {

@@ -9,8 +9,7 @@
 
 namespace kel {
 
-/// Collects the reports of a search for a reader, as long as it lives, and tells those that mean something to a
-/// person: of ports that have a device.
+/// Collects the reports of a look for a reader at its ports, as long as it lives, and tells them to a person.
 class SearchReports {
 public:
     explicit SearchReports(clsKELReader& reader);
@@ -18,8 +17,9 @@ public:
     SearchReports(const SearchReports&) = delete;
     SearchReports& operator=(const SearchReports&) = delete;
 
-    /// Writes them to standard error, one line each.
+    /// Writes them to standard error, one line each: all of them, or those of ports that have a device.
     void tell() const;
+    void tellOfDevices() const;
 
 private:
     class Collector;

@@ -1,10 +1,12 @@
 #include "cli/SimulatorArguments.h"
 
+#include "cli/ModelLookup.h"
 #include "cli/UsageError.h"
-#include "dispatch/ReaderModels.h"
 #include "simulators/SimulatorTable.h"
+#include "simulators/sekonic_usb/OmrApiSimulation.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace kel {
 
@@ -41,6 +43,43 @@ std::pair<std::string, std::string> nameAndValue(const std::string& text)
     if (sign == std::string::npos)
         throw UsageError("'" + text + "' sets nothing; write NAME=VALUE.");
     return {text.substr(0, sign), text.substr(sign + 1)};
+}
+
+/// Has what is wrong with the options told in a sentence.
+template <class Make>
+auto orRefuse(Make&& make)
+{
+    try {
+        return make();
+    } catch (const UsageError&) {
+        throw;
+    } catch (const std::exception& refusal) {
+        throw UsageError(std::string(refusal.what()) + ".");
+    }
+}
+
+void takeLargest(Int32& rows, Int32& columns, const MarkRows& side)
+{
+    rows = std::max(rows, static_cast<Int32>(side.size()));
+    for (const std::vector<Int16>& row : side)
+        columns = std::max(columns, static_cast<Int32>(row.size()));
+}
+
+/// The shape of the largest of some sheets.
+SheetShape largestShape(SheetFeeder sheets)
+{
+    SheetShape shape{.side1Rows = 0, .side1Columns = 0};
+    while (!sheets.empty()) {
+        const SimulatedSheet sheet = sheets.take();
+        takeLargest(shape.side1Rows, shape.side1Columns, sheet.side1);
+        takeLargest(shape.side2Rows, shape.side2Columns, sheet.side2);
+    }
+    return shape;
+}
+
+std::vector<Int16> onePage(Int32 size)
+{
+    return {static_cast<Int16>(std::min<Int32>(size, std::numeric_limits<Int16>::max()))};
 }
 
 } // namespace
@@ -84,26 +123,50 @@ bool SimulatorArguments::given() const
     return std::any_of(options_.begin(), options_.end(), [](const CLI::Option* option) { return option->count() > 0; });
 }
 
-std::unique_ptr<Simulator> SimulatorArguments::make(kelReaderType model, const ScanForm& form) const
+ScanForm SimulatorArguments::formOfSheets(kelReaderType model) const
 {
-    if (!hasSimulator(model))
-        throw UsageError("There is no simulated " + ReturnReaderName(model) + ".");
+    SheetShape shape = isUsbModel(model) ? omrSheetShape({}) : sheetShape(model);
+    if (sheetsOption_->count() > 0) {
+        const SheetShape largest = orRefuse([&] { return largestShape(SheetFeeder::fromFile(sheetsFile_)); });
+        if (largest.side1Rows > 0 && largest.side1Columns > 0)
+            shape = largest;
+    }
+    ScanForm form;
+    form.side1Rows = onePage(shape.side1Rows);
+    form.side1Cols = onePage(shape.side1Columns);
+    form.side2Rows = onePage(shape.side2Rows);
+    form.side2Cols = onePage(shape.side2Columns);
+    return form;
+}
+
+SimulatorOptions SimulatorArguments::options(const ScanForm& form) const
+{
     SimulatorOptions options;
     options.form = simulatedForm(form);
     options.rate = rate_ == "unlimited" ? Rate::Unlimited : Rate::Wire;
     for (const std::string& setting : settings_)
         options.settings.insert(nameAndValue(setting));
-    try {
-        for (const std::string& fault : faults_)
-            options.faults.push_back(parseFault(fault));
-        if (sheetsOption_->count() > 0)
-            options.sheets = SheetFeeder::fromFile(sheetsFile_);
-        else
-            options.seeded = SeededSheets{seed_, count_};
-        return makeSimulator(model, std::move(options));
-    } catch (const std::exception& refusal) {
-        throw UsageError(std::string(refusal.what()) + ".");
-    }
+    for (const std::string& fault : faults_)
+        options.faults.push_back(parseFault(fault));
+    if (sheetsOption_->count() > 0)
+        options.sheets = SheetFeeder::fromFile(sheetsFile_);
+    else
+        options.seeded = SeededSheets{seed_, count_};
+    return options;
+}
+
+std::unique_ptr<Simulator> SimulatorArguments::make(kelReaderType model, const ScanForm& form) const
+{
+    return orRefuse([&] { return makeSimulator(model, options(form)); });
+}
+
+OmrSimulationState SimulatorArguments::omrState(const ScanForm& form) const
+{
+    return orRefuse([&] {
+        const OmrSimulationState state = omrSimulationState(options(form));
+        // What somebody has written is looked at here, where it can be told.
+        return sheetsOption_->count() > 0 ? omrStateFromJson(toJson(state)) : state;
+    });
 }
 
 } // namespace kel

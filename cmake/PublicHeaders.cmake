@@ -6,6 +6,8 @@ set(KEL_PUBLIC_HEADERS
     options/OptionsPresenter.h
     options/frmOptions.h
     platform/Carrier.h
+    platform/ErrorLibrary.h
+    platform/HostPump.h
     platform/ScanTimer.h
     platform/Screen.h
     platform/SerialControl.h

@@ -36,9 +36,12 @@ constexpr DriverFamily kSekonicUsb = {
     .Print = [](ReaderContract& oReader, Boolean bAbort,
                 Boolean&) { return bAbort ? False : PrintSR(oReader.Printer()); },
     .Reject = [](ReaderContract& oReader) { RejectPageSR(oReader); },
-    // The sheet counts as ejected only while a stop is pending.
-    .Eject = [](ReaderContract& oReader,
-                Boolean& bSheetEjected) { bSheetEjected = EjectPageSR(oReader) & oReader.CancelScan(); },
+    // The sheet counts as ejected only while a stop is pending, one that came during the eject included.
+    .Eject =
+        [](ReaderContract& oReader, Boolean& bSheetEjected) {
+            const Boolean bResult = EjectPageSR(oReader);
+            bSheetEjected = bResult & oReader.CancelScan();
+        },
 };
 
 constexpr DriverFamily kScanningSystems = {

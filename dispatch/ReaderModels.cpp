@@ -62,7 +62,7 @@ constexpr TextNumber kNoReader = 372;
 std::string ReturnReaderName(kelReaderType eReaderType)
 {
     std::string sName;
-    guarded("KELReader81 - basRead.ReturnReaderName", [&] {
+    guarded("KELReader81 - basRead.ReturnReaderName", KEL_PARAMETERS(eReaderType), [&] {
         if (eReaderType == kelReaderTypeNone)
             sName = VBLM_RTString(kNoReader);
         else if (eReaderType > 0 && eReaderType < static_cast<Int32>(kReaderNames.size()))

@@ -30,10 +30,12 @@ void reportPortOutOfRange(Int16 iPort)
 Boolean ReaderInit(ReaderContract& oReader)
 {
     Boolean bResult = False;
-    guarded("KELReader81 - basRead.ReaderInit", [&] {
-        const std::string sKey = CStr(oReader.ReaderType());
+    std::string sKey;
+    Reference<clsKELReaderProfile> cProfile;
+    guarded("KELReader81 - basRead.ReaderInit", KEL_PARAMETERS(oReader) + KEL_LOCALS(sKey, cProfile), [&] {
+        sKey = CStr(oReader.ReaderType());
         if (oReader.Profiles()->Exists(sKey)) {
-            const Reference<clsKELReaderProfile> cProfile = oReader.Profiles()->Item(sKey);
+            cProfile = oReader.Profiles()->Item(sKey);
             if (cProfile->InterfaceType() == kelReaderInterfaceTypeSerial) {
                 if (oReader.Port() < kFirstPort || oReader.Port() > kLastPort) {
                     reportPortOutOfRange(oReader.Port());
@@ -56,7 +58,7 @@ Boolean ReaderInit(ReaderContract& oReader)
 Boolean ReaderClose(ReaderContract& oReader)
 {
     Boolean bResult = False;
-    guarded("KELReader81 - basRead.ReaderClose", [&] {
+    guarded("KELReader81 - basRead.ReaderClose", KEL_PARAMETERS(oReader), [&] {
         if (const DriverFamily* family = driverFamily(oReader.ReaderType()))
             bResult = family->Close(oReader);
         if (oReader.fComm().mscComm().PortOpen())
@@ -68,7 +70,7 @@ Boolean ReaderClose(ReaderContract& oReader)
 Boolean ReaderRead(ReaderContract& oReader)
 {
     Boolean bResult = False;
-    guarded("KELReader81 - basRead.ReaderRead", [&] {
+    guarded("KELReader81 - basRead.ReaderRead", KEL_PARAMETERS(oReader), [&] {
         oReader.Side1TimingMarks(-1);
         oReader.Side2TimingMarks(-1);
         if (const DriverFamily* family = driverFamily(oReader.ReaderType()))
@@ -82,7 +84,7 @@ Boolean ReaderRead(ReaderContract& oReader)
 Boolean ReaderPrint(ReaderContract& oReader, Boolean bAbort, Boolean& bSheetEjected)
 {
     Boolean bResult = False;
-    guarded("KELReader81 - basRead.ReaderPrint", [&] {
+    guarded("KELReader81 - basRead.ReaderPrint", KEL_PARAMETERS(oReader, bAbort, bSheetEjected), [&] {
         const DriverFamily* family = driverFamily(oReader.ReaderType());
         if (family && family->Print)
             bResult = family->Print(oReader, bAbort, bSheetEjected);

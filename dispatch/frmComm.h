@@ -1,5 +1,6 @@
 #pragma once
 
+#include "failure/ObjectLife.h"
 #include "platform/Platform.h"
 
 namespace kel {
@@ -16,6 +17,7 @@ public:
     [[nodiscard]] ScanTimer& tmrScan() override { return *tmrScan_; }
 
 private:
+    ObjectLife life_{"frmComm,3"};
     std::unique_ptr<SerialControl> mscComm_;
     std::unique_ptr<ScanTimer> tmrScan_;
 };

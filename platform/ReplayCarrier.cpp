@@ -1,5 +1,6 @@
 #include "platform/ReplayCarrier.h"
 
+#include "platform/FaultCapture.h"
 #include "platform/LineSettings.h"
 #include "types/RuntimeFailure.h"
 #include "types/Text.h"
@@ -60,8 +61,10 @@ std::optional<Moment> ReplayCarrier::Timer::end() const
 
 void ReplayCarrier::Pump::DoEvents()
 {
-    if (const auto pump = hostPump_)
+    if (const auto pump = hostPump_) {
+        const HostCode host;
         pump();
+    }
     if (inputInvites())
         vainTurns_ = 0;
     else

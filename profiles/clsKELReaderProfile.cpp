@@ -1,13 +1,22 @@
 #include "profiles/clsKELReaderProfile.h"
 
 #include "dispatch/ReaderModels.h"
+#include "failure/ObjectLife.h"
 
 #include <utility>
 
 namespace kel {
 
+struct clsKELReaderProfile::Fields {
+    ObjectLife life{"clsKELReaderProfile,1"};
+    ProfileValues values;
+};
+
 clsKELReaderProfile::clsKELReaderProfile() = default;
-clsKELReaderProfile::clsKELReaderProfile(const ProfileValues& values) : values_(values) {}
+clsKELReaderProfile::clsKELReaderProfile(const ProfileValues& values)
+{
+    fields_->values = values;
+}
 clsKELReaderProfile::clsKELReaderProfile(const clsKELReaderProfile& other) = default;
 clsKELReaderProfile& clsKELReaderProfile::operator=(const clsKELReaderProfile& other) = default;
 clsKELReaderProfile::~clsKELReaderProfile() = default;
@@ -16,11 +25,11 @@ clsKELReaderProfile::~clsKELReaderProfile() = default;
 #define KEL_PROPERTY(Name)                                                                                             \
     decltype(ProfileValues::Name) clsKELReaderProfile::Name() const                                                    \
     {                                                                                                                  \
-        return values_->Name;                                                                                          \
+        return fields_->values.Name;                                                                                   \
     }                                                                                                                  \
     void clsKELReaderProfile::Name(decltype(ProfileValues::Name) value)                                                \
     {                                                                                                                  \
-        values_->Name = std::move(value);                                                                              \
+        fields_->values.Name = std::move(value);                                                                       \
     }
 #define KEL_NOT_STORED(Name)
 KEL_PROFILE_PROPERTIES(KEL_PROPERTY, KEL_NOT_STORED)

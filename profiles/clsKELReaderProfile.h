@@ -44,6 +44,9 @@ namespace kel {
 /// the options dialog and `LoadDefaults` then find.
 class KEL_PUBLIC clsKELReaderProfile {
 public:
+    /// The class's name, as dumps of variables tell it.
+    static constexpr const char* kClassName = "clsKELReaderProfile";
+
     clsKELReaderProfile();
     explicit clsKELReaderProfile(const ProfileValues& values);
     clsKELReaderProfile(const clsKELReaderProfile& other);
@@ -64,7 +67,8 @@ public:
     [[nodiscard]] std::string ReaderName() const;
 
 private:
-    Hidden<ProfileValues> values_;
+    struct Fields;
+    Hidden<Fields> fields_;
 };
 
 /// Calls `visit(name, value)` for every property of a profile, in the order of the interface.

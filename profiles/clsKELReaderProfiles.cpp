@@ -1,5 +1,6 @@
 #include "profiles/clsKELReaderProfiles.h"
 
+#include "failure/ObjectLife.h"
 #include "failure/guarded.h"
 #include "profiles/Catalogue.h"
 #include "profiles/KeyedCollection.h"
@@ -22,20 +23,27 @@ Boolean holds(const Profiles& profiles, Index index)
     return bResult;
 }
 
-template <class Index>
-Reference<clsKELReaderProfile> itemOrNothing(const Profiles& profiles, Index index)
-{
-    Reference<clsKELReaderProfile> cProfile;
-    guarded(kSourceItem, [&] {
-        if (holds(profiles, index))
-            cProfile = profiles.Item(index);
-    });
-    return cProfile;
-}
-
 } // namespace
 
 struct clsKELReaderProfiles::Fields {
+    [[nodiscard]] std::string dumpMembers() const
+    {
+        return dumpOfValue("kelProfiles", collectionVariant(kelProfiles)) +
+               dumpOfValue("eProfileType", toVariant(static_cast<Int32>(eProfileType)));
+    }
+
+    template <class Index>
+    [[nodiscard]] Reference<clsKELReaderProfile> itemOrNothing(Index vIndex) const
+    {
+        Reference<clsKELReaderProfile> cProfile;
+        guarded(kSourceItem, KEL_PARAMETERS(vIndex) + moduleOf(*this), [&] {
+            if (holds(kelProfiles, vIndex))
+                cProfile = kelProfiles.Item(vIndex);
+        });
+        return cProfile;
+    }
+
+    ObjectLife life{"clsKELReaderProfiles,1"};
     Profiles kelProfiles;
     kelProfileType eProfileType = kelProfileTypeAll;
 };
@@ -45,23 +53,27 @@ clsKELReaderProfiles::clsKELReaderProfiles()
     FillProfiles();
 }
 
-clsKELReaderProfiles::~clsKELReaderProfiles() = default;
+clsKELReaderProfiles::~clsKELReaderProfiles()
+{
+    fields_->life.ends();
+}
 
 Int32 clsKELReaderProfiles::Count() const
 {
     Int32 lResult = 0;
-    guarded("KELReader81 - clsKELReaderProfiles.Count", [&] { lResult = fields_->kelProfiles.Count(); });
+    guarded("KELReader81 - clsKELReaderProfiles.Count", moduleOf(*fields_),
+            [&] { lResult = fields_->kelProfiles.Count(); });
     return lResult;
 }
 
 Reference<clsKELReaderProfile> clsKELReaderProfiles::Item(std::string_view Key) const
 {
-    return itemOrNothing(fields_->kelProfiles, Key);
+    return fields_->itemOrNothing(Key);
 }
 
 Reference<clsKELReaderProfile> clsKELReaderProfiles::Item(Int32 Position) const
 {
-    return itemOrNothing(fields_->kelProfiles, Position);
+    return fields_->itemOrNothing(Position);
 }
 
 Boolean clsKELReaderProfiles::Exists(std::string_view Key) const
@@ -81,8 +93,10 @@ kelProfileType clsKELReaderProfiles::ProfileType() const
 
 void clsKELReaderProfiles::ProfileType(kelProfileType value)
 {
-    guarded("KELReader81 - clsKELReaderProfiles.ProfileType", [&] {
-        const bool bRefill = value != fields_->eProfileType || Count() == 0;
+    bool bRefill = false;
+    const auto variables = KEL_PARAMETERS(value) + KEL_LOCALS(bRefill) + moduleOf(*fields_);
+    guarded("KELReader81 - clsKELReaderProfiles.ProfileType", variables, [&] {
+        bRefill = value != fields_->eProfileType || Count() == 0;
         fields_->eProfileType = value;
         if (bRefill)
             FillProfiles();
@@ -91,25 +105,27 @@ void clsKELReaderProfiles::ProfileType(kelProfileType value)
 
 void clsKELReaderProfiles::Remove(std::string_view Key)
 {
-    guarded(kSourceRemove, [&] { fields_->kelProfiles.Remove(Key); });
+    guarded(kSourceRemove, KEL_PARAMETERS(Key) + moduleOf(*fields_), [&] { fields_->kelProfiles.Remove(Key); });
 }
 
 void clsKELReaderProfiles::Remove(Int32 Position)
 {
-    guarded(kSourceRemove, [&] { fields_->kelProfiles.Remove(Position); });
+    guarded(kSourceRemove, KEL_PARAMETERS(Position) + moduleOf(*fields_),
+            [&] { fields_->kelProfiles.Remove(Position); });
 }
 
 void clsKELReaderProfiles::RemoveAll()
 {
-    guarded("KELReader81 - clsKELReaderProfiles.RemoveAll", [&] {
-        for (Int32 lPosition = Count(); lPosition >= 1; --lPosition)
+    Int32 lPosition = 0;
+    guarded("KELReader81 - clsKELReaderProfiles.RemoveAll", KEL_LOCALS(lPosition) + moduleOf(*fields_), [&] {
+        for (lPosition = Count(); lPosition >= 1; --lPosition)
             Remove(lPosition);
     });
 }
 
 void clsKELReaderProfiles::FillProfiles()
 {
-    guarded("KELReader81 - clsKELReaderProfiles.FillProfiles", [&] {
+    guarded("KELReader81 - clsKELReaderProfiles.FillProfiles", moduleOf(*fields_), [&] {
         RemoveAll();
         Add(noReader());
         for (const CatalogueGroup& group : catalogue()) {

@@ -22,6 +22,9 @@ struct CatalogueModel;
 /// Records are handed out by reference. What a host writes into one stays until the collection is filled anew.
 class KEL_PUBLIC clsKELReaderProfiles {
 public:
+    /// The class's name, as dumps of variables tell it.
+    static constexpr const char* kClassName = "clsKELReaderProfiles";
+
     clsKELReaderProfiles();
     ~clsKELReaderProfiles();
     clsKELReaderProfiles(const clsKELReaderProfiles&) = delete;

@@ -2,6 +2,8 @@
 
 #include "reader/ReaderEvents.h"
 
+#include "platform/FaultCapture.h"
+
 #include <cstdint>
 #include <exception>
 #include <memory>
@@ -22,6 +24,7 @@ public:
     template <class Raise>
     void raise(Raise&& raiseOn)
     {
+        const HostCode host;
         std::exception_ptr firstFailure;
         const std::vector<std::shared_ptr<Entry>> present = entries_;
         for (const auto& entry : present) {

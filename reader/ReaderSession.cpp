@@ -4,6 +4,9 @@
 #include "dispatch/frmComm.h"
 #include "failure/guarded.h"
 #include "reader/AnswerKeyObject.h"
+#include "reader/DictionaryVariant.h"
+#include "reader/HostAnswerKey.h"
+#include "reader/HostCarrier.h"
 #include "types/Text.h"
 
 namespace kel {
@@ -21,31 +24,39 @@ Int16 largestEntry(const PageArray& entries)
     return iLargest;
 }
 
+/// An object that the component knows by what it asks of it: its type has no other name here.
+template <class T>
+Variant lateBound(const Reference<T>& object)
+{
+    return object ? ObjectValue{"Object"} : ObjectValue{};
+}
+
 } // namespace
 
 ReaderSession::ReaderSession()
     : lHelpIDArr_(kelReaderHelpIDProperties, kelReaderHelpIDProperties),
       cPrinter_(makeReference<clsKELReaderPrinter>()), cWindows_(makeReference<clsKELReaderWindows>()),
       cProfiles_(makeReference<clsKELReaderProfiles>()), cBarcodes_(makeReference<clsKELReaderBarcodes>()),
-      fPComm_(makeReference<frmComm>()), fComm_(fPComm_)
+      fPComm_(makeReference<frmComm>()), fComm_(fPComm_), fCommForDrivers_(fPComm_)
 {
 }
 
 ReaderSession::~ReaderSession()
 {
+    life_.ends();
     cBarcodes_ = nullptr;
     cWindows_ = nullptr;
     cProfiles_ = nullptr;
     cPrinter_ = nullptr;
-    fComm_ = nullptr;
-    oAnswerKey_ = nullptr;
+    carrier(nullptr);
+    AnswerKey(nullptr);
     fPComm_ = nullptr;
 }
 
 Boolean ReaderSession::StartReader()
 {
     Boolean bResult = False;
-    guarded("KELReader81 - clsKELReader.StartReader", [&] {
+    guarded("KELReader81 - clsKELReader.StartReader", moduleOf(*this), [&] {
         CancelScan(False);
         bResult = ReaderInit(*this);
     });
@@ -55,9 +66,14 @@ Boolean ReaderSession::StartReader()
 Boolean ReaderSession::ReadPage(Boolean InitializePrinter)
 {
     Boolean bResult = False;
-    guarded("KELReader81 - clsKELReader.ReadPage", [&] {
+    Boolean bInitialized = False;
+    Boolean bReject = False;
+    Boolean bCancelScan = False;
+    const auto variables =
+        KEL_PARAMETERS(InitializePrinter) + KEL_LOCALS(bInitialized, bReject, bCancelScan) + moduleOf(*this);
+    guarded("KELReader81 - clsKELReader.ReadPage", variables, [&] {
         cPrinter_->Initialized(InitializePrinter);
-        Boolean bInitialized = cPrinter_->Initialized();
+        bInitialized = cPrinter_->Initialized();
         events_.raise([&](ReaderEvents& host) { host.BeforeSheet(bInitialized); });
         if (CancelScan())
             return;
@@ -68,12 +84,11 @@ Boolean ReaderSession::ReadPage(Boolean InitializePrinter)
             return;
 
         bSheetEjected_ = False;
-        Boolean bReject = False;
         events_.raise([&](ReaderEvents& host) { host.ReadSheet(iSide1Arr_, iSide2Arr_, sBarcodeArr_, bReject); });
         if (cPrinter_->Initialized() && cPrinter_->Active())
             printSheet(bReject);
 
-        Boolean bCancelScan = CancelScan();
+        bCancelScan = CancelScan();
         events_.raise([&](ReaderEvents& host) { host.AfterSheet(bCancelScan); });
         CancelScan(bCancelScan);
         bResult = True;
@@ -93,13 +108,15 @@ void ReaderSession::printSheet(Boolean bReject)
 Boolean ReaderSession::ReadBatch(Boolean InitializePrinter, Int32 lMaxSheets, Int32& lSheetCount)
 {
     Boolean bResult = False;
-    guarded("KELReader81 - clsKELReader.ReadBatch", [&] {
+    Boolean bReadPage = False;
+    const auto variables =
+        KEL_PARAMETERS(InitializePrinter, lMaxSheets, lSheetCount) + KEL_LOCALS(bReadPage) + moduleOf(*this);
+    guarded("KELReader81 - clsKELReader.ReadBatch", variables, [&] {
         if (!StartReader()) {
             EndReader();
             return;
         }
 
-        Boolean bReadPage = False;
         while (!CancelScan() && !(lSheetCount >= lMaxSheets && lMaxSheets >= 0)) {
             bReadPage = ReadPage(InitializePrinter);
             lSheetCount = checkedAdd(lSheetCount, 1);
@@ -120,16 +137,16 @@ Boolean ReaderSession::ReadBatch(Boolean InitializePrinter, Int32 lMaxSheets, In
 Boolean ReaderSession::EndReader()
 {
     Boolean bResult = False;
-    guarded("KELReader81 - clsKELReader.EndReader", [&] {
+    guarded("KELReader81 - clsKELReader.EndReader", moduleOf(*this), [&] {
         bResult = ReaderClose(*this);
-        oAnswerKey_ = nullptr;
+        AnswerKey(nullptr);
     });
     return bResult;
 }
 
 void ReaderSession::RejectPage()
 {
-    guarded("KELReader81 - clsKELReader.RejectPage", [&] {
+    guarded("KELReader81 - clsKELReader.RejectPage", moduleOf(*this), [&] {
         if (!bSheetEjected_)
             ReaderReject(*this);
         bSheetEjected_ = True;
@@ -138,7 +155,7 @@ void ReaderSession::RejectPage()
 
 void ReaderSession::EjectPage()
 {
-    guarded("KELReader81 - clsKELReader.EjectPage", [&] {
+    guarded("KELReader81 - clsKELReader.EjectPage", moduleOf(*this), [&] {
         if (bSheetEjected_)
             return;
         bSheetEjected_ = True;
@@ -149,7 +166,7 @@ void ReaderSession::EjectPage()
 Boolean ReaderSession::LoadDefaults(kelReaderType eReaderType)
 {
     Boolean bResult = False;
-    guarded("KELReader81 - clsKELReader.LoadDefaults", [&] {
+    guarded("KELReader81 - clsKELReader.LoadDefaults", KEL_PARAMETERS(eReaderType) + moduleOf(*this), [&] {
         ReaderType(eReaderType);
         const auto profile = [&] { return cProfiles_->Item(CStr(eReaderType)); };
         uReader_.ReaderGrade = profile()->ReaderGrade();
@@ -176,26 +193,66 @@ Boolean ReaderSession::LoadDefaults(kelReaderType eReaderType)
 Boolean ReaderSession::Locate(Int16 iStartPort)
 {
     Boolean bResult = False;
-    guarded("KELReader81 - clsKELReader.Locate", [&] { bResult = ReaderLocate(*this, iStartPort); });
+    guarded("KELReader81 - clsKELReader.Locate", KEL_PARAMETERS(iStartPort) + moduleOf(*this),
+            [&] { bResult = ReaderLocate(*this, iStartPort); });
     return bResult;
 }
 
 Boolean ReaderSession::Firmware(std::string& sReturn)
 {
     Boolean bResult = False;
-    guarded("KELReader81 - clsKELReader.Firmware", [&] { bResult = ReaderFirmware(*this, sReturn); });
+    guarded("KELReader81 - clsKELReader.Firmware", KEL_PARAMETERS(sReturn) + moduleOf(*this),
+            [&] { bResult = ReaderFirmware(*this, sReturn); });
     return bResult;
+}
+
+std::string ReaderSession::dumpMembers() const
+{
+    VariableLines lines;
+    lines.add("Barcodes, Windows, Profiles, Printer", cBarcodes_, cWindows_, cProfiles_, cPrinter_);
+    lines.add("fComm, AnswerKey, fPComm", lateBound(fComm_), lateBound(oAnswerKey_),
+              Variant(fPComm_ ? ObjectValue{"frmComm"} : ObjectValue{}));
+    lines.add("uReader, lHelpIDArr, bSheetEjected", Variant(RecordValue{"kelReaderStruct"}), lHelpIDArr_,
+              bSheetEjected_);
+    lines.add("iLargestSide1Rows, iLargestSide1Cols, iLargestSide2Rows, iLargestSide2Cols", iLargestSide1Rows_,
+              iLargestSide1Cols_, iLargestSide2Rows_, iLargestSide2Cols_);
+    lines.add("iSide1TimingMarks, iSide2TimingMarks", iSide1TimingMarks_, iSide2TimingMarks_);
+    lines.add("iSide1Arr, iSide2Arr, sBarcodeArr", iSide1Arr_, iSide2Arr_, sBarcodeArr_);
+    lines.add("iSide1RowsArr, iSide1ColsArr, iSide2RowsArr, iSide2ColsArr", iSide1RowsArr_, iSide1ColsArr_,
+              iSide2RowsArr_, iSide2ColsArr_);
+    return lines.text();
 }
 
 Int32& ReaderSession::helpID(kelReaderHelpID eHelpIDType, SourceLocation where)
 {
-    return lHelpIDArr_(eHelpIDType, where);
+    return captured("clsKELReader.HelpID", KEL_PARAMETERS(eHelpIDType) + moduleOf(*this),
+                    [&]() -> Int32& { return lHelpIDArr_(eHelpIDType, where); });
 }
 
 void ReaderSession::ReaderType(kelReaderType value)
 {
-    uReader_.ReaderType = value;
-    cPrinter_->SetType(value);
+    captured("clsKELReader.ReaderType", KEL_PARAMETERS(value) + moduleOf(*this), [&] {
+        uReader_.ReaderType = value;
+        cPrinter_->SetType(value);
+    });
+}
+
+void ReaderSession::AnswerKey(Reference<AnswerKeyObject> value)
+{
+    // The host's old key may be at its end here.
+    const HostCode host;
+    oKeyForDrivers_ = hostAnswerKey(value);
+    oAnswerKey_ = std::move(value);
+}
+
+void ReaderSession::carrier(Reference<Carrier> value)
+{
+    const HostCode host;
+    if (!value || value == fPComm_)
+        fCommForDrivers_ = value;
+    else
+        fCommForDrivers_ = makeReference<HostCarrier>(value);
+    fComm_ = std::move(value);
 }
 
 std::string ReaderSession::Parity()
@@ -207,7 +264,7 @@ std::string ReaderSession::Parity()
 
 void ReaderSession::Side1Rows(const PageArray& rows)
 {
-    guarded("KELReader81 - clsKELReader.Side1Rows", [&] {
+    guarded("KELReader81 - clsKELReader.Side1Rows", KEL_PARAMETERS(rows) + moduleOf(*this), [&] {
         iSide1RowsArr_ = rows;
         iLargestSide1Rows_ = 0;
         iLargestSide1Rows_ = largestEntry(rows);
@@ -216,7 +273,7 @@ void ReaderSession::Side1Rows(const PageArray& rows)
 
 void ReaderSession::Side1Cols(const PageArray& columns)
 {
-    guarded("KELReader81 - clsKELReader.Side1Cols", [&] {
+    guarded("KELReader81 - clsKELReader.Side1Cols", KEL_PARAMETERS(columns) + moduleOf(*this), [&] {
         iSide1ColsArr_ = columns;
         iLargestSide1Cols_ = 0;
         iLargestSide1Cols_ = largestEntry(columns);
@@ -225,7 +282,7 @@ void ReaderSession::Side1Cols(const PageArray& columns)
 
 void ReaderSession::Side2Rows(const PageArray& rows)
 {
-    guarded("KELReader81 - clsKELReader.Side2Rows", [&] {
+    guarded("KELReader81 - clsKELReader.Side2Rows", KEL_PARAMETERS(rows) + moduleOf(*this), [&] {
         iSide2RowsArr_ = rows;
         iLargestSide2Rows_ = 0;
         iLargestSide2Rows_ = largestEntry(rows);
@@ -234,7 +291,7 @@ void ReaderSession::Side2Rows(const PageArray& rows)
 
 void ReaderSession::Side2Cols(const PageArray& columns)
 {
-    guarded("KELReader81 - clsKELReader.Side2Cols", [&] {
+    guarded("KELReader81 - clsKELReader.Side2Cols", KEL_PARAMETERS(columns) + moduleOf(*this), [&] {
         iSide2ColsArr_ = columns;
         iLargestSide2Cols_ = 0;
         iLargestSide2Cols_ = largestEntry(columns);
@@ -244,14 +301,19 @@ void ReaderSession::Side2Cols(const PageArray& columns)
 void ReaderSession::TranslateDataEvent(Dictionary& oData, MarkArray& iSide1Array, MarkArray& iSide2Array,
                                        TextArray& sBarcodeArray, Boolean& bNeedsMoreData)
 {
-    events_.raise([&](ReaderEvents& host) {
-        host.TranslateData(oData, iSide1Array, iSide2Array, sBarcodeArray, bNeedsMoreData);
+    const auto variables =
+        KEL_PARAMETERS(oData, iSide1Array, iSide2Array, sBarcodeArray, bNeedsMoreData) + moduleOf(*this);
+    captured("clsKELReader.TranslateDataEvent", variables, [&] {
+        events_.raise([&](ReaderEvents& host) {
+            host.TranslateData(oData, iSide1Array, iSide2Array, sBarcodeArray, bNeedsMoreData);
+        });
     });
 }
 
 void ReaderSession::GetQuestionsOnPageEvent(Int16& iPage, Int16& iNumberQuestions)
 {
-    events_.raise([&](ReaderEvents& host) { host.GetQuestionsOnPage(iPage, iNumberQuestions); });
+    captured("clsKELReader.GetQuestionsOnPageEvent", KEL_PARAMETERS(iPage, iNumberQuestions) + moduleOf(*this),
+             [&] { events_.raise([&](ReaderEvents& host) { host.GetQuestionsOnPage(iPage, iNumberQuestions); }); });
 }
 
 } // namespace kel

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "failure/ObjectLife.h"
 #include "reader/EventSource.h"
 #include "reader/ReaderContract.h"
 #include "reader/clsKELReaderBarcodes.h"
@@ -15,6 +16,8 @@ namespace kel {
 /// The public object hands everything on to it; the drivers see it as the contract.
 class ReaderSession final : public ReaderContract {
 public:
+    static constexpr const char* kClassName = "clsKELReader";
+
     /// Creation order: the stop flag, the help numbers, printer, windows, profiles, barcodes, the carrier.
     ReaderSession();
 
@@ -36,6 +39,9 @@ public:
     Boolean Locate(Int16 iStartPort);
     Boolean Firmware(std::string& sReturn);
 
+    /// The lines of the object's own variables for a dump.
+    [[nodiscard]] std::string dumpMembers() const;
+
     [[nodiscard]] Int32& helpID(kelReaderHelpID eHelpIDType, SourceLocation where);
     [[nodiscard]] EventSource& events() { return events_; }
     [[nodiscard]] const MarkArray& side1() const { return iSide1Arr_; }
@@ -48,8 +54,9 @@ public:
     void Barcodes(Reference<clsKELReaderBarcodes> value) { cBarcodes_ = std::move(value); }
     void Printer(Reference<clsKELReaderPrinter> value) { cPrinter_ = std::move(value); }
     void Profiles(Reference<clsKELReaderProfiles> value) { cProfiles_ = std::move(value); }
-    void AnswerKey(Reference<AnswerKeyObject> value) { oAnswerKey_ = std::move(value); }
-    void carrier(Reference<Carrier> value) { fComm_ = std::move(value); }
+    void AnswerKey(Reference<AnswerKeyObject> value);
+    [[nodiscard]] const Reference<AnswerKeyObject>& keyOfHost() const { return oAnswerKey_; }
+    void carrier(Reference<Carrier> value);
     [[nodiscard]] const Reference<Carrier>& carrier() const { return fComm_; }
     void Side1Rows(const PageArray& rows);
     void Side1Cols(const PageArray& columns);
@@ -83,7 +90,7 @@ public:
     [[nodiscard]] Reference<clsKELReaderBarcodes> Barcodes() const override { return cBarcodes_; }
     [[nodiscard]] Reference<clsKELReaderPrinter> Printer() const override { return cPrinter_; }
     [[nodiscard]] Reference<clsKELReaderProfiles> Profiles() const override { return cProfiles_; }
-    [[nodiscard]] Reference<AnswerKeyObject> AnswerKey() const override { return oAnswerKey_; }
+    [[nodiscard]] Reference<AnswerKeyObject> AnswerKey() const override { return oKeyForDrivers_; }
     [[nodiscard]] PageArray Side1Rows() const override { return iSide1RowsArr_; }
     [[nodiscard]] PageArray Side1Cols() const override { return iSide1ColsArr_; }
     [[nodiscard]] PageArray Side2Rows() const override { return iSide2RowsArr_; }
@@ -92,7 +99,7 @@ public:
     [[nodiscard]] Int16 LargestSide1Cols() const override { return iLargestSide1Cols_; }
     [[nodiscard]] Int16 LargestSide2Rows() const override { return iLargestSide2Rows_; }
     [[nodiscard]] Int16 LargestSide2Cols() const override { return iLargestSide2Cols_; }
-    [[nodiscard]] Carrier& fComm() const override { return *fComm_; }
+    [[nodiscard]] Carrier& fComm() const override { return *fCommForDrivers_; }
     [[nodiscard]] Boolean CancelScan() const override { return uReader_.CancelScan; }
     void CancelScan(Boolean value) override { uReader_.CancelScan = value; }
     void Side1TimingMarks(Int16 value) override { iSide1TimingMarks_ = value; }
@@ -108,8 +115,11 @@ public:
     void GetQuestionsOnPageEvent(Int16& iPage, Int16& iNumberQuestions) override;
 
 private:
+    static constexpr const char* kNameAndKind = "clsKELReader,1";
+
     void printSheet(Boolean bReject);
 
+    ObjectLife life_{kNameAndKind};
     kelReaderStruct uReader_;
     Array1<Int32> lHelpIDArr_;
     Boolean bSheetEjected_;
@@ -134,6 +144,9 @@ private:
     Reference<AnswerKeyObject> oAnswerKey_;
     Reference<Carrier> fPComm_; // the object's own carrier
     Reference<Carrier> fComm_;  // the carrier in use
+    // Key and carrier are the host's objects; the drivers use them as such.
+    Reference<AnswerKeyObject> oKeyForDrivers_;
+    Reference<Carrier> fCommForDrivers_;
 };
 
 } // namespace kel

@@ -110,7 +110,8 @@ SettingsStore::SettingsStore(kelReaderRegistryKey lRegistryKey, std::string sReg
 Boolean SettingsStore::LoadSettings(ReaderSession& session) const
 {
     Boolean bResult = False;
-    guarded("KELReader81 - clsKELReader.LoadSettings", [&] {
+    const auto variables = KEL_PARAMETERS(lRegistryKey_, sRegistrySubKey_) + moduleOf(session);
+    guarded("KELReader81 - clsKELReader.LoadSettings", variables, [&] {
         for (const SettingRow& row : kSettings)
             row.store(session, LoadValue(row.name, row.whenMissing));
         bResult = True;
@@ -121,7 +122,8 @@ Boolean SettingsStore::LoadSettings(ReaderSession& session) const
 Boolean SettingsStore::SaveSettings(ReaderSession& session) const
 {
     Boolean bResult = False;
-    guarded("KELReader81 - clsKELReader.SaveSettings", [&] {
+    const auto variables = KEL_PARAMETERS(lRegistryKey_, sRegistrySubKey_) + moduleOf(session);
+    guarded("KELReader81 - clsKELReader.SaveSettings", variables, [&] {
         const auto saveRow = [&](const SettingRow& row) {
             std::string sValue = row.text(session);
             SaveValue(row.name, sValue);
@@ -139,7 +141,8 @@ Boolean SettingsStore::SaveSettings(ReaderSession& session) const
 std::string SettingsStore::LoadValue(std::string_view sValueName, const std::string& sDefaultValue) const
 {
     std::string sResult;
-    guarded("KELReader81 - clsKELReader.LoadValue", [&] {
+    const auto variables = KEL_PARAMETERS(lRegistryKey_, sRegistrySubKey_, sValueName, sDefaultValue);
+    guarded("KELReader81 - clsKELReader.LoadValue", variables, [&] {
         const auto value = platform().registry().read(lRegistryKey_, sRegistrySubKey_, sValueName);
         if (!value || value->data.size() > kLongestValue) {
             sResult = sDefaultValue;
@@ -163,12 +166,13 @@ std::string SettingsStore::LoadValue(std::string_view sValueName, const std::str
 Boolean SettingsStore::SaveValue(std::string_view sValueName, std::string& sValue) const
 {
     Boolean bResult = False;
-    guarded("KELReader81 - clsKELReader.SaveValue", [&] {
-        if (sValue.empty())
-            sValue = " ";
-        bResult =
-            platform().registry().write(lRegistryKey_, sRegistrySubKey_, sValueName, {RegistryType::Text, sValue});
-    });
+    guarded("KELReader81 - clsKELReader.SaveValue", KEL_PARAMETERS(lRegistryKey_, sRegistrySubKey_, sValueName, sValue),
+            [&] {
+                if (sValue.empty())
+                    sValue = " ";
+                bResult = platform().registry().write(lRegistryKey_, sRegistrySubKey_, sValueName,
+                                                      {RegistryType::Text, sValue});
+            });
     return bResult;
 }
 

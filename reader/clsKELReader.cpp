@@ -3,6 +3,7 @@
 #include "dispatch/ReaderModels.h"
 #include "failure/basError.h"
 #include "failure/guarded.h"
+#include "reader/OptionsDialog.h"
 #include "reader/ReaderSession.h"
 #include "reader/SettingsStore.h"
 
@@ -64,7 +65,7 @@ void clsKELReader::Printer(Reference<clsKELReaderPrinter> value)
 
 Reference<AnswerKeyObject> clsKELReader::AnswerKey() const
 {
-    return session_->AnswerKey();
+    return session_->keyOfHost();
 }
 
 void clsKELReader::AnswerKey(Reference<AnswerKeyObject> value)
@@ -422,6 +423,14 @@ Boolean clsKELReader::LoadSettings(kelReaderRegistryKey lRegistryKey, const std:
 Boolean clsKELReader::SaveSettings(kelReaderRegistryKey lRegistryKey, const std::string& sRegistrySubKey)
 {
     return SettingsStore(lRegistryKey, sRegistrySubKey).SaveSettings(*session_);
+}
+
+Boolean clsKELReader::ShowOptions(void* fParent)
+{
+    Boolean bResult = False;
+    guarded("KELReader81 - clsKELReader.ShowOptions", moduleOf(*session_),
+            [&] { bResult = optionsDialog()(*this, fParent); });
+    return bResult;
 }
 
 Boolean clsKELReader::Locate(Int16 iStartPort)

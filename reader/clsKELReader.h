@@ -187,6 +187,13 @@ public:
     Boolean LoadSettings(kelReaderRegistryKey lRegistryKey, const std::string& sRegistrySubKey);
     Boolean SaveSettings(kelReaderRegistryKey lRegistryKey, const std::string& sRegistrySubKey);
 
+    /// Lets the user choose the model and its settings in the options dialog; `fParent` is the owner window (a
+    /// `QWidget*` of the host's own application, a `HWND`), if there is one. True when the dialog was closed with OK,
+    /// and the settings are as chosen; False when it was cancelled or, after a report, when it could not be shown.
+    /// The reader must not be in a session: the dialog opens each port for an instant to see which there are.
+    /// What shows the dialog can be replaced (options/OptionsPresenter.h).
+    Boolean ShowOptions(void* fParent = nullptr);
+
     /// Searches the serial ports for the reader: first `iStartPort` if it is above 0, then 1 to 16. The port that
     /// answers becomes `Port`. False for a model that cannot be searched for, whose lines are not touched. The reader
     /// must not be in a session.

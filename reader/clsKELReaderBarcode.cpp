@@ -1,8 +1,11 @@
 #include "reader/clsKELReaderBarcode.h"
 
+#include "failure/ObjectLife.h"
+
 namespace kel {
 
 struct clsKELReaderBarcode::Fields {
+    ObjectLife life{"clsKELReaderBarcode,1"};
     Int16 iPage = 0;
     Int16 iDistance = 0;
     Int16 iLength = 0;

@@ -10,6 +10,9 @@ namespace kel {
 /// A barcode zone: where on the sheet a reader with a barcode unit is to look. Nothing is checked.
 class KEL_PUBLIC clsKELReaderBarcode {
 public:
+    /// The class's name, as dumps of variables tell it.
+    static constexpr const char* kClassName = "clsKELReaderBarcode";
+
     clsKELReaderBarcode();
     clsKELReaderBarcode(const clsKELReaderBarcode& other);
     clsKELReaderBarcode& operator=(const clsKELReaderBarcode& other);

@@ -13,6 +13,9 @@ namespace kel {
 /// The barcode zones of a form in their order, addressed by position from 1.
 class KEL_PUBLIC clsKELReaderBarcodes {
 public:
+    /// The class's name, as dumps of variables tell it.
+    static constexpr const char* kClassName = "clsKELReaderBarcodes";
+
     clsKELReaderBarcodes();
     clsKELReaderBarcodes(const clsKELReaderBarcodes& other);
     clsKELReaderBarcodes& operator=(const clsKELReaderBarcodes& other);

@@ -1,5 +1,6 @@
 #include "reader/clsKELReaderPrinter.h"
 
+#include "failure/ObjectLife.h"
 #include "failure/guarded.h"
 
 #include <algorithm>
@@ -8,6 +9,9 @@
 namespace kel {
 
 struct clsKELReaderPrinter::Fields {
+    [[nodiscard]] std::string dumpMembers() const;
+
+    ObjectLife life{"clsKELReaderPrinter,1"};
     Boolean bEnabled;
     Boolean bActive;
     std::string sBuffer1;
@@ -17,6 +21,15 @@ struct clsKELReaderPrinter::Fields {
     kelReaderType uReaderType = kelReaderTypeNone;
     Boolean bInitialized;
 };
+
+std::string clsKELReaderPrinter::Fields::dumpMembers() const
+{
+    VariableLines lines;
+    lines.add("bEnabled, bActive, sBuffer1, sBuffer2, sBuffer3, iDistance", bEnabled, bActive, sBuffer1, sBuffer2,
+              sBuffer3, iDistance);
+    lines.add("uReaderType, bInitialized", static_cast<Int32>(uReaderType), bInitialized);
+    return lines.text();
+}
 
 clsKELReaderPrinter::clsKELReaderPrinter() = default;
 clsKELReaderPrinter::clsKELReaderPrinter(const clsKELReaderPrinter& other) = default;
@@ -99,7 +112,7 @@ const ImprintModel& imprintModel(kelReaderType type)
 
 void clsKELReaderPrinter::SetType(kelReaderType Value)
 {
-    guarded("KELReader81 - clsKELReaderPrinter.SetType", [&] {
+    guarded("KELReader81 - clsKELReaderPrinter.SetType", KEL_PARAMETERS(Value) + moduleOf(*fields_), [&] {
         fields_->uReaderType = Value;
         if (BufferCount() == 3)
             fields_->iDistance = kThreeLineDistance;
@@ -113,7 +126,7 @@ Boolean clsKELReaderPrinter::Enabled() const
 
 void clsKELReaderPrinter::Enabled(Boolean value)
 {
-    guarded("KELReader81 - clsKELReaderPrinter.Enabled", [&] {
+    guarded("KELReader81 - clsKELReaderPrinter.Enabled", KEL_PARAMETERS(value) + moduleOf(*fields_), [&] {
         switch (imprintModel(fields_->uReaderType).imprinter) {
         case None: fields_->bEnabled = False; break;
         case Optional: fields_->bEnabled = value; break;

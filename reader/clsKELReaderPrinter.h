@@ -14,6 +14,9 @@ namespace kel {
 /// driver takes it when the sheet is printed on. Nothing here checks the texts or the distance against the bounds.
 class KEL_PUBLIC clsKELReaderPrinter {
 public:
+    /// The class's name, as dumps of variables tell it.
+    static constexpr const char* kClassName = "clsKELReaderPrinter";
+
     clsKELReaderPrinter();
     clsKELReaderPrinter(const clsKELReaderPrinter& other);
     clsKELReaderPrinter& operator=(const clsKELReaderPrinter& other);

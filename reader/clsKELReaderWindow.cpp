@@ -1,8 +1,11 @@
 #include "reader/clsKELReaderWindow.h"
 
+#include "failure/ObjectLife.h"
+
 namespace kel {
 
 struct clsKELReaderWindow::Fields {
+    ObjectLife life{"clsKELReaderWindow,1"};
     Int16 iStartRow = 0;
     Int16 iNumRows = 0;
     Int16 iRowGap = 0;

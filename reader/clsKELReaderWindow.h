@@ -10,6 +10,9 @@ namespace kel {
 /// is the distance from one row or column to the next; a negative one runs towards lower numbers. Nothing is checked.
 class KEL_PUBLIC clsKELReaderWindow {
 public:
+    /// The class's name, as dumps of variables tell it.
+    static constexpr const char* kClassName = "clsKELReaderWindow";
+
     clsKELReaderWindow();
     clsKELReaderWindow(const clsKELReaderWindow& other);
     clsKELReaderWindow& operator=(const clsKELReaderWindow& other);

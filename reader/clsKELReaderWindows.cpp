@@ -1,18 +1,25 @@
 #include "reader/clsKELReaderWindows.h"
 
+#include "failure/ObjectLife.h"
 #include "failure/guarded.h"
 #include "reader/OrderedCollection.h"
 
 namespace kel {
 
 struct clsKELReaderWindows::Fields {
+    [[nodiscard]] std::string dumpMembers() const { return dumpOfValue("kelWindows", collectionVariant(kelWindows)); }
+
+    ObjectLife life{"clsKELReaderWindows,1"};
     OrderedCollection<clsKELReaderWindow> kelWindows;
 };
 
 clsKELReaderWindows::clsKELReaderWindows() = default;
 clsKELReaderWindows::clsKELReaderWindows(const clsKELReaderWindows& other) = default;
 clsKELReaderWindows& clsKELReaderWindows::operator=(const clsKELReaderWindows& other) = default;
-clsKELReaderWindows::~clsKELReaderWindows() = default;
+clsKELReaderWindows::~clsKELReaderWindows()
+{
+    fields_->life.ends();
+}
 
 Int32 clsKELReaderWindows::Count() const
 {
@@ -22,18 +29,21 @@ Int32 clsKELReaderWindows::Count() const
 void clsKELReaderWindows::Add(Reference<clsKELReaderWindow> Item, std::optional<Int32> Before,
                               std::optional<Int32> After)
 {
-    guarded("KELReader81 - clsKELReaderWindows.Add", [&] { fields_->kelWindows.Add(Item, Before, After); });
+    guarded("KELReader81 - clsKELReaderWindows.Add", KEL_PARAMETERS(Item, Before, After) + moduleOf(*fields_),
+            [&] { fields_->kelWindows.Add(Item, Before, After); });
 }
 
 void clsKELReaderWindows::Remove(Int32 Position)
 {
-    guarded("KELReader81 - clsKELReaderWindows.Remove", [&] { fields_->kelWindows.Remove(Position); });
+    guarded("KELReader81 - clsKELReaderWindows.Remove", KEL_PARAMETERS(Position) + moduleOf(*fields_),
+            [&] { fields_->kelWindows.Remove(Position); });
 }
 
 void clsKELReaderWindows::RemoveAll()
 {
-    guarded("KELReader81 - clsKELReaderWindows.RemoveAll", [&] {
-        for (Int32 lPosition = Count(); lPosition >= 1; --lPosition)
+    Int32 lPosition = 0;
+    guarded("KELReader81 - clsKELReaderWindows.RemoveAll", KEL_LOCALS(lPosition) + moduleOf(*fields_), [&] {
+        for (lPosition = Count(); lPosition >= 1; --lPosition)
             fields_->kelWindows.Remove(lPosition);
     });
 }
@@ -41,7 +51,7 @@ void clsKELReaderWindows::RemoveAll()
 Reference<clsKELReaderWindow> clsKELReaderWindows::Item(Int32 Position) const
 {
     Reference<clsKELReaderWindow> oItem;
-    guarded("KELReader81 - clsKELReaderWindows.Item", [&] {
+    guarded("KELReader81 - clsKELReaderWindows.Item", KEL_PARAMETERS(Position) + moduleOf(*fields_), [&] {
         if (Exists(Position))
             oItem = fields_->kelWindows.Item(Position);
     });

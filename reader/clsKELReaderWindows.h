@@ -13,6 +13,9 @@ namespace kel {
 /// The read windows of a form in their order, addressed by position from 1.
 class KEL_PUBLIC clsKELReaderWindows {
 public:
+    /// The class's name, as dumps of variables tell it.
+    static constexpr const char* kClassName = "clsKELReaderWindows";
+
     clsKELReaderWindows();
     clsKELReaderWindows(const clsKELReaderWindows& other);
     clsKELReaderWindows& operator=(const clsKELReaderWindows& other);

@@ -30,7 +30,7 @@ int run(const Arguments& arguments)
         output.writeOrFail(CStr(reader.Port()) + "\n");
         return kDoneStatus;
     }
-    reports.tell();
+    reports.tellOfDevices();
     if (!reader.Profiles()->Item(CStr(reader.ReaderType()))->LocateEnabled())
         std::cerr << "kelreader: " << reader.ReaderName() << " cannot be searched for; name its port." << std::endl;
     else

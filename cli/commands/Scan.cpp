@@ -5,15 +5,13 @@
 #include "cli/ModelLookup.h"
 #include "cli/ScanOutput.h"
 #include "cli/ScanSession.h"
-#include "cli/SimulatorArguments.h"
+#include "cli/SimulatedReader.h"
 #include "cli/TextOutput.h"
 #include "cli/TraceHead.h"
 #include "cli/UsageError.h"
 #include "platform/Platform.h"
 #include "platform/PortMap.h"
 #include "platform/TracingCarrier.h"
-#include "platform/posix/PtyDeviceHost.h"
-#include "types/Text.h"
 
 #include <iostream>
 
@@ -70,41 +68,16 @@ ScanRequest requestOf(const Arguments& arguments)
 
 void demandLine(const Arguments& arguments, const clsKELReader& reader)
 {
-    const auto profile = reader.Profiles()->Item(CStr(reader.ReaderType()));
+    const bool usb = isUsbModel(reader.ReaderType());
     const bool named = arguments.port || !arguments.device.empty() || arguments.simulate;
-    if (!named && reader.Port() == 0 && profile && profile->InterfaceType() == kelReaderInterfaceTypeSerial)
+    if (!named && reader.Port() == 0 && !usb)
         throw UsageError("Where is the reader? Say --port N, --device PATH or --simulate ('kelreader ports' lists the "
                          "devices that are there).");
-    if (!arguments.traceFile.empty() && profile && profile->InterfaceType() != kelReaderInterfaceTypeSerial)
+    if (!arguments.traceFile.empty() && usb)
         throw UsageError("A USB reader has no line that --trace could write down.");
     if (arguments.simulator.given() && !arguments.simulate)
         throw UsageError("The options of a simulated reader go with --simulate.");
 }
-
-/// The simulated reader of a scan, which runs behind a pseudo-terminal in a thread of its own.
-class SimulatedLine {
-public:
-    SimulatedLine(const Arguments& arguments, kelReaderType model, const ScanForm& form)
-        : reader_(arguments.simulator.make(model, form)), host_(*reader_)
-    {
-        host_.start();
-    }
-
-    [[nodiscard]] const std::string& deviceFile() const { return host_.deviceFile(); }
-
-    /// Ends it, and tells what was done wrongly to it.
-    void end()
-    {
-        host_.stop();
-        host_.join();
-        for (const std::string& error : reader_->errors())
-            std::cerr << "kelreader: The simulated reader did not expect this: " << error << std::endl;
-    }
-
-private:
-    std::unique_ptr<Simulator> reader_;
-    PtyDeviceHost host_;
-};
 
 /// Has the line of a reader written down while it is used. The file lives as long as the reader's carrier.
 std::shared_ptr<const TextOutput> trace(const Arguments& arguments, const ScanRequest& request, clsKELReader& reader)
@@ -114,6 +87,23 @@ std::shared_ptr<const TextOutput> trace(const Arguments& arguments, const ScanRe
     reader.fComm(
         makeReference<TracingCarrier>(reader.fComm(), head, [file](const std::string& line) { file->write(line); }));
     return file;
+}
+
+/// Starts the simulated reader. Without a form the component gets that of the sheets, so that it can read them.
+std::unique_ptr<SimulatedReader> simulate(const Arguments& arguments, ScanRequest& request, clsKELReader& reader)
+{
+    const kelReaderType model = request.model.value_or(reader.ReaderType());
+    if (arguments.formFile.empty()) {
+        request.form = arguments.simulator.formOfSheets(model);
+        applySizes(request.form, reader);
+    }
+    return startSimulatedReader(arguments.simulator, model, request.form);
+}
+
+void tellFaults(const std::vector<std::string>& faults)
+{
+    for (const std::string& fault : faults)
+        std::cerr << "kelreader: The simulated reader did not expect this: " << fault << std::endl;
 }
 
 /// Settings that do not fit leave the reader half set: nothing is read with it.
@@ -128,16 +118,16 @@ int refuseSettings(const Arguments& arguments, const clsKELReader& reader, const
 
 int run(const Arguments& arguments)
 {
-    const ScanRequest request = requestOf(arguments);
+    ScanRequest request = requestOf(arguments);
     clsKELReader reader;
     const std::vector<ReportedFailure> failures = prepareReader(reader, request);
     if (!failures.empty())
         return refuseSettings(arguments, reader, failures);
     demandLine(arguments, reader);
 
-    std::optional<SimulatedLine> simulated;
+    std::unique_ptr<SimulatedReader> simulated;
     if (arguments.simulate)
-        simulated.emplace(arguments, request.model.value_or(reader.ReaderType()), request.form);
+        simulated = simulate(arguments, request, reader);
     const std::string device = simulated ? simulated->deviceFile() : arguments.device;
     std::optional<PortOverride> inItsPlace;
     if (!device.empty())
@@ -154,7 +144,7 @@ int run(const Arguments& arguments)
     const ScanResult result =
         runScan(reader, request, output, [&] { return InterruptNote::came() || output.output().failed(); });
     if (simulated)
-        simulated->end();
+        tellFaults(simulated->end());
 
     if (InterruptNote::came())
         return kInterruptedStatus;
@@ -178,12 +168,14 @@ void addReaderOptions(CLI::App& command, Arguments& arguments)
         command.add_option("--device", arguments.device, "The reader's device, or a remote line as rfc2217:HOST:PORT")
             ->type_name("PATH")
             ->excludes(port);
-    command.add_flag("--simulate", arguments.simulate, "A simulated reader")->excludes(port)->excludes(device);
+    CLI::Option* simulate =
+        command.add_flag("--simulate", arguments.simulate, "A simulated reader")->excludes(port)->excludes(device);
     command.add_option("--form", arguments.formFile, "The form of the sheets, as JSON")->type_name("FILE");
     command
         .add_option("--omrapi", arguments.omrApiFile,
                     "The library of the USB readers' maker, in place of the usual one")
-        ->type_name("FILE");
+        ->type_name("FILE")
+        ->excludes(simulate);
     command
         .add_option("--answer-key", arguments.answerKeyFile,
                     "The right answers, as JSON, for a reader that grades by itself")

@@ -178,14 +178,7 @@ int show(const Arguments& arguments)
 {
     clsKELReader reader;
     const std::vector<ReportedFailure> failures = loadSettings(reader, keyNamed(arguments.key));
-    Json record = Json::object();
-    std::string table;
-    for (const std::string& name : loadedProperties()) {
-        const Json value = propertyNamed(name).get(reader);
-        record[name] = value;
-        table += padded(name, 22) + (value.is_string() ? value.get<std::string>() : jsonText(value)) + "\n";
-    }
-    TextOutput().writeOrFail(arguments.format == "json" ? jsonText(record) + "\n" : table);
+    TextOutput().writeOrFail(settingsText(reader, arguments.format == "json"));
     for (const ReportedFailure& failure : failures)
         std::cerr << "kelreader: " << failureSentence(failure) << std::endl;
     return failures.empty() ? kDoneStatus : kFailedStatus;

@@ -3,17 +3,22 @@
 #include "cli/Interrupt.h"
 #include "cli/JsonValue.h"
 #include "cli/ModelLookup.h"
+#include "cli/SimulatedLibraryHost.h"
 #include "cli/SimulatorArguments.h"
 #include "cli/TextOutput.h"
 #include "cli/UsageError.h"
 #include "platform/posix/PtyDeviceHost.h"
 
+#include <chrono>
 #include <filesystem>
 #include <iostream>
+#include <thread>
 
 namespace kel {
 
 namespace {
+
+constexpr std::chrono::milliseconds kLookForNews{50};
 
 struct Arguments {
     std::string model;
@@ -22,37 +27,44 @@ struct Arguments {
     SimulatorArguments simulator;
 };
 
-std::unique_ptr<PtyDeviceHost> hostOf(Simulator& reader, const std::string& link)
+/// Makes what may fail for want of a place: a link to it, or itself.
+template <class Make>
+auto atLink(const std::string& link, Make&& make)
 {
     try {
-        return std::make_unique<PtyDeviceHost>(reader, PtyDeviceHost::Options{.link = link, .paceHost = true});
+        return make();
     } catch (const std::filesystem::filesystem_error& failure) {
+        if (link.empty())
+            throw CommandFailure("No temporary folder can be made: " + failure.code().message() + ".");
         throw CommandFailure("The link " + link + " cannot be made: " + failure.code().message() + ".");
     } catch (const std::system_error& failure) {
         throw CommandFailure("No pseudo-terminal can be made: " + failure.code().message() + ".");
     }
 }
 
-int run(const Arguments& arguments)
+std::string errorLine(const std::string& what)
 {
-    const kelReaderType model = modelNamed(arguments.model);
-    const ScanForm form = arguments.formFile.empty() ? ScanForm() : readFormFile(arguments.formFile);
+    return jsonText({{"event", "error"}, {"text", jsonValue(what)}}) + "\n";
+}
+
+int playReader(const Arguments& arguments, kelReaderType model, const ScanForm& form)
+{
     const std::unique_ptr<Simulator> reader = arguments.simulator.make(model, form);
-    const std::unique_ptr<PtyDeviceHost> host = hostOf(*reader, arguments.link);
+    const auto host = atLink(arguments.link, [&] {
+        return std::make_unique<PtyDeviceHost>(*reader, PtyDeviceHost::Options{.link = arguments.link});
+    });
 
     // When nobody reads the log any more, nobody is there for whom to go on.
     TextOutput output;
-    const auto writeLine = [&](const std::string& line) {
-        if (!output.write(line + "\n"))
+    const auto write = [&](const std::string& line) {
+        if (!output.write(line))
             host->stop();
     };
-    reader->onLog([&](const SheetRecord& record) { writeLine(toJson(record)); });
-    reader->onError([&](const std::string& what) {
-        writeLine(jsonText({{"event", "error"}, {"text", jsonValue(what)}}));
-    });
+    reader->onLog([&](const SheetRecord& record) { write(toJson(record) + "\n"); });
+    reader->onError([&](const std::string& what) { write(errorLine(what)); });
 
     const InterruptNote interrupt([](void* running) { static_cast<PtyDeviceHost*>(running)->stop(); }, host.get());
-    writeLine(jsonText({{"event", "ready"}, {"device", host->deviceFile()}}));
+    write(jsonText({{"event", "ready"}, {"device", host->deviceFile()}}) + "\n");
     host->run();
 
     if (InterruptNote::came())
@@ -63,19 +75,49 @@ int run(const Arguments& arguments)
     return reader->errors().empty() ? kDoneStatus : kFailedStatus;
 }
 
+/// A USB model: a library to load lies where the first line says, and what happens in it is told as it comes.
+int playLibrary(const Arguments& arguments, const ScanForm& form)
+{
+    const OmrSimulationState state = arguments.simulator.omrState(form);
+    const auto host =
+        atLink(arguments.link, [&] { return std::make_unique<SimulatedLibraryHost>(state, arguments.link); });
+
+    TextOutput output;
+    const InterruptNote interrupt;
+    output.write(jsonText({{"event", "ready"}, {"library", host->library().string()}}) + "\n");
+    while (!InterruptNote::came() && !output.failed()) {
+        std::this_thread::sleep_for(kLookForNews);
+        for (const SimulatedLibraryHost::News& news : host->news())
+            output.write(news.isFault ? errorLine(news.text) : news.text + "\n");
+    }
+    if (InterruptNote::came())
+        return kInterruptedStatus;
+    throw CommandFailure(output.problem());
+}
+
+int run(const Arguments& arguments)
+{
+    const kelReaderType model = modelNamed(arguments.model);
+    const ScanForm form = arguments.formFile.empty() ? ScanForm() : readFormFile(arguments.formFile);
+    return isUsbModel(model) ? playLibrary(arguments, form) : playReader(arguments, model, form);
+}
+
 } // namespace
 
 void addSimulateCommand(Commands& commands)
 {
     const auto arguments = std::make_shared<Arguments>();
-    CLI::App& command = commands.add("simulate", "Plays a reader behind a pseudo-terminal, until Ctrl-C",
+    CLI::App& command = commands.add("simulate", "Plays a reader for other programs, until Ctrl-C",
                                      [arguments] { return run(*arguments); });
     command.add_option("--model", arguments->model, "The model, by number or name")->required();
-    command.add_option("--link", arguments->link, "Makes a symbolic link to the device")->type_name("PATH");
+    command.add_option("--link", arguments->link, "Makes a symbolic link to the device, or to the library")
+        ->type_name("PATH");
     command.add_option("--form", arguments->formFile, "The form of the sheets")->type_name("FILE");
     arguments->simulator.addTo(command);
-    command.footer("The first line of output names the device to open; each line after it tells what became of a sheet,"
-                   " or what the host did wrongly.");
+    command.footer(
+        "The first line of output names the device to open, or for a USB model the library to load ('kelreader scan "
+        "--omrapi'); each line after it tells what became of a sheet, or what the host did wrongly. Every program that "
+        "loads the library finds all the sheets.");
 }
 
 } // namespace kel

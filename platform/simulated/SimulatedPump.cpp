@@ -1,5 +1,6 @@
 #include "platform/simulated/SimulatedPump.h"
 
+#include "platform/FaultCapture.h"
 #include "types/RuntimeFailure.h"
 
 #include <algorithm>
@@ -64,7 +65,10 @@ void SimulatedPump::DoEvents()
     fireTimers();
     if (hostPump_ && !inHostPump_) {
         inHostPump_ = true;
-        hostPump_();
+        {
+            const HostCode host;
+            hostPump_();
+        }
         inHostPump_ = false;
     }
     runActions();

@@ -1,0 +1,116 @@
+#pragma once
+
+#include "platform/MessagePump.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+namespace kel {
+
+/// The input side of an open line: fetches what has arrived, and keeps it until it is taken.
+///
+/// One read fetches all there is. The line is looked at when nothing is in the buffer, and otherwise only when what is
+/// known of it may be old: behind a pause or an output, or when a character could have come since the last look. So a
+/// loop that takes byte by byte costs no system call a byte, and one that waits for more bytes sees them come.
+///
+/// A line that has hung up gives what came before, and fails with 8020 after that.
+class ReceivedInput {
+public:
+    virtual ~ReceivedInput() = default;
+    ReceivedInput(const ReceivedInput&) = delete;
+    ReceivedInput& operator=(const ReceivedInput&) = delete;
+
+    /// How long a character takes on this line; decides when a look is old.
+    void characterTime(Moment time);
+
+    // --- For the caller of the line
+
+    /// How many bytes wait. 8020 on a line that has hung up and has no more, or that the caller waits on in vain:
+    /// told the same number three times, and time passed in between.
+    [[nodiscard]] Int32 count();
+
+    /// Takes up to `most` bytes, or with 0 all that wait.
+    [[nodiscard]] std::string take(Int32 most);
+
+    /// Bytes have been sent, so that an answer may have come.
+    void answerMayCome() noexcept
+    {
+        old_ = true;
+        busyInTurn_ = true;
+    }
+
+    /// The failures of a line that has hung up, and of one that does not take the rest of an output.
+    [[noreturn]] void failHungUp() const;
+    [[noreturn]] void failStuck(std::size_t bytesLeft) const;
+
+    /// The other side of the line found out that it has hung up.
+    void hangUp() noexcept { hungUp_ = true; }
+    [[nodiscard]] bool hungUp() const noexcept { return hungUp_; }
+
+    // --- For the pump
+
+    /// Whether the line can bring more: it is connected, and there is room.
+    [[nodiscard]] bool canBringMore() const noexcept { return !hungUp_ && waiting() < kRoom; }
+
+    /// Fetches all that has arrived, behind the caller's back. `hangUpSignalled` tells that the system has marked the
+    /// line as hung up.
+    void fetch(bool hangUpSignalled = false);
+
+    /// Whether something waits that the caller has not been told yet.
+    [[nodiscard]] bool untold() const noexcept { return untold_; }
+
+    /// Whether the caller is not to be kept: since the pump last returned it has taken or sent something, or has been
+    /// told of more than before; or something waits that is news to it. So a caller that pauses whenever nothing waits
+    /// gets to its pause, and one that yields between asking and taking is not held up.
+    [[nodiscard]] bool inviting() const noexcept { return busyInTurn_ || (waiting() > 0 && untold_ && !offered_); }
+
+    /// The pump gives the thread back to the caller.
+    void turnEnds() noexcept;
+
+    /// Time has passed that the caller spent on nothing else.
+    void timePasses() noexcept;
+
+    /// How often the line has been read, for tests.
+    [[nodiscard]] std::uint64_t reads() const noexcept { return reads_; }
+
+protected:
+    /// `name` is for failures. The system hands out `fullRead` bytes at a time at most.
+    ReceivedInput(std::string name, std::size_t fullRead);
+
+    /// Reads what is there, up to `room` bytes, and answers how many came; it never waits. A line that is gone is
+    /// told by `hangUp`.
+    [[nodiscard]] virtual std::size_t read(char* into, std::size_t room) = 0;
+
+private:
+    /// Far more than any reader sends between two looks; a line that babbles on is left to its handshaking.
+    static constexpr std::size_t kRoom = 1024 * 1024;
+    static constexpr int kLooksAtDeadLine = 3;
+
+    [[nodiscard]] std::size_t waiting() const noexcept { return buffer_.size() - taken_; }
+    [[nodiscard]] bool mayBeOld() const noexcept;
+    [[nodiscard]] bool foundNothingBeforeTurn() noexcept;
+    void look();
+    [[nodiscard]] std::size_t readOnce();
+
+    std::string name_;
+    std::size_t fullRead_;
+    std::string fetched_;
+    Moment lookLasts_{};
+    Moment lastLook_{};
+    std::string buffer_;
+    std::size_t taken_ = 0;
+    bool old_ = false;          // what is known of the line may be outdated
+    bool untold_ = false;       // bytes came behind the caller's back, and it has not asked since
+    bool offered_ = false;      // the pump has returned because of them
+    std::size_t told_ = 0;      // how many bytes wait, as the caller knows
+    bool busyInTurn_ = false;   // the caller has taken or sent bytes since the pump last returned, or was told of more
+    bool lookedInVain_ = false; // the last look, in this turn, found nothing
+    bool turnBehindVainLook_ = false;
+    bool hungUp_ = false;
+    int vainLooks_ = 0; // at a dead line, without taking anything
+    bool timePassed_ = false;
+    std::uint64_t reads_ = 0;
+};
+
+} // namespace kel
