@@ -1,17 +1,25 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds, and reads a batch of sheets from a simulated reader behind a real pseudo-terminal.
-# Usage: ./run-demo.sh [sheets] [model]
+# Usage: ./run-demo.sh [--model NUMBER|NAME] [--sheets N]
+# Any of the 41 models will do; a USB model is read through the simulated library of its maker.
 set -euo pipefail
 cd "$(dirname "$0")"
-sheets=${1:-12}
-model=${2:-24}
+sheets=12
+model=24
+while [ $# -gt 0 ]; do
+    case "$1" in
+        --model) model=${2:?--model needs a number or a name}; shift 2 ;;
+        --sheets) sheets=${2:?--sheets needs a number}; shift 2 ;;
+        *) echo "run-demo.sh: unknown word '$1'; try --model NUMBER|NAME or --sheets N" >&2; exit 2 ;;
+    esac
+done
 
 echo "Building (the first time takes some minutes) ..." >&2
 scripts/install-packages.sh build test
 log=$(mktemp)
 cleanup() {
-    [ -z "${simulator:-}" ] || kill "$simulator" 2>/dev/null || true
-    rm -f "$log" "${ready:-}"
+    [ -z "${simulator:-}" ] || { kill "$simulator" && wait "$simulator"; } 2>/dev/null || true
+    rm -f "$log" "${ready:-}" "${form:-}"
 }
 trap cleanup EXIT
 if ! { cmake --preset release && cmake --build --preset release --parallel "$(nproc)" --target kelreader; } >"$log" 2>&1
@@ -22,14 +30,26 @@ fi
 
 kelreader=build/release/bin/kelreader
 ready=$(mktemp)
-"$kelreader" simulate --model "$model" --seed 2024 --count "$sheets" >"$ready" &
+form=$(mktemp)
+echo '{"side1Rows":[20],"side1Cols":[48],"side2Rows":[0],"side2Cols":[0]}' >"$form"
+"$kelreader" simulate --model "$model" --form "$form" --seed 2024 --count "$sheets" >"$ready" &
 simulator=$!
 for _ in $(seq 100); do
     grep -q '"ready"' "$ready" && break
+    kill -0 "$simulator" 2>/dev/null || exit 1 # it has said why
     sleep 0.1
 done
-device=$(sed -n 's/.*"device":"\([^"]*\)".*/\1/p' "$ready" | head -n 1)
-[ -n "$device" ] || { echo "run-demo.sh: the simulated reader did not start" >&2; exit 1; }
+where() { sed -n "s/.*\"ready\".*\"$1\":\"\([^\"]*\)\".*/\1/p" "$ready" | head -n 1; }
+device=$(where device)
+library=$(where library)
+if [ -n "$device" ]; then
+    reader=(--device "$device")
+elif [ -n "$library" ]; then
+    reader=(--omrapi "$library")
+else
+    echo "run-demo.sh: the simulated reader did not start" >&2
+    exit 1
+fi
 
-echo "A simulated reader (model $model) waits at $device; kelreader reads $sheets sheets from it." >&2
-"$kelreader" scan --model "$model" --device "$device" --max-sheets "$sheets" --set SleepTime=20 --format table
+echo "A simulated reader (model $model) waits at ${reader[1]}; kelreader reads $sheets sheets from it." >&2
+"$kelreader" scan --model "$model" "${reader[@]}" --form "$form" --max-sheets "$sheets" --set SleepTime=20 --format table

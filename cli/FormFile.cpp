@@ -125,6 +125,20 @@ ScanForm readFormFile(const std::filesystem::path& file)
     return parseForm(readWholeFile(file, "form file"), file.string());
 }
 
+std::string sizesText(const ScanForm& form)
+{
+    Json object = Json::object();
+    const std::pair<const char*, const std::optional<std::vector<Int16>>*> sizes[] = {{"side1Rows", &form.side1Rows},
+                                                                                      {"side1Cols", &form.side1Cols},
+                                                                                      {"side2Rows", &form.side2Rows},
+                                                                                      {"side2Cols", &form.side2Cols}};
+    for (const auto& [name, pages] : sizes) {
+        if (*pages)
+            object[name] = **pages;
+    }
+    return jsonText(object);
+}
+
 void applySizes(const ScanForm& form, clsKELReader& reader)
 {
     if (form.side1Rows)

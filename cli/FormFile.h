@@ -38,6 +38,9 @@ struct ScanForm {
 /// The same from a file; UsageError if it cannot be read too.
 [[nodiscard]] ScanForm readFormFile(const std::filesystem::path& file);
 
+/// The sizes of a form as a form's text on one line.
+[[nodiscard]] std::string sizesText(const ScanForm& form);
+
 /// Gives the form's sizes to a reader; those that are not given it leaves as they are.
 void applySizes(const ScanForm& form, clsKELReader& reader);
 

@@ -18,21 +18,6 @@ std::string compactJson(const std::string& file, const std::string& what)
     return jsonText(parseJson(readWholeFile(file, what), file));
 }
 
-/// The sizes of a form that stands in no file.
-std::string sizesText(const ScanForm& form)
-{
-    Json object = Json::object();
-    const std::pair<const char*, const std::optional<std::vector<Int16>>*> sizes[] = {{"side1Rows", &form.side1Rows},
-                                                                                      {"side1Cols", &form.side1Cols},
-                                                                                      {"side2Rows", &form.side2Rows},
-                                                                                      {"side2Cols", &form.side2Cols}};
-    for (const auto& [name, pages] : sizes) {
-        if (*pages)
-            object[name] = **pages;
-    }
-    return jsonText(object);
-}
-
 std::string propertyText(const Json& value)
 {
     return value.is_string() ? value.get<std::string>() : value.dump();
@@ -117,8 +102,6 @@ TraceLog::Head traceHead(const ScanRequest& request, const clsKELReader& reader,
     TraceLog::Head head{{"model", CStr(static_cast<Int32>(reader.ReaderType()))}};
     if (!formFile.empty())
         head.emplace_back("form", compactJson(formFile, "form file"));
-    else if (request.form.side1Rows)
-        head.emplace_back("form", sizesText(request.form));
     if (!answerKeyFile.empty())
         head.emplace_back("answer-key", compactJson(answerKeyFile, "answer key file"));
     addSettings(head, reader);

@@ -27,6 +27,14 @@ if(idl_file IN_LIST com_sources)
             VERBATIM)
         list(APPEND made ${com_generated}/${name})
     endforeach()
+    # By this manifest programs use the server without registration.
+    set(com_manifest ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/KELReader81U.manifest)
+    add_custom_command(
+        OUTPUT ${com_manifest}
+        COMMAND ${Python3_EXECUTABLE} ${com_folder}/make_manifest.py ${idl_file} amd64 ${com_manifest}
+        DEPENDS ${idl_file} ${com_folder}/make_manifest.py
+        VERBATIM)
+    list(APPEND made ${com_manifest})
     add_custom_target(kel_type_library DEPENDS ${made})
 endif()
 

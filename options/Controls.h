@@ -24,16 +24,16 @@ namespace kel {
 
 class Control;
 
-/// A typeface with its style. Size is in points.
+/// A typeface with its style.
 struct Font {
-    std::string Name = "Sans";
-    Int16 Charset = 0;
-    Boolean Bold;
-    Boolean Italic;
-    double Size = 9;
-    Boolean Strikethrough;
-    Boolean Underline;
-    Int16 Weight = 400;
+    std::string Name = "Sans"; ///< the family
+    Int16 Charset = 0;         ///< Windows' number of a character set
+    Boolean Bold;              ///< heavy
+    Boolean Italic;            ///< slanted
+    double Size = 9;           ///< points
+    Boolean Strikethrough;     ///< with a line through it
+    Boolean Underline;         ///< with a line below it
+    Int16 Weight = 400;        ///< 400 usual, 700 heavy
 
     friend bool operator==(const Font&, const Font&) = default;
 };
@@ -74,6 +74,7 @@ public:
     [[nodiscard]] const std::string& Caption() const { return caption_; }
     void Caption(std::string value) { caption_ = std::move(value); }
 
+    /// Whether the control itself can be worked; it is greyed out if not.
     [[nodiscard]] Boolean Enabled() const { return enabled_; }
     void Enabled(Boolean value) { enabled_ = value; }
 
@@ -93,6 +94,7 @@ public:
         return Seen() && static_cast<bool>(enabled_) && (!container_ || static_cast<bool>(container_->Enabled()));
     }
 
+    /// Place and size in twips.
     [[nodiscard]] double Left() const { return left_; }
     void Left(double value) { left_ = value; }
     [[nodiscard]] double Top() const { return top_; }
@@ -117,6 +119,8 @@ public:
     void SetFocus() { host_.activeControl_ = this; }
 
 protected:
+    /// Puts the control on a form, behind those that are there; on a frame of the form if `container` is one. The
+    /// names must live as long as the control.
     Control(ControlHost& host, std::string_view typeName, std::string_view name, const Control* container)
         : host_(host), typeName_(typeName), name_(name), container_(container)
     {
@@ -141,6 +145,7 @@ private:
 /// A text.
 class KEL_PUBLIC Label final : public Control {
 public:
+    /// Puts it on a form.
     Label(ControlHost& host, std::string_view name, const Control* container = nullptr)
         : Control(host, "Label", name, container)
     {
@@ -150,12 +155,14 @@ public:
 /// A titled box around other controls.
 class KEL_PUBLIC Frame final : public Control {
 public:
+    /// Puts it on a form.
     Frame(ControlHost& host, std::string_view name) : Control(host, "Frame", name, nullptr) {}
 };
 
 /// A part of the form that only adorns it: a band, a line.
 class KEL_PUBLIC Ornament final : public Control {
 public:
+    /// Puts it on a form.
     Ornament(ControlHost& host, std::string_view typeName, std::string_view name)
         : Control(host, typeName, name, nullptr)
     {
@@ -165,6 +172,7 @@ public:
 /// A box that is ticked or not.
 class KEL_PUBLIC CheckBox final : public Control {
 public:
+    /// Puts it on a form.
     CheckBox(ControlHost& host, std::string_view name, const Control* container)
         : Control(host, "CheckBox", name, container)
     {
@@ -188,6 +196,7 @@ public:
             Value(value_ == 1 ? Int16{0} : Int16{1});
     }
 
+    /// The form's handler of a click.
     std::function<void()> onClick;
 
 private:
@@ -197,6 +206,7 @@ private:
 /// A button.
 class KEL_PUBLIC PowerButton final : public Control {
 public:
+    /// Puts it on a form.
     PowerButton(ControlHost& host, std::string_view name, const Control* container = nullptr)
         : Control(host, "PowerButton", name, container)
     {
@@ -209,6 +219,7 @@ public:
             onClick();
     }
 
+    /// The form's handler of a click.
     std::function<void()> onClick;
 };
 
@@ -216,8 +227,10 @@ public:
 /// -1 is no row.
 class KEL_PUBLIC PowerCombo final : public Control {
 public:
+    /// Each row has so many.
     static constexpr Int32 kColumns = 2;
 
+    /// Puts it on a form.
     PowerCombo(ControlHost& host, std::string_view name, const Control* container = nullptr)
         : Control(host, "PowerCombo", name, container)
     {
@@ -234,6 +247,7 @@ public:
     /// Adds an empty row at the end.
     void AddRow() { rows_.emplace_back(); }
 
+    /// How many rows there are.
     [[nodiscard]] Int32 RowCount() const { return static_cast<Int32>(rows_.size()); }
 
     /// Sets a cell; 9 "Subscript out of range" for one that is not there.
@@ -286,6 +300,7 @@ public:
     [[nodiscard]] const std::string& Prompt() const { return prompt_; }
     void Prompt(std::string value) { prompt_ = std::move(value); }
 
+    /// The form's handler of a change of the row.
     std::function<void(Int32 PreviousRowNum, Int32 CurrentRowNum)> onSelChangeEx;
 
 private:
@@ -304,6 +319,7 @@ private:
 /// `Validate`.
 class KEL_PUBLIC PowerEdit final : public Control {
 public:
+    /// Puts it on a form.
     PowerEdit(ControlHost& host, std::string_view name, const Control* container)
         : Control(host, "PowerEdit", name, container)
     {
@@ -333,6 +349,8 @@ public:
     /// How many digits may stand behind the separator.
     [[nodiscard]] Int32 DecimalPlaces() const { return decimalPlaces_; }
     void DecimalPlaces(Int32 value) { decimalPlaces_ = value; }
+
+    /// What stands before the digits of a fraction.
     [[nodiscard]] const std::string& DecimalSeparator() const { return decimalSeparator_; }
     void DecimalSeparator(std::string value) { decimalSeparator_ = std::move(value); }
 
@@ -372,6 +390,7 @@ public:
         return KeyAscii;
     }
 
+    /// The form's handlers.
     std::function<void()> onGotFocus;
     std::function<void(Int16& KeyAscii)> onKeyPress;
     std::function<void()> onValidate;

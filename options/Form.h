@@ -23,6 +23,7 @@ public:
     [[nodiscard]] const std::string& Caption() const { return caption_; }
     void Caption(std::string value) { caption_ = std::move(value); }
 
+    /// The typeface in which texts are measured.
     [[nodiscard]] const kel::Font& Font() const { return font_; }
     void Font(kel::Font value) { font_ = std::move(value); }
 

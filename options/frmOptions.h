@@ -41,13 +41,19 @@ public:
 
     // --- The controls, in tab order
 
+    /// The title band.
     Ornament picHeader{*this, "PictureBox", "picHeader"};
     Label lblTitle{*this, "lblTitle"};
     Label lblSubtitle{*this, "lblSubtitle"};
-    Label lblReaderType{*this, "lblReaderType"};
-    PowerCombo cboReaderType{*this, "cboReaderType"}; ///< column 0 the model's name, column 1 its number
 
+    /// The model: column 0 its name, column 1 its number.
+    Label lblReaderType{*this, "lblReaderType"};
+    PowerCombo cboReaderType{*this, "cboReaderType"};
+
+    /// The frame of the reader's options.
     Frame frmReader{*this, "frmReader"};
+
+    /// An option that the model has or not.
     CheckBox chkFeeder{*this, "chkFeeder", &frmReader};
     CheckBox chkDuplex{*this, "chkDuplex", &frmReader};
     CheckBox chkRejecter{*this, "chkRejecter", &frmReader};
@@ -55,43 +61,67 @@ public:
     CheckBox chkBarcode{*this, "chkBarcode", &frmReader};
     CheckBox chkPrinter{*this, "chkPrinter", &frmReader};
     CheckBox chkWindowing{*this, "chkWindowing", &frmReader};
+
+    /// A number on the model's scale of darkness.
     Label lblRecognitionThreshold{*this, "lblRecognitionThreshold", &frmReader};
     PowerEdit txtRecognitionThreshold{*this, "txtRecognitionThreshold", &frmReader};
     Label lblMarkDiscrimination{*this, "lblMarkDiscrimination", &frmReader};
     PowerEdit txtMarkDiscrimination{*this, "txtMarkDiscrimination", &frmReader};
     Label lblMarkCutOff{*this, "lblMarkCutOff", &frmReader};
     PowerEdit txtMarkCutOff{*this, "txtMarkCutOff", &frmReader};
-    Label lblReaderTimeout{*this, "lblReaderTimeout", &frmReader};
-    PowerEdit txtReaderTimeout{*this, "txtReaderTimeout", &frmReader}; ///< seconds
-    Label lblSystemPause{*this, "lblSystemPause", &frmReader};
-    PowerEdit txtSystemPause{*this, "txtSystemPause", &frmReader}; ///< milliseconds
 
+    /// How long the reader may take to answer, in seconds.
+    Label lblReaderTimeout{*this, "lblReaderTimeout", &frmReader};
+    PowerEdit txtReaderTimeout{*this, "txtReaderTimeout", &frmReader};
+
+    /// The base of all pauses, in milliseconds.
+    Label lblSystemPause{*this, "lblSystemPause", &frmReader};
+    PowerEdit txtSystemPause{*this, "txtSystemPause", &frmReader};
+
+    /// The frame of the line's settings.
     Frame frmComPort{*this, "frmComPort"};
+
+    /// The ports that can be opened, and the search for the reader.
     Label lblPort{*this, "lblPort", &frmComPort};
     PowerCombo cboPort{*this, "cboPort", &frmComPort};
     PowerButton cmdLocate{*this, "cmdLocate", &frmComPort};
+
+    /// A setting of the line. Parity has its name in column 0 and its letter in column 1, flow control its name and its
+    /// number.
     Label lblBaud{*this, "lblBaud", &frmComPort};
     PowerCombo cboBaud{*this, "cboBaud", &frmComPort};
     Label lblDataBits{*this, "lblDataBits", &frmComPort};
     PowerCombo cboDataBits{*this, "cboDataBits", &frmComPort};
     Label lblParity{*this, "lblParity", &frmComPort};
-    PowerCombo cboParity{*this, "cboParity", &frmComPort}; ///< column 0 the parity's name, column 1 its letter
+    PowerCombo cboParity{*this, "cboParity", &frmComPort};
     Label lblStopBits{*this, "lblStopBits", &frmComPort};
     PowerCombo cboStopBits{*this, "cboStopBits", &frmComPort};
     Label lblFlowControl{*this, "lblFlowControl", &frmComPort};
-    PowerCombo cboFlowControl{*this, "cboFlowControl", &frmComPort}; ///< column 0 the name, column 1 the number
+    PowerCombo cboFlowControl{*this, "cboFlowControl", &frmComPort};
 
+    /// The line above the buttons.
     Ornament linBottom{*this, "Line", "linBottom"};
+
+    /// The buttons. OK is the default, Cancel that of the Escape key.
     PowerButton cmdDefaults{*this, "cmdDefaults"};
-    PowerButton cmdOK{*this, "cmdOK"};         ///< the default button
-    PowerButton cmdCancel{*this, "cmdCancel"}; ///< the button of the Escape key
+    PowerButton cmdOK{*this, "cmdOK"};
+    PowerButton cmdCancel{*this, "cmdCancel"};
 
     // --- Its procedures, which run by themselves when the form is loaded and its controls are worked
 
+    /// Captions, the host's font, layout and values, in this order.
     void Form_Load();
+
+    /// Sets all captions from the language database.
     void VBLM_SetProperties();
+
+    /// Makes room for the captions: fields and lists go right of the longest label.
     void RepositionControls();
+
+    /// Fills the lists and shows the reader's settings. Each port from 1 to 16 is opened for an instant.
     void LoadValues();
+
+    /// Writes the settings to a reader: those of the line only for a serial model; for no model the defaults of none.
     void SaveValues(clsKELReader& cSaveReader);
 
     /// Whether a port can be opened at this moment; nothing is reported.
@@ -111,11 +141,23 @@ public:
     /// none.
     [[nodiscard]] static double CVal(std::string_view vValue);
 
+    /// Sets every control but the port from the catalogue's record of the model that was chosen.
     void cboReaderType_SelChangeEx(Int32 PreviousRowNum, Int32 CurrentRowNum);
+
+    /// Fixes or frees the three numbers of models that judge the marks themselves when they grade.
     void chkReaderGrade_Click();
+
+    /// Saves and closes, unless a serial model has no port.
     void cmdOK_Click();
+
+    /// Closes; nothing is written.
     void cmdCancel_Click();
+
+    /// Shows the catalogue's values for the model again; the port stays.
     void cmdDefaults_Click();
+
+    /// Searches the ports with the values of the dialog, and selects the one that answers. The reader's own settings
+    /// stay as they were.
     void cmdLocate_Click();
 
     /// -1 once the dialog was closed with OK or Cancel.

@@ -10,7 +10,9 @@ namespace kel {
 class Carrier {
 public:
     virtual ~Carrier() = default;
+    /// The line.
     [[nodiscard]] virtual SerialControl& mscComm() = 0;
+    /// The timer of the waits.
     [[nodiscard]] virtual ScanTimer& tmrScan() = 0;
 };
 

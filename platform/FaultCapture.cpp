@@ -8,11 +8,13 @@ std::atomic<FaultCapture*> captureInUse{nullptr};
 
 } // namespace
 
+#if !defined(_WIN32)
 namespace detail {
 
 constinit thread_local bool componentRunsOnThread = false;
 
 } // namespace detail
+#endif
 
 void setFaultCapture(FaultCapture* capture)
 {

@@ -42,18 +42,28 @@ void setFaultCapture(FaultCapture* capture);
 
 namespace detail {
 
-#if defined(__ELF__)
+#if defined(_WIN32)
+[[nodiscard]] bool readComponentRuns() noexcept;
+void writeComponentRuns(bool runs) noexcept;
+#else
 // A signal handler reads it and every procedure writes it: no function may stand between.
 [[gnu::tls_model("initial-exec")]] extern constinit thread_local bool componentRunsOnThread;
-#else
-extern constinit thread_local bool componentRunsOnThread;
+
+[[nodiscard]] inline bool readComponentRuns() noexcept
+{
+    return componentRunsOnThread;
+}
+[[gnu::always_inline]] inline void writeComponentRuns(bool runs) noexcept
+{
+    componentRunsOnThread = runs;
+}
 #endif
 
 /// The flag is read in the midst of any statement: nothing may be moved across a write of it.
 [[gnu::always_inline]] inline void setComponentRuns(bool runs) noexcept
 {
     std::atomic_signal_fence(std::memory_order_seq_cst);
-    componentRunsOnThread = runs;
+    writeComponentRuns(runs);
     std::atomic_signal_fence(std::memory_order_seq_cst);
 }
 
@@ -62,7 +72,7 @@ extern constinit thread_local bool componentRunsOnThread;
 /// Whether a procedure of the component runs on the calling thread, and no code of the host that it has called.
 [[nodiscard]] inline bool componentRuns() noexcept
 {
-    return detail::componentRunsOnThread;
+    return detail::readComponentRuns();
 }
 inline void componentRuns(bool runs) noexcept
 {

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
+#include <optional>
 #include <string>
 
 namespace kel {
@@ -18,6 +20,16 @@ public:
 
     /// The file of the component itself.
     [[nodiscard]] virtual std::filesystem::path ComponentFile() const = 0;
+
+    /// A key of a section of a profile file as the system itself reads it, or `otherwise` if the key is not there, cut
+    /// to a buffer of `bufferSize` bytes with its terminator. Nothing on a system that has no such files, and for a
+    /// file whose name the system's function does not take.
+    [[nodiscard]] virtual std::optional<std::string>
+    ProfileString(const std::string& /*section*/, const std::string& /*key*/, const std::string& /*otherwise*/,
+                  std::size_t /*bufferSize*/, const std::string& /*fileName*/) const
+    {
+        return std::nullopt;
+    }
 };
 
 } // namespace kel

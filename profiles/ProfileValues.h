@@ -47,8 +47,8 @@ struct ProfileValues {
     Int16 RecognitionThresholdMaximum = 0;
     Int16 MaxCols = 0; ///< timing track columns that the model can read across a sheet; for the host
 
-    kelReaderInterfaceType InterfaceType = kelReaderInterfaceTypeSerial;
-    kelReaderBaudRate BaudRate = kelReaderBaudRate9600;
+    kelReaderInterfaceType InterfaceType = kelReaderInterfaceTypeSerial; ///< serial or USB
+    kelReaderBaudRate BaudRate = kelReaderBaudRate9600;                  ///< the speed of the line
     Boolean BaudRateEnabled = True;
     Boolean BaudRateVisible = True;
     kelReaderDataBits DataBits{}; ///< 0: not applicable

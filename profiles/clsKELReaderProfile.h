@@ -48,6 +48,7 @@ public:
     static constexpr const char* kClassName = "clsKELReaderProfile";
 
     clsKELReaderProfile();
+    /// A record with these values.
     explicit clsKELReaderProfile(const ProfileValues& values);
     clsKELReaderProfile(const clsKELReaderProfile& other);
     clsKELReaderProfile& operator=(const clsKELReaderProfile& other);

@@ -12,11 +12,13 @@ namespace kel {
 /// Answer texts in their order, compared exactly.
 class KEL_PUBLIC AnswerList final : public AnswerChoices {
 public:
+    /// A list of these answers.
     explicit AnswerList(std::vector<std::string> answers = {});
     AnswerList(const AnswerList& other);
     AnswerList& operator=(const AnswerList& other);
     ~AnswerList() override;
 
+    /// Number of answers.
     [[nodiscard]] Int32 Count() const override;
     /// Failure 5, with a text that names the answer and the choices, for a text that is no choice.
     [[nodiscard]] Int32 Position(std::string_view answer) const override;
@@ -66,6 +68,7 @@ public:
     AnswerKey& operator=(const AnswerKey& other);
     ~AnswerKey() override;
 
+    /// The identifiers of the form's pages, separated by commas.
     [[nodiscard]] std::string FormIDs() const override;
     void FormIDs(std::string value);
     /// 1 on a new key.

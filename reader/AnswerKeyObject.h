@@ -13,6 +13,7 @@ namespace kel {
 class KEL_PUBLIC AnswerChoices {
 public:
     virtual ~AnswerChoices() = default;
+    /// Number of texts.
     [[nodiscard]] virtual Int32 Count() const = 0;
     /// The 1-based position of an answer's text. A text that is no choice is a failure of the key's own.
     [[nodiscard]] virtual Int32 Position(std::string_view answer) const = 0;

@@ -43,6 +43,7 @@ public:
     /// Adds an item at the end. A key that is there already is failure 457.
     void Add(const DictionaryKey& key, DictionaryItem item, SourceLocation where = SourceLocation::current());
 
+    /// Whether there is an entry of that key; none is added.
     [[nodiscard]] Boolean Exists(const DictionaryKey& key) const;
 
     /// The item of a key. Asking for a key that is not there adds it, with nothing as its item.

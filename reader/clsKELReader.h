@@ -25,8 +25,8 @@ class ReaderSession;
 /// an error object; `StartReader`; `ReadPage` repeatedly, or `ReadBatch` alone, which starts and ends by itself;
 /// `EndReader`.
 ///
-/// Everything runs on the thread of the caller. A wait lets the host's events run (`hostPump`), and that is how a
-/// host stops it: through `CancelScan`. No method throws for a failure of the reader: a failure is reported to the
+/// Everything runs on the thread of the caller. A wait lets the host run (`setHostPump`), and that is how a host stops
+/// it: through `CancelScan`. No method throws for a failure of the reader: a failure is reported to the
 /// error object or in a message box, and the method returns False, or ends, with what it had done by then.
 /// No property checks its value: what does not fit is refused where it is used.
 class KEL_PUBLIC clsKELReader {

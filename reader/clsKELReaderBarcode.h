@@ -18,6 +18,7 @@ public:
     clsKELReaderBarcode& operator=(const clsKELReaderBarcode& other);
     ~clsKELReaderBarcode();
 
+    /// The page of the form, from 1.
     [[nodiscard]] Int16 Page() const;
     void Page(Int16 value);
     /// Where the zone begins along the sheet, and how long it is, in the model's own steps.

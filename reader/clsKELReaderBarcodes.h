@@ -21,6 +21,7 @@ public:
     clsKELReaderBarcodes& operator=(const clsKELReaderBarcodes& other);
     ~clsKELReaderBarcodes();
 
+    /// Number of zones.
     [[nodiscard]] Int32 Count() const;
 
     /// Adds a zone before or after a position, or at the end. A position that is not there is reported, and nothing
@@ -30,6 +31,7 @@ public:
     /// Removes the zone at a position; one that is not there is reported.
     void Remove(Int32 Index);
 
+    /// Removes all zones.
     void RemoveAll();
 
     /// The zone at a position, or nothing, without a report, where none is.

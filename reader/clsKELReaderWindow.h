@@ -18,18 +18,21 @@ public:
     clsKELReaderWindow& operator=(const clsKELReaderWindow& other);
     ~clsKELReaderWindow();
 
+    /// The first row, how many rows, and the distance from one to the next.
     [[nodiscard]] Int16 StartRow() const;
     void StartRow(Int16 value);
     [[nodiscard]] Int16 NumRows() const;
     void NumRows(Int16 value);
     [[nodiscard]] Int16 RowGap() const;
     void RowGap(Int16 value);
+    /// The same of the columns.
     [[nodiscard]] Int16 StartCol() const;
     void StartCol(Int16 value);
     [[nodiscard]] Int16 NumCols() const;
     void NumCols(Int16 value);
     [[nodiscard]] Int16 ColGap() const;
     void ColGap(Int16 value);
+    /// The page of the form, from 1.
     [[nodiscard]] Int16 Page() const;
     void Page(Int16 value);
     /// 1 reads row by row, 0 column by column.

@@ -21,6 +21,7 @@ public:
     clsKELReaderWindows& operator=(const clsKELReaderWindows& other);
     ~clsKELReaderWindows();
 
+    /// Number of windows.
     [[nodiscard]] Int32 Count() const;
 
     /// Adds a window before or after a position, or at the end. A position that is not there is reported, and nothing
@@ -30,6 +31,7 @@ public:
     /// Removes the window at a position; one that is not there is reported.
     void Remove(Int32 Position);
 
+    /// Removes all windows.
     void RemoveAll();
 
     /// The window at a position, or nothing, without a report, where none is.

@@ -7,6 +7,7 @@
 
 #if defined(_WIN32)
 #include "options/win32/Win32OptionsPresenter.h"
+#include "platform/windows/WindowsFaultCapture.h"
 #include "platform/windows/WindowsPlatform.h"
 #else
 #include "options/posix/OptionsModule.h"
@@ -31,8 +32,10 @@ constexpr OptionsPresenterFactory kOptionsPresenterOfThisSystem = &loadOptionsMo
 /// The fault capture of this system; nothing where the compiler cannot make code that it could work on.
 FaultCapture* faultCaptureOfThisSystem()
 {
-#if defined(_WIN32) || defined(__clang__)
+#if defined(__clang__)
     return nullptr;
+#elif defined(_WIN32)
+    return &WindowsFaultCapture::instance();
 #else
     return &PosixFaultCapture::instance();
 #endif

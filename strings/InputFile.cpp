@@ -21,9 +21,18 @@ FailureCode reasonNotOpened(int error)
     }
 }
 
+std::FILE* openForReading(const std::string& name)
+{
+#if defined(_WIN32)
+    return ::_wfopen(filePath(name).c_str(), L"rb");
+#else
+    return std::fopen(name.c_str(), "rb");
+#endif
+}
+
 } // namespace
 
-InputFile::InputFile(const std::string& name) : file_(std::fopen(name.c_str(), "rb"))
+InputFile::InputFile(const std::string& name) : file_(openForReading(name))
 {
     if (!file_)
         throw RuntimeFailure(reasonNotOpened(errno));

@@ -3,10 +3,17 @@
 #include "types/Numbers.h"
 
 #include <cstdio>
+#include <filesystem>
 #include <memory>
 #include <string>
 
 namespace kel {
+
+/// The path that a text in UTF-8 says. A path that is made of the text itself takes it for another code on Windows.
+[[nodiscard]] inline std::filesystem::path filePath(const std::string& utf8)
+{
+    return std::u8string(utf8.begin(), utf8.end());
+}
 
 /// A text file that is read line by line. A line ends with CR LF, LF or CR.
 /// Every call on a file that is not open is failure 52, and a read error is failure 57.
@@ -15,7 +22,8 @@ public:
     /// No file is open.
     InputFile() = default;
 
-    /// Opens a file at its first byte: 53 if there is none, 70 if it may not be read, 57 for anything else.
+    /// Opens a file, whose name is in UTF-8, at its first byte: 53 if there is none, 70 if it may not be read, 57 for
+    /// anything else.
     explicit InputFile(const std::string& name);
 
     /// The length in bytes.

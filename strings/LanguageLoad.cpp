@@ -26,7 +26,7 @@ bool namesItsFolder(const std::string& fileName)
 bool isThere(const std::string& fileName)
 {
     std::error_code error;
-    const auto status = std::filesystem::status(fileName, error);
+    const auto status = std::filesystem::status(filePath(fileName), error);
     return std::filesystem::exists(status) && !std::filesystem::is_directory(status);
 }
 
@@ -237,7 +237,10 @@ void LanguageLoad::readTexts()
 /// One look-up in the head. A text that was found stays in `PE` even if its number is too large.
 Boolean LanguageLoad::VBLM_GetProfileString(tagProfileEntry& PE) const
 {
-    const std::string found = head_.value(PE.sKey, kNoValue, kProfileBuffer);
+    const std::string found = platform()
+                                  .process()
+                                  .ProfileString(kHeadSection, PE.sKey, kNoValue, kProfileBuffer, sFileName_)
+                                  .value_or(head_.value(PE.sKey, kNoValue, kProfileBuffer));
     if (!found.empty()) {
         PE.sValue = found;
         PE.lValue = CLng(Val(found));

@@ -30,6 +30,7 @@ public:
         return result;
     }
 
+    /// Gives the array bounds and initial elements; what it held is gone. Fails as the constructor does.
     void ReDim(Int32 lower, Int32 upper, SourceLocation where = SourceLocation::current())
     {
         if (upper < lower)
@@ -55,25 +56,30 @@ public:
         lower_ = 0;
     }
 
+    /// Whether the array has bounds.
     [[nodiscard]] bool isDimensioned() const noexcept { return dimensioned_; }
 
+    /// The lower bound; failure 9 on an undimensioned array.
     [[nodiscard]] Int32 LBound(SourceLocation where = SourceLocation::current()) const
     {
         demandDimensions(where);
         return lower_;
     }
 
+    /// The upper bound; failure 9 on an undimensioned array.
     [[nodiscard]] Int32 UBound(SourceLocation where = SourceLocation::current()) const
     {
         demandDimensions(where);
         return static_cast<Int32>(std::int64_t{lower_} + static_cast<std::int64_t>(elements_.size()) - 1);
     }
 
+    /// The element of an index.
     T& operator()(Int32 index, SourceLocation where = SourceLocation::current())
     {
         return elements_[position(index, where)];
     }
 
+    /// The element of an index.
     const T& operator()(Int32 index, SourceLocation where = SourceLocation::current()) const
     {
         return elements_[position(index, where)];
@@ -115,6 +121,7 @@ public:
     /// An array `(1 To rows, 1 To columns)` of initial elements. Less than one row or column is failure 9.
     Array2(Int32 rows, Int32 columns, SourceLocation where = SourceLocation::current()) { ReDim(rows, columns, where); }
 
+    /// Gives the array bounds and initial elements; what it held is gone. Fails as the constructor does.
     void ReDim(Int32 rows, Int32 columns, SourceLocation where = SourceLocation::current())
     {
         if (rows < 1 || columns < 1)
@@ -131,6 +138,7 @@ public:
         rows_ = columns_ = 0;
     }
 
+    /// Whether the array has bounds.
     [[nodiscard]] bool isDimensioned() const noexcept { return rows_ > 0; }
 
     /// Upper bound of dimension 1 (rows) or 2 (columns); failure 9 on an undimensioned array.
@@ -145,11 +153,13 @@ public:
     [[nodiscard]] Int32 rows() const noexcept { return rows_; }
     [[nodiscard]] Int32 columns() const noexcept { return columns_; }
 
+    /// The element of a row and column.
     T& operator()(Int32 row, Int32 column, SourceLocation where = SourceLocation::current())
     {
         return elements_[position(row, column, where)];
     }
 
+    /// The element of a row and column.
     const T& operator()(Int32 row, Int32 column, SourceLocation where = SourceLocation::current()) const
     {
         return elements_[position(row, column, where)];

@@ -25,10 +25,13 @@ public:
         return result;
     }
 
+    /// The value as it stands in 16 bits.
     [[nodiscard]] constexpr std::int16_t bits() const noexcept { return bits_; }
+    /// False for 0, true for everything else.
     constexpr explicit operator bool() const noexcept { return bits_ != 0; }
 
     friend constexpr bool operator==(Boolean, Boolean) noexcept = default;
+    /// Bit by bit: 1 and 2 are both true, and their conjunction is not.
     friend constexpr Boolean operator&(Boolean a, Boolean b) noexcept
     {
         return fromBits(static_cast<std::int16_t>(a.bits_ & b.bits_));
@@ -38,6 +41,7 @@ private:
     std::int16_t bits_ = 0;
 };
 
+/// The two values that the component itself gives.
 inline constexpr Boolean True = Boolean::fromBits(-1);
 inline constexpr Boolean False = Boolean::fromBits(0);
 

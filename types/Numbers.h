@@ -12,6 +12,7 @@
 
 namespace kel {
 
+/// Whole numbers of the interface: with a sign in 16 and 32 bits, and a byte from 0 to 255.
 using Int16 = std::int16_t;
 using Int32 = std::int32_t;
 using Byte = std::uint8_t;

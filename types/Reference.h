@@ -15,17 +15,22 @@ template <class T>
 class Reference {
 public:
     Reference() noexcept = default;
+    /// To nothing.
     Reference(std::nullptr_t) noexcept {}
+    /// To an object that others may hold too.
     template <class U>
     requires std::convertible_to<U*, T*> Reference(std::shared_ptr<U> object)
     noexcept : object_(std::move(object)) {}
+    /// To an object of a derived class.
     template <class U>
     requires std::convertible_to<U*, T*> Reference(const Reference<U>& other)
     noexcept : object_(other.shared()) {}
 
+    /// Whether it refers to nothing, and the contrary as a condition.
     [[nodiscard]] bool isNothing() const noexcept { return object_ == nullptr; }
     explicit operator bool() const noexcept { return !isNothing(); }
 
+    /// The object; failure 91 for nothing.
     T* operator->() const { return &**this; }
     T& operator*() const
     {
@@ -34,6 +39,7 @@ public:
         return *object_;
     }
 
+    /// The same as a pointer of the standard library; empty for nothing.
     [[nodiscard]] const std::shared_ptr<T>& shared() const noexcept { return object_; }
 
     friend bool operator==(const Reference&, const Reference&) noexcept = default;

@@ -60,8 +60,10 @@ public:
     /// A failure that does not come from a statement of the component itself.
     RuntimeFailure(std::int32_t number, std::string text, std::string source, SourceLocation where);
 
+    /// The failure's number, also as one of those that the component knows.
     [[nodiscard]] std::int32_t number() const noexcept { return number_; }
     [[nodiscard]] FailureCode code() const noexcept { return static_cast<FailureCode>(number_); }
+    /// The failure's text.
     [[nodiscard]] const std::string& text() const noexcept { return text_; }
     /// Who raised it: the component's name, or whatever else it came from.
     [[nodiscard]] const std::string& source() const noexcept { return source_; }

@@ -30,7 +30,8 @@ int run(CLI::App& program, const std::vector<std::string>& words)
         path += (path.empty() ? "" : " ") + command->get_name();
         command = &commandNamed(*command, word);
     }
-    TextOutput().writeOrFail(command->help(path));
+    // Its own help() would tell of the command that was called, which is this one.
+    TextOutput().writeOrFail(command->get_formatter()->make_help(command, path, CLI::AppFormatMode::Normal));
     return kDoneStatus;
 }
 

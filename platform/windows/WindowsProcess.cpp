@@ -33,4 +33,18 @@ std::filesystem::path WindowsProcess::ComponentFolder() const
     return ComponentFile().parent_path();
 }
 
+/// The values come as the file has them, byte by byte.
+std::optional<std::string> WindowsProcess::ProfileString(const std::string& section, const std::string& key,
+                                                         const std::string& otherwise, std::size_t bufferSize,
+                                                         const std::string& fileName) const
+{
+    const std::string ansiName = ansiText(fileName);
+    if (utf8FromAnsi(ansiName) != fileName)
+        return std::nullopt;
+    std::string value(bufferSize, '\0');
+    value.resize(::GetPrivateProfileStringA(section.c_str(), key.c_str(), otherwise.c_str(), value.data(),
+                                            static_cast<DWORD>(bufferSize), ansiName.c_str()));
+    return value;
+}
+
 } // namespace kel

@@ -16,6 +16,7 @@ constexpr Byte kHighestMask = 0x1F;
 constexpr Int32 kMostVersions = 4;
 constexpr Int32 kLetters = 26;
 constexpr const char* kLineEnd = "\r\n";
+constexpr Int32 kAsTheOthers = -1;
 
 // What stands in places of a line whose meaning nobody knows. It looks like what is known.
 std::string unknown(std::size_t length)
@@ -36,6 +37,8 @@ DataLineReader::DataLineReader(SimulatorOptions options)
       k7Reply_(settingFlag("k7-reply", !bench_)), shortLine_(parseTranscriptBytes(setting("short-line", ""))),
       endLine_(setting("end-line", "Z1")), awayReply_(parseTranscriptBytes(setting("away-reply", "")))
 {
+    const Int32 first = settingNumber("first-ms", kAsTheOthers);
+    firstFeedTime_ = first == kAsTheOthers ? feedTime() : Moment(std::chrono::milliseconds(first));
     expectStart();
 }
 
@@ -261,7 +264,7 @@ void DataLineReader::startRun()
             return;
     }
     running_ = true;
-    schedule(feedTime(), [this] { takeSheet(); });
+    schedule(firstFeedTime_, [this] { takeSheet(); });
 }
 
 void DataLineReader::onSheetPut()

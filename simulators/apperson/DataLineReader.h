@@ -24,7 +24,8 @@ namespace kel {
 /// the 1200. It refuses as the host's mistake: any other command and any other order, pieces that come too fast or are
 /// too short, and what is no character of a key.
 ///
-/// Settings beside those of all Apperson readers: `id-length` (of an identifier, 4 without it), `piece-ms` (the pause
+/// Settings beside those of all Apperson readers: `first-ms` (how long the first sheet of a run takes, as long as the
+/// others without it), `id-length` (of an identifier, 4 without it), `piece-ms` (the pause
 /// between pieces, 10), `key-slack-ms` (how far pieces may be ahead of that in all, 100: a host on a busy machine does
 /// not keep its pauses to the millisecond), `k7-reply` (the BenchMark replies to K7), `short-line` (what comes in front
 /// of each line of the BenchMark, in the notation of transcripts), `end-line` ("Z1"), `away-reply` (what comes back
@@ -97,6 +98,7 @@ private:
     Moment pieceDue_{};
     bool paceTold_ = false;
 
+    Moment firstFeedTime_{};
     std::size_t idLength_;
     Moment piecePause_;
     Moment keySlack_;

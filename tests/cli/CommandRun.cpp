@@ -8,6 +8,7 @@
 #include <poll.h>
 #include <spawn.h>
 #include <stdexcept>
+#include <string_view>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -45,10 +46,11 @@ const std::string& storeFolder()
 
 std::vector<std::string> environmentOfRun()
 {
-    std::vector<std::string> variables;
+    const std::string store = "KELREADER_REGISTRY_DIR=";
+    std::vector<std::string> variables = {store + storeFolder()};
     for (char** variable = environ; *variable; ++variable)
-        variables.emplace_back(*variable);
-    variables.push_back("KELREADER_REGISTRY_DIR=" + storeFolder());
+        if (!std::string_view(*variable).starts_with(store))
+            variables.emplace_back(*variable);
     return variables;
 }
 

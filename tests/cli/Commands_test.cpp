@@ -147,7 +147,7 @@ TEST(HelpCommand, UnknownCommandIsWrongUse)
 {
     const CommandOutcome outcome = runCommand({"help", "scn"});
     EXPECT_EQ(outcome.status, 2);
-    EXPECT_THAT(outcome.errors, HasSubstr("There is no command 'scn'; the nearest are"));
+    EXPECT_THAT(outcome.errors, HasSubstr("There is no command 'scn'; the nearest is scan"));
     EXPECT_THAT(runCommand({"help", "scan", "x"}).errors, HasSubstr("'scan' has no commands of its own."));
 }
 

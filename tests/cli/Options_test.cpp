@@ -75,7 +75,7 @@ TEST_F(OptionsCommandTest, WritesWhatWasChosenAndKeepsIt)
     const auto record = nlohmann::json::parse(output);
     EXPECT_EQ(record["Port"], 3);
     EXPECT_EQ(record["MarkCutOff"], 12);
-    EXPECT_EQ(record["Windowing"], true);
+    EXPECT_EQ(record["RecognitionThreshold"], 7);
 
     clsKELReader reader;
     reader.LoadSettings(kelReaderRegistryKeyCurrentUser, R"(Software\Reader)");

@@ -132,7 +132,7 @@ TEST(UsbScanCommand, RefusesWhatIsOfALineAndWhatIsNoSheet)
     EXPECT_THAT(refusal({"--sheets", sheets.path()}), HasSubstr("sheet 2, side1"));
     EXPECT_EQ(refusal({"--trace", "/tmp/never"}),
               "kelreader: A USB reader has no line that --trace could write down.\n");
-    EXPECT_THAT(refusal({"--omrapi", "/tmp/never"}), HasSubstr("--omrapi excludes --simulate"));
+    EXPECT_THAT(refusal({"--omrapi", "/tmp/never"}), HasSubstr("--simulate excludes --omrapi"));
 }
 
 TEST(UsbScanCommand, SaysWhatToDoWithoutALibrary)

@@ -11,13 +11,13 @@ namespace kel::test {
 
 KEL_FAULTY inline int readNullAddress()
 {
-    const int* volatile nowhere = nullptr;
+    const volatile int* volatile nowhere = nullptr;
     return *nowhere;
 }
 
 KEL_FAULTY inline void writeNullAddress()
 {
-    int* volatile nowhere = nullptr;
+    volatile int* volatile nowhere = nullptr;
     *nowhere = 1;
 }
 
@@ -32,7 +32,8 @@ KEL_FAULTY inline int divideByZero()
 {
     volatile int zero = 0;
     volatile int one = 1;
-    return one / zero;
+    volatile int result = one / zero;
+    return result;
 }
 
 KEL_FAULTY inline int callNullFunction()

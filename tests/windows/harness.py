@@ -33,7 +33,7 @@ def environment(**more):
     """The environment of a program under Wine: no display, no Mono, no browser."""
     result = dict(os.environ)
     result.pop("DISPLAY", None)
-    result.update(WINEDEBUG="-all", WINEARCH="win64", WINEPREFIX=str(PREFIX),
+    result.update(WINEDEBUG="-all", WINEARCH="win64", WINEPREFIX=str(PREFIX), LC_ALL="C.UTF-8",
                   WINEDLLOVERRIDES="mscoree,mshtml=;winemenubuilder.exe=d")
     result.update(more)
     return result
@@ -43,8 +43,12 @@ def wine(*arguments, timeout=60, check=False, cwd=BIN, env=None):
     """Runs a program under Wine to its end; its output is text."""
     # Not a pipe: Wine's own processes inherit it, and live longer.
     with tempfile.TemporaryFile("w+", errors="replace") as output:
-        done = subprocess.run(["wine", *map(str, arguments)], cwd=cwd, env=env or environment(), timeout=timeout,
-                              stdin=subprocess.DEVNULL, stdout=output, stderr=subprocess.STDOUT)
+        try:
+            done = subprocess.run(["wine", *map(str, arguments)], cwd=cwd, env=env or environment(), timeout=timeout,
+                                  stdin=subprocess.DEVNULL, stdout=output, stderr=subprocess.STDOUT)
+        except subprocess.TimeoutExpired as late:
+            output.seek(0)
+            raise RuntimeError(f"{late}; its output:\n{output.read()}") from None
         output.seek(0)
         done.stdout = output.read()
     if check and done.returncode != 0:

@@ -193,6 +193,22 @@ TEST_F(SessionSS, WindowsAreLoadedInWindowModeAndTheirNegativeGapsTurned)
     EXPECT_EQ(cWindow->RowGap(), 2);
 }
 
+TEST_F(SessionSS, AWindowIsTurnedRoundOnlyOnce)
+{
+    reader.settings().RecognitionMode = kelRecognitionTypeWindow;
+    const Reference<clsKELReaderWindow> cWindow = addWindow(1, 20, 3, 9);
+    cWindow->RowGap(-2);
+    cWindow->ColGap(-1);
+    for (int session = 0; session < 2; ++session) {
+        device.on(kReset, kAck).on(kMode, "0").on(threshold("DL1")).on(threshold("DL1")).on("\x10Q\r");
+        device.on("\x10W\r\x02"
+                  "160302060401112\r");
+        EXPECT_TRUE(InitReaderSS(reader));
+    }
+    EXPECT_EQ(cWindow->StartCol(), 6);
+    EXPECT_EQ(cWindow->ColGap(), 1);
+}
+
 TEST_F(SessionSS, AWindowThatIsNotThereFails)
 {
     reader.settings().RecognitionMode = kelRecognitionTypeWindow;

@@ -8,11 +8,14 @@ namespace {
 
 constexpr std::uint64_t kSheets = 250;
 
-SimulatorOptions atOnce(SimulatorOptions options)
+SimulatorOptions atOnce(SimulatorOptions options, kelReaderType model)
 {
     options.rate = Rate::Unlimited;
     options.settings["feed-ms"] = "0";
     options.settings["reply-ms"] = "0";
+    // A line that is there before the host has taken the last reply of the start is taken for a part of it.
+    if (model == kelReaderTypeAppersonAdvantage1200)
+        options.settings["first-ms"] = "200";
     return options;
 }
 
@@ -20,8 +23,13 @@ SimulatorOptions atOnce(SimulatorOptions options)
 class AppersonPtyReader {
 public:
     AppersonPtyReader(kelReaderType model, SimulatorOptions options)
-        : device_(makeSimulator(model, atOnce(std::move(options)))), line_(model, *device_)
+        : device_(makeSimulator(model, atOnce(std::move(options), model))), line_(model, *device_)
     {
+        // A sheet that never comes would be waited for without end.
+        platform().pump().hostPump([this, end = platform().pump().now() + std::chrono::seconds(60)] {
+            if (platform().pump().now() > end)
+                reader().CancelScan(True);
+        });
     }
 
     [[nodiscard]] clsKELReader& reader() { return line_.reader(); }

@@ -183,6 +183,21 @@ TEST_P(EZDataRoundTrip, ACancelEndsTheStartBetweenItsReplies)
     }
 }
 
+TEST_P(EZDataRoundTrip, AConfigurationWithoutItsEndIsAwaitedUntilTheHostStops)
+{
+    auto settings = rightFor(GetParam());
+    settings["last-byte"] = "00";
+    PackedReader bench(GetParam(), {}, settings, {"garble=64@byte=22"});
+    bench.host.machine.at(1h, [&] { bench.reader().CancelScan(True); });
+    EXPECT_EQ(bench.reader().StartReader(), False);
+    EXPECT_GE(bench.host.machine.now(), 1h);
+    EXPECT_EQ(bench.host.sent(), frame("GETCONFIG"));
+    // All of it was taken: nothing waits that would look like a sheet.
+    EXPECT_EQ(bench.reader().EndReader(), True);
+    EXPECT_EQ(bench.host.sent(), frame("D"));
+    bench.expectNoComplaints();
+}
+
 TEST_P(EZDataRoundTrip, ACancelEndsTheWaitForAPage)
 {
     auto settings = rightFor(GetParam());

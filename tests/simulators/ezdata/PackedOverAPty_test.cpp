@@ -4,7 +4,7 @@
 
 // Sheets with packed marks through a real line. The dialogues are full of fixed pauses: a page of an EZData takes half
 // a second at least, and a reader that sends by itself must not be ahead of its host. So each model's sheets are read
-// in sessions side by side.
+// in sessions side by side; but a user may watch 128 lines at once on most systems, and other tests run meanwhile.
 
 namespace kel::test {
 namespace {
@@ -23,28 +23,27 @@ struct PackedModel {
 constexpr Int32 kEZDataRows = 150;
 constexpr Int32 kChatsworthRows = 128;
 constexpr const char* kBehindTheReply = "10";
-constexpr const char* kBehindTheHostsLook = "800"; // it counts the answer after 500
-constexpr const char* kBehindTheHostsWork = "150";
+constexpr const char* kBehindTheHostsLook = "700"; // it counts the answer after 500
+constexpr const char* kBehindTheHostsWork = "120";
 
 const PackedModel kModels[] = {
-    {kelReaderTypeNCSEZData, false, kEZDataRows, kBehindTheHostsLook, 30, true},
-    {kelReaderTypeChatsworthACF100, false, kEZDataRows, kBehindTheHostsLook, 30, true},
-    {kelReaderTypeChatsworthOMR1100, false, kChatsworthRows, kBehindTheHostsWork, 15, false},
-    {kelReaderTypeChatsworthOMR2000, true, kChatsworthRows, kBehindTheReply, 1, false},
+    {kelReaderTypeNCSEZData, false, kEZDataRows, kBehindTheHostsLook, 25, true},
+    {kelReaderTypeChatsworthACF100, false, kEZDataRows, kBehindTheHostsLook, 25, true},
+    {kelReaderTypeChatsworthOMR1100, false, kChatsworthRows, kBehindTheHostsWork, 10, false},
+    {kelReaderTypeChatsworthOMR2000, true, kChatsworthRows, kBehindTheReply, 3, false},
     {kelReaderTypeChatsworthALSAccelScanOMR, false, kChatsworthRows, kBehindTheReply, 3, true},
-    {kelReaderTypeChatsworthACF200, false, kChatsworthRows, kBehindTheHostsWork, 15, false},
-    {kelReaderTypeChatsworthACF200, true, kChatsworthRows, kBehindTheReply, 1, false},
-    {kelReaderTypeChatsworthACP200, false, kChatsworthRows, kBehindTheHostsWork, 15, false},
-    {kelReaderTypeChatsworthACP200, true, kChatsworthRows, kBehindTheReply, 1, false},
+    {kelReaderTypeChatsworthACF200, false, kChatsworthRows, kBehindTheHostsWork, 10, false},
+    {kelReaderTypeChatsworthACF200, true, kChatsworthRows, kBehindTheReply, 3, false},
+    {kelReaderTypeChatsworthACP200, false, kChatsworthRows, kBehindTheHostsWork, 10, false},
+    {kelReaderTypeChatsworthACP200, true, kChatsworthRows, kBehindTheReply, 3, false},
 };
 
 /// What a round trip needs of a simulated reader behind a pseudo-terminal.
 class PackedPtyReader {
 public:
     PackedPtyReader(const PackedModel& model, const std::vector<SimulatedSheet>& sheets)
-        : device_(makeSimulator(model.type, {.sheets = SheetFeeder::of(sheets),
-                                             .rate = Rate::Unlimited,
-                                             .settings = {{"feed-ms", model.feedMilliseconds}}})),
+        : device_(makeSimulator(
+              model.type, {.sheets = SheetFeeder::of(sheets), .rate = Rate::Unlimited, .settings = settingsOf(model)})),
           line_(model.type, *device_, true, false)
     {
         reader().Feeder(model.feeder);
@@ -63,6 +62,14 @@ public:
     }
 
 private:
+    static std::map<std::string, std::string> settingsOf(const PackedModel& model)
+    {
+        std::map<std::string, std::string> settings = {{"feed-ms", model.feedMilliseconds}};
+        if (model.type == kelReaderTypeChatsworthACF100)
+            settings["threshold"] = "76"; // what the host wants, or each start takes two seconds more
+        return settings;
+    }
+
     std::unique_ptr<Simulator> device_; // outlives the line
     PtyReader line_;
 };
@@ -78,12 +85,15 @@ TEST_P(PackedRoundTripOverAPseudoTerminal, EverySheetAndItsWay)
         const std::vector<SimulatedSheet> pile = partOf(sheets, session, model.sessions);
         PackedPtyReader bench(model, pile);
         expectRoundTrip(bench, pile, model.mostRows);
-        const auto last = static_cast<Int32>(pile.size());
         std::vector<Int32> rejected;
+        std::vector<Int32> ejected;
+        const auto last = static_cast<Int32>(pile.size());
         for (Int32 sheet = 7; sheet <= last && model.rejects; sheet += 7)
             rejected.push_back(sheet);
+        if (model.rejects && last % 7 != 0)
+            ejected.push_back(last);
         EXPECT_EQ(bench.logged(SheetEvent::Rejected), rejected);
-        EXPECT_EQ(bench.logged(SheetEvent::Ejected), model.rejects ? std::vector<Int32>{last} : std::vector<Int32>{});
+        EXPECT_EQ(bench.logged(SheetEvent::Ejected), ejected);
     });
 }
 

@@ -8,7 +8,7 @@ namespace {
 // A thousand sheets over all sessions. A reply is over when nothing has come for one pause of the host, and a session
 // waits for many pauses: several of them run side by side.
 constexpr std::size_t kSheets = 84;
-constexpr std::size_t kParts = 4;
+constexpr std::size_t kParts = 5;
 constexpr Int32 kPause = 25;
 
 /// What a round trip needs of a simulated reader behind a pseudo-terminal.

@@ -11,9 +11,13 @@
 
 #include "KELReader81U.h"
 
+#include <array>
+#include <atomic>
 #include <functional>
 #include <map>
 #include <string>
+#include <string_view>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -343,6 +347,64 @@ public:
 private:
     Ptr<IConnectionPoint> point_;
     DWORD cookie_ = 0;
+};
+
+/// Answers the message boxes of this thread while it lives, and keeps what they say.
+class BoxReader {
+public:
+    BoxReader() : watching_([this, thread = GetCurrentThreadId()] { watch(thread); }) {}
+    BoxReader(const BoxReader&) = delete;
+    BoxReader& operator=(const BoxReader&) = delete;
+    ~BoxReader() { end(); }
+
+    /// The texts of the boxes, a line between them.
+    std::wstring texts()
+    {
+        end();
+        return texts_;
+    }
+
+private:
+    void end()
+    {
+        ends_ = true;
+        if (watching_.joinable())
+            watching_.join();
+    }
+    void watch(DWORD thread)
+    {
+        while (!ends_) {
+            EnumThreadWindows(thread, &answer, reinterpret_cast<LPARAM>(this));
+            Sleep(5);
+        }
+    }
+    static BOOL CALLBACK answer(HWND window, LPARAM self)
+    {
+        std::array<wchar_t, 4096> text{};
+        GetClassNameW(window, text.data(), static_cast<int>(text.size()));
+        if (std::wstring_view(text.data()) != L"#32770" || !IsWindowVisible(window))
+            return TRUE;
+        auto& reader = *reinterpret_cast<BoxReader*>(self);
+        EnumChildWindows(
+            window,
+            [](HWND child, LPARAM to) -> BOOL {
+                std::array<wchar_t, 4096> content{};
+                GetClassNameW(child, content.data(), static_cast<int>(content.size()));
+                if (std::wstring_view(content.data()) != L"Static")
+                    return TRUE;
+                GetWindowTextW(child, content.data(), static_cast<int>(content.size()));
+                reinterpret_cast<BoxReader*>(to)->texts_ += content.data();
+                return TRUE;
+            },
+            self);
+        reader.texts_ += L'\n';
+        SendMessageW(window, WM_COMMAND, IDOK, 0);
+        return TRUE;
+    }
+
+    std::wstring texts_;
+    std::atomic<bool> ends_{false};
+    std::thread watching_;
 };
 
 /// Every test runs in an apartment of its own.

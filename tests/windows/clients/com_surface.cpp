@@ -167,7 +167,7 @@ TEST_F(Surface, PropertiesByName)
     const auto reader = newReader();
     put(reader.get(), L"ReaderType", Value(24));
     EXPECT_EQ(get(reader.get(), L"readerTYPE").number(), 24);
-    EXPECT_EQ(get(reader.get(), L"ReaderName").text(), L"Peripheral Dynamics VMR138");
+    EXPECT_EQ(get(reader.get(), L"ReaderName").text(), L"Peripheral Dynamics Inc. VMR138");
     EXPECT_EQ(get(reader.get(), L"Parity").text(), L"N");
     put(reader.get(), L"Parity", Value(L"E"));
     EXPECT_EQ(get(reader.get(), L"Parity").text(), L"E");
@@ -195,6 +195,7 @@ TEST_F(Surface, PrintLinesHoldAByteACharacter)
 
 TEST_F(Surface, AFailureHasItsNumberAndItsText)
 {
+    BoxReader boxes; // the component tells of it too, before it goes on to the host
     const auto reader = newReader();
     LONG value = 0;
     EXPECT_EQ(reader->get_HelpID(static_cast<kelReaderHelpID>(1), &value), static_cast<HRESULT>(0x800A0009));
@@ -277,7 +278,7 @@ TEST_F(Surface, ModelsByKeyAndByPosition)
     Value reference;
     reference.get().vt = VT_BYREF | VT_VARIANT;
     reference.get().pvarVal = &index.get();
-    EXPECT_EQ(name(reference), L"Peripheral Dynamics VMR138");
+    EXPECT_EQ(name(reference), L"Peripheral Dynamics Inc. VMR138");
     reference.get().vt = VT_EMPTY;
 
     // The default member.

@@ -195,12 +195,12 @@ TEST_F(OptionsDialogWindowTest, ANumberIsPutRightWhenItsFieldIsLeft)
 TEST_F(OptionsDialogWindowTest, ABoxIsTickedByAClick)
 {
     reader.LoadDefaults(kelReaderTypeScantronScanMark2500);
-    const Boolean before = reader.Feeder();
+    const Boolean before = reader.Rejecter();
     show([&](const OtherProgram& user) {
-        user.click(number("chkFeeder"));
+        user.click(number("chkRejecter"));
         user.click(IDOK);
     });
-    EXPECT_NE(reader.Feeder(), before);
+    EXPECT_NE(reader.Rejecter(), before);
 }
 
 TEST_F(OptionsDialogWindowTest, AnOwnerIsHeldUpMeanwhile)

@@ -1,5 +1,8 @@
 #include "platform/windows/WindowsRegistry.h"
 
+#include "platform/windows/WindowsPlatform.h"
+#include "reader/clsKELReader.h"
+
 #include <gtest/gtest.h>
 
 namespace kel {
@@ -60,6 +63,39 @@ TEST_F(WindowsRegistryTest, NamesAreTold)
     EXPECT_FALSE(registry.remove(kHive, kKey, "a"));
     EXPECT_TRUE(registry.remove(kHive, kKey, std::nullopt));
     EXPECT_FALSE(registry.exists(kHive, kKey));
+}
+
+// Leaves them for test_platform.py to look at.
+TEST(SavedSettings, AreKeptAsTexts)
+{
+    WindowsPlatform machine;
+    const PlatformScope scope(machine);
+    clsKELReader reader;
+    reader.LoadDefaults(kelReaderTypeScantronScanMark2500);
+    reader.Port(12);
+    reader.SleepTime(75);
+    EXPECT_EQ(reader.SaveSettings(kHive, R"(Software\KELReader81U tests\Saved)"), True);
+
+    clsKELReader other;
+    EXPECT_EQ(other.LoadSettings(kHive, R"(Software\KELReader81U tests\Saved)"), True);
+    EXPECT_EQ(other.ReaderType(), kelReaderTypeScantronScanMark2500);
+    EXPECT_EQ(other.Port(), 12);
+    EXPECT_EQ(other.SleepTime(), 75);
+    EXPECT_EQ(other.StopBits(), 2);
+}
+
+// What another program has written: a number, of which the digits of the bytes are read.
+TEST(SavedSettings, MayBeNumbers)
+{
+    WindowsPlatform machine;
+    const PlatformScope scope(machine);
+    constexpr const char* kNumbers = R"(Software\KELReader81U tests\Numbers)";
+    machine.registry().write(kHive, kNumbers, "ScannerBaud", {RegistryType::Number, std::string("\x80\x25\0\0", 4)});
+    clsKELReader reader;
+    EXPECT_EQ(reader.LoadSettings(kHive, kNumbers), True);
+    EXPECT_EQ(reader.BaudRate(), 9600);
+    EXPECT_EQ(reader.DataBits(), 7);
+    machine.registry().remove(kHive, kNumbers, std::nullopt);
 }
 
 } // namespace

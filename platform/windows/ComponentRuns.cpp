@@ -1,0 +1,57 @@
+#include "platform/FaultCapture.h"
+
+#include <windows.h>
+
+namespace kel::detail {
+
+namespace {
+
+/// The flag of each thread, in a slot of the system: a handler of faults may read it on any thread at any time, which
+/// the compiler's own thread variables, made at their first use, would not allow.
+class Slot {
+public:
+    Slot() : number_(::TlsAlloc()) {}
+    ~Slot() { ::TlsFree(number_); }
+    Slot(const Slot&) = delete;
+    Slot& operator=(const Slot&) = delete;
+
+    [[nodiscard]] DWORD number() const noexcept { return number_; }
+
+private:
+    DWORD number_;
+};
+
+DWORD slot() noexcept
+{
+    static const Slot one;
+    return one.number();
+}
+
+/// Looking into the slot is no call whose failure anybody asks for.
+class SameLastError {
+public:
+    SameLastError() : error_(::GetLastError()) {}
+    ~SameLastError() { ::SetLastError(error_); }
+    SameLastError(const SameLastError&) = delete;
+    SameLastError& operator=(const SameLastError&) = delete;
+
+private:
+    DWORD error_;
+};
+
+} // namespace
+
+void writeComponentRuns(bool runs) noexcept
+{
+    const SameLastError same;
+    static char mark;
+    ::TlsSetValue(slot(), runs ? &mark : nullptr);
+}
+
+bool readComponentRuns() noexcept
+{
+    const SameLastError same;
+    return ::TlsGetValue(slot()) != nullptr;
+}
+
+} // namespace kel::detail

@@ -1,0 +1,89 @@
+#include "cli/JsonLines.h"
+#include "simulators/SimulatorTable.h"
+#include "tests/cli/CommandRun.h"
+
+#include <gmock/gmock.h>
+
+// A scan of a simulated reader needs no form: without one the component gets that of the sheets in the feeder.
+
+namespace kel::test {
+namespace {
+
+using testing::HasSubstr;
+using testing::StartsWith;
+
+using Words = std::vector<std::string>;
+
+/// A scan that loses no time and in which nothing goes wrong; the lines of its sheets.
+std::vector<Json> sheetsOf(kelReaderType model, const Words& more)
+{
+    Words words = {"scan",   "--simulate", "--model", std::to_string(model),
+                   "--rate", "unlimited",  "--set",   "SleepTime=20"};
+    words.insert(words.end(), more.begin(), more.end());
+    const CommandOutcome outcome = runCommand(words);
+    EXPECT_EQ(outcome.errors, "");
+    EXPECT_EQ(outcome.status, 0);
+    std::vector<Json> sheets;
+    for (const std::string& line : outcome.lines()) {
+        if (line.starts_with(R"({"event":"sheet")"))
+            sheets.push_back(Json::parse(line));
+    }
+    return sheets;
+}
+
+class ScanWithoutForm : public testing::TestWithParam<kelReaderType> {};
+
+TEST_P(ScanWithoutForm, ReadsMadeUpSheets)
+{
+    const std::vector<Json> sheets = sheetsOf(GetParam(), {"--seed", "5", "--max-sheets", "2"});
+    ASSERT_EQ(sheets.size(), 2U);
+    const SheetShape shape = sheetShape(GetParam());
+    EXPECT_GE(sheets[0]["side1"].size(), static_cast<std::size_t>(shape.side1Rows));
+}
+
+INSTANTIATE_TEST_SUITE_P(Models, ScanWithoutForm,
+                         testing::Values(kelReaderTypeAppersonAdvantageLink, kelReaderTypeAppersonGradeMaster,
+                                         kelReaderTypeAppersonBenchMark3000, kelReaderTypeAppersonAdvantage1200,
+                                         kelReaderTypeScanningSystemsSR607, kelReaderTypeSekonicSR430,
+                                         kelReaderTypeScantronScanMark2500, kelReaderTypeNCSOpScan5),
+                         [](const auto& model) { return "Model" + std::to_string(model.param); });
+
+TEST(SimulatedScan, GivesTheMarksOfRawReadersAsTheyAre)
+{
+    const std::vector<Json> link = sheetsOf(kelReaderTypeAppersonAdvantageLink, {"--seed", "5", "--max-sheets", "1"});
+    EXPECT_EQ(link.at(0)["side1"], Json(randomSheet(sheetShape(kelReaderTypeAppersonAdvantageLink), 5, 0).side1));
+    // The threshold of a GradeMaster, which is the value of its marks, is 1.
+    const std::vector<Json> grade = sheetsOf(kelReaderTypeAppersonGradeMaster, {"--seed", "5", "--max-sheets", "1"});
+    const SimulatedSheet sheet = randomSheet(sheetShape(kelReaderTypeAppersonGradeMaster), 5, 0);
+    EXPECT_EQ(grade.at(0)["side1"], Json(sheet.side1));
+    EXPECT_EQ(grade.at(0)["barcodes"], Json(sheet.barcodes));
+}
+
+TEST(SimulatedScan, HasTheFormOfTheLargestSheet)
+{
+    const TextFile sheets(R"([{"side1":[[1,2,3]]},{"side1":[[4],[5,0,0,199]]},{"side1":[]}])");
+    const std::vector<Json> read =
+        sheetsOf(kelReaderTypeAppersonAdvantageLink, {"--sheets", sheets.path(), "--max-sheets", "3"});
+    ASSERT_EQ(read.size(), 3U);
+    EXPECT_EQ(read[0]["side1"], Json::parse("[[1,2,3,0],[0,0,0,0]]"));
+    EXPECT_EQ(read[1]["side1"], Json::parse("[[4,0,0,0],[5,0,0,199]]"));
+    EXPECT_EQ(read[2]["side1"], Json::parse("[[0,0,0,0],[0,0,0,0]]"));
+}
+
+TEST(SimulatedScan, IsHeldAgainFromItsTrace)
+{
+    const TextFile trace("");
+    const Words words = {"scan",         "--simulate", "--model", "18",           "--rate",  "unlimited",
+                         "--max-sheets", "2",          "--set",   "SleepTime=20", "--trace", trace.path()};
+    const CommandOutcome scan = runCommand(words);
+    EXPECT_EQ(scan.status, 0);
+    EXPECT_THAT(trace.text(), HasSubstr("# form: {\"side1Rows\":[100],\"side1Cols\":[5],\"side2Rows\":[0],"
+                                        "\"side2Cols\":[0]}\n"));
+    const CommandOutcome replay = runCommand({"replay", trace.path()});
+    EXPECT_EQ(replay.errors, "");
+    EXPECT_EQ(replay.output, scan.output);
+    EXPECT_THAT(replay.output, StartsWith(R"({"event":"sheet","sheet":1,)"));
+}
+
+} // namespace
+} // namespace kel::test
