@@ -23,7 +23,7 @@ void countBytes(benchmark::State& state, std::size_t bytes)
     state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(bytes));
 }
 
-void BenchMark3000Line(benchmark::State& state)
+void Decode_BenchMark3000Line(benchmark::State& state)
 {
     const std::string bytes = line(std::string(118, '1'), static_cast<int>(state.range(0)));
     for (auto _ : state) {
@@ -36,9 +36,9 @@ void BenchMark3000Line(benchmark::State& state)
     }
     countBytes(state, bytes.size());
 }
-BENCHMARK(BenchMark3000Line)->Arg(50)->Arg(200);
+BENCHMARK(Decode_BenchMark3000Line)->Arg(50)->Arg(200);
 
-void Advantage1200Line(benchmark::State& state)
+void Decode_Advantage1200Line(benchmark::State& state)
 {
     const std::string bytes = line(std::string(32, '1'), static_cast<int>(state.range(0)));
     for (auto _ : state) {
@@ -51,9 +51,9 @@ void Advantage1200Line(benchmark::State& state)
     }
     countBytes(state, bytes.size());
 }
-BENCHMARK(Advantage1200Line)->Arg(50)->Arg(200);
+BENCHMARK(Decode_Advantage1200Line)->Arg(50)->Arg(200);
 
-void AdvantageLinkBlock(benchmark::State& state)
+void Decode_AdvantageLinkBlock(benchmark::State& state)
 {
     const std::string bytes = std::string(14 + 49 * 12, '\x15') + '\xC8';
     for (auto _ : state) {
@@ -66,9 +66,9 @@ void AdvantageLinkBlock(benchmark::State& state)
     }
     countBytes(state, bytes.size());
 }
-BENCHMARK(AdvantageLinkBlock);
+BENCHMARK(Decode_AdvantageLinkBlock);
 
-void GradeMasterBlock(benchmark::State& state)
+void Decode_GradeMasterBlock(benchmark::State& state)
 {
     const std::string bytes = "0000012345    " + std::string(100, '\x15') + '\xD9';
     for (auto _ : state) {
@@ -81,7 +81,7 @@ void GradeMasterBlock(benchmark::State& state)
     }
     countBytes(state, bytes.size());
 }
-BENCHMARK(GradeMasterBlock);
+BENCHMARK(Decode_GradeMasterBlock);
 
 } // namespace
 } // namespace kel

@@ -1,6 +1,9 @@
 #include "com/LateBound.h"
 
 #include "com/Boundary.h"
+#include "com/Text.h"
+
+#include <dispex.h>
 
 #include <vector>
 
@@ -9,6 +12,27 @@ namespace kel::com {
 namespace {
 
 constexpr WORD kGet = DISPATCH_METHOD | DISPATCH_PROPERTYGET;
+
+/// The number of a member. Some script engines tell the members of a script's own objects by their extended interface
+/// alone.
+HRESULT findId(IDispatch& object, const wchar_t* member, DISPID& id)
+{
+    auto* name = const_cast<LPOLESTR>(member);
+    const HRESULT found = object.GetIDsOfNames(IID_NULL, &name, 1, LOCALE_USER_DEFAULT, &id);
+    if (found != E_NOTIMPL)
+        return found;
+    const auto extended = queryFor<IDispatchEx>(&object, __uuidof(IDispatchEx));
+    if (!extended)
+        return found;
+    const OwnedText text(SysAllocString(member));
+    return extended->GetDispID(text.get(), fdexNameCaseInsensitive, &id);
+}
+
+/// Whether a member may be one that is read and not called: some engines do not take both at once.
+bool mayBeRead(HRESULT called)
+{
+    return called == DISP_E_MEMBERNOTFOUND || called == E_FAIL || called == E_NOTIMPL;
+}
 
 } // namespace
 
@@ -21,8 +45,7 @@ LateBound::LateBound(ComPtr<IDispatch> object, SourceLocation where) : object_(s
 bool LateBound::has(const wchar_t* member) const
 {
     DISPID id = DISPID_UNKNOWN;
-    auto* name = const_cast<LPOLESTR>(member);
-    return SUCCEEDED(object_->GetIDsOfNames(IID_NULL, &name, 1, LOCALE_USER_DEFAULT, &id));
+    return SUCCEEDED(findId(*object_.get(), member, id));
 }
 
 OleVariant LateBound::get(const wchar_t* member, std::span<const OleVariant> arguments, SourceLocation where) const
@@ -48,8 +71,7 @@ OleVariant LateBound::item(const OleVariant& index, SourceLocation where) const
 DISPID LateBound::idOf(const wchar_t* member, const SourceLocation& where) const
 {
     DISPID id = DISPID_UNKNOWN;
-    auto* name = const_cast<LPOLESTR>(member);
-    const HRESULT found = object_->GetIDsOfNames(IID_NULL, &name, 1, LOCALE_USER_DEFAULT, &id);
+    const HRESULT found = findId(*object_.get(), member, id);
     if (FAILED(found)) {
         EXCEPINFO none{};
         throw failureOfCall(found, none, where);
@@ -76,9 +98,11 @@ OleVariant LateBound::invoke(DISPID id, WORD flags, std::span<const OleVariant> 
     EXCEPINFO exception{};
     UINT wrongArgument = 0;
     const ComPtr<IDispatch> object = object_; // the host's code may let go of what holds it here
-    const HRESULT called =
-        object->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, flags, &parameters,
-                       flags == DISPATCH_PROPERTYPUT ? nullptr : result.out(), &exception, &wrongArgument);
+    HRESULT called = object->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, flags, &parameters,
+                                    flags == DISPATCH_PROPERTYPUT ? nullptr : result.out(), &exception, &wrongArgument);
+    if (flags == kGet && arguments.empty() && mayBeRead(called))
+        called = object->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_PROPERTYGET, &parameters, result.out(),
+                                &exception, &wrongArgument);
     if (FAILED(called))
         throw failureOfCall(called, exception, where);
     return result;

@@ -1,14 +1,17 @@
 #include "drivers/apperson/DataLines.h"
+#include "drivers/apperson/KeyEncoding.h"
 #include "drivers/apperson/RawBlock.h"
+#include "reader/AnswerKey.h"
 #include "reader/Dictionary.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <span>
+#include <string>
 
-// What an Apperson reader may send: lines and blocks of any bytes. The first byte chooses the model. Only run-time
-// failures may come out, and they are told by their number.
+// What an Apperson reader may send: lines and blocks of any bytes; and what a host may want to be sent: answer keys.
+// The first byte chooses. Only run-time failures may come out, and they are told by their number.
 
 namespace {
 
@@ -20,10 +23,10 @@ void demand(bool holds)
         std::abort();
 }
 
-/// A failure that a line or a block may end in.
+/// A failure that a line, a block or a key may end in.
 void expectKnown(const RuntimeFailure& failure)
 {
-    demand(failure.number() == 6 || failure.number() == 9);
+    demand(failure.number() == 5 || failure.number() == 6 || failure.number() == 9);
 }
 
 void readBenchMark(std::span<const Byte> bytes)
@@ -83,6 +86,35 @@ void readGradeMaster(std::span<const Byte> bytes, Int32 rows, Int32 columns)
         demand(mark == 0 || mark == 7);
 }
 
+/// A question a byte: its low bits say how many choices, versions and columns there are, the others what is right.
+Reference<AnswerKey> keyOf(std::span<const Byte> bytes)
+{
+    const auto key = makeReference<AnswerKey>();
+    const std::vector<std::string> letters = {"A", "B", "C", "D", "E", "F", "G", "H"};
+    for (const Byte byte : bytes) {
+        const std::vector<std::string> choices(letters.begin(), letters.begin() + (byte & 7) + 1);
+        const std::string right = letters[byte >> 5] + (byte & 8 ? ",A" : "");
+        key->AddQuestion("Question", choices, std::vector<std::string>(byte % 6, right), byte & 16 ? 4 : 5);
+    }
+    return key;
+}
+
+void encodeKey(std::span<const Byte> bytes, Int16 iNumberQuestions, AnswerCodeAP code)
+{
+    EncodedKeyAP key = encodeKeyAP(*keyOf(bytes), code);
+    demand(key.iNumKeys <= (code == AnswerCodeAP::Mask ? 1 : 4));
+    if (needsSimplexKeyAP(key, iNumberQuestions))
+        cutToFirstPageAP(key, iNumberQuestions);
+    for (const std::string& sKey : key.sKeyStrArr.elements()) {
+        std::string joined;
+        for (const std::string& sPiece : keyPiecesAP(sKey)) {
+            demand(!sPiece.empty() && sPiece.size() <= 5);
+            joined += sPiece;
+        }
+        demand(joined == sKey);
+    }
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
@@ -91,12 +123,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         return 0;
     const std::span<const Byte> bytes(data + 3, size - 3);
     try {
-        switch (data[0] % 5) {
+        switch (data[0] % 7) {
         case 0: readBenchMark(bytes); break;
         case 1: readAdvantage1200(bytes, False); break;
         case 2: readAdvantage1200(bytes, True); break;
         case 3: readAdvantageLink(bytes, data[1], data[2]); break;
-        default: readGradeMaster(bytes, data[1], data[2]); break;
+        case 4: readGradeMaster(bytes, data[1], data[2]); break;
+        case 5: encodeKey(bytes, data[1], AnswerCodeAP::Digits); break;
+        default: encodeKey(bytes, data[1], AnswerCodeAP::Mask); break;
         }
     } catch (const RuntimeFailure& failure) {
         expectKnown(failure);

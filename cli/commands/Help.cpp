@@ -25,10 +25,10 @@ CLI::App& commandNamed(CLI::App& parent, const std::string& name)
 int run(CLI::App& program, const std::vector<std::string>& words)
 {
     CLI::App* command = &program;
-    std::string path;
+    std::string path = program.get_name();
     for (const std::string& word : words) {
-        path += (path.empty() ? "" : " ") + command->get_name();
         command = &commandNamed(*command, word);
+        path += " " + word;
     }
     // Its own help() would tell of the command that was called, which is this one.
     TextOutput().writeOrFail(command->get_formatter()->make_help(command, path, CLI::AppFormatMode::Normal));
@@ -41,8 +41,8 @@ void addHelpCommand(Commands& commands)
 {
     const auto words = std::make_shared<std::vector<std::string>>();
     CLI::App& program = commands.program();
-    CLI::App& command = commands.add("help", "Tells what a command does and takes",
-                                     [words, &program] { return run(program, *words); });
+    CLI::App& command =
+        commands.add("help", "Tells what a command does and takes", [words, &program] { return run(program, *words); });
     command.add_option("command", *words, "The command, such as scan, or 'ports set'");
 }
 

@@ -46,15 +46,29 @@ bool prepareBarcodes(ReaderContract& oReader)
     return true;
 }
 
-/// Fetches one side of the sheet into its cells; the number of its rows, nothing when the library does not deliver it.
-std::optional<Int16> fetchSide(Int32 lSide, SRRead& uRead, MarkArray& iSideArr)
+/// Feeds a sheet. False when there is none to be read; a failure is reported.
+bool feedSheet(Int32& lReturn)
+{
+    omrApi().OMR_FeedSheet();
+    lReturn = omrApi().OMR_GetLastError();
+    const FeedResultSR result = feedResultSR(lReturn);
+    if (result == FeedResultSR::Failed)
+        ReturnErrorSR(lReturn);
+    return result == FeedResultSR::SheetRead;
+}
+
+/// Fetches one side of the sheet into its cells; the number of its rows. Nothing, after a report, when the library does
+/// not deliver it.
+std::optional<Int16> fetchSide(Int32 lSide, SRRead& uRead, MarkArray& iSideArr, TextNumber missing)
 {
     // A library that counts more columns than a sheet has writes on behind the last byte: there is room for that.
     const std::int64_t lRoom =
         std::clamp<std::int64_t>(std::int64_t{uRead.lRows} * uRead.lCols, kMostBytesSR, kMostRoom);
     Array1<Byte> bSRArr(1, static_cast<Int32>(lRoom));
-    if (omrApi().OMR_GetMarks(lSide, uRead, &bSRArr(1)) == 0)
+    if (omrApi().OMR_GetMarks(lSide, uRead, &bSRArr(1)) == 0) {
+        reportReaderFault(kReadPage, missing, kReadTitle);
         return std::nullopt;
+    }
     return copyMarksSR(bSRArr, uRead.lRows, uRead.lCols, iSideArr);
 }
 
@@ -108,28 +122,19 @@ Boolean ReadPageSR(ReaderContract& oReader, Int32 lRecognitionThreshold)
         uRead.lRows = kMostRowsSR;
         uRead.lThreshold = lRecognitionThreshold;
 
-        omrApi().OMR_FeedSheet();
-        lReturn = omrApi().OMR_GetLastError();
-        switch (feedResultSR(lReturn)) {
-        case FeedResultSR::SheetRead: break;
-        case FeedResultSR::QuietStop: return;
-        case FeedResultSR::Failed: ReturnErrorSR(lReturn); return;
-        }
-
-        const auto iFrontRows = fetchSide(kFront, uRead, iSide1Arr);
-        if (!iFrontRows) {
-            reportReaderFault(kReadPage, kFrontMissing, kReadTitle);
+        if (!feedSheet(lReturn))
             return;
-        }
+
+        const auto iFrontRows = fetchSide(kFront, uRead, iSide1Arr, kFrontMissing);
+        if (!iFrontRows)
+            return;
         oReader.Side1TimingMarks(*iFrontRows);
 
         if (oReader.Duplex() && oReader.DuplexForm()) {
             uRead.lRows = kMostRowsSR;
-            const auto iBackRows = fetchSide(kBack, uRead, iSide2Arr);
-            if (!iBackRows) {
-                reportReaderFault(kReadPage, kBackMissing, kReadTitle);
+            const auto iBackRows = fetchSide(kBack, uRead, iSide2Arr, kBackMissing);
+            if (!iBackRows)
                 return;
-            }
             oReader.Side2TimingMarks(*iBackRows);
         }
 

@@ -1,8 +1,8 @@
 // Reads a batch of sheets through the COM server and prints the marks of each.
 // Usage: ReadBatch MODEL-NUMBER PORT SHEETS [ROWS COLUMNS]
 //
-// KELReader81U.dll is registered (regsvr32 KELReader81U.dll), or the program's manifest names it. KELReader81U.h is made
-// from KELReader81U.idl; initguid.h in front of it defines the identifiers.
+// KELReader81U.dll is registered (regsvr32 KELReader81U.dll), or the program's manifest names it. KELReader81U.h is
+// made from KELReader81U.idl; initguid.h in front of it defines the identifiers.
 
 #include <windows.h>
 

@@ -15,7 +15,7 @@ Class Reports
     End Function
 End Class
 
-Dim reader, failures, sheets, marks
+Dim reader, failures, sheets
 If WScript.Arguments.Count < 3 Then
     WScript.Echo "Usage: ReadSheets.vbs MODEL-NUMBER PORT SHEETS [ROWS COLUMNS]"
     WScript.Quit 255
@@ -40,8 +40,7 @@ If reader.StartReader() Then
     Do While sheets < CLng(WScript.Arguments(2))
         If Not reader.ReadPage(False) Then Exit Do
         sheets = sheets + 1
-        marks = reader.Side1Array
-        WScript.Echo "Sheet " & sheets & ": " & UBound(marks, 1) & " rows, " & UBound(marks, 2) & " columns"
+        WScript.Echo "Sheet " & sheets & ": " & reader.Side1TimingMarks & " timing marks"
         reader.EjectPage
     Loop
 End If

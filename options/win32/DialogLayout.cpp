@@ -53,7 +53,7 @@ private:
     [[nodiscard]] double buttonHeight() const { return metrics_.line * 1.7; }
     [[nodiscard]] double buttonWidth(const Control& button) const
     {
-        return textWidth(button) * 0.9;
+        return std::max(textWidth(button) + 2 * metrics_.line, 5 * metrics_.line);
     }
 
     [[nodiscard]] double fieldWidth(const Control& field) const

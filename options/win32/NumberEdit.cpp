@@ -5,14 +5,11 @@
 
 #include <algorithm>
 #include <cmath>
-#include <commctrl.h>
 #include <utility>
 
 namespace kel {
 
 namespace {
-
-constexpr UINT_PTR kSubclass = 1;
 
 std::string shownText(HWND window)
 {
@@ -27,12 +24,14 @@ NumberEdit::NumberEdit(PowerEdit& edit, HWND field, HWND spinner, Action after,
                        std::function<void(const Action&)> contain)
     : edit_(edit), field_(field), spinner_(spinner), after_(std::move(after)), contain_(std::move(contain))
 {
-    ::SetWindowSubclass(field_, &procedure, kSubclass, reinterpret_cast<DWORD_PTR>(this));
+    ::SetWindowLongPtrW(field_, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
+    inner_ =
+        reinterpret_cast<WNDPROC>(::SetWindowLongPtrW(field_, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&procedure)));
 }
 
 NumberEdit::~NumberEdit()
 {
-    ::RemoveWindowSubclass(field_, &procedure, kSubclass);
+    ::SetWindowLongPtrW(field_, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(inner_));
 }
 
 void NumberEdit::refresh()
@@ -89,9 +88,9 @@ bool NumberEdit::takes(WPARAM character)
     return edit_.KeyPress(character < 0x100 ? static_cast<Int16>(character) : Int16{0xFF}) != 0;
 }
 
-LRESULT CALLBACK NumberEdit::procedure(HWND field, UINT message, WPARAM first, LPARAM second, UINT_PTR, DWORD_PTR self)
+LRESULT CALLBACK NumberEdit::procedure(HWND field, UINT message, WPARAM first, LPARAM second)
 {
-    auto& number = *reinterpret_cast<NumberEdit*>(self);
+    auto& number = *reinterpret_cast<NumberEdit*>(::GetWindowLongPtrW(field, GWLP_USERDATA));
     bool done = false;
     number.contain_([&] {
         if (message == WM_CHAR) {
@@ -101,7 +100,7 @@ LRESULT CALLBACK NumberEdit::procedure(HWND field, UINT message, WPARAM first, L
             done = true;
         }
     });
-    return done ? 0 : ::DefSubclassProc(field, message, first, second);
+    return done ? 0 : ::CallWindowProcW(number.inner_, field, message, first, second);
 }
 
 } // namespace kel

@@ -35,14 +35,14 @@ public:
     void leave();
 
 private:
-    static LRESULT CALLBACK procedure(HWND field, UINT message, WPARAM first, LPARAM second, UINT_PTR id,
-                                      DWORD_PTR self);
+    static LRESULT CALLBACK procedure(HWND field, UINT message, WPARAM first, LPARAM second);
     /// Whether a character is typed.
     [[nodiscard]] bool takes(WPARAM character);
 
     PowerEdit& edit_;
     HWND field_;
     HWND spinner_;
+    WNDPROC inner_ = nullptr; // of the edit control itself
     Action after_;
     std::function<void(const Action&)> contain_;
     std::string textOnEntry_;

@@ -24,46 +24,6 @@ struct alignas(DWORD) EmptyDialog {
     WORD title = 0;
 };
 
-HMENU asMenu(int number)
-{
-    return reinterpret_cast<HMENU>(static_cast<INT_PTR>(number));
-}
-
-/// Sets a window's text if it has another.
-void showText(HWND window, const std::string& text)
-{
-    const std::wstring wanted = wideText(text);
-    std::wstring current(static_cast<std::size_t>(::GetWindowTextLengthW(window)) + 1, L'\0');
-    current.resize(
-        static_cast<std::size_t>(::GetWindowTextW(window, current.data(), static_cast<int>(current.size()))));
-    if (current != wanted)
-        ::SetWindowTextW(window, wanted.c_str());
-}
-
-std::wstring rowText(HWND list, int row)
-{
-    const LRESULT length = ::SendMessageW(list, CB_GETLBTEXTLEN, static_cast<WPARAM>(row), 0);
-    if (length < 0)
-        return {};
-    std::wstring text(static_cast<std::size_t>(length) + 1, L'\0');
-    ::SendMessageW(list, CB_GETLBTEXT, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(text.data()));
-    text.pop_back();
-    return text;
-}
-
-/// Gives a list the rows of the model, if it has others.
-void takeRows(HWND window, const PowerCombo& list)
-{
-    bool same = ::SendMessageW(window, CB_GETCOUNT, 0, 0) == list.RowCount();
-    for (Int32 row = 0; same && row < list.RowCount(); ++row)
-        same = rowText(window, row) == wideText(list.CellText(0, row));
-    if (same)
-        return;
-    ::SendMessageW(window, CB_RESETCONTENT, 0, 0);
-    for (Int32 row = 0; row < list.RowCount(); ++row)
-        ::SendMessageW(window, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(wideText(list.CellText(0, row)).c_str()));
-}
-
 } // namespace
 
 OptionsDialogWindow::OptionsDialogWindow(frmOptions& form, DialogScreen& screen) : form_(form), screen_(screen)
@@ -196,95 +156,6 @@ INT_PTR OptionsDialogWindow::handle(UINT message, WPARAM first, LPARAM second)
     }
 }
 
-// --- The controls
-
-void OptionsDialogWindow::createControls()
-{
-    for (Control* const control : form_.Controls()) {
-        if (auto* label = dynamic_cast<Label*>(control))
-            create(*label);
-        else if (auto* box = dynamic_cast<CheckBox*>(control))
-            create(*box);
-        else if (auto* list = dynamic_cast<PowerCombo*>(control))
-            create(*list);
-        else if (auto* edit = dynamic_cast<PowerEdit*>(control))
-            create(*edit);
-        else if (auto* frame = dynamic_cast<Frame*>(control))
-            create(*frame);
-        else if (auto* button = dynamic_cast<PowerButton*>(control))
-            create(*button, button == &form_.cmdOK);
-        else
-            shown_.push_back({control, nullptr, {}}); // a band or a line: the background has them
-    }
-}
-
-HWND OptionsDialogWindow::create(Control& control, const wchar_t* kind, DWORD style, DWORD extendedStyle)
-{
-    int number = kFirstControl + static_cast<int>(shown_.size());
-    if (&control == &form_.cmdOK)
-        number = IDOK;
-    else if (&control == &form_.cmdCancel)
-        number = IDCANCEL;
-    const HWND window = ::CreateWindowExW(extendedStyle, kind, L"", WS_CHILD | style, 0, 0, 0, 0, window_,
-                                          asMenu(number), componentInstance(), nullptr);
-    const HFONT font = &control == &form_.lblTitle ? fonts_.title() : fonts_.text();
-    ::SendMessageW(window, WM_SETFONT, reinterpret_cast<WPARAM>(font), TRUE);
-    shown_.push_back({&control, window, {}});
-    return window;
-}
-
-void OptionsDialogWindow::create(Label& label)
-{
-    const HWND window = create(label, L"STATIC", SS_LEFT);
-    shown_.back().refresh = [&label, window] { showText(window, label.Caption()); };
-}
-
-void OptionsDialogWindow::create(CheckBox& box)
-{
-    const HWND window = create(box, L"BUTTON", BS_CHECKBOX | WS_TABSTOP);
-    shown_.back().refresh = [&box, window] {
-        showText(window, box.Caption());
-        ::SendMessageW(window, BM_SETCHECK, box.Value() == 1 ? BST_CHECKED : BST_UNCHECKED, 0);
-    };
-}
-
-void OptionsDialogWindow::create(PowerButton& button, bool isDefault)
-{
-    const HWND window = create(button, L"BUTTON", DWORD{WS_TABSTOP} | (isDefault ? BS_DEFPUSHBUTTON : BS_PUSHBUTTON));
-    shown_.back().refresh = [&button, window] { showText(window, button.Caption()); };
-}
-
-/// Drawn here, for what stands in the field while no row is selected.
-void OptionsDialogWindow::create(PowerCombo& list)
-{
-    const HWND window =
-        create(list, L"COMBOBOX", CBS_DROPDOWNLIST | CBS_OWNERDRAWFIXED | CBS_HASSTRINGS | WS_VSCROLL | WS_TABSTOP);
-    shown_.back().refresh = [&list, window] {
-        takeRows(window, list);
-        if (::SendMessageW(window, CB_GETCURSEL, 0, 0) != list.CurrentRow())
-            ::SendMessageW(window, CB_SETCURSEL, static_cast<WPARAM>(list.CurrentRow()), 0);
-        if (list.CurrentRow() < 0)
-            ::SendMessageW(window, CB_SETTOPINDEX, static_cast<WPARAM>(list.TopRow()), 0);
-    };
-}
-
-void OptionsDialogWindow::create(PowerEdit& edit)
-{
-    const HWND field = create(edit, L"EDIT", ES_RIGHT | ES_AUTOHSCROLL | WS_TABSTOP, WS_EX_CLIENTEDGE);
-    const HWND spinner =
-        ::CreateWindowExW(0, UPDOWN_CLASSW, L"", WS_CHILD, 0, 0, 0, 0, window_, nullptr, componentInstance(), nullptr);
-    auto number = std::make_unique<NumberEdit>(
-        edit, field, spinner, [this] { refresh(); }, [this](const Action& what) { contain(what); });
-    shown_.back().refresh = [number = number.get()] { number->refresh(); };
-    numbers_.push_back(std::move(number));
-}
-
-void OptionsDialogWindow::create(Frame& frame)
-{
-    const HWND window = create(frame, L"BUTTON", BS_GROUPBOX);
-    shown_.back().refresh = [&frame, window] { showText(window, frame.Caption()); };
-}
-
 // --- From the form to the window
 
 void OptionsDialogWindow::refresh()
@@ -292,7 +163,7 @@ void OptionsDialogWindow::refresh()
     if (!window_ || shown_.empty())
         return;
     refreshing_ = true;
-    showText(window_, form_.Caption());
+    ::SetWindowTextW(window_, wideText(form_.Caption()).c_str());
     for (const Shown& each : shown_) {
         if (!each.window)
             continue;
@@ -368,28 +239,6 @@ bool OptionsDialogWindow::isOnHeader(HWND window) const
     return std::any_of(shown_.begin(), shown_.end(), [&](const Shown& each) {
         return each.window == window && (each.control == &form_.lblTitle || each.control == &form_.lblSubtitle);
     });
-}
-
-void OptionsDialogWindow::drawList(const DRAWITEMSTRUCT& item)
-{
-    const Shown* found = shown(static_cast<int>(item.CtlID));
-    const auto* list = found ? dynamic_cast<const PowerCombo*>(found->control) : nullptr;
-    if (!list)
-        return;
-    const bool isRow = item.itemID != static_cast<UINT>(-1);
-    const bool isSelected = (item.itemState & ODS_SELECTED) != 0;
-    const bool isGrey = !isRow || (item.itemState & ODS_DISABLED) != 0;
-    const std::wstring text = isRow ? rowText(item.hwndItem, static_cast<int>(item.itemID)) : wideText(list->Prompt());
-    ::FillRect(item.hDC, &item.rcItem, ::GetSysColorBrush(isSelected ? COLOR_HIGHLIGHT : COLOR_WINDOW));
-    ::SetBkMode(item.hDC, TRANSPARENT);
-    const int foreground = isSelected ? COLOR_HIGHLIGHTTEXT : COLOR_WINDOWTEXT;
-    ::SetTextColor(item.hDC, ::GetSysColor(isGrey && !isSelected ? COLOR_GRAYTEXT : foreground));
-    RECT inside = item.rcItem;
-    inside.left += 3;
-    ::DrawTextW(item.hDC, text.c_str(), static_cast<int>(text.size()), &inside,
-                DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX);
-    if ((item.itemState & ODS_FOCUS) != 0 && (item.itemState & ODS_NOFOCUSRECT) == 0)
-        ::DrawFocusRect(item.hDC, &item.rcItem);
 }
 
 // --- From the window to the form

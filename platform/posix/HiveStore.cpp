@@ -1,6 +1,5 @@
 #include "platform/posix/HiveStore.h"
 
-#include "platform/posix/FileDescriptor.h"
 #include "platform/posix/HiveDatabase.h"
 #include "types/Text.h"
 
@@ -17,6 +16,9 @@
 namespace kel {
 
 namespace {
+
+// How often a file that another process takes away is made anew.
+constexpr int kTries = 100;
 
 /// A path as it is stored: without the empty names that doubled or outer backslashes would give.
 std::string normalized(std::string_view subKey)
@@ -75,13 +77,18 @@ bool HiveStore::open(bool create)
 {
     if (database_ && database_->hasMoved())
         database_.reset();
-    if (!database_) {
+    for (int tries = 0; !database_; ++tries) {
         if (create && !createFile())
             return false;
+        // While it is opened, nobody sets it aside.
+        const FileDescriptor lock = lockFolder(LOCK_SH);
         opened_ = identity();
-        if (!opened_)
+        if (opened_) {
+            openFile(create);
+            return database_->ready(create);
+        }
+        if (!create || tries == kTries)
             return false;
-        openFile(create);
     }
     return database_->ready(create);
 }
@@ -121,17 +128,27 @@ bool HiveStore::createFile() const
     // What the process masks out of the rights of new files is put back.
     if (::mkdir(folder.c_str(), file_.folderMode()) == 0)
         ::chmod(folder.c_str(), file_.folderMode());
-    if (::mknod(file_.file.c_str(), S_IFREG | file_.fileMode(), 0) == 0)
-        ::chmod(file_.file.c_str(), file_.fileMode());
-    return identity().has_value();
+    if (::mknod(file_.file.c_str(), S_IFREG | file_.fileMode(), 0) != 0)
+        return errno == EEXIST;
+    ::chmod(file_.file.c_str(), file_.fileMode());
+    return true;
+}
+
+/// The hive's folder, locked for as long as the result lives; not open where that is not possible.
+FileDescriptor HiveStore::lockFolder(int kind) const
+{
+    FileDescriptor folder(::open(file_.file.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (folder.isOpen() && retrying([&] { return ::flock(folder.number(), kind); }) < 0)
+        return FileDescriptor();
+    return folder;
 }
 
 /// Gives a damaged file another name. Processes that find the damage at the same time come here one after the other;
 /// the later ones see that another file stands there by then, and leave it in peace. True if the way is free.
 bool HiveStore::setAside(const std::string& damage)
 {
-    const FileDescriptor folder(::open(file_.file.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (!folder.isOpen() || retrying([&] { return ::flock(folder.number(), LOCK_EX); }) < 0)
+    const FileDescriptor lock = lockFolder(LOCK_EX);
+    if (!lock.isOpen())
         return false;
     return identity() != opened_ || rename(damage);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/Registry.h"
+#include "platform/posix/FileDescriptor.h"
 #include "platform/posix/RegistryFolders.h"
 
 #include <memory>
@@ -35,6 +36,7 @@ private:
     [[nodiscard]] bool open(bool create);
     void openFile(bool create);
     [[nodiscard]] bool createFile() const;
+    [[nodiscard]] FileDescriptor lockFolder(int kind) const;
     [[nodiscard]] bool setAside(const std::string& damage);
     [[nodiscard]] bool rename(const std::string& damage);
     void tell(const std::string& text);

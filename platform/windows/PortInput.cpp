@@ -20,12 +20,14 @@ SystemHandle newEvent()
 
 } // namespace
 
-PortInput::PortInput(HANDLE port, std::string name)
-    : ReceivedInput(std::move(name), kFullRead), port_(port), readDone_(newEvent()), watch_(std::make_unique<Watch>())
+PortInput::PortInput(HANDLE port, std::string name, bool canBeWatched)
+    : ReceivedInput(std::move(name), kFullRead), port_(port), readDone_(newEvent()), watch_(std::make_unique<Watch>()),
+      canBeWatched_(canBeWatched)
 {
     watch_->event = newEvent();
     watch_->state.hEvent = watch_->event.get();
-    ::SetCommMask(port_, EV_RXCHAR);
+    if (canBeWatched_)
+        ::SetCommMask(port_, EV_RXCHAR);
 }
 
 PortInput::~PortInput()

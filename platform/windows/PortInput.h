@@ -10,12 +10,14 @@ namespace kel {
 /// The input side of an open port.
 class PortInput final : public ReceivedInput {
 public:
-    /// The port must be open for overlapped use, and its reads must not wait; `name` is for failures.
-    PortInput(HANDLE port, std::string name);
+    /// The port must be open for overlapped use, and its reads must not wait; `name` is for failures. A port that
+    /// cannot be watched has to be looked at: so a pseudo-terminal under Wine, which ends its watch at once, and leaves
+    /// a trace of it in its list of threads that holds up the process later.
+    PortInput(HANDLE port, std::string name, bool canBeWatched);
     ~PortInput() override;
 
     /// The event that is set when a byte arrives from now on, or the port is gone; null for a port that cannot be
-    /// watched, as a pseudo-terminal under Wine.
+    /// watched.
     [[nodiscard]] HANDLE arrival();
 
     /// The event is set.
@@ -35,7 +37,7 @@ private:
     SystemHandle readDone_;
     std::unique_ptr<Watch> watch_;
     bool watching_ = false;
-    bool canBeWatched_ = true;
+    bool canBeWatched_;
 };
 
 } // namespace kel

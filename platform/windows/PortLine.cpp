@@ -78,6 +78,12 @@ void put(const LineParameters& line, DCB& state)
     state.fAbortOnError = FALSE;
 }
 
+bool hasModemLines(HANDLE port)
+{
+    DWORD ignored = 0;
+    return ::GetCommModemStatus(port, &ignored) != FALSE;
+}
+
 /// "19200 baud, 8 data bits, parity N, 2 stop bits, handshaking 0".
 std::string describe(const LineParameters& line)
 {
@@ -93,11 +99,9 @@ PortLine::Output::Output() : done(::CreateEventW(nullptr, TRUE, TRUE, nullptr))
 }
 
 PortLine::PortLine(Int16 port, const LineParameters& parameters, std::shared_ptr<WindowsMessagePump> pump)
-    : name_(portName(port)), claim_(claim(port)), port_(open(port)), input_(port_.get(), name_),
-      output_(std::make_unique<Output>()), pump_(std::move(pump))
+    : name_(portName(port)), claim_(claim(port)), port_(open(port)), hasModemLines_(hasModemLines(port_.get())),
+      input_(port_.get(), name_, hasModemLines_), output_(std::make_unique<Output>()), pump_(std::move(pump))
 {
-    DWORD ignored = 0;
-    hasModemLines_ = ::GetCommModemStatus(port_.get(), &ignored) != FALSE;
     PortLine::set(parameters);
     // A line that nobody has open receives nothing.
     ::PurgeComm(port_.get(), PURGE_RXCLEAR);

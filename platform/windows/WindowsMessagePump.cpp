@@ -140,7 +140,7 @@ void CALLBACK WindowsMessagePump::loopTimerRuns(HWND, UINT, UINT_PTR timer, DWOR
 {
     const auto found = pumpsByTimer.find(timer);
     if (found != pumpsByTimer.end() && found->second->turns_ == 0)
-        found->second->timersChanged();
+        found->second->fireTimers();
 }
 
 } // namespace kel

@@ -73,7 +73,7 @@ void* WindowsOmrApiLoader::Library::load() const
             failMissing();
         return open(file_);
     }
-    if (false)
+    if (isThere(componentFolder_ / kLibraryFile))
         return open(componentFolder_ / kLibraryFile);
     if (const HMODULE module = ::LoadLibraryW(kLibraryFile))
         return module;

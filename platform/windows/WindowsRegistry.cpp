@@ -121,7 +121,7 @@ bool WindowsRegistry::write(kelReaderRegistryKey hive, std::string_view subKey, 
     const OpenKey key = OpenKey::created(hive, subKey);
     if (!key)
         return false;
-    const std::string data = isText(value.type) ? value.data : value.data;
+    const std::string data = isText(value.type) ? ansiText(value.data) : value.data;
     return ::RegSetValueExA(key.get(), ansiText(name).c_str(), 0, static_cast<DWORD>(value.type),
                             reinterpret_cast<const BYTE*>(data.c_str()),
                             static_cast<DWORD>(data.size())) == ERROR_SUCCESS;

@@ -1,78 +1,173 @@
 #include "simulators/framework/Json.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
 #include <fstream>
 #include <sstream>
-#include <stdexcept>
 
-namespace kel::json {
+namespace kel {
+
+namespace {
+
+const char* typeName(const Json& value)
+{
+    switch (value.type()) {
+    case Json::value_t::null: return "null";
+    case Json::value_t::boolean: return "a truth value";
+    case Json::value_t::string: return "a text";
+    case Json::value_t::array: return "an array";
+    case Json::value_t::object: return "an object";
+    default: return "a number";
+    }
+}
+
+[[noreturn]] void refuseType(const JsonPlace& place, const char* wanted, const Json& value)
+{
+    place.refuse(std::string("has to be ") + wanted + " and is " + typeName(value));
+}
+
+/// The parser's own words without its names for itself: "line 1, column 5: syntax error ...".
+std::string parserMessage(const Json::exception& error)
+{
+    std::string message = error.what();
+    if (const std::size_t end = message.find("] "); end != std::string::npos)
+        message.erase(0, end + 2);
+    constexpr std::string_view kItsName = "parse error at ";
+    if (message.starts_with(kItsName))
+        message.erase(0, kItsName.size());
+    return message;
+}
+
+std::string unknownKey(const std::string& name)
+{
+    return "has a key \"" + name + "\" that is not known";
+}
+
+std::string unknownKey(const std::string& name, const std::vector<std::string>& known)
+{
+    std::string text = unknownKey(name) + "; there are ";
+    for (const std::string& key : known)
+        text += (&key == &known.front() ? "" : ", ") + key;
+    return text;
+}
+
+} // namespace
+
+UnknownJsonKey::UnknownJsonKey(const std::string& place, std::string name, std::vector<std::string> known)
+    : JsonRefusal(place, unknownKey(name, known)), place_(place), name_(std::move(name)), known_(std::move(known))
+{
+}
+
+JsonRefusal UnknownJsonKey::endingWith(const std::string& end) const
+{
+    return {place_, unknownKey(name_) + "; " + end};
+}
+
+JsonPlace JsonPlace::key(const std::string& name) const
+{
+    return {path.empty() ? name : path + "." + name};
+}
+
+JsonPlace JsonPlace::element(std::size_t index) const
+{
+    return {path + "[" + std::to_string(index) + "]"};
+}
+
+JsonPlace JsonPlace::part(const std::string& name) const
+{
+    return {path.empty() ? name : path + ", " + name};
+}
+
+void JsonPlace::refuse(const std::string& complaint) const
+{
+    throw JsonRefusal(path, complaint);
+}
 
 Json parseJson(std::string_view text)
 {
     try {
         return Json::parse(text);
-    } catch (const Json::parse_error& error) {
-        // The library's text begins with its own name in brackets.
-        std::string what = error.what();
-        if (const std::size_t bracket = what.find("] "); bracket != std::string::npos)
-            what.erase(0, bracket + 2);
-        throw std::runtime_error("no JSON: " + what);
+    } catch (const Json::exception& error) { // a number too large for a double is no parse error
+        throw NotJson(parserMessage(error));
     }
 }
 
-std::string readWholeFile(const std::filesystem::path& file)
+std::string readWholeFile(const std::filesystem::path& file, const std::string& what)
 {
     std::ifstream stream(file, std::ios::binary);
     std::ostringstream text;
-    if (stream)
+    if (stream.peek() != std::ifstream::traits_type::eof())
         text << stream.rdbuf();
-    if (!stream || std::filesystem::is_directory(file))
-        throw std::runtime_error(file.string() + " cannot be read");
+    if (!stream.is_open() || stream.bad() || text.bad())
+        throw std::runtime_error("The " + what + " " + file.string() + " cannot be read: " + std::strerror(errno));
     return text.str();
 }
 
-void refuseJson(const std::string& place, const std::string& what)
-{
-    throw std::runtime_error(place + ": " + what);
-}
-
-void demandArray(const Json& value, const std::string& place)
-{
-    if (!value.is_array())
-        refuseJson(place, "is no array");
-}
-
-void demandObject(const Json& value, const std::string& place, std::initializer_list<std::string_view> members)
+void readJsonObject(const Json& value, const JsonPlace& place, const JsonKeyReaders& readers)
 {
     if (!value.is_object())
-        refuseJson(place, "is no object");
-    for (const auto& [name, ignored] : value.items()) {
-        if (std::ranges::find(members, name) != members.end())
-            continue;
-        std::string known;
-        for (const std::string_view member : members)
-            known += (known.empty() ? "" : ", ") + std::string(member);
-        refuseJson(place, "unknown member \"" + name + "\"; there are " + known);
+        refuseType(place, "an object", value);
+    for (const auto& [name, member] : value.items()) {
+        const auto reader = std::ranges::find(readers, name, &JsonKeyReaders::value_type::first);
+        if (reader == readers.end()) {
+            std::vector<std::string> known;
+            for (const auto& entry : readers)
+                known.push_back(entry.first);
+            throw UnknownJsonKey(place.path, name, std::move(known));
+        }
+        reader->second(member, place.key(name));
     }
 }
 
-std::int64_t wholeNumber(const Json& value, const std::string& place, std::int64_t lowest, std::int64_t highest)
+void readJsonArray(const Json& value, const JsonPlace& place, const JsonReader& readElement)
 {
-    // A number beyond 63 bits is stored unsigned and has no signed value.
+    if (!value.is_array())
+        refuseType(place, "an array", value);
+    for (std::size_t i = 0; i < value.size(); ++i)
+        readElement(value[i], place.element(i));
+}
+
+void readJsonArray(const Json& value, const JsonPlace& place, const std::string& elementName,
+                   const JsonReader& readElement)
+{
+    if (!value.is_array())
+        refuseType(place, "an array", value);
+    for (std::size_t i = 0; i < value.size(); ++i)
+        readElement(value[i], place.part(elementName + " " + std::to_string(i + 1)));
+}
+
+std::string readJsonText(const Json& value, const JsonPlace& place)
+{
+    if (!value.is_string())
+        refuseType(place, "a text", value);
+    return value.get<std::string>();
+}
+
+bool readJsonTruth(const Json& value, const JsonPlace& place)
+{
+    if (!value.is_boolean())
+        refuseType(place, "true or false", value);
+    return value.get<bool>();
+}
+
+Int16 readJsonNumber(const Json& value, const JsonPlace& place, Int16 lowest, Int16 highest)
+{
+    return static_cast<Int16>(readJsonLongNumber(value, place, lowest, highest));
+}
+
+Int32 readJsonLongNumber(const Json& value, const JsonPlace& place, Int32 lowest, Int32 highest)
+{
+    if (!value.is_number())
+        refuseType(place, "a whole number", value);
+    // A number beyond 64 bits has become a floating point number, and so has one with a fraction.
     const bool tooLarge =
         value.is_number_unsigned() && value.get<std::uint64_t>() > static_cast<std::uint64_t>(INT64_MAX);
     if (!value.is_number_integer() || tooLarge || value.get<std::int64_t>() < lowest ||
         value.get<std::int64_t>() > highest)
-        refuseJson(place, value.dump() + " is no whole number from " + std::to_string(lowest) + " to " +
-                              std::to_string(highest));
-    return value.get<std::int64_t>();
+        place.refuse("has to be a whole number from " + std::to_string(lowest) + " to " + std::to_string(highest) +
+                     " and is " + value.dump());
+    return value.get<Int32>();
 }
 
-std::string textOf(const Json& value, const std::string& place)
-{
-    if (!value.is_string())
-        refuseJson(place, value.dump() + " is no text");
-    return value.get<std::string>();
-}
-
-} // namespace kel::json
+} // namespace kel

@@ -359,5 +359,30 @@ INSTANTIATE_TEST_SUITE_P(
                               ": the file has a key \"rows\" that is not known; the nearest are side1Rows, side2Rows "
                               "and side1Cols."}));
 
+class BrokenAnswerKey : public testing::TestWithParam<std::pair<const char*, const char*>> {};
+
+TEST_P(BrokenAnswerKey, IsRefusedBeforeTheReaderIsTouched)
+{
+    Pty line;
+    const TextFile key(GetParam().first);
+    const CommandOutcome outcome =
+        runCommand({"scan", "--model", "40", "--device", line.name(), "--answer-key", key.path()});
+    EXPECT_EQ(outcome.errors, "kelreader: " + key.path() + GetParam().second + "\n");
+    EXPECT_EQ(outcome.output, "");
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_EQ(line.read(), "");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Texts, BrokenAnswerKey,
+    testing::Values(
+        std::pair{R"({"formIds":["1"],"questions":[{"name":"Question 1","choices":["A","B"],"correctAnswers":["C"]}]})",
+                  ": questions[0].correctAnswers[0] has the answer \"C\", which is not among the choices A and B."},
+        std::pair{
+            R"({"formIds":["1"],"questions":[{"name":"Question 1","choices":["A"],"correctAnswers":["A","A","A","A","A"]}]})",
+            ": questions[0].correctAnswers has 5 versions, and a reader stores at most 4."},
+        std::pair{R"({"questions":[{"name":"Question 1","choices":["A"],"correctAnswers":["A"]}]})",
+                  ": the file has no form identifier: formIds needs one for each page."}));
+
 } // namespace
 } // namespace kel::test

@@ -1,4 +1,7 @@
 #include "cli/JsonLines.h"
+#include "cli/ScanSession.h"
+#include "platform/posix/PosixOmrApiLoader.h"
+#include "platform/simulated/SimulatedPlatform.h"
 #include "simulators/sekonic_usb/OmrApiSimulation.h"
 #include "strings/VBLMRTSModule.h"
 #include "tests/cli/CommandRun.h"
@@ -133,6 +136,27 @@ TEST(UsbScanCommand, RefusesWhatIsOfALineAndWhatIsNoSheet)
     EXPECT_EQ(refusal({"--trace", "/tmp/never"}),
               "kelreader: A USB reader has no line that --trace could write down.\n");
     EXPECT_THAT(refusal({"--omrapi", "/tmp/never"}), HasSubstr("--simulate excludes --omrapi"));
+}
+
+TEST(UsbScanSession, AStopThatComesDuringAReadIsKnownWhenTheSheetIsRejected)
+{
+    SimulatedPlatform machine;
+    const PlatformScope scope(machine);
+    const OmrApiSimulation simulation(KEL_OMRAPI_SIMULATED, {.sheets = {{}, {}}});
+    PosixOmrApiLoader loader("/nowhere");
+    loader.libraryFile(KEL_OMRAPI_SIMULATED);
+    machine.omrApiLoader().set(&loader.omrApi());
+    ScanRequest request;
+    request.model = kelReaderTypeSekonicSR2300;
+    request.rejectSheets = {1};
+    clsKELReader reader;
+    prepareReader(reader, request);
+    JsonLines sink([](const std::string&) {});
+    int asked = 0; // before the sheet, and when it has been read
+    const ScanResult result = runScan(reader, request, sink, [&] { return ++asked >= 2; });
+    EXPECT_EQ(result.end.sheets, 1);
+    EXPECT_EQ(simulation.report().log.back(), (SheetRecord{SheetEvent::Ejected, 1, "outlet 1", 0, 0}));
+    EXPECT_THAT(simulation.report().faults, testing::IsEmpty());
 }
 
 TEST(UsbScanCommand, SaysWhatToDoWithoutALibrary)

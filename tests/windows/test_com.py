@@ -30,8 +30,15 @@ READER_INTERFACE = r"\Interface\{872252CF-07E3-44D5-AB6C-AD1B55B5E3DE}"
 READER_NAME = r"\KELReader81U.clsKELReader"
 
 
-def hive_keys(hive):
-    """All keys of a hive's classes, by name."""
+
+
+def windows_path(path):
+    """A path of this system as programs under Wine know it."""
+    return "Z:" + str(path).replace("/", "\\")
+
+
+def class_keys(hive):
+    """All keys of a hive's classes."""
     answer = wine("reg", "query", hive + r"\Software\Classes", "/s")
     return {line for line in answer.stdout.splitlines() if line.startswith("HKEY_")}
 
@@ -46,8 +53,94 @@ class Clients(WindowsTest):
         self.assertNotIn("fault", [event["event"] for event in reader.events])
 
     def test_lifetime(self):
-        with SimulatedReader(model=24, port=EVENTS_PORT, count=1):
-            print(self.run_program("com_lifetime.exe", EVENTS_PORT, timeout=100))
+        with SimulatedReader(model=21, port=SHEETS_PORT, count=1):
+            print(self.run_program("com_lifetime.exe", SHEETS_PORT, timeout=100))
+
+
+def printed(sheet):
+    """A sheet of the command as the example host prints it."""
+    lines = [f"Sheet {sheet['sheet']}" + "".join(f" {barcode}" for barcode in sheet["barcodes"])]
+    for row, marks in enumerate(sheet["side1"], 1):
+        lines += [f"  row {row}, column {column}: {mark}" for column, mark in enumerate(marks, 1) if mark]
+    return [line.rstrip() for line in lines]
+
+
+class Sheets(WindowsTest):
+    """What hosts read from simulated readers is what the command reads from the same ones."""
+
+    def setUp(self):
+        self.folder = pathlib.Path(tempfile.mkdtemp())
+        self.addCleanup(shutil.rmtree, self.folder)
+        self.enterContext(machine_wide())
+        self.run_program("regsvr32", "/s", "KELReader81U.dll")
+        self.addCleanup(self.run_program, "regsvr32", "/s", "/u", "KELReader81U.dll")
+
+    def form(self, rows, columns):
+        file = self.folder / "form.json"
+        file.write_text(json.dumps({"side1Rows": [rows], "side1Cols": [columns]}))
+        return file
+
+    def here(self, *arguments):
+        answer = subprocess.run([READER_PROGRAM, "scan", *map(str, arguments)], stdout=subprocess.PIPE, text=True,
+                                check=True, timeout=30)
+        events = [json.loads(line) for line in answer.stdout.splitlines()]
+        return [line for event in events if event["event"] == "sheet" for line in printed(event)]
+
+    def there(self, *arguments, **more):
+        output = self.run_program("ReadBatch.exe", *arguments, **more)
+        return [line.rstrip() for line in output.splitlines()]
+
+    def test_serial_families(self):
+        for family, (model, rows, columns) in SERIAL_MODELS.items():
+            with self.subTest(family):
+                form = self.form(rows, columns)
+                expected = self.here("--model", model, "--simulate", "--seed", 7, "--count", SHEETS, "--rate", "unlimited",
+                                     "--form", form, "--max-sheets", SHEETS)
+                with SimulatedReader(model, port=SHEETS_PORT, seed=7, count=SHEETS, form=form) as reader:
+                    read = self.there(model, SHEETS_PORT, SHEETS, rows, columns)
+                self.assertEqual(read, expected)
+                self.assertGreater(len(expected), SHEETS)
+                self.assertNotIn("fault", [event["event"] for event in reader.events])
+
+    def test_usb_family(self):
+        sheets = self.folder / "sheets.json"
+        marks = [[0] * 48 for _ in range(20)]
+        marks[4][6] = marks[19][47] = 12
+        sheets.write_text(json.dumps([{"side1": marks}]))
+        read = self.there(30, 1, 1, 20, 48, cwd=BIN / "omrapi",
+                          env=environment(KEL_OMRAPI_SIMULATION=windows_path(sheets)))
+        print(read)
+
+    def test_script_hosts(self):
+        for script in ("ReadSheets.vbs", "ReadSheets.js"):
+            with self.subTest(script), SimulatedReader(24, port=SHEETS_PORT, seed=7, count=SHEETS):
+                output = self.run_program("cscript", "//nologo", windows_path(EXAMPLES / script), 24, SHEETS_PORT, SHEETS,
+                                          status=SHEETS)
+                self.assertEqual(output.split("\n")[:3], ["Peripheral Dynamics Inc. VMR138", "Sheet 1: 40 timing marks",
+                                                          "Sheet 2: 40 timing marks"])
+        # A host's failure object hears what goes wrong.
+        for script in ("ReadSheets.vbs", "ReadSheets.js"):
+            with self.subTest(script):
+                output = self.run_program("cscript", "//nologo", windows_path(EXAMPLES / script), 24, 17, SHEETS, status=0)
+                self.assertIn("Failure 8002 in basRead.ReaderInit", output)
+
+
+class Registration(WindowsTest):
+    def test_none_is_needed(self):
+        with machine_wide():
+            self.assertFalse(registry_has(r"HKLM\Software\Classes" + READER_CLASS))
+            self.run_program("com_unregistered.exe")
+
+    def test_nothing_stays_behind(self):
+        with machine_wide():
+            for arguments, hive in ((("/s",), "HKLM"), (("/s", "/n", "/i:user"), "HKCU")):
+                with self.subTest(hive):
+                    before = class_keys("HKLM"), class_keys("HKCU")
+                    self.run_program("regsvr32", *arguments, "KELReader81U.dll")
+                    for key in (LIBRARY, READER_CLASS, READER_INTERFACE, READER_NAME):
+                        self.assertTrue(registry_has(hive + r"\Software\Classes" + key), key)
+                    self.run_program("regsvr32", *arguments, "/u", "KELReader81U.dll")
+                    self.assertEqual((class_keys("HKLM"), class_keys("HKCU")), before)
 
 
 if __name__ == "__main__":

@@ -417,12 +417,13 @@ TEST(AppersonSessions, AFifthVersionIsARunTimeFailure)
 
 TEST(AppersonSessions, CancellingInADownloadIsToldByItsStep)
 {
-    for (const char* command : {"S1", "K8", "K1", "Q", "K6"}) {
+    for (const char* command : {"S1", "K7", "K8", "K1", "Q", "K6"}) {
         SCOPED_TRACE(command);
         Session session(kelReaderTypeAppersonAdvantage1200, {5, 5}, {.settings = {{"silent", command}}});
         session.reader().AnswerKey(keyOf(std::string(command) == "S1" ? 2 : 1, 4, "0011,0012", 4));
         session.heard().onGetQuestionsOnPage = [](Int16&, Int16& number) { number = 2; };
-        cancelBehind(session, std::string(command) == "K8" ? "K80012" : command);
+        const std::map<std::string, std::string> withIdentifier = {{"K7", "K70011"}, {"K8", "K80012"}};
+        cancelBehind(session, withIdentifier.contains(command) ? withIdentifier.at(command) : command);
         EXPECT_FALSE(bool(session.reader().StartReader()));
         ASSERT_EQ(session.heard().reports.size(), 1U);
         EXPECT_EQ(session.heard().reports[0].ErrorDescription, VBLM_RTString(186));

@@ -286,10 +286,10 @@ public:
 
     STDMETHODIMP QueryInterface(REFIID iid, void** object) override
     {
-        *object = IsEqualIID(iid, IID_IUnknown) || IsEqualIID(iid, IID_IDispatch) ||
-                          IsEqualIID(iid, DIID___clsKELReader)
-                      ? this
-                      : nullptr;
+        *object =
+            IsEqualIID(iid, IID_IUnknown) || IsEqualIID(iid, IID_IDispatch) || IsEqualIID(iid, DIID___clsKELReader)
+                ? this
+                : nullptr;
         if (!*object)
             return E_NOINTERFACE;
         AddRef();

@@ -318,8 +318,9 @@ class OwnCarrier {
 public:
     explicit OwnCarrier(IDispatch* inner) : inner_(inner)
     {
-        forward(control_, L"mscComm", {L"CommPort", L"Settings", L"Handshaking", L"PortOpen", L"InputLen",
-                                       L"InBufferCount", L"Input", L"Output"});
+        forward(control_, L"mscComm",
+                {L"CommPort", L"Settings", L"Handshaking", L"PortOpen", L"InputLen", L"InBufferCount", L"Input",
+                 L"Output"});
         forward(timer_, L"tmrScan", {L"Interval", L"Enabled"});
         carrier_.member(L"mscComm", [this](const Call& c) { return c.give(Value(&control_)), S_OK; });
         carrier_.member(L"tmrScan", [this](const Call& c) { return c.give(Value(&timer_)), S_OK; });
@@ -375,7 +376,7 @@ TEST_F(Events, AHostsObjectTakesThePlaceOfTheCarrier)
     EXPECT_GT(carrier.accesses()[L"Output"], 2);
     EXPECT_GT(carrier.accesses()[L"Input"], 10);
     EXPECT_GT(carrier.accesses()[L"InBufferCount"], 10);
-    EXPECT_GT(carrier.accesses()[L"Interval"], 1);
+    EXPECT_EQ(carrier.accesses()[L"Interval"], 1);
 
     EXPECT_EQ(get(reader.get(), L"Side1Array").type(), VT_ARRAY | VT_I2);
     put(reader.get(), L"fComm", own);

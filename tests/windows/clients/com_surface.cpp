@@ -59,13 +59,14 @@ std::wstring names(REFIID iid)
 
 TEST_F(Surface, TheReadersMembersStandInTheirOrder)
 {
-    EXPECT_EQ(names(IID__clsKELReader),
-              L"Barcodes Windows Profiles Printer fComm AnswerKey HelpID HelpFile ReaderGrade BaudRate SleepTime "
-              L"DataBits Duplex DuplexForm Barcode Feeder FlowControl MarkCutOff MarkDiscrimination ReaderName "
-              L"Side1TimingMarks Side2TimingMarks Side1Array Side2Array Side1Rows Side1Cols Side2Rows Side2Cols Parity "
-              L"Port CancelScan ReaderType RecognitionThreshold Rejecter StopBits Timeout StartReader ReadPage ReadBatch "
-              L"EndReader RejectPage EjectPage Windowing RecognitionMode LoadDefaults LoadSettings SaveSettings SetError "
-              L"ShowOptions Locate Firmware");
+    EXPECT_EQ(
+        names(IID__clsKELReader),
+        L"Barcodes Windows Profiles Printer fComm AnswerKey HelpID HelpFile ReaderGrade BaudRate SleepTime "
+        L"DataBits Duplex DuplexForm Barcode Feeder FlowControl MarkCutOff MarkDiscrimination ReaderName "
+        L"Side1TimingMarks Side2TimingMarks Side1Array Side2Array Side1Rows Side1Cols Side2Rows Side2Cols Parity "
+        L"Port CancelScan ReaderType RecognitionThreshold Rejecter StopBits Timeout StartReader ReadPage ReadBatch "
+        L"EndReader RejectPage EjectPage Windowing RecognitionMode LoadDefaults LoadSettings SaveSettings SetError "
+        L"ShowOptions Locate Firmware");
     SHORT offset = 7 * sizeof(void*);
     for (const Described& member : membersOf(IID__clsKELReader)) {
         EXPECT_EQ(member.offset, offset) << std::string(member.name.begin(), member.name.end());
@@ -91,8 +92,9 @@ TEST_F(Surface, TheOtherClassesMembersStandInTheirOrder)
 
 TEST_F(Surface, TheEventsHaveTheirNumbers)
 {
-    const std::array<std::wstring_view, 7> expected{L"BeforeSheet", L"ReadSheet",     L"AfterSheet",        L"BeforePrint",
-                                                    L"AfterPrint",  L"TranslateData", L"GetQuestionsOnPage"};
+    const std::array<std::wstring_view, 7> expected{L"BeforeSheet",       L"ReadSheet",  L"AfterSheet",
+                                                    L"BeforePrint",       L"AfterPrint", L"TranslateData",
+                                                    L"GetQuestionsOnPage"};
     const auto events = membersOf(DIID___clsKELReader);
     ASSERT_EQ(events.size(), expected.size());
     for (std::size_t index = 0; index < expected.size(); ++index) {
@@ -129,8 +131,9 @@ TEST_F(Surface, EveryPublicClassCanBeCreated)
     Ptr<IClassFactory> factory;
     EXPECT_EQ(serverExport<GetClassObject>("DllGetClassObject")(IID_IUnknown, IID_IClassFactory, factory.outVoid()),
               CLASS_E_CLASSNOTAVAILABLE);
-    ASSERT_EQ(serverExport<GetClassObject>("DllGetClassObject")(CLSID_clsKELReader, IID_IClassFactory, factory.outVoid()),
-              S_OK);
+    ASSERT_EQ(
+        serverExport<GetClassObject>("DllGetClassObject")(CLSID_clsKELReader, IID_IClassFactory, factory.outVoid()),
+        S_OK);
     Ptr<IUnknown> object;
     EXPECT_EQ(factory->CreateInstance(factory.get(), IID_IUnknown, object.outVoid()), CLASS_E_NOAGGREGATION);
 }
