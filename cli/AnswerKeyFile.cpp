@@ -1,6 +1,6 @@
 #include "cli/AnswerKeyFile.h"
 
-#include "cli/JsonPlace.h"
+#include "cli/JsonFile.h"
 #include "cli/NearestNames.h"
 #include "types/Text.h"
 
@@ -151,18 +151,9 @@ std::string joined(const std::vector<std::string>& texts)
     return all;
 }
 
-} // namespace
-
-Int16 ScanAnswerKey::questionsOn(Int16 page) const
+ScanAnswerKey answerKeyOf(const Json& root)
 {
-    const bool told = page >= 1 && static_cast<std::size_t>(page) <= questionsOnPage.size();
-    return told ? questionsOnPage[static_cast<std::size_t>(page) - 1] : Int16{0};
-}
-
-ScanAnswerKey parseAnswerKey(std::string_view text, const std::string& fileName)
-{
-    const Json root = parseJson(text, fileName);
-    const JsonPlace whole{fileName, {}};
+    const JsonPlace whole;
     ScanAnswerKey result{makeReference<AnswerKey>(), {}};
     std::vector<std::string> formIds;
     std::optional<Int16> pages;
@@ -196,9 +187,22 @@ ScanAnswerKey parseAnswerKey(std::string_view text, const std::string& fileName)
     return result;
 }
 
+} // namespace
+
+Int16 ScanAnswerKey::questionsOn(Int16 page) const
+{
+    const bool told = page >= 1 && static_cast<std::size_t>(page) <= questionsOnPage.size();
+    return told ? questionsOnPage[static_cast<std::size_t>(page) - 1] : Int16{0};
+}
+
+ScanAnswerKey parseAnswerKey(std::string_view text, const std::string& fileName)
+{
+    return readingFile(fileName, [&] { return answerKeyOf(parseJson(text)); });
+}
+
 ScanAnswerKey readAnswerKeyFile(const std::filesystem::path& file)
 {
-    return parseAnswerKey(readWholeFile(file, "answer key file"), file.string());
+    return parseAnswerKey(readGivenFile(file, "answer key file"), file.string());
 }
 
 } // namespace kel

@@ -1,6 +1,7 @@
 #include "cli/FormFile.h"
 
-#include "cli/JsonPlace.h"
+#include "cli/JsonFile.h"
+#include "cli/JsonValue.h"
 
 #include <limits>
 
@@ -16,7 +17,7 @@ Int16 readSize(const Json& value, const JsonPlace& place)
     return readJsonNumber(value, place, 0, Limits::max());
 }
 
-JsonKeyReader sizes(std::optional<std::vector<Int16>>& target)
+JsonReader sizes(std::optional<std::vector<Int16>>& target)
 {
     return [&target](const Json& value, const JsonPlace& place) {
         target.emplace();
@@ -26,7 +27,7 @@ JsonKeyReader sizes(std::optional<std::vector<Int16>>& target)
 }
 
 template <class Record>
-JsonKeyReader field(Record& record, void (Record::*set)(Int16))
+JsonReader field(Record& record, void (Record::*set)(Int16))
 {
     return [&record, set](const Json& value, const JsonPlace& place) {
         (record.*set)(readJsonNumber(value, place, Limits::min(), Limits::max()));
@@ -34,13 +35,13 @@ JsonKeyReader field(Record& record, void (Record::*set)(Int16))
 }
 
 template <class Record>
-JsonKeyReader sizeField(Record& record, void (Record::*set)(Int16))
+JsonReader sizeField(Record& record, void (Record::*set)(Int16))
 {
     return [&record, set](const Json& value, const JsonPlace& place) { (record.*set)(readSize(value, place)); };
 }
 
 template <class Record, class Enum>
-JsonKeyReader enumField(Record& record, void (Record::*set)(Enum))
+JsonReader enumField(Record& record, void (Record::*set)(Enum))
 {
     return [&record, set](const Json& value, const JsonPlace& place) {
         (record.*set)(static_cast<Enum>(readJsonLongNumber(value, place, LongLimits::min(), LongLimits::max())));
@@ -88,18 +89,11 @@ kelRecognitionType readRecognitionMode(const Json& value, const JsonPlace& place
     place.refuse("has to be \"page\" or \"window\" and is " + jsonText(jsonValue(mode)));
 }
 
-PageArray pages(const std::vector<Int16>& sizes)
-{
-    return PageArray::of(1, sizes);
-}
-
-} // namespace
-
-ScanForm parseForm(std::string_view text, const std::string& fileName)
+ScanForm formOf(const Json& root)
 {
     ScanForm form;
     readJsonObject(
-        parseJson(text, fileName), {fileName, {}},
+        root, {},
         {{"recognitionMode",
           [&](const Json& value, const JsonPlace& place) { form.recognitionMode = readRecognitionMode(value, place); }},
          {"side1Rows", sizes(form.side1Rows)},
@@ -120,9 +114,21 @@ ScanForm parseForm(std::string_view text, const std::string& fileName)
     return form;
 }
 
+PageArray pages(const std::vector<Int16>& sizes)
+{
+    return PageArray::of(1, sizes);
+}
+
+} // namespace
+
+ScanForm parseForm(std::string_view text, const std::string& fileName)
+{
+    return readingFile(fileName, [&] { return formOf(parseJson(text)); });
+}
+
 ScanForm readFormFile(const std::filesystem::path& file)
 {
-    return parseForm(readWholeFile(file, "form file"), file.string());
+    return parseForm(readGivenFile(file, "form file"), file.string());
 }
 
 std::string sizesText(const ScanForm& form)

@@ -1,9 +1,8 @@
 #pragma once
 
+#include "simulators/framework/Json.h"
 #include "types/Boolean.h"
 #include "types/Numbers.h"
-
-#include <nlohmann/json.hpp>
 
 #include <concepts>
 #include <string>
@@ -11,9 +10,6 @@
 #include <type_traits>
 
 namespace kel {
-
-/// JSON that keeps the order in which its members were set.
-using Json = nlohmann::ordered_json;
 
 /// A text as UTF-8 whatever bytes it holds: what is UTF-8 already stays, every other byte becomes the character of
 /// its Latin-1 code. Readers send single bytes, the language database UTF-8, and a message may hold both.

@@ -23,7 +23,6 @@ std::vector<Int16> orNone(const std::optional<std::vector<Int16>>& sizes)
 FormDescription simulatedForm(const ScanForm& form)
 {
     FormDescription result;
-    result.windowMode = form.recognitionMode == kelRecognitionTypeWindow;
     result.side1Rows = orNone(form.side1Rows);
     result.side1Cols = orNone(form.side1Cols);
     result.side2Rows = orNone(form.side2Rows);

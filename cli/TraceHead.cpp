@@ -1,6 +1,6 @@
 #include "cli/TraceHead.h"
 
-#include "cli/JsonPlace.h"
+#include "cli/JsonFile.h"
 #include "cli/ModelLookup.h"
 #include "cli/PropertyTable.h"
 #include "cli/UsageError.h"
@@ -15,7 +15,7 @@ namespace {
 
 std::string compactJson(const std::string& file, const std::string& what)
 {
-    return jsonText(parseJson(readWholeFile(file, what), file));
+    return readingFile(file, [&] { return jsonText(parseJson(readGivenFile(file, what))); });
 }
 
 std::string propertyText(const Json& value)

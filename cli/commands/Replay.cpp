@@ -1,7 +1,7 @@
 #include "cli/CommandList.h"
 #include "cli/Commands.h"
 #include "cli/Interrupt.h"
-#include "cli/JsonPlace.h"
+#include "cli/JsonFile.h"
 #include "cli/ScanOutput.h"
 #include "cli/ScanSession.h"
 #include "cli/TraceHead.h"
@@ -55,7 +55,7 @@ bool tellDifferences(const ReplayCarrier& replay)
 
 int run(const Arguments& arguments)
 {
-    const std::string text = readWholeFile(arguments.file, "transcript");
+    const std::string text = readGivenFile(arguments.file, "transcript");
     const Transcript transcript = parseOrRefuse(text, arguments.file);
     const ScanRequest request = requestOf(arguments, transcript, text);
 

@@ -1,7 +1,7 @@
 #include "cli/CommandList.h"
 #include "cli/Commands.h"
 #include "cli/FailureSentence.h"
-#include "cli/JsonPlace.h"
+#include "cli/JsonFile.h"
 #include "cli/LoadedSettings.h"
 #include "cli/PropertyTable.h"
 #include "cli/RegistryValueText.h"
@@ -161,7 +161,7 @@ int exportKey(const Arguments& arguments)
 std::vector<RegFileEntry> entriesOf(const std::string& file)
 {
     try {
-        return parseRegFile(readWholeFile(file, "registry file"));
+        return parseRegFile(readGivenFile(file, "registry file"));
     } catch (const RegFileError& refusal) {
         throw UsageError("The registry file " + file + " cannot be taken. " + refusal.what());
     }

@@ -2,8 +2,6 @@
 
 #include "types/Numbers.h"
 
-#include <filesystem>
-#include <string_view>
 #include <vector>
 
 namespace kel {
@@ -35,7 +33,6 @@ struct FormBarcode {
 
 /// What is known of a form: its pages, windows and barcode zones. The first element of a list is page 1.
 struct FormDescription {
-    bool windowMode = false;
     std::vector<Int16> side1Rows = {};
     std::vector<Int16> side1Cols = {};
     std::vector<Int16> side2Rows = {};
@@ -45,11 +42,5 @@ struct FormDescription {
 
     friend bool operator==(const FormDescription&, const FormDescription&) = default;
 };
-
-/// A form from the text of a form file:
-/// `{"recognitionMode":"page","side1Rows":[63],"side1Cols":[48],"windows":[{"StartRow":2,...}],"barcodes":[...]}`.
-/// Every member may be missing. Throws std::runtime_error whose text names the place.
-[[nodiscard]] FormDescription formFromJson(std::string_view text);
-[[nodiscard]] FormDescription formFromFile(const std::filesystem::path& file);
 
 } // namespace kel

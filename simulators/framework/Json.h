@@ -23,7 +23,7 @@ class JsonRefusal : public std::runtime_error {
 public:
     /// `place` is empty for the text as a whole.
     JsonRefusal(const std::string& place, std::string complaint)
-        : std::runtime_error((place.empty() ? "the whole" : place) + " " + complaint), isWhole_(place.empty()),
+        : std::runtime_error((place.empty() ? "the text" : place) + " " + complaint), isWhole_(place.empty()),
           complaint_(std::move(complaint))
     {
     }

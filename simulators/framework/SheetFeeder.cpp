@@ -8,8 +8,6 @@
 
 namespace kel {
 
-using namespace json;
-
 namespace {
 
 /// Whole numbers from the standard's own generator, whose output is laid down; its distributions are not.
@@ -59,51 +57,52 @@ std::string randomDigits(Draw& draw, Int32 length)
     return digits;
 }
 
-MarkRows marksFrom(const Json& value, const std::string& place)
+MarkRows marksFrom(const Json& value, const JsonPlace& place)
 {
-    demandArray(value, place);
     MarkRows marks;
-    for (const Json& row : value) {
-        const std::string rowPlace = place + ", row " + std::to_string(marks.size() + 1);
-        demandArray(row, rowPlace);
+    readJsonArray(value, place, "row", [&](const Json& row, const JsonPlace& rowPlace) {
         std::vector<Int16>& cells = marks.emplace_back();
-        for (const Json& cell : row)
+        readJsonArray(row, rowPlace, "column", [&](const Json& cell, const JsonPlace& here) {
             cells.push_back(
-                static_cast<Int16>(wholeNumber(cell, rowPlace + ", column " + std::to_string(cells.size() + 1),
-                                               std::numeric_limits<Int16>::min(), std::numeric_limits<Int16>::max())));
-    }
+                readJsonNumber(cell, here, std::numeric_limits<Int16>::min(), std::numeric_limits<Int16>::max()));
+        });
+    });
     return marks;
 }
 
 /// Texts as they are, numbers and truth values as JSON writes them.
-std::string fieldFrom(const Json& value, const std::string& place)
+std::string fieldFrom(const Json& value, const JsonPlace& place)
 {
     if (value.is_string())
         return value.get<std::string>();
     if (!value.is_number() && !value.is_boolean())
-        refuseJson(place, value.dump() + " is neither a text nor a number");
+        place.refuse("has to be a text or a number and is " + value.dump());
     return value.dump();
 }
 
-SimulatedSheet sheetFrom(const Json& value, const std::string& place)
+SimulatedSheet sheetFrom(const Json& value, const JsonPlace& place)
 {
-    demandObject(value, place, {"side1", "side2", "barcodes", "fields"});
     SimulatedSheet sheet;
-    if (value.contains("side1"))
-        sheet.side1 = marksFrom(value["side1"], place + ", side1");
-    if (value.contains("side2"))
-        sheet.side2 = marksFrom(value["side2"], place + ", side2");
-    if (value.contains("barcodes")) {
-        demandArray(value["barcodes"], place + ", barcodes");
-        for (const Json& barcode : value["barcodes"])
-            sheet.barcodes.push_back(textOf(barcode, place + ", barcode " + std::to_string(sheet.barcodes.size() + 1)));
-    }
-    if (value.contains("fields")) {
-        if (!value["fields"].is_object())
-            refuseJson(place + ", fields", "is no object");
-        for (const auto& [name, field] : value["fields"].items())
-            sheet.fields[name] = fieldFrom(field, place + ", field \"" + name + "\"");
-    }
+    const auto side = [&](MarkRows& rows, const char* name) {
+        return [&rows, here = place.part(name)](const Json& marks, const JsonPlace&) { rows = marksFrom(marks, here); };
+    };
+    const auto barcodes = [&](const Json& texts, const JsonPlace&) {
+        readJsonArray(texts, place.part("barcodes"), [&](const Json& text, const JsonPlace&) {
+            const std::string number = std::to_string(sheet.barcodes.size() + 1);
+            sheet.barcodes.push_back(readJsonText(text, place.part("barcode " + number)));
+        });
+    };
+    const auto fields = [&](const Json& object, const JsonPlace&) {
+        if (!object.is_object())
+            place.part("fields").refuse("has to be an object");
+        for (const auto& [name, field] : object.items())
+            sheet.fields[name] = fieldFrom(field, place.part("field \"" + name + "\""));
+    };
+    readJsonObject(value, place,
+                   {{"side1", side(sheet.side1, "side1")},
+                    {"side2", side(sheet.side2, "side2")},
+                    {"barcodes", barcodes},
+                    {"fields", fields}});
     return sheet;
 }
 
@@ -139,22 +138,19 @@ SheetFeeder SheetFeeder::random(const SheetShape& shape, std::uint64_t seed, std
 
 SheetFeeder SheetFeeder::fromJson(std::string_view text)
 {
-    const Json sheets = parseJson(text);
-    if (!sheets.is_array())
-        throw std::runtime_error("sheets are an array of objects");
     SheetFeeder feeder;
-    for (const Json& sheet : sheets)
-        feeder.put(sheetFrom(sheet, "sheet " + std::to_string(feeder.remaining() + 1)));
+    readJsonArray(parseJson(text), {}, "sheet",
+                  [&](const Json& sheet, const JsonPlace& place) { feeder.put(sheetFrom(sheet, place)); });
     return feeder;
 }
 
 SheetFeeder SheetFeeder::fromFile(const std::filesystem::path& file)
 {
-    const std::string text = readWholeFile(file);
+    const std::string text = readWholeFile(file, "sheet file");
     try {
         return fromJson(text);
-    } catch (const std::runtime_error& error) {
-        throw std::runtime_error(file.string() + ": " + error.what());
+    } catch (const JsonRefusal& refusal) {
+        throw std::runtime_error(file.string() + ": " + refusal.what());
     }
 }
 

@@ -41,8 +41,8 @@ public:
     [[nodiscard]] static SheetFeeder random(const SheetShape& shape, std::uint64_t seed, std::uint64_t count);
 
     /// From JSON: an array of objects `{"side1":[[0,1]],"side2":[],"barcodes":["123"],"fields":{"Student ID":"77"}}`,
-    /// every member of which may be missing. Throws std::runtime_error whose text names the place: "sheet 2, side1,
-    /// row 3, column 1: ...".
+    /// every member of which may be missing. Throws JsonRefusal, whose text names the place: "sheet 2, side1, row 3,
+    /// column 1 ..."; from a file std::runtime_error, which names the file too.
     [[nodiscard]] static SheetFeeder fromJson(std::string_view text);
     [[nodiscard]] static SheetFeeder fromFile(const std::filesystem::path& file);
 

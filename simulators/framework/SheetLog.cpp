@@ -4,8 +4,6 @@
 
 namespace kel {
 
-using namespace json;
-
 const char* nameOf(SheetEvent event)
 {
     switch (event) {

@@ -3,130 +3,137 @@
 #include "simulators/framework/Json.h"
 #include "simulators/framework/SheetFeeder.h"
 
+#include <algorithm>
 #include <charconv>
 #include <limits>
 
 namespace kel {
 
-using namespace json;
-
 namespace {
 
-constexpr std::int64_t kLowest = std::numeric_limits<Int32>::min();
-constexpr std::int64_t kHighest = std::numeric_limits<Int32>::max();
+using Limits = std::numeric_limits<Int32>;
 
-Int32 number(const Json& value, const std::string& place, std::int64_t lowest = kLowest,
-             std::int64_t highest = kHighest)
+Int32 number(const Json& value, const JsonPlace& place)
 {
-    return static_cast<Int32>(wholeNumber(value, place, lowest, highest));
+    return readJsonLongNumber(value, place, Limits::min(), Limits::max());
 }
 
-bool truth(const Json& value, const std::string& place)
+/// The number of a call or a feed, from 1.
+Int32 ordinal(const Json& value, const JsonPlace& place)
 {
-    if (!value.is_boolean())
-        refuseJson(place, "is neither true nor false");
-    return value.get<bool>();
+    return readJsonLongNumber(value, place, 1, Limits::max());
 }
 
 /// A code of the library: a number, or its hexadecimal text.
-Int32 codeFrom(const Json& value, const std::string& place)
+Int32 codeFrom(const Json& value, const JsonPlace& place)
 {
     if (!value.is_string())
         return number(value, place);
-    const std::string text = textOf(value, place);
+    const std::string text = readJsonText(value, place);
     std::uint32_t code = 0;
     const char* const end = text.data() + text.size();
     const bool prefixed = text.size() > 2 && text.starts_with("0x");
     const auto parsed = prefixed ? std::from_chars(text.data() + 2, end, code, 16) : std::from_chars_result{};
     if (!prefixed || parsed.ptr != end || parsed.ec != std::errc())
-        refuseJson(place, value.dump() + " is no code such as \"0x40110000\"");
+        place.refuse("has to be a code such as \"0x40110000\" and is " + value.dump());
     return static_cast<Int32>(code);
 }
 
-void takePair(std::array<Int32, 2>& pair, const Json& value, const std::string& place)
+/// Reads a member of a record.
+template <class Value>
+JsonReader into(Value& target, Value (*read)(const Json&, const JsonPlace&))
 {
-    demandArray(value, place);
-    if (value.size() != 2)
-        refuseJson(place, "has not two values");
-    pair = {number(value[0], place), number(value[1], place)};
+    return [&target, read](const Json& value, const JsonPlace& place) { target = read(value, place); };
 }
 
-void demandMarks(const MarkRows& side, const std::string& place)
+JsonReader intoPair(std::array<Int32, 2>& pair)
+{
+    return [&pair](const Json& value, const JsonPlace& place) {
+        std::vector<Int32> values;
+        readJsonArray(value, place,
+                      [&](const Json& element, const JsonPlace& here) { values.push_back(number(element, here)); });
+        if (values.size() != pair.size())
+            place.refuse("has to have two values");
+        std::ranges::copy(values, pair.begin());
+    };
+}
+
+void demandMarks(const MarkRows& side, const JsonPlace& place)
 {
     if (side.size() > static_cast<std::size_t>(kOmrMostRows))
-        refuseJson(place, "has more than 200 rows");
+        place.refuse("has more than 200 rows");
     for (const std::vector<Int16>& row : side) {
         for (const Int16 mark : row) {
             if (mark < 0 || mark > 255)
-                refuseJson(place, std::to_string(mark) + " is no mark from 0 to 255");
+                place.refuse("has the mark " + std::to_string(mark) + ", and marks are 0 to 255");
         }
     }
 }
 
-std::vector<SimulatedSheet> sheetsFrom(const Json& value)
+std::vector<SimulatedSheet> sheetsFrom(const Json& value, const JsonPlace&)
 {
     SheetFeeder feeder = SheetFeeder::fromJson(value.dump());
     std::vector<SimulatedSheet> sheets;
     while (!feeder.empty()) {
         sheets.push_back(feeder.take());
-        const std::string place = "sheet " + std::to_string(sheets.size());
-        demandMarks(sheets.back().side1, place + ", side1");
-        demandMarks(sheets.back().side2, place + ", side2");
+        const JsonPlace place{"sheet " + std::to_string(sheets.size())};
+        demandMarks(sheets.back().side1, place.part("side1"));
+        demandMarks(sheets.back().side2, place.part("side2"));
     }
     return sheets;
 }
 
-/// A list of objects, each read by `read(object, place)`.
-template <class Item, class Read>
-std::vector<Item> listFrom(const Json& value, const std::string& name, Read&& read)
+/// A list of objects, each read by `read`.
+template <class Item>
+JsonReader intoList(std::vector<Item>& items, Item (*read)(const Json&, const JsonPlace&))
 {
-    demandArray(value, name);
-    std::vector<Item> items;
-    for (const Json& object : value)
-        items.push_back(read(object, name + " " + std::to_string(items.size() + 1)));
-    return items;
+    return [&items, read](const Json& value, const JsonPlace& place) {
+        readJsonArray(value, place,
+                      [&](const Json& object, const JsonPlace& here) { items.push_back(read(object, here)); });
+    };
 }
 
-OmrSimulationState::FeedCode feedCodeFrom(const Json& value, const std::string& place)
+OmrSimulationState::FeedCode feedCodeFrom(const Json& value, const JsonPlace& place)
 {
-    demandObject(value, place, {"feed", "code"});
+    OmrSimulationState::FeedCode entry;
+    readJsonObject(value, place, {{"feed", into(entry.feed, ordinal)}, {"code", into(entry.code, codeFrom)}});
     if (!value.contains("feed") || !value.contains("code"))
-        refuseJson(place, "needs feed and code");
-    return {number(value["feed"], place + ", feed", 1), codeFrom(value["code"], place + ", code")};
+        place.refuse("needs feed and code");
+    return entry;
 }
 
-OmrSimulationState::Refusal refusalFrom(const Json& value, const std::string& place)
+OmrSimulationState::Refusal refusalFrom(const Json& value, const JsonPlace& place)
 {
-    demandObject(value, place, {"function", "call", "result", "code"});
-    if (!value.contains("function"))
-        refuseJson(place, "needs a function");
     OmrSimulationState::Refusal refusal;
-    refusal.function = textOf(value["function"], place + ", function");
-    if (value.contains("call"))
-        refusal.call = number(value["call"], place + ", call", 1);
-    if (value.contains("result"))
-        refusal.result = number(value["result"], place + ", result");
-    if (value.contains("code"))
-        refusal.code = codeFrom(value["code"], place + ", code");
+    readJsonObject(value, place,
+                   {{"function", into(refusal.function, readJsonText)},
+                    {"call", into(refusal.call, ordinal)},
+                    {"result", into(refusal.result, number)},
+                    {"code", into(refusal.code, codeFrom)}});
+    if (!value.contains("function"))
+        place.refuse("needs a function");
     return refusal;
 }
 
 constexpr SheetEvent kEvents[] = {SheetEvent::Fed,     SheetEvent::Empty,    SheetEvent::Jammed,  SheetEvent::Read,
                                   SheetEvent::Printed, SheetEvent::Rejected, SheetEvent::Ejected, SheetEvent::Ended};
 
-SheetRecord recordFrom(const Json& value, const std::string& place)
+SheetRecord recordFrom(const Json& value, const JsonPlace& place)
 {
-    demandObject(value, place, {"event", "sheet", "text", "line", "position"});
     SheetRecord record;
-    const std::string event = textOf(value.at("event"), place);
-    for (const SheetEvent known : kEvents) {
-        if (event == nameOf(known))
-            record.event = known;
-    }
-    record.sheet = value.value("sheet", 0);
-    record.text = value.value("text", "");
-    record.line = value.value("line", 0);
-    record.position = value.value("position", 0);
+    const auto event = [&](const Json& name, const JsonPlace& here) {
+        const std::string text = readJsonText(name, here);
+        for (const SheetEvent known : kEvents) {
+            if (text == nameOf(known))
+                record.event = known;
+        }
+    };
+    readJsonObject(value, place,
+                   {{"event", event},
+                    {"sheet", into(record.sheet, number)},
+                    {"text", into(record.text, readJsonText)},
+                    {"line", into(record.line, number)},
+                    {"position", into(record.position, number)}});
     return record;
 }
 
@@ -160,31 +167,18 @@ std::string toJson(const OmrSimulationState& state)
 
 OmrSimulationState omrStateFromJson(std::string_view text)
 {
-    const Json object = parseJson(text);
-    demandObject(object, "state",
-                 {"sheets", "connected", "readingMethod", "columns", "feedMode", "barcodeUnit", "feedCodes", "refusals",
-                  "logFile"});
     OmrSimulationState state;
-    for (const auto& [name, value] : object.items()) {
-        if (name == "sheets")
-            state.sheets = sheetsFrom(value);
-        else if (name == "connected")
-            state.connected = truth(value, name);
-        else if (name == "readingMethod")
-            takePair(state.readingMethod, value, name);
-        else if (name == "columns")
-            state.columns = number(value, name);
-        else if (name == "feedMode")
-            takePair(state.feedMode, value, name);
-        else if (name == "barcodeUnit")
-            state.barcodeUnit = number(value, name);
-        else if (name == "feedCodes")
-            state.feedCodes = listFrom<OmrSimulationState::FeedCode>(value, name, feedCodeFrom);
-        else if (name == "refusals")
-            state.refusals = listFrom<OmrSimulationState::Refusal>(value, name, refusalFrom);
-        else
-            state.logFile = textOf(value, name);
-    }
+    readJsonObject(
+        parseJson(text), {},
+        {{"sheets", into(state.sheets, sheetsFrom)},
+         {"connected", into(state.connected, readJsonTruth)},
+         {"readingMethod", intoPair(state.readingMethod)},
+         {"columns", into(state.columns, number)},
+         {"feedMode", intoPair(state.feedMode)},
+         {"barcodeUnit", into(state.barcodeUnit, number)},
+         {"feedCodes", intoList(state.feedCodes, feedCodeFrom)},
+         {"refusals", intoList(state.refusals, refusalFrom)},
+         {"logFile", [&](const Json& file, const JsonPlace& place) { state.logFile = readJsonText(file, place); }}});
     return state;
 }
 
@@ -208,7 +202,7 @@ OmrSimulationReport omrReportFromJson(std::string_view text)
     OmrSimulationReport report;
     report.calls = object.at("calls").get<std::vector<std::string>>();
     report.faults = object.at("faults").get<std::vector<std::string>>();
-    report.log = listFrom<SheetRecord>(object.at("log"), "log", recordFrom);
+    intoList(report.log, recordFrom)(object.at("log"), {"log"});
     report.open = object.at("open").get<bool>();
     report.remaining = object.at("remaining").get<Int32>();
     report.printStrings = object.at("printStrings").get<std::array<std::string, 3>>();

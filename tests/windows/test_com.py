@@ -1,7 +1,9 @@
 """The COM server as its hosts see it: surface, events, sheets, script hosts, registration, lifetime."""
 
+import concurrent.futures
 import json
 import pathlib
+import queue
 import shutil
 import subprocess
 import tempfile
@@ -11,6 +13,7 @@ from harness import BIN, READER_PROGRAM, SimulatedReader, WindowsTest, environme
 
 EVENTS_PORT = 3
 SHEETS_PORT = 12
+RECORDS_PORT = 13
 EXAMPLES = pathlib.Path(__file__).resolve().parents[2] / "examples" / "windows"
 
 # A model of each serial family: its number, and rows and columns of its form where it has to be told.
@@ -52,6 +55,11 @@ class Clients(WindowsTest):
             self.run_program("com_events.exe", EVENTS_PORT)
         self.assertNotIn("fault", [event["event"] for event in reader.events])
 
+    def test_records(self):
+        with SimulatedReader(model=40, port=RECORDS_PORT, seed=5, count=4) as reader:
+            self.run_program("com_records.exe", RECORDS_PORT)
+        self.assertNotIn("fault", [event["event"] for event in reader.events])
+
     def test_lifetime(self):
         with SimulatedReader(model=21, port=SHEETS_PORT, count=1):
             print(self.run_program("com_lifetime.exe", SHEETS_PORT, timeout=100))
@@ -75,11 +83,6 @@ class Sheets(WindowsTest):
         self.run_program("regsvr32", "/s", "KELReader81U.dll")
         self.addCleanup(self.run_program, "regsvr32", "/s", "/u", "KELReader81U.dll")
 
-    def form(self, rows, columns):
-        file = self.folder / "form.json"
-        file.write_text(json.dumps({"side1Rows": [rows], "side1Cols": [columns]}))
-        return file
-
     def here(self, *arguments):
         answer = subprocess.run([READER_PROGRAM, "scan", *map(str, arguments)], stdout=subprocess.PIPE, text=True,
                                 check=True, timeout=30)
@@ -87,29 +90,50 @@ class Sheets(WindowsTest):
         return [line for event in events if event["event"] == "sheet" for line in printed(event)]
 
     def there(self, *arguments, **more):
-        output = self.run_program("ReadBatch.exe", *arguments, **more)
+        output = self.run_program(BIN / "ReadBatch.exe", *arguments, **more)
         return [line.rstrip() for line in output.splitlines()]
 
+    def read_on_both_sides(self, family, port):
+        """What the command and what a host reads of a family, and what the simulated reader has to say of the host."""
+        model, rows, columns = SERIAL_MODELS[family]
+        form = self.folder / f"{family}.json"
+        form.write_text(json.dumps({"side1Rows": [rows], "side1Cols": [columns]}))
+        expected = self.here("--model", model, "--simulate", "--seed", 7, "--count", SHEETS, "--rate", "unlimited",
+                             "--form", form, "--max-sheets", SHEETS)
+        with SimulatedReader(model, port=port, seed=7, count=SHEETS, form=form) as reader:
+            read = self.there(model, port, SHEETS, rows, columns)
+        return expected, read, [event["event"] for event in reader.events]
+
     def test_serial_families(self):
-        for family, (model, rows, columns) in SERIAL_MODELS.items():
+        ports = queue.SimpleQueue()
+        for port in (EVENTS_PORT, SHEETS_PORT, RECORDS_PORT):
+            ports.put(port)
+
+        def read(family):
+            port = ports.get()
+            try:
+                return self.read_on_both_sides(family, port)
+            finally:
+                ports.put(port)
+
+        with concurrent.futures.ThreadPoolExecutor(3) as readers:
+            done = {family: readers.submit(read, family) for family in SERIAL_MODELS}
+        for family, outcome in done.items():
             with self.subTest(family):
-                form = self.form(rows, columns)
-                expected = self.here("--model", model, "--simulate", "--seed", 7, "--count", SHEETS, "--rate", "unlimited",
-                                     "--form", form, "--max-sheets", SHEETS)
-                with SimulatedReader(model, port=SHEETS_PORT, seed=7, count=SHEETS, form=form) as reader:
-                    read = self.there(model, SHEETS_PORT, SHEETS, rows, columns)
-                self.assertEqual(read, expected)
+                expected, sheets, events = outcome.result()
+                self.assertEqual(sheets, expected)
                 self.assertGreater(len(expected), SHEETS)
-                self.assertNotIn("fault", [event["event"] for event in reader.events])
+                self.assertNotIn("fault", events)
 
     def test_usb_family(self):
         sheets = self.folder / "sheets.json"
         marks = [[0] * 48 for _ in range(20)]
         marks[4][6] = marks[19][47] = 12
-        sheets.write_text(json.dumps([{"side1": marks}]))
-        read = self.there(30, 1, 1, 20, 48, cwd=BIN / "omrapi",
+        sheets.write_text(json.dumps({"sheets": [{"side1": marks}] * SHEETS}))
+        read = self.there(30, 1, SHEETS, 20, 48, cwd=BIN / "omrapi",
                           env=environment(KEL_OMRAPI_SIMULATION=windows_path(sheets)))
-        print(read)
+        self.assertEqual(read, ["Sheet 1", "  row 5, column 7: 12", "  row 20, column 48: 12",
+                                "Sheet 2", "  row 5, column 7: 12", "  row 20, column 48: 12"])
 
     def test_script_hosts(self):
         for script in ("ReadSheets.vbs", "ReadSheets.js"):

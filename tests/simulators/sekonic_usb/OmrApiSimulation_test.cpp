@@ -412,7 +412,8 @@ TEST(OmrSimulationEnvironment, NamesTheStateOfALibraryThatNobodyHasSetUp)
     loader.libraryFile(folder.path() / "other.so");
     testing::internal::CaptureStderr();
     EXPECT_NE(loader.omrApi().OMR_OpenDeviceUSB(), 0);
-    EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("state.json: columns: \"many\" is no whole number"));
+    EXPECT_THAT(testing::internal::GetCapturedStderr(),
+                HasSubstr("state.json: columns has to be a whole number and is a text"));
     ::unsetenv("KEL_OMRAPI_SIMULATION");
 }
 
@@ -445,18 +446,19 @@ TEST(OmrSimulationState, TellsWhereAMistakeIs)
     const struct {
         const char *json, *message;
     } rows[] = {
-        {"[]", "state: is no object"},
-        {R"({"colums":48})", "state: unknown member \"colums\""},
-        {R"({"columns":"48"})", "columns: \"48\" is no whole number"},
-        {R"({"connected":1})", "connected: is neither true nor false"},
-        {R"({"readingMethod":[1]})", "readingMethod: has not two values"},
-        {R"({"feedCodes":[{"feed":1}]})", "feedCodes 1: needs feed and code"},
-        {R"({"feedCodes":[{"feed":0,"code":1}]})", "feedCodes 1, feed: 0 is no whole number"},
-        {R"({"feedCodes":[{"feed":1,"code":"40110000"}]})", "feedCodes 1, code: \"40110000\" is no code"},
-        {R"({"feedCodes":[{"feed":1,"code":"0x"}]})", "feedCodes 1, code: \"0x\" is no code"},
-        {R"({"feedCodes":[{"feed":1,"code":"0x1FFFFFFFF"}]})", "feedCodes 1, code: \"0x1FFFFFFFF\" is no code"},
-        {R"({"refusals":[{"call":1}]})", "refusals 1: needs a function"},
-        {R"({"sheets":[{},{"side2":[[0],[-1]]}]})", "sheet 2, side2: -1 is no mark from 0 to 255"},
+        {"[]", "the text has to be an object and is an array"},
+        {R"({"colums":48})", "the text has a key \"colums\" that is not known; there are sheets, connected, "},
+        {R"({"columns":"48"})", "columns has to be a whole number and is a text"},
+        {R"({"connected":1})", "connected has to be true or false and is a number"},
+        {R"({"readingMethod":[1]})", "readingMethod has to have two values"},
+        {R"({"feedCodes":[{"feed":1}]})", "feedCodes[0] needs feed and code"},
+        {R"({"feedCodes":[{"feed":0,"code":1}]})", "feedCodes[0].feed has to be a whole number from 1 to "},
+        {R"({"feedCodes":[{"feed":1,"code":"40110000"}]})",
+         "feedCodes[0].code has to be a code such as \"0x40110000\" and is \"40110000\""},
+        {R"({"feedCodes":[{"feed":1,"code":"0x"}]})", "feedCodes[0].code has to be a code"},
+        {R"({"feedCodes":[{"feed":1,"code":"0x1FFFFFFFF"}]})", "feedCodes[0].code has to be a code"},
+        {R"({"refusals":[{"call":1}]})", "refusals[0] needs a function"},
+        {R"({"sheets":[{},{"side2":[[0],[-1]]}]})", "sheet 2, side2 has the mark -1, and marks are 0 to 255"},
     };
     for (const auto& row : rows) {
         try {
