@@ -34,7 +34,7 @@ GOALS = [
     ("Advantage 1200 line, 50 answers", "Decode_Advantage1200Line", "time_ns", 1e-3, "us", None, None),
     ("Advantage Link block, 50 rows", "Decode_AdvantageLinkBlock", "time_ns", 1e-3, "us", None, None),
     ("GradeMaster block, 100 rows", "Decode_GradeMasterBlock", "time_ns", 1e-3, "us", None, None),
-    ("USB side of 9,600 cells", "Decode_SekonicUsbSide", "time_ns", 1e-3, "us", "< 20", None),
+    ("USB side of 9,600 cells", "Decode_SekonicUsbSide", "cpu_ns", 1e-3, "us", "< 20", None),
     ("a guarded call", "Guarded_Call", "time_ns", 1, "ns", None, "Guarded_NoTrap"),
     ("a guarded call with variables", "Guarded_CallWithVariables", "time_ns", 1, "ns", None, "Guarded_NoTrap"),
     ("options window, 16 absent ports", "Options_Show", "time_ns", 1e-6, "ms", "< 300", None),
@@ -52,6 +52,8 @@ def figure(results, name, counter):
         return None
     if counter == "time_ns":
         return found["real_time"] * NANOSECONDS[found["time_unit"]]
+    if counter == "cpu_ns":
+        return found["cpu_time"] * NANOSECONDS[found["time_unit"]]
     return found.get(counter)
 
 
