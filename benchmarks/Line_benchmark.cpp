@@ -124,7 +124,7 @@ void readBursts()
         while (!begun)
             std::this_thread::yield();
         for (int i = 0; i < kBursts; ++i) {
-            std::this_thread::sleep_for(milliseconds(4));
+            std::this_thread::sleep_for(std::chrono::milliseconds(4));
             if (pty.write("123456789012345") != 15)
                 return;
         }

@@ -14,7 +14,6 @@ namespace kel {
 using Clock = std::chrono::steady_clock;
 using std::chrono::duration;
 using std::chrono::microseconds;
-using std::chrono::milliseconds;
 
 inline constexpr int kRows = 60;
 inline constexpr int kPageBytes = 2 * kRows + 2;

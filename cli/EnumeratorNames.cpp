@@ -57,6 +57,7 @@ constexpr Enumerator kReaderTypes[] = {
     KEL_ENUMERATOR(kelReaderTypeAppersonAdvantage1200),
     KEL_ENUMERATOR(kelReaderTypeChatsworthACP200),
 };
+static_assert(std::size(kReaderTypes) == kReaderTypeCount, "a model has no name");
 
 constexpr Enumerator kBaudRates[] = {
     KEL_ENUMERATOR(kelReaderBaudRate110),    KEL_ENUMERATOR(kelReaderBaudRate300),

@@ -177,6 +177,7 @@ constexpr ModelRow kModelRows[] = {
     {kelReaderTypeAppersonBenchMark3000, &kApperson},
     {kelReaderTypeAppersonAdvantage1200, &kApperson},
 };
+static_assert(std::size(kModelRows) == kReaderTypeCount - 1, "a model has no driver");
 
 } // namespace
 

@@ -3,6 +3,7 @@
 #include "failure/guarded.h"
 #include "strings/VBLMRTSModule.h"
 
+#include <algorithm>
 #include <array>
 
 namespace kel {
@@ -10,7 +11,7 @@ namespace kel {
 namespace {
 
 // By model number. Some names differ from the enumerators on purpose: the makers were sold and renamed.
-constexpr std::array<const char*, 42> kReaderNames = {
+constexpr std::array<const char*, kReaderTypeCount> kReaderNames = {
     nullptr,                             // kelReaderTypeNone: from the language database
     "Apperson Advantage Link",           // 1 kelReaderTypeAppersonAdvantageLink
     "Scantron OpScan 2",                 // 2 kelReaderTypeNCSOpScan2
@@ -54,6 +55,9 @@ constexpr std::array<const char*, 42> kReaderNames = {
     "Apperson Advantage 1200",           // 40 kelReaderTypeAppersonAdvantage1200
     "Chatsworth Data ACP-200",           // 41 kelReaderTypeChatsworthACP200
 };
+
+static_assert(std::find(kReaderNames.begin() + 1, kReaderNames.end(), nullptr) == kReaderNames.end(),
+              "a model has no name");
 
 constexpr TextNumber kNoReader = 372;
 

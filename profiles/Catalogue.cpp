@@ -144,12 +144,11 @@ constexpr std::array<CatalogueGroup, 5> kCatalogue = {{
 /// Whether every model from 1 to the last one stands in the catalogue, and stands there once.
 consteval bool isComplete()
 {
-    constexpr std::size_t kLast = kelReaderTypeChatsworthACP200;
-    std::array<int, kLast + 1> found{};
+    std::array<int, kReaderTypeCount> found{};
     for (const CatalogueGroup& group : kCatalogue)
         for (const CatalogueModel& model : group.Models)
             ++found.at(static_cast<std::size_t>(model.ReaderType));
-    return std::count(found.begin() + 1, found.end(), 1) == kLast && found[kelReaderTypeNone] == 0;
+    return std::count(found.begin() + 1, found.end(), 1) == kReaderTypeCount - 1 && found[kelReaderTypeNone] == 0;
 }
 
 static_assert(isComplete());

@@ -98,6 +98,7 @@ constexpr ImprintModel kImprintModels[] = {
     {kelReaderTypeAppersonAdvantage1200, NotConcerned, 0, -1, -1, -1},
     {kelReaderTypeChatsworthACP200, None, 0, -1, -1, -1},
 };
+static_assert(std::size(kImprintModels) == kReaderTypeCount, "a model has no row");
 
 constexpr Int16 kThreeLineDistance = 245;
 

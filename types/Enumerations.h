@@ -50,6 +50,10 @@ enum kelReaderType : std::int32_t {
     kelReaderTypeChatsworthACP200 = 41,
 };
 
+/// How many reader models there are, `kelReaderTypeNone` counted: one more than the last of them. The tables of models
+/// do not compile with another number of rows.
+inline constexpr std::int32_t kReaderTypeCount = kelReaderTypeChatsworthACP200 + 1;
+
 /// Makers, as bit flags: the filter of the model catalogue.
 enum kelProfileType : std::int32_t {
     kelProfileTypeNone = 0,
