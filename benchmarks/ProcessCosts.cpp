@@ -7,6 +7,8 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <fstream>
+#include <string>
 
 namespace kel {
 
@@ -48,6 +50,24 @@ int countSystemCalls(void (*session)())
         }
         entering = !entering;
     }
+}
+
+double peakMegabytesAtEnd(pid_t child)
+{
+    int status = 0;
+    waitpid(child, &status, 0); // stopped by exec
+    ptrace(PTRACE_SETOPTIONS, child, nullptr, PTRACE_O_TRACEEXIT);
+    ptrace(PTRACE_CONT, child, nullptr, nullptr);
+    waitpid(child, &status, 0); // stopped at its end
+    std::ifstream facts("/proc/" + std::to_string(child) + "/status");
+    double kilobytes = 0;
+    for (std::string word; facts >> word;) {
+        if (word == "VmHWM:")
+            facts >> kilobytes;
+    }
+    ptrace(PTRACE_CONT, child, nullptr, nullptr);
+    waitpid(child, &status, 0);
+    return WIFEXITED(status) && WEXITSTATUS(status) == 0 ? kilobytes / 1024 : -1;
 }
 
 } // namespace kel

@@ -1,5 +1,6 @@
 // The component's own cost: a session on a line in memory, a text, the command.
 
+#include "benchmarks/ProcessCosts.h"
 #include "platform/simulated/SimulatedPlatform.h"
 #include "reader/clsKELReader.h"
 #include "simulators/SimulatorTable.h"
@@ -7,7 +8,7 @@
 
 #include <benchmark/benchmark.h>
 
-#include <sys/resource.h>
+#include <sys/ptrace.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -62,29 +63,34 @@ void Stack_TextLookUp(benchmark::State& state)
 }
 BENCHMARK(Stack_TextLookUp);
 
+/// Starts `kelreader models`, which lies beside this program.
+pid_t startModels(bool traced)
+{
+    const pid_t child = fork();
+    if (child == 0) {
+        std::string program(4096, '\0');
+        const ssize_t length = readlink("/proc/self/exe", program.data(), program.size());
+        program.resize(length > 0 ? static_cast<std::size_t>(length) : 0);
+        program = program.substr(0, program.rfind('/')) + "/kelreader";
+        if (!freopen("/dev/null", "w", stdout))
+            _exit(1);
+        if (traced)
+            ptrace(PTRACE_TRACEME, 0, nullptr, nullptr);
+        execl(program.c_str(), program.c_str(), "models", static_cast<char*>(nullptr));
+        _exit(1);
+    }
+    return child;
+}
+
 void Command_Models(benchmark::State& state)
 {
-    double megabytes = 0;
     for (auto _ : state) {
-        const pid_t child = fork();
-        if (child == 0) {
-            std::string program(4096, '\0');
-            const ssize_t length = readlink("/proc/self/exe", program.data(), program.size());
-            program.resize(length > 0 ? static_cast<std::size_t>(length) : 0);
-            program = program.substr(0, program.rfind('/')) + "/kelreader";
-            if (!freopen("/dev/null", "w", stdout))
-                _exit(1);
-            execl(program.c_str(), program.c_str(), "models", static_cast<char*>(nullptr));
-            _exit(1);
-        }
         int status = 0;
-        rusage usage{};
-        wait4(child, &status, 0, &usage);
+        waitpid(startModels(false), &status, 0);
         if (status != 0)
             state.SkipWithError("kelreader models failed");
-        megabytes = static_cast<double>(usage.ru_maxrss) / 1024;
     }
-    state.counters["MB"] = megabytes;
+    state.counters["MB"] = peakMegabytesAtEnd(startModels(true));
 }
 BENCHMARK(Command_Models)->Unit(benchmark::kMillisecond)->UseRealTime();
 

@@ -75,11 +75,13 @@ public:
     {
         if (visible_)
             Hide();
-        loaded_ = false;
+        if (std::exchange(loaded_, false) && onUnload)
+            onUnload();
     }
 
-    std::function<void()> onLoad; ///< the form's own
-    std::function<void()> onHide; ///< the view's: the form has been hidden
+    std::function<void()> onLoad;   ///< the form's own
+    std::function<void()> onUnload; ///< the form's own
+    std::function<void()> onHide;   ///< the view's: the form has been hidden
 
 protected:
     Form() = default;

@@ -41,7 +41,7 @@ private:
 double ControlTextWidth(Form& oForm, const Control& oControl)
 {
     double dWidth = 0;
-    guarded("KELReader81 - basPublic.ControlTextWidth", [&] {
+    guarded("KELReader81 - basPublic.ControlTextWidth", KEL_PARAMETERS(oForm, oControl) + KEL_LOCALS(dWidth), [&] {
         const FontLoan loan(oForm, oControl.Font());
         if (isOneOf(oControl.TypeName(), {"Label", "CheckBox", "OptionButton", "PowerButton", "Frame"}))
             dWidth = oForm.TextWidth(shownCaption(oControl.Caption()));
@@ -51,7 +51,7 @@ double ControlTextWidth(Form& oForm, const Control& oControl)
 
 void ControlAutoSize(Form& oForm, const ControlList& vControlList)
 {
-    guarded("KELReader81 - basPublic.ControlAutoSize", [&] {
+    guarded("KELReader81 - basPublic.ControlAutoSize", KEL_PARAMETERS(oForm, vControlList), [&] {
         for (Control* const control : vControlList) {
             if (control->TypeName() == "Label")
                 control->Width(ControlTextWidth(oForm, *control));
@@ -64,7 +64,15 @@ void ControlAutoSize(Form& oForm, const ControlList& vControlList)
 void ControlPositionRight(Form& oForm, Control& oLeftCtrl, Control& oRightCtrl, const ControlList* vRightControls,
                           Boolean bSameWidth, Int32 lSpaceBetween, Boolean bOnlyMoveRight)
 {
-    guarded("KELReader81 - basPublic.ControlPositionRight", [&] {
+    Int32 lDistance = 0;
+    const auto variables =
+        parametersFrom([&](VariableLines& lines) {
+            lines.add("oForm, oLeftCtrl, oRightCtrl", oForm, oLeftCtrl, oRightCtrl);
+            lines.add("vRightControls", vRightControls ? toVariant(*vRightControls) : Variant(MissingValue{}));
+            lines.add("bSameWidth, lSpaceBetween, bOnlyMoveRight", bSameWidth, lSpaceBetween, bOnlyMoveRight);
+        }) +
+        KEL_LOCALS(lDistance);
+    guarded("KELReader81 - basPublic.ControlPositionRight", variables, [&] {
         double width = 0;
         if (oLeftCtrl.TypeName() == "Frame") {
             width = ControlTextWidth(oForm, oLeftCtrl) + kFrameTitleMargin;
@@ -72,7 +80,7 @@ void ControlPositionRight(Form& oForm, Control& oLeftCtrl, Control& oRightCtrl, 
             ControlAutoSize(oForm, {&oLeftCtrl});
             width = oLeftCtrl.Width();
         }
-        const Int32 lDistance = CLng(oLeftCtrl.Left() + width + lSpaceBetween - oRightCtrl.Left());
+        lDistance = CLng(oLeftCtrl.Left() + width + lSpaceBetween - oRightCtrl.Left());
         if (bOnlyMoveRight && lDistance < 1)
             return;
         oRightCtrl.Left(oRightCtrl.Left() + lDistance);
@@ -90,17 +98,18 @@ void ControlPositionRight(Form& oForm, Control& oLeftCtrl, Control& oRightCtrl, 
 
 void ControlAlignLeft(const ControlList& vControlList, Boolean bSameWidth)
 {
-    guarded("KELReader81 - basPublic.ControlAlignLeft", [&] {
-        double lRightMost = 0;
-        for (const Control* const control : vControlList)
-            lRightMost = std::max(lRightMost, control->Left());
-        for (Control* const control : vControlList) {
-            const double moved = lRightMost - control->Left();
-            control->Left(lRightMost);
-            if (bSameWidth)
-                control->Width(control->Width() - moved);
-        }
-    });
+    double lRightMost = 0;
+    guarded("KELReader81 - basPublic.ControlAlignLeft",
+            KEL_PARAMETERS(vControlList, bSameWidth) + KEL_LOCALS(lRightMost), [&] {
+                for (const Control* const control : vControlList)
+                    lRightMost = std::max(lRightMost, control->Left());
+                for (Control* const control : vControlList) {
+                    const double moved = lRightMost - control->Left();
+                    control->Left(lRightMost);
+                    if (bSameWidth)
+                        control->Width(control->Width() - moved);
+                }
+            });
 }
 
 } // namespace kel

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "failure/guarded.h"
+#include "options/ControlValues.h"
 #include "options/Form.h"
 
 #include <memory>
@@ -31,7 +32,7 @@ void ControlAlignLeft(const ControlList& vControlList, Boolean bSameWidth);
 template <class AnyForm>
 void UnloadForm(std::shared_ptr<AnyForm>& oFormObject)
 {
-    guarded("KELReader81 - basPublic.UnloadForm", [&] {
+    guarded("KELReader81 - basPublic.UnloadForm", KEL_PARAMETERS(oFormObject), [&] {
         if (!oFormObject)
             return;
         oFormObject->Unload();

@@ -1,5 +1,6 @@
 #include "options/frmOptions.h"
 
+#include "failure/ObjectLife.h"
 #include "failure/basError.h"
 #include "failure/guarded.h"
 #include "options/basPublic.h"
@@ -33,7 +34,7 @@ frmOptions::~frmOptions() = default;
 Boolean frmOptions::SetReader(clsKELReader& oReader)
 {
     Boolean bResult = False;
-    guarded("KELReader81 - frmOptions.SetReader", [&] {
+    guarded("KELReader81 - frmOptions.SetReader", KEL_PARAMETERS(oReader) + moduleOf(*this), [&] {
         cReaderOptions_ = &oReader;
         bResult = cReaderOptions_ != nullptr;
     });
@@ -50,6 +51,7 @@ clsKELReader& frmOptions::reader() const
 void frmOptions::connectEvents()
 {
     onLoad = [this] { Form_Load(); };
+    onUnload = [this] { life_.reset(); };
     cboReaderType.onSelChangeEx = [this](Int32 before, Int32 now) { cboReaderType_SelChangeEx(before, now); };
     chkReaderGrade.onClick = [this] { chkReaderGrade_Click(); };
     cmdOK.onClick = [this] { cmdOK_Click(); };
@@ -77,23 +79,29 @@ void frmOptions::connectEvents()
 void frmOptions::connectField(PowerEdit& field, const char* gotFocusSource, const char* validateSource,
                               const char* validationErrorSource)
 {
-    field.onGotFocus = [&field, gotFocusSource] { guarded(gotFocusSource, [&] { field.SelectRange(0, -1); }); };
-    field.onValidate = [&field, validateSource] { guarded(validateSource, [&] { ValidateSpinValue(field, False); }); };
-    field.onValidationError = [&field, validationErrorSource] {
-        guarded(validationErrorSource, [&] { ValidateSpinValue(field, False); });
+    field.onGotFocus = [this, &field, gotFocusSource] {
+        guarded(gotFocusSource, moduleOf(*this), [&] { field.SelectRange(0, -1); });
+    };
+    field.onValidate = [this, &field, validateSource] {
+        guarded(validateSource, moduleOf(*this), [&] { ValidateSpinValue(field, False); });
+    };
+    field.onValidationError = [this, &field, validationErrorSource] {
+        guarded(validationErrorSource, moduleOf(*this), [&] { ValidateSpinValue(field, False); });
     };
 }
 
 void frmOptions::filterKeys(PowerEdit& field, const char* source)
 {
-    field.onKeyPress = [source](Int16& KeyAscii) {
-        guarded(source, [&] { KeyAscii = ValidKeyPress(KeyAscii, kValidKeysNumbers, False, False, False); });
+    field.onKeyPress = [this, source](Int16& KeyAscii) {
+        guarded(source, KEL_PARAMETERS(KeyAscii) + moduleOf(*this),
+                [&] { KeyAscii = ValidKeyPress(KeyAscii, kValidKeysNumbers, False, False, False); });
     };
 }
 
 void frmOptions::Form_Load()
 {
-    guarded("KELReader81 - frmOptions.Form_Load", [&] {
+    life_ = std::make_unique<ObjectLife>("frmOptions,3");
+    guarded("KELReader81 - frmOptions.Form_Load", moduleOf(*this), [&] {
         VBLM_SetProperties();
         if (const auto oError = errorObject())
             oError->SetFont(Window());
@@ -141,7 +149,7 @@ void frmOptions::VBLM_SetProperties()
 void frmOptions::RepositionControls()
 {
     // The source bears the name that the form once had.
-    guarded("KELReader81 - frmPreferences.RepositionControls", [&] {
+    guarded("KELReader81 - frmPreferences.RepositionControls", moduleOf(*this), [&] {
         const auto putRight = [this](Label& label, Control& field) {
             ControlPositionRight(*this, label, field, nullptr, True, kLabelGap, False);
         };

@@ -9,8 +9,11 @@
 
 namespace kel {
 
+class ObjectLife;
 class SerialControl;
 class clsKELReader;
+template <class Object>
+class StatedModule;
 
 /// The options dialog without a toolkit: the user chooses a model and adjusts its settings.
 ///
@@ -30,6 +33,9 @@ class clsKELReader;
 /// Any of these may change any control, so the view then shows all of them anew.
 class KEL_PUBLIC frmOptions final : public Form {
 public:
+    /// The class's name, as dumps of variables tell it.
+    static constexpr const char* kClassName = "frmOptions";
+
     frmOptions();
     ~frmOptions() override;
 
@@ -164,6 +170,10 @@ public:
     [[nodiscard]] Int16 iReaderIndex() const { return iReaderIndex_; }
 
 private:
+    template <class Object>
+    friend class StatedModule;
+
+    [[nodiscard]] std::string dumpMembers() const;
     static void undecided();
     void connectEvents();
     void connectField(PowerEdit& field, const char* gotFocusSource, const char* validateSource,
@@ -171,9 +181,10 @@ private:
     void filterKeys(PowerEdit& field, const char* source);
     void placeControls();
     void fillLineLists();
-    [[nodiscard]] bool locateWithDialogValues();
+    [[nodiscard]] bool locateWithDialogValues(Int16& iStartPort, Int16& iPortLocated);
     [[nodiscard]] clsKELReader& reader() const;
 
+    std::unique_ptr<ObjectLife> life_; // from loading to unloading
     Int16 iReaderIndex_ = 0;
     clsKELReader* cReaderOptions_ = nullptr;
     bool bLoadingValues_ = false;

@@ -12,14 +12,24 @@ namespace kel {
 
 namespace {
 
-/// The settings that a search borrows. They stand again at the latest when this ends.
+/// The reader's own settings while a search uses others.
+struct OwnSettings {
+    Int16 iPort = 0;
+    kelReaderType eReaderType = kelReaderTypeNone;
+    kelReaderFlowControl iFlowControl{};
+    kelReaderBaudRate lBaudRate{};
+    std::string sParity;
+    kelReaderDataBits iDataBits{};
+    float sngStopBits = 0;
+};
+
+/// Borrows a reader's settings for a search. They stand again at the latest when this ends.
 class BorrowedSettings {
 public:
-    explicit BorrowedSettings(clsKELReader& reader)
-        : reader_(reader), iPort_(reader.Port()), eReaderType_(reader.ReaderType()),
-          iFlowControl_(reader.FlowControl()), lBaudRate_(reader.BaudRate()), sParity_(reader.Parity()),
-          iDataBits_(reader.DataBits()), sngStopBits_(reader.StopBits())
+    BorrowedSettings(clsKELReader& reader, OwnSettings& own) : reader_(reader), own_(own)
     {
+        own = {reader.Port(),   reader.ReaderType(), reader.FlowControl(), reader.BaudRate(),
+               reader.Parity(), reader.DataBits(),   reader.StopBits()};
     }
     ~BorrowedSettings() { restore(); }
     BorrowedSettings(const BorrowedSettings&) = delete;
@@ -27,29 +37,23 @@ public:
 
     void restore() const
     {
-        reader_.Port(iPort_);
-        reader_.ReaderType(eReaderType_);
-        reader_.FlowControl(iFlowControl_);
-        reader_.BaudRate(lBaudRate_);
-        reader_.Parity(sParity_);
-        reader_.DataBits(iDataBits_);
-        reader_.StopBits(sngStopBits_);
+        reader_.Port(own_.iPort);
+        reader_.ReaderType(own_.eReaderType);
+        reader_.FlowControl(own_.iFlowControl);
+        reader_.BaudRate(own_.lBaudRate);
+        reader_.Parity(own_.sParity);
+        reader_.DataBits(own_.iDataBits);
+        reader_.StopBits(own_.sngStopBits);
     }
 
 private:
     clsKELReader& reader_;
-    Int16 iPort_;
-    kelReaderType eReaderType_;
-    kelReaderFlowControl iFlowControl_;
-    kelReaderBaudRate lBaudRate_;
-    std::string sParity_;
-    kelReaderDataBits iDataBits_;
-    float sngStopBits_;
+    const OwnSettings& own_;
 };
 
 } // namespace
 
-bool frmOptions::locateWithDialogValues()
+bool frmOptions::locateWithDialogValues(Int16& iStartPort, Int16& iPortLocated)
 {
     reader().ReaderType(static_cast<kelReaderType>(integerOf(selectedValue(cboReaderType))));
     reader().FlowControl(static_cast<kelReaderFlowControl>(integerOf(selectedValue(cboFlowControl))));
@@ -59,28 +63,36 @@ bool frmOptions::locateWithDialogValues()
     reader().DataBits(static_cast<kelReaderDataBits>(integerOf(cboDataBits.Text())));
     reader().Parity(selectedValue(cboParity));
     // Without a port in the list the search begins at port 1.
-    const Int16 iStartPort = CInt(Val(cboPort.CellText(0, 0)));
+    iStartPort = CInt(Val(cboPort.CellText(0, 0)));
     if (!reader().Locate(iStartPort))
         return false;
-    const Int16 iPortLocated = reader().Port();
+    iPortLocated = reader().Port();
     selectText(cboPort, CStr(iPortLocated), 0);
     return cboPort.CurrentRow() != -1;
 }
 
 void frmOptions::cmdLocate_Click()
 {
-    guarded("KELReader81 - frmOptions.cmdLocate_Click", [&] {
+    OwnSettings own;
+    Int16 iStartPort = 0;
+    Int16 iPortLocated = 0;
+    const auto locals = localsFrom([&](VariableLines& lines) {
+        lines.add("iPort, eReaderType, iFlowControl, lBaudRate, sParity, iDataBits, sngStopBits", own.iPort,
+                  own.eReaderType, own.iFlowControl, own.lBaudRate, own.sParity, own.iDataBits, own.sngStopBits);
+        lines.add("iStartPort, iPortLocated", iStartPort, iPortLocated);
+    });
+    guarded("KELReader81 - frmOptions.cmdLocate_Click", locals + moduleOf(*this), [&] {
         if (cboReaderType.CurrentRow() == -1)
             return;
         Screen& screen = platform().screen();
         screen.MousePointer(kMousePointerHourglass);
-        const BorrowedSettings own(reader());
-        if (locateWithDialogValues()) {
+        const BorrowedSettings borrowed(reader(), own);
+        if (locateWithDialogValues(iStartPort, iPortLocated)) {
             screen.MsgBox(VBLM_RTString(TextNumber(160)) + cboPort.Text(), BoxIcon::Information, BoxButtons::Ok,
                           VBLM_RTString(TextNumber(162)));
-            own.restore();
+            borrowed.restore();
         } else {
-            own.restore();
+            borrowed.restore();
             screen.MsgBox(VBLM_RTString(TextNumber(164)), BoxIcon::Exclamation, BoxButtons::Ok,
                           VBLM_RTString(TextNumber(166)));
         }

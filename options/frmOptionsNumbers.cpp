@@ -3,6 +3,7 @@
 #include "options/frmOptions.h"
 
 #include "failure/guarded.h"
+#include "options/ControlValues.h"
 #include "platform/Platform.h"
 #include "types/Text.h"
 
@@ -45,7 +46,7 @@ bool cutFraction(PowerEdit& txtEdit)
 
 void frmOptions::SetSpinMinMax(PowerEdit& txtSpin, Int32 lMinValue, Int32 lMaxValue)
 {
-    guarded("KELReader81 - frmOptions.SetSpinMinMax", [&] {
+    guarded("KELReader81 - frmOptions.SetSpinMinMax", KEL_PARAMETERS(txtSpin, lMinValue, lMaxValue), [&] {
         if (lMinValue < txtSpin.Maximum()) {
             txtSpin.Minimum(lMinValue);
             txtSpin.Maximum(std::max(lMaxValue, lMinValue));
@@ -58,8 +59,9 @@ void frmOptions::SetSpinMinMax(PowerEdit& txtSpin, Int32 lMinValue, Int32 lMaxVa
 
 void frmOptions::ValidateSpinValue(PowerEdit& txtEdit, Boolean bQuiet)
 {
-    guarded("KELReader81 - frmOptions.ValidateSpinValue", [&] {
-        const double dValue = CVal(txtEdit.Text());
+    double dValue = 0;
+    guarded("KELReader81 - frmOptions.ValidateSpinValue", KEL_PARAMETERS(txtEdit, bQuiet) + KEL_LOCALS(dValue), [&] {
+        dValue = CVal(txtEdit.Text());
         txtEdit.Text(CStr(dValue));
         if (dValue < txtEdit.Minimum()) {
             txtEdit.Text(CStr(txtEdit.Minimum()));

@@ -62,9 +62,11 @@ void setState(CheckBox& box, Boolean value, Boolean enabled, Boolean visible)
 
 } // namespace
 
-void frmOptions::cboReaderType_SelChangeEx(Int32, Int32 CurrentRowNum)
+void frmOptions::cboReaderType_SelChangeEx(Int32 PreviousRowNum, Int32 CurrentRowNum)
 {
-    guarded("KELReader81 - frmOptions.cboReaderType_SelChangeEx", [&] {
+    Int32 eReaderType = kelReaderTypeNone;
+    const auto variables = KEL_PARAMETERS(PreviousRowNum, CurrentRowNum) + KEL_LOCALS(eReaderType) + moduleOf(*this);
+    guarded("KELReader81 - frmOptions.cboReaderType_SelChangeEx", variables, [&] {
         struct Loading {
             explicit Loading(bool& flag) : flag_(flag) { flag_ = true; }
             ~Loading() { flag_ = false; }
@@ -73,7 +75,7 @@ void frmOptions::cboReaderType_SelChangeEx(Int32, Int32 CurrentRowNum)
 
         frmComPort.Visible(CurrentRowNum > 0);
         frmReader.Visible(CurrentRowNum > 0);
-        const Int32 eReaderType = integerOf(cboReaderType.CellText(1, CurrentRowNum));
+        eReaderType = integerOf(cboReaderType.CellText(1, CurrentRowNum));
         cmdDefaults.Enabled(eReaderType != kelReaderTypeNone);
         const auto profile = [this, eReaderType] { return reader().Profiles()->Item(CStr(eReaderType)); };
 
@@ -143,10 +145,11 @@ void frmOptions::cboReaderType_SelChangeEx(Int32, Int32 CurrentRowNum)
 
 void frmOptions::chkReaderGrade_Click()
 {
-    guarded("KELReader81 - frmOptions.chkReaderGrade_Click", [&] {
+    Boolean bEnabled = False;
+    guarded("KELReader81 - frmOptions.chkReaderGrade_Click", KEL_LOCALS(bEnabled) + moduleOf(*this), [&] {
         if (cboReaderType.CurrentRow() == -1 || !gradesMarks(selectedValue(cboReaderType)))
             return;
-        const Boolean bEnabled = chkReaderGrade.Value() != 1;
+        bEnabled = chkReaderGrade.Value() != 1;
         const auto lock = [&](Label& label, PowerEdit& field, const char* fixedText) {
             label.Enabled(bEnabled);
             field.Enabled(bEnabled);

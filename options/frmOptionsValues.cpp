@@ -3,6 +3,7 @@
 #include "options/frmOptions.h"
 
 #include "failure/guarded.h"
+#include "options/ControlValues.h"
 #include "options/ListSelection.h"
 #include "platform/Platform.h"
 #include "reader/clsKELReader.h"
@@ -75,6 +76,14 @@ void frmOptions::undecided()
     bCancelled = True;
 }
 
+std::string frmOptions::dumpMembers() const
+{
+    VariableLines lines;
+    lines.add("iReaderIndex, cReaderOptions, bLoadingValues, bCancelled", iReaderIndex_,
+              cReaderOptions_ ? toVariant(*cReaderOptions_) : Variant(ObjectValue{}), bLoadingValues_, bCancelled);
+    return lines.text();
+}
+
 Boolean frmOptions::Cancelled()
 {
     return bCancelled;
@@ -83,10 +92,12 @@ Boolean frmOptions::Cancelled()
 void frmOptions::AddComboItem(PowerCombo& cboCombo, std::string sItem, Boolean bAddNewRow, Int16 iColIndex,
                               Int32 lRowIndex)
 {
-    guarded("KELReader81 - frmOptions.AddComboItem", [&] {
+    Int32 lRow = -1;
+    const auto variables = KEL_PARAMETERS(cboCombo, sItem, bAddNewRow, iColIndex, lRowIndex) + KEL_LOCALS(lRow);
+    guarded("KELReader81 - frmOptions.AddComboItem", variables, [&] {
         if (bAddNewRow)
             cboCombo.AddRow();
-        const Int32 lRow = lRowIndex != -1 ? lRowIndex : cboCombo.RowCount() - 1;
+        lRow = lRowIndex != -1 ? lRowIndex : cboCombo.RowCount() - 1;
         cboCombo.SetCell(lRow, iColIndex, std::move(sItem));
     });
 }
@@ -111,9 +122,11 @@ void frmOptions::fillLineLists()
 
 void frmOptions::LoadValues()
 {
-    guarded("KELReader81 - frmOptions.LoadValues", [&] {
+    Int16 iPort = 0;
+    Int32 lPosition = 0;
+    guarded("KELReader81 - frmOptions.LoadValues", KEL_LOCALS(iPort, lPosition) + moduleOf(*this), [&] {
         cboPort.ClearRows();
-        for (Int16 iPort = kFirstPort; iPort <= kLastPort; ++iPort) {
+        for (iPort = kFirstPort; iPort <= kLastPort; ++iPort) {
             if (IsValidPort(iPort))
                 AddComboItem(cboPort, CStr(iPort), True, 0, -1);
         }
@@ -122,10 +135,10 @@ void frmOptions::LoadValues()
             cboPort.CurrentRow(0);
 
         cboReaderType.ClearRows();
-        for (Int32 position = 1; position <= reader().Profiles()->Count(); ++position) {
-            AddComboItem(cboReaderType, reader().Profiles()->Item(position)->ReaderName(), True, 0, -1);
-            AddComboItem(cboReaderType, CStr(reader().Profiles()->Item(position)->ReaderType()), False, 1,
-                         position - 1);
+        for (lPosition = 1; lPosition <= reader().Profiles()->Count(); ++lPosition) {
+            AddComboItem(cboReaderType, reader().Profiles()->Item(lPosition)->ReaderName(), True, 0, -1);
+            AddComboItem(cboReaderType, CStr(reader().Profiles()->Item(lPosition)->ReaderType()), False, 1,
+                         lPosition - 1);
         }
         fillLineLists();
 
@@ -162,14 +175,16 @@ void frmOptions::LoadValues()
 
 void frmOptions::SaveValues(clsKELReader& cSaveReader)
 {
-    guarded("KELReader81 - frmOptions.SaveValues", [&] {
+    Reference<clsKELReaderProfile> cProfile;
+    const auto variables = KEL_PARAMETERS(cSaveReader) + KEL_LOCALS(cProfile) + moduleOf(*this);
+    guarded("KELReader81 - frmOptions.SaveValues", variables, [&] {
         cSaveReader.ReaderType(static_cast<kelReaderType>(integerOf(selectedValue(cboReaderType))));
         if (cSaveReader.ReaderType() == kelReaderTypeNone) {
             cSaveReader.LoadDefaults(kelReaderTypeNone);
             return;
         }
-        const auto profile = cSaveReader.Profiles()->Item(CStr(cSaveReader.ReaderType()));
-        if (profile->InterfaceType() == kelReaderInterfaceTypeSerial) {
+        cProfile = cSaveReader.Profiles()->Item(CStr(cSaveReader.ReaderType()));
+        if (cProfile->InterfaceType() == kelReaderInterfaceTypeSerial) {
             cSaveReader.BaudRate(static_cast<kelReaderBaudRate>(CLng(Val(cboBaud.Text()))));
             cSaveReader.DataBits(static_cast<kelReaderDataBits>(CLng(Val(cboDataBits.Text()))));
             cSaveReader.Port(CInt(Val(cboPort.Text())));
@@ -194,7 +209,7 @@ void frmOptions::SaveValues(clsKELReader& cSaveReader)
 
 void frmOptions::cmdOK_Click()
 {
-    guarded("KELReader81 - frmOptions.cmdOK_Click", [&] {
+    guarded("KELReader81 - frmOptions.cmdOK_Click", moduleOf(*this), [&] {
         if (cboPort.Enabled() && cboReaderType.CurrentRow() > 0 && cboPort.Text().empty()) {
             platform().screen().MsgBox(VBLM_RTString(TextNumber(174)), BoxIcon::Exclamation, BoxButtons::Ok,
                                        VBLM_RTString(TextNumber(176)));
@@ -209,7 +224,7 @@ void frmOptions::cmdOK_Click()
 
 void frmOptions::cmdCancel_Click()
 {
-    guarded("KELReader81 - frmOptions.cmdCancel_Click", [&] {
+    guarded("KELReader81 - frmOptions.cmdCancel_Click", moduleOf(*this), [&] {
         iReaderIndex_ = -1;
         bCancelled = True;
         Hide();
@@ -218,8 +233,9 @@ void frmOptions::cmdCancel_Click()
 
 void frmOptions::cmdDefaults_Click()
 {
-    guarded("KELReader81 - frmOptions.cmdDefaults_Click", [&] {
-        const Int32 lSelection = cboReaderType.CurrentRow();
+    Int32 lSelection = -1;
+    guarded("KELReader81 - frmOptions.cmdDefaults_Click", KEL_LOCALS(lSelection) + moduleOf(*this), [&] {
+        lSelection = cboReaderType.CurrentRow();
         if (lSelection <= 0)
             return;
         // Away and back again: each change of the row loads the catalogue's values.

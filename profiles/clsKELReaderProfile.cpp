@@ -2,7 +2,9 @@
 
 #include "dispatch/ReaderModels.h"
 #include "failure/ObjectLife.h"
+#include "failure/guarded.h"
 
+#include <type_traits>
 #include <utility>
 
 namespace kel {
@@ -33,13 +35,28 @@ clsKELReaderProfile::~clsKELReaderProfile() = default;
     }
 #define KEL_NOT_STORED(Name)
 KEL_PROFILE_PROPERTIES(KEL_PROPERTY, KEL_NOT_STORED)
-#undef KEL_NOT_STORED
 #undef KEL_PROPERTY
 // clang-format on
 
+std::string clsKELReaderProfile::dumpMembers() const
+{
+    VariableLines lines;
+    const auto add = [&lines](std::string_view name, const auto& value) {
+        if constexpr (std::is_enum_v<std::remove_cvref_t<decltype(value)>>)
+            lines.add(name, static_cast<Int32>(value));
+        else
+            lines.add(name, value);
+    };
+#define KEL_DUMP(Name) add(#Name, fields_->values.Name);
+    KEL_PROFILE_PROPERTIES(KEL_DUMP, KEL_NOT_STORED)
+#undef KEL_DUMP
+#undef KEL_NOT_STORED
+    return lines.text();
+}
+
 std::string clsKELReaderProfile::ReaderName() const
 {
-    return ReturnReaderName(ReaderType());
+    return captured("clsKELReaderProfile.ReaderName", moduleOf(*this), [&] { return ReturnReaderName(ReaderType()); });
 }
 
 } // namespace kel

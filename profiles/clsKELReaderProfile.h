@@ -39,6 +39,9 @@
 
 namespace kel {
 
+template <class Object>
+class StatedModule;
+
 /// The capability record of one model. Each field of `ProfileValues` is a property here: `X()` reads it and
 /// `X(value)` writes it, as it is and without a test of any kind. A host may change a record; what it writes is what
 /// the options dialog and `LoadDefaults` then find.
@@ -68,6 +71,11 @@ public:
     [[nodiscard]] std::string ReaderName() const;
 
 private:
+    template <class Object>
+    friend class StatedModule;
+
+    [[nodiscard]] std::string dumpMembers() const;
+
     struct Fields;
     Hidden<Fields> fields_;
 };

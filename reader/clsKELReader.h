@@ -31,6 +31,9 @@ class ReaderSession;
 /// No property checks its value: what does not fit is refused where it is used.
 class KEL_PUBLIC clsKELReader {
 public:
+    /// The class's name, as dumps of variables tell it.
+    static constexpr const char* kClassName = "clsKELReader";
+
     clsKELReader();
     /// The host is to call `EndReader` first; an open line is dropped with the object.
     ~clsKELReader();

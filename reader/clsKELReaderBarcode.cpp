@@ -1,6 +1,7 @@
 #include "reader/clsKELReaderBarcode.h"
 
 #include "failure/ObjectLife.h"
+#include "failure/ProcedureVariables.h"
 
 namespace kel {
 
@@ -17,6 +18,15 @@ clsKELReaderBarcode::clsKELReaderBarcode() = default;
 clsKELReaderBarcode::clsKELReaderBarcode(const clsKELReaderBarcode& other) = default;
 clsKELReaderBarcode& clsKELReaderBarcode::operator=(const clsKELReaderBarcode& other) = default;
 clsKELReaderBarcode::~clsKELReaderBarcode() = default;
+
+std::string clsKELReaderBarcode::dumpMembers() const
+{
+    const Fields& own = *fields_;
+    VariableLines lines;
+    lines.add("iPage, iDistance, iLength, eSymbology, eOrientation", own.iPage, own.iDistance, own.iLength,
+              static_cast<Int32>(own.eSymbology), static_cast<Int32>(own.eOrientation));
+    return lines.text();
+}
 
 Int16 clsKELReaderBarcode::Page() const
 {

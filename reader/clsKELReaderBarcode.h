@@ -5,7 +5,12 @@
 #include "types/Hidden.h"
 #include "types/Numbers.h"
 
+#include <string>
+
 namespace kel {
+
+template <class Object>
+class StatedModule;
 
 /// A barcode zone: where on the sheet a reader with a barcode unit is to look. Nothing is checked.
 class KEL_PUBLIC clsKELReaderBarcode {
@@ -32,6 +37,11 @@ public:
     void Orientation(kelBarcodeOrientation value);
 
 private:
+    template <class Object>
+    friend class StatedModule;
+
+    [[nodiscard]] std::string dumpMembers() const;
+
     struct Fields;
     Hidden<Fields> fields_;
 };

@@ -1,6 +1,7 @@
 #include "reader/clsKELReaderWindow.h"
 
 #include "failure/ObjectLife.h"
+#include "failure/ProcedureVariables.h"
 
 namespace kel {
 
@@ -22,6 +23,17 @@ clsKELReaderWindow::clsKELReaderWindow() = default;
 clsKELReaderWindow::clsKELReaderWindow(const clsKELReaderWindow& other) = default;
 clsKELReaderWindow& clsKELReaderWindow::operator=(const clsKELReaderWindow& other) = default;
 clsKELReaderWindow::~clsKELReaderWindow() = default;
+
+std::string clsKELReaderWindow::dumpMembers() const
+{
+    const Fields& own = *fields_;
+    VariableLines lines;
+    lines.add("iStartRow, iNumRows, iRowGap, iStartCol, iNumCols, iColGap", own.iStartRow, own.iNumRows, own.iRowGap,
+              own.iStartCol, own.iNumCols, own.iColGap);
+    lines.add("iPage, iOrientation, iNumItems, iNumChoices", own.iPage, own.iOrientation, own.iNumItems,
+              own.iNumChoices);
+    return lines.text();
+}
 
 Int16 clsKELReaderWindow::StartRow() const
 {

@@ -4,7 +4,12 @@
 #include "types/Hidden.h"
 #include "types/Numbers.h"
 
+#include <string>
+
 namespace kel {
+
+template <class Object>
+class StatedModule;
 
 /// A read window: a rectangular block of mark positions on one page of a form. Rows and columns count from 1. A gap
 /// is the distance from one row or column to the next; a negative one runs towards lower numbers. Nothing is checked.
@@ -45,6 +50,11 @@ public:
     void NumChoices(Int16 value);
 
 private:
+    template <class Object>
+    friend class StatedModule;
+
+    [[nodiscard]] std::string dumpMembers() const;
+
     struct Fields;
     Hidden<Fields> fields_;
 };
