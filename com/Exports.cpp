@@ -1,10 +1,12 @@
 // What the system calls of the server. The names are told in KELReader81U.def.
 
 #include "com/ClassFactory.h"
+#include "com/LateBoundErrorLibrary.h"
 #include "com/LateBoundErrorObject.h"
 #include "com/Registration.h"
 #include "com/Server.h"
 #include "failure/basError.h"
+#include "platform/NamedObjects.h"
 
 #include <windows.h>
 
@@ -27,8 +29,10 @@ try {
 
 BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, void*)
 {
-    if (reason == DLL_PROCESS_ATTACH)
+    if (reason == DLL_PROCESS_ATTACH) {
         kel::com::moduleLoaded(instance);
+        kel::setObjectCreator(&kel::com::createRegisteredErrorLibrary);
+    }
     return TRUE;
 }
 

@@ -9,6 +9,7 @@
 #include <atomic>
 #include <mutex>
 #include <string_view>
+#include <utility>
 
 namespace kel {
 
@@ -162,7 +163,7 @@ void reportCrash(const CapturedFailure& failure, const std::string& sModule, con
                  const ProcedureDump& variables)
 {
     ignoringFailures([&] {
-        const std::shared_ptr<ErrorLibraryObject> library = createErrorLibrary(kErrorLibraryClass);
+        std::shared_ptr<ErrorLibraryObject> library = createErrorLibrary(kErrorLibraryClass);
         if (!library) {
             showLastResort(failure, sModule, sProcedure);
             return;
@@ -176,8 +177,9 @@ void reportCrash(const CapturedFailure& failure, const std::string& sModule, con
                                  variablesText(variables),
                                  componentVersion()};
         const HostCode host;
-        library->ErrorHandler(report);
-        static_cast<void>(library->Action());
+        const std::shared_ptr<ErrorLibraryObject> called = std::move(library); // its end is the host's code too
+        called->ErrorHandler(report);
+        static_cast<void>(called->Action());
     });
 }
 

@@ -155,6 +155,11 @@ class Registration(WindowsTest):
             self.assertFalse(registry_has(r"HKLM\Software\Classes" + READER_CLASS))
             self.run_program("com_unregistered.exe")
 
+    def test_an_error_library_by_its_name(self):
+        with machine_wide():
+            self.run_program("com_crash.exe")
+            self.assertFalse(registry_has(r"HKLM\Software\Classes\KELError10.Error"))
+
     def test_nothing_stays_behind(self):
         with machine_wide():
             for arguments, hive in ((("/s",), "HKLM"), (("/s", "/n", "/i:user"), "HKCU")):
