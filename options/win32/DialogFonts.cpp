@@ -38,7 +38,26 @@ private:
 
 DialogFonts::DialogFonts() : screen_(::CreateCompatibleDC(nullptr))
 {
-    LOGFONTW font = messageFont();
+    make(messageFont());
+}
+
+DialogFonts::~DialogFonts()
+{
+    drop();
+    ::DeleteDC(screen_);
+}
+
+void DialogFonts::use(HFONT font)
+{
+    LOGFONTW wanted{};
+    if (::GetObjectW(font, sizeof wanted, &wanted) == 0)
+        return;
+    drop();
+    make(wanted);
+}
+
+void DialogFonts::make(LOGFONTW font)
+{
     text_ = ::CreateFontIndirectW(&font);
     font.lfWeight = FW_BOLD;
     bold_ = ::CreateFontIndirectW(&font);
@@ -46,11 +65,10 @@ DialogFonts::DialogFonts() : screen_(::CreateCompatibleDC(nullptr))
     title_ = ::CreateFontIndirectW(&font);
 }
 
-DialogFonts::~DialogFonts()
+void DialogFonts::drop()
 {
     for (HFONT font : {text_, bold_, title_})
         ::DeleteObject(font);
-    ::DeleteDC(screen_);
 }
 
 double DialogFonts::TextWidth(const std::string& text, const Font& font)

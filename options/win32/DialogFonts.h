@@ -7,14 +7,17 @@
 
 namespace kel {
 
-/// The typefaces of a dialog, and what texts need in them. The form's own typeface is that of the system's messages;
-/// what differs from it is the style that a control asks for.
+/// The typefaces of a dialog, and what texts need in them. The form's own typeface is that of the system's messages
+/// until a host gives another; what differs from it is the style that a control asks for.
 class DialogFonts final : public TextMeasure {
 public:
     DialogFonts();
     ~DialogFonts() override;
     DialogFonts(const DialogFonts&) = delete;
     DialogFonts& operator=(const DialogFonts&) = delete;
+
+    /// Takes a typeface of the host's, which stays the host's.
+    void use(HFONT font);
 
     [[nodiscard]] double TextWidth(const std::string& text, const Font& font) override;
 
@@ -26,6 +29,8 @@ public:
     [[nodiscard]] double twips(int pixels) const;
 
 private:
+    void make(LOGFONTW font);
+    void drop();
     /// The height of a line.
     [[nodiscard]] int lineOf(HFONT font) const;
     [[nodiscard]] int widthOf(const std::string& text, HFONT font) const;

@@ -73,6 +73,11 @@ void OptionsDialogWindow::createControls()
     }
 }
 
+HFONT OptionsDialogWindow::fontOf(const Control& control) const
+{
+    return &control == &form_.lblTitle ? fonts_.title() : fonts_.text();
+}
+
 HWND OptionsDialogWindow::create(Control& control, const wchar_t* kind, DWORD style, DWORD extendedStyle)
 {
     int number = kFirstControl + static_cast<int>(shown_.size());
@@ -82,8 +87,7 @@ HWND OptionsDialogWindow::create(Control& control, const wchar_t* kind, DWORD st
         number = IDCANCEL;
     const HWND window = ::CreateWindowExW(extendedStyle, kind, L"", WS_CHILD | style, 0, 0, 0, 0, window_,
                                           asMenu(number), componentInstance(), nullptr);
-    const HFONT font = &control == &form_.lblTitle ? fonts_.title() : fonts_.text();
-    ::SendMessageW(window, WM_SETFONT, reinterpret_cast<WPARAM>(font), TRUE);
+    ::SendMessageW(window, WM_SETFONT, reinterpret_cast<WPARAM>(fontOf(control)), TRUE);
     shown_.push_back({&control, window, {}});
     return window;
 }

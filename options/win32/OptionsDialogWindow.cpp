@@ -146,6 +146,7 @@ INT_PTR OptionsDialogWindow::handle(UINT message, WPARAM first, LPARAM second)
         ::SetCursor(::LoadCursorW(nullptr, IDC_WAIT));
         ::SetWindowLongPtrW(window_, DWLP_MSGRESULT, TRUE);
         return TRUE;
+    case WM_SETFONT: takeFont(reinterpret_cast<HFONT>(first)); return TRUE;
     case WM_HELP: openHelp(); return TRUE;
     case WM_DESTROY:
         // Its controls live a little longer than this; their fields do not.
@@ -154,6 +155,17 @@ INT_PTR OptionsDialogWindow::handle(UINT message, WPARAM first, LPARAM second)
         return FALSE;
     default: return FALSE;
     }
+}
+
+/// A host's error object gives the dialog its typeface before there are controls; another program may do so later.
+void OptionsDialogWindow::takeFont(HFONT font)
+{
+    fonts_.use(font);
+    for (const Shown& each : shown_) {
+        if (each.window)
+            ::SendMessageW(each.window, WM_SETFONT, reinterpret_cast<WPARAM>(fontOf(*each.control)), TRUE);
+    }
+    refresh();
 }
 
 // --- From the form to the window

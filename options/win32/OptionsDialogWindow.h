@@ -47,6 +47,8 @@ private:
 
     void begin(HWND window);
     void end();
+    void takeFont(HFONT font);
+    [[nodiscard]] HFONT fontOf(const Control& control) const;
     void createControls();
     [[nodiscard]] HWND create(Control& control, const wchar_t* kind, DWORD style, DWORD extendedStyle = 0);
     void create(Label& label);

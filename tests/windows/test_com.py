@@ -56,9 +56,14 @@ class Clients(WindowsTest):
         self.assertNotIn("fault", [event["event"] for event in reader.events])
 
     def test_records(self):
-        with SimulatedReader(model=40, port=RECORDS_PORT, seed=5, count=4) as reader:
+        # The reader feeds by itself: a sheet more than the host asks for would come in place of the last answer.
+        with SimulatedReader(model=40, port=RECORDS_PORT, seed=5, count=2) as reader:
             self.run_program("com_records.exe", RECORDS_PORT)
         self.assertNotIn("fault", [event["event"] for event in reader.events])
+
+    def test_options(self):
+        with SimulatedReader(model=21, port=SHEETS_PORT, count=1):
+            self.run_program("com_options.exe", SHEETS_PORT)
 
     def test_lifetime(self):
         with SimulatedReader(model=21, port=SHEETS_PORT, count=1):

@@ -4,97 +4,16 @@
 #include "platform/windows/WindowsPlatform.h"
 #include "reader/clsKELReader.h"
 #include "startup/Main.h"
+#include "tests/windows/OtherProgram.h"
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <set>
 #include <string>
 #include <thread>
 
 namespace kel {
 namespace {
-
-/// The dialog as another program sees it: windows with numbers, worked by messages. It runs on a thread of its own
-/// while ShowOptions runs on the test's.
-class OtherProgram {
-public:
-    /// The dialog, as soon as it is visible.
-    OtherProgram()
-    {
-        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-        while (std::chrono::steady_clock::now() < end) {
-            ::EnumWindows(
-                [](HWND window, LPARAM self) -> BOOL {
-                    DWORD process = 0;
-                    ::GetWindowThreadProcessId(window, &process);
-                    wchar_t kind[32] = {};
-                    ::GetClassNameW(window, kind, 32);
-                    if (process == ::GetCurrentProcessId() && ::IsWindowVisible(window) &&
-                        std::wstring_view(kind) == L"#32770")
-                        reinterpret_cast<OtherProgram*>(self)->dialog = window;
-                    return TRUE;
-                },
-                reinterpret_cast<LPARAM>(this));
-            if (dialog)
-                return;
-            ::Sleep(10);
-        }
-    }
-
-    [[nodiscard]] HWND control(int number) const { return ::GetDlgItem(dialog, number); }
-
-    void click(int number) const { ::SendMessageW(control(number), BM_CLICK, 0, 0); }
-
-    void select(int number, const wchar_t* text) const
-    {
-        const HWND list = control(number);
-        const LRESULT row =
-            ::SendMessageW(list, CB_FINDSTRINGEXACT, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(text));
-        ASSERT_GE(row, 0);
-        ::SendMessageW(list, CB_SETCURSEL, static_cast<WPARAM>(row), 0);
-        ::SendMessageW(dialog, WM_COMMAND, MAKEWPARAM(number, CBN_SELCHANGE), reinterpret_cast<LPARAM>(list));
-    }
-
-    void enter(int number) const
-    {
-        ::SendMessageW(dialog, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(control(number)), TRUE);
-        settle();
-    }
-
-    void type(int number, const wchar_t* text) const
-    {
-        for (; *text != L'\0'; ++text)
-            ::SendMessageW(control(number), WM_CHAR, *text, 0);
-    }
-
-    void press(int number, WPARAM key) const
-    {
-        ::PostMessageW(control(number), WM_KEYDOWN, key, 0);
-        settle();
-    }
-
-    [[nodiscard]] std::wstring text(int number) const { return textOf(control(number)); }
-
-    [[nodiscard]] static std::wstring textOf(HWND window)
-    {
-        std::wstring result(256, L'\0');
-        result.resize(
-            static_cast<std::size_t>(::SendMessageW(window, WM_GETTEXT, 256, reinterpret_cast<LPARAM>(result.data()))));
-        return result;
-    }
-
-    /// What was posted has been done when this has come back.
-    void settle() const
-    {
-        for (int i = 0; i < 3; ++i) {
-            ::Sleep(20);
-            ::SendMessageW(dialog, WM_NULL, 0, 0);
-        }
-    }
-
-    HWND dialog = nullptr;
-};
 
 class OptionsDialogWindowTest : public ::testing::Test {
 protected:
