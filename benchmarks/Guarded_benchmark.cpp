@@ -1,5 +1,5 @@
 // What the traps of a procedure cost while nothing fails: a call with and without them, with the variables stated and
-// without; and what a failure costs.
+// without, and in a procedure of an object, where the host comes in.
 
 #include "failure/guarded.h"
 #include "types/Numbers.h"
@@ -35,7 +35,34 @@ void Guarded_Call(benchmark::State& state)
 BENCHMARK(Guarded_Call<withoutTraps>)->Name("Guarded_NoTrap");
 BENCHMARK(Guarded_Call<withTraps>)->Name("Guarded_Call");
 
-#ifndef KEL_BEFORE
+struct Object {
+    [[nodiscard]] std::string dumpMembers() const { return "lValue = " + std::to_string(lValue); }
+    Int32 lValue = 0;
+};
+
+[[gnu::noinline]] Int32 procedureOfAnObject(Int32 lValue)
+{
+    static Object object;
+    Int32 lResult = 0;
+    guarded("KELReader81 - clsKELReader.ReadPage", KEL_PARAMETERS(lValue) + moduleOf(object),
+            [&] { lResult = checkedAdd(lValue, 1); });
+    benchmark::DoNotOptimize(lResult);
+    return lResult;
+}
+
+[[gnu::noinline]] Int32 variablesWithoutTraps(Int32 lValue, const std::string& sText)
+{
+    Int32 lResult = 0;
+    Int16 iLocal = 0;
+    MarkArray iSide1Arr;
+    benchmark::DoNotOptimize(&sText);
+    benchmark::DoNotOptimize(&iLocal);
+    benchmark::DoNotOptimize(&iSide1Arr);
+    lResult = checkedAdd(lValue, 1);
+    benchmark::DoNotOptimize(lResult);
+    return lResult;
+}
+
 [[gnu::noinline]] Int32 withVariables(Int32 lValue, const std::string& sText)
 {
     Int32 lResult = 0;
@@ -52,16 +79,18 @@ BENCHMARK(Guarded_Call<withTraps>)->Name("Guarded_Call");
     return captured("basRead.ReaderRead", [&] { return checkedAdd(lValue, 1); });
 }
 
-void Guarded_CallWithVariables(benchmark::State& state)
+template <Int32 (*call)(Int32, const std::string&)>
+void Guarded_TextCall(benchmark::State& state)
 {
     const std::string sText = "text";
     Int32 lValue = 1;
     for (auto _ : state)
-        benchmark::DoNotOptimize(lValue = withVariables(lValue & 0xFF, sText));
+        benchmark::DoNotOptimize(lValue = call(lValue & 0xFF, sText));
 }
-BENCHMARK(Guarded_CallWithVariables);
+BENCHMARK(Guarded_TextCall<variablesWithoutTraps>)->Name("Guarded_NoTrapWithVariables");
+BENCHMARK(Guarded_TextCall<withVariables>)->Name("Guarded_CallWithVariables");
+BENCHMARK(Guarded_Call<procedureOfAnObject>)->Name("Guarded_CallOfAnObject");
 BENCHMARK(Guarded_Call<withTheSecondTrap>)->Name("Guarded_Captured");
-#endif
 
 } // namespace
 } // namespace kel

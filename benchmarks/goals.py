@@ -36,7 +36,9 @@ GOALS = [
     ("GradeMaster block, 100 rows", "Decode_GradeMasterBlock", "time_ns", 1e-3, "us", None, None),
     ("USB side of 9,600 cells", "Decode_SekonicUsbSide", "cpu_ns", 1e-3, "us", "< 20", None),
     ("a guarded call", "Guarded_Call", "time_ns", 1, "ns", None, "Guarded_NoTrap"),
-    ("a guarded call with variables", "Guarded_CallWithVariables", "time_ns", 1, "ns", None, "Guarded_NoTrap"),
+    ("a guarded call with variables", "Guarded_CallWithVariables", "time_ns", 1, "ns", None,
+     "Guarded_NoTrapWithVariables"),
+    ("a guarded call of an object", "Guarded_CallOfAnObject", "time_ns", 1, "ns", None, "Guarded_NoTrap"),
     ("options window, 16 absent ports", "Options_Show", "time_ns", 1e-6, "ms", "< 300", None),
     ("options window, another model", "Options_ModelChange", "time_ns", 1e-6, "ms", "< 5", None),
 ]

@@ -25,6 +25,8 @@ install(TARGETS KELReader81U_remote LIBRARY DESTINATION ${folder} COMPONENT comm
 install(TARGETS OMRAPI_simulated LIBRARY DESTINATION ${folder} COMPONENT command)
 install(FILES ${CMAKE_BINARY_DIR}/bin/LKELReader81.txt DESTINATION ${folder} COMPONENT command)
 install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} RENAME copyright COMPONENT command)
+install(DIRECTORY docs/readers DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT command
+        FILES_MATCHING PATTERN "*.md" PATTERN "advice" EXCLUDE)
 install(FILES docs/kelreader.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT command)
 set(shared_object libKELReader81U.so.${PROJECT_VERSION_MAJOR})
 kel_install_link(${CMAKE_INSTALL_BINDIR}/kelreader kelreader command)
@@ -53,6 +55,7 @@ configure_file(cmake/KELReader81U.pc.in KELReader81U.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/KELReader81U.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
         COMPONENT development)
 kel_install_link(${CMAKE_INSTALL_LIBDIR}/libKELReader81U.so ${shared_object} development)
+install(FILES docs/hosts.md docs/windows.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT development)
 install(DIRECTORY examples/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples COMPONENT development
         FILES_MATCHING PATTERN "*.cpp" PATTERN "CMakeLists.txt" PATTERN "windows" EXCLUDE)
 

@@ -48,10 +48,12 @@ struct ProcedureDump {
     std::string module = kNone;
 };
 
-/// Pieces of what a procedure states of its variables; they are added up.
+/// Pieces of what a procedure states of its variables; they are added up. One with `kIsOfAnObject` makes it a procedure
+/// of an object, as opposed to one of a module.
 template <class Tell>
 class StatedParameters {
 public:
+    static constexpr bool kIsOfAnObject = false;
     explicit StatedParameters(Tell tell) : tell_(std::move(tell)) {}
     void tell(ProcedureDump& dump) const
     {
@@ -68,6 +70,7 @@ private:
 template <class Tell>
 class StatedLocals {
 public:
+    static constexpr bool kIsOfAnObject = false;
     explicit StatedLocals(Tell tell) : tell_(std::move(tell)) {}
     void tell(ProcedureDump& dump) const
     {
@@ -85,6 +88,7 @@ private:
 template <class Object>
 class StatedModule {
 public:
+    static constexpr bool kIsOfAnObject = true;
     explicit StatedModule(const Object& object) : object_(object) {}
     void tell(ProcedureDump& dump) const { dump.module = object_.dumpMembers(); }
 
@@ -95,6 +99,7 @@ private:
 template <class First, class Second>
 class StatedBoth {
 public:
+    static constexpr bool kIsOfAnObject = First::kIsOfAnObject || Second::kIsOfAnObject;
     StatedBoth(First first, Second second) : first_(std::move(first)), second_(std::move(second)) {}
     void tell(ProcedureDump& dump) const
     {
@@ -109,6 +114,7 @@ private:
 
 /// A procedure without variables.
 struct NothingStated {
+    static constexpr bool kIsOfAnObject = false;
     void tell(ProcedureDump&) const {}
 };
 
@@ -116,6 +122,7 @@ template <class T>
 concept StatedVariables = requires(const T& stated, ProcedureDump& dump)
 {
     stated.tell(dump);
+    requires std::is_same_v<decltype(T::kIsOfAnObject), const bool>;
 };
 
 template <class Tell>

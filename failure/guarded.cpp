@@ -19,7 +19,7 @@ namespace detail {
 
 void reportCaught(const char* source)
 {
-    ComponentCode::goesOn();
+    faultCaught();
     reportRuntimeFailure(source, caughtFailure());
 }
 

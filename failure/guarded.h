@@ -5,6 +5,7 @@
 #include "types/RuntimeFailure.h"
 
 #include <exception>
+#include <type_traits>
 #include <utility>
 
 namespace kel {
@@ -16,6 +17,13 @@ namespace detail {
 
 /// The common first trap of a procedure, called by its handler: reports what is being caught.
 [[gnu::cold, gnu::noinline]] void reportCaught(const char* source);
+
+/// What a procedure of a module does about the thread's faults: nothing, since an object's procedure has called it.
+struct CalledCode {
+    CalledCode() noexcept {}
+};
+template <StatedVariables Stated>
+using CodeOf = std::conditional_t<Stated::kIsOfAnObject, ComponentCode, CalledCode>;
 
 /// How a cold function asks for a procedure's variables.
 using TellVariables = void (*)(const void* stated, ProcedureDump& dump);
@@ -43,10 +51,13 @@ template <StatedVariables Stated>
 ///     guarded(kSendCommand, KEL_PARAMETERS(oReader, sCmd) + KEL_LOCALS(sReply), [&] { … });
 ///
 /// Locals that are to show stand in front of it, since those within the body are gone when the trap fires.
+///
+/// The processor's faults are taken while a procedure of an object runs, and what it calls: one that states `moduleOf`
+/// its object. Those of modules are within one of these, and cost nothing until they fail.
 template <StatedVariables Stated, class Body>
 void guarded(const char* source, const Stated& stated, Body&& body)
 {
-    const ComponentCode running;
+    const detail::CodeOf<Stated> running;
     try {
         try {
             std::forward<Body>(body)();
@@ -64,12 +75,12 @@ void guarded(const char* source, const Stated& stated, Body&& body)
 template <StatedVariables Stated, class Body, class OnFailure>
 void guarded(const char* source, const Stated& stated, Body&& body, OnFailure&& onFailure)
 {
-    const ComponentCode running;
+    const detail::CodeOf<Stated> running;
     try {
         try {
             std::forward<Body>(body)();
         } catch (const std::exception&) {
-            ComponentCode::goesOn();
+            faultCaught();
             const RuntimeFailure failure = caughtFailure();
             if (!onFailure(failure))
                 reportRuntimeFailure(source, failure);
@@ -96,7 +107,7 @@ requires(!StatedVariables<Body>) void guarded(const char* source, Body&& body, O
 template <StatedVariables Stated, class Body>
 decltype(auto) captured(const char* source, const Stated& stated, Body&& body)
 {
-    const ComponentCode running;
+    const detail::CodeOf<Stated> running;
     try {
         return std::forward<Body>(body)();
     } catch (const std::exception&) {
@@ -118,7 +129,7 @@ bool ignoringFailures(Body&& body)
         std::forward<Body>(body)();
         return true;
     } catch (const std::exception&) {
-        ComponentCode::goesOn();
+        faultCaught();
         return false;
     }
 }

@@ -199,7 +199,7 @@ namespace detail {
 
 void captureAndRaise(const char* source, TellVariables tell, const void* stated)
 {
-    ComponentCode::goesOn();
+    faultCaught();
     captureFailure();
     // The host's code may run meanwhile, and capture failures of its own.
     const CapturedFailure failure = capturedFailure();

@@ -11,7 +11,7 @@ std::atomic<FaultCapture*> captureInUse{nullptr};
 #if !defined(_WIN32)
 namespace detail {
 
-constinit thread_local bool componentRunsOnThread = false;
+constinit thread_local ThreadRuns whatThreadRuns = ThreadRuns::Host;
 
 } // namespace detail
 #endif

@@ -21,8 +21,8 @@ using FaultFilter = void (*)(const FaultRecord& record);
 /// reaches whatever would have got it without the component. The filter is called as if the failing statement had
 /// called it: what it throws is caught by the procedure that was running.
 ///
-/// An implementation sets `componentRuns(false)` before it calls the filter, so that a fault of the unwinding itself
-/// does not come here again and again; the trap that catches the exception sets it back.
+/// An implementation tells the thread with `faultTaken` before it calls the filter, so that a fault of the unwinding
+/// itself does not come here again and again; the trap that catches the exception goes on from there.
 ///
 /// Limits: a stack overflow, a fault within a function that is `noexcept` (destructors are), and a fault that leaves
 /// the heap locked still end or hold up the process. Only code compiled with `-fnon-call-exceptions` can be left in
@@ -42,28 +42,35 @@ void setFaultCapture(FaultCapture* capture);
 
 namespace detail {
 
-#if defined(_WIN32)
-[[nodiscard]] bool readComponentRuns() noexcept;
-void writeComponentRuns(bool runs) noexcept;
-#else
-// A signal handler reads it and every procedure writes it: no function may stand between.
-[[gnu::tls_model("initial-exec")]] extern constinit thread_local bool componentRunsOnThread;
+/// Whose code a thread runs.
+enum class ThreadRuns : std::uint8_t {
+    Host,
+    Component,
+    Unwinding, // a fault of the component's has been taken, and no trap has caught it yet
+};
 
-[[nodiscard]] inline bool readComponentRuns() noexcept
+#if defined(_WIN32)
+[[nodiscard]] ThreadRuns readThreadRuns() noexcept;
+void writeThreadRuns(ThreadRuns runs) noexcept;
+#else
+// A signal handler reads it and every procedure of an object writes it: no function may stand between.
+[[gnu::tls_model("initial-exec")]] extern constinit thread_local ThreadRuns whatThreadRuns;
+
+[[nodiscard]] inline ThreadRuns readThreadRuns() noexcept
 {
-    return componentRunsOnThread;
+    return whatThreadRuns;
 }
-[[gnu::always_inline]] inline void writeComponentRuns(bool runs) noexcept
+[[gnu::always_inline]] inline void writeThreadRuns(ThreadRuns runs) noexcept
 {
-    componentRunsOnThread = runs;
+    whatThreadRuns = runs;
 }
 #endif
 
-/// The flag is read in the midst of any statement: nothing may be moved across a write of it.
-[[gnu::always_inline]] inline void setComponentRuns(bool runs) noexcept
+/// It is read in the midst of any statement: nothing may be moved across a write of it.
+[[gnu::always_inline]] inline void setThreadRuns(ThreadRuns runs) noexcept
 {
     std::atomic_signal_fence(std::memory_order_seq_cst);
-    writeComponentRuns(runs);
+    writeThreadRuns(runs);
     std::atomic_signal_fence(std::memory_order_seq_cst);
 }
 
@@ -72,48 +79,54 @@ void writeComponentRuns(bool runs) noexcept;
 /// Whether a procedure of the component runs on the calling thread, and no code of the host that it has called.
 [[nodiscard]] inline bool componentRuns() noexcept
 {
-    return detail::readComponentRuns();
-}
-inline void componentRuns(bool runs) noexcept
-{
-    detail::setComponentRuns(runs);
+    return detail::readThreadRuns() == detail::ThreadRuns::Component;
 }
 
-/// A procedure of the component runs for as long as this lives: faults are the component's. A procedure that another
-/// one calls has nothing to do: it costs a look at the flag.
+/// To be called by what takes a fault while `componentRuns()`, in front of the filter.
+inline void faultTaken() noexcept
+{
+    detail::setThreadRuns(detail::ThreadRuns::Unwinding);
+}
+
+/// To be called by a handler that has caught an exception and goes on: it may have been a fault.
+inline void faultCaught() noexcept
+{
+    if (detail::readThreadRuns() == detail::ThreadRuns::Unwinding)
+        detail::setThreadRuns(detail::ThreadRuns::Component);
+}
+
+/// A procedure of the component runs for as long as this lives: faults are the component's. It stands where the host
+/// can come in, in the procedures of objects; what they call has nothing to do.
 class ComponentCode {
 public:
-    ComponentCode() noexcept : isOutermost_(!componentRuns())
+    ComponentCode() noexcept : before_(detail::readThreadRuns())
     {
-        if (isOutermost_)
-            componentRuns(true);
+        if (before_ != detail::ThreadRuns::Component)
+            detail::setThreadRuns(detail::ThreadRuns::Component);
     }
     ~ComponentCode()
     {
-        if (isOutermost_)
-            componentRuns(false);
+        if (before_ != detail::ThreadRuns::Component)
+            detail::setThreadRuns(before_);
     }
     ComponentCode(const ComponentCode&) = delete;
     ComponentCode& operator=(const ComponentCode&) = delete;
 
-    /// To be called by a handler that has caught an exception and goes on: it may have been a fault.
-    static void goesOn() noexcept { componentRuns(true); }
-
 private:
-    bool isOutermost_;
+    detail::ThreadRuns before_;
 };
 
 /// The component calls out into the host for as long as this lives: faults are the host's. It stands around events,
 /// the host's error object, its pump, its answer key and its carrier.
 class HostCode {
 public:
-    HostCode() noexcept : before_(componentRuns()) { componentRuns(false); }
-    ~HostCode() { componentRuns(before_); }
+    HostCode() noexcept : before_(detail::readThreadRuns()) { detail::setThreadRuns(detail::ThreadRuns::Host); }
+    ~HostCode() { detail::setThreadRuns(before_); }
     HostCode(const HostCode&) = delete;
     HostCode& operator=(const HostCode&) = delete;
 
 private:
-    bool before_;
+    detail::ThreadRuns before_;
 };
 
 } // namespace kel

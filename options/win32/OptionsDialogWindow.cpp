@@ -84,7 +84,7 @@ void OptionsDialogWindow::contain(const Action& what)
     try {
         what();
     } catch (...) {
-        ComponentCode::goesOn();
+        faultCaught();
         if (!failure_)
             failure_ = std::current_exception();
         end();

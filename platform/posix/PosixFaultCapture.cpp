@@ -82,7 +82,7 @@ extern "C" void kelOnFault(int signalNumber, siginfo_t* info, void* context)
 {
     const FaultFilter filter = filterInUse;
     if (componentRuns() && filter && isOfTheProcessor(*info)) {
-        componentRuns(false);
+        faultTaken();
         if (signalNumber == SIGSEGV || signalNumber == SIGBUS)
             moveToCaller(context, info->si_addr);
         filter({faultCode(signalNumber, info->si_code)});

@@ -6,7 +6,7 @@ namespace kel::detail {
 
 namespace {
 
-/// The flag of each thread, in a slot of the system: a handler of faults may read it on any thread at any time, which
+/// What each thread runs, in a slot of the system: a handler of faults may read it on any thread at any time, which
 /// the compiler's own thread variables, made at their first use, would not allow.
 class Slot {
 public:
@@ -41,17 +41,16 @@ private:
 
 } // namespace
 
-void writeComponentRuns(bool runs) noexcept
+void writeThreadRuns(ThreadRuns runs) noexcept
 {
     const SameLastError same;
-    static char mark;
-    ::TlsSetValue(slot(), runs ? &mark : nullptr);
+    ::TlsSetValue(slot(), reinterpret_cast<void*>(static_cast<std::uintptr_t>(runs)));
 }
 
-bool readComponentRuns() noexcept
+ThreadRuns readThreadRuns() noexcept
 {
     const SameLastError same;
-    return ::TlsGetValue(slot()) != nullptr;
+    return static_cast<ThreadRuns>(reinterpret_cast<std::uintptr_t>(::TlsGetValue(slot())));
 }
 
 } // namespace kel::detail

@@ -112,7 +112,7 @@ void redirect(const EXCEPTION_POINTERS& fault)
     context.Rcx = fault.ExceptionRecord->ExceptionCode;
     context.Rdx = nested ? nested->ExceptionCode : 0;
     context.EFlags &= ~DWORD{0x500}; // no single step, and strings go forward
-    componentRuns(false);
+    faultTaken();
 }
 
 LONG CALLBACK onException(EXCEPTION_POINTERS* fault)

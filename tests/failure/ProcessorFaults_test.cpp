@@ -33,6 +33,18 @@ constexpr bool kFaultsAreCaptured = false;
 constexpr bool kFaultsAreCaptured = true;
 #endif
 
+/// An object of the component's, whose procedures a host calls.
+struct Object {
+    std::string dumpMembers() const { return {}; }
+};
+
+template <class Body>
+void procedureOfAnObject(Body&& body)
+{
+    const Object object;
+    guarded(kSource, moduleOf(object), std::forward<Body>(body));
+}
+
 void installCapture()
 {
     PosixFaultCapture::instance().install(&vbcsExceptionFilter);
@@ -59,7 +71,7 @@ protected:
     std::string reportOf(Body&& body)
     {
         witness->reports.clear();
-        guarded(kSource, body);
+        procedureOfAnObject(body);
         EXPECT_EQ(componentRuns(), false);
         if (witness->reports.size() != 1)
             return std::to_string(witness->reports.size()) + " reports";
@@ -106,6 +118,17 @@ TEST_F(ProcessorFault, AFileThatIsTooShortIsAnInPageError)
     EXPECT_EQ(reportOf([&] { static_cast<void>(*static_cast<volatile char*>(page)); }), "10006 In Page Error");
     ::munmap(page, 4096);
     ::close(file);
+}
+
+TEST_F(ProcessorFault, IsReportedByTheProcedureOfAModuleInWhichItHappens)
+{
+    procedureOfAnObject([&] {
+        guarded("KELReader81 - bas.inner", [] { readNullAddress(); });
+        EXPECT_TRUE(componentRuns());
+        EXPECT_EQ(witness->reports.size(), 1U);
+    });
+    EXPECT_EQ(witness->reports.size(), 1U);
+    EXPECT_EQ(witness->reports[0].ErrorSource, "bas.inner");
 }
 
 TEST_F(ProcessorFault, MayHappenInTheSystemsOwnFunctions)
@@ -362,13 +385,23 @@ TEST_F(HostsFault, OutsideTheComponentReachesItsHandler)
         ExitedWithCode(kHostGotIt), "");
 }
 
+TEST_F(HostsFault, OutsideAnObjectsProcedureReachesItsHandler)
+{
+    EXPECT_EXIT(
+        {
+            hostWithHandler();
+            guarded(kSource, [] { readNullAddress(); });
+        },
+        ExitedWithCode(kHostGotIt), "");
+}
+
 TEST_F(HostsFault, BehindACallOfTheComponentReachesItsHandler)
 {
     EXPECT_EXIT(
         {
             hostWithHandler();
-            guarded(kSource, [] { divideByZero(); });
-            guarded(kSource, [] { readNullAddress(); });
+            procedureOfAnObject([] { divideByZero(); });
+            procedureOfAnObject([] { readNullAddress(); });
             if (witness->reports.size() != 2)
                 ::_exit(2);
             readNullAddress();
@@ -397,7 +430,7 @@ TEST_F(HostsFault, WithinTheErrorObjectReachesItsHandler)
         {
             hostWithHandler();
             setErrorObject(std::make_shared<FaultyObject>());
-            guarded(kSource, [] { throw RuntimeFailure(FailureCode::Overflow); });
+            procedureOfAnObject([] { throw RuntimeFailure(FailureCode::Overflow); });
         },
         ExitedWithCode(kHostGotIt), "");
 }
@@ -408,7 +441,7 @@ TEST_F(HostsFault, WithinItsPumpReachesItsHandler)
         {
             hostWithHandler();
             machine.pump().hostPump([] { readNullAddress(); });
-            guarded(kSource, [] { DoEvents(); });
+            procedureOfAnObject([] { DoEvents(); });
         },
         ExitedWithCode(kHostGotIt), "");
 }
@@ -499,14 +532,14 @@ TEST_F(HostsFault, ASignalThatSomebodySendsIsNoFault)
     EXPECT_EXIT(
         {
             hostWithDefault(SIGSEGV);
-            guarded(kSource, [] { ::raise(SIGSEGV); });
+            procedureOfAnObject([] { ::raise(SIGSEGV); });
         },
         KilledBySignal(SIGSEGV), "");
     EXPECT_EXIT(
         {
             ::signal(SIGFPE, SIG_IGN);
             installCapture();
-            guarded(kSource, [] { ::raise(SIGFPE); });
+            procedureOfAnObject([] { ::raise(SIGFPE); });
             ::_exit(witness->reports.empty() ? kHostGotIt : 1);
         },
         ExitedWithCode(kHostGotIt), "");

@@ -17,6 +17,13 @@ library=$(dirname "$(find "$work/root" -name 'libKELReader81U.so.*.*.*' -print -
 [ -L "$kelreader" ] || fail "the command is not where it is looked for"
 [ -f "$library/LKELReader81.txt" ] || fail "the language file is not beside the component"
 [ -f "$work/root/share/man/man1/kelreader.1" ] || fail "the manual page is missing"
+[ -f "$work/root/share/doc/KELReader81U/readers/scantron.md" ] || fail "the operators' pages are missing"
+[ -f "$work/root/share/doc/KELReader81U/hosts.md" ] || fail "the hosts' page is missing"
+
+# A host sees the public classes and nothing else.
+hidden=$(nm -D --defined-only -C "$library"/libKELReader81U.so.?.?.? | cut -d' ' -f3- |
+         grep -vE '^((typeinfo( name)?|vtable) for |non-virtual thunk to )?kel::|^__odr_asan' || true)
+[ -z "$hidden" ] || fail "symbols that are nobody's business: $hidden"
 
 # The texts come from the installed language file, and the remote lines' module is found.
 "$kelreader" models --format csv | grep -q 'Scantron Scanmark 2500' || fail "the installed command lists no models"
@@ -26,7 +33,7 @@ case "$remote" in *'"number":80'*) ;; *) fail "a remote line is not tried: $remo
 # A host built against the package.
 cmake -S "$source/examples" -B "$work/host" -G Ninja -DCMAKE_PREFIX_PATH="$work/root" \
       -DCMAKE_CXX_COMPILER_LAUNCHER=ccache -DCMAKE_CXX_FLAGS="$flags" >"$work/configure.log"
-cmake --build "$work/host" --target read_batch >"$work/build.log" || { cat "$work/build.log" >&2; exit 1; }
+cmake --build "$work/host" >"$work/build.log" || { cat "$work/build.log" >&2; exit 1; }
 
 # The same through pkg-config.
 export PKG_CONFIG_PATH=$(dirname "$(find "$work/root" -name KELReader81U.pc -print -quit)")

@@ -41,7 +41,7 @@ protected:
             procedure();
         } catch (const RuntimeFailure& failure) {
             EXPECT_FALSE(componentRuns());
-            ComponentCode::goesOn();
+            faultCaught();
             return static_cast<std::uint32_t>(failure.number());
         }
         return 0;
