@@ -1,0 +1,58 @@
+#pragma once
+
+#include "platform/posix/LineInput.h"
+#include "platform/posix/SteadyTime.h"
+#include "tests/platform/posix/PosixTest.h"
+
+#include <algorithm>
+#include <chrono>
+
+namespace kel::test {
+
+/// Turns of the pump, and what they take.
+class MessagePumpTest : public PosixTest {
+protected:
+    /// How long some turns take in all.
+    Moment timeOf(int turns)
+    {
+        const Moment begin = steadyTime();
+        for (int turn = 0; turn < turns; ++turn)
+            machine.pump().DoEvents();
+        return steadyTime() - begin;
+    }
+
+    /// The shortest of many turns: a machine that is busy otherwise makes some longer.
+    Moment shortestTurn()
+    {
+        Moment shortest = Moment::max();
+        for (int turn = 0; turn < 30; ++turn)
+            shortest = std::min(shortest, timeOf(1));
+        return shortest;
+    }
+
+    /// How often the pump asks the system in some turns.
+    std::uint64_t pollsOf(int turns)
+    {
+        const std::uint64_t before = machine.pump().polls();
+        timeOf(turns);
+        return machine.pump().polls() - before;
+    }
+
+    /// Bytes from the far end; the caller has been told of them when this returns.
+    void arriveAndTell(Pty& pty, PosixSerialControl& line, const std::string& bytes)
+    {
+        const Int32 wanted = line.InBufferCount() + static_cast<Int32>(bytes.size());
+        ASSERT_EQ(pty.write(bytes), bytes.size());
+        while (line.InBufferCount() < wanted)
+            sleepUntil(steadyTime() + std::chrono::microseconds(100));
+    }
+
+    std::unique_ptr<ScanTimer> timer(Int32 interval)
+    {
+        auto made = machine.newScanTimer();
+        made->Interval(interval);
+        return made;
+    }
+};
+
+} // namespace kel::test
