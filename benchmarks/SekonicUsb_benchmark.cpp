@@ -1,4 +1,4 @@
-#include "drivers/sekonic_usb/MarkBytesSR.h"
+#include "drivers/sekonic_usb/MarkBytes.h"
 
 #include <benchmark/benchmark.h>
 

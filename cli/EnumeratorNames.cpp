@@ -1,5 +1,6 @@
 #include "cli/EnumeratorNames.h"
 
+#include "types/ModelRows.h"
 #include "types/Text.h"
 
 #include <algorithm>
@@ -57,7 +58,8 @@ constexpr Enumerator kReaderTypes[] = {
     KEL_ENUMERATOR(kelReaderTypeAppersonAdvantage1200),
     KEL_ENUMERATOR(kelReaderTypeChatsworthACP200),
 };
-static_assert(std::size(kReaderTypes) == kReaderTypeCount, "a model has no name");
+static_assert(modelWithoutRow(kReaderTypes, &Enumerator::value) == 0,
+              "the model of this number needs its KEL_ENUMERATOR in kReaderTypes");
 
 constexpr Enumerator kBaudRates[] = {
     KEL_ENUMERATOR(kelReaderBaudRate110),    KEL_ENUMERATOR(kelReaderBaudRate300),

@@ -8,6 +8,8 @@
 #include "types/Text.h"
 
 #include <algorithm>
+#include <array>
+#include <bit>
 #include <charconv>
 #include <functional>
 #include <optional>
@@ -99,20 +101,18 @@ struct Maker {
     kelProfileType eMaker;
     std::string_view name;
     std::string_view shortName;
-    std::vector<std::string_view> otherNames;
+    std::array<std::string_view, 2> otherNames;
 };
 
-const std::vector<Maker>& makers()
-{
-    static const std::vector<Maker> list = {
-        {kelProfileTypeAP, "Apperson", "apperson", {"ap"}},
-        {kelProfileTypeCT, "Chatsworth Data", "chatsworth", {"chatsworthdata", "ct"}},
-        {kelProfileTypePDI, "Peripheral Dynamics", "pdi", {"peripheraldynamics", "peripheraldynamicsinc"}},
-        {kelProfileTypeScantron, "Scantron", "scantron", {"ncs"}},
-        {kelProfileTypeSekonic, "Sekonic", "sekonic", {"scanningsystems"}},
-    };
-    return list;
-}
+constexpr Maker kMakers[] = {
+    {kelProfileTypeAP, "Apperson", "apperson", {"ap"}},
+    {kelProfileTypeCT, "Chatsworth Data", "chatsworth", {"chatsworthdata", "ct"}},
+    {kelProfileTypePDI, "Peripheral Dynamics", "pdi", {"peripheraldynamics", "peripheraldynamicsinc"}},
+    {kelProfileTypeScantron, "Scantron", "scantron", {"ncs"}},
+    {kelProfileTypeSekonic, "Sekonic", "sekonic", {"scanningsystems"}},
+};
+static_assert(std::ssize(kMakers) == std::popcount(static_cast<std::uint32_t>(kelProfileTypeAll)),
+              "each maker of kelProfileType needs one row in kMakers");
 
 } // namespace
 
@@ -150,9 +150,8 @@ kelProfileType makerNamed(std::string_view text)
 {
     const std::string wanted = plain(text);
     std::vector<std::string> known;
-    for (const Maker& maker : makers()) {
-        const auto& others = maker.otherNames;
-        if (wanted == maker.shortName || std::find(others.begin(), others.end(), wanted) != others.end())
+    for (const Maker& maker : kMakers) {
+        if (wanted == maker.shortName || (!wanted.empty() && std::ranges::count(maker.otherNames, wanted) != 0))
             return maker.eMaker;
         known.emplace_back(maker.shortName);
     }
@@ -161,7 +160,7 @@ kelProfileType makerNamed(std::string_view text)
 
 std::string makerName(kelProfileType eMaker)
 {
-    for (const Maker& maker : makers()) {
+    for (const Maker& maker : kMakers) {
         if (maker.eMaker == eMaker)
             return std::string(maker.name);
     }

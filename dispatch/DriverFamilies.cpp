@@ -8,6 +8,7 @@
 #include "drivers/scanning_systems/basScanningSystems.h"
 #include "drivers/scantron/basScantron.h"
 #include "drivers/sekonic_usb/basSekonicSR.h"
+#include "types/ModelRows.h"
 
 #include <algorithm>
 #include <iterator>
@@ -177,14 +178,14 @@ constexpr ModelRow kModelRows[] = {
     {kelReaderTypeAppersonBenchMark3000, &kApperson},
     {kelReaderTypeAppersonAdvantage1200, &kApperson},
 };
-static_assert(std::size(kModelRows) == kReaderTypeCount - 1, "a model has no driver");
+static_assert(modelWithoutRow(kModelRows, &ModelRow::eReaderType) == 0,
+              "the model of this number has no driver: it needs one row in kModelRows");
 
 } // namespace
 
 const DriverFamily* driverFamily(kelReaderType eReaderType)
 {
-    const auto* row = std::find_if(std::begin(kModelRows), std::end(kModelRows),
-                                   [&](const ModelRow& model) { return model.eReaderType == eReaderType; });
+    const auto* row = std::ranges::find(kModelRows, eReaderType, &ModelRow::eReaderType);
     return row == std::end(kModelRows) ? nullptr : row->family;
 }
 

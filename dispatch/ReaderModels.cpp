@@ -56,8 +56,9 @@ constexpr std::array<const char*, kReaderTypeCount> kReaderNames = {
     "Chatsworth Data ACP-200",           // 41 kelReaderTypeChatsworthACP200
 };
 
-static_assert(std::find(kReaderNames.begin() + 1, kReaderNames.end(), nullptr) == kReaderNames.end(),
-              "a model has no name");
+static_assert(std::find(kReaderNames.begin() + 1, kReaderNames.end(), nullptr) - kReaderNames.begin() ==
+                  kReaderTypeCount,
+              "the model of this number needs its name in kReaderNames");
 
 constexpr TextNumber kNoReader = 372;
 

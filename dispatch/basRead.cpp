@@ -34,7 +34,8 @@ Boolean ReaderInit(ReaderContract& oReader)
     Reference<clsKELReaderProfile> cProfile;
     guarded("KELReader81 - basRead.ReaderInit", KEL_PARAMETERS(oReader) + KEL_LOCALS(sKey, cProfile), [&] {
         sKey = CStr(oReader.ReaderType());
-        if (oReader.Profiles()->Exists(sKey)) {
+        // The catalogue's record of no model is for lists to show: there is nothing to start.
+        if (oReader.ReaderType() != kelReaderTypeNone && oReader.Profiles()->Exists(sKey)) {
             cProfile = oReader.Profiles()->Item(sKey);
             if (cProfile->InterfaceType() == kelReaderInterfaceTypeSerial) {
                 if (oReader.Port() < kFirstPort || oReader.Port() > kLastPort) {

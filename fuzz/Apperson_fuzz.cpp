@@ -1,32 +1,30 @@
 #include "drivers/apperson/DataLines.h"
 #include "drivers/apperson/KeyEncoding.h"
 #include "drivers/apperson/RawBlock.h"
+#include "fuzz/Session.h"
 #include "reader/AnswerKey.h"
 #include "reader/Dictionary.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <span>
 #include <string>
 
-// What an Apperson reader may send: lines and blocks of any bytes; and what a host may want to be sent: answer keys.
-// The first byte chooses. Only run-time failures may come out, and they are told by their number.
+// What an Apperson reader may send: lines and blocks of any bytes, and replies within a session; and what a host may
+// want to be sent: answer keys. The first byte chooses. Only run-time failures may come out, and they are told by their
+// number.
 
 namespace {
 
 using namespace kel;
 
-void demand(bool holds)
-{
-    if (!holds)
-        std::abort();
-}
+constexpr kelReaderType kModels[] = {kelReaderTypeAppersonAdvantageLink, kelReaderTypeAppersonGradeMaster,
+                                     kelReaderTypeAppersonBenchMark3000, kelReaderTypeAppersonAdvantage1200};
 
 /// A failure that a line, a block or a key may end in.
 void expectKnown(const RuntimeFailure& failure)
 {
-    demand(failure.number() == 5 || failure.number() == 6 || failure.number() == 9);
+    demand(failure.number() == 5 || failure.number() == 6 || failure.number() == 9, "the failure is meant");
 }
 
 void readBenchMark(std::span<const Byte> bytes)
@@ -70,7 +68,7 @@ void readAdvantageLink(std::span<const Byte> bytes, Int32 rows, Int32 columns)
     MarkArray iSide1Arr(rows, columns);
     setMarksAdvantageLinkAP(iSide1Arr, block);
     for (const Int16 mark : iSide1Arr.elements())
-        demand(mark >= 0 && mark <= 255);
+        demand(mark >= 0 && mark <= 255, "a mark is a byte");
 }
 
 void readGradeMaster(std::span<const Byte> bytes, Int32 rows, Int32 columns)
@@ -78,12 +76,12 @@ void readGradeMaster(std::span<const Byte> bytes, Int32 rows, Int32 columns)
     RawBlockAP block = newBlockGradeMasterAP();
     if (!fill(block, bytes))
         return;
-    demand(identifierGradeMasterAP(block).size() == 10);
+    demand(identifierGradeMasterAP(block).size() == 10, "an identifier has ten characters");
     static_cast<void>(errorNumberGradeMasterAP(block));
     MarkArray iSide1Arr(rows, columns);
     setMarksGradeMasterAP(iSide1Arr, block, 7);
     for (const Int16 mark : iSide1Arr.elements())
-        demand(mark == 0 || mark == 7);
+        demand(mark == 0 || mark == 7, "a mark is the threshold");
 }
 
 /// A question a byte: its low bits say how many choices, versions and columns there are, the others what is right.
@@ -102,16 +100,16 @@ Reference<AnswerKey> keyOf(std::span<const Byte> bytes)
 void encodeKey(std::span<const Byte> bytes, Int16 iNumberQuestions, AnswerCodeAP code)
 {
     EncodedKeyAP key = encodeKeyAP(*keyOf(bytes), code);
-    demand(key.iNumKeys <= (code == AnswerCodeAP::Mask ? 1 : 4));
+    demand(key.iNumKeys <= (code == AnswerCodeAP::Mask ? 1 : 4), "a reader stores so many versions");
     if (needsSimplexKeyAP(key, iNumberQuestions))
         cutToFirstPageAP(key, iNumberQuestions);
     for (const std::string& sKey : key.sKeyStrArr.elements()) {
         std::string joined;
         for (const std::string& sPiece : keyPiecesAP(sKey)) {
-            demand(!sPiece.empty() && sPiece.size() <= 5);
+            demand(!sPiece.empty() && sPiece.size() <= 5, "a piece has one to five characters");
             joined += sPiece;
         }
-        demand(joined == sKey);
+        demand(joined == sKey, "the pieces are the key");
     }
 }
 
@@ -123,14 +121,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         return 0;
     const std::span<const Byte> bytes(data + 3, size - 3);
     try {
-        switch (data[0] % 7) {
+        switch (data[0] % 8) {
         case 0: readBenchMark(bytes); break;
         case 1: readAdvantage1200(bytes, False); break;
         case 2: readAdvantage1200(bytes, True); break;
         case 3: readAdvantageLink(bytes, data[1], data[2]); break;
         case 4: readGradeMaster(bytes, data[1], data[2]); break;
         case 5: encodeKey(bytes, data[1], AnswerCodeAP::Digits); break;
-        default: encodeKey(bytes, data[1], AnswerCodeAP::Mask); break;
+        case 6: encodeKey(bytes, data[1], AnswerCodeAP::Mask); break;
+        default: fuzzSerialSession(kModels, Input(data + 1, size - 1)); break;
         }
     } catch (const RuntimeFailure& failure) {
         expectKnown(failure);

@@ -1,54 +1,69 @@
 #include "drivers/scantron/FormCommands.h"
 #include "drivers/scantron/SheetCells.h"
+#include "fuzz/Session.h"
 #include "reader/clsKELReaderWindow.h"
 
 #include <cstddef>
-#include <cstring>
 
 using namespace kel;
 
-// Seven 16-bit numbers describe a window; the bytes behind them fill its cells, and a page of 48 columns.
-extern "C" int LLVMFuzzerTestOneInput(const Byte* data, std::size_t size)
-{
-    Int16 numbers[7];
-    if (size < sizeof numbers)
-        return 0;
-    std::memcpy(numbers, data, sizeof numbers);
-    data += sizeof numbers;
-    size -= sizeof numbers;
+// An odd first byte is followed by a session; an even one by seven numbers that describe a window, and by bytes that
+// fill its cells, and a page of 48 columns.
 
-    clsKELReaderWindow window;
-    window.StartRow(numbers[0]);
-    window.NumRows(numbers[1]);
-    window.RowGap(numbers[2]);
-    window.StartCol(numbers[3]);
-    window.NumCols(numbers[4]);
-    window.ColGap(numbers[5]);
-    window.Orientation(numbers[6]);
-    const auto expected = [](const RuntimeFailure& failure) {
-        return failure.code() == FailureCode::SubscriptOutOfRange || failure.code() == FailureCode::Overflow;
-    };
-    MarkArray marks(64, 48);
+namespace {
+
+constexpr kelReaderType kModels[] = {kelReaderTypeScantronScanMark2000, kelReaderTypeScantron8000,
+                                     kelReaderTypeScantronScanMarkES2010, kelReaderTypeScantronScanMarkES2800};
+
+template <class Body>
+void mayFail(Body&& body)
+{
     try {
+        body();
+    } catch (const RuntimeFailure& failure) {
+        demand(failure.code() == FailureCode::SubscriptOutOfRange || failure.code() == FailureCode::Overflow,
+               "the failure is meant");
+    }
+}
+
+void fuzzCells(Input input)
+{
+    clsKELReaderWindow window;
+    window.StartRow(input.number16());
+    window.NumRows(input.number16());
+    window.RowGap(input.number16());
+    window.StartCol(input.number16());
+    window.NumCols(input.number16());
+    window.ColGap(input.number16());
+    window.Orientation(input.number16());
+    MarkArray marks(64, 48);
+    mayFail([&] {
         static_cast<void>(windowDefinitionST(1, window));
         WindowCellsST cells(window);
-        for (std::size_t i = 0; i < size; ++i) {
+        for (const Byte byte : input.rest()) {
             const auto cell = cells.next();
             if (!cell)
                 break;
-            marks(cell->row, cell->column) = data[i];
+            marks(cell->row, cell->column) = byte;
         }
-    } catch (const RuntimeFailure& failure) {
-        if (!expected(failure))
-            __builtin_trap();
-    }
-    try {
+    });
+    mayFail([&] {
         PageSideST side(marks, 48);
-        for (std::size_t i = 0; i < size; ++i)
-            side.store(data[i]);
-    } catch (const RuntimeFailure& failure) {
-        if (!expected(failure))
-            __builtin_trap();
-    }
+        for (const Byte byte : input.rest())
+            side.store(byte);
+    });
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const Byte* data, std::size_t size)
+{
+    if (size == 0)
+        return 0;
+    const Input input(data + 1, size - 1);
+    if ((data[0] & 1) != 0)
+        fuzzSerialSession(kModels, input);
+    else
+        fuzzCells(input);
     return 0;
 }

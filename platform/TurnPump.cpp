@@ -51,6 +51,7 @@ void TurnPump::remove(TurnTimer& timer)
 
 void TurnPump::DoEvents()
 {
+    turnBegan_ = now();
     runHostPump();
     const bool messagesRan = runMessages();
     if (timerIsDue()) {
@@ -98,7 +99,7 @@ void TurnPump::fireTimers()
         std::any_of(lines_.begin(), lines_.end(), [](const ReceivedInput* line) { return line->untold(); });
     const std::vector<TurnTimer*> running = timers_;
     for (TurnTimer* timer : running)
-        timer->fireIfDue(now(), inputCame);
+        timer->fireIfDue(now(), inputCame && timer->end() > turnBegan_);
 }
 
 bool TurnPump::inputInvites() const

@@ -19,7 +19,8 @@ class TurnTimer;
 /// arrives, a timer is due or a message comes, for 20 milliseconds at most. What arrives is fetched into the line's
 /// buffer right there. So a waiting loop sees a byte at once and takes next to no processor time.
 ///
-/// Input that comes together with the end of a timer goes first: the timer's event runs one turn later.
+/// Input that comes in the turn in which a timer ends goes first: the timer's event runs one turn later. The event of a
+/// timer that has ended before, in a pause for example, runs in the next turn, whatever has come meanwhile.
 class TurnPump : public MessagePump {
 public:
     TurnPump(const TurnPump&) = delete;
@@ -70,6 +71,7 @@ private:
     void endTurn();
 
     Moment begin_;
+    Moment turnBegan_{};
     std::shared_ptr<const std::function<void()>> hostPump_;
     std::vector<ReceivedInput*> lines_;
     std::vector<TurnTimer*> timers_;

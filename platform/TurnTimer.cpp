@@ -43,12 +43,12 @@ std::optional<Moment> TurnTimer::end() const
     return started_ + std::chrono::milliseconds(interval_);
 }
 
-void TurnTimer::fireIfDue(Moment now, bool inputCame)
+void TurnTimer::fireIfDue(Moment now, bool mayBePutOff)
 {
     const std::optional<Moment> moment = end();
     if (!moment || *moment > now)
         return;
-    if (inputCame && !putOff_) {
+    if (mayBePutOff && !putOff_) {
         putOff_ = true;
         return;
     }

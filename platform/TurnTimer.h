@@ -28,9 +28,9 @@ public:
     /// When the countdown ends; nothing if there is none.
     [[nodiscard]] std::optional<Moment> end() const;
 
-    /// Runs the event if the countdown has ended by `now`. Input that came in the same turn puts it off by one turn,
-    /// but not twice: bytes that drip in are no reason to wait for ever.
-    void fireIfDue(Moment now, bool inputCame);
+    /// Runs the event if the countdown has ended by `now`. It may be put off by one turn, but not twice: bytes that drip
+    /// in are no reason to wait for ever.
+    void fireIfDue(Moment now, bool mayBePutOff);
 
 private:
     void start();

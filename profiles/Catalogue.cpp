@@ -1,6 +1,5 @@
 #include "profiles/Catalogue.h"
 
-#include <algorithm>
 #include <array>
 #include <cstddef>
 
@@ -141,17 +140,21 @@ constexpr std::array<CatalogueGroup, 5> kCatalogue = {{
     {kelProfileTypeSekonic, kSekonic},
 }};
 
-/// Whether every model from 1 to the last one stands in the catalogue, and stands there once.
-consteval bool isComplete()
+/// The number of the first model that does not stand in the catalogue once; 0, "no reader", is not to stand there. -1
+/// when all is well.
+consteval std::int32_t misplacedModel()
 {
     std::array<int, kReaderTypeCount> found{};
     for (const CatalogueGroup& group : kCatalogue)
         for (const CatalogueModel& model : group.Models)
             ++found.at(static_cast<std::size_t>(model.ReaderType));
-    return std::count(found.begin() + 1, found.end(), 1) == kReaderTypeCount - 1 && found[kelReaderTypeNone] == 0;
+    for (std::int32_t model = 0; model < kReaderTypeCount; ++model)
+        if (found[static_cast<std::size_t>(model)] != (model == kelReaderTypeNone ? 0 : 1))
+            return model;
+    return -1;
 }
 
-static_assert(isComplete());
+static_assert(misplacedModel() == -1, "the model of this number needs one row in the array of its maker");
 
 } // namespace
 

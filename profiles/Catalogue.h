@@ -12,7 +12,7 @@ struct CatalogueGroup {
     std::span<const CatalogueModel> Models;
 };
 
-/// The makers and their models, in the order in which records and the dialog's list have them: 41 models in all.
+/// The makers and their models, in the order in which records and the dialog's list have them.
 [[nodiscard]] std::span<const CatalogueGroup> catalogue();
 
 /// What stands before them in every choice: no reader.

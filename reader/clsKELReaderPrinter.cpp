@@ -2,6 +2,7 @@
 
 #include "failure/ObjectLife.h"
 #include "failure/guarded.h"
+#include "types/ModelRows.h"
 
 #include <algorithm>
 #include <initializer_list>
@@ -98,7 +99,8 @@ constexpr ImprintModel kImprintModels[] = {
     {kelReaderTypeAppersonAdvantage1200, NotConcerned, 0, -1, -1, -1},
     {kelReaderTypeChatsworthACP200, None, 0, -1, -1, -1},
 };
-static_assert(std::size(kImprintModels) == kReaderTypeCount, "a model has no row");
+static_assert(modelWithoutRow(kImprintModels, &ImprintModel::type) == 0,
+              "nobody knows the imprinter of the model of this number: it needs one row in kImprintModels");
 
 constexpr Int16 kThreeLineDistance = 245;
 

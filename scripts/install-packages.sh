@@ -1,11 +1,12 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that building, testing and the demo need. Does nothing when all are there.
-# Usage: scripts/install-packages.sh [build] [test] [fuzz] [windows]   (default: build test)
+# Usage: scripts/install-packages.sh [build] [test] [coverage] [fuzz] [windows]   (default: build test)
 set -euo pipefail
 
 build=(g++ cmake ninja-build ccache pkg-config python3
        libserialport-dev libgensio-dev libsqlite3-dev libcli11-dev nlohmann-json3-dev qt6-base-dev)
 test=(libgtest-dev libgmock-dev libbenchmark-dev fonts-dejavu-core ser2net openssl dpkg-dev file doxygen)
+coverage=(gcovr)
 fuzz=(clang libclang-rt-14-dev)
 windows=(g++-mingw-w64-x86-64-posix mingw-w64-tools wine64 wine googletest)
 
@@ -15,9 +16,10 @@ for group in "${@:-build test}"; do
         case "$name" in
             build) wanted+=("${build[@]}") ;;
             test) wanted+=("${test[@]}") ;;
+            coverage) wanted+=("${coverage[@]}") ;;
             fuzz) wanted+=("${fuzz[@]}") ;;
             windows) wanted+=("${windows[@]}") ;;
-            *) echo "install-packages.sh: unknown group '$name'; try build, test, fuzz or windows" >&2; exit 2 ;;
+            *) echo "install-packages.sh: unknown group '$name'; try build, test, coverage, fuzz or windows" >&2; exit 2 ;;
         esac
     done
 done

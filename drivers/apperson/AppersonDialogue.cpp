@@ -5,11 +5,13 @@
 
 namespace kel {
 
+constinit thread_local Boolean bAPReaderStarted = False;
+
 namespace {
 
 constexpr TextNumber kNotReadyTitle = 188;
 
-void reportNoAnswer(const char* source, const ExchangeFaultsAP& faults)
+void reportNoReply(const char* source, const ExchangeFaultsAP& faults)
 {
     if (faults.timedOut)
         reportReaderFault(source, *faults.timedOut, kNotReadyTitle);
@@ -20,8 +22,6 @@ void reportNoAnswer(const char* source, const ExchangeFaultsAP& faults)
 
 } // namespace
 
-constinit thread_local Boolean bAPReaderStarted = False;
-
 bool isOKAP(std::string_view sData)
 {
     return sData.starts_with("OK");
@@ -31,7 +31,7 @@ bool awaitOKAP(ReaderContract& oReader, const char* source, const ExchangeFaults
 {
     switch (waitForReply(oReader)) {
     case Wait::Cancelled: reportReaderFault(source, faults.cancelled, kNotReadyTitle); return false;
-    case Wait::TimedOut: reportNoAnswer(source, faults); return false;
+    case Wait::TimedOut: reportNoReply(source, faults); return false;
     case Wait::Reply: break;
     }
     if (isOKAP(collectText(oReader, rules)))

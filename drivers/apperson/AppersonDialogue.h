@@ -13,7 +13,7 @@ namespace kel {
 /// command goes out once for a run of sheets.
 extern constinit thread_local Boolean bAPReaderStarted;
 
-/// What is reported when an exchange fails, all under one title. Without a number a missing answer is told in fixed
+/// What is reported when an exchange fails, all under one title. Without a number a missing reply is told in fixed
 /// words.
 struct ExchangeFaultsAP {
     TextNumber cancelled = 186;

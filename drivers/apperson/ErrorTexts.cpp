@@ -22,8 +22,7 @@ constexpr TextNumber kUnknownErrorText = 232;
 
 TextNumber errorTextAP(Int16 iErrCode)
 {
-    const auto* row = std::find_if(std::begin(kErrorTexts), std::end(kErrorTexts),
-                                   [&](const ErrorText& error) { return error.iErrCode == iErrCode; });
+    const auto* row = std::ranges::find(kErrorTexts, iErrCode, &ErrorText::iErrCode);
     return row == std::end(kErrorTexts) ? kUnknownErrorText : row->message;
 }
 

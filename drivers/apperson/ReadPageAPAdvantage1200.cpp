@@ -9,6 +9,8 @@ namespace kel {
 
 namespace {
 
+constexpr const char* kReadPage = "KELReader81 - basApperson.ReadPageAPAdvantage1200";
+
 /// Takes the bytes of one line; the reader may wait for its sheet as long as it likes. False when the stop flag was
 /// set.
 bool collectLine(ReaderContract& oReader, Advantage1200LineAP& line)
@@ -34,7 +36,7 @@ Boolean ReadPageAPAdvantage1200(ReaderContract& oReader)
     Boolean bNeedsMoreData = False;
     const auto variables =
         KEL_PARAMETERS(oReader) + KEL_LOCALS(oDataDict, iSide1Arr, iSide2Arr, sBarcodeArr, bNeedsMoreData);
-    guarded("KELReader81 - basApperson.ReadPageAPAdvantage1200", variables, [&] {
+    guarded(kReadPage, variables, [&] {
         oDataDict.CompareMode(kTextCompare);
         Advantage1200LineAP line(oDataDict);
 

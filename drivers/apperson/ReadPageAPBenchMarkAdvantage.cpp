@@ -13,7 +13,7 @@ namespace {
 constexpr const char* kReadPage = "KELReader81 - basApperson.ReadPageAPBenchMarkAdvantage";
 constexpr TextNumber kReadTitle = 196;
 
-/// Tells the reader to send its sheets. Its answer is not read here: it comes as a short line before the first sheet.
+/// Tells the reader to send its sheets. Its reply is not read here: it comes as a short line before the first sheet.
 bool startSheets(ReaderContract& oReader)
 {
     oReader.fComm().mscComm().Output("B1");

@@ -12,10 +12,10 @@ namespace {
 
 constexpr const char* kInitReader = "KELReader81 - basApperson.InitReaderAP";
 constexpr const char* kCloseReader = "KELReader81 - basApperson.CloseReaderAP";
+constexpr const char* kReturnError = "KELReader81 - basApperson.ReturnErrorAP";
 constexpr const char* kReadPage = "KELReader81 - basApperson.ReadPageAP";
 constexpr const char* kRejectPage = "KELReader81 - basApperson.RejectPageAP";
 constexpr const char* kEjectPage = "KELReader81 - basApperson.EjectPageAP";
-constexpr const char* kReturnError = "KELReader81 - basApperson.ReturnErrorAP";
 
 // The steps of the start whose failures are told in other words than the usual.
 constexpr ExchangeFaultsAP kDoNotGradeFaults = {.timedOut = std::nullopt};
@@ -109,6 +109,13 @@ Boolean CloseReaderAP(ReaderContract& oReader)
     return bResult;
 }
 
+std::string ReturnErrorAP(Int16 iErrCode)
+{
+    std::string sResult;
+    guarded(kReturnError, KEL_PARAMETERS(iErrCode), [&] { sResult = VBLM_RTString(errorTextAP(iErrCode)); });
+    return sResult;
+}
+
 Boolean ReadPageAP(ReaderContract& oReader)
 {
     Boolean bResult = False;
@@ -140,13 +147,6 @@ Boolean EjectPageAP(ReaderContract& oReader)
             oReader.fComm().mscComm().Output("A6");
     });
     return False;
-}
-
-std::string ReturnErrorAP(Int16 iErrCode)
-{
-    std::string sResult;
-    guarded(kReturnError, KEL_PARAMETERS(iErrCode), [&] { sResult = VBLM_RTString(errorTextAP(iErrCode)); });
-    return sResult;
 }
 
 } // namespace kel

@@ -16,15 +16,15 @@ Boolean InitReaderAP(ReaderContract& oReader);
 /// Ends the session. True if the reader said so.
 Boolean CloseReaderAP(ReaderContract& oReader);
 
+/// The text for an error code of a reader.
+[[nodiscard]] std::string ReturnErrorAP(Int16 iErrCode);
+
 /// Reads one sheet by the procedure of the model.
 Boolean ReadPageAP(ReaderContract& oReader);
 
-/// Sends the sheet to the reject side, or out, on the BenchMark 3000; does nothing on the others. Always False.
+/// Sends the sheet to the reject hopper, or out, on the BenchMark 3000; does nothing on the others. Always False.
 Boolean RejectPageAP(ReaderContract& oReader);
 Boolean EjectPageAP(ReaderContract& oReader);
-
-/// The text for an error code of a reader.
-[[nodiscard]] std::string ReturnErrorAP(Int16 iErrCode);
 
 /// Read one sheet into side 1. Its size is `LargestSide1Rows` by `LargestSide1Cols`: the readers do not announce how
 /// many rows they send. Marks are the reader's own values (Advantage Link) or `RecognitionThreshold` (GradeMaster,

@@ -28,8 +28,7 @@ constexpr ModelCT kOther = {kelReaderTypeNone, None, false, true, {}, {}, {}};
 
 const ModelCT& modelCT(kelReaderType eReaderType)
 {
-    const auto* row = std::find_if(std::begin(kModels), std::end(kModels),
-                                   [&](const ModelCT& model) { return model.type == eReaderType; });
+    const auto* row = std::ranges::find(kModels, eReaderType, &ModelCT::type);
     return row == std::end(kModels) ? kOther : *row;
 }
 

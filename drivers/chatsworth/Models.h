@@ -10,9 +10,9 @@ namespace kel {
 /// How a model is told to begin a sheet.
 enum class SheetStartCT {
     None,   ///< it sends by itself
-    Byte11, ///< 0x11, answered by the sheet itself
-    Framed, ///< the framed "E", answered up to CR
-    Feed,   ///< ESC "F" CR when the feeder is used, answered up to CR; by itself otherwise
+    Byte11, ///< 0x11, whose reply is the sheet itself
+    Framed, ///< the framed "E", with a reply up to CR
+    Feed,   ///< ESC "F" CR when the feeder is used, with a reply up to CR; by itself otherwise
 };
 
 /// The two set-up commands of a model.

@@ -14,7 +14,7 @@ namespace {
 constexpr const char* kInitReader = "KELReader81 - basChatsworth.InitReaderCT";
 constexpr const char* kReadPage = "KELReader81 - basChatsworth.ReadPageCT";
 constexpr const char* kRejectPage = "KELReader81 - basChatsworth.RejectPageCT";
-constexpr TextNumber kNoAnswerTitle = 184;
+constexpr TextNumber kNoReplyTitle = 184;
 
 constexpr const char* kProbe = "\x12R7777I00E";
 constexpr const char* kStartOfSheet = "\x11";
@@ -52,11 +52,11 @@ bool setUp(ReaderContract& oReader, const char* letters)
     sendCommand(oReader, letters);
     if (waitForCarriageReturn(oReader, false) == Wait::Reply)
         return true;
-    reportReaderFault(kInitReader, 234, kNoAnswerTitle);
+    reportReaderFault(kInitReader, 234, kNoReplyTitle);
     return false;
 }
 
-/// 0x11 is answered by the sheet itself; the stop flag is not looked at.
+/// The reply to 0x11 is the sheet itself; the stop flag is not looked at.
 bool startByByte(ReaderContract& oReader)
 {
     oReader.fComm().mscComm().Output(kStartOfSheet);
@@ -71,7 +71,7 @@ bool startFramed(ReaderContract& oReader)
     oReader.fComm().mscComm().Output(frameCommand("E"));
     const Wait wait = waitForCarriageReturn(oReader, true);
     if (wait == Wait::TimedOut)
-        reportReaderFault(kReadPage, 240, kNoAnswerTitle);
+        reportReaderFault(kReadPage, 240, kNoReplyTitle);
     return wait == Wait::Reply;
 }
 
@@ -86,7 +86,7 @@ bool startFed(ReaderContract& oReader)
         if (oReader.fComm().mscComm().InBufferCount() > 0)
             sData += oReader.fComm().mscComm().Input();
         if (!oReader.fComm().tmrScan().Enabled()) {
-            reportReaderFault(kReadPage, 240, kNoAnswerTitle);
+            reportReaderFault(kReadPage, 240, kNoReplyTitle);
             return false;
         }
     }
@@ -166,7 +166,7 @@ Boolean RejectPageCT(ReaderContract& oReader, Boolean bRejectHopper)
     guarded(kRejectPage, KEL_PARAMETERS(oReader, bRejectHopper), [&] {
         oReader.fComm().mscComm().Output(frameCommand(bRejectHopper ? "EF" : "ER"));
         if (waitForReply(oReader, {.cancellable = false}) != Wait::Reply) {
-            reportReaderFault(kRejectPage, 242, kNoAnswerTitle);
+            reportReaderFault(kRejectPage, 242, kNoReplyTitle);
             return;
         }
         bResult = collectText(oReader, {.pauseWhenEmpty = true}).find('\r') != std::string::npos;

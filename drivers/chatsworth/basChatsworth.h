@@ -14,7 +14,7 @@ Boolean InitReaderCT(ReaderContract& oReader);
 /// when the reader refuses, as with an empty feeder.
 Boolean ReadPageCT(ReaderContract& oReader);
 
-/// Sends the sheet to the reject hopper or out. True when the reader's answer holds a CR.
+/// Sends the sheet to the reject hopper, or out. True when the reader's reply holds a CR.
 Boolean RejectPageCT(ReaderContract& oReader, Boolean bRejectHopper);
 
 } // namespace kel

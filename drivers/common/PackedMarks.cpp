@@ -21,12 +21,12 @@ std::string frameCommand(const std::string& text)
 
 PackedRows::PackedRows(Int32 rows, Int16 iMarkValue) : iSide1Arr_(rows, kColumns), iMarkValue_(iMarkValue) {}
 
-void PackedRows::take(Byte bByte)
+void PackedRows::take(Byte byte)
 {
-    if (bByte != kEmptyHalfRow) {
+    if (byte != kEmptyHalfRow) {
         Int32 lColumn = bRightByte_ ? kLastColumnOfFirstByte : kLastColumnOfSecondByte;
         for (const Byte bBit : kMarkBits) {
-            if (bByte & bBit)
+            if (byte & bBit)
                 iSide1Arr_(iRow_, lColumn) = iMarkValue_;
             --lColumn;
         }

@@ -27,7 +27,7 @@ class PackedRows {
 public:
     PackedRows(Int32 rows, Int16 iMarkValue);
 
-    void take(Byte bByte);
+    void take(Byte byte);
 
     [[nodiscard]] const MarkArray& marks() const { return iSide1Arr_; }
     /// Rows of which both bytes came.

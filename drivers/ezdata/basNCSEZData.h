@@ -26,10 +26,10 @@ Boolean SetValuesNCSEZ(ReaderContract& oReader, const std::string& sExecCmd, con
 /// Reads one sheet into side 1: 150 rows of 12 columns, marks as `RecognitionThreshold` + 1.
 Boolean ReadPageNCSEZ(ReaderContract& oReader);
 
-/// Sends the sheet to the reject hopper or out.
+/// Sends the sheet to the reject hopper, or out.
 Boolean RejectPageNCSEZ(ReaderContract& oReader, Boolean bRejectHopper);
 
-/// Whether a reader of these makers answers on a port. Opens the port and closes it again, also where it failed.
+/// Whether a reader of these makers replies on a port. Opens the port and closes it again, also where it failed.
 Boolean LocateReaderNCSEZ(ReaderContract& oReader, Int16 iPort);
 
 /// Asks the reader on the reader object's port for its firmware version. Opens the port and closes it again.

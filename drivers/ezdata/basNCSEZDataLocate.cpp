@@ -16,7 +16,7 @@ constexpr const char* kFirmwareVersion = "KELReader81 - basNCSEZData.FirmwareVer
 // Unlike the commands the probe carries no 0x1B.
 constexpr const char* kProbe = "\x12R7777\x12I00\x12"
                                "E";
-constexpr std::string_view kProbeAnswer = "G\r";
+constexpr std::string_view kProbeReply = "G\r";
 
 /// Everything that waits, as one text.
 std::string takeAll(ReaderContract& oReader)
@@ -44,7 +44,7 @@ Boolean LocateReaderNCSEZ(ReaderContract& oReader, Int16 iPort)
         oReader.fComm().mscComm().Output(kProbe);
         Sleep(100);
         if (oReader.fComm().mscComm().InBufferCount() == 2)
-            bResult = takeAll(oReader) == kProbeAnswer;
+            bResult = takeAll(oReader) == kProbeReply;
     });
     closeLine(oReader, kLocateReader);
     return bResult;
@@ -60,7 +60,7 @@ Boolean FirmwareVersionNCSEZ(ReaderContract& oReader, std::string& sReturn)
         Sleep(100);
         if (oReader.fComm().mscComm().InBufferCount() > 0) {
             sData = takeAll(oReader);
-            const std::size_t lLocate = sData.find(kProbeAnswer);
+            const std::size_t lLocate = sData.find(kProbeReply);
             if (lLocate != std::string::npos) {
                 sReturn = Trim(sData.substr(0, lLocate));
                 bResult = True;

@@ -2,7 +2,7 @@
 
 #include "drivers/common/Dialogue.h"
 #include "drivers/common/PackedMarks.h"
-#include "drivers/ezdata/Replies.h"
+#include "drivers/ezdata/EZDataDialogue.h"
 #include "failure/basError.h"
 #include "failure/guarded.h"
 #include "platform/Platform.h"
@@ -15,7 +15,7 @@ namespace {
 constexpr const char* kReadPage = "KELReader81 - basNCSEZData.ReadPageNCSEZ";
 constexpr const char* kRejectPage = "KELReader81 - basNCSEZData.RejectPageNCSEZ";
 constexpr Int32 kMostRows = 150;
-constexpr Int32 kAnswerLength = 2;
+constexpr Int32 kReplyLength = 2;
 
 } // namespace
 
@@ -32,7 +32,7 @@ Boolean ReadPageNCSEZ(ReaderContract& oReader)
         oReader.fComm().mscComm().Output(frameCommand("E"));
         Sleep(500);
         lWaiting = oReader.fComm().mscComm().InBufferCount();
-        if (lWaiting != kAnswerLength) {
+        if (lWaiting != kReplyLength) {
             reportReaderFault(kReadPage, VBLM_RTString(TextNumber(340)) + CStr(lWaiting),
                               VBLM_RTString(TextNumber(292)));
             return;
@@ -65,7 +65,7 @@ Boolean RejectPageNCSEZ(ReaderContract& oReader, Boolean bRejectHopper)
     guarded(kRejectPage, KEL_PARAMETERS(oReader, bRejectHopper), [&] {
         oReader.fComm().mscComm().Output(frameCommand(bRejectHopper ? "EF" : "ER"));
         Sleep(200);
-        if (oReader.fComm().mscComm().InBufferCount() != kAnswerLength) {
+        if (oReader.fComm().mscComm().InBufferCount() != kReplyLength) {
             failNCSEZ(kRejectPage, 346);
             return;
         }

@@ -2,7 +2,7 @@
 
 #include "drivers/common/Dialogue.h"
 #include "drivers/common/PackedMarks.h"
-#include "drivers/ezdata/Replies.h"
+#include "drivers/ezdata/EZDataDialogue.h"
 #include "failure/guarded.h"
 #include "platform/Platform.h"
 #include "types/Text.h"
@@ -20,6 +20,7 @@ constexpr Int32 kConfigurationLength = 24;
 constexpr Int32 kAfterConfiguration = 2;
 constexpr Int32 kStatusLength = 3;
 constexpr Int32 kChangeLength = 3;
+constexpr Int32 kEndLength = 2;
 
 // Bits of the status byte
 constexpr Int16 kStatusSheetInPath = 0x01;
@@ -107,7 +108,7 @@ bool clearPath(ReaderContract& oReader, Int16& iStatus)
 
 /// The echo of a change, then the letter that says whether it was taken.
 bool takeChange(ReaderContract& oReader, const std::string& sEcho, TextNumber wrongLength, TextNumber wrongEcho,
-                const LetterTexts& texts)
+                const LetterTextsNCSEZ& texts)
 {
     if (oReader.fComm().mscComm().InBufferCount() != kChangeLength)
         return failNCSEZ(kSetValues, wrongLength);
@@ -147,6 +148,32 @@ Boolean InitReaderNCSEZ(ReaderContract& oReader)
     return bResult;
 }
 
+Boolean CloseReaderNCSEZ(ReaderContract& oReader)
+{
+    Boolean bResult = False;
+    bool bNeedsEject = false;
+    guarded(kCloseReader, KEL_PARAMETERS(oReader) + KEL_LOCALS(bNeedsEject), [&] {
+        oReader.fComm().mscComm().InputLen(1);
+        if (oReader.CancelScan()) {
+            // A stopped run may have left a sheet in the path: what still comes is its sign.
+            Sleep(checkedMultiply(oReader.SleepTime(), 10));
+            bNeedsEject = oReader.fComm().mscComm().InBufferCount() > 0;
+            drainInputWithPauses(oReader);
+            if (bNeedsEject)
+                oReader.RejectPage();
+        }
+        drainInput(oReader);
+        oReader.fComm().mscComm().Output(frameCommand("D"));
+        Sleep(100);
+        if (oReader.fComm().mscComm().InBufferCount() != kEndLength) {
+            failNCSEZ(kCloseReader, 296);
+            return;
+        }
+        bResult = letterTakenNCSEZ(oReader, kCloseReader, {.refused = 290, .unknown = 294});
+    });
+    return bResult;
+}
+
 Boolean SetValuesNCSEZ(ReaderContract& oReader, const std::string& sExecCmd, const std::string& sReturn)
 {
     Boolean bResult = False;
@@ -182,32 +209,6 @@ Boolean CheckThresholdNCSEZ(Int16 iRecognitionThreshold, const std::string& sSca
                 iCurrentThreshold = iThreshold;
         }
         bResult = iCurrentThreshold == iRecognitionThreshold;
-    });
-    return bResult;
-}
-
-Boolean CloseReaderNCSEZ(ReaderContract& oReader)
-{
-    Boolean bResult = False;
-    bool bNeedsEject = false;
-    guarded(kCloseReader, KEL_PARAMETERS(oReader) + KEL_LOCALS(bNeedsEject), [&] {
-        oReader.fComm().mscComm().InputLen(1);
-        if (oReader.CancelScan()) {
-            // A stopped run may have left a sheet in the path: what still comes is its sign.
-            Sleep(checkedMultiply(oReader.SleepTime(), 10));
-            bNeedsEject = oReader.fComm().mscComm().InBufferCount() > 0;
-            drainInputWithPauses(oReader);
-            if (bNeedsEject)
-                oReader.RejectPage();
-        }
-        drainInput(oReader);
-        oReader.fComm().mscComm().Output(frameCommand("D"));
-        Sleep(100);
-        if (oReader.fComm().mscComm().InBufferCount() != 2) {
-            failNCSEZ(kCloseReader, 296);
-            return;
-        }
-        bResult = letterTakenNCSEZ(oReader, kCloseReader, {.refused = 290, .unknown = 294});
     });
     return bResult;
 }

@@ -18,9 +18,9 @@ constexpr Int16 kRunCountBase = 0x40;
 constexpr Byte kCarriageReturn = 0x0D;
 constexpr Byte kLineFeed = 0x0A;
 
-bool isLineEnd(Byte bByte)
+bool isLineEnd(Byte byte)
 {
-    return bByte == kCarriageReturn || bByte == kLineFeed;
+    return byte == kCarriageReturn || byte == kLineFeed;
 }
 
 } // namespace
@@ -33,37 +33,37 @@ PageDecoderNCS::PageDecoderNCS(bool bTwoSides) : bTwoSides_(bTwoSides), sBarcode
     sBarcodeArr_(1) = "?";
 }
 
-std::optional<PageDecoderNCS::RowFault> PageDecoderNCS::take(Byte bByte)
+std::optional<PageDecoderNCS::RowFault> PageDecoderNCS::take(Byte byte)
 {
     switch (eRun_) {
     case Run::Count:
-        iNumCompress_ = static_cast<Int16>(bByte - kRunCountBase);
+        iNumCompress_ = static_cast<Int16>(byte - kRunCountBase);
         eRun_ = Run::Value;
         return std::nullopt;
     case Run::Value:
         eRun_ = Run::None;
         if (bInBarcode_)
-            appendToBarcode(bByte, iNumCompress_);
+            appendToBarcode(byte, iNumCompress_);
         else
-            takePositions(bByte, iNumCompress_);
+            takePositions(byte, iNumCompress_);
         return std::nullopt;
     case Run::None: break;
     }
 
-    if (bByte == kRowOfSide1)
+    if (byte == kRowOfSide1)
         return beginRow(1);
-    if (bByte == kRowOfSide2)
+    if (byte == kRowOfSide2)
         return beginRow(2);
-    if (bByte == kBarcodes)
+    if (byte == kBarcodes)
         beginBarcodes();
     else if (bInBarcode_)
-        takeInBarcode(bByte);
-    else if (isLineEnd(bByte))
+        takeInBarcode(byte);
+    else if (isLineEnd(byte))
         bDone_ = true;
-    else if (bByte == kRun)
+    else if (byte == kRun)
         eRun_ = Run::Count;
     else
-        takePositions(bByte, 1);
+        takePositions(byte, 1);
     return std::nullopt;
 }
 
@@ -86,40 +86,40 @@ void PageDecoderNCS::beginBarcodes()
     bInBarcode_ = true;
 }
 
-void PageDecoderNCS::takeInBarcode(Byte bByte)
+void PageDecoderNCS::takeInBarcode(Byte byte)
 {
-    if (isLineEnd(bByte)) {
+    if (isLineEnd(byte)) {
         // The entry that the last separator has opened goes.
         if (iNumBarcodes_ > 1) {
             --iNumBarcodes_;
             sBarcodeArr_.ReDimPreserve(iNumBarcodes_);
         }
         bDone_ = true;
-    } else if (bByte == kNextBarcode) {
+    } else if (byte == kNextBarcode) {
         // A barcode that is followed by another carries two characters in front that are not part of it.
         std::string& sBarcode = sBarcodeArr_(iNumBarcodes_);
         sBarcode.erase(0, 2);
         iNumBarcodes_ = checkedAdd(iNumBarcodes_, 1);
         sBarcodeArr_.ReDimPreserve(iNumBarcodes_);
-    } else if (bByte == kRun) {
+    } else if (byte == kRun) {
         eRun_ = Run::Count;
     } else {
-        appendToBarcode(bByte, 1);
+        appendToBarcode(byte, 1);
     }
 }
 
-void PageDecoderNCS::appendToBarcode(Byte bByte, Int16 iCount)
+void PageDecoderNCS::appendToBarcode(Byte byte, Int16 iCount)
 {
     if (iCount > 0)
-        sBarcodeArr_(iNumBarcodes_).append(static_cast<std::size_t>(iCount), static_cast<char>(bByte));
+        sBarcodeArr_(iNumBarcodes_).append(static_cast<std::size_t>(iCount), static_cast<char>(byte));
 }
 
-void PageDecoderNCS::takePositions(Byte bByte, Int16 iNumCompress)
+void PageDecoderNCS::takePositions(Byte byte, Int16 iNumCompress)
 {
     iNumBytes_ = checkedAdd(iNumBytes_, iNumCompress);
     const bool bStored = iCurrentSide_ == 1 || (iCurrentSide_ == 2 && bTwoSides_);
     for (Int16 iCompressIndex = 0; bStored && iCompressIndex < iNumCompress; ++iCompressIndex)
-        sides_[iCurrentSide_ - 1].put(bByte);
+        sides_[iCurrentSide_ - 1].put(byte);
 }
 
 void PageDecoderNCS::Side::put(Byte position)

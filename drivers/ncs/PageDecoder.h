@@ -27,7 +27,7 @@ public:
     explicit PageDecoderNCS(bool bTwoSides);
 
     /// Takes the next byte; a row length fault is told and the decoding goes on.
-    std::optional<RowFault> take(Byte bByte);
+    std::optional<RowFault> take(Byte byte);
 
     /// The reader has fallen silent within the barcodes, which ends the page. The entry opened last stays.
     void endBySilence() { bDone_ = true; }
@@ -58,9 +58,9 @@ private:
 
     std::optional<RowFault> beginRow(int side);
     void beginBarcodes();
-    void takeInBarcode(Byte bByte);
-    void takePositions(Byte bByte, Int16 iNumCompress);
-    void appendToBarcode(Byte bByte, Int16 iCount);
+    void takeInBarcode(Byte byte);
+    void takePositions(Byte byte, Int16 iNumCompress);
+    void appendToBarcode(Byte byte, Int16 iCount);
 
     Side sides_[2];
     bool bTwoSides_;

@@ -25,7 +25,7 @@ Boolean InitReaderNCS(ReaderContract& oReader);
 Boolean CloseReaderNCS(ReaderContract& oReader);
 
 /// Asks for the status of the last sheet. True if it is clean; a fault is reported, and the sheet goes to the reject
-/// side if the reader has one.
+/// hopper if the reader has one.
 Boolean CheckStatusNCS(ReaderContract& oReader);
 
 /// Asks for the reader's report: its driver status letter is kept, and its scan mode is stored in `eMode`. A mode
@@ -41,7 +41,7 @@ Boolean ReadPageNCS(ReaderContract& oReader);
 /// Hands the printer's distance and first line to the reader.
 Boolean PrintNCS(ReaderContract& oReader);
 
-/// Sends the sheet to the reject side, or out.
+/// Sends the sheet to the reject hopper, or out.
 void RejectPageNCS(ReaderContract& oReader);
 void EjectPageNCS(ReaderContract& oReader);
 

@@ -69,6 +69,18 @@ void stepThreshold(ReaderContract& oReader, const char* command, Int32 lSleepTim
     Sleep(lSleepTime);
 }
 
+/// Tells the reader to read a sheet, unless one is under way already. False when the status tells a fault.
+bool startPage(ReaderContract& oReader, Int16& iStatusByte1, Int16& iStatusByte2)
+{
+    if (!CheckStatusPD(oReader, iStatusByte1, iStatusByte2))
+        return false;
+    if (!(iStatusByte1 & kSheetUnderWay)) {
+        oReader.fComm().mscComm().Output("8");
+        Sleep(checkedMultiply(oReader.SleepTime(), 5));
+    }
+    return true;
+}
+
 void reportRowOverrun(ReaderContract& oReader)
 {
     std::string sText = VBLM_RTString(TextNumber(364));
@@ -205,12 +217,8 @@ Boolean ReadPagePD(ReaderContract& oReader)
         iRow = 1;
         iSide1Arr.ReDim(kMostRows, kColumns);
 
-        if (!CheckStatusPD(oReader, iStatusByte1, iStatusByte2))
+        if (!startPage(oReader, iStatusByte1, iStatusByte2))
             return;
-        if (!(iStatusByte1 & kSheetUnderWay)) {
-            oReader.fComm().mscComm().Output("8");
-            Sleep(checkedMultiply(oReader.SleepTime(), 5));
-        }
 
         // The reader may wait for a sheet as long as it likes: only the stop flag ends this.
         while (!bPageRead) {
@@ -230,13 +238,11 @@ Boolean ReadPagePD(ReaderContract& oReader)
                     oReader.Side1TimingMarks(iRow);
                     bFirstByte = false;
                 }
-            } else if (bRightByte) {
-                setHalfRowPD(iSide1Arr, iRow, kRightHalf, iTemp, iThreshold);
-                bRightByte = false;
-                iRow = checkedSubtract(iRow, 1);
             } else {
-                setHalfRowPD(iSide1Arr, iRow, kLeftHalf, iTemp, iThreshold);
-                bRightByte = true;
+                setHalfRowPD(iSide1Arr, iRow, bRightByte ? kRightHalf : kLeftHalf, iTemp, iThreshold);
+                bRightByte = !bRightByte;
+                if (!bRightByte)
+                    iRow = checkedSubtract(iRow, 1);
             }
         }
         oReader.fComm().mscComm().Output("9");

@@ -22,7 +22,7 @@ Boolean CheckStatusPD(ReaderContract& oReader, Int16& iStatusByte1, Int16& iStat
 /// Reads one sheet into side 1: 500 rows of 14 columns, marks as `RecognitionThreshold` + 1 in columns 1 to 12.
 Boolean ReadPagePD(ReaderContract& oReader);
 
-/// Sends the sheet to the reject side, or out.
+/// Sends the sheet to the reject hopper, or out.
 void RejectPagePD(ReaderContract& oReader);
 void EjectPagePD(ReaderContract& oReader);
 

@@ -4,8 +4,8 @@
 
 namespace kel {
 
-/// What the reader last answered to the question for its emulation mode. It chooses the threshold commands and the
-/// words for fault codes, and outlives the session; models without emulation modes do not touch it.
+/// What the reader last replied to the query for its emulation mode. It chooses the threshold commands and the
+/// words for error codes, and outlives the session; models without emulation modes do not touch it.
 extern constinit thread_local Int16 iEmulationMode;
 
 } // namespace kel

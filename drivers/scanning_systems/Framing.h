@@ -16,7 +16,7 @@ namespace kel {
 inline constexpr std::string_view kStxSS = "\x02";
 inline constexpr std::string_view kCrSS = "\r";
 
-/// CAN CR: puts the reader back to its beginning; it answers ACK.
+/// CAN CR: puts the reader back to its beginning; it replies ACK.
 inline constexpr std::string_view kResetSS = "\x18\r";
 inline constexpr char kAckSS = '\x06';
 

@@ -25,28 +25,28 @@ ColumnSS columnSS(ColumnLettersSS letters, Byte character, Int16 columnBefore)
     return {.column = columnBefore, .exists = character < ':' || character > '>'};
 }
 
-PageStepSS PageReplySS::take(Byte character)
+PageStepSS PageReplySS::take(Byte byte)
 {
     if (awaits_ == Awaits::Value) {
-        marks_(iRowIndex_, iColIndex_) = static_cast<Int16>(character - kZero);
+        marks_(iRowIndex_, iColIndex_) = static_cast<Int16>(byte - kZero);
         awaits_ = Awaits::Element;
         return PageStepSS::ElementDone;
     }
-    if (awaits_ == Awaits::Element && character == kBlank) {
+    if (awaits_ == Awaits::Element && byte == kBlank) {
         awaits_ = Awaits::ElementBehindBlank;
         return PageStepSS::ElementOpen;
     }
-    return takeElement(character);
+    return takeElement(byte);
 }
 
-PageStepSS PageReplySS::takeElement(Byte character)
+PageStepSS PageReplySS::takeElement(Byte byte)
 {
-    if (character == kRowEnd) {
+    if (byte == kRowEnd) {
         iRowIndex_ = checkedAdd(iRowIndex_, 1);
         awaits_ = Awaits::Element;
         return PageStepSS::ElementDone;
     }
-    const ColumnSS column = columnSS(letters_, character, iColIndex_);
+    const ColumnSS column = columnSS(letters_, byte, iColIndex_);
     iColIndex_ = column.column;
     awaits_ = Awaits::Value;
     return column.exists ? PageStepSS::ElementOpen : PageStepSS::WrongColumn;

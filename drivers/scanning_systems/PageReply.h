@@ -37,7 +37,7 @@ public:
     PageReplySS(MarkArray& marks, ColumnLettersSS letters) : marks_(marks), letters_(letters) {}
 
     /// The next byte. A mark outside the array is failure 9, a row that can no longer be counted failure 6.
-    PageStepSS take(Byte character);
+    PageStepSS take(Byte byte);
 
     /// The row under way, from 1.
     [[nodiscard]] Int16 row() const noexcept { return iRowIndex_; }
@@ -45,7 +45,7 @@ public:
 private:
     enum class Awaits { Element, ElementBehindBlank, Value };
 
-    PageStepSS takeElement(Byte character);
+    PageStepSS takeElement(Byte byte);
 
     MarkArray& marks_;
     ColumnLettersSS letters_;

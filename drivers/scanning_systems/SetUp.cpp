@@ -1,5 +1,6 @@
 #include "drivers/scanning_systems/SetUp.h"
 
+#include "drivers/common/WindowPositions.h"
 #include "drivers/scanning_systems/Framing.h"
 #include "types/Text.h"
 
@@ -25,17 +26,11 @@ constexpr ThresholdStep kThresholdSteps[] = {
     {1, 8, "DL2"}, {1, 12, "DL3"}, {1, kNoLimit, "DL4"},
 };
 
-/// The start of a row of positions seen from its other end.
-Int16 otherEnd(Int16 iStart, Int16 iCount, Int16 iGap)
-{
-    return checkedSubtract(checkedAdd(checkedMultiply(iCount, iGap), iStart), iGap);
-}
-
 } // namespace
 
 std::string thresholdTextSS(Int16 iEmulationMode, Int16 iThreshold)
 {
-    const auto* step = std::find_if(std::begin(kThresholdSteps), std::end(kThresholdSteps), [&](const auto& row) {
+    const auto* step = std::ranges::find_if(kThresholdSteps, [&](const auto& row) {
         return row.iEmulationMode == iEmulationMode && iThreshold <= row.iUpTo;
     });
     if (step != std::end(kThresholdSteps))
@@ -46,11 +41,11 @@ std::string thresholdTextSS(Int16 iEmulationMode, Int16 iThreshold)
 void makeGapsPositiveSS(clsKELReaderWindow& cWindow)
 {
     if (cWindow.RowGap() < 0) {
-        cWindow.StartRow(otherEnd(cWindow.StartRow(), cWindow.NumRows(), cWindow.RowGap()));
+        cWindow.StartRow(positionInWindow(cWindow.StartRow(), cWindow.RowGap(), cWindow.NumRows()));
         cWindow.RowGap(checkedAbs(cWindow.RowGap()));
     }
     if (cWindow.ColGap() < 0) {
-        cWindow.StartCol(otherEnd(cWindow.StartCol(), cWindow.NumCols(), cWindow.ColGap()));
+        cWindow.StartCol(positionInWindow(cWindow.StartCol(), cWindow.ColGap(), cWindow.NumCols()));
         cWindow.ColGap(checkedAbs(cWindow.ColGap()));
     }
 }

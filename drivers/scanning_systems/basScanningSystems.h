@@ -21,7 +21,7 @@ Boolean CloseReaderSS();
 /// `bUseByteArray` each byte of the reply becomes its decimal text: the byte "0" becomes "48".
 std::string SendCommandSS(ReaderContract& oReader, const std::string& sCmd, Boolean bUseByteArray);
 
-/// Reports the fault code `sErr`, the decimal text of a status byte, in the words of the model and its emulation mode.
+/// Reports the error code `sErr`, the decimal text of a status byte, in the words of the model and its emulation mode.
 /// Does nothing for a code that has no words.
 void ReturnErrorSS(ReaderContract& oReader, const std::string& sErr);
 
@@ -48,7 +48,7 @@ void AddToArraySS(ReaderContract& oReader, const std::string& sOutput, Int16 iPa
 /// print follows. True if the reader says that it has printed.
 Boolean PrintSS(ReaderContract& oReader, Boolean bAbort);
 
-/// Sends the sheet on its way: to the reject hopper, or to the normal path. Without a rejecter and with a prepared
+/// Sends the sheet to the reject hopper, or out. Without a rejecter and with a prepared
 /// printer the reader is only told that no print follows.
 void RejectPageSS(ReaderContract& oReader, Boolean bRejectHopper);
 

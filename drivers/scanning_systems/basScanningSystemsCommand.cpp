@@ -1,6 +1,6 @@
 #include "drivers/common/Dialogue.h"
 #include "drivers/scanning_systems/EmulationMode.h"
-#include "drivers/scanning_systems/ScannerFaults.h"
+#include "drivers/scanning_systems/ErrorTexts.h"
 #include "drivers/scanning_systems/basScanningSystems.h"
 #include "failure/basError.h"
 #include "failure/guarded.h"
@@ -43,12 +43,12 @@ void ReturnErrorSS(ReaderContract& oReader, const std::string& sErr)
 {
     std::string sText;
     guarded(kReturnError, KEL_PARAMETERS(oReader, sErr) + KEL_LOCALS(sText), [&] {
-        const std::optional<FaultTextSS> fault = faultTextSS(oReader.ReaderType(), iEmulationMode, sErr);
-        if (!fault)
+        const std::optional<ErrorTextSS> error = errorTextSS(oReader.ReaderType(), iEmulationMode, sErr);
+        if (!error)
             return;
-        sText = VBLM_RTString(fault->text);
-        if (fault->behindCode)
-            sText += sErr + VBLM_RTString(*fault->behindCode);
+        sText = VBLM_RTString(error->text);
+        if (error->behindCode)
+            sText += sErr + VBLM_RTString(*error->behindCode);
         if (!sText.empty())
             reportReaderFault(kReturnError, sText, "Scanner Error");
     });

@@ -60,7 +60,7 @@ bool statusIsGood(ReaderContract& oReader, const std::string& sData)
     return true;
 }
 
-/// Asks for the timing marks. A side that does not answer is left uncounted, and side 2 is not asked behind it.
+/// Asks for the timing marks. A side that does not reply is left uncounted, and side 2 is not asked behind it.
 void readTimingMarks(ReaderContract& oReader)
 {
     std::string sData = SendCommandSS(oReader, querySS("T"), False);
@@ -142,7 +142,7 @@ Boolean ReadPageSS(ReaderContract& oReader)
         if (oReader.Printer()->Initialized() && oReader.Printer()->Active())
             InitPrinterSS(oReader);
 
-        // The reader answers when a sheet has passed: this is the wait for the sheet.
+        // The reader replies when a sheet has passed: this is the wait for the sheet.
         sData = SendCommandSS(oReader, "?\r", True);
         if (sData.empty() || !statusIsGood(oReader, sData))
             return;

@@ -23,8 +23,8 @@ constexpr TextNumber kStartTitle = 376;
 constexpr Int32 kFirstZone = 1;
 constexpr Int32 kRejecterPosition = 6;
 
-/// Waits for an answer at the start, whatever the stop flag says. Silence is reported.
-bool answerComes(ReaderContract& oReader)
+/// Waits for a reply at the start, whatever the stop flag says. Silence is reported.
+bool replyComes(ReaderContract& oReader)
 {
     if (waitForReply(oReader, {.cancellable = false}) == Wait::Reply)
         return true;
@@ -61,14 +61,14 @@ void downloadWindows(ReaderContract& oReader)
 bool startInEmulationMode(ReaderContract& oReader)
 {
     oReader.fComm().mscComm().Output(querySS("OM"));
-    if (!answerComes(oReader))
+    if (!replyComes(oReader))
         return false;
     std::string sData = collectText(oReader);
     iEmulationMode = CInt(Val(sData));
 
     if (oReader.Rejecter()) {
         oReader.fComm().mscComm().Output(querySS("O"));
-        if (!answerComes(oReader))
+        if (!replyComes(oReader))
             return false;
         sData = collectText(oReader);
         oReader.Rejecter(Mid(sData, kRejecterPosition, 1) == "1");
@@ -93,9 +93,9 @@ Boolean InitReaderSS(ReaderContract& oReader)
     Boolean bResult = False;
     guarded(kInitReader, KEL_PARAMETERS(oReader), [&] {
         oReader.fComm().mscComm().Output(kResetSS);
-        if (!answerComes(oReader))
+        if (!replyComes(oReader))
             return;
-        // The last byte is the answer, whatever else the reset has brought up.
+        // The last byte is the reply, whatever else the reset has brought up.
         if (Asc(Right(collectText(oReader), 1)) != kAckSS) {
             reportReaderFault(kInitReader, 378, kStartTitle);
             return;

@@ -1,5 +1,6 @@
 #include "drivers/scantron/FormCommands.h"
 
+#include "drivers/common/WindowPositions.h"
 #include "reader/clsKELReaderWindow.h"
 #include "types/Text.h"
 
@@ -23,7 +24,7 @@ struct Extent {
 
 Extent extentOf(Int16 start, Int16 count, Int16 gap)
 {
-    const Int16 far = farEndST(start, count, gap);
+    const Int16 far = positionInWindow(start, gap, count);
     return gap < 1 ? Extent{far, start} : Extent{start, far};
 }
 
@@ -70,11 +71,6 @@ std::string windowDefinitionST(int side, const clsKELReaderWindow& window)
 std::string formEndST()
 {
     return frameST("FRM=LS");
-}
-
-Int16 farEndST(Int16 start, Int16 count, Int16 gap)
-{
-    return checkedSubtract(checkedAdd(checkedMultiply(count, gap), start), gap);
 }
 
 } // namespace kel

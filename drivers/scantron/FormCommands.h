@@ -31,7 +31,4 @@ class clsKELReaderWindow;
 
 [[nodiscard]] std::string formEndST();
 
-/// The number of a window's last row or column, counted from its start by its gap, in 16 bits.
-[[nodiscard]] Int16 farEndST(Int16 start, Int16 count, Int16 gap);
-
 } // namespace kel

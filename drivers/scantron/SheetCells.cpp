@@ -1,6 +1,5 @@
 #include "drivers/scantron/SheetCells.h"
 
-#include "drivers/scantron/FormCommands.h"
 #include "reader/clsKELReaderWindow.h"
 
 namespace kel {
@@ -23,7 +22,7 @@ void PageSideST::store(Byte value)
 }
 
 WindowCellsST::Direction::Direction(Int16 startAt, Int16 count, Int16 signedGap)
-    : start(signedGap < 1 ? farEndST(startAt, count, signedGap) : startAt),
+    : start(signedGap < 1 ? positionInWindow(startAt, signedGap, count) : startAt),
       gap(signedGap < 1 ? checkedAbs(signedGap) : signedGap), length(count)
 {
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "drivers/common/WindowPositions.h"
 #include "types/Arrays.h"
 
 #include <optional>
@@ -46,10 +47,10 @@ public:
     [[nodiscard]] std::optional<Cell> next();
 
 private:
-    /// One direction of the window: cell i lies at gap * i + start - gap.
+    /// One direction of the window, from the lower number upwards.
     struct Direction {
         Direction(Int16 startAt, Int16 count, Int16 signedGap);
-        [[nodiscard]] Int16 at(Int16 index) const;
+        [[nodiscard]] Int16 at(Int16 index) const { return positionInWindow(start, gap, index); }
 
         Int16 start;
         Int16 gap;
@@ -71,11 +72,6 @@ private:
 };
 
 // In the header, so that the loop over a window's cells is one with its steps.
-
-inline Int16 WindowCellsST::Direction::at(Int16 index) const
-{
-    return checkedSubtract(checkedAdd(checkedMultiply(gap, index), start), gap);
-}
 
 inline std::optional<WindowCellsST::Cell> WindowCellsST::next()
 {

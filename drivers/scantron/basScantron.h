@@ -34,13 +34,6 @@ ScantronReady CheckStatusST(ReaderContract& oReader);
 /// Empties the input side; never fails and reports nothing.
 void ClearBufferST(ReaderContract& oReader);
 
-/// Sends the sheet to the reject hopper or to the normal stack. The result says which way it was sent: True for the
-/// hopper, False for the stack and for a reader that did not answer.
-Boolean RejectPageST(ReaderContract& oReader, Boolean bRejectHopper);
-
-/// Hands the printer's first line to the reader, as many blanks in front as `Distance` says, 125 characters at most.
-Boolean PrintST(ReaderContract& oReader);
-
 /// Loads one form a page of the job into the reader. True if every command was acknowledged.
 Boolean DownloadFormST(ReaderContract& oReader);
 
@@ -50,8 +43,15 @@ Boolean ReadPageST(ReaderContract& oReader);
 /// Reads one sheet into the cells of the read windows.
 Boolean ReadWindowsST(ReaderContract& oReader);
 
+/// Hands the printer's first line to the reader, as many blanks in front as `Distance` says, 125 characters at most.
+Boolean PrintST(ReaderContract& oReader);
+
+/// Sends the sheet to the reject hopper, or out. The result says which way it was sent: True for the
+/// hopper, False for out and for a reader that did not reply.
+Boolean RejectPageST(ReaderContract& oReader, Boolean bRejectHopper);
+
 /// What the loaded form says is to be subtracted from each data byte: 48 where the reader sends digits, else 0.
-/// Set by `DownloadFormST`; one value a thread.
-[[nodiscard]] Int16& iRecognitionOffset();
+/// Set by `DownloadFormST`.
+extern constinit thread_local Int16 iRecognitionOffset;
 
 } // namespace kel

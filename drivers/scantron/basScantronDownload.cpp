@@ -10,11 +10,11 @@
 
 namespace kel {
 
+constinit thread_local Int16 iRecognitionOffset = 0;
+
 namespace {
 
 constexpr const char* kDownloadForm = "KELReader81 - basScantron.DownloadFormST";
-
-thread_local Int16 recognitionOffset = 0;
 
 /// What the reports say of the two sides.
 struct SideTexts {
@@ -109,11 +109,6 @@ bool sendPage(ReaderContract& oReader, const PageArray& iRowsArr, const PageArra
 
 } // namespace
 
-Int16& iRecognitionOffset()
-{
-    return recognitionOffset;
-}
-
 Boolean DownloadFormST(ReaderContract& oReader)
 {
     Boolean bResult = False;
@@ -126,7 +121,7 @@ Boolean DownloadFormST(ReaderContract& oReader)
         KEL_PARAMETERS(oReader) + KEL_LOCALS(iSide1RowsArr, iSide1ColsArr, iSide2RowsArr, iSide2ColsArr, iSheetIndex);
     guarded(kDownloadForm, variables, [&] {
         const bool bColumnModel = isColumnModel(oReader.ReaderType());
-        iRecognitionOffset() = bColumnModel ? 0 : 48;
+        iRecognitionOffset = bColumnModel ? 0 : 48;
         if (bColumnModel && !send(oReader, thresholdCommandST(oReader.RecognitionThreshold()), 434))
             return;
 

@@ -20,7 +20,7 @@ constexpr TextNumber kReadTitle = 196;
 struct ReadStart {
     const char* source;
     const char* command;
-    TextNumber noAnswer;
+    TextNumber noReply;
 };
 
 /// Waits for a sheet in the feeder (one look) or in the hand of the operator (until the stop flag).
@@ -51,7 +51,7 @@ bool startTransfer(ReaderContract& oReader, const ReadStart& start)
     oReader.fComm().mscComm().Output(frameST(start.command));
     const Wait wait = waitForReply(oReader);
     if (wait == Wait::TimedOut)
-        reportReaderFault(start.source, start.noAnswer, kReadTitle);
+        reportReaderFault(start.source, start.noReply, kReadTitle);
     if (wait != Wait::Reply) {
         ClearBufferST(oReader);
         return false;
@@ -107,7 +107,7 @@ bool transferRound(ReaderContract& oReader, PageSideST& side, TimingMarksSetter 
 /// Side 1 ends when it is full or the transfer ends.
 SideEnd readSide1(ReaderContract& oReader, MarkArray& iSide1Arr)
 {
-    PageSideST side(iSide1Arr, iRecognitionOffset());
+    PageSideST side(iSide1Arr, iRecognitionOffset);
     bool bEnded = false;
     while (side.nextRow() <= oReader.LargestSide1Rows() && !bEnded) {
         if (!transferRound(oReader, side, &ReaderContract::Side1TimingMarks, bEnded))
@@ -119,7 +119,7 @@ SideEnd readSide1(ReaderContract& oReader, MarkArray& iSide1Arr)
 /// Side 2 ends with the transfer alone: a stream that is longer than the array runs out of its bounds.
 bool readSide2(ReaderContract& oReader, MarkArray& iSide2Arr)
 {
-    PageSideST side(iSide2Arr, iRecognitionOffset());
+    PageSideST side(iSide2Arr, iRecognitionOffset);
     bool bEnded = false;
     while (!bEnded) {
         if (!transferRound(oReader, side, &ReaderContract::Side2TimingMarks, bEnded))
@@ -152,7 +152,7 @@ SideEnd readWindow(ReaderContract& oReader, const clsKELReaderWindow& cWindow, M
         const Byte bData = takeByte(oReader);
         if (bData == kTransferEndST)
             return SideEnd::TransferEnded;
-        iSideArr(cell->row, cell->column) = checkedSubtract(Int16{bData}, iRecognitionOffset());
+        iSideArr(cell->row, cell->column) = checkedSubtract(Int16{bData}, iRecognitionOffset);
     }
     return SideEnd::Full;
 }

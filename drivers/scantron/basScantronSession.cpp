@@ -18,10 +18,10 @@ constexpr const char* kResetReader = "KELReader81 - basScantron.ResetReaderST";
 constexpr const char* kSendCommand = "KELReader81 - basScantron.SendCommandST";
 constexpr const char* kCheckStatus = "KELReader81 - basScantron.CheckStatusST";
 constexpr const char* kCheckStatusMisspelt = "KELReader81 - basScantron.heckStatusST";
-constexpr const char* kRejectPage = "KELReader81 - basScantron.RejectPageST";
 constexpr const char* kPrint = "KELReader81 - basScantron.PrintST";
+constexpr const char* kRejectPage = "KELReader81 - basScantron.RejectPageST";
 
-constexpr TextNumber kNoAnswer = 428;
+constexpr TextNumber kNoReply = 428;
 constexpr TextNumber kResetTitle = 184;
 constexpr TextNumber kStatusTitle = 188;
 
@@ -92,7 +92,7 @@ Boolean ResetReaderST(ReaderContract& oReader)
         oReader.fComm().mscComm().Output(frameST("SRST"));
         switch (waitForReply(oReader)) {
         case Wait::Cancelled: return;
-        case Wait::TimedOut: reportReaderFault(kResetReader, kNoAnswer, kResetTitle); return;
+        case Wait::TimedOut: reportReaderFault(kResetReader, kNoReply, kResetTitle); return;
         case Wait::Reply: break;
         }
         if (collectText(oReader).starts_with('\r'))
@@ -122,7 +122,7 @@ ScantronReady CheckStatusST(ReaderContract& oReader)
         oReader.fComm().mscComm().Output(frameST("QSTS"));
         switch (waitForReply(oReader)) {
         case Wait::Cancelled: return;
-        case Wait::TimedOut: reportReaderFault(kCheckStatus, kNoAnswer, kStatusTitle); return;
+        case Wait::TimedOut: reportReaderFault(kCheckStatus, kNoReply, kStatusTitle); return;
         case Wait::Reply: break;
         }
 
@@ -134,7 +134,7 @@ ScantronReady CheckStatusST(ReaderContract& oReader)
             if (oReader.fComm().mscComm().InBufferCount() > 0)
                 sStatus += static_cast<char>(takeByte(oReader));
             if (!oReader.fComm().tmrScan().Enabled()) {
-                reportReaderFault(kCheckStatus, kNoAnswer, kStatusTitle);
+                reportReaderFault(kCheckStatus, kNoReply, kStatusTitle);
                 return;
             }
         }
@@ -147,6 +147,17 @@ ScantronReady CheckStatusST(ReaderContract& oReader)
 void ClearBufferST(ReaderContract& oReader)
 {
     ignoringFailures([&] { drainInput(oReader); });
+}
+
+Boolean PrintST(ReaderContract& oReader)
+{
+    Boolean bResult = False;
+    std::string sText;
+    guarded(kPrint, KEL_PARAMETERS(oReader) + KEL_LOCALS(sText), [&] {
+        sText = Space(oReader.Printer()->Distance()) + oReader.Printer()->Buffer1();
+        bResult = SendCommandST(oReader, frameST("PRN$ 1 Y " + Left(sText, kLongestPrint)));
+    });
+    return bResult;
 }
 
 Boolean RejectPageST(ReaderContract& oReader, Boolean bRejectHopper)
@@ -169,17 +180,6 @@ Boolean RejectPageST(ReaderContract& oReader, Boolean bRejectHopper)
         if (bRejectHopper)
             Sleep(checkedMultiply(oReader.SleepTime(), 15));
         bResult = static_cast<bool>(bRejectHopper);
-    });
-    return bResult;
-}
-
-Boolean PrintST(ReaderContract& oReader)
-{
-    Boolean bResult = False;
-    std::string sText;
-    guarded(kPrint, KEL_PARAMETERS(oReader) + KEL_LOCALS(sText), [&] {
-        sText = Space(oReader.Printer()->Distance()) + oReader.Printer()->Buffer1();
-        bResult = SendCommandST(oReader, frameST("PRN$ 1 Y " + Left(sText, kLongestPrint)));
     });
     return bResult;
 }

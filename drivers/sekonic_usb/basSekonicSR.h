@@ -29,7 +29,7 @@ Boolean ReadPageSR(ReaderContract& oReader, Int32 lRecognitionThreshold);
 /// printer is not to print or the library refuses a step; what came before stays set in the library.
 Boolean PrintSR(const Reference<clsKELReaderPrinter>& cPrinter);
 
-/// Sends the sheet to the rejecter, or out. With the stop flag set the reader is told that it is the last.
+/// Sends the sheet to the reject hopper, or out. With the stop flag set the reader is told that it is the last.
 Boolean RejectPageSR(ReaderContract& oReader);
 Boolean EjectPageSR(ReaderContract& oReader);
 

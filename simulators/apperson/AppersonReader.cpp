@@ -19,28 +19,27 @@ std::set<std::string> commandsIn(const std::string& text)
 } // namespace
 
 AppersonReader::AppersonReader(SimulatorOptions options)
-    : Simulator(std::move(options)), feedTime_(std::chrono::milliseconds(settingNumber("feed-ms", 300))),
-      replyTime_(std::chrono::milliseconds(settingNumber("reply-ms", 2))),
+    : Simulator(std::move(options)), feedTime_(settingTime("feed-ms", 300)), replyTime_(settingTime("reply-ms", 2)),
       okay_("OK" + parseTranscriptBytes(setting("reply-tail", "0D 0A"))), refused_(commandsIn(setting("refuse", ""))),
       unheard_(commandsIn(setting("silent", ""))), readerGrade_(settingFlag("reader-grade", false)),
       jamCode_(settingNumber("jam-code", 206))
 {
 }
 
-bool AppersonReader::answer(const std::string& command, std::size_t longest)
+bool AppersonReader::reply(const std::string& command, std::size_t longest)
 {
     if (unheard_.contains(command))
         return false;
     const bool accepted = !refused_.contains(command);
-    const std::string reply = (accepted ? okay_ : std::string("NO\r\n")).substr(0, longest);
-    schedule(replyTime_, [this, reply] { sendBlock(reply); });
+    const std::string text = (accepted ? okay_ : std::string("NO\r\n")).substr(0, longest);
+    schedule(replyTime_, [this, text] { sendBlock(text); });
     return accepted;
 }
 
 void AppersonReader::takeStep(const std::string& command)
 {
     // "M3" is answered by the reader that has room for four bytes only.
-    const bool accepted = answer(command, command == "M3" ? 4 : std::string::npos);
+    const bool accepted = reply(command, command == "M3" ? 4 : std::string::npos);
     const auto place = std::ranges::find(steps_, command);
     if (place != steps_.begin() || place == steps_.end())
         fault("command " + command + " where the start goes on with " + (steps_.empty() ? "reading" : steps_.front()));

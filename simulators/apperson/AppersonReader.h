@@ -18,8 +18,8 @@ class AppersonReader : public Simulator {
 protected:
     explicit AppersonReader(SimulatorOptions options);
 
-    /// Answers a command, with so many bytes at most. False if it is one that is refused or not heard.
-    bool answer(const std::string& command, std::size_t longest = std::string::npos);
+    /// Replies to a command, with so many bytes at most. False if it is one that is refused or not heard.
+    bool reply(const std::string& command, std::size_t longest = std::string::npos);
 
     /// The commands that a start consists of from here on.
     void expectSteps(std::deque<std::string> steps) { steps_ = std::move(steps); }

@@ -32,8 +32,7 @@ std::string unknown(std::size_t length)
 DataLineReader::DataLineReader(SimulatorOptions options)
     : AppersonReader(std::move(options)), bench_(model() == kelReaderTypeAppersonBenchMark3000),
       idLength_(static_cast<std::size_t>(std::max(settingNumber("id-length", 4), 1))),
-      piecePause_(std::chrono::milliseconds(settingNumber("piece-ms", 10))),
-      keySlack_(std::chrono::milliseconds(settingNumber("key-slack-ms", 100))),
+      piecePause_(settingTime("piece-ms", 10)), keySlack_(settingTime("key-slack-ms", 100)),
       k7Reply_(settingFlag("k7-reply", !bench_)), shortLine_(parseTranscriptBytes(setting("short-line", ""))),
       endLine_(setting("end-line", "Z1")), awayReply_(parseTranscriptBytes(setting("away-reply", "")))
 {
@@ -109,7 +108,7 @@ void DataLineReader::obey(const std::string& command)
 
     if (command == "R1") {
         restart();
-        powered_ = answer(command) || powered_;
+        powered_ = reply(command) || powered_;
     } else if (several) {
         chooseVersion(command[1] - '0');
     } else if (command == "K1") {
@@ -154,7 +153,7 @@ void DataLineReader::chooseVersion(Int32 version)
         fault("command " + command + " where the key of version " + std::to_string(next) + " comes");
     if (version > 1 && !versionTold_)
         fault("command " + command + " though the key before it came without a version");
-    if (answer(command)) {
+    if (reply(command)) {
         version_ = version;
         versionTold_ = true;
     }
@@ -171,16 +170,16 @@ void DataLineReader::takeArgument(const std::string& command, const std::string&
         pageTold_ = true;
         startPage(key_.page1, command, argument);
         if (k7Reply_)
-            answer(command);
+            reply(command);
     } else if (command == "K8") {
         if (!pageTold_)
             fault("command K8 without K7 before it");
         startPage(key_.page2, command, argument);
-        answer(command);
+        reply(command);
     } else {
         if (pageTold_)
             fault("command E9 behind K7");
-        if (!std::ranges::all_of(argument, [](char digit) { return digit >= '0' && digit <= '9'; }))
+        if (!isDigits(argument, kEssayLength))
             fault("command E9 with " + transcriptBytes(argument));
         key_.essay = argument;
     }
@@ -197,7 +196,7 @@ void DataLineReader::startKey()
 {
     if (!downloading_ || !pageTold_)
         fault("command K1 without K7 before it");
-    if (!answer("K1"))
+    if (!reply("K1"))
         return;
     keyOpen_ = true;
     keyBytes_.clear();
@@ -241,14 +240,14 @@ void DataLineReader::endKey()
     if (!bench_ && keyBytes_.size() % kDigitsAQuestion != 0)
         fault("a key of " + std::to_string(keyBytes_.size()) + " digits");
     key_.versions[version_] = keyBytes_;
-    answer("Q");
+    reply("Q");
 }
 
 void DataLineReader::endDownload()
 {
     if (!downloading_ || key_.versions.empty() || pageTold_)
         fault("command K6 without a key before it");
-    if (!answer("K6"))
+    if (!reply("K6"))
         return;
     key_.complete = !key_.versions.empty();
     downloading_ = false;
@@ -260,7 +259,7 @@ void DataLineReader::startRun()
         demandStepsDone("B1");
         if (running_)
             fault("command B1 though the reader is reading");
-        if (!answer("B1"))
+        if (!reply("B1"))
             return;
     }
     running_ = true;

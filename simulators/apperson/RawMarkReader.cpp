@@ -76,7 +76,7 @@ void RawMarkReader::obey(const std::string& command)
     else if (is("FB", link_))
         begin();
     else if (is("FD", link_) || is("P", !link_))
-        read(command);
+        startRead(command);
     else if (is("FE", link_))
         done();
     else
@@ -89,11 +89,11 @@ void RawMarkReader::begin()
     if (page_ != Page::None)
         fault(page_ == Page::Sent ? "command FB though the sheet before it was not done with FE"
                                   : "command FB while a sheet is under way");
-    else if (answer("FB"))
+    else if (reply("FB"))
         page_ = Page::Begun;
 }
 
-void RawMarkReader::read(const std::string& command)
+void RawMarkReader::startRead(const std::string& command)
 {
     demandStepsDone(command);
     if (page_ == Page::UnderWay || isSending()) {
@@ -117,7 +117,7 @@ void RawMarkReader::done()
     if (const Int32 code = fieldNumber("End Code", -1); code >= 0)
         send(std::string(1, static_cast<char>(code)) + faultTail_);
     else
-        answer("FE");
+        reply("FE");
 }
 
 void RawMarkReader::endSession(const std::string& command)
@@ -125,7 +125,7 @@ void RawMarkReader::endSession(const std::string& command)
     // Whatever was under way is given up.
     dropPending();
     restart();
-    answer(command);
+    reply(command);
 }
 
 void RawMarkReader::onSheetPut()

@@ -43,7 +43,7 @@ private:
 
     void obey(const std::string& command);
     void begin();
-    void read(const std::string& command);
+    void startRead(const std::string& command);
     void done();
     void endSession(const std::string& command);
     void takeSheet();

@@ -16,10 +16,9 @@ constexpr Moment kReplyTime = 5ms;
 
 Chatsworth::Chatsworth(SimulatorOptions options)
     : Simulator(std::move(options)), setUpReply_(parseTranscriptBytes(setting("setup-reply", "\"OK 0\" 0D"))),
-      setUpTime_(std::chrono::milliseconds(settingNumber("setup-ms", 40))),
-      sheetReply_(parseTranscriptBytes(setting("sheet-reply", "\"G\" 0D"))),
-      feedTime_(std::chrono::milliseconds(settingNumber("feed-ms", 500))),
-      version_(setting("version", "Chatsworth 2.07 ")), spareBit_(spareBitFrom(setting("spare-bit", "changing")))
+      setUpTime_(settingTime("setup-ms", 40)), sheetReply_(parseTranscriptBytes(setting("sheet-reply", "\"G\" 0D"))),
+      feedTime_(settingTime("feed-ms", 500)), version_(setting("version", "Chatsworth 2.07 ")),
+      spareBit_(spareBitFrom(setting("spare-bit", "changing")))
 {
 }
 
@@ -79,7 +78,7 @@ void Chatsworth::setUp(const std::string& letters)
     if (letters == "F") {
         if (!feeder_)
             fault("command F though the feeder was not set up");
-        startSheet("F", "0\r", "1\r");
+        startRead("F", "0\r", "1\r");
         return;
     }
     if (now() < repliedAt_ || isSending())
@@ -136,10 +135,8 @@ void Chatsworth::feedByItself()
 
 void Chatsworth::onSheetPut()
 {
-    if (!waitingForSheet_)
-        return;
-    waitingForSheet_ = false;
-    schedule(feedTime_, [this] { takeSheet(); });
+    if (std::exchange(waitingForSheet_, false))
+        schedule(feedTime_, [this] { takeSheet(); });
 }
 
 void Chatsworth::single(const std::string& text)
@@ -149,10 +146,10 @@ void Chatsworth::single(const std::string& text)
     else if (model() != kelReaderTypeChatsworthOMR2000)
         fault("command 11, which is for another model");
     else
-        startSheet("11", "", std::string(1, kRefused));
+        startRead("11", "", std::string(1, kRefused));
 }
 
-void Chatsworth::startSheet(const std::string& command, const std::string& taken, const std::string& refused)
+void Chatsworth::startRead(const std::string& command, const std::string& taken, const std::string& refused)
 {
     if (start_ != Start::Done)
         fault("command " + command + " before the start was done");
@@ -202,7 +199,7 @@ void Chatsworth::framed(const std::string& text)
         waitingForSheet_ = true;
         sendAfter(kReplyTime, sheetReply_);
     } else if (text == "E")
-        startSheet("E", sheetReply_, "");
+        startRead("E", sheetReply_, "");
     else if (text == "EF")
         sendAway(SheetEvent::Rejected);
     else if (text == "ER")

@@ -30,9 +30,6 @@ class Chatsworth final : public Simulator {
 public:
     explicit Chatsworth(SimulatorOptions options);
 
-    /// Whether the start is done.
-    [[nodiscard]] bool initialised() const noexcept { return start_ == Start::Done; }
-
 private:
     enum class Start { None, SetUpByHand, SetUpFeeder, SetUpDone, Done };
 
@@ -47,7 +44,7 @@ private:
     void single(const std::string& text);
     void framed(const std::string& text);
     void startDone();
-    void startSheet(const std::string& command, const std::string& taken, const std::string& refused);
+    void startRead(const std::string& command, const std::string& taken, const std::string& refused);
     void feedByItself();
     void takeSheet();
     void sendAway(SheetEvent event);

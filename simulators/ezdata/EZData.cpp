@@ -16,11 +16,6 @@ constexpr int kJam = 0x04;
 
 constexpr std::size_t kBetween = 4;
 
-bool isDigits(const std::string& text, std::size_t count)
-{
-    return text.size() == count && std::ranges::all_of(text, [](char c) { return c >= '0' && c <= '9'; });
-}
-
 /// The setting's text, which has to have a length.
 std::string ofLength(const std::string& text, std::size_t length, const char* name)
 {
@@ -43,11 +38,9 @@ EZData::EZData(SimulatorOptions options)
       changed_(active_), sealed_(active_), inPath_(settingNumber("stranded", 0)),
       status_(static_cast<Byte>(settingNumber("status", 0x10))),
       lastByte_(parseTranscriptBytes(setting("last-byte", "0D"))), version_(setting("version", "EZData 4.10 ")),
-      spareBit_(spareBitFrom(setting("spare-bit", "changing"))),
-      replyTime_(std::chrono::milliseconds(settingNumber("reply-ms", 5))),
-      feedTime_(std::chrono::milliseconds(settingNumber("feed-ms", 800))),
-      resetTime_(std::chrono::milliseconds(settingNumber("reset-ms", 1200))),
-      hopperTime_(std::chrono::milliseconds(settingNumber("hopper-ms", 900)))
+      spareBit_(spareBitFrom(setting("spare-bit", "changing"))), replyTime_(settingTime("reply-ms", 5)),
+      feedTime_(settingTime("feed-ms", 800)), resetTime_(settingTime("reset-ms", 1200)),
+      hopperTime_(settingTime("hopper-ms", 900))
 {
 }
 
@@ -110,7 +103,7 @@ void EZData::framed(const std::string& text)
     else if (text == "S")
         reportStatus();
     else if (text == "E")
-        startPage();
+        startRead();
     else if (text == "EF")
         sendAway(SheetEvent::Rejected);
     else if (text == "ER")
@@ -219,7 +212,7 @@ void EZData::reportStatus()
     reply(std::string(1, static_cast<char>(standing)));
 }
 
-void EZData::startPage()
+void EZData::startRead()
 {
     if (!statusAsked_)
         fault("command E without a status query in this session");

@@ -36,9 +36,6 @@ public:
     /// The configuration as the host would be told it, without the CR.
     [[nodiscard]] std::string configuration() const;
 
-    /// Sheets in the path.
-    [[nodiscard]] Int32 inPath() const noexcept { return inPath_; }
-
 private:
     struct Configuration {
         std::string flags;
@@ -60,7 +57,7 @@ private:
     void seal();
     void restart();
     void reportStatus();
-    void startPage();
+    void startRead();
     void takeSheet();
     void sendAway(SheetEvent event);
 
@@ -77,7 +74,7 @@ private:
     bool feeding_ = false;
     bool sessionEnded_ = false;
     bool jammed_ = false;
-    Int32 inPath_;
+    Int32 inPath_; // sheets in the path
     Byte status_;
     std::string lastByte_;
     std::string version_;

@@ -271,4 +271,9 @@ std::string hex(Byte byte)
     return {digits[byte >> 4], digits[byte & 15]};
 }
 
+bool isDigits(std::string_view text, std::size_t count)
+{
+    return text.size() == count && std::ranges::all_of(text, [](char c) { return c >= '0' && c <= '9'; });
+}
+
 } // namespace kel

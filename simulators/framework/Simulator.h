@@ -128,6 +128,12 @@ protected:
     [[nodiscard]] Int32 settingNumber(const std::string& name, Int32 fallback);
     [[nodiscard]] bool settingFlag(const std::string& name, bool fallback);
 
+    /// A number of milliseconds.
+    [[nodiscard]] Moment settingTime(const std::string& name, Int32 fallback)
+    {
+        return std::chrono::milliseconds(settingNumber(name, fallback));
+    }
+
     /// The line must be set like this ("9600,N,8,1"), or opening it is a fault; the setting `line` wins over it.
     void demandLine(const std::string& settings);
 
@@ -168,5 +174,8 @@ private:
 
 /// A byte as two hexadecimal digits, for the text of a fault.
 [[nodiscard]] std::string hex(Byte byte);
+
+/// Whether a part of a command is so many decimal digits.
+[[nodiscard]] bool isDigits(std::string_view text, std::size_t count);
 
 } // namespace kel

@@ -26,8 +26,6 @@ constexpr Byte kFaults1 = 0x03;
 constexpr Byte kFaults2 = 0x0F;
 constexpr Byte kJam = 0x08;
 
-constexpr Int32 kReplyMs = 2;
-
 char letterOf(const std::string& name, const std::string& text, std::string_view allowed)
 {
     if (text.size() != 1 || allowed.find(lowerCase(text)) == std::string_view::npos)
@@ -54,12 +52,11 @@ OpScan::OpScan(SimulatorOptions options)
           lengthOf("status-length", settingNumber("status-length", kStatusLength), kStatusLength))),
       reportLength_(static_cast<std::size_t>(
           lengthOf("report-length", settingNumber("report-length", Int32{kReportLength}), Int32{kReportLength}))),
-      replyTime_(std::chrono::milliseconds(settingNumber("reply-ms", kReplyMs))),
-      feedTime_(std::chrono::milliseconds(settingNumber("feed-ms", 300))),
-      format_{.compressed = settingFlag("compress", true),
-              .alternating = settingFlag("alternate", false),
-              .silentEnd = setting("end", "crlf") == "silence",
-              .barcodePrefix = setting("barcode-prefix", "00")},
+      replyTime_(settingTime("reply-ms", 2)),
+      feedTime_(settingTime("feed-ms", 300)), format_{.compressed = settingFlag("compress", true),
+                                                      .alternating = settingFlag("alternate", false),
+                                                      .silentEnd = setting("end", "crlf") == "silence",
+                                                      .barcodePrefix = setting("barcode-prefix", "00")},
       feeder_(lowerCase(setting("feeder", "")))
 {
 }
@@ -69,8 +66,6 @@ void OpScan::statusBits(Byte status1, Byte status2)
     status1_ = status1;
     status2_ = status2;
 }
-
-// --- Commands
 
 void OpScan::onByte(Byte byte)
 {
@@ -131,8 +126,6 @@ void OpScan::finishText()
     default: print(argument_); break;
     }
 }
-
-// --- Session and mode
 
 bool OpScan::replyOutstanding() const
 {
@@ -215,8 +208,6 @@ void OpScan::onClose()
         stage_ = Stage::None;
 }
 
-// --- Sheets
-
 void OpScan::go()
 {
     if (unconfirmed_) {
@@ -262,10 +253,8 @@ void OpScan::takeSheet()
 
 void OpScan::onSheetPut()
 {
-    if (!waitingForSheet_)
-        return;
-    waitingForSheet_ = false;
-    schedule(feedTime_, [this] { takeSheet(); });
+    if (std::exchange(waitingForSheet_, false))
+        schedule(feedTime_, [this] { takeSheet(); });
 }
 
 void OpScan::reportStatus()
@@ -306,7 +295,7 @@ void OpScan::printPosition(const std::string& digits)
 {
     if (stage_ != Stage::Asked)
         fault("command 1 without a sheet whose status was asked for");
-    if (digits.size() != 2 || digits.find_first_not_of("0123456789") != std::string::npos) {
+    if (!isDigits(digits, 2)) {
         fault("the print position \"" + digits + "\" is not two digits");
         return;
     }

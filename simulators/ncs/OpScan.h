@@ -17,12 +17,11 @@ namespace kel {
 ///     12, 1B 12     eject, reject; no reply; both clear what went wrong
 ///     0E            ends a session at a reader without feeder; no reply
 ///
-/// The host's mistakes: any other byte, a mode change past w, a mode command that is not confirmed, a read in another
-/// mode than i, without a session, while a sheet is under way or without a status query behind the sheet before it, a
-/// status query while a reply is outstanding, print or eject without a sheet, and a print text without a position.
-/// None of them is answered or obeyed. At an empty feeder the reply comes when a sheet does; a jam is a reply without
-/// rows and the bit 08 of the third status character. A sheet stays until it is ejected or the next one is read; that,
-/// too, is in the log.
+/// It refuses as the host's mistake: any other byte, a mode change past w, a mode command that is not confirmed, a read
+/// in another mode than i, without a session, while a sheet is under way or without a status query behind the sheet
+/// before it, a status query while a reply is outstanding, print or eject without a sheet, and a print text without a
+/// position. At an empty feeder the reply comes when a sheet does; a jam is a reply without rows and the bit 08 of the
+/// third status character. A sheet stays until it is ejected or the next one is read; that, too, is in the log.
 ///
 /// Settings: `mode` (the letter at power-on, i), `driver-status` (the status letter, N), `late-reports` (so many
 /// reports after a change still tell the mode before), `status1` and `status2` (bits that stand at power-on; with 0x40

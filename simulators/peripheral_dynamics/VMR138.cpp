@@ -35,8 +35,7 @@ VMR138::VMR138(SimulatorOptions options)
     : Simulator(std::move(options)),
       threshold_(std::clamp(settingNumber("threshold", 0xC5), kLowestThreshold, kHighestThreshold)),
       status1_(static_cast<Byte>(settingNumber("status1", 0))),
-      status2_(static_cast<Byte>(settingNumber("status2", 0))),
-      feedTime_(std::chrono::milliseconds(settingNumber("feed-ms", 300))),
+      status2_(static_cast<Byte>(settingNumber("status2", 0))), feedTime_(settingTime("feed-ms", 300)),
       noise_(parseTranscriptBytes(setting("noise", ""))), highBits_(settingNumber("high-bits", -1))
 {
 }
@@ -56,12 +55,12 @@ void VMR138::onByte(Byte byte)
     switch (byte) {
     case '0': startSession(); break;
     case 'Q': reportStatus(); break;
-    case 'D': answerBit('D', status1_, kWantsD); break;
-    case 'G': answerBit('G', status1_, kWantsG); break;
-    case 'E': answerBit('E', status2_, kWantsE); break;
+    case 'D': takeBit('D', status1_, kWantsD); break;
+    case 'G': takeBit('G', status1_, kWantsG); break;
+    case 'E': takeBit('E', status2_, kWantsE); break;
     case '+':
     case '-': stepThreshold(static_cast<char>(byte)); break;
-    case '8': startPage(); break;
+    case '8': startRead(); break;
     case '9': endPage(); break;
     case '3': sendAway(SheetEvent::Rejected); break;
     case '4': sendAway(SheetEvent::Ejected); break;
@@ -99,7 +98,7 @@ void VMR138::reportStatus()
     sendAfter(kReplyTime, {kBeforeStatus, static_cast<char>(status1_ | underWay), static_cast<char>(status2_)});
 }
 
-void VMR138::answerBit(char command, Byte& status, Byte bit)
+void VMR138::takeBit(char command, Byte& status, Byte bit)
 {
     if (!(status & bit) || firstStatus_)
         fault(std::string("command ") + command + " though no status has asked for it");
@@ -107,7 +106,7 @@ void VMR138::answerBit(char command, Byte& status, Byte bit)
     std::erase(owed_, command);
 }
 
-void VMR138::demandAnsweredBits(const char* command)
+void VMR138::demandNoBits(const char* command)
 {
     if (!owed_.empty())
         fault(std::string("command ") + command + " though the status asked for " + owed_ + " first");
@@ -120,18 +119,18 @@ void VMR138::stepThreshold(char command)
         fault(std::string("a threshold step ") + command + " without a status query before it");
     if (command == '-' && !thresholdAsked_)
         fault("a threshold step - before the threshold was asked for with +");
-    demandAnsweredBits("+");
+    demandNoBits("+");
     thresholdAsked_ = true;
     threshold_ = std::clamp(threshold_ + (command == '-' ? 1 : -1), kLowestThreshold, kHighestThreshold);
     sendAfter(kReplyTime, hex(static_cast<Byte>(threshold_)));
 }
 
-void VMR138::startPage()
+void VMR138::startRead()
 {
     if (!statusFresh_)
         fault("command 8 without a status query before it");
     statusFresh_ = false;
-    demandAnsweredBits("8");
+    demandNoBits("8");
     if (page_ == Page::UnderWay) {
         fault("command 8 while a sheet is under way");
         return;
@@ -160,10 +159,8 @@ void VMR138::takeSheet()
 
 void VMR138::onSheetPut()
 {
-    if (!waitingForSheet_)
-        return;
-    waitingForSheet_ = false;
-    schedule(feedTime_, [this] { takeSheet(); });
+    if (std::exchange(waitingForSheet_, false))
+        schedule(feedTime_, [this] { takeSheet(); });
 }
 
 void VMR138::endPage()

@@ -40,13 +40,13 @@ private:
 
     void startSession();
     void reportStatus();
-    void answerBit(char command, Byte& status, Byte bit);
+    void takeBit(char command, Byte& status, Byte bit);
     void stepThreshold(char command);
-    void startPage();
+    void startRead();
     void takeSheet();
     void endPage();
     void sendAway(SheetEvent event);
-    void demandAnsweredBits(const char* command);
+    void demandNoBits(const char* command);
 
     [[nodiscard]] std::string pageReply() const;
     [[nodiscard]] char rowByte(Int32 row, Int32 firstColumn) const;

@@ -20,11 +20,6 @@ constexpr char kGood = '0';
 constexpr Moment kReplyTime = 4ms;
 constexpr std::size_t kWindowFields = 6;
 
-bool isDigits(std::string_view text, std::size_t count)
-{
-    return text.size() == count && std::ranges::all_of(text, [](char c) { return c >= '0' && c <= '9'; });
-}
-
 Int32 number(std::string_view digits)
 {
     Int32 value = 0;
@@ -42,8 +37,7 @@ std::string threeDigits(std::size_t count)
 
 SekonicSerial::SekonicSerial(SimulatorOptions options)
     : Simulator(std::move(options)), mode_(settingNumber("mode", 0)), rejecter_(settingFlag("rejecter", true)),
-      optionsReply_(setting("options", "00000.00")),
-      feedTime_(std::chrono::milliseconds(settingNumber("feed-ms", 200))),
+      optionsReply_(setting("options", "00000.00")), feedTime_(settingTime("feed-ms", 200)),
       resetReply_(parseTranscriptBytes(setting("reset-reply", "06"))), emptyStatus_(settingNumber("empty-status", '2')),
       jamStatus_(settingNumber("jam-status", '1')), printStatus_(setting("print-status", "10")),
       statusOfTwo_(settingFlag("two-sided", hasTwoSides())), shortPages_(settingFlag("short-pages", false))
@@ -146,10 +140,10 @@ void SekonicSerial::reset()
     barcodeArming_.clear();
     printArming_.clear();
     repliedAt_ = now();
-    answer(resetReply_);
+    reply(resetReply_);
 }
 
-void SekonicSerial::answer(std::string reply)
+void SekonicSerial::reply(std::string reply)
 {
     if (now() < repliedAt_ || isSending())
         fault("a query before the reply to the one before it was through");
@@ -160,12 +154,12 @@ void SekonicSerial::answer(std::string reply)
 void SekonicSerial::query(const std::string& text, int side)
 {
     if (text == "OM" && side == 1 && isLarge())
-        answer(std::to_string(mode_));
+        reply(std::to_string(mode_));
     else if (text == "O" && side == 1 && isLarge())
-        answer(optionsReply_);
+        reply(optionsReply_);
     else if (text == "T") {
         demandSheet("timing marks");
-        answer(threeDigits(this->side(side).size()) + ",7");
+        reply(threeDigits(this->side(side).size()) + ",7");
     } else
         unknown(kENQ + text);
 }
@@ -253,9 +247,9 @@ void SekonicSerial::setting13(const std::string& text)
     else if (text == "R05") {
         if (!rejecter_)
             fault("a sheet to the reject hopper, which this reader has not");
-        sheetGoes(SheetEvent::Rejected);
+        sendAway(SheetEvent::Rejected);
     } else if (text == "R04")
-        sheetGoes(SheetEvent::Ejected);
+        sendAway(SheetEvent::Ejected);
     else
         unknown(kDC3 + text);
 }
@@ -263,20 +257,20 @@ void SekonicSerial::setting13(const std::string& text)
 void SekonicSerial::plainQuery(const std::string& text)
 {
     if (text.empty())
-        readSheet();
+        startRead();
     else if (text == "P" && isLarge()) {
         demandSheet("a print");
         if (printText_)
             fault("the print status is asked for with a text that was not printed");
-        answer(printStatus_);
+        reply(printStatus_);
     } else if (text == "F" && isLarge()) {
-        sheetGoes(SheetEvent::Ejected);
-        answer("F0");
+        sendAway(SheetEvent::Ejected);
+        reply("F0");
     } else
         unknown("?" + text);
 }
 
-void SekonicSerial::readSheet()
+void SekonicSerial::startRead()
 {
     if (threshold_.empty())
         fault("a sheet before the threshold");
@@ -287,10 +281,10 @@ void SekonicSerial::readSheet()
     if (now() < repliedAt_ || isSending() || isScheduled())
         fault("a sheet before the reply to the command before it was through");
     goodSheet_ = false;
-    schedule(feedTime_, [this] { sheetTaken(); });
+    schedule(feedTime_, [this] { takeSheet(); });
 }
 
-void SekonicSerial::sheetTaken()
+void SekonicSerial::takeSheet()
 {
     const Feed fed = feed();
     barcodeArmed_ = !barcodeArming_.empty();
@@ -320,9 +314,9 @@ void SekonicSerial::sendBarcode()
     if (!barcodeArmed_)
         fault("a barcode that was not armed for this sheet");
     if (sheet().barcodes.empty() || sheet().barcodes.front().empty())
-        answer("?00\r");
+        reply("?00\r");
     else
-        answer("*" + sheet().barcodes.front() + "\r");
+        reply("*" + sheet().barcodes.front() + "\r");
 }
 
 void SekonicSerial::sendPage(const std::string& rows, int side)
@@ -375,7 +369,7 @@ void SekonicSerial::printCommand(const std::string& text)
         fault("print command P" + text);
 }
 
-void SekonicSerial::sheetGoes(SheetEvent event)
+void SekonicSerial::sendAway(SheetEvent event)
 {
     if (sheetNumber() == 0)
         fault("a sheet is sent out, and there was none");

@@ -66,15 +66,15 @@ private:
 
     void takeThreshold(const std::string& text);
     void loadWindow(const std::string& text);
-    void readSheet();
-    void sheetTaken();
+    void startRead();
+    void takeSheet();
     void sendBarcode();
     void sendPage(const std::string& rows, int side);
     void sendWindows(int side);
     void printCommand(const std::string& text);
-    void sheetGoes(SheetEvent event);
+    void sendAway(SheetEvent event);
 
-    void answer(std::string reply);
+    void reply(std::string reply);
     void demandSheet(const std::string& what);
     void unknown(const std::string& command);
     [[nodiscard]] bool isLarge() const;

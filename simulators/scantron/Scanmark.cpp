@@ -20,8 +20,6 @@ constexpr char kJam = 0x40;
 constexpr std::size_t kMostPrinted = 125;
 constexpr Int32 kHighestRaw = 255;
 
-constexpr Int32 kReplyMs = 2;
-
 bool isColumnModel(kelReaderType model)
 {
     return model == kelReaderTypeScantron8000 || model == kelReaderTypeScantron8400;
@@ -43,10 +41,9 @@ std::string usualStatus()
 Scanmark::Scanmark(SimulatorOptions options)
     : Simulator(std::move(options)), columnModel_(isColumnModel(model())), ejects_(hasEject(model())),
       status_(parseTranscriptBytes(setting("status", '"' + usualStatus() + '"'))),
-      replyTime_(std::chrono::milliseconds(settingNumber("reply-ms", kReplyMs))),
-      feedTime_(std::chrono::milliseconds(settingNumber("feed-ms", 300))),
-      readyTime_(std::chrono::milliseconds(settingNumber("ready-ms", 0))), endAfter_(settingNumber("end-after", -1)),
-      end_(settingFlag("end", true)), answersPrintOff_(settingFlag("prn-n-reply", true))
+      replyTime_(settingTime("reply-ms", 2)), feedTime_(settingTime("feed-ms", 300)),
+      readyTime_(settingTime("ready-ms", 0)), endAfter_(settingNumber("end-after", -1)), end_(settingFlag("end", true)),
+      answersPrintOff_(settingFlag("prn-n-reply", true))
 {
     if (status_.size() != kStatusLength)
         throw std::invalid_argument("setting status: has " + std::to_string(status_.size()) +
@@ -57,8 +54,6 @@ void Scanmark::status(std::size_t position, char character)
 {
     status_.at(position - 1) = character;
 }
-
-// --- Frames
 
 void Scanmark::onByte(Byte byte)
 {
@@ -71,7 +66,7 @@ void Scanmark::onByte(Byte byte)
         fault("byte " + hex(byte) + " outside a command");
     } else if (byte == kCr) {
         frame_ = Frame::None;
-        execute(command_);
+        obey(command_);
     } else {
         command_ += static_cast<char>(byte);
     }
@@ -83,7 +78,7 @@ void Scanmark::onClose()
     session_ = false;
 }
 
-void Scanmark::execute(const std::string& command)
+void Scanmark::obey(const std::string& command)
 {
     if (command == "SRST") {
         reset();
@@ -107,9 +102,9 @@ void Scanmark::execute(const std::string& command)
     else if (command == "READ 5 Y" || command == "READ 5 Y E")
         startRead();
     else if (command == "EJCT A ")
-        eject(SheetEvent::Ejected, "A");
+        sendAway(SheetEvent::Ejected, "A");
     else if (command == "EJCT C")
-        eject(SheetEvent::Rejected, "C");
+        sendAway(SheetEvent::Rejected, "C");
     else if (command == "PRN$ 1 N ")
         doNotPrint();
     else if (command.starts_with("PRN$ 1 Y "))
@@ -129,8 +124,6 @@ void Scanmark::refuse(const std::string& why)
     fault(why);
     sendAfter(replyTime_, "?");
 }
-
-// --- Session and form
 
 void Scanmark::reset()
 {
@@ -196,8 +189,6 @@ void Scanmark::form(const std::string& keyword, const std::string& arguments)
     acknowledge();
 }
 
-// --- Sheets
-
 bool Scanmark::sheetReady() const
 {
     return stage_ != Stage::UnderWay && now() >= readyFrom_ && nextFeed() != Feed::Empty;
@@ -249,10 +240,8 @@ void Scanmark::takeSheet()
 
 void Scanmark::onSheetPut()
 {
-    if (!waitingForSheet_)
-        return;
-    waitingForSheet_ = false;
-    schedule(feedTime_, [this] { takeSheet(); });
+    if (std::exchange(waitingForSheet_, false))
+        schedule(feedTime_, [this] { takeSheet(); });
 }
 
 void Scanmark::letSheetGo()
@@ -262,7 +251,7 @@ void Scanmark::letSheetGo()
     stage_ = Stage::None;
 }
 
-void Scanmark::eject(SheetEvent event, const std::string& stacker)
+void Scanmark::sendAway(SheetEvent event, const std::string& stacker)
 {
     if (!ejects_) {
         refuse("EJCT " + stacker + " on a model without it");
@@ -301,8 +290,6 @@ void Scanmark::doNotPrint()
     if (answersPrintOff_)
         acknowledge();
 }
-
-// --- Cells
 
 std::string Scanmark::cellBytes() const
 {

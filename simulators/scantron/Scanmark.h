@@ -22,7 +22,7 @@ namespace kel {
 /// the loading. FRM=MC is known to the 8000 and 8400 alone, EJCT to the 2000, 2250, 2500, 4000, 5500 and ES 2800.
 /// A sheet that was read stays until it is ejected or the next one is read; that, too, is in the log.
 ///
-/// What it refuses, with "?" instead of CR and as the host's mistake: unknown commands, those that the model lacks, a
+/// It refuses as the host's mistake, with "?" in the place of CR: unknown commands, those that the model lacks, a
 /// definition that is outside a form or does not fit it, a form without an end, eject or print without a sheet, a print
 /// of more than 125 characters. A mistake too: bytes outside a command, anything before the first SRST, a command while
 /// a reply is outstanding (but not SRST, and not EJCT behind PRN$ N), EJCT C without PRN$ N. A read without a form or
@@ -51,14 +51,14 @@ private:
     void onClose() override;
     void onSheetPut() override;
 
-    void execute(const std::string& command);
+    void obey(const std::string& command);
     void reset();
     void setThreshold(const std::string& argument);
     void form(const std::string& keyword, const std::string& arguments);
     void reportStatus();
     void startRead();
     void takeSheet();
-    void eject(SheetEvent event, const std::string& stacker);
+    void sendAway(SheetEvent event, const std::string& stacker);
     void print(const std::string& text);
     void doNotPrint();
 

@@ -211,5 +211,13 @@ TEST(ReplayCommand, RefusesADamagedTranscript)
     EXPECT_EQ(runCommand({"replay", noModel.path()}).status, 2);
 }
 
+TEST(ReplayCommand, CitesATranscriptOnOneLine)
+{
+    using namespace std::string_literals;
+    const TextFile damaged("# model: 13\n# max-sheets: 1\0\x1B[2J\n> 1B\n"s);
+    EXPECT_EQ(runCommand({"replay", damaged.path()}).errors,
+              "kelreader: " + damaged.path() + ", line 2: '1??[2J' is no number that fits.\n");
+}
+
 } // namespace
 } // namespace kel::test

@@ -92,13 +92,16 @@ TEST_F(BasReadTest, AStatusQueryOfTheVMR138LeavesTheIntervalOfASecond)
 
 TEST_F(BasReadTest, NoModelIsAQuietRefusal)
 {
-    reader().ReaderType(kelReaderTypeNone);
-    reader().Port(0);
-    reader().ReaderType(static_cast<kelReaderType>(99));
-    EXPECT_EQ(reader().StartReader(), False);
-    EXPECT_EQ(reader().CancelScan(), True);
-    EXPECT_THAT(host.heard().order, IsEmpty());
-    EXPECT_THAT(host.machine.line(1).actions(), IsEmpty());
+    for (const kelReaderType type : {kelReaderTypeNone, static_cast<kelReaderType>(99)}) {
+        for (const Int16 port : {Int16{0}, Int16{1}}) {
+            reader().ReaderType(type);
+            reader().Port(port);
+            EXPECT_EQ(reader().StartReader(), False);
+            EXPECT_EQ(reader().CancelScan(), True);
+            EXPECT_THAT(host.heard().order, IsEmpty());
+            EXPECT_THAT(host.machine.line(1).actions(), IsEmpty());
+        }
+    }
 }
 
 TEST_F(BasReadTest, AModelWhoseProfileIsGoneNeverStarts)

@@ -83,8 +83,8 @@ TEST(WindowCells, HaveNumbersOf16Bits)
     EXPECT_EQ(failureOf([] { return WindowCellsST(windowOf({}, {.count = 2, .gap = -32768}, 1)); }),
               FailureCode::Overflow);
     // The products count, not what comes out in the end.
-    EXPECT_EQ(failureOf([] { return farEndST(-32768, 182, 181); }), FailureCode::Overflow);
-    EXPECT_EQ(farEndST(-32768, 181, 181), -188);
+    EXPECT_EQ(failureOf([] { return positionInWindow(-32768, 181, 182); }), FailureCode::Overflow);
+    EXPECT_EQ(positionInWindow(-32768, 181, 181), -188);
 }
 
 TEST(PageSide, RowsHave48ColumnsWhateverTheArrayHas)

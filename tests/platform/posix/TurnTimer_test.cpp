@@ -123,36 +123,53 @@ TEST_F(TurnTimerTest, AReplyInTheTurnOfTheTimersEndIsSeenFirst)
 {
     Pty pty;
     const auto line = openControl(pty);
-    const auto limit = timer(1);
+    const auto limit = timer(20);
     limit->Enabled(True);
     EXPECT_EQ(line->InBufferCount(), 0);
-    ASSERT_EQ(pty.write("a"), 1U);
-    while (pty.allRead())
-        std::this_thread::yield();
-    machine.pump().Sleep(5);
+    machine.pump().hostPump([&] {
+        ASSERT_EQ(pty.write("a"), 1U);
+        std::this_thread::sleep_for(40ms);
+    });
     machine.pump().DoEvents();
+    machine.pump().hostPump(nullptr);
     EXPECT_EQ(limit->Enabled(), True);
     EXPECT_EQ(line->InBufferCount(), 1);
     machine.pump().DoEvents();
     EXPECT_EQ(limit->Enabled(), False);
 }
 
-TEST_F(TurnTimerTest, BytesThatDripInPutATimerOffOnceOnly)
+TEST_F(TurnTimerTest, ATimerThatHasEndedInAPauseEndsWhateverHasComeMeanwhile)
 {
     Pty pty;
     const auto line = openControl(pty);
     const auto limit = timer(1);
     limit->Enabled(True);
+    ASSERT_EQ(pty.write("a"), 1U);
+    while (pty.allRead())
+        std::this_thread::yield();
     machine.pump().Sleep(5);
-    int turns = 0;
-    while (limit->Enabled() && ++turns < 100) {
+    EXPECT_EQ(limit->Enabled(), True);
+    machine.pump().DoEvents();
+    EXPECT_EQ(limit->Enabled(), False);
+    EXPECT_EQ(line->InBufferCount(), 1);
+}
+
+TEST_F(TurnTimerTest, BytesThatDripInPutATimerOffOnceOnly)
+{
+    Pty pty;
+    const auto line = openControl(pty);
+    const auto limit = timer(20);
+    limit->Enabled(True);
+    machine.pump().hostPump([&] {
         ASSERT_EQ(pty.write("a"), 1U);
-        while (pty.allRead())
-            std::this_thread::yield();
+        std::this_thread::sleep_for(40ms);
+    });
+    int turns = 0;
+    while (limit->Enabled() && ++turns < 100)
         machine.pump().DoEvents();
-        EXPECT_EQ(line->InBufferCount(), turns);
-    }
+    machine.pump().hostPump(nullptr);
     EXPECT_EQ(turns, 2);
+    EXPECT_EQ(line->InBufferCount(), 2);
 }
 
 } // namespace

@@ -1,0 +1,85 @@
+#include "cli/JsonLines.h"
+#include "cli/ScanSession.h"
+#include "cli/TraceHead.h"
+#include "cli/UsageError.h"
+#include "fuzz/Input.h"
+#include "platform/ReplayCarrier.h"
+#include "platform/ReplayPlatform.h"
+#include "platform/simulated/SimulatedPlatform.h"
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <cstddef>
+#include <memory>
+#include <string>
+
+using namespace kel;
+
+// Transcripts that strangers send in: they are written as they are read, and the session that they tell can be held
+// again, which ends and tells all in lines of JSON.
+
+namespace {
+
+// A larger form is nothing but memory.
+constexpr std::int64_t kMostCells = 100'000;
+constexpr Int32 kMostSheets = 5;
+
+std::int64_t largest(const std::optional<std::vector<Int16>>& sizes)
+{
+    std::int64_t most = 0;
+    for (const Int16 size : sizes.value_or(std::vector<Int16>()))
+        most = std::max<std::int64_t>(most, size);
+    return most;
+}
+
+bool isModest(const ScanRequest& request)
+{
+    const ScanForm& form = request.form;
+    return largest(form.side1Rows) * largest(form.side1Cols) <= kMostCells &&
+           largest(form.side2Rows) * largest(form.side2Cols) <= kMostCells;
+}
+
+void replay(const Transcript& transcript, ScanRequest request)
+{
+    if (request.maxSheets < 0 || request.maxSheets > kMostSheets)
+        request.maxSheets = kMostSheets;
+    SimulatedPlatform machine;
+    const PlatformScope simulated(machine);
+    const auto carrier = std::make_shared<ReplayCarrier>(transcript);
+    ReplayPlatform replayed(platform(), *carrier);
+    const PlatformScope scope(replayed);
+    clsKELReader reader;
+    reader.fComm(Reference<Carrier>(carrier));
+    prepareReader(reader, request);
+    bool ended = false;
+    JsonLines sink([&](const std::string& line) {
+        const auto event = nlohmann::json::parse(line);
+        demand(!ended && line.ends_with('\n'), "an event is a line, and nothing comes behind the end");
+        ended = event.at("event") == "end";
+    });
+    static_cast<void>(runScan(reader, request, sink, [&] { return carrier->stopped(); }));
+    demand(ended, "a session tells its end");
+    static_cast<void>(carrier->unsent());
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const Byte* data, std::size_t size)
+{
+    const std::string text(Input(data, size).text());
+    try {
+        const Transcript transcript = parseTranscript(text);
+        const Transcript again = parseTranscript(writeTranscript(transcript));
+        demand(again.lines == transcript.lines && again.head == transcript.head,
+               "a transcript is written as it is read");
+        const ScanRequest request = requestOfTranscript(transcript, text, "transcript");
+        if (isModest(request))
+            replay(transcript, request);
+    } catch (const TranscriptError& error) {
+        demand(error.line() >= 1, "a refusal names the line");
+    } catch (const UsageError& error) {
+        demand(std::string(error.what()).ends_with('.'), "a refusal is a sentence");
+    }
+    return 0;
+}

@@ -1,0 +1,65 @@
+#include "tests/failure/GuardTest.h"
+
+namespace kel::test {
+namespace {
+
+const std::vector<GuardCase> kProfileGuards = {
+    {"clsKELReaderProfiles.Count", FailsBy::Processor, 0,
+     [](GuardBench&) {
+         const clsKELReaderProfiles profiles;
+         SteppedFault::arm();
+         const Int32 lResult = profiles.Count();
+         SteppedFault::disarm();
+         EXPECT_EQ(lResult, 0);
+     }},
+    {"clsKELReaderProfiles.Item", FailsBy::Processor, 0,
+     [](GuardBench&) {
+         const clsKELReaderProfiles profiles;
+         SteppedFault::arm();
+         const Reference<clsKELReaderProfile> cResult = profiles.Item(1);
+         SteppedFault::disarm();
+         EXPECT_TRUE(cResult.isNothing());
+     }},
+    {"clsKELReaderProfiles.ProfileType", FailsBy::Caller, 7,
+     [](GuardBench&) {
+         clsKELReaderProfiles profiles;
+         FailingAllocation::arm(1, 2);
+         profiles.ProfileType(kelProfileTypeScantron);
+         FailingAllocation::disarm();
+         EXPECT_EQ(profiles.ProfileType(), kelProfileTypeScantron);
+         EXPECT_EQ(profiles.Count(), 0);
+     }},
+    {"clsKELReaderProfiles.Remove", FailsBy::Statement, 5,
+     [](GuardBench&) {
+         clsKELReaderProfiles profiles;
+         profiles.Remove("42");
+         EXPECT_EQ(profiles.Count(), 42);
+     }},
+    {"clsKELReaderProfiles.Remove", FailsBy::Statement, 9,
+     [](GuardBench&) {
+         clsKELReaderProfiles profiles;
+         profiles.Remove(43);
+         EXPECT_EQ(profiles.Count(), 42);
+     }},
+    {"clsKELReaderProfiles.RemoveAll", FailsBy::Processor, 0,
+     [](GuardBench&) {
+         clsKELReaderProfiles profiles;
+         SteppedFault::arm();
+         profiles.RemoveAll();
+         SteppedFault::disarm();
+         EXPECT_EQ(profiles.Count(), 42);
+     }},
+    {"clsKELReaderProfiles.FillProfiles", FailsBy::Statement, 7,
+     [](GuardBench&) {
+         clsKELReaderProfiles profiles;
+         FailingAllocation::arm();
+         profiles.ProfileType(kelProfileTypeScantron);
+         FailingAllocation::disarm();
+         EXPECT_EQ(profiles.Count(), 0);
+     }},
+};
+
+const GuardTable guards("ProfileGuards", kProfileGuards);
+
+} // namespace
+} // namespace kel::test

@@ -1,0 +1,19 @@
+#pragma once
+
+namespace kel::test {
+
+/// Lets allocations of the calling thread fail: `count` of them, after `first` - 1 that are granted. It replaces
+/// `operator new` of the test program, and ends with the object.
+class FailingAllocation {
+public:
+    explicit FailingAllocation(int first = 1, int count = 1);
+    ~FailingAllocation();
+    FailingAllocation(const FailingAllocation&) = delete;
+    FailingAllocation& operator=(const FailingAllocation&) = delete;
+
+    /// The same without an object, until it has come about.
+    static void arm(int first = 1, int count = 1);
+    static void disarm();
+};
+
+} // namespace kel::test
