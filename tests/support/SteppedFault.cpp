@@ -12,7 +12,8 @@
 
 namespace kel::test {
 
-#if defined(__x86_64__) && !defined(__clang__) && !defined(__SANITIZE_THREAD__)
+// The sanitizers' own code must not be left in the midst of a statement.
+#if defined(__x86_64__) && !defined(__clang__) && !defined(__SANITIZE_THREAD__) && !defined(__SANITIZE_ADDRESS__)
 
 namespace {
 
