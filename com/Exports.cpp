@@ -25,6 +25,18 @@ try {
     // It stays, then.
 }
 
+/// The run time keeps things for each thread and holds the server for that long: whoever let go of it last, the thread
+/// would end within code that has just gone. So a server that was used stays as long as the process.
+void stayLoaded() noexcept
+{
+    static const bool stays = [] {
+        HMODULE server = nullptr;
+        return GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_PIN | GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
+                                  reinterpret_cast<PCWSTR>(&stayLoaded), &server) != FALSE;
+    }();
+    static_cast<void>(stays);
+}
+
 } // namespace
 
 BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, void*)
@@ -38,6 +50,7 @@ BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, void*)
 
 STDAPI DllGetClassObject(REFCLSID classID, REFIID iid, void** object)
 {
+    stayLoaded();
     return kel::com::classFactoryOf(classID, iid, object);
 }
 

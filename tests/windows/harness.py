@@ -56,6 +56,11 @@ def wine(*arguments, timeout=60, check=False, cwd=BIN, env=None):
     return done
 
 
+def windows_path(path):
+    """A path of this system as programs under Wine know it."""
+    return "Z:" + str(path).replace("/", "\\")
+
+
 def start_server():
     """Starts Wine, with a program that keeps its services running from one test to the next."""
     subprocess.run([_WINESERVER, "-p"], env=environment(), check=True, **_NO_STREAMS)

@@ -9,7 +9,8 @@ import subprocess
 import tempfile
 import unittest
 
-from harness import BIN, READER_PROGRAM, SimulatedReader, WindowsTest, environment, machine_wide, registry_has, wine
+from harness import (BIN, READER_PROGRAM, SimulatedReader, WindowsTest, environment, machine_wide, registry_has, wine,
+                     windows_path)
 
 EVENTS_PORT = 3
 SHEETS_PORT = 12
@@ -33,11 +34,6 @@ READER_INTERFACE = r"\Interface\{872252CF-07E3-44D5-AB6C-AD1B55B5E3DE}"
 READER_NAME = r"\KELReader81U.clsKELReader"
 
 
-
-
-def windows_path(path):
-    """A path of this system as programs under Wine know it."""
-    return "Z:" + str(path).replace("/", "\\")
 
 
 def class_keys(hive):
@@ -64,6 +60,10 @@ class Clients(WindowsTest):
     def test_options(self):
         with SimulatedReader(model=21, port=SHEETS_PORT, count=1):
             self.run_program("com_options.exe", SHEETS_PORT)
+
+    def test_reload(self):
+        with SimulatedReader(model=21, port=EVENTS_PORT, count=1):
+            self.run_program("com_reload.exe", EVENTS_PORT)
 
     def test_lifetime(self):
         with SimulatedReader(model=21, port=SHEETS_PORT, count=1):

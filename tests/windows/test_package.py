@@ -1,0 +1,67 @@
+"""The zip for Windows: what is in it works from wherever it is unpacked, with and without registration."""
+
+import pathlib
+import shutil
+import subprocess
+import tempfile
+import unittest
+import zipfile
+
+from harness import BIN, SimulatedReader, WindowsTest, machine_wide, registry_has, wine
+
+PORT = 11
+SHEETS = 2
+READER_NAME = r"HKLM\Software\Classes\KELReader81U.clsKELReader"
+
+
+class Package(WindowsTest):
+    def setUp(self):
+        folder = pathlib.Path(tempfile.mkdtemp())
+        self.addCleanup(shutil.rmtree, folder)
+        subprocess.run(["cpack", "-G", "ZIP", "-B", folder / "packages"], cwd=BIN.parent, check=True,
+                       stdout=subprocess.DEVNULL)
+        [package] = (folder / "packages").glob("*.zip")
+        self.assertRegex(package.name, r"^KELReader81U-\d+\.\d+\.\d+-win64\.zip$")
+        place = folder / "a folder with blanks"
+        with zipfile.ZipFile(package) as archive:
+            archive.extractall(place)
+        self.root = place / package.stem
+
+    def test_holds_what_hosts_and_operators_need(self):
+        names = {str(path.relative_to(self.root)) for path in self.root.rglob("*") if path.is_file()}
+        self.assertLessEqual({"KELReader81U.dll", "LKELReader81.txt", "KELReader81U.manifest", "README.txt", "LICENSE.txt",
+                              "ReadBatch.exe", "ReadBatch.exe.manifest", "examples/ReadBatch.cpp",
+                              "examples/ReadSheets.vbs", "examples/ReadSheets.js", "development/KELReader81U.idl",
+                              "development/KELReader81U.tlb", "development/KELReader81U.h", "docs/windows.md",
+                              "docs/readers/README.md", "docs/readers/scantron.md"}, names)
+        self.assertFalse([name for name in names if "CMakeLists" in name or "advice" in name])
+        self.assertNotIn("@", (self.root / "README.txt").read_text())
+
+    def test_works_without_and_with_registration(self):
+        with machine_wide():
+            self.assertFalse(registry_has(READER_NAME))
+            with SimulatedReader(24, port=PORT, seed=7, count=SHEETS):
+                output = self.run_program(self.root / "ReadBatch.exe", 24, PORT, SHEETS, 20, 14, cwd=self.root)
+            self.assertEqual([line.rstrip() for line in output.splitlines() if line.startswith("Sheet")], ["Sheet 1", "Sheet 2"])
+
+            self.run_program("regsvr32", "/s", "KELReader81U.dll", cwd=self.root)
+            self.addCleanup(wine, "regsvr32", "/s", "/u", "KELReader81U.dll", cwd=self.root)
+            self.assertTrue(registry_has(READER_NAME))
+            with SimulatedReader(24, port=PORT, seed=7, count=SHEETS):
+                output = self.run_program("cscript", "//nologo", "ReadSheets.vbs", 24, PORT, SHEETS,
+                                          cwd=self.root / "examples", status=SHEETS)
+            self.assertIn("Sheet 2: 40 timing marks", output)
+            self.run_program("regsvr32", "/s", "/u", "KELReader81U.dll", cwd=self.root)
+            self.assertFalse(registry_has(READER_NAME))
+
+    def test_exports_nothing_but_the_entry_points(self):
+        listing = subprocess.run(["x86_64-w64-mingw32-objdump", "-p", self.root / "KELReader81U.dll"], check=True,
+                                 stdout=subprocess.PIPE, text=True).stdout
+        names = listing[listing.index("[Ordinal/Name Pointer] Table"):].split("\n\n")[0].splitlines()[1:]
+        self.assertEqual(sorted(line.split()[-1] for line in names),
+                         ["DllCanUnloadNow", "DllGetClassObject", "DllInstall", "DllRegisterServer",
+                          "DllUnregisterServer"])
+
+
+if __name__ == "__main__":
+    unittest.main()
