@@ -9,7 +9,7 @@ import zipfile
 
 from harness import BIN, SimulatedReader, WindowsTest, machine_wide, registry_has, wine
 
-PORT = 11
+PORT = 14
 SHEETS = 2
 READER_NAME = r"HKLM\Software\Classes\KELReader81U.clsKELReader"
 
