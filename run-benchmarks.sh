@@ -4,11 +4,20 @@
 set -euo pipefail
 cd "$(dirname "$0")"
 
-scripts/install-packages.sh build test
+scripts/install-packages.sh build test windows
 cmake --preset release >/dev/null
 cmake --build --preset release --parallel "$(nproc)" --target kel_benchmarks kelreader
 results=build/release/benchmarks.json
 build/release/bin/kel_benchmarks --benchmark_counters_tabular=true --benchmark_out="$results" \
     --benchmark_out_format=json "$@"
+
+# What a host pays under Windows.
+com_results=build/release/com_calls.json
+rm -f "$com_results"
+if [ $# -eq 0 ]; then
+    cmake --preset windows >/dev/null
+    cmake --build --preset windows --parallel "$(nproc)" --target com_lifetime >/dev/null
+    python3 benchmarks/com_calls.py build/windows build/release/bin/kelreader "$com_results"
+fi
 echo
-python3 benchmarks/goals.py "$results"
+python3 benchmarks/goals.py "$results" $(find "$com_results" 2>/dev/null || true)

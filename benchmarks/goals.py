@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Prints the measured figures beside what they are to reach, and beside the nearest thing that a host would write.
 
-Usage: goals.py RESULTS.json    (as kel_benchmarks --benchmark_out writes it)
+Usage: goals.py RESULTS.json...    (as kel_benchmarks --benchmark_out and com_calls.py write them)
 """
 
 import json
@@ -41,6 +41,10 @@ GOALS = [
     ("a guarded call of an object", "Guarded_CallOfAnObject", "time_ns", 1, "ns", None, "Guarded_NoTrap"),
     ("options window, 16 absent ports", "Options_Show", "time_ns", 1e-6, "ms", "< 300", None),
     ("options window, another model", "Options_ModelChange", "time_ns", 1e-6, "ms", "< 5", None),
+    ("COM: property by vtable", "Com_PropertyByVtable", "time_ns", 1, "ns", "< 50", None),
+    ("COM: property by IDispatch", "Com_PropertyByIDispatch", "time_ns", 1e-3, "us", "< 2", None),
+    ("COM: property by name", "Com_PropertyByName", "time_ns", 1e-3, "us", None, None),
+    ("COM: a reader made and released", "Com_Creation", "time_ns", 1e-6, "ms", "< 1", None),
 ]
 
 NANOSECONDS = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}
@@ -83,10 +87,13 @@ def table(results):
 
 
 def main():
-    if len(sys.argv) != 2:
+    if len(sys.argv) < 2:
         sys.exit(__doc__)
-    with open(sys.argv[1], encoding="utf-8") as file:
-        print(table(json.load(file)["benchmarks"]))
+    results = []
+    for name in sys.argv[1:]:
+        with open(name, encoding="utf-8") as file:
+            results += json.load(file)["benchmarks"]
+    print(table(results))
 
 
 if __name__ == "__main__":
