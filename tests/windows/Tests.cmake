@@ -21,5 +21,6 @@ foreach(script IN LISTS scripts)
     get_filename_component(name ${script} NAME_WE)
     string(REPLACE test_ "" name ${name})
     kel_windows_test(${name} ${script})
-    set_tests_properties(Windows_${name} PROPERTIES FIXTURES_REQUIRED wine)
+    # Their dialogues have pauses in which a simulated reader has to reply: less goes on beside them.
+    set_tests_properties(Windows_${name} PROPERTIES FIXTURES_REQUIRED wine PROCESSORS 3)
 endforeach()
