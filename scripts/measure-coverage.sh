@@ -11,10 +11,10 @@ cd "$(dirname "$0")/.."
 build=${1:-build/coverage}
 
 cmake --preset coverage -B "$build" >/dev/null
-cmake --build "$build"
+cmake --build "$build" --parallel "$(nproc)"
 # What an earlier run has counted does not count.
 find "$build" -name '*.gcda' -delete
-ctest --test-dir "$build" --exclude-regex '^Windows_' --output-on-failure
+ctest --test-dir "$build" --exclude-regex '^Windows_' --output-on-failure --parallel 4
 
 gcovr --root . --object-directory "$build" --exclude-throw-branches --exclude-unreachable-branches \
       --exclude tests/ --exclude "$build" --json-summary "$build/coverage.json" "$build"

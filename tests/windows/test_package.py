@@ -38,21 +38,21 @@ class Package(WindowsTest):
         self.assertNotIn("@", (self.root / "README.txt").read_text())
 
     def test_works_without_and_with_registration(self):
-        with machine_wide():
-            self.assertFalse(registry_has(READER_NAME))
-            with SimulatedReader(24, port=PORT, seed=7, count=SHEETS):
-                output = self.run_program(self.root / "ReadBatch.exe", 24, PORT, SHEETS, 20, 14, cwd=self.root)
-            self.assertEqual([line.rstrip() for line in output.splitlines() if line.startswith("Sheet")], ["Sheet 1", "Sheet 2"])
+        self.enterContext(machine_wide())  # until the last clean-up is done
+        self.assertFalse(registry_has(READER_NAME))
+        with SimulatedReader(24, port=PORT, seed=7, count=SHEETS):
+            output = self.run_program(self.root / "ReadBatch.exe", 24, PORT, SHEETS, 20, 14, cwd=self.root)
+        self.assertEqual([line.rstrip() for line in output.splitlines() if line.startswith("Sheet")], ["Sheet 1", "Sheet 2"])
 
-            self.run_program("regsvr32", "/s", "KELReader81U.dll", cwd=self.root)
-            self.addCleanup(wine, "regsvr32", "/s", "/u", "KELReader81U.dll", cwd=self.root)
-            self.assertTrue(registry_has(READER_NAME))
-            with SimulatedReader(24, port=PORT, seed=7, count=SHEETS):
-                output = self.run_program("cscript", "//nologo", "ReadSheets.vbs", 24, PORT, SHEETS,
-                                          cwd=self.root / "examples", status=SHEETS)
-            self.assertIn("Sheet 2: 40 timing marks", output)
-            self.run_program("regsvr32", "/s", "/u", "KELReader81U.dll", cwd=self.root)
-            self.assertFalse(registry_has(READER_NAME))
+        self.run_program("regsvr32", "/s", "KELReader81U.dll", cwd=self.root)
+        self.addCleanup(wine, "regsvr32", "/s", "/u", "KELReader81U.dll", cwd=self.root)
+        self.assertTrue(registry_has(READER_NAME))
+        with SimulatedReader(24, port=PORT, seed=7, count=SHEETS):
+            output = self.run_program("cscript", "//nologo", "ReadSheets.vbs", 24, PORT, SHEETS,
+                                      cwd=self.root / "examples", status=SHEETS)
+        self.assertIn("Sheet 2: 40 timing marks", output)
+        self.run_program("regsvr32", "/s", "/u", "KELReader81U.dll", cwd=self.root)
+        self.assertFalse(registry_has(READER_NAME))
 
     def test_exports_nothing_but_the_entry_points(self):
         listing = subprocess.run(["x86_64-w64-mingw32-objdump", "-p", self.root / "KELReader81U.dll"], check=True,
