@@ -21,7 +21,7 @@ using Words = std::vector<std::string>;
 Words simulatedScan(const Words& more)
 {
     Words words = {"scan",      "--model",   "24",    "--simulate",   "--rate", "unlimited",
-                   "--setting", "feed-ms=0", "--set", "SleepTime=10", "--set",  "RecognitionThreshold=198"};
+                   "--setting", "feed-ms=0", "--set", "SleepTime=40", "--set",  "RecognitionThreshold=198"};
     words.insert(words.end(), more.begin(), more.end());
     return words;
 }
@@ -129,7 +129,7 @@ TEST(ScanCommand, ReaderThatHangsUpInTheMiddleOfAPageIsReported)
         withoutNumbers(outcome.output),
         sheetLine(1, {{1, 1}, {2, 2}}) + "\n" + R"({"event":"failure","line":N,"number":0,"type":2,"description":")" +
             tooManyRows +
-            R"(\r\n\r\n\tSystem pause (ms): 10","source":"basPeripheralDynamics.ReadPagePD","title":"Sheet Not Read"})"
+            R"(\r\n\r\n\tSystem pause (ms): 40","source":"basPeripheralDynamics.ReadPagePD","title":"Sheet Not Read"})"
             "\n"
             R"({"event":"failure","line":N,"number":8020,"type":0,"description":")" +
             hungUp +
@@ -142,7 +142,7 @@ TEST(ScanCommand, ReaderThatHangsUpInTheMiddleOfAPageIsReported)
             R"({"event":"end","started":true,"sheets":1,"cancelScan":true,"result":true})"
             "\n");
     EXPECT_EQ(withoutNumbers(outcome.errors), "kelreader: Sheet Not Read: " + tooManyRows +
-                                                  " System pause (ms): 10 (basPeripheralDynamics.ReadPagePD)\n"
+                                                  " System pause (ms): 40 (basPeripheralDynamics.ReadPagePD)\n"
                                                   "kelreader: " +
                                                   hungUp +
                                                   " (8020, basPeripheralDynamics.EjectPagePD, line N)\n"
@@ -211,7 +211,7 @@ TEST(ScanCommand, AnAnswerKeyGoesIntoTheReader)
     const TextFile key(R"({"formIds":["0001","0002"],"questionsOnPage":[1,1],"questions":[
         {"name":"Question 1","choices":["A","B"],"correctAnswers":["A","B"]},
         {"name":"Question 2","choices":["A","B"],"correctAnswers":["B","A"]}]})");
-    const Words words = {"scan",      "--model",  "40",          "--simulate",   "--set",    "SleepTime=10", "--form",
+    const Words words = {"scan",      "--model",  "40",          "--simulate",   "--set",    "SleepTime=40", "--form",
                          form.path(), "--sheets", sheets.path(), "--answer-key", key.path(), "--max-sheets", "1"};
     const CommandOutcome outcome = runCommand(words);
     EXPECT_THAT(

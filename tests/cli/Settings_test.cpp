@@ -308,7 +308,7 @@ TEST_F(SettingsCommand, ScanTakesTheKeptSettings)
     set("ScannerType", "24");
     set("ScannerDataBits", "8");
     set("RecognitionThreshold", "198");
-    set("SleepTime", "10");
+    set("SleepTime", "40");
     const TextFile sheets(R"([{"side1":[[1,0,0],[0,1,0]]}])");
     const CommandOutcome outcome = run(simulatedScan({"--settings", kKey, "--sheets", sheets.path()}));
     EXPECT_EQ(outcome.errors, "");
@@ -325,7 +325,7 @@ TEST_F(SettingsCommand, ScanWithAModelOfItsOwnTakesTheRest)
     set("ScannerType", "13");
     set("ScannerDataBits", "8");
     set("RecognitionThreshold", "198");
-    set("SleepTime", "10");
+    set("SleepTime", "40");
     const TextFile sheets(R"([{"side1":[[1,0,0],[0,1,0]]}])");
     const CommandOutcome outcome = run(simulatedScan({"--settings", kKey, "--model", "24", "--sheets", sheets.path()}));
     EXPECT_EQ(outcome.errors, "");
