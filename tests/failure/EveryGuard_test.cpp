@@ -18,7 +18,7 @@ namespace {
 
 using testing::IsEmpty;
 
-constexpr int kMostInstructions = 500;
+constexpr int kMostInstructions = 10000;
 
 std::string nameOf(std::string procedure)
 {

@@ -28,9 +28,10 @@ const std::vector<GuardCase> kEzDataGuards = {
      }},
     {"basNCSEZData.CheckThresholdNCSEZ", FailsBy::Processor, 0,
      [](GuardBench&) {
+         const std::string sScannerThreshold = "66";
          SteppedFault::arm();
          const ComponentCode running;
-         const Boolean bResult = CheckThresholdNCSEZ(3, "66");
+         const Boolean bResult = CheckThresholdNCSEZ(3, sScannerThreshold);
          SteppedFault::disarm();
          EXPECT_EQ(bResult, False);
      }},
