@@ -7,7 +7,9 @@
 
 #include <algorithm>
 #include <csignal>
+#include <fcntl.h>
 #include <iostream>
+#include <unistd.h>
 
 namespace kel {
 
@@ -43,6 +45,30 @@ void demandKnownCommand(const CLI::App& app, const std::string& name)
         throw UsageError("There is no command '" + name + "'; " + nearestListed(nearestNames(name, known)) + ".");
 }
 
+/// A shell's variable that is not set gives an option an empty value, which is never what was meant. Only a line to
+/// print may be empty.
+void demandValues(const CLI::App& command)
+{
+    for (const CLI::Option* option : command.get_options()) {
+        const auto isEmpty = [](const std::string& value) { return value.empty(); };
+        if (option->nonpositional() && !option->get_name().starts_with("--print") &&
+            std::any_of(option->results().begin(), option->results().end(), isEmpty))
+            throw UsageError(option->get_name() + " has an empty value; leave it out, or say what it is to be.");
+    }
+    for (const CLI::App* chosen : command.get_subcommands())
+        demandValues(*chosen);
+}
+
+/// A standard stream that is closed leaves its number to the next file that is opened, such as a reader's line: what is
+/// written then would go to the reader. What stands in its place cannot be read or written, as the stream itself.
+void holdStandardStreams()
+{
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (::fcntl(stream, F_GETFD) < 0)
+            static_cast<void>(::open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY));
+    }
+}
+
 } // namespace
 
 CLI::App& Commands::add(CLI::App& parent, const std::string& name, const std::string& description, Run run)
@@ -64,6 +90,7 @@ void addFormat(CLI::App& command, std::string& format, const std::vector<std::st
 
 int runCommandLine(int argc, const char* const* argv)
 {
+    holdStandardStreams();
     // A reader of our output that goes away, and a file that may not grow, are told as a failed write.
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);
@@ -79,6 +106,7 @@ int runCommandLine(int argc, const char* const* argv)
     try {
         demandKnownCommand(app, argc > 1 ? argv[1] : "");
         app.parse(argc, argv);
+        demandValues(app);
         return commands.runChosen();
     } catch (const CLI::ParseError& error) {
         return answerParser(app, error);

@@ -8,7 +8,7 @@ namespace kel {
 
 namespace {
 
-constexpr int kSignals[] = {SIGINT, SIGTERM};
+constexpr int kSignals[] = {SIGINT, SIGTERM, SIGHUP};
 
 volatile std::sig_atomic_t interrupts = 0;
 InterruptNote::Action interruptAction = nullptr;
@@ -34,8 +34,12 @@ InterruptNote::InterruptNote(Action action, void* context)
     struct sigaction noting {};
     noting.sa_handler = noteInterrupt;
     sigemptyset(&noting.sa_mask);
-    for (std::size_t i = 0; i < std::size(kSignals); ++i)
+    for (std::size_t i = 0; i < std::size(kSignals); ++i) {
         sigaction(kSignals[i], &noting, &previousActions[i]);
+        // Who started it with `nohup` wants it to go on when the terminal is gone.
+        if (kSignals[i] == SIGHUP && previousActions[i].sa_handler == SIG_IGN)
+            sigaction(SIGHUP, &previousActions[i], nullptr);
+    }
 }
 
 InterruptNote::~InterruptNote()

@@ -1,6 +1,7 @@
 #include "cli/JsonLines.h"
 
 #include "cli/FailureSentence.h"
+#include "types/LineText.h"
 
 namespace kel {
 
@@ -22,7 +23,7 @@ Json jsonTexts(const TextArray& texts)
 {
     Json elements = Json::array();
     for (const std::string& text : texts.elements())
-        elements.push_back(jsonValue(text));
+        elements.push_back(textOfLine(text));
     return elements;
 }
 

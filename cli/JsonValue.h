@@ -12,7 +12,8 @@
 namespace kel {
 
 /// A text as UTF-8 whatever bytes it holds: what is UTF-8 already stays, every other byte becomes the character of
-/// its Latin-1 code. Readers send single bytes, the language database UTF-8, and a message may hold both.
+/// its Latin-1 code. It is for messages: the language database has UTF-8, a reader's own words single bytes, and a
+/// message may hold both. A text that is a reader's alone goes through `textOfLine`.
 [[nodiscard]] std::string validUtf8(std::string_view text);
 
 /// A value as JSON has it: truth values as true and false, enumerations by their number, texts as valid UTF-8.

@@ -123,7 +123,8 @@ kelReaderType modelNamed(std::string_view text)
 
     const std::vector<ModelNames> models = modelNames();
     const std::string wanted = plain(text);
-    if (wanted.empty() || text.starts_with('-')) // a number that is none is not taken for a part of a name
+    // A number that is none is not taken for a part of a name.
+    if (wanted.empty() || text.starts_with('-') || text.starts_with('+') || text.starts_with(' '))
         refuseUnknown(text, models);
     const NameTest tests[] = {
         [&](const std::string& name) { return name == wanted; },

@@ -3,6 +3,7 @@
 #include "cli/EnumeratorNames.h"
 #include "cli/NearestNames.h"
 #include "cli/UsageError.h"
+#include "types/LineText.h"
 #include "types/Text.h"
 
 #include <charconv>
@@ -73,9 +74,11 @@ Boolean parsed(std::string_view text)
 }
 
 template <>
-std::string parsed(std::string_view text)
+std::string parsed(std::string_view text) // each of these texts goes over the line
 {
-    return std::string(text);
+    if (const auto line = lineOfText(text))
+        return *line;
+    throw DoesNotFit{"characters of Latin-1 only"};
 }
 
 template <class Enum>
@@ -121,16 +124,25 @@ kelRecognitionType parsed(std::string_view text)
     return parsedMember<kelRecognitionType>(text, recognitionTypes());
 }
 
+template <class T>
+Json jsonProperty(const T& value)
+{
+    if constexpr (std::is_same_v<T, std::string>)
+        return textOfLine(value);
+    else
+        return jsonValue(value);
+}
+
 #define KEL_READER_PROPERTY(Name)                                                                                      \
     {                                                                                                                  \
-#Name, [](const clsKELReader& reader) { return jsonValue(reader.Name()); },                                    \
+#Name, [](const clsKELReader& reader) { return jsonProperty(reader.Name()); },                                    \
             [](clsKELReader& reader, std::string_view text) {                                                          \
                 reader.Name(parsed<decltype(reader.Name())>(text));                                                    \
-            }       \
+            }    \
     }
 #define KEL_PRINTER_PROPERTY(Name)                                                                                     \
     {                                                                                                                  \
-        "Printer." #Name, [](const clsKELReader& reader) { return jsonValue(reader.Printer()->Name()); },              \
+        "Printer." #Name, [](const clsKELReader& reader) { return jsonProperty(reader.Printer()->Name()); },           \
             [](clsKELReader& reader, std::string_view text) {                                                          \
                 reader.Printer()->Name(parsed<decltype(reader.Printer()->Name())>(text));                              \
             }                                                                                                          \

@@ -2,8 +2,10 @@
 
 #include "cli/LoadedSettings.h"
 #include "cli/PropertyTable.h"
+#include "cli/UsageError.h"
 #include "platform/Platform.h"
 #include "reader/Dictionary.h"
+#include "types/LineText.h"
 #include "types/Text.h"
 
 #include <algorithm>
@@ -32,14 +34,14 @@ Json jsonItem(const DictionaryItem& item)
     if (const auto* number = std::get_if<Int32>(&item))
         return *number;
     if (const auto* text = std::get_if<std::string>(&item))
-        return jsonValue(*text);
+        return textOfLine(*text);
     return nullptr;
 }
 
 std::string keyName(const DictionaryKey& key)
 {
     const auto* number = std::get_if<Int32>(&key);
-    return number ? CStr(*number) : validUtf8(std::get<std::string>(key));
+    return number ? CStr(*number) : textOfLine(std::get<std::string>(key));
 }
 
 Json jsonRecord(const Dictionary& fields)
@@ -50,6 +52,22 @@ Json jsonRecord(const Dictionary& fields)
     for (std::size_t i = 0; i < keys.size(); ++i)
         record[keyName(keys[i])] = jsonItem(items[i]);
     return record;
+}
+
+/// An answer stands under its question's number, and questions without one are left out.
+bool hasAnswer(const Dictionary& fields)
+{
+    const std::vector<DictionaryKey> keys = fields.Keys();
+    return std::any_of(keys.begin(), keys.end(),
+                       [](const DictionaryKey& key) { return std::holds_alternative<Int32>(key); });
+}
+
+/// A text to print, as it goes over the line.
+std::string printText(const std::string& text)
+{
+    if (const auto line = lineOfText(text))
+        return *line;
+    throw UsageError("'" + text + "' cannot be printed: a reader takes the characters of Latin-1 only.");
 }
 
 /// The host of one scan: it hears the reader's events and its reports, and makes the scan's events of them.
@@ -64,6 +82,7 @@ public:
     {
         readingBegan_ = true;
         record_.reset();
+        answered_ = false;
         stopIfWanted();
     }
 
@@ -77,7 +96,7 @@ public:
         sheet_.barcodes = sBarcodeArray;
         fillPrinter();
 
-        const bool blank = !hasMark(iSide1Array) && !hasMark(iSide2Array);
+        const bool blank = !hasMark(iSide1Array) && !hasMark(iSide2Array) && !answered_;
         if ((request_.rejectBlank && blank) || request_.rejectSheets.contains(sheet_.sheet)) {
             reader_.RejectPage();
             bReject = True;
@@ -88,6 +107,7 @@ public:
     void TranslateData(Dictionary& oData, MarkArray&, MarkArray&, TextArray&, Boolean&) override
     {
         record_ = jsonRecord(oData);
+        answered_ = hasAnswer(oData);
     }
 
     void GetQuestionsOnPage(Int16& iPage, Int16& iNumberQuestions) override
@@ -123,11 +143,11 @@ private:
         const std::string barcode = sheet_.barcodes.elements().empty() ? "" : sheet_.barcodes.elements().front();
         const PrintRequest& print = request_.print;
         if (print.print1)
-            reader_.Printer()->Buffer1(filledIn(*print.print1, sheet_.sheet, barcode));
+            reader_.Printer()->Buffer1(filledIn(printText(*print.print1), sheet_.sheet, barcode));
         if (print.print2)
-            reader_.Printer()->Buffer2(filledIn(*print.print2, sheet_.sheet, barcode));
+            reader_.Printer()->Buffer2(filledIn(printText(*print.print2), sheet_.sheet, barcode));
         if (print.print3)
-            reader_.Printer()->Buffer3(filledIn(*print.print3, sheet_.sheet, barcode));
+            reader_.Printer()->Buffer3(filledIn(printText(*print.print3), sheet_.sheet, barcode));
     }
 
     clsKELReader& reader_;
@@ -136,6 +156,7 @@ private:
     const std::function<bool()>& stopWanted_;
     ScannedSheet sheet_;
     std::optional<Json> record_;
+    bool answered_ = false; ///< by a reader that sends answers in place of marks
     Int32 sheets_ = 0;
     bool readingBegan_ = false;
 };
@@ -212,6 +233,10 @@ std::vector<ReportedFailure> prepareReader(clsKELReader& reader, const ScanReque
         reader.Port(*request.port);
     for (const std::string& assignment : request.assignments)
         applyAssignment(reader, assignment);
+    for (const auto* text : {&request.print.print1, &request.print.print2, &request.print.print3}) {
+        if (*text)
+            static_cast<void>(printText(**text));
+    }
     if (request.print.wanted()) {
         reader.Printer()->Enabled(True);
         reader.Printer()->Active(True);

@@ -46,7 +46,8 @@ struct ScanResult {
 };
 
 /// Gives a reader the kept settings or the defaults of the model, the form, the answer key, the port, the assignments
-/// and the print settings, and tells which of the kept settings failed. UsageError for an assignment that is wrong.
+/// and the print settings, and tells which of the kept settings failed. UsageError for an assignment
+/// that is wrong and for a text that cannot be printed.
 std::vector<ReportedFailure> prepareReader(clsKELReader& reader, const ScanRequest& request);
 
 /// Reads a batch with a reader that is prepared, and tells the sink of all that happens. While it runs, the reports of

@@ -1,6 +1,7 @@
 #include "cli/SheetCsv.h"
 
 #include "cli/FailureSentence.h"
+#include "types/LineText.h"
 #include "types/Text.h"
 
 namespace kel {
@@ -27,7 +28,7 @@ std::string joined(const TextArray& texts)
     std::string result;
     for (const std::string& text : texts.elements()) {
         if (!text.empty())
-            result += (result.empty() ? "" : " ") + validUtf8(text);
+            result += (result.empty() ? "" : " ") + textOfLine(text);
     }
     return result;
 }

@@ -1,6 +1,7 @@
 #include "cli/SheetTable.h"
 
 #include "cli/FailureSentence.h"
+#include "types/LineText.h"
 #include "types/Text.h"
 
 #include <algorithm>
@@ -86,7 +87,7 @@ std::string heading(const ScannedSheet& sheet)
     std::string text = "Sheet " + CStr(sheet.sheet);
     for (const std::string& barcode : sheet.barcodes.elements()) {
         if (!barcode.empty())
-            text += "   barcode \"" + validUtf8(barcode) + "\"";
+            text += "   barcode \"" + textOfLine(barcode) + "\"";
     }
     if (sheet.rejected)
         text += "   REJECTED";

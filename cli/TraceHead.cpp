@@ -28,7 +28,8 @@ std::string propertyText(const Json& value)
 void addSettings(TraceLog::Head& head, const clsKELReader& reader)
 {
     clsKELReader usual;
-    usual.LoadDefaults(reader.ReaderType());
+    if (usual.Profiles()->Exists(CStr(reader.ReaderType()))) // a number that was set may be no model's
+        usual.LoadDefaults(reader.ReaderType());
     for (const PropertyRow& row : readerProperties()) {
         if (row.name == "ReaderType" || row.name == "CancelScan")
             continue;

@@ -2,12 +2,26 @@
 
 #include "failure/basError.h"
 
+#include <string_view>
+
 namespace kel {
 
-void reportRuntimeFailure(const char* source, const RuntimeFailure& failure)
+namespace {
+
+/// Where a procedure failed. A line of another file would lead whoever reads the report astray. None at all is that of
+/// a fault of the processor.
+unsigned lineWithin(SourceLocation procedure, const SourceLocation& failed)
+{
+    const bool isElsewhere = failed.line() != 0 && failed.file_name() != std::string_view(procedure.file_name());
+    return isElsewhere ? procedure.line() : failed.line();
+}
+
+} // namespace
+
+void reportRuntimeFailure(const char* source, const RuntimeFailure& failure, SourceLocation procedure)
 {
     ErrorReport report;
-    report.LineNumber = static_cast<Int32>(failure.where().line());
+    report.LineNumber = static_cast<Int32>(lineWithin(procedure, failure.where()));
     report.ErrorNumber = failure.number();
     report.ErrorType = kErrorTypeRunTime;
     report.ErrorDescription = failure.text();
@@ -17,10 +31,10 @@ void reportRuntimeFailure(const char* source, const RuntimeFailure& failure)
 
 namespace detail {
 
-void reportCaught(const char* source)
+void reportCaught(const char* source, SourceLocation procedure)
 {
     faultCaught();
-    reportRuntimeFailure(source, caughtFailure());
+    reportRuntimeFailure(source, caughtFailure(), procedure);
 }
 
 } // namespace detail

@@ -10,13 +10,14 @@
 
 namespace kel {
 
-/// Reports a run-time failure under a procedure's source: number, text and the failing statement's line, type 0.
-void reportRuntimeFailure(const char* source, const RuntimeFailure& failure);
+/// Reports a run-time failure under a procedure's source: number, text and line, type 0. The line is that of the
+/// failing statement, or, if that stands in the file of something that the procedure uses, that of the procedure.
+void reportRuntimeFailure(const char* source, const RuntimeFailure& failure, SourceLocation procedure);
 
 namespace detail {
 
 /// The common first trap of a procedure, called by its handler: reports what is being caught.
-[[gnu::cold, gnu::noinline]] void reportCaught(const char* source);
+[[gnu::cold, gnu::noinline]] void reportCaught(const char* source, SourceLocation procedure);
 
 /// What a procedure of a module does about the thread's faults: nothing, since an object's procedure has called it.
 struct CalledCode {
@@ -55,14 +56,15 @@ template <StatedVariables Stated>
 /// The processor's faults are taken while a procedure of an object runs, and what it calls: one that states `moduleOf`
 /// its object. Those of modules are within one of these, and cost nothing until they fail.
 template <StatedVariables Stated, class Body>
-void guarded(const char* source, const Stated& stated, Body&& body)
+void guarded(const char* source, const Stated& stated, Body&& body,
+             SourceLocation procedure = SourceLocation::current())
 {
     const detail::CodeOf<Stated> running;
     try {
         try {
             std::forward<Body>(body)();
         } catch (const std::exception&) {
-            detail::reportCaught(source);
+            detail::reportCaught(source, procedure);
         }
     } catch (const std::exception&) {
         detail::captureAndRaise(source, stated);
@@ -73,7 +75,9 @@ void guarded(const char* source, const Stated& stated, Body&& body)
 /// has dealt with it. If not, it is reported in the common way. No further first trap follows: a failure of `onFailure`
 /// itself goes to the second.
 template <StatedVariables Stated, class Body, class OnFailure>
-void guarded(const char* source, const Stated& stated, Body&& body, OnFailure&& onFailure)
+requires std::is_invocable_r_v<bool, OnFailure, const RuntimeFailure&>
+void guarded(const char* source, const Stated& stated, Body&& body, OnFailure&& onFailure,
+             SourceLocation procedure = SourceLocation::current())
 {
     const detail::CodeOf<Stated> running;
     try {
@@ -83,7 +87,7 @@ void guarded(const char* source, const Stated& stated, Body&& body, OnFailure&& 
             faultCaught();
             const RuntimeFailure failure = caughtFailure();
             if (!onFailure(failure))
-                reportRuntimeFailure(source, failure);
+                reportRuntimeFailure(source, failure, procedure);
         }
     } catch (const std::exception&) {
         detail::captureAndRaise(source, stated);
@@ -92,14 +96,15 @@ void guarded(const char* source, const Stated& stated, Body&& body, OnFailure&& 
 
 /// The same without variables.
 template <class Body>
-void guarded(const char* source, Body&& body)
+void guarded(const char* source, Body&& body, SourceLocation procedure = SourceLocation::current())
 {
-    guarded(source, NothingStated(), std::forward<Body>(body));
+    guarded(source, NothingStated(), std::forward<Body>(body), procedure);
 }
 template <class Body, class OnFailure>
-requires(!StatedVariables<Body>) void guarded(const char* source, Body&& body, OnFailure&& onFailure)
+requires(!StatedVariables<Body> && std::is_invocable_r_v<bool, OnFailure, const RuntimeFailure&>) void guarded(
+    const char* source, Body&& body, OnFailure&& onFailure, SourceLocation procedure = SourceLocation::current())
 {
-    guarded(source, NothingStated(), std::forward<Body>(body), std::forward<OnFailure>(onFailure));
+    guarded(source, NothingStated(), std::forward<Body>(body), std::forward<OnFailure>(onFailure), procedure);
 }
 
 /// The second trap alone: for accessors, and for helpers that report nothing themselves. A failure goes on to the

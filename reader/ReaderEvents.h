@@ -19,7 +19,8 @@ public:
     virtual void BeforeSheet(Boolean& bInitializePrinter) { static_cast<void>(bInitializePrinter); }
 
     /// After a successful read. The host may change the arrays in place, call `RejectPage` or `EjectPage`, fill the
-    /// printer's buffers and set its `Active`. `bReject` set True suppresses the print, nothing else.
+    /// printer's buffers and set its `Active`. A barcode holds a byte a character, as it came. `bReject` set True
+    /// suppresses the print, nothing else.
     virtual void ReadSheet(MarkArray& iSide1Array, MarkArray& iSide2Array, TextArray& sBarcodeArray, Boolean& bReject)
     {
         static_cast<void>(iSide1Array);

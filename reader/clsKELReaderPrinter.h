@@ -38,7 +38,7 @@ public:
     [[nodiscard]] Boolean Active() const;
     void Active(Boolean value);
 
-    /// The print lines.
+    /// The print lines: a byte a character, as the printer takes them.
     [[nodiscard]] std::string Buffer1() const;
     void Buffer1(const std::string& text);
     [[nodiscard]] std::string Buffer2() const;

@@ -31,12 +31,15 @@ char upper(char c)
     return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
 }
 
-/// A number behind "&h" or "&o": as many digits of the base as there are, the sign bit of 16 or 32 bits included.
+/// A number behind "&h" or "&o": as many digits of the base as there are, the sign bit of 16 or 32 bits included. An
+/// "&" behind them makes it one of 32 bits.
 double radixNumber(std::string_view digits, int base)
 {
     std::uint64_t value = 0;
+    bool isLong = false;
     for (const char c : digits) {
         const char d = lower(c);
+        isLong = d == '&';
         int digit = -1;
         if (isDigit(d))
             digit = d - '0';
@@ -48,7 +51,7 @@ double radixNumber(std::string_view digits, int base)
         if (value > 0xFFFFFFFFU)
             throw RuntimeFailure(FailureCode::Overflow);
     }
-    if (value <= 0xFFFFU)
+    if (value <= 0xFFFFU && !isLong)
         return static_cast<std::int16_t>(value);
     return static_cast<std::int32_t>(static_cast<std::uint32_t>(value));
 }

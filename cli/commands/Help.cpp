@@ -26,9 +26,11 @@ int run(CLI::App& program, const std::vector<std::string>& words)
 {
     CLI::App* command = &program;
     std::string path = program.get_name();
-    for (const std::string& word : words) {
-        command = &commandNamed(*command, word);
-        path += " " + word;
+    for (const std::string& given : words) {
+        for (const std::string& word : CLI::detail::split(given, ' ')) { // 'ports set' may come as one
+            command = &commandNamed(*command, word);
+            path += " " + word;
+        }
     }
     // Its own help() would tell of the command that was called, which is this one.
     TextOutput().writeOrFail(command->get_formatter()->make_help(command, path, CLI::AppFormatMode::Normal));

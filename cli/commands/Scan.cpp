@@ -12,6 +12,7 @@
 #include "platform/Platform.h"
 #include "platform/PortMap.h"
 #include "platform/TracingCarrier.h"
+#include "types/Text.h"
 
 #include <iostream>
 
@@ -61,6 +62,10 @@ ScanRequest requestOf(const Arguments& arguments)
         request.port = kDevicePort;
     request.maxSheets = arguments.maxSheets;
     request.rejectBlank = arguments.rejectBlank;
+    for (const Int32 sheet : arguments.rejectSheets) {
+        if (sheet < 1)
+            throw UsageError("There is no sheet " + CStr(sheet) + " to reject; the first is 1.");
+    }
     request.rejectSheets.insert(arguments.rejectSheets.begin(), arguments.rejectSheets.end());
     request.print = arguments.print;
     return request;
@@ -75,6 +80,8 @@ void demandLine(const Arguments& arguments, const clsKELReader& reader)
                          "devices that are there).");
     if (!arguments.traceFile.empty() && usb)
         throw UsageError("A USB reader has no line that --trace could write down.");
+    if (!arguments.traceFile.empty() && arguments.traceFile == arguments.outFile)
+        throw UsageError("--out and --trace cannot share a file; name another one for either.");
     if (arguments.simulator.given() && !arguments.simulate)
         throw UsageError("The options of a simulated reader go with --simulate.");
 }
@@ -194,7 +201,7 @@ void addSheetOptions(CLI::App& command, Arguments& arguments)
     command.add_option("--max-sheets", arguments.maxSheets, "Ends after so many sheets; below 0: no limit")
         ->capture_default_str()
         ->type_name("N");
-    command.add_flag("--reject-blank", arguments.rejectBlank, "Rejects sheets without a mark");
+    command.add_flag("--reject-blank", arguments.rejectBlank, "Rejects sheets without a mark or an answer");
     command.add_option("--reject-sheets", arguments.rejectSheets, "Rejects these sheets, the first is 1")
         ->delimiter(',')
         ->allow_extra_args(false)

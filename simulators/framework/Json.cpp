@@ -1,5 +1,7 @@
 #include "simulators/framework/Json.h"
 
+#include "types/LineText.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
@@ -142,6 +144,13 @@ std::string readJsonText(const Json& value, const JsonPlace& place)
     if (!value.is_string())
         refuseType(place, "a text", value);
     return value.get<std::string>();
+}
+
+std::string readJsonLineText(const Json& value, const JsonPlace& place)
+{
+    if (const auto line = lineOfText(readJsonText(value, place)))
+        return *line;
+    place.refuse("has a character that is not in Latin-1, and no reader sends or prints one");
 }
 
 bool readJsonTruth(const Json& value, const JsonPlace& place)

@@ -91,6 +91,8 @@ void readJsonArray(const Json& value, const JsonPlace& place, const JsonReader& 
 void readJsonArray(const Json& value, const JsonPlace& place, const std::string& elementName,
                    const JsonReader& readElement);
 [[nodiscard]] std::string readJsonText(const Json& value, const JsonPlace& place);
+/// A text as it goes over a line, a byte a character.
+[[nodiscard]] std::string readJsonLineText(const Json& value, const JsonPlace& place);
 [[nodiscard]] bool readJsonTruth(const Json& value, const JsonPlace& place);
 /// A whole number from `lowest` to `highest`.
 [[nodiscard]] Int16 readJsonNumber(const Json& value, const JsonPlace& place, Int16 lowest, Int16 highest);

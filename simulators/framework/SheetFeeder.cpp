@@ -1,6 +1,7 @@
 #include "simulators/framework/SheetFeeder.h"
 
 #include "simulators/framework/Json.h"
+#include "types/LineText.h"
 
 #include <limits>
 #include <random>
@@ -74,7 +75,7 @@ MarkRows marksFrom(const Json& value, const JsonPlace& place)
 std::string fieldFrom(const Json& value, const JsonPlace& place)
 {
     if (value.is_string())
-        return value.get<std::string>();
+        return readJsonLineText(value, place);
     if (!value.is_number() && !value.is_boolean())
         place.refuse("has to be a text or a number and is " + value.dump());
     return value.dump();
@@ -89,7 +90,7 @@ SimulatedSheet sheetFrom(const Json& value, const JsonPlace& place)
     const auto barcodes = [&](const Json& texts, const JsonPlace&) {
         readJsonArray(texts, place.part("barcodes"), [&](const Json& text, const JsonPlace&) {
             const std::string number = std::to_string(sheet.barcodes.size() + 1);
-            sheet.barcodes.push_back(readJsonText(text, place.part("barcode " + number)));
+            sheet.barcodes.push_back(readJsonLineText(text, place.part("barcode " + number)));
         });
     };
     const auto fields = [&](const Json& object, const JsonPlace&) {
@@ -168,12 +169,14 @@ std::string toJson(const std::vector<SimulatedSheet>& sheets)
         Json object = Json::object();
         object["side1"] = sheet.side1;
         object["side2"] = sheet.side2;
-        object["barcodes"] = sheet.barcodes;
-        if (!sheet.fields.empty())
-            object["fields"] = sheet.fields;
+        object["barcodes"] = Json::array();
+        for (const std::string& barcode : sheet.barcodes)
+            object["barcodes"].push_back(textOfLine(barcode));
+        for (const auto& [name, field] : sheet.fields)
+            object["fields"][name] = textOfLine(field);
         array.push_back(std::move(object));
     }
-    return array.dump(-1, ' ', false, Json::error_handler_t::replace);
+    return array.dump();
 }
 
 } // namespace kel

@@ -1,6 +1,7 @@
 #include "simulators/framework/SheetLog.h"
 
 #include "simulators/framework/Json.h"
+#include "types/LineText.h"
 
 namespace kel {
 
@@ -26,12 +27,12 @@ std::string toJson(const SheetRecord& record)
     if (record.sheet != 0)
         object["sheet"] = record.sheet;
     if (!record.text.empty())
-        object["text"] = record.text;
+        object["text"] = textOfLine(record.text);
     if (record.line != 0)
         object["line"] = record.line;
     if (record.position != 0)
         object["position"] = record.position;
-    return object.dump(-1, ' ', false, Json::error_handler_t::replace);
+    return object.dump();
 }
 
 } // namespace kel

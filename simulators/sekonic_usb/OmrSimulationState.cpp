@@ -131,7 +131,7 @@ SheetRecord recordFrom(const Json& value, const JsonPlace& place)
     readJsonObject(value, place,
                    {{"event", event},
                     {"sheet", into(record.sheet, number)},
-                    {"text", into(record.text, readJsonText)},
+                    {"text", into(record.text, readJsonLineText)},
                     {"line", into(record.line, number)},
                     {"position", into(record.position, number)}});
     return record;

@@ -141,6 +141,7 @@ TEST(HelpCommand, TellsWhatAnyCommandTakes)
     EXPECT_EQ(runCommand({"help"}).output, runCommand({"--help"}).output);
     EXPECT_EQ(runCommand({"help", "scan"}).output, runCommand({"scan", "--help"}).output);
     EXPECT_EQ(runCommand({"help", "ports", "set"}).output, runCommand({"ports", "set", "--help"}).output);
+    EXPECT_EQ(runCommand({"help", "ports set"}).output, runCommand({"ports", "set", "--help"}).output);
 }
 
 TEST(HelpCommand, UnknownCommandIsWrongUse)

@@ -1,4 +1,5 @@
 #include "cli/JsonLines.h"
+#include "types/LineText.h"
 
 #include <gtest/gtest.h>
 
@@ -93,7 +94,14 @@ TEST(JsonLines, EveryByteIsValidJson)
     ScannedSheet sheet;
     sheet.barcodes = TextArray::of(0, {all});
     const Json parsed = Json::parse(jsonLine(sheet));
-    EXPECT_EQ(parsed["barcodes"][0].get<std::string>(), validUtf8(all));
+    EXPECT_EQ(lineOfText(parsed["barcodes"][0].get<std::string>()), all);
+}
+
+TEST(JsonLines, TextOfALineIsNeverTakenForUtf8)
+{
+    ScannedSheet sheet;
+    sheet.barcodes = TextArray::of(0, {"\xC4\x81"});
+    EXPECT_EQ(Json::parse(jsonLine(sheet))["barcodes"][0], "\xC3\x84\xC2\x81");
 }
 
 TEST(JsonLines, WritesALineAnEventAndTellsAFailureBesides)

@@ -63,6 +63,8 @@ TEST(ModelLookup, UnknownModelNamesTheNearest)
               "(11) and Scantron Scanmark 5500 (15) ('kelreader models' lists all).");
     EXPECT_THAT(refusal("42"), HasSubstr("There is no model '42'; the nearest are "));
     EXPECT_THAT(refusal("-1"), HasSubstr("There is no model '-1'"));
+    EXPECT_THAT(refusal("+13"), HasSubstr("There is no model '+13'"));
+    EXPECT_THAT(refusal(" 13"), HasSubstr("There is no model ' 13'"));
     EXPECT_THAT(refusal(""), HasSubstr("There is no model ''"));
 }
 

@@ -264,6 +264,67 @@ TEST(ScanCommand, SecondCtrlCEndsItAtOnce)
     EXPECT_EQ(outcome.status, 130);
 }
 
+TEST(ScanCommand, TerminalThatIsGoneStopsTheBatchInOrder)
+{
+    RunningCommand scan(simulatedScan({"--count", "1"}));
+    EXPECT_THAT(scan.readLine(), StartsWith(R"({"event":"sheet","sheet":1,)"));
+    scan.signal(SIGHUP);
+    const CommandOutcome outcome = scan.finish();
+    EXPECT_THAT(outcome.output, StartsWith(R"({"event":"end",)"));
+    EXPECT_EQ(outcome.status, 130);
+}
+
+TEST(ScanCommand, ClosedStandardStreamsAreNotTheReadersLine)
+{
+    // A file that is opened next gets the number of the stream that is closed.
+    Pty line;
+    const std::string scan =
+        "exec '" KEL_READER_PROGRAM "' scan --model 13 --set Timeout=1 --device '" + line.name() + "' ";
+    for (const char* closed : {">&- 2>&-", "<&- >&- 2>&-"}) {
+        RunningCommand command({"-c", scan + closed}, "/bin/sh");
+        const CommandOutcome outcome = command.finish();
+        EXPECT_EQ(outcome.status, 1);
+        // All that the reader gets is the reset at the start and at the end; it does not answer.
+        EXPECT_EQ(line.read(), "\x1BSRST\r\x1BSRST\r") << closed;
+    }
+}
+
+TEST(ScanCommand, TextsOfALineAreBytes)
+{
+    const TextFile sheets(R"([{"side1":[],"barcodes":["Ä\u0081Ç4567890"]}])");
+    const CommandOutcome read = runCommand({"scan", "--model", "18", "--simulate", "--sheets", sheets.path(),
+                                            "--max-sheets", "1", "--rate", "unlimited", "--format", "csv"});
+    EXPECT_EQ(read.errors, "");
+    // These two bytes would be one character of UTF-8.
+    EXPECT_THAT(read.output, HasSubstr("Ä\xC2\x81Ç"));
+
+    const CommandOutcome printed = runCommand({"scan", "--model", "24", "--simulate", "--print2", "5 €"});
+    EXPECT_EQ(printed.errors, "kelreader: '5 €' cannot be printed: a reader takes the characters of Latin-1 only.\n");
+    EXPECT_EQ(printed.status, 2);
+}
+
+TEST(ScanCommand, AnswersAreNoBlankSheet)
+{
+    const TextFile sheets(R"([{"side1":[[0,0,1,0,0]]},{"side1":[]}])");
+    const CommandOutcome read =
+        runCommand({"scan", "--model", "39", "--simulate", "--sheets", sheets.path(), "--max-sheets", "2", "--rate",
+                    "unlimited", "--reject-blank", "--format", "csv"});
+    EXPECT_EQ(read.errors, "");
+    ASSERT_EQ(read.lines().size(), 3U);
+    EXPECT_THAT(read.lines()[1], StartsWith("1,false,"));
+    EXPECT_THAT(read.lines()[2], StartsWith("2,true,"));
+}
+
+TEST(ScanCommand, ModelThatIsNoneIsRefusedQuietlyWithATraceToo)
+{
+    const TextFile trace("");
+    const CommandOutcome outcome = runCommand(
+        {"scan", "--model", "13", "--device", "/dev/null", "--set", "ReaderType=99", "--trace", trace.path()});
+    EXPECT_EQ(outcome.errors, "");
+    EXPECT_THAT(outcome.output, StartsWith(R"({"event":"end","started":false,)"));
+    EXPECT_EQ(outcome.status, 1);
+}
+
 struct WrongUse {
     const char* name;
     Words words;
@@ -326,6 +387,21 @@ INSTANTIATE_TEST_SUITE_P(
         WrongUse{"SheetsWithoutSimulation",
                  {"--model", "24", "--port", "1", "--seed", "1"},
                  "The options of a simulated reader go with --simulate."},
+        WrongUse{"EmptyNumber",
+                 {"--model", "24", "--simulate", "--max-sheets", ""},
+                 "--max-sheets has an empty value; leave it out, or say what it is to be."},
+        WrongUse{"EmptyFile",
+                 {"--model", "24", "--simulate", "--form", ""},
+                 "--form has an empty value; leave it out, or say what it is to be."},
+        WrongUse{"SheetBeforeTheFirst",
+                 {"--model", "24", "--simulate", "--reject-sheets", "1,0"},
+                 "There is no sheet 0 to reject; the first is 1."},
+        WrongUse{"OneFileForTwo",
+                 {"--model", "24", "--port", "1", "--out", "/tmp/x", "--trace", "/tmp/x"},
+                 "--out and --trace cannot share a file; name another one for either."},
+        WrongUse{"CharacterThatIsNotSent",
+                 {"--model", "24", "--simulate", "--set", "Printer.Buffer1=\xE2\x82\xAC"},
+                 "'\xE2\x82\xAC' does not fit Printer.Buffer1, which takes characters of Latin-1 only."},
         WrongUse{"UnknownFormat",
                  {"--model", "24", "--simulate", "--format", "xml"},
                  "--format: xml not in {json,csv,table}; 'kelreader scan --help' tells what there is."},

@@ -205,9 +205,9 @@ TEST(UsbSimulateCommand, LaysALibraryOutAndTellsWhatBecomesOfTheSheets)
 
     // As many sessions as one likes, and the whole pile in each.
     for (int session = 0; session < 2; ++session) {
-        const CommandOutcome scan =
-            runCommand({"scan", "--model", "30", "--omrapi", library, "--max-sheets", "2", "--print1", "No {sheet}",
-                        "--print-distance", "30", "--reject-sheets", "1", "--set", "Rejecter=true"});
+        const CommandOutcome scan = runCommand({"scan", "--model", "30", "--omrapi", library, "--max-sheets", "2",
+                                                "--print1", "Nú {sheet}", "--print-distance", "30",
+                                                "--reject-sheets", "1", "--set", "Rejecter=true"});
         EXPECT_EQ(scan.errors, "");
         EXPECT_EQ(scan.status, 0);
         ASSERT_EQ(scan.lines().size(), 3U);
@@ -217,7 +217,7 @@ TEST(UsbSimulateCommand, LaysALibraryOutAndTellsWhatBecomesOfTheSheets)
                     ElementsAre(R"({"event":"fed","sheet":1})", R"({"event":"read","sheet":1,"text":"front"})",
                                 R"({"event":"rejected","sheet":1,"text":"outlet 4"})", R"({"event":"fed","sheet":2})",
                                 R"({"event":"read","sheet":2,"text":"front"})",
-                                R"({"event":"printed","sheet":2,"text":"No 2","line":1,"position":30})",
+                                R"({"event":"printed","sheet":2,"text":"Nú 2","line":1,"position":30})",
                                 R"({"event":"printed","sheet":2,"line":2,"position":30})",
                                 R"({"event":"printed","sheet":2,"line":3,"position":30})",
                                 R"({"event":"ejected","sheet":2,"text":"outlet 1"})"));

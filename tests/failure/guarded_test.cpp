@@ -55,6 +55,19 @@ TEST_F(Guarded, ShowsABoxWithoutAnErrorObject)
                                               std::to_string(failure.where().line()))}));
 }
 
+TEST_F(Guarded, TellsItsOwnLineForAFailureInAnotherFile)
+{
+    const auto oError = registered();
+    guarded("KELReader81 - m.p", [] { static_cast<void>(std::vector<int>().at(7)); });
+    const Int32 procedure = __LINE__ - 1;
+    guarded(
+        "KELReader81 - m.p", [] { static_cast<void>(std::vector<int>().at(7)); },
+        [](const RuntimeFailure&) { return false; });
+    ASSERT_EQ(oError->reports.size(), 2U);
+    EXPECT_EQ(oError->reports[0].ErrorSource, "m.p, statement " + std::to_string(procedure));
+    EXPECT_EQ(oError->reports[1].LineNumber, procedure + 2);
+}
+
 TEST_F(Guarded, ReportsOtherExceptionsUnderNumbersOfTheirOwn)
 {
     const auto oError = registered();

@@ -72,6 +72,9 @@ TEST(ValTest, ReadsHexadecimalNumbersOf16And32Bits)
     EXPECT_EQ(Val("&h7FFFFFFF"), 2147483647.0);
     EXPECT_EQ(Val("&h80000000"), -2147483648.0);
     EXPECT_EQ(Val("&hFFFFFFFF"), -1);
+    EXPECT_EQ(Val("&h9601&"), 38401);
+    EXPECT_EQ(Val("&o177777&"), 65535);
+    EXPECT_EQ(Val("&hFFFFG&"), -1);
     EXPECT_EQ(Val("&h1G"), 1);
     EXPECT_EQ(Val("&h"), 0);
     EXPECT_EQ(Val("&hG"), 0);
