@@ -1,5 +1,6 @@
 #include "platform/posix/LineOpenFailure.h"
 
+#include "platform/PortMap.h"
 #include "platform/posix/DeviceFacts.h"
 
 #include <cerrno>
@@ -82,6 +83,9 @@ RuntimeFailure lineOpenFailure(Int16 port, const std::string& device, int error)
 
 RuntimeFailure unmappedPortFailure(Int16 port)
 {
+    if (port < PortMap::kFirstPort || port > PortMap::kLastPort)
+        return failure(FailureCode::InvalidPortNumber,
+                       "There is no port " + std::to_string(port) + "; ports are 1 to 16 ('kelreader ports')");
     return failure(FailureCode::InvalidPortNumber, "Port " + std::to_string(port) +
                                                        " has no device. Map it to one: kelreader ports set " +
                                                        std::to_string(port) + " DEVICE");

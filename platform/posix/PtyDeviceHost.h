@@ -40,6 +40,9 @@ public:
     /// The file to open, such as /dev/pts/3.
     [[nodiscard]] const std::string& deviceFile() const noexcept { return pty_.name(); }
 
+    /// What the line is set to now. Any thread may ask.
+    [[nodiscard]] LineParameters line() const { return pty_.line(); }
+
     /// Serves the device until it hangs up or is stopped; what the device throws comes out here.
     void run();
 
