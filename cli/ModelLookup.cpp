@@ -99,17 +99,16 @@ std::string nameWithNumber(const ModelNames& model)
 
 struct Maker {
     kelProfileType eMaker;
-    std::string_view name;
     std::string_view shortName;
     std::array<std::string_view, 2> otherNames;
 };
 
 constexpr Maker kMakers[] = {
-    {kelProfileTypeAP, "Apperson", "apperson", {"ap"}},
-    {kelProfileTypeCT, "Chatsworth Data", "chatsworth", {"chatsworthdata", "ct"}},
-    {kelProfileTypePDI, "Peripheral Dynamics", "pdi", {"peripheraldynamics", "peripheraldynamicsinc"}},
-    {kelProfileTypeScantron, "Scantron", "scantron", {"ncs"}},
-    {kelProfileTypeSekonic, "Sekonic", "sekonic", {"scanningsystems"}},
+    {kelProfileTypeAP, "apperson", {"ap"}},
+    {kelProfileTypeCT, "chatsworth", {"chatsworthdata", "ct"}},
+    {kelProfileTypePDI, "pdi", {"peripheraldynamics", "peripheraldynamicsinc"}},
+    {kelProfileTypeScantron, "scantron", {"ncs"}},
+    {kelProfileTypeSekonic, "sekonic", {"scanningsystems"}},
 };
 static_assert(std::ssize(kMakers) == std::popcount(static_cast<std::uint32_t>(kelProfileTypeAll)),
               "each maker of kelProfileType needs one row in kMakers");
@@ -157,15 +156,6 @@ kelProfileType makerNamed(std::string_view text)
         known.emplace_back(maker.shortName);
     }
     throw UsageError("There is no maker '" + std::string(text) + "'; the makers are " + listed(known, "and") + ".");
-}
-
-std::string makerName(kelProfileType eMaker)
-{
-    for (const Maker& maker : kMakers) {
-        if (maker.eMaker == eMaker)
-            return std::string(maker.name);
-    }
-    return {};
 }
 
 } // namespace kel

@@ -19,7 +19,4 @@ namespace kel {
 /// UsageError for any other, with the names that are known.
 [[nodiscard]] kelProfileType makerNamed(std::string_view text);
 
-/// A maker as a person reads it: "Chatsworth Data".
-[[nodiscard]] std::string makerName(kelProfileType eMaker);
-
 } // namespace kel

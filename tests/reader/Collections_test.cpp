@@ -126,5 +126,44 @@ TEST_F(CollectionsTest, AnArrayWithoutBoundsIsAReportedFailure)
     EXPECT_THAT(host.heard().reports[0].ErrorSource, StartsWith("clsKELReader.Side2Cols"));
 }
 
+TEST_F(CollectionsTest, OthersTakeTheirPlace)
+{
+    const auto others = makeReference<clsKELReaderWindows>();
+    others->Add(windowAtRow(7));
+    host.reader().Windows(others);
+    EXPECT_EQ(host.reader().Windows(), others);
+    EXPECT_THAT(rowsOf(windows()), ElementsAre(7));
+
+    const auto otherZones = makeReference<clsKELReaderBarcodes>();
+    host.reader().Barcodes(otherZones);
+    EXPECT_EQ(host.reader().Barcodes(), otherZones);
+    host.reader().Barcodes(nullptr);
+    EXPECT_TRUE(host.reader().Barcodes().isNothing());
+    EXPECT_THAT(host.heard().reports, IsEmpty());
+}
+
+TEST_F(CollectionsTest, CopiesHaveTheSameItemsAndGoTheirOwnWay)
+{
+    windows().Add(windowAtRow(1));
+    zones().Add(zoneAt(100));
+    clsKELReaderWindows otherWindows = windows();
+    clsKELReaderBarcodes otherZones = zones();
+    otherWindows.Add(windowAtRow(2));
+    otherZones.RemoveAll();
+    EXPECT_THAT(rowsOf(otherWindows), ElementsAre(1, 2));
+    EXPECT_EQ(otherWindows.Item(1), windows().Item(1));
+    EXPECT_THAT(rowsOf(windows()), ElementsAre(1));
+    EXPECT_EQ(zones().Count(), 1);
+
+    clsKELReaderWindow window;
+    window = *windows().Item(1);
+    window.StartRow(9);
+    EXPECT_EQ(windows().Item(1)->StartRow(), 1);
+    clsKELReaderBarcode zone;
+    zone = *zones().Item(1);
+    zone.Distance(9);
+    EXPECT_EQ(zones().Item(1)->Distance(), 100);
+}
+
 } // namespace
 } // namespace kel::test
