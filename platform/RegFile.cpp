@@ -11,7 +11,7 @@ namespace {
 // Lines of bytes go on in the next one before they grow longer than a terminal's.
 constexpr std::size_t kLongestLine = 77;
 
-std::string quoted(std::string_view text)
+std::string inQuotes(std::string_view text)
 {
     std::string result = "\"";
     for (const char character : text) {
@@ -64,7 +64,7 @@ std::string valueText(const RegistryValue& value, std::size_t column)
     // A line end or a zero between quotes would not come through every editor.
     constexpr std::string_view kNotBetweenQuotes("\r\n\0", 3);
     if (value.type == RegistryType::Text && value.data.find_first_of(kNotBetweenQuotes) == std::string::npos)
-        return quoted(value.data);
+        return inQuotes(value.data);
     if (value.type == RegistryType::Number && value.data.size() == 4) {
         std::uint32_t number = 0;
         for (auto byte = value.data.rbegin(); byte != value.data.rend(); ++byte)
@@ -89,7 +89,7 @@ std::string regFileBytes(const std::vector<RegFileEntry>& entries)
         }
         if (!entry.name)
             continue;
-        const std::string start = (entry.name->empty() ? "@" : quoted(*entry.name)) + '=';
+        const std::string start = (entry.name->empty() ? "@" : inQuotes(*entry.name)) + '=';
         text += start + (entry.removed ? "-" : valueText(entry.value, utf16Of(start).size()));
         text += kLineEnd;
     }

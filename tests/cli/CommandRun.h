@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tests/support/BuiltFiles.h"
+
 #include <filesystem>
 #include <string>
 #include <sys/types.h>
@@ -21,7 +23,7 @@ struct CommandOutcome {
 /// first.
 class RunningCommand {
 public:
-    explicit RunningCommand(const std::vector<std::string>& arguments, const std::string& program = KEL_READER_PROGRAM);
+    explicit RunningCommand(const std::vector<std::string>& arguments, const std::string& program = readerProgram());
     /// Ends it the hard way if it still runs.
     ~RunningCommand();
     RunningCommand(const RunningCommand&) = delete;

@@ -1,6 +1,7 @@
 #include "cli/JsonValue.h"
 #include "platform/posix/Pty.h"
 #include "tests/cli/CommandRun.h"
+#include "tests/support/BuiltFiles.h"
 
 #include <gmock/gmock.h>
 
@@ -164,7 +165,7 @@ std::set<std::string> optionsIn(const std::string& help)
 
 TEST(ManualPage, TellsEveryCommandAndOption)
 {
-    std::ifstream file(std::filesystem::path(KEL_TEST_DATA).parent_path() / "docs" / "kelreader.1");
+    std::ifstream file(std::filesystem::path(testData()).parent_path() / "docs" / "kelreader.1");
     std::string page(std::istreambuf_iterator<char>(file), {});
     ASSERT_FALSE(page.empty());
     page = std::regex_replace(page, std::regex("\\\\-"), "-");

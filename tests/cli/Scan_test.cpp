@@ -279,7 +279,7 @@ TEST(ScanCommand, ClosedStandardStreamsAreNotTheReadersLine)
     // A file that is opened next gets the number of the stream that is closed.
     Pty line;
     const std::string scan =
-        "exec '" KEL_READER_PROGRAM "' scan --model 13 --set Timeout=1 --device '" + line.name() + "' ";
+        "exec '" + readerProgram() + "' scan --model 13 --set Timeout=1 --device '" + line.name() + "' ";
     for (const char* closed : {">&- 2>&-", "<&- >&- 2>&-"}) {
         RunningCommand command({"-c", scan + closed}, "/bin/sh");
         const CommandOutcome outcome = command.finish();

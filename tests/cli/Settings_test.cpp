@@ -33,7 +33,7 @@ protected:
 
     [[nodiscard]] CommandOutcome run(const Words& words) const
     {
-        Words all = {"KELREADER_REGISTRY_DIR=" + store_.string(), KEL_READER_PROGRAM};
+        Words all = {"KELREADER_REGISTRY_DIR=" + store_.string(), readerProgram()};
         all.insert(all.end(), words.begin(), words.end());
         return RunningCommand(all, "/usr/bin/env").finish();
     }

@@ -5,6 +5,7 @@
 #include "platform/simulated/SimulatedPlatform.h"
 #include "simulators/framework/TranscriptDevice.h"
 #include "tests/cli/CommandRun.h"
+#include "tests/support/BuiltFiles.h"
 
 #include <gmock/gmock.h>
 
@@ -102,7 +103,7 @@ TEST_P(TraceAndReplay, GivesTheSameSession)
 std::vector<std::filesystem::path> sessions()
 {
     std::vector<std::filesystem::path> files;
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(KEL_TEST_DATA "/transcripts")) {
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(testData() + "/transcripts")) {
         if (entry.path().extension() == ".txt")
             files.push_back(entry.path());
     }

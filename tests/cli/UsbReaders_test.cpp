@@ -5,6 +5,7 @@
 #include "simulators/sekonic_usb/OmrApiSimulation.h"
 #include "strings/VBLMRTSModule.h"
 #include "tests/cli/CommandRun.h"
+#include "tests/support/BuiltFiles.h"
 
 #include <gmock/gmock.h>
 
@@ -142,9 +143,9 @@ TEST(UsbScanSession, AStopThatComesDuringAReadIsKnownWhenTheSheetIsRejected)
 {
     SimulatedPlatform machine;
     const PlatformScope scope(machine);
-    const OmrApiSimulation simulation(KEL_OMRAPI_SIMULATED, {.sheets = {{}, {}}});
+    const OmrApiSimulation simulation(simulatedOmrApi(), {.sheets = {{}, {}}});
     PosixOmrApiLoader loader("/nowhere");
-    loader.libraryFile(KEL_OMRAPI_SIMULATED);
+    loader.libraryFile(simulatedOmrApi());
     machine.omrApiLoader().set(&loader.omrApi());
     ScanRequest request;
     request.model = kelReaderTypeSekonicSR2300;
@@ -178,7 +179,7 @@ TEST(UsbScanCommand, TakesAStateOfOnesOwn)
     const TextFile form(kForm);
     ::setenv("KEL_OMRAPI_SIMULATION", state.path().c_str(), 1);
     const CommandOutcome outcome = runCommand(
-        {"scan", "--model", "33", "--omrapi", KEL_OMRAPI_SIMULATED, "--form", form.path(), "--set", "Barcode=true"});
+        {"scan", "--model", "33", "--omrapi", simulatedOmrApi(), "--form", form.path(), "--set", "Barcode=true"});
     ::unsetenv("KEL_OMRAPI_SIMULATION");
     ASSERT_EQ(outcome.lines().size(), 2U) << outcome.errors;
     EXPECT_THAT(outcome.lines()[0], HasSubstr(R"("barcodes":["","11"])"));

@@ -17,7 +17,7 @@ TEST(ReadBatchExample, PrintsTheMarksOfEachSheet)
     host.start();
 
     ASSERT_EQ(runCommand({"ports", "set", "1", host.deviceFile()}).status, 0);
-    const CommandOutcome outcome = RunningCommand({"24", "2"}, KEL_READ_BATCH_PROGRAM).finish();
+    const CommandOutcome outcome = RunningCommand({"24", "2"}, readBatchProgram()).finish();
     EXPECT_EQ(runCommand({"ports", "clear", "1"}).status, 0);
     EXPECT_EQ(outcome.output, "Sheet 1 \n"
                               "  row 1, column 1: 241\n"
@@ -29,7 +29,7 @@ TEST(ReadBatchExample, PrintsTheMarksOfEachSheet)
 
 TEST(ReadBatchExample, PrintsWhatFails)
 {
-    const CommandOutcome outcome = RunningCommand({"24", "1"}, KEL_READ_BATCH_PROGRAM).finish();
+    const CommandOutcome outcome = RunningCommand({"24", "1"}, readBatchProgram()).finish();
     EXPECT_EQ(outcome.output, "");
     EXPECT_NE(outcome.errors.find("Port 1 has no device"), std::string::npos) << outcome.errors;
     EXPECT_EQ(outcome.status, 1);

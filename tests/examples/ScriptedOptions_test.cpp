@@ -7,7 +7,7 @@ namespace {
 
 CommandOutcome scriptedOptions(const std::vector<std::string>& arguments)
 {
-    return RunningCommand(arguments, KEL_SCRIPTED_OPTIONS_PROGRAM).finish();
+    return RunningCommand(arguments, scriptedOptionsProgram()).finish();
 }
 
 TEST(ScriptedOptionsExample, WorksTheDialogWithoutAWindow)

@@ -6,6 +6,7 @@
 #include "platform/simulated/SimulatedPlatform.h"
 #include "simulators/framework/TranscriptDevice.h"
 #include "strings/VBLMRTSModule.h"
+#include "tests/support/BuiltFiles.h"
 #include "tests/support/WatchedDevice.h"
 #include "types/Text.h"
 
@@ -33,7 +34,7 @@ namespace {
 std::vector<std::filesystem::path> transcriptFiles()
 {
     std::vector<std::filesystem::path> files;
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(KEL_TEST_DATA "/transcripts")) {
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(testData() + "/transcripts")) {
         if (entry.path().extension() == ".txt")
             files.push_back(entry.path());
     }

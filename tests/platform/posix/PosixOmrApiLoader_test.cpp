@@ -1,6 +1,7 @@
 #include "platform/posix/PosixOmrApiLoader.h"
 
 #include "tests/platform/posix/PosixTest.h"
+#include "tests/support/BuiltFiles.h"
 
 #include <dlfcn.h>
 
@@ -11,10 +12,12 @@
 namespace kel::omr_loader_test {
 namespace {
 
+using test::simulatedOmrApi;
+
 /// A component's folder without a library, until the test puts one there.
 class PosixOmrApiLoaderTest : public ::testing::Test {
 protected:
-    void put(const std::string& name) { std::filesystem::copy_file(KEL_OMRAPI_SIMULATED, folder / name); }
+    void put(const std::string& name) { std::filesystem::copy_file(simulatedOmrApi(), folder / name); }
 
     /// The failure of a call; 0 if it came back.
     static Int32 failureOf(PosixOmrApiLoader& loader, std::string* text = nullptr)
@@ -79,7 +82,7 @@ TEST_F(PosixOmrApiLoaderTest, TakesTheUsualNameFirst)
 TEST_F(PosixOmrApiLoaderTest, LoadsTheFileThatWasNamed)
 {
     PosixOmrApiLoader loader(folder);
-    loader.libraryFile(KEL_OMRAPI_SIMULATED);
+    loader.libraryFile(simulatedOmrApi());
     EXPECT_EQ(failureOf(loader), 0);
     // From then on another one, and the one that is found by name again.
     loader.libraryFile(folder / "absent.so");
@@ -119,7 +122,7 @@ TEST_F(PosixOmrApiLoaderTest, TellsWhatAnotherLibraryLacks)
 TEST_F(PosixOmrApiLoaderTest, FindsEveryFunctionInTheSimulatedLibrary)
 {
     PosixOmrApiLoader loader(folder);
-    loader.libraryFile(KEL_OMRAPI_SIMULATED);
+    loader.libraryFile(simulatedOmrApi());
     for (std::size_t i = 0; i < kOmrFunctionCount; ++i) {
         const auto function = static_cast<OmrFunction>(i);
         EXPECT_TRUE(loader.binding().has(function)) << omrFunctionName(function);

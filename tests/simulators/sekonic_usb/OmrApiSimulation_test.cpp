@@ -2,6 +2,7 @@
 
 #include "platform/posix/PosixOmrApiLoader.h"
 #include "tests/platform/posix/PosixTest.h"
+#include "tests/support/BuiltFiles.h"
 
 #include <gmock/gmock.h>
 
@@ -13,6 +14,8 @@
 namespace kel::omr_simulation_test {
 namespace {
 
+using test::simulatedOmrApi;
+
 using ::testing::Each;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
@@ -21,7 +24,7 @@ using ::testing::IsEmpty;
 /// The simulated library, called directly as a host that may do wrong.
 class OmrApiSimulationTest : public ::testing::Test {
 protected:
-    OmrApiSimulationTest() { loader.libraryFile(KEL_OMRAPI_SIMULATED); }
+    OmrApiSimulationTest() { loader.libraryFile(simulatedOmrApi()); }
 
     [[nodiscard]] OmrApi& api() { return loader.omrApi(); }
     [[nodiscard]] std::vector<std::string> faults() const { return simulation.report().faults; }
@@ -67,7 +70,7 @@ protected:
         return {.side1 = {{1, 0, 255}, {0, 2}}, .side2 = {{3}}, .barcodes = {"123", "4"}, .fields = {}};
     }
 
-    OmrApiSimulation simulation{KEL_OMRAPI_SIMULATED};
+    OmrApiSimulation simulation{simulatedOmrApi()};
     PosixOmrApiLoader loader{"/nowhere"};
     SRRead uRead;
     std::vector<Byte> bytes = std::vector<Byte>(9600, 0xEE);
@@ -402,13 +405,13 @@ TEST(OmrSimulationEnvironment, NamesTheStateOfALibraryThatNobodyHasSetUp)
     std::ofstream(stateFile) << R"({"columns":37,"sheets":[{"side1":[[9]]}]})";
     ::setenv("KEL_OMRAPI_SIMULATION", stateFile.c_str(), 1);
     // A copy under another name is a library of its own.
-    std::filesystem::copy_file(KEL_OMRAPI_SIMULATED, folder.path() / "libOMRAPI.so");
+    std::filesystem::copy_file(simulatedOmrApi(), folder.path() / "libOMRAPI.so");
     PosixOmrApiLoader loader(folder.path());
     EXPECT_EQ(loader.omrApi().OMR_OpenDeviceUSB(), 0);
     EXPECT_EQ(loader.omrApi().OMR_GetNumberOfColumnsToRead(), 37);
 
     std::ofstream(stateFile) << R"({"columns":"many"})";
-    std::filesystem::copy_file(KEL_OMRAPI_SIMULATED, folder.path() / "other.so");
+    std::filesystem::copy_file(simulatedOmrApi(), folder.path() / "other.so");
     loader.libraryFile(folder.path() / "other.so");
     testing::internal::CaptureStderr();
     EXPECT_NE(loader.omrApi().OMR_OpenDeviceUSB(), 0);

@@ -6,6 +6,7 @@
 #include "reader/clsKELReader.h"
 #include "simulators/framework/SheetFeeder.h"
 #include "strings/VBLMRTSModule.h"
+#include "tests/support/BuiltFiles.h"
 
 #include <gmock/gmock.h>
 
@@ -15,6 +16,8 @@
 
 namespace kel::omr_session_test {
 namespace {
+
+using test::simulatedOmrApi;
 
 using ::testing::Contains;
 using ::testing::ElementsAre;
@@ -70,7 +73,7 @@ class SekonicUsbSession : public ::testing::Test {
 protected:
     SekonicUsbSession() : scope(machine)
     {
-        loader.libraryFile(KEL_OMRAPI_SIMULATED);
+        loader.libraryFile(simulatedOmrApi());
         machine.omrApiLoader().set(&loader.omrApi());
         reader = std::make_unique<clsKELReader>();
         host = std::make_shared<Host>(*reader);
@@ -110,7 +113,7 @@ protected:
 
     SimulatedPlatform machine;
     PlatformScope scope;
-    OmrApiSimulation simulation{KEL_OMRAPI_SIMULATED};
+    OmrApiSimulation simulation{simulatedOmrApi()};
     PosixOmrApiLoader loader{"/nowhere"};
     std::shared_ptr<Reports> errors = std::make_shared<Reports>();
     std::unique_ptr<clsKELReader> reader;

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <string>
+
+/// What was built, and where the tests' data lie. The paths stand in one file alone, so that a second checkout shares
+/// the compiler cache of the first one.
+namespace kel::test {
+
+std::string testData();               ///< the folder tests/
+std::string readerProgram();          ///< kelreader
+std::string readBatchProgram();       ///< the example read_batch
+std::string scriptedOptionsProgram(); ///< the example scripted_options
+std::string simulatedOmrApi();        ///< the library of the USB readers' maker, simulated
+
+} // namespace kel::test
