@@ -6,7 +6,8 @@ target_compile_options(kel_options INTERFACE -Wall -Wextra -Wconversion -Wshadow
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
     # g++ 12 takes "text" + std::string for an overlapping copy, or one beyond bounds, once it is inlined: its bugs
     # 105651 and 105329.
-    target_compile_options(kel_options INTERFACE -Wno-restrict $<$<NOT:$<CONFIG:Debug>>:-Wno-array-bounds>)
+    target_compile_options(kel_options INTERFACE -Wno-restrict
+                           $<$<NOT:$<CONFIG:Debug>>:-Wno-array-bounds -Wno-stringop-overflow -Wno-stringop-overread>)
 endif()
 if(KEL_SANITIZE)
     target_compile_options(kel_options INTERFACE -fsanitize=${KEL_SANITIZE} -fno-omit-frame-pointer
