@@ -1,6 +1,6 @@
+#include "contract/Dictionary.h"
 #include "drivers/apperson/DataLines.h"
 #include "drivers/apperson/RawBlock.h"
-#include "reader/Dictionary.h"
 
 #include <benchmark/benchmark.h>
 

@@ -1,8 +1,8 @@
+#include "contract/clsKELReaderWindow.h"
 #include "drivers/common/PackedMarks.h"
 #include "drivers/ncs/PageDecoder.h"
 #include "drivers/peripheral_dynamics/HalfRow.h"
 #include "drivers/scantron/SheetCells.h"
-#include "reader/clsKELReaderWindow.h"
 
 #include <benchmark/benchmark.h>
 

@@ -5,8 +5,8 @@
 #include "benchmarks/ProcessCosts.h"
 #include "platform/Platform.h"
 #include "platform/PortMap.h"
-#include "platform/posix/Pty.h"
 #include "reader/clsKELReader.h"
+#include "simulators/pseudo_terminal/Pty.h"
 #include "startup/Main.h"
 
 #include <benchmark/benchmark.h>

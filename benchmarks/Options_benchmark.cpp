@@ -5,8 +5,8 @@
 #include "options/qt/OptionsWindow.h"
 #include "options/qt/QtOptionsPresenter.h"
 #include "platform/posix/PosixPlatform.h"
-#include "platform/simulated/SimulatedPlatform.h"
 #include "reader/clsKELReader.h"
+#include "simulators/platform/SimulatedPlatform.h"
 
 #include <benchmark/benchmark.h>
 

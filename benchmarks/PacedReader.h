@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/posix/Pty.h"
+#include "simulators/pseudo_terminal/Pty.h"
 
 #include <poll.h>
 

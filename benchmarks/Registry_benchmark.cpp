@@ -1,8 +1,8 @@
 // Settings from the store, and a search over ports.
 
 #include "platform/PortMap.h"
-#include "platform/posix/Pty.h"
 #include "reader/clsKELReader.h"
+#include "simulators/pseudo_terminal/Pty.h"
 #include "startup/Main.h"
 
 #include <benchmark/benchmark.h>

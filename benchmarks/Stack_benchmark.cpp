@@ -1,9 +1,9 @@
 // The component's own cost: a session on a line in memory, a text, the command.
 
 #include "benchmarks/ProcessCosts.h"
-#include "platform/simulated/SimulatedPlatform.h"
 #include "reader/clsKELReader.h"
 #include "simulators/SimulatorTable.h"
+#include "simulators/platform/SimulatedPlatform.h"
 #include "strings/VBLMRTSModule.h"
 
 #include <benchmark/benchmark.h>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "reader/AnswerKey.h"
+#include "contract/AnswerKey.h"
 
 #include <filesystem>
 #include <string>

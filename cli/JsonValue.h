@@ -1,6 +1,6 @@
 #pragma once
 
-#include "simulators/framework/Json.h"
+#include "formats/Json.h"
 #include "types/Boolean.h"
 #include "types/Numbers.h"
 

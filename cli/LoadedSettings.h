@@ -1,7 +1,7 @@
 #pragma once
 
 #include "cli/ScanEvents.h"
-#include "platform/RegistryPath.h"
+#include "formats/RegistryPath.h"
 #include "reader/clsKELReader.h"
 
 #include <string>

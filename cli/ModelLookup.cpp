@@ -3,7 +3,7 @@
 #include "cli/EnumeratorNames.h"
 #include "cli/NearestNames.h"
 #include "cli/UsageError.h"
-#include "dispatch/ReaderModels.h"
+#include "profiles/ReaderModels.h"
 #include "profiles/clsKELReaderProfiles.h"
 #include "types/Text.h"
 

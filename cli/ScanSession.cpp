@@ -3,8 +3,8 @@
 #include "cli/LoadedSettings.h"
 #include "cli/PropertyTable.h"
 #include "cli/UsageError.h"
+#include "contract/Dictionary.h"
 #include "platform/Platform.h"
-#include "reader/Dictionary.h"
 #include "types/LineText.h"
 #include "types/Text.h"
 

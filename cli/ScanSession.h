@@ -3,7 +3,7 @@
 #include "cli/AnswerKeyFile.h"
 #include "cli/FormFile.h"
 #include "cli/ScanEvents.h"
-#include "platform/RegistryPath.h"
+#include "formats/RegistryPath.h"
 #include "reader/clsKELReader.h"
 
 #include <functional>

@@ -3,7 +3,7 @@
 #include "cli/ModelLookup.h"
 #include "cli/UsageError.h"
 #include "platform/Platform.h"
-#include "platform/posix/PtyDeviceHost.h"
+#include "simulators/pseudo_terminal/PtyDeviceHost.h"
 #include "simulators/sekonic_usb/OmrApiSimulation.h"
 
 namespace kel {

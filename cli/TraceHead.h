@@ -1,7 +1,7 @@
 #pragma once
 
 #include "cli/ScanSession.h"
-#include "platform/TraceLog.h"
+#include "recording/TraceLog.h"
 
 #include <string>
 

@@ -14,16 +14,16 @@ set(KEL_PUBLIC_HEADERS
     profiles/ProfileValues.h
     profiles/clsKELReaderProfile.h
     profiles/clsKELReaderProfiles.h
-    reader/AnswerKey.h
-    reader/AnswerKeyObject.h
-    reader/Dictionary.h
+    contract/AnswerKey.h
+    contract/AnswerKeyObject.h
+    contract/Dictionary.h
     reader/ReaderEvents.h
     reader/clsKELReader.h
-    reader/clsKELReaderBarcode.h
-    reader/clsKELReaderBarcodes.h
-    reader/clsKELReaderPrinter.h
-    reader/clsKELReaderWindow.h
-    reader/clsKELReaderWindows.h
+    contract/clsKELReaderBarcode.h
+    contract/clsKELReaderBarcodes.h
+    contract/clsKELReaderPrinter.h
+    contract/clsKELReaderWindow.h
+    contract/clsKELReaderWindows.h
     types/Arrays.h
     types/Boolean.h
     types/Enumerations.h

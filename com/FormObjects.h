@@ -1,8 +1,8 @@
 #pragma once
 
 #include "com/PositionCollection.h"
-#include "reader/clsKELReaderBarcodes.h"
-#include "reader/clsKELReaderWindows.h"
+#include "contract/clsKELReaderBarcodes.h"
+#include "contract/clsKELReaderWindows.h"
 
 namespace kel::com {
 

@@ -2,7 +2,7 @@
 
 #include "com/ComPtr.h"
 #include "com/LateBound.h"
-#include "reader/AnswerKeyObject.h"
+#include "contract/AnswerKeyObject.h"
 
 #include <oaidl.h>
 

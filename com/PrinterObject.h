@@ -1,7 +1,7 @@
 #pragma once
 
 #include "com/Wrapper.h"
-#include "reader/clsKELReaderPrinter.h"
+#include "contract/clsKELReaderPrinter.h"
 
 namespace kel::com {
 

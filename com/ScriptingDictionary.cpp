@@ -1,7 +1,7 @@
 #include "com/ScriptingDictionary.h"
 
 #include "com/LateBound.h"
-#include "reader/Dictionary.h"
+#include "contract/Dictionary.h"
 
 #include <array>
 #include <limits>

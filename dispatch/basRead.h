@@ -1,7 +1,7 @@
 #pragma once
 
-#include "dispatch/ReaderModels.h"
-#include "reader/ReaderContract.h"
+#include "contract/ReaderContract.h"
+#include "profiles/ReaderModels.h"
 
 namespace kel {
 

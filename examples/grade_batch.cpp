@@ -2,8 +2,8 @@
 // a record a sheet: the host makes marks and barcodes of it.
 // Usage: grade_batch MODEL-NUMBER SHEETS; "kelreader ports set 1 DEVICE" says which device port 1 is.
 
-#include "reader/AnswerKey.h"
-#include "reader/Dictionary.h"
+#include "contract/AnswerKey.h"
+#include "contract/Dictionary.h"
 #include "reader/clsKELReader.h"
 
 #include <cstdlib>

@@ -1,9 +1,9 @@
+#include "contract/AnswerKey.h"
+#include "contract/Dictionary.h"
 #include "drivers/apperson/DataLines.h"
 #include "drivers/apperson/KeyEncoding.h"
 #include "drivers/apperson/RawBlock.h"
 #include "fuzz/Session.h"
-#include "reader/AnswerKey.h"
-#include "reader/Dictionary.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -4,8 +4,8 @@
 #include "cli/UsageError.h"
 #include "drivers/apperson/KeyEncoding.h"
 #include "fuzz/Input.h"
-#include "platform/simulated/SimulatedPlatform.h"
 #include "simulators/framework/SheetFeeder.h"
+#include "simulators/platform/SimulatedPlatform.h"
 
 #include <cstddef>
 #include <string>

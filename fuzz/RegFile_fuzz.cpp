@@ -1,9 +1,9 @@
 #include "failure/basError.h"
+#include "formats/RegFile.h"
+#include "formats/RegistryCopy.h"
 #include "fuzz/Input.h"
-#include "platform/RegFile.h"
-#include "platform/RegistryCopy.h"
-#include "platform/simulated/SimulatedPlatform.h"
 #include "reader/clsKELReader.h"
+#include "simulators/platform/SimulatedPlatform.h"
 
 #include <cstddef>
 #include <set>

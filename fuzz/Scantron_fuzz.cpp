@@ -1,7 +1,7 @@
+#include "contract/clsKELReaderWindow.h"
 #include "drivers/scantron/FormCommands.h"
 #include "drivers/scantron/SheetCells.h"
 #include "fuzz/Session.h"
-#include "reader/clsKELReaderWindow.h"
 
 #include <cstddef>
 

@@ -2,7 +2,7 @@
 #include "drivers/sekonic_usb/ErrorCodes.h"
 #include "drivers/sekonic_usb/MarkBytes.h"
 #include "fuzz/Session.h"
-#include "platform/simulated/SimulatedPlatform.h"
+#include "simulators/platform/SimulatedPlatform.h"
 #include "simulators/sekonic_usb/OmrSimulationState.h"
 
 #include <algorithm>

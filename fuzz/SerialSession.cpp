@@ -1,5 +1,5 @@
 #include "fuzz/Session.h"
-#include "platform/simulated/SimulatedPlatform.h"
+#include "simulators/platform/SimulatedPlatform.h"
 
 #include <deque>
 

@@ -1,10 +1,10 @@
 #include "fuzz/Session.h"
 
+#include "contract/AnswerKey.h"
+#include "contract/Dictionary.h"
 #include "failure/basError.h"
-#include "platform/simulated/SimulatedPlatform.h"
-#include "reader/AnswerKey.h"
-#include "reader/Dictionary.h"
 #include "reader/clsKELReader.h"
+#include "simulators/platform/SimulatedPlatform.h"
 
 #include <algorithm>
 #include <iterator>

@@ -3,9 +3,9 @@
 #include "cli/TraceHead.h"
 #include "cli/UsageError.h"
 #include "fuzz/Input.h"
-#include "platform/ReplayCarrier.h"
-#include "platform/ReplayPlatform.h"
-#include "platform/simulated/SimulatedPlatform.h"
+#include "recording/ReplayCarrier.h"
+#include "recording/ReplayPlatform.h"
+#include "simulators/platform/SimulatedPlatform.h"
 
 #include <nlohmann/json.hpp>
 

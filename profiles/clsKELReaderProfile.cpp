@@ -1,8 +1,8 @@
 #include "profiles/clsKELReaderProfile.h"
 
-#include "dispatch/ReaderModels.h"
 #include "failure/ObjectLife.h"
 #include "failure/guarded.h"
+#include "profiles/ReaderModels.h"
 
 #include <type_traits>
 #include <utility>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "reader/AnswerKeyObject.h"
+#include "contract/AnswerKeyObject.h"
 
 namespace kel {
 

@@ -1,12 +1,12 @@
 #include "reader/ReaderSession.h"
 
+#include "contract/AnswerKeyObject.h"
+#include "contract/DictionaryVariant.h"
 #include "dispatch/basRead.h"
-#include "dispatch/frmComm.h"
 #include "failure/guarded.h"
-#include "reader/AnswerKeyObject.h"
-#include "reader/DictionaryVariant.h"
 #include "reader/HostAnswerKey.h"
 #include "reader/HostCarrier.h"
+#include "reader/frmComm.h"
 #include "types/Text.h"
 
 namespace kel {

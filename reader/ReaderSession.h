@@ -1,11 +1,11 @@
 #pragma once
 
+#include "contract/ReaderContract.h"
+#include "contract/clsKELReaderBarcodes.h"
+#include "contract/clsKELReaderPrinter.h"
+#include "contract/clsKELReaderWindows.h"
 #include "failure/ObjectLife.h"
 #include "reader/EventSource.h"
-#include "reader/ReaderContract.h"
-#include "reader/clsKELReaderBarcodes.h"
-#include "reader/clsKELReaderPrinter.h"
-#include "reader/clsKELReaderWindows.h"
 #include "reader/kelReaderStruct.h"
 
 #include "profiles/clsKELReaderProfiles.h"

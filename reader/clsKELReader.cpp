@@ -1,8 +1,8 @@
 #include "reader/clsKELReader.h"
 
-#include "dispatch/ReaderModels.h"
 #include "failure/basError.h"
 #include "failure/guarded.h"
+#include "profiles/ReaderModels.h"
 #include "reader/OptionsDialog.h"
 #include "reader/ReaderSession.h"
 #include "reader/SettingsStore.h"

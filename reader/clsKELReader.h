@@ -1,11 +1,11 @@
 #pragma once
 
+#include "contract/AnswerKeyObject.h"
+#include "contract/clsKELReaderBarcodes.h"
+#include "contract/clsKELReaderPrinter.h"
+#include "contract/clsKELReaderWindows.h"
 #include "profiles/clsKELReaderProfiles.h"
-#include "reader/AnswerKeyObject.h"
 #include "reader/ReaderEvents.h"
-#include "reader/clsKELReaderBarcodes.h"
-#include "reader/clsKELReaderPrinter.h"
-#include "reader/clsKELReaderWindows.h"
 
 #include "failure/ErrorReport.h"
 #include "platform/Carrier.h"

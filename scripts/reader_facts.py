@@ -61,9 +61,9 @@ def families_of_models(root):
 def print_lines(root):
     """Print lines, positions from and to, and characters of the models that may have an imprinter."""
     numbers = model_numbers(root)
-    source = read(root, "reader/clsKELReaderPrinter.cpp")
+    source = read(root, "contract/clsKELReaderPrinter.cpp")
     rows = re.findall(r"\{(kelReaderType\w+), (\w+), (\d+), (-?\d+), (-?\d+), (-?\d+)\},", source)
-    need(len(rows) == len(numbers), "reader/clsKELReaderPrinter.cpp does not have a row for each model")
+    need(len(rows) == len(numbers), "contract/clsKELReaderPrinter.cpp does not have a row for each model")
     return {
         numbers[model]: tuple(map(int, figures)) for model, kind, *figures in rows if kind == "Optional"
     }

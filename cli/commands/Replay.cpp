@@ -6,7 +6,7 @@
 #include "cli/ScanSession.h"
 #include "cli/TraceHead.h"
 #include "cli/UsageError.h"
-#include "platform/ReplayPlatform.h"
+#include "recording/ReplayPlatform.h"
 
 #include <iostream>
 

@@ -11,7 +11,7 @@
 #include "cli/UsageError.h"
 #include "platform/Platform.h"
 #include "platform/PortMap.h"
-#include "platform/TracingCarrier.h"
+#include "recording/TracingCarrier.h"
 #include "types/Text.h"
 
 #include <iostream>

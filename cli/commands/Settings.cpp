@@ -7,8 +7,8 @@
 #include "cli/RegistryValueText.h"
 #include "cli/TextOutput.h"
 #include "cli/UsageError.h"
+#include "formats/RegistryCopy.h"
 #include "platform/Platform.h"
-#include "platform/RegistryCopy.h"
 #include "reader/SettingsStore.h"
 
 #include <algorithm>

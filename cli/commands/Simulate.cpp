@@ -7,7 +7,7 @@
 #include "cli/SimulatorArguments.h"
 #include "cli/TextOutput.h"
 #include "cli/UsageError.h"
-#include "platform/posix/PtyDeviceHost.h"
+#include "simulators/pseudo_terminal/PtyDeviceHost.h"
 
 #include <chrono>
 #include <filesystem>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "reader/Dictionary.h"
+#include "contract/Dictionary.h"
 #include "types/Boolean.h"
 #include "types/Numbers.h"
 

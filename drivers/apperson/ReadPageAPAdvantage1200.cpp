@@ -1,9 +1,9 @@
+#include "contract/DictionaryVariant.h"
 #include "drivers/apperson/DataLines.h"
 #include "drivers/apperson/basApperson.h"
 #include "drivers/common/Dialogue.h"
 #include "failure/guarded.h"
 #include "platform/Platform.h"
-#include "reader/DictionaryVariant.h"
 
 namespace kel {
 

@@ -1,10 +1,10 @@
+#include "contract/DictionaryVariant.h"
 #include "drivers/apperson/AppersonDialogue.h"
 #include "drivers/apperson/DataLines.h"
 #include "drivers/apperson/basApperson.h"
 #include "failure/basError.h"
 #include "failure/guarded.h"
 #include "platform/Platform.h"
-#include "reader/DictionaryVariant.h"
 
 namespace kel {
 

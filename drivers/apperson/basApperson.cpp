@@ -1,10 +1,10 @@
 #include "drivers/apperson/basApperson.h"
 
+#include "contract/AnswerKeyObject.h"
 #include "drivers/apperson/AppersonDialogue.h"
 #include "drivers/apperson/ErrorTexts.h"
 #include "failure/basError.h"
 #include "failure/guarded.h"
-#include "reader/AnswerKeyObject.h"
 
 namespace kel {
 

@@ -1,10 +1,10 @@
 #include "drivers/ncs/basNCS.h"
 
+#include "contract/clsKELReaderPrinter.h"
 #include "drivers/common/Dialogue.h"
 #include "failure/basError.h"
 #include "failure/guarded.h"
 #include "platform/Platform.h"
-#include "reader/clsKELReaderPrinter.h"
 #include "types/Text.h"
 
 #include <array>

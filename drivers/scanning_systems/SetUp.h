@@ -1,6 +1,6 @@
 #pragma once
 
-#include "reader/clsKELReaderWindow.h"
+#include "contract/clsKELReaderWindow.h"
 
 #include <string>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "reader/clsKELReaderWindow.h"
+#include "contract/clsKELReaderWindow.h"
 #include "types/Arrays.h"
 #include "types/Reference.h"
 

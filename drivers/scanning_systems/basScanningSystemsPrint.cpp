@@ -1,9 +1,9 @@
+#include "contract/clsKELReaderPrinter.h"
 #include "drivers/common/Dialogue.h"
 #include "drivers/scanning_systems/Framing.h"
 #include "drivers/scanning_systems/basScanningSystems.h"
 #include "failure/basError.h"
 #include "failure/guarded.h"
-#include "reader/clsKELReaderPrinter.h"
 #include "types/Text.h"
 
 namespace kel {

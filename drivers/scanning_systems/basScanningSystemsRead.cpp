@@ -1,3 +1,6 @@
+#include "contract/clsKELReaderBarcodes.h"
+#include "contract/clsKELReaderPrinter.h"
+#include "contract/clsKELReaderWindows.h"
 #include "drivers/common/Dialogue.h"
 #include "drivers/scanning_systems/Framing.h"
 #include "drivers/scanning_systems/PageReply.h"
@@ -7,9 +10,6 @@
 #include "failure/basError.h"
 #include "failure/guarded.h"
 #include "platform/Platform.h"
-#include "reader/clsKELReaderBarcodes.h"
-#include "reader/clsKELReaderPrinter.h"
-#include "reader/clsKELReaderWindows.h"
 #include "types/Text.h"
 
 namespace kel {

@@ -1,3 +1,5 @@
+#include "contract/clsKELReaderBarcodes.h"
+#include "contract/clsKELReaderWindows.h"
 #include "drivers/common/Dialogue.h"
 #include "drivers/scanning_systems/EmulationMode.h"
 #include "drivers/scanning_systems/Framing.h"
@@ -6,8 +8,6 @@
 #include "failure/basError.h"
 #include "failure/guarded.h"
 #include "platform/Platform.h"
-#include "reader/clsKELReaderBarcodes.h"
-#include "reader/clsKELReaderWindows.h"
 #include "types/Text.h"
 
 namespace kel {

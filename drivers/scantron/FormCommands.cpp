@@ -1,7 +1,7 @@
 #include "drivers/scantron/FormCommands.h"
 
+#include "contract/clsKELReaderWindow.h"
 #include "drivers/common/WindowPositions.h"
-#include "reader/clsKELReaderWindow.h"
 #include "types/Text.h"
 
 #include <initializer_list>

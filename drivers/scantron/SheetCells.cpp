@@ -1,6 +1,6 @@
 #include "drivers/scantron/SheetCells.h"
 
-#include "reader/clsKELReaderWindow.h"
+#include "contract/clsKELReaderWindow.h"
 
 namespace kel {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "reader/ReaderContract.h"
+#include "contract/ReaderContract.h"
 
 #include <string>
 

@@ -1,9 +1,9 @@
 #include "drivers/scantron/basScantron.h"
 
+#include "contract/clsKELReaderWindows.h"
 #include "drivers/scantron/FormCommands.h"
 #include "failure/basError.h"
 #include "failure/guarded.h"
-#include "reader/clsKELReaderWindows.h"
 #include "types/Text.h"
 
 #include <concepts>

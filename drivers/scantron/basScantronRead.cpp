@@ -1,12 +1,12 @@
 #include "drivers/scantron/basScantron.h"
 
+#include "contract/clsKELReaderWindows.h"
 #include "drivers/common/Dialogue.h"
 #include "drivers/scantron/FormCommands.h"
 #include "drivers/scantron/SheetCells.h"
 #include "failure/basError.h"
 #include "failure/guarded.h"
 #include "platform/Platform.h"
-#include "reader/clsKELReaderWindows.h"
 
 namespace kel {
 

@@ -1,11 +1,11 @@
 #include "drivers/scantron/basScantron.h"
 
+#include "contract/clsKELReaderPrinter.h"
 #include "drivers/common/Dialogue.h"
 #include "drivers/scantron/FormCommands.h"
 #include "failure/basError.h"
 #include "failure/guarded.h"
 #include "platform/Platform.h"
-#include "reader/clsKELReaderPrinter.h"
 #include "types/Text.h"
 
 namespace kel {

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "contract/clsKELReaderBarcodes.h"
 #include "platform/OmrApi.h"
-#include "reader/clsKELReaderBarcodes.h"
 
 namespace kel {
 

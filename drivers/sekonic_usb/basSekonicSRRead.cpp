@@ -1,3 +1,4 @@
+#include "contract/clsKELReaderPrinter.h"
 #include "drivers/sekonic_usb/BarcodeArea.h"
 #include "drivers/sekonic_usb/ErrorCodes.h"
 #include "drivers/sekonic_usb/Library.h"
@@ -5,7 +6,6 @@
 #include "drivers/sekonic_usb/basSekonicSR.h"
 #include "failure/basError.h"
 #include "failure/guarded.h"
-#include "reader/clsKELReaderPrinter.h"
 #include "types/Text.h"
 
 #include <algorithm>

@@ -1,11 +1,11 @@
 #include "drivers/sekonic_usb/basSekonicSR.h"
 
+#include "contract/clsKELReaderBarcodes.h"
 #include "drivers/sekonic_usb/ErrorCodes.h"
 #include "drivers/sekonic_usb/Library.h"
 #include "drivers/sekonic_usb/MarkBytes.h"
 #include "failure/basError.h"
 #include "failure/guarded.h"
-#include "reader/clsKELReaderBarcodes.h"
 #include "types/Text.h"
 
 namespace kel {

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "platform/FileDescriptor.h"
 #include "platform/Registry.h"
-#include "platform/posix/FileDescriptor.h"
 #include "platform/posix/RegistryFolders.h"
 
 #include <memory>

@@ -1,6 +1,6 @@
 #include "platform/posix/LineInput.h"
 
-#include "platform/posix/FileDescriptor.h"
+#include "platform/FileDescriptor.h"
 
 #include <cerrno>
 #include <unistd.h>

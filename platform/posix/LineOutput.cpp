@@ -1,6 +1,6 @@
 #include "platform/posix/LineOutput.h"
 
-#include "platform/posix/FileDescriptor.h"
+#include "platform/FileDescriptor.h"
 #include "platform/posix/SteadyTime.h"
 
 #include <poll.h>

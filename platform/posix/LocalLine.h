@@ -1,7 +1,7 @@
 #pragma once
 
+#include "platform/FileDescriptor.h"
 #include "platform/LineDevice.h"
-#include "platform/posix/FileDescriptor.h"
 #include "platform/posix/LineEnd.h"
 #include "platform/posix/TerminalAttributes.h"
 

@@ -1,6 +1,6 @@
 #include "platform/posix/RemoteLine.h"
 
-#include "platform/posix/FileDescriptor.h"
+#include "platform/FileDescriptor.h"
 #include "platform/posix/LineOpenFailure.h"
 #include "platform/posix/PosixProcess.h"
 

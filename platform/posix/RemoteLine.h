@@ -1,8 +1,8 @@
 #pragma once
 
 #include "platform/RemoteAddress.h"
+#include "platform/RemoteConnection.h"
 #include "platform/posix/LineEnd.h"
-#include "platform/remote_line/RemoteConnection.h"
 #include "types/Numbers.h"
 
 #include <memory>

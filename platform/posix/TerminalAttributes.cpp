@@ -1,6 +1,6 @@
 #include "platform/posix/TerminalAttributes.h"
 
-#include "platform/posix/FileDescriptor.h"
+#include "platform/FileDescriptor.h"
 
 // The kernel's own structures. They clash with <termios.h>, so that this file stands alone.
 #include <asm/ioctls.h>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/posix/FileDescriptor.h"
-#include "platform/remote_line/RemoteConnection.h"
+#include "platform/FileDescriptor.h"
+#include "platform/RemoteConnection.h"
 
 #include <chrono>
 #include <future>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/posix/FileDescriptor.h"
+#include "platform/FileDescriptor.h"
 
 #include <memory>
 #include <mutex>

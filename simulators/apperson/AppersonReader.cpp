@@ -1,6 +1,6 @@
 #include "simulators/apperson/AppersonReader.h"
 
-#include "platform/Transcript.h"
+#include "recording/Transcript.h"
 #include "types/Text.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #include "simulators/apperson/RawMarkReader.h"
 
-#include "platform/Transcript.h"
+#include "recording/Transcript.h"
 
 #include <algorithm>
 

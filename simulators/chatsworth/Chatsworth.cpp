@@ -1,6 +1,6 @@
 #include "simulators/chatsworth/Chatsworth.h"
 
-#include "platform/Transcript.h"
+#include "recording/Transcript.h"
 
 namespace kel {
 

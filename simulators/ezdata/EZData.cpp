@@ -1,6 +1,6 @@
 #include "simulators/ezdata/EZData.h"
 
-#include "platform/Transcript.h"
+#include "recording/Transcript.h"
 
 #include <algorithm>
 #include <stdexcept>

@@ -1,6 +1,6 @@
 #include "simulators/framework/SheetFeeder.h"
 
-#include "simulators/framework/Json.h"
+#include "formats/Json.h"
 #include "types/LineText.h"
 
 #include <limits>

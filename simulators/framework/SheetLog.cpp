@@ -1,6 +1,6 @@
 #include "simulators/framework/SheetLog.h"
 
-#include "simulators/framework/Json.h"
+#include "formats/Json.h"
 #include "types/LineText.h"
 
 namespace kel {

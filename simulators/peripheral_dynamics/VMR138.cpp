@@ -1,6 +1,6 @@
 #include "simulators/peripheral_dynamics/VMR138.h"
 
-#include "platform/Transcript.h"
+#include "recording/Transcript.h"
 
 #include <algorithm>
 

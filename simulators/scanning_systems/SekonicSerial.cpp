@@ -1,6 +1,6 @@
 #include "simulators/scanning_systems/SekonicSerial.h"
 
-#include "platform/Transcript.h"
+#include "recording/Transcript.h"
 
 #include <algorithm>
 #include <charconv>

@@ -1,6 +1,6 @@
 #include "simulators/scantron/Scanmark.h"
 
-#include "platform/Transcript.h"
+#include "recording/Transcript.h"
 
 #include <algorithm>
 #include <stdexcept>

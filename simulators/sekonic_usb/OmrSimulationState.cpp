@@ -1,6 +1,6 @@
 #include "simulators/sekonic_usb/OmrSimulationState.h"
 
-#include "simulators/framework/Json.h"
+#include "formats/Json.h"
 #include "simulators/framework/SheetFeeder.h"
 
 #include <algorithm>

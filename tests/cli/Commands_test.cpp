@@ -1,5 +1,5 @@
 #include "cli/JsonValue.h"
-#include "platform/posix/Pty.h"
+#include "simulators/pseudo_terminal/Pty.h"
 #include "tests/cli/CommandRun.h"
 #include "tests/support/BuiltFiles.h"
 

@@ -1,7 +1,7 @@
 #include "cli/EnumeratorNames.h"
 #include "cli/ModelLookup.h"
 #include "cli/UsageError.h"
-#include "dispatch/ReaderModels.h"
+#include "profiles/ReaderModels.h"
 
 #include <gmock/gmock.h>
 

@@ -1,7 +1,7 @@
 #include "cli/JsonLines.h"
 #include "cli/ScanSession.h"
-#include "platform/simulated/SimulatedPlatform.h"
 #include "simulators/SimulatorTable.h"
+#include "simulators/platform/SimulatedPlatform.h"
 
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>

@@ -1,7 +1,7 @@
 #include "cli/PropertyTable.h"
 
 #include "cli/UsageError.h"
-#include "platform/simulated/SimulatedPlatform.h"
+#include "simulators/platform/SimulatedPlatform.h"
 
 #include <gmock/gmock.h>
 

@@ -2,10 +2,10 @@
 
 #include "cli/JsonLines.h"
 #include "cli/UsageError.h"
+#include "contract/Dictionary.h"
 #include "failure/basError.h"
-#include "platform/simulated/SimulatedPlatform.h"
-#include "reader/Dictionary.h"
 #include "simulators/SimulatorTable.h"
+#include "simulators/platform/SimulatedPlatform.h"
 
 #include <gmock/gmock.h>
 

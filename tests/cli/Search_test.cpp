@@ -1,7 +1,7 @@
 #include "platform/PortMap.h"
 #include "platform/posix/PosixPlatform.h"
-#include "platform/posix/PtyDeviceHost.h"
 #include "simulators/SimulatorTable.h"
+#include "simulators/pseudo_terminal/PtyDeviceHost.h"
 #include "tests/cli/CommandRun.h"
 #include "tests/support/WatchedDevice.h"
 

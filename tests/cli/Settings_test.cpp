@@ -1,6 +1,6 @@
 #include "cli/JsonValue.h"
-#include "platform/RegFile.h"
-#include "platform/Utf16.h"
+#include "formats/RegFile.h"
+#include "formats/Utf16.h"
 #include "tests/cli/CommandRun.h"
 
 #include <gmock/gmock.h>

@@ -1,9 +1,9 @@
 #include "cli/JsonLines.h"
 #include "cli/TraceHead.h"
-#include "platform/ReplayPlatform.h"
-#include "platform/TracingCarrier.h"
-#include "platform/simulated/SimulatedPlatform.h"
-#include "simulators/framework/TranscriptDevice.h"
+#include "recording/ReplayPlatform.h"
+#include "recording/TracingCarrier.h"
+#include "recording/TranscriptDevice.h"
+#include "simulators/platform/SimulatedPlatform.h"
 #include "tests/cli/CommandRun.h"
 #include "tests/support/BuiltFiles.h"
 

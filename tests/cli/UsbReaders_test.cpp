@@ -1,7 +1,7 @@
 #include "cli/JsonLines.h"
 #include "cli/ScanSession.h"
 #include "platform/posix/PosixOmrApiLoader.h"
-#include "platform/simulated/SimulatedPlatform.h"
+#include "simulators/platform/SimulatedPlatform.h"
 #include "simulators/sekonic_usb/OmrApiSimulation.h"
 #include "strings/VBLMRTSModule.h"
 #include "tests/cli/CommandRun.h"

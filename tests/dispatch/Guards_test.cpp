@@ -1,7 +1,7 @@
 #include "tests/failure/GuardTest.h"
 
-#include "dispatch/ReaderModels.h"
 #include "dispatch/basRead.h"
+#include "profiles/ReaderModels.h"
 
 namespace kel::test {
 namespace {

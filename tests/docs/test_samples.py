@@ -24,8 +24,8 @@ FRONT = """
 #include "options/frmOptions.h"
 #include "platform/ErrorLibrary.h"
 #include "platform/HostPump.h"
-#include "reader/AnswerKey.h"
-#include "reader/Dictionary.h"
+#include "contract/AnswerKey.h"
+#include "contract/Dictionary.h"
 #include "reader/clsKELReader.h"
 
 #include <csignal>

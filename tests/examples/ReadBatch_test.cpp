@@ -1,5 +1,5 @@
-#include "platform/posix/PtyDeviceHost.h"
 #include "simulators/SimulatorTable.h"
+#include "simulators/pseudo_terminal/PtyDeviceHost.h"
 #include "tests/cli/CommandRun.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 // Faults of the processor in the host's own code: they are the host's, and each is looked at in a process of its own.
 
-#include "reader/AnswerKeyObject.h"
+#include "contract/AnswerKeyObject.h"
 #include "tests/failure/FaultTest.h"
 
 #include <csignal>

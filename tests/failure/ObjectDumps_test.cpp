@@ -1,11 +1,11 @@
 // The variables of objects, and of procedures of the options dialog, as a report tells them.
 
-#include "dispatch/frmComm.h"
 #include "failure/guarded.h"
 #include "failure/modvbCodeShieldSupport.h"
 #include "options/basPublic.h"
 #include "options/frmOptions.h"
 #include "platform/NamedObjects.h"
+#include "reader/frmComm.h"
 #include "tests/support/ReaderHost.h"
 
 #include <gmock/gmock.h>

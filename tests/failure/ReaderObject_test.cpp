@@ -1,8 +1,8 @@
 // Crash capture in the reader object: its life as a debugger sees it, and its variables in a report.
 
+#include "contract/AnswerKey.h"
 #include "failure/modvbCodeShieldSupport.h"
 #include "platform/NamedObjects.h"
-#include "reader/AnswerKey.h"
 #include "tests/support/ReaderHost.h"
 
 #include <algorithm>

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "platform/Platform.h"
-#include "platform/simulated/SimulatedRegistry.h"
-#include "platform/simulated/SimulatedScreen.h"
+#include "simulators/platform/SimulatedRegistry.h"
+#include "simulators/platform/SimulatedScreen.h"
 
 #include <functional>
 #include <stdexcept>

@@ -1,6 +1,6 @@
 #include "platform/HostPump.h"
 
-#include "platform/simulated/SimulatedPlatform.h"
+#include "simulators/platform/SimulatedPlatform.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #include "platform/PortMap.h"
 
-#include "platform/simulated/SimulatedRegistry.h"
+#include "simulators/platform/SimulatedRegistry.h"
 
 #include <gtest/gtest.h>
 #include <memory>

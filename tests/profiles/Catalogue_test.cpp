@@ -1,6 +1,6 @@
-#include "platform/simulated/SimulatedPlatform.h"
 #include "profiles/Catalogue.h"
 #include "profiles/clsKELReaderProfiles.h"
+#include "simulators/platform/SimulatedPlatform.h"
 #include "strings/VBLMRTSModule.h"
 #include "tests/profiles/ExpectedTables.h"
 #include "tests/profiles/ProfileText.h"

@@ -1,6 +1,6 @@
 #include "profiles/clsKELReaderProfile.h"
 
-#include "platform/simulated/SimulatedPlatform.h"
+#include "simulators/platform/SimulatedPlatform.h"
 #include "strings/VBLMRTSModule.h"
 #include "tests/profiles/ProfileText.h"
 

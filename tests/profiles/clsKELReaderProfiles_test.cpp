@@ -2,7 +2,7 @@
 #include "profiles/clsKELReaderProfiles.h"
 
 #include "failure/basError.h"
-#include "platform/simulated/SimulatedPlatform.h"
+#include "simulators/platform/SimulatedPlatform.h"
 #include "strings/VBLMRTSModule.h"
 #include "types/Text.h"
 

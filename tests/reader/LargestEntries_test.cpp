@@ -1,5 +1,5 @@
-#include "platform/simulated/SimulatedPlatform.h"
 #include "reader/ReaderSession.h"
+#include "simulators/platform/SimulatedPlatform.h"
 
 #include <gtest/gtest.h>
 

@@ -2,7 +2,7 @@
 
 #include "platform/PortMap.h"
 #include "platform/posix/PosixPlatform.h"
-#include "platform/posix/PtyDeviceHost.h"
+#include "simulators/pseudo_terminal/PtyDeviceHost.h"
 #include "tests/support/ReaderHost.h"
 #include "tests/support/WatchedDevice.h"
 

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "failure/basError.h"
-#include "platform/simulated/SimulatedPlatform.h"
 #include "reader/clsKELReader.h"
+#include "simulators/platform/SimulatedPlatform.h"
 
 #include <functional>
 #include <memory>

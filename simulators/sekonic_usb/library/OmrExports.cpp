@@ -1,6 +1,6 @@
 #include "simulators/sekonic_usb/library/OmrDevice.h"
 
-#include "simulators/framework/Json.h"
+#include "formats/Json.h"
 #include "simulators/sekonic_usb/OmrSimulationControl.h"
 
 #include <algorithm>

@@ -1,12 +1,12 @@
 #pragma once
 
+#include "contract/Dictionary.h"
 #include "drivers/apperson/AppersonDialogue.h"
 #include "drivers/apperson/basApperson.h"
 #include "failure/basError.h"
-#include "platform/simulated/SimulatedPlatform.h"
-#include "reader/Dictionary.h"
 #include "reader/ReaderSession.h"
-#include "simulators/framework/TranscriptDevice.h"
+#include "recording/TranscriptDevice.h"
+#include "simulators/platform/SimulatedPlatform.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 #include "AppersonTest.h"
 
-#include "reader/AnswerKey.h"
+#include "contract/AnswerKey.h"
 
 namespace kel::apperson_test {
 namespace {

@@ -1,6 +1,6 @@
 #include "drivers/apperson/KeyEncoding.h"
 
-#include "reader/AnswerKey.h"
+#include "contract/AnswerKey.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 #include "drivers/common/Dialogue.h"
 
-#include "platform/simulated/SimulatedPlatform.h"
 #include "reader/ReaderSession.h"
+#include "simulators/platform/SimulatedPlatform.h"
 #include "tests/drivers/scanning_systems/ScriptedReader.h"
 
 #include <gmock/gmock.h>

@@ -5,8 +5,8 @@
 #include "drivers/scanning_systems/EmulationMode.h"
 #include "drivers/scanning_systems/basScanningSystems.h"
 #include "failure/basError.h"
-#include "platform/simulated/SimulatedPlatform.h"
 #include "reader/ReaderSession.h"
+#include "simulators/platform/SimulatedPlatform.h"
 
 #include <gtest/gtest.h>
 

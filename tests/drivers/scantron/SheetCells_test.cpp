@@ -1,7 +1,7 @@
 #include "drivers/scantron/SheetCells.h"
 
+#include "contract/clsKELReaderWindow.h"
 #include "drivers/scantron/FormCommands.h"
-#include "reader/clsKELReaderWindow.h"
 #include "tests/types/FailureOf.h"
 
 #include <gmock/gmock.h>

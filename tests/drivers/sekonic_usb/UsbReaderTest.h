@@ -3,8 +3,8 @@
 #include "FakeOmrApi.h"
 
 #include "failure/basError.h"
-#include "platform/simulated/SimulatedPlatform.h"
 #include "reader/ReaderSession.h"
+#include "simulators/platform/SimulatedPlatform.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include "platform/posix/PosixScreen.h"
 
-#include "platform/posix/FileDescriptor.h"
-#include "platform/posix/Pty.h"
+#include "platform/FileDescriptor.h"
+#include "simulators/pseudo_terminal/Pty.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>

@@ -2,10 +2,10 @@
 
 #include "tests/support/TemporaryFolder.h"
 
-#include "platform/posix/FileDescriptor.h"
+#include "platform/FileDescriptor.h"
 #include "platform/posix/PosixPlatform.h"
 #include "platform/posix/PosixSerialControl.h"
-#include "platform/posix/Pty.h"
+#include "simulators/pseudo_terminal/Pty.h"
 #include "types/RuntimeFailure.h"
 
 #include <array>

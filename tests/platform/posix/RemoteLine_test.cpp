@@ -1,7 +1,7 @@
+#include "platform/FileDescriptor.h"
 #include "platform/PortMap.h"
-#include "platform/posix/FileDescriptor.h"
 #include "platform/posix/PosixPlatform.h"
-#include "platform/posix/PtyDeviceHost.h"
+#include "simulators/pseudo_terminal/PtyDeviceHost.h"
 #include "types/RuntimeFailure.h"
 
 #include <gmock/gmock.h>

@@ -1,4 +1,4 @@
-#include "reader/AnswerKey.h"
+#include "contract/AnswerKey.h"
 #include "simulators/apperson/DataLineReader.h"
 #include "tests/simulators/apperson/AppersonRoundTrip.h"
 #include "tests/support/PtyReader.h"

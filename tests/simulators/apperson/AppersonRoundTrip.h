@@ -1,6 +1,6 @@
 #pragma once
 
-#include "reader/Dictionary.h"
+#include "contract/Dictionary.h"
 #include "simulators/SimulatorTable.h"
 #include "tests/support/ReaderHost.h"
 

@@ -1,5 +1,5 @@
-#include "reader/AnswerKey.h"
-#include "reader/Dictionary.h"
+#include "contract/AnswerKey.h"
+#include "contract/Dictionary.h"
 #include "simulators/SimulatorTable.h"
 #include "simulators/apperson/DataLineReader.h"
 #include "simulators/apperson/RawMarkReader.h"

@@ -2,9 +2,9 @@
 
 #include "failure/basError.h"
 #include "platform/posix/PosixOmrApiLoader.h"
-#include "platform/simulated/SimulatedPlatform.h"
 #include "reader/clsKELReader.h"
 #include "simulators/framework/SheetFeeder.h"
+#include "simulators/platform/SimulatedPlatform.h"
 #include "strings/VBLMRTSModule.h"
 #include "tests/support/BuiltFiles.h"
 

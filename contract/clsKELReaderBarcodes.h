@@ -1,0 +1,48 @@
+#pragma once
+
+#include "contract/clsKELReaderBarcode.h"
+#include "types/Boolean.h"
+#include "types/Export.h"
+#include "types/Hidden.h"
+#include "types/Reference.h"
+
+#include <optional>
+
+namespace kel {
+
+/// The barcode zones of a form in their order, addressed by position from 1.
+class KEL_PUBLIC clsKELReaderBarcodes {
+public:
+    /// The class's name, as dumps of variables tell it.
+    static constexpr const char* kClassName = "clsKELReaderBarcodes";
+
+    clsKELReaderBarcodes();
+    clsKELReaderBarcodes(const clsKELReaderBarcodes& other);
+    clsKELReaderBarcodes& operator=(const clsKELReaderBarcodes& other);
+    ~clsKELReaderBarcodes();
+
+    /// Number of zones.
+    [[nodiscard]] Int32 Count() const;
+
+    /// Adds a zone before or after a position, or at the end. A position that is not there is reported, and nothing
+    /// is added.
+    void Add(Reference<clsKELReaderBarcode> Item, std::optional<Int32> Before = {}, std::optional<Int32> After = {});
+
+    /// Removes the zone at a position; one that is not there is reported.
+    void Remove(Int32 Index);
+
+    /// Removes all zones.
+    void RemoveAll();
+
+    /// The zone at a position, or nothing, without a report, where none is.
+    [[nodiscard]] Reference<clsKELReaderBarcode> Item(Int32 Index) const;
+
+    /// Whether a position holds a zone.
+    [[nodiscard]] Boolean Exists(Int32 Index) const;
+
+private:
+    struct Fields;
+    Hidden<Fields> fields_;
+};
+
+} // namespace kel

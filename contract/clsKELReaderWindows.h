@@ -1,0 +1,48 @@
+#pragma once
+
+#include "contract/clsKELReaderWindow.h"
+#include "types/Boolean.h"
+#include "types/Export.h"
+#include "types/Hidden.h"
+#include "types/Reference.h"
+
+#include <optional>
+
+namespace kel {
+
+/// The read windows of a form in their order, addressed by position from 1.
+class KEL_PUBLIC clsKELReaderWindows {
+public:
+    /// The class's name, as dumps of variables tell it.
+    static constexpr const char* kClassName = "clsKELReaderWindows";
+
+    clsKELReaderWindows();
+    clsKELReaderWindows(const clsKELReaderWindows& other);
+    clsKELReaderWindows& operator=(const clsKELReaderWindows& other);
+    ~clsKELReaderWindows();
+
+    /// Number of windows.
+    [[nodiscard]] Int32 Count() const;
+
+    /// Adds a window before or after a position, or at the end. A position that is not there is reported, and nothing
+    /// is added.
+    void Add(Reference<clsKELReaderWindow> Item, std::optional<Int32> Before = {}, std::optional<Int32> After = {});
+
+    /// Removes the window at a position; one that is not there is reported.
+    void Remove(Int32 Position);
+
+    /// Removes all windows.
+    void RemoveAll();
+
+    /// The window at a position, or nothing, without a report, where none is.
+    [[nodiscard]] Reference<clsKELReaderWindow> Item(Int32 Position) const;
+
+    /// Whether a position holds a window.
+    [[nodiscard]] Boolean Exists(Int32 Position) const;
+
+private:
+    struct Fields;
+    Hidden<Fields> fields_;
+};
+
+} // namespace kel

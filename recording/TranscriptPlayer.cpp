@@ -1,0 +1,173 @@
+#include "recording/TranscriptPlayer.h"
+
+#include "recording/TraceLog.h"
+#include "types/Text.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace kel {
+
+namespace {
+
+Moment duration(double milliseconds)
+{
+    return Moment(static_cast<Moment::rep>(std::llround(milliseconds * 1e6)));
+}
+
+std::string place(const TranscriptLine& line)
+{
+    return "Line " + std::to_string(line.number);
+}
+
+} // namespace
+
+TranscriptPlayer::TranscriptPlayer(Transcript transcript)
+    : transcript_(std::move(transcript)), recorded_(transcript_.value("times") == "recorded")
+{
+    Moment least{};
+    for (const TranscriptLine& line : transcript_.lines) {
+        if (line.kind == TranscriptLine::Kind::Pause) {
+            const bool early = recorded_ && line.note.starts_with(kNotBefore);
+            least = lastPause_ + duration(early ? Val(line.note.substr(kNotBefore.size())) : line.milliseconds);
+            lastPause_ += duration(line.milliseconds);
+        } else {
+            steps_.push_back({line, lastPause_, least});
+            lastPause_ = least = {};
+        }
+    }
+}
+
+void TranscriptPlayer::opened()
+{
+    open_ = true;
+    received_.clear();
+    if (sent_ == 0)
+        beginStep(now_);
+}
+
+void TranscriptPlayer::beginStep(Moment when)
+{
+    sent_ = 0;
+    due_ = when + (position_ < steps_.size() ? steps_[position_].pause : lastPause_);
+    earliest_ = when + (position_ < steps_.size() ? steps_[position_].least : lastPause_);
+}
+
+bool TranscriptPlayer::atHost() const
+{
+    return position_ == steps_.size() || steps_[position_].line.kind == TranscriptLine::Kind::ToReader;
+}
+
+std::optional<Moment> TranscriptPlayer::nextOfReader() const
+{
+    if (!plays() || unseen_ || atHost())
+        return std::nullopt;
+    return due_;
+}
+
+std::optional<Moment> TranscriptPlayer::nextOfHost() const
+{
+    if (!recorded_ || !plays() || unseen_ || !atHost())
+        return std::nullopt;
+    return due_;
+}
+
+/// The reader's line that is next happens, due or not.
+void TranscriptPlayer::playStep()
+{
+    const TranscriptLine& line = steps_[position_].line;
+    if (line.kind == TranscriptLine::Kind::Unplug) {
+        hungUp_ = true;
+        hangUpText_ = line.note;
+    } else {
+        received_ += line.bytes;
+        arrivals_ += line.bytes.size();
+        unseen_ = recorded_;
+    }
+    ++position_;
+    beginStep(std::min(due_, now_));
+}
+
+void TranscriptPlayer::seen()
+{
+    if (unseen_)
+        beginStep(now_);
+    unseen_ = false;
+}
+
+void TranscriptPlayer::settle()
+{
+    while (nextOfReader() && earliest_ <= now_)
+        playStep();
+}
+
+bool TranscriptPlayer::send(std::string_view bytes)
+{
+    settle();
+    while (plays() && !atHost())
+        playStep();
+    unseen_ = false;
+    if (hungUp_)
+        return false;
+    for (std::size_t i = 0; i < bytes.size() && differences_.empty(); ++i) {
+        if (position_ == steps_.size()) {
+            differ("The host sent " + transcriptBytes(bytes.substr(i)) + " behind the end of the transcript.");
+        } else if (const TranscriptLine& line = steps_[position_].line; line.kind != TranscriptLine::Kind::ToReader) {
+            differ(place(line) + ": the host sent " + transcriptBytes(bytes.substr(i)) + " where \"" +
+                   writeTranscriptLine(line) + "\" comes from the reader first.");
+        } else if (line.bytes[sent_] != bytes[i]) {
+            differ(place(line) + ": the host sent " + transcriptBytes(line.bytes.substr(0, sent_)) +
+                   (sent_ > 0 ? " " : "") + transcriptBytes(bytes.substr(i)) + " where the transcript has " +
+                   transcriptBytes(line.bytes) + ".");
+        } else if (++sent_ == line.bytes.size()) {
+            ++position_;
+            beginStep(now_);
+        }
+    }
+    settle();
+    return true;
+}
+
+std::size_t TranscriptPlayer::waiting()
+{
+    settle();
+    return received_.size();
+}
+
+std::uint64_t TranscriptPlayer::arrivals()
+{
+    settle();
+    return arrivals_;
+}
+
+std::string TranscriptPlayer::take(std::size_t most)
+{
+    settle();
+    std::string bytes = received_.substr(0, most);
+    received_.erase(0, bytes.size());
+    takings_ += bytes.size();
+    return bytes;
+}
+
+bool TranscriptPlayer::hungUp()
+{
+    settle();
+    return hungUp_;
+}
+
+void TranscriptPlayer::differ(const std::string& sentence)
+{
+    if (differences_.empty())
+        differences_.push_back(sentence);
+}
+
+std::string TranscriptPlayer::unsent() const
+{
+    for (std::size_t i = position_; i < steps_.size(); ++i) {
+        if (steps_[i].line.kind == TranscriptLine::Kind::ToReader)
+            return place(steps_[i].line) + ": " + writeTranscriptLine(steps_[i].line);
+    }
+    return {};
+}
+
+} // namespace kel
