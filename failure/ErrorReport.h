@@ -18,7 +18,8 @@ enum ErrorType : Int32 {
     kErrorTypeReader = 2,   ///< a fault of the reader or the link that a driver detected
 };
 
-/// A failure report, its fields in the order in which they are handed on.
+/// A failure report, its fields in the order in which they are handed on. Later versions may add fields at its end: a
+/// host takes it as it comes and makes none itself.
 struct ErrorReport {
     Int32 LineNumber = 0;  ///< number of the failing statement; 0 for a failure that the code itself detected
     Int32 ErrorNumber = 0; ///< number of the run-time failure, or the reader's own; 0 if there is none
@@ -35,6 +36,10 @@ struct ErrorReport {
     std::string VariableText3{};
     Boolean ShowHelp = True;
     std::optional<Boolean> vSilent{}; ///< a one-off value for the error object's `Silent`
+    Int16 ErrorPort = 0;              ///< the port that the report is about, 1 to 16; 0 if it is about none
+    std::string ErrorDevice{};        ///< the device or remote line that this port stands for
+    std::string ErrorCause{};  ///< what is wrong with it, to follow its name: "is in use by process 812 (minicom)"
+    std::string ErrorRemedy{}; ///< what to try, a sentence; may be empty
 };
 
 /// The host's error object: where reports go once a host has registered one with `SetError`.

@@ -26,6 +26,10 @@ void reportRuntimeFailure(const char* source, const RuntimeFailure& failure, Sou
     report.ErrorType = kErrorTypeRunTime;
     report.ErrorDescription = failure.text();
     report.ErrorSource = source;
+    report.ErrorPort = failure.port().number;
+    report.ErrorDevice = failure.port().device;
+    report.ErrorCause = failure.port().cause;
+    report.ErrorRemedy = failure.port().remedy;
     DisplayError(std::move(report));
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "types/Export.h"
+
 #include <atomic>
 #include <cstdint>
 
@@ -54,7 +56,7 @@ enum class ThreadRuns : std::uint8_t {
 void writeThreadRuns(ThreadRuns runs) noexcept;
 #else
 // A signal handler reads it and every procedure of an object writes it: no function may stand between.
-[[gnu::tls_model("initial-exec")]] extern constinit thread_local ThreadRuns whatThreadRuns;
+[[gnu::tls_model("initial-exec")]] KEL_INTERNAL extern constinit thread_local ThreadRuns whatThreadRuns;
 
 [[nodiscard]] inline ThreadRuns readThreadRuns() noexcept
 {

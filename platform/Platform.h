@@ -6,6 +6,7 @@
 #include "platform/Process.h"
 #include "platform/Registry.h"
 #include "platform/Screen.h"
+#include "types/Export.h"
 
 #include <memory>
 
@@ -29,14 +30,14 @@ public:
 
 /// The platform of the calling thread: the innermost PlatformScope, or else one made at the first use by the factory
 /// that start-up has installed.
-[[nodiscard]] Platform& platform();
+[[nodiscard]] KEL_INTERNAL Platform& platform();
 
 /// Installs what makes a thread's platform. Called once at start-up.
 using PlatformFactory = std::unique_ptr<Platform> (*)();
 void setPlatformFactory(PlatformFactory factory);
 
 /// Makes a platform the calling thread's for as long as the scope lives; the platform must outlive it.
-class PlatformScope {
+class KEL_INTERNAL PlatformScope {
 public:
     explicit PlatformScope(Platform& platform);
     ~PlatformScope();

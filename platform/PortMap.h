@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/Registry.h"
+#include "types/Export.h"
 #include "types/Numbers.h"
 
 #include <map>
@@ -11,7 +12,7 @@ namespace kel {
 
 /// Which device a port number 1 to 16 stands for. The map is kept in the registry, under HKEY_CURRENT_USER
 /// "Software\KELReader81U\Ports", a text value a port, with the number as its name.
-class PortMap {
+class KEL_INTERNAL PortMap {
 public:
     static constexpr Int16 kFirstPort = 1;
     static constexpr Int16 kLastPort = 16;
@@ -36,7 +37,7 @@ private:
 
 /// Puts a device in the place of a port's for this thread, for as long as it lives, and leaves the registry alone.
 /// Of several for the same port the latest wins. It ends on the thread that made it.
-class PortOverride {
+class KEL_INTERNAL PortOverride {
 public:
     PortOverride(Int16 port, std::string device);
     ~PortOverride();

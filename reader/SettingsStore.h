@@ -2,6 +2,7 @@
 
 #include "types/Boolean.h"
 #include "types/Enumerations.h"
+#include "types/Export.h"
 
 #include <string>
 #include <string_view>
@@ -12,7 +13,7 @@ class ReaderSession;
 
 /// Keeps a reader's settings as values of one registry key, all of them in text form.
 /// A store that cannot be read gives the defaults, and one that cannot be written is no failure.
-class SettingsStore {
+class KEL_INTERNAL SettingsStore {
 public:
     SettingsStore(kelReaderRegistryKey lRegistryKey, std::string sRegistrySubKey);
 

@@ -42,6 +42,14 @@ std::string failureText(FailureCode code)
     return "Application-defined or object-defined error";
 }
 
+struct RuntimeFailure::Details {
+    std::int32_t number;
+    std::string text;
+    std::string source;
+    SourceLocation where;
+    FailedPort port;
+};
+
 RuntimeFailure::RuntimeFailure(FailureCode code, SourceLocation where) : RuntimeFailure(code, failureText(code), where)
 {
 }
@@ -57,8 +65,47 @@ RuntimeFailure::RuntimeFailure(std::int32_t number, std::string text, SourceLoca
 }
 
 RuntimeFailure::RuntimeFailure(std::int32_t number, std::string text, std::string source, SourceLocation where)
-    : number_(number), text_(std::move(text)), source_(std::move(source)), where_(where)
+    : details_(std::make_shared<Details>(Details{number, std::move(text), std::move(source), where, {}}))
 {
+}
+
+std::int32_t RuntimeFailure::number() const noexcept
+{
+    return details_->number;
+}
+
+const std::string& RuntimeFailure::text() const noexcept
+{
+    return details_->text;
+}
+
+const std::string& RuntimeFailure::source() const noexcept
+{
+    return details_->source;
+}
+
+const SourceLocation& RuntimeFailure::where() const noexcept
+{
+    return details_->where;
+}
+
+const char* RuntimeFailure::what() const noexcept
+{
+    return details_->text.c_str();
+}
+
+const FailedPort& RuntimeFailure::port() const noexcept
+{
+    return details_->port;
+}
+
+RuntimeFailure RuntimeFailure::about(FailedPort port) const
+{
+    RuntimeFailure failure = *this;
+    Details details = *details_;
+    details.port = std::move(port);
+    failure.details_ = std::make_shared<Details>(std::move(details));
+    return failure;
 }
 
 RuntimeFailure caughtFailure()

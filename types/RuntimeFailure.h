@@ -5,6 +5,7 @@
 #include "types/SourceLocation.h"
 #include <cstdint>
 #include <exception>
+#include <memory>
 #include <string>
 
 namespace kel {
@@ -44,6 +45,14 @@ enum class FailureCode : std::int32_t {
 /// The standard text of a run-time failure: "Subscript out of range" for 9, and so on.
 [[nodiscard]] std::string failureText(FailureCode code);
 
+/// The port that a failure is about, as far as it is about one: what its text says, in parts.
+struct FailedPort {
+    std::int16_t number = 0; ///< 1 to 16; 0 if the failure is about no port
+    std::string device{};    ///< what the port stands for: a device, a remote line, COM1; empty if there is nothing
+    std::string cause{};     ///< what is wrong, to follow the name: "is in use by process 812 (minicom)"
+    std::string remedy{};    ///< what to try, a sentence; may be empty
+};
+
 /// A failure found while a statement runs: a bad subscript, an overflow, a line that cannot be opened.
 /// It travels to the guard of the procedure that was running, which reports it; it never reaches the host.
 class KEL_PUBLIC RuntimeFailure : public std::exception {
@@ -61,20 +70,23 @@ public:
     RuntimeFailure(std::int32_t number, std::string text, std::string source, SourceLocation where);
 
     /// The failure's number, also as one of those that the component knows.
-    [[nodiscard]] std::int32_t number() const noexcept { return number_; }
-    [[nodiscard]] FailureCode code() const noexcept { return static_cast<FailureCode>(number_); }
+    [[nodiscard]] std::int32_t number() const noexcept;
+    [[nodiscard]] FailureCode code() const noexcept { return static_cast<FailureCode>(number()); }
     /// The failure's text.
-    [[nodiscard]] const std::string& text() const noexcept { return text_; }
+    [[nodiscard]] const std::string& text() const noexcept;
     /// Who raised it: the component's name, or whatever else it came from.
-    [[nodiscard]] const std::string& source() const noexcept { return source_; }
-    [[nodiscard]] const SourceLocation& where() const noexcept { return where_; }
-    [[nodiscard]] const char* what() const noexcept override { return text_.c_str(); }
+    [[nodiscard]] const std::string& source() const noexcept;
+    [[nodiscard]] const SourceLocation& where() const noexcept;
+    [[nodiscard]] const char* what() const noexcept override;
+
+    /// The port that it is about, and the same failure with one.
+    [[nodiscard]] const FailedPort& port() const noexcept;
+    [[nodiscard]] RuntimeFailure about(FailedPort port) const;
 
 private:
-    std::int32_t number_;
-    std::string text_;
-    std::string source_;
-    SourceLocation where_;
+    struct Details;
+
+    std::shared_ptr<const Details> details_;
 };
 
 /// Turns what is being caught into a run-time failure: one as it is, exhausted memory into 7, and any other

@@ -1,20 +1,12 @@
 #pragma once
 
-#include <version>
-
-#if defined(__cpp_lib_source_location)
-#include <source_location>
-#endif
-
 namespace kel {
 
-#if defined(__cpp_lib_source_location)
-/// Where a statement stands.
-using SourceLocation = std::source_location;
-#else
-/// Where a statement stands: the standard's class for compilers that do not have it yet.
+/// Where a statement stands. Not the standard's class: that one is part of a library's interface only where the
+/// compilers of the library and of its hosts agree on it, and clang 14 with the library of GCC 12 does not.
 class SourceLocation {
 public:
+    /// The place of the call, given as a default argument.
     [[nodiscard]] static constexpr SourceLocation current(const char* file = __builtin_FILE(),
                                                           const char* function = __builtin_FUNCTION(),
                                                           unsigned line = __builtin_LINE()) noexcept
@@ -35,6 +27,5 @@ private:
     const char* function_ = "";
     unsigned line_ = 0;
 };
-#endif
 
 } // namespace kel

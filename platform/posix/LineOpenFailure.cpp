@@ -11,20 +11,31 @@ namespace kel {
 
 namespace {
 
-/// Failures are told as "Invalid port number: Port 3 (/dev/ttyUSB0) ...".
-RuntimeFailure failure(FailureCode code, const std::string& text)
+/// A failure with the text "Invalid port number: Port 3 (/dev/ttyUSB0) is not there. Connect the reader".
+RuntimeFailure failure(FailureCode code, const FailedPort& port)
 {
-    return RuntimeFailure(code, failureText(code) + ": " + text);
+    const std::string name =
+        port.device.empty() ? "Port " + std::to_string(port.number) : lineName(port.number, port.device);
+    return RuntimeFailure(code, failureText(code) + ": " + name + " " + port.cause +
+                                    (port.remedy.empty() ? "." : ". " + port.remedy))
+        .about(port);
 }
 
-std::string busyText(const std::string& device)
+FailedPort busy(Int16 port, const std::string& device)
 {
     const std::optional<DeviceUser> user = deviceUser(device);
     if (!user)
-        return " is in use by another process. Close the program that uses it (sudo fuser " + device + " finds it).";
+        return {port, device, "is in use by another process",
+                "Close the program that uses it (sudo fuser " + device + " finds it)."};
     if (user->process == ::getpid())
-        return " is open already in this process.";
-    return " is in use by process " + std::to_string(user->process) + " (" + user->name + "). Close that program.";
+        return {port, device, "is open already in this process"};
+    return {port, device, "is in use by process " + std::to_string(user->process) + " (" + user->name + ")",
+            "Close that program."};
+}
+
+std::string mapTo(Int16 port)
+{
+    return ": kelreader ports set " + std::to_string(port) + " DEVICE";
 }
 
 } // namespace
@@ -60,35 +71,30 @@ std::string lineName(Int16 port, const std::string& device)
 RuntimeFailure lineOpenFailure(Int16 port, const std::string& device, int error)
 {
     const FailureCode code = lineOpenFailureCode(error);
-    const std::string name = lineName(port, device);
     const std::string cause = std::generic_category().message(error);
     switch (code) {
     case FailureCode::InvalidPortNumber:
-        return failure(code, name + " is not there: " + cause +
-                                 ". Connect the reader and switch it on, or map the port to another device: kelreader "
-                                 "ports set " +
-                                 std::to_string(port) + " DEVICE");
-    case FailureCode::PortAlreadyOpen: return failure(code, name + busyText(device));
+        return failure(code, {port, device, "is not there: " + cause,
+                              "Connect the reader and switch it on, or map the port to another device" + mapTo(port)});
+    case FailureCode::PortAlreadyOpen: return failure(code, busy(port, device));
     case FailureCode::DeviceNotOpen:
-        return failure(code, name + " is not a serial device: " + cause +
-                                 ". Map the port to a serial device: kelreader ports set " + std::to_string(port) +
-                                 " DEVICE");
+        return failure(
+            code, {port, device, "is not a serial device: " + cause, "Map the port to a serial device" + mapTo(port)});
     default: break;
     }
     if (error == EACCES || error == EPERM)
-        return failure(code, name + " may not be opened: " + cause + "; " + deviceAccessText(device) +
-                                 ". To be let in, " + deviceAccessAdvice(device) + ".");
-    return failure(code, name + " cannot be opened: " + cause + ".");
+        return failure(code, {port, device, "may not be opened: " + cause + "; " + deviceAccessText(device),
+                              "To be let in, " + deviceAccessAdvice(device) + "."});
+    return failure(code, {port, device, "cannot be opened: " + cause});
 }
 
 RuntimeFailure unmappedPortFailure(Int16 port)
 {
     if (port < PortMap::kFirstPort || port > PortMap::kLastPort)
-        return failure(FailureCode::InvalidPortNumber,
-                       "There is no port " + std::to_string(port) + "; ports are 1 to 16 ('kelreader ports')");
-    return failure(FailureCode::InvalidPortNumber, "Port " + std::to_string(port) +
-                                                       " has no device. Map it to one: kelreader ports set " +
-                                                       std::to_string(port) + " DEVICE");
+        return RuntimeFailure(FailureCode::InvalidPortNumber, failureText(FailureCode::InvalidPortNumber) +
+                                                                  ": There is no port " + std::to_string(port) +
+                                                                  "; ports are 1 to 16 ('kelreader ports')");
+    return failure(FailureCode::InvalidPortNumber, {port, {}, "has no device", "Map it to one" + mapTo(port)});
 }
 
 } // namespace kel

@@ -1,0 +1,135 @@
+"""Tests that each folder includes only what lies below it: the order of the rooms is the table here.
+
+Run with a folder as argument, it checks the sources there instead of this checkout's.
+"""
+
+import os
+import re
+import sys
+import unittest
+from pathlib import Path
+
+ROOT = Path(os.environ.get("KEL_SOURCES") or Path(__file__).resolve().parents[1])
+
+# From the ground up. A room includes itself and the rooms in front of it.
+ORDER = (
+    "types",
+    "platform",
+    "strings",
+    "failure",
+    "contract",
+    "profiles",
+    "drivers",
+    "dispatch",
+    "reader",
+    "options",
+    "startup",
+    "formats",
+    "recording",
+    "simulators",
+    "host",
+    "com",
+    "cli",
+    "station",
+)
+
+# What is built into the component, and so must stand without recordings and simulated readers.
+COMPONENT = ORDER[: ORDER.index("startup") + 1] + ("com",)
+OUTSIDE = ("formats", "recording", "simulators", "host", "cli", "station")
+
+# A simulated reader is written from the wire alone: it knows what a line is, and nothing of the component above.
+GROUND = ("types", "platform")
+WITHOUT_COMPONENT = ("formats", "recording", "simulators")
+
+# Folders of one system, which do not know each other, and which the interfaces beside them do not know.
+APART = (
+    {"platform/posix", "platform/windows", "platform/remote_line"},
+    {"options/posix", "options/qt", "options/win32"},
+)
+
+# Each family is a folder of its own beside what all of them share.
+SHARED = {"drivers": {"common"}, "simulators": {"framework"}}
+
+# A Chatsworth reader speaks the EZData readers' commands in frames of its own.
+RELATED = {("simulators/chatsworth", "simulators/ezdata")}
+
+# The one place that joins a system's implementations to the component, and the outermost programs.
+JOINS = {"startup"}
+OUTERMOST = {"tests", "fuzz", "benchmarks", "examples"}
+
+
+def sources():
+    folders = (folder for folder in ROOT.iterdir() if folder.is_dir() and not folder.name.startswith((".", "build")))
+    for folder in sorted(folders):
+        for path in sorted(folder.rglob("*")):
+            if path.suffix in (".h", ".cpp"):
+                yield path, path.relative_to(ROOT)
+
+
+def included(path):
+    """The project's own files that a file includes, with the line."""
+    for number, line in enumerate(path.read_text(encoding="utf-8").split("\n"), 1):
+        found = re.match(r'\s*#\s*include\s+"([^"]+)"', line)
+        if found and (ROOT / found[1]).is_file():
+            yield number, Path(found[1])
+
+
+def fault(source, target):
+    """What is wrong with an include, if anything."""
+    room, other = source.parts[0], target.parts[0]
+    if room in OUTERMOST:
+        return None
+    if other in OUTERMOST:
+        return f"{other}/ is for tests and programs alone"
+    for name in (room, other):
+        if name not in ORDER:
+            return f"{name}/ has no place in the order of rooms"
+    if ORDER.index(other) > ORDER.index(room):
+        return f"{other}/ lies above {room}/"
+    if room in COMPONENT and other in OUTSIDE:
+        return f"{other}/ is no part of the component"
+    if room in WITHOUT_COMPONENT and other not in GROUND + WITHOUT_COMPONENT:
+        return f"{room}/ stands without the component"
+    here, there = "/".join(source.parts[:2]), "/".join(target.parts[:2])
+    if here == there or room in JOINS:
+        return None
+    if any(there in folders and (here in folders or len(source.parts) == 2) for folders in APART) and room == other:
+        return f"{here}/ and {there}/ do not know each other"
+    if room == other and room in SHARED and len(source.parts) > 2 and len(target.parts) > 2:
+        if target.parts[1] not in SHARED[room] and (here, there) not in RELATED:
+            return f"{here}/ and {there}/ do not know each other"
+    return None
+
+
+class RoomsTest(unittest.TestCase):
+    def test_includes_run_downwards(self):
+        faults = [
+            f"{source}:{number}: includes {target}: {wrong}"
+            for path, source in sources()
+            for number, target in included(path)
+            if (wrong := fault(source, target))
+        ]
+        self.assertEqual(faults, [], "\n" + "\n".join(faults))
+
+    def test_every_folder_of_sources_has_its_place(self):
+        folders = {source.parts[0] for _, source in sources()}
+        self.assertEqual(folders - set(ORDER) - OUTERMOST, set())
+
+    def test_wrong_includes_are_seen(self):
+        for source, target in (
+            ("reader/clsKELReader.cpp", "options/frmOptions.h"),
+            ("drivers/ncs/basNCS.cpp", "reader/clsKELReader.h"),
+            ("drivers/ncs/basNCS.cpp", "drivers/ezdata/basNCSEZData.h"),
+            ("simulators/ncs/OpScan.cpp", "drivers/ncs/PageDecoder.h"),
+            ("platform/posix/RemoteLine.h", "platform/remote_line/GensioBridge.h"),
+            ("platform/Platform.h", "platform/posix/LocalLine.h"),
+            ("platform/Platform.h", "recording/Transcript.h"),
+            ("com/Exports.cpp", "recording/Transcript.h"),
+            ("types/Text.h", "platform/Platform.h"),
+            ("reader/clsKELReader.cpp", "tests/support/ReaderHost.h"),
+        ):
+            self.assertIsNotNone(fault(Path(source), Path(target)), f"{source} {target}")
+
+
+if __name__ == "__main__":
+    unittest.main()
