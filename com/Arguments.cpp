@@ -2,8 +2,8 @@
 
 #include "com/Boundary.h"
 #include "com/LateBound.h"
-#include "com/SafeArrays.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <string>
 
@@ -29,18 +29,21 @@ VARIANT referenceTo(VARIANT& value, VARTYPE type)
     return reference;
 }
 
-/// What a script's own array of numbers holds, element by element under its number.
-OleVariant numbersOfObject(const ComPtr<IDispatch>& object)
+/// What a script's own array holds, element by element under its number.
+OleVariant elementsOfObject(const ComPtr<IDispatch>& object)
 {
     const LateBound array(object);
     const Int32 length = array.get(L"length").asInt32();
-    PageArray numbers = PageArray::of(0, {});
-    for (Int32 index = 0; index < length; ++index)
-        numbers.elements().push_back(array.get(std::to_wstring(index).c_str()).asInt16());
-    OleVariant result;
-    result.get().parray = safeArrayOf(numbers);
-    result.get().vt = kNumberArray;
-    return result;
+    OleVariant elements;
+    elements.get().parray = SafeArrayCreateVector(VT_VARIANT, 0, static_cast<ULONG>(std::max(length, Int32{0})));
+    if (!elements.get().parray)
+        throw RuntimeFailure(FailureCode::OutOfMemory);
+    elements.get().vt = VT_ARRAY | VT_VARIANT;
+    for (LONG index = 0; index < length; ++index) {
+        OleVariant element = array.get(std::to_wstring(index).c_str());
+        demand(SafeArrayPutElement(elements.get().parray, &index, &element.get()));
+    }
+    return elements;
 }
 
 } // namespace
@@ -85,12 +88,26 @@ void Arguments::prepare(VARIANT& prepared, Argument& argument, const Parameter& 
         prepared = given;
         return;
     }
-    if (parameter.type == kNumberArray)
-        argument.value = asNumberArray(given);
-    else
-        changeType(argument.value.get(), given, parameter.type);
-    argument.handBack = (argument.given->vt & VT_BYREF) != 0 && parameter.type != kNumberArray;
+    if (parameter.type == kNumberArray) {
+        prepareArray(prepared, argument, given);
+        return;
+    }
+    changeType(argument.value.get(), given, parameter.type);
+    argument.handBack = (argument.given->vt & VT_BYREF) != 0;
     prepared = referenceTo(argument.value.get(), parameter.type);
+}
+
+void Arguments::prepareArray(VARIANT& prepared, Argument& argument, VARIANT& given)
+{
+    VARIANT* array = &given;
+    if (given.vt == VT_DISPATCH && given.pdispVal) {
+        argument.value = elementsOfObject(ComPtr<IDispatch>(given.pdispVal));
+        array = &argument.value.get();
+    }
+    if ((array->vt & VT_ARRAY) == 0)
+        throw RuntimeFailure(FailureCode::TypeMismatch);
+    prepared.vt = VT_BYREF | kNumberArray;
+    prepared.pparray = (array->vt & VT_BYREF) != 0 ? array->pparray : &array->parray;
 }
 
 void Arguments::handBack()
@@ -114,20 +131,6 @@ void Arguments::handBack()
         default: break;
         }
     }
-}
-
-OleVariant asNumberArray(const VARIANT& given)
-{
-    const VARIANT& value = behindReference(given);
-    if (value.vt == VT_DISPATCH && value.pdispVal)
-        return numbersOfObject(ComPtr<IDispatch>(value.pdispVal));
-    if ((value.vt & VT_ARRAY) == 0)
-        throw RuntimeFailure(FailureCode::TypeMismatch);
-    const SAFEARRAY* const array = (value.vt & VT_BYREF) != 0 ? *value.pparray : value.parray;
-    OleVariant result;
-    result.get().parray = safeArrayOf(pageArrayOf(array));
-    result.get().vt = kNumberArray;
-    return result;
 }
 
 } // namespace kel::com

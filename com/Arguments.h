@@ -11,9 +11,10 @@ namespace kel::com {
 
 /// The arguments of a call through IDispatch in the form in which the type library wants them.
 ///
-/// Script hosts pass variants that refer to variants, arrays of variants where the interface has arrays of 16-bit
-/// numbers, and values where it has references. Each argument is brought into its declared form; what the call changes
-/// by reference goes back to where the host's argument refers to, in the type that the host has there.
+/// Script hosts pass variants that refer to variants, and values where the interface has references. Each argument is
+/// brought into its declared form; what the call changes by reference goes back to where the host's argument refers to,
+/// in the type that the host has there. An array passes as it is, whatever its elements are and even if they are an
+/// object's: the member itself looks into it, and tells what is wrong with it.
 class Arguments {
 public:
     Arguments(const Member& member, const DISPPARAMS& given);
@@ -33,14 +34,11 @@ private:
     };
 
     void prepare(VARIANT& prepared, Argument& argument, const Parameter& parameter);
+    static void prepareArray(VARIANT& prepared, Argument& argument, VARIANT& given);
 
     std::vector<VARIANT> variants_; // as IDispatch has them: the last argument first; they own nothing
     std::vector<Argument> arguments_;
     DISPPARAMS prepared_{};
 };
-
-/// An array of some form as a new array of 16-bit numbers: one of variants or other numbers, or a script's own array,
-/// which is an object. 13 "Type mismatch" if it is none.
-[[nodiscard]] OleVariant asNumberArray(const VARIANT& given);
 
 } // namespace kel::com

@@ -11,8 +11,8 @@
 
 namespace kel::com {
 
-/// Marks a property whose text is one of a line; see Text.h.
-struct LineText;
+/// Marks a property whose text is one of a sheet; see Text.h.
+struct SheetText;
 
 /// How a native value goes over the boundary: its type there, and the way there and back.
 template <class Native>
@@ -44,10 +44,10 @@ struct Automation<std::string> {
 };
 
 template <>
-struct Automation<LineText> {
+struct Automation<SheetText> {
     using type = BSTR;
-    [[nodiscard]] static type give(const std::string& value) { return newLineText(value); }
-    [[nodiscard]] static std::string take(type value) { return lineTextOf(value); }
+    [[nodiscard]] static type give(const std::string& value) { return newSheetText(value); }
+    [[nodiscard]] static std::string take(type value) { return sheetTextOf(value); }
 };
 
 /// An enumeration has the same name on both sides. A number that is none of its members passes as it is.

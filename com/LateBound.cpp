@@ -28,10 +28,15 @@ HRESULT findId(IDispatch& object, const wchar_t* member, DISPID& id)
     return extended->GetDispID(text.get(), fdexNameCaseInsensitive, &id);
 }
 
+/// What script engines say of a value that is called.
+constexpr auto kFunctionExpected = static_cast<HRESULT>(0x800A138A);
+
 /// Whether a member may be one that is read and not called: some engines do not take both at once.
-bool mayBeRead(HRESULT called)
+bool mayBeRead(HRESULT called, const EXCEPINFO& exception)
 {
-    return called == DISP_E_MEMBERNOTFOUND || called == E_FAIL || called == E_NOTIMPL;
+    const HRESULT code = called == DISP_E_EXCEPTION ? exception.scode : called;
+    return called == DISP_E_MEMBERNOTFOUND || called == E_FAIL || called == E_NOTIMPL ||
+           called == DISP_E_TYPEMISMATCH || code == kFunctionExpected;
 }
 
 } // namespace
@@ -100,9 +105,12 @@ OleVariant LateBound::invoke(DISPID id, WORD flags, std::span<const OleVariant> 
     const ComPtr<IDispatch> object = object_; // the host's code may let go of what holds it here
     HRESULT called = object->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, flags, &parameters,
                                     flags == DISPATCH_PROPERTYPUT ? nullptr : result.out(), &exception, &wrongArgument);
-    if (flags == kGet && arguments.empty() && mayBeRead(called))
+    if (flags == kGet && arguments.empty() && mayBeRead(called, exception)) {
+        static_cast<void>(failureOfCall(called, exception, where)); // frees its texts
+        exception = {};
         called = object->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_PROPERTYGET, &parameters, result.out(),
                                 &exception, &wrongArgument);
+    }
     if (FAILED(called))
         throw failureOfCall(called, exception, where);
     return result;

@@ -18,7 +18,7 @@ public:
 
     [[nodiscard]] Int32 Position(std::string_view answer) const override
     {
-        const OleVariant text = OleVariant::ofLineText(answer);
+        const OleVariant text = OleVariant::ofText(answer);
         if (list_.list().type() == VT_DISPATCH) {
             const LateBound object(list_.list().asObject());
             if (object.has(L"Position"))
@@ -26,7 +26,7 @@ public:
         }
         const Int32 count = list_.Count();
         for (Int32 number = 1; number <= count; ++number) {
-            if (list_.Item(number).asLineText() == answer)
+            if (list_.Item(number).asText() == answer)
                 return number;
         }
         throw RuntimeFailure(FailureCode::InvalidProcedureCall);
@@ -55,7 +55,7 @@ public:
     }
     [[nodiscard]] std::string CorrectAnswers(Int32 version) const override
     {
-        return LateBoundList(object_.get(L"CorrectAnswers")).Item(version).asLineText();
+        return LateBoundList(object_.get(L"CorrectAnswers")).Item(version).asText();
     }
 
 private:
@@ -107,7 +107,7 @@ const SAFEARRAY* LateBoundList::array() const
 
 std::string LateBoundAnswerKey::FormIDs() const
 {
-    return LateBound(object_).get(L"FormIDs").asLineText();
+    return LateBound(object_).get(L"FormIDs").asSheetText();
 }
 
 Int32 LateBoundAnswerKey::NumberOfPages() const

@@ -56,20 +56,27 @@ OleVariant OleVariant::copyOf(const VARIANT& other)
     return result;
 }
 
-OleVariant OleVariant::ofText(std::string_view utf8)
+OleVariant OleVariant::owning(BSTR text) noexcept
 {
     OleVariant result;
-    result.value_.bstrVal = newText(utf8);
+    result.value_.bstrVal = text;
     result.value_.vt = VT_BSTR;
     return result;
 }
 
+OleVariant OleVariant::ofText(std::string_view utf8)
+{
+    return owning(newText(utf8));
+}
+
+OleVariant OleVariant::ofSheetText(std::string_view bytes)
+{
+    return owning(newSheetText(bytes));
+}
+
 OleVariant OleVariant::ofLineText(std::string_view bytes)
 {
-    OleVariant result;
-    result.value_.bstrVal = newLineText(bytes);
-    result.value_.vt = VT_BSTR;
-    return result;
+    return owning(newLineText(bytes));
 }
 
 VARIANT* OleVariant::out() noexcept
@@ -103,6 +110,11 @@ Boolean OleVariant::asBoolean() const
 std::string OleVariant::asText() const
 {
     return textOf(as(VT_BSTR).value_.bstrVal);
+}
+
+std::string OleVariant::asSheetText() const
+{
+    return sheetTextOf(as(VT_BSTR).value_.bstrVal);
 }
 
 std::string OleVariant::asLineText() const

@@ -29,8 +29,9 @@ public:
     [[nodiscard]] static OleVariant of(IDispatch* object);
     /// A copy, of what a reference refers to as well.
     [[nodiscard]] static OleVariant copyOf(const VARIANT& other);
-    /// A text for people, and a text of characters of a line; see Text.h.
+    /// A text for people, of a sheet, of a line; see Text.h.
     [[nodiscard]] static OleVariant ofText(std::string_view utf8);
+    [[nodiscard]] static OleVariant ofSheetText(std::string_view bytes);
     [[nodiscard]] static OleVariant ofLineText(std::string_view bytes);
 
     [[nodiscard]] VARIANT& get() noexcept { return value_; }
@@ -45,11 +46,15 @@ public:
     [[nodiscard]] Int16 asInt16() const;
     [[nodiscard]] Boolean asBoolean() const;
     [[nodiscard]] std::string asText() const;
+    [[nodiscard]] std::string asSheetText() const;
     [[nodiscard]] std::string asLineText() const;
     /// The object; 424 "Object required" if the value is none, and nothing if it is nothing.
     [[nodiscard]] ComPtr<IDispatch> asObject() const;
 
 private:
+    /// A text that is the variant's from now on.
+    [[nodiscard]] static OleVariant owning(BSTR text) noexcept;
+
     VARIANT value_;
 };
 

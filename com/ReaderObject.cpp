@@ -9,7 +9,7 @@
 #include "com/PrinterObject.h"
 #include "com/ProfileObjects.h"
 #include "com/SafeArrays.h"
-#include "com/SinkEvents.h"
+#include "failure/guarded.h"
 
 #include <olectl.h>
 
@@ -47,7 +47,7 @@ using ConnectionPoints = ListEnumerator<IEnumConnectionPoints, &IID_IEnumConnect
 
 ReaderObject::ReaderObject(std::shared_ptr<clsKELReader> native)
     : Wrapper(std::move(native), CLSID_clsKELReader), sinks_(*this, DIID___clsKELReader),
-      cookie_(this->native().Advise(std::make_shared<SinkEvents>(sinks_)))
+      events_(std::make_shared<SinkEvents>(sinks_)), cookie_(this->native().Advise(events_))
 {
 }
 
@@ -162,14 +162,29 @@ STDMETHODIMP ReaderObject::put_HelpID(::kelReaderHelpID eHelpIDType, LONG value)
 
 // Arrays
 
+/// Sets an array of pages. One that is none such, by its shape or by its elements, is reported where it is set.
+HRESULT ReaderObject::putPages(SAFEARRAY** value, const char* source,
+                               void (clsKELReader::*set)(const PageArray&)) noexcept
+{
+    if (!value)
+        return E_POINTER;
+    return session([&] { guarded(source, [&] { (native().*set)(pageArrayOf(*value)); }); });
+}
+
 STDMETHODIMP ReaderObject::get_Side1Array(SAFEARRAY** value)
 {
-    return atBoundary(iid(), [&] { place(value) = safeArrayOf(native().Side1Array()); });
+    return atBoundary(iid(), [&] {
+        events_->takeBack();
+        place(value) = safeArrayOf(native().Side1Array());
+    });
 }
 
 STDMETHODIMP ReaderObject::get_Side2Array(SAFEARRAY** value)
 {
-    return atBoundary(iid(), [&] { place(value) = safeArrayOf(native().Side2Array()); });
+    return atBoundary(iid(), [&] {
+        events_->takeBack();
+        place(value) = safeArrayOf(native().Side2Array());
+    });
 }
 
 STDMETHODIMP ReaderObject::get_Side1Rows(SAFEARRAY** value)
@@ -179,7 +194,7 @@ STDMETHODIMP ReaderObject::get_Side1Rows(SAFEARRAY** value)
 
 STDMETHODIMP ReaderObject::put_Side1Rows(SAFEARRAY** value)
 {
-    return atBoundary(iid(), [&] { native().Side1Rows(pageArrayOf(place(value))); });
+    return putPages(value, "KELReader81 - clsKELReader.Side1Rows", &clsKELReader::Side1Rows);
 }
 
 STDMETHODIMP ReaderObject::get_Side1Cols(SAFEARRAY** value)
@@ -189,7 +204,7 @@ STDMETHODIMP ReaderObject::get_Side1Cols(SAFEARRAY** value)
 
 STDMETHODIMP ReaderObject::put_Side1Cols(SAFEARRAY** value)
 {
-    return atBoundary(iid(), [&] { native().Side1Cols(pageArrayOf(place(value))); });
+    return putPages(value, "KELReader81 - clsKELReader.Side1Cols", &clsKELReader::Side1Cols);
 }
 
 STDMETHODIMP ReaderObject::get_Side2Rows(SAFEARRAY** value)
@@ -199,7 +214,7 @@ STDMETHODIMP ReaderObject::get_Side2Rows(SAFEARRAY** value)
 
 STDMETHODIMP ReaderObject::put_Side2Rows(SAFEARRAY** value)
 {
-    return atBoundary(iid(), [&] { native().Side2Rows(pageArrayOf(place(value))); });
+    return putPages(value, "KELReader81 - clsKELReader.Side2Rows", &clsKELReader::Side2Rows);
 }
 
 STDMETHODIMP ReaderObject::get_Side2Cols(SAFEARRAY** value)
@@ -209,7 +224,7 @@ STDMETHODIMP ReaderObject::get_Side2Cols(SAFEARRAY** value)
 
 STDMETHODIMP ReaderObject::put_Side2Cols(SAFEARRAY** value)
 {
-    return atBoundary(iid(), [&] { native().Side2Cols(pageArrayOf(place(value))); });
+    return putPages(value, "KELReader81 - clsKELReader.Side2Cols", &clsKELReader::Side2Cols);
 }
 
 // The session
@@ -267,14 +282,14 @@ STDMETHODIMP ReaderObject::LoadDefaults(::kelReaderType eReaderType, VARIANT_BOO
 STDMETHODIMP ReaderObject::LoadSettings(::kelReaderRegistryKey lRegistryKey, BSTR sRegistrySubKey, VARIANT_BOOL* result)
 {
     return answer(result, [&] {
-        return native().LoadSettings(Automation<kelReaderRegistryKey>::take(lRegistryKey), ansiTextOf(sRegistrySubKey));
+        return native().LoadSettings(Automation<kelReaderRegistryKey>::take(lRegistryKey), textOf(sRegistrySubKey));
     });
 }
 
 STDMETHODIMP ReaderObject::SaveSettings(::kelReaderRegistryKey lRegistryKey, BSTR sRegistrySubKey, VARIANT_BOOL* result)
 {
     return answer(result, [&] {
-        return native().SaveSettings(Automation<kelReaderRegistryKey>::take(lRegistryKey), ansiTextOf(sRegistrySubKey));
+        return native().SaveSettings(Automation<kelReaderRegistryKey>::take(lRegistryKey), textOf(sRegistrySubKey));
     });
 }
 
@@ -301,10 +316,10 @@ STDMETHODIMP ReaderObject::Locate(short iStartPort, VARIANT_BOOL* result)
 STDMETHODIMP ReaderObject::Firmware(BSTR* sReturn, VARIANT_BOOL* result)
 {
     return answer(result, [&] {
-        std::string version = lineTextOf(place(sReturn));
+        std::string version = sheetTextOf(place(sReturn));
         const Boolean told = native().Firmware(version);
         if (told)
-            OwnedText(std::exchange(*sReturn, newLineText(version)));
+            OwnedText(std::exchange(*sReturn, newSheetText(version)));
         return told;
     });
 }

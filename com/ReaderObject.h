@@ -1,6 +1,6 @@
 #pragma once
 
-#include "com/EventSinks.h"
+#include "com/SinkEvents.h"
 #include "com/Wrapper.h"
 #include "reader/clsKELReader.h"
 
@@ -61,7 +61,7 @@ public:
     STDMETHODIMP get_Side2Cols(SAFEARRAY** value) override;
     STDMETHODIMP put_Side2Cols(SAFEARRAY** value) override;
 
-    KEL_COM_PROPERTY(LineText, Parity)
+    KEL_COM_PROPERTY(std::string, Parity)
     KEL_COM_PROPERTY(Int16, Port)
     KEL_COM_PROPERTY(Boolean, CancelScan)
     KEL_COM_PROPERTY(kelReaderType, ReaderType)
@@ -96,8 +96,11 @@ protected:
 private:
     template <class Run>
     [[nodiscard]] HRESULT answer(VARIANT_BOOL* result, Run&& run) noexcept;
+    [[nodiscard]] HRESULT putPages(SAFEARRAY** value, const char* source,
+                                   void (clsKELReader::*set)(const PageArray&)) noexcept;
 
     EventSinks sinks_;
+    std::shared_ptr<SinkEvents> events_;
     std::uint32_t cookie_;
 };
 

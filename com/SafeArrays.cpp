@@ -149,7 +149,7 @@ SAFEARRAY* safeArrayOf(const TextArray& texts)
     SAFEARRAY* const array = newArray(VT_BSTR, texts);
     Elements<BSTR> elements(array);
     for (std::size_t index = 0; index < texts.elements().size(); ++index)
-        elements[index] = newLineText(texts.elements()[index]);
+        elements[index] = newSheetText(texts.elements()[index]);
     return array;
 }
 
@@ -207,7 +207,7 @@ TextArray textArrayOf(const SAFEARRAY* array)
 {
     if (holdsNothing(array))
         return {};
-    return array1Of<std::string>(array, [](const OleVariant& value) { return value.asLineText(); });
+    return array1Of<std::string>(array, [](const OleVariant& value) { return value.asSheetText(); });
 }
 
 } // namespace kel::com

@@ -8,7 +8,7 @@ namespace kel::com {
 
 // Arrays as Automation has them. An array that is not dimensioned is no array at all there: a null pointer.
 
-/// New arrays with the bounds of the native ones; of 16-bit numbers, and of texts of a line.
+/// New arrays with the bounds of the native ones; of 16-bit numbers, and of texts of a sheet.
 [[nodiscard]] SAFEARRAY* safeArrayOf(const MarkArray& marks);
 [[nodiscard]] SAFEARRAY* safeArrayOf(const PageArray& pages);
 [[nodiscard]] SAFEARRAY* safeArrayOf(const TextArray& texts);

@@ -23,7 +23,7 @@ OleVariant number(Int32 value)
 struct AsVariant {
     OleVariant operator()(std::monostate) const { return {}; }
     OleVariant operator()(Int32 value) const { return number(value); }
-    OleVariant operator()(const std::string& text) const { return OleVariant::ofLineText(text); }
+    OleVariant operator()(const std::string& text) const { return OleVariant::ofSheetText(text); }
 };
 
 } // namespace

@@ -4,6 +4,7 @@
 #include "com/ScriptingDictionary.h"
 
 #include <array>
+#include <utility>
 
 namespace kel::com {
 
@@ -39,6 +40,8 @@ private:
     VARIANT_BOOL there_;
 };
 
+} // namespace
+
 /// The arrays of a sheet, which sinks may change.
 class SheetArrays {
 public:
@@ -66,7 +69,11 @@ private:
     OwnedArray barcodesThere_;
 };
 
-} // namespace
+void SinkEvents::takeBack()
+{
+    if (underWay_)
+        underWay_->takeBack();
+}
 
 void SinkEvents::raiseWithFlag(DISPID event, Boolean& flag)
 {
@@ -89,7 +96,9 @@ void SinkEvents::ReadSheet(MarkArray& iSide1Array, MarkArray& iSide2Array, TextA
     SheetArrays sheet(iSide1Array, iSide2Array, sBarcodeArray);
     Flag reject(bReject);
     const std::array arguments{sheet.side1(), sheet.side2(), sheet.barcodes(), reject.argument()};
+    SheetArrays* const outer = std::exchange(underWay_, &sheet);
     sinks_.raise(kReadSheet, arguments);
+    underWay_ = outer;
     sheet.takeBack();
     reject.takeBack();
 }

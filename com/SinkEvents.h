@@ -5,11 +5,18 @@
 
 namespace kel::com {
 
+/// The arrays of a sheet in the forms of Automation.
+class SheetArrays;
+
 /// Hands the events of a reader object on to the sinks of its hosts, in the forms of Automation. What a sink changes by
-/// reference goes back into the reader.
+/// reference goes back into the reader. All sinks of an event have the same arrays before them.
 class SinkEvents final : public ReaderEvents {
 public:
     explicit SinkEvents(EventSinks& sinks) : sinks_(sinks) {}
+
+    /// Brings into the reader what sinks have written so far into the arrays of a `ReadSheet` that is under way: these
+    /// are the reader's own, and whoever asks it for them within the event gets what stands there now.
+    void takeBack();
 
     void BeforeSheet(Boolean& bInitializePrinter) override;
     void ReadSheet(MarkArray& iSide1Array, MarkArray& iSide2Array, TextArray& sBarcodeArray, Boolean& bReject) override;
@@ -24,7 +31,8 @@ private:
     void raiseWithFlag(DISPID event, Boolean& flag);
 
     EventSinks& sinks_;
-    ComPtr<IDispatch> record_; // one for all records of a read
+    SheetArrays* underWay_ = nullptr; // those of a ReadSheet
+    ComPtr<IDispatch> record_;        // one for all records of a read
 };
 
 } // namespace kel::com

@@ -1,6 +1,9 @@
 #include "com/Text.h"
 
+#include "platform/windows/WindowsText.h"
 #include "types/RuntimeFailure.h"
+
+#include <windows.h>
 
 #include <oleauto.h>
 
@@ -13,8 +16,7 @@ namespace {
 
 constexpr std::size_t kBytes = 256;
 
-/// The character of each byte. A byte that is none by itself, as in a code page of two bytes a character, is the
-/// character of its own number.
+/// The character of each byte by itself. A byte that is none, as the first of two, is the character of its own number.
 std::array<wchar_t, kBytes> charactersOfBytes()
 {
     std::array<wchar_t, kBytes> characters{};
@@ -32,78 +34,126 @@ const std::array<wchar_t, kBytes>& lineCharacters()
     return characters;
 }
 
-char byteOf(wchar_t character)
+/// The bytes of a character of a line: one, or the two that the code page has for it.
+std::string bytesOf(wchar_t character)
 {
     const auto& characters = lineCharacters();
     // Most characters stand at their own place.
     if (character < kBytes && characters[character] == character)
-        return static_cast<char>(character);
+        return {static_cast<char>(character)};
     const auto* const found = std::find(characters.begin(), characters.end(), character);
     if (found != characters.end())
-        return static_cast<char>(found - characters.begin());
-    return character < kBytes ? static_cast<char>(character) : '?';
+        return {static_cast<char>(found - characters.begin())};
+    std::array<char, 2> both{};
+    BOOL unknown = FALSE;
+    const int size = WideCharToMultiByte(CP_ACP, WC_NO_BEST_FIT_CHARS, &character, 1, both.data(),
+                                         static_cast<int>(both.size()), nullptr, &unknown);
+    return size > 0 && !unknown ? std::string(both.data(), static_cast<std::size_t>(size)) : "?";
 }
 
-BSTR newBstr(std::size_t length)
+bool startsWithTwo(std::string_view bytes)
 {
-    const BSTR text = SysAllocStringLen(nullptr, static_cast<UINT>(length));
-    if (!text)
+    return bytes.size() > 1 && IsDBCSLeadByte(static_cast<BYTE>(bytes.front())) != FALSE;
+}
+
+/// The text's character that the first bytes are; takes them away.
+wchar_t takeCharacter(std::string_view& bytes)
+{
+    if (startsWithTwo(bytes)) {
+        const std::string_view both = bytes.substr(0, 2);
+        wchar_t character = 0;
+        // Some pairs are a second way of writing a character: as such they would not come back.
+        if (MultiByteToWideChar(CP_ACP, MB_ERR_INVALID_CHARS, both.data(), 2, &character, 1) == 1 &&
+            bytesOf(character) == both) {
+            bytes.remove_prefix(2);
+            return character;
+        }
+    }
+    const wchar_t character = lineCharacters()[static_cast<unsigned char>(bytes.front())];
+    bytes.remove_prefix(1);
+    return character;
+}
+
+bool isUtf8(std::string_view text)
+{
+    return text.empty() || MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, text.data(),
+                                               static_cast<int>(text.size()), nullptr, 0) > 0;
+}
+
+/// The first character of a text in UTF-8; empty if the text begins with none.
+std::string_view firstCharacter(std::string_view text)
+{
+    constexpr std::size_t kLongest = 4;
+    for (std::size_t length = 1; length <= std::min(kLongest, text.size()); ++length) {
+        if (isUtf8(text.substr(0, length)))
+            return text.substr(0, length);
+    }
+    return {};
+}
+
+/// A text for people with what it quotes of sheets.
+std::wstring mixedText(std::string_view text)
+{
+    if (isUtf8(text))
+        return wideText(text);
+    std::wstring wide;
+    while (!text.empty()) {
+        const std::string_view character = firstCharacter(text);
+        const std::string_view quoted = text.substr(0, startsWithTwo(text) ? 2 : 1);
+        wide += character.empty() ? wideFromAnsi(quoted) : wideText(character);
+        text.remove_prefix(character.empty() ? quoted.size() : character.size());
+    }
+    return wide;
+}
+
+BSTR newBstr(std::wstring_view text)
+{
+    const BSTR made = SysAllocStringLen(text.data(), static_cast<UINT>(text.size()));
+    if (!made)
         throw RuntimeFailure(FailureCode::OutOfMemory);
-    return text;
+    return made;
 }
 
-int size(std::size_t length)
+std::wstring_view viewOf(BSTR text)
 {
-    return static_cast<int>(length);
-}
-
-std::string inCodePage(BSTR text, UINT codePage)
-{
-    const UINT length = SysStringLen(text);
-    if (length == 0)
-        return {};
-    const int needed = WideCharToMultiByte(codePage, 0, text, size(length), nullptr, 0, nullptr, nullptr);
-    std::string result(static_cast<std::size_t>(needed), '\0');
-    WideCharToMultiByte(codePage, 0, text, size(length), result.data(), needed, nullptr, nullptr);
-    return result;
+    return {text, SysStringLen(text)};
 }
 
 } // namespace
 
 BSTR newText(std::string_view utf8)
 {
-    if (utf8.empty())
-        return newBstr(0);
-    const int length = MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, utf8.data(), size(utf8.size()), nullptr, 0);
-    if (length == 0)
-        return newLineText(utf8);
-    const BSTR text = newBstr(static_cast<std::size_t>(length));
-    MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, utf8.data(), size(utf8.size()), text, length);
-    return text;
+    return newBstr(mixedText(utf8));
+}
+
+BSTR newSheetText(std::string_view bytes)
+{
+    return newBstr(wideFromAnsi(bytes));
 }
 
 BSTR newLineText(std::string_view bytes)
 {
-    const BSTR text = newBstr(bytes.size());
-    std::transform(bytes.begin(), bytes.end(), text,
-                   [](char byte) { return lineCharacters()[static_cast<unsigned char>(byte)]; });
-    return text;
+    std::wstring text;
+    while (!bytes.empty())
+        text += takeCharacter(bytes);
+    return newBstr(text);
 }
 
 std::string textOf(BSTR text)
 {
-    return inCodePage(text, CP_UTF8);
+    return utf8Text(viewOf(text));
 }
 
-std::string ansiTextOf(BSTR text)
+std::string sheetTextOf(BSTR text)
 {
-    return inCodePage(text, CP_ACP);
+    return ansiFromWide(viewOf(text));
 }
 
 std::string lineTextOf(BSTR text)
 {
-    std::string bytes(SysStringLen(text), '\0');
-    std::transform(text, text + bytes.size(), bytes.begin(), byteOf);
+    std::string bytes;
+    for (const wchar_t character : viewOf(text))
+        bytes += bytesOf(character);
     return bytes;
 }
 
@@ -114,7 +164,7 @@ OwnedText::~OwnedText()
 
 std::wstring_view OwnedText::view() const noexcept
 {
-    return {text_, SysStringLen(text_)};
+    return viewOf(text_);
 }
 
 } // namespace kel::com

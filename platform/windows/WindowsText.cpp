@@ -40,12 +40,22 @@ std::string utf8Text(std::wstring_view wide)
 
 std::string ansiText(std::string_view utf8)
 {
-    return encoded(CP_ACP, decoded(CP_UTF8, utf8));
+    return ansiFromWide(wideText(utf8));
 }
 
 std::string utf8FromAnsi(std::string_view ansi)
 {
-    return encoded(CP_UTF8, decoded(CP_ACP, ansi));
+    return utf8Text(wideFromAnsi(ansi));
+}
+
+std::wstring wideFromAnsi(std::string_view ansi)
+{
+    return decoded(CP_ACP, ansi);
+}
+
+std::string ansiFromWide(std::wstring_view wide)
+{
+    return encoded(CP_ACP, wide);
 }
 
 std::string systemErrorText(unsigned long error)

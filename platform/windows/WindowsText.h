@@ -12,6 +12,8 @@ namespace kel {
 [[nodiscard]] std::string utf8Text(std::wstring_view wide);
 [[nodiscard]] std::string ansiText(std::string_view utf8);
 [[nodiscard]] std::string utf8FromAnsi(std::string_view ansi);
+[[nodiscard]] std::wstring wideFromAnsi(std::string_view ansi);
+[[nodiscard]] std::string ansiFromWide(std::wstring_view wide);
 
 /// The system's words for one of its errors, without a line end: "Access is denied."
 [[nodiscard]] std::string systemErrorText(unsigned long error);

@@ -9,7 +9,7 @@ import subprocess
 import tempfile
 import unittest
 
-from harness import (BIN, READER_PROGRAM, SimulatedReader, WindowsTest, environment, machine_wide, registry_has, wine,
+from harness import (BIN, READER_PROGRAM, FarEnd, SimulatedReader, WindowsTest, environment, machine_wide, registry_has, wine,
                      windows_path)
 
 EVENTS_PORT = 3
@@ -46,6 +46,9 @@ class Clients(WindowsTest):
     def test_surface(self):
         self.run_program("com_surface.exe")
 
+    def test_arrays(self):
+        self.run_program("com_arrays.exe")
+
     def test_events(self):
         with SimulatedReader(model=24, port=EVENTS_PORT, seed=5, count=50) as reader:
             self.run_program("com_events.exe", EVENTS_PORT)
@@ -68,6 +71,41 @@ class Clients(WindowsTest):
     def test_lifetime(self):
         with SimulatedReader(model=21, port=SHEETS_PORT, count=1):
             print(self.run_program("com_lifetime.exe", SHEETS_PORT, timeout=100))
+
+
+# Code pages: a language that has it, and a text of its letters in 6 bytes; the third letter's last byte in Japanese is a
+# backslash's code.
+CODE_PAGES = {1252: ("de_DE.UTF-8", "Pr\u00fc\u00dfe\u20ac"), 932: ("ja_JP.UTF-8", "\u8a66\u9a13\u30bd")}
+
+
+class Texts(WindowsTest):
+    """Texts in the letters of two code pages, one of them with two bytes a letter."""
+
+    def setUp(self):
+        self.folder = pathlib.Path(tempfile.mkdtemp())
+        self.addCleanup(shutil.rmtree, self.folder)
+
+    def file(self, name, content):
+        file = self.folder / name
+        file.write_text(json.dumps(content))
+        return file
+
+    def test_code_pages(self):
+        for page, (language, text) in CODE_PAGES.items():
+            with self.subTest(page):
+                on_line = text.encode(f"cp{page}").decode("latin-1")  # as files of simulated readers have it
+                records = self.file(f"{page}.json", [{"fields": {"Student ID": on_line}}])
+                log = self.folder / f"{page}.log"
+                library = self.file(f"library{page}.json", {"sheets": [{"side1": [[0] * 48], "barcodes": [on_line]}],
+                                                            "logFile": windows_path(log)})
+                with SimulatedReader(model=40, port=RECORDS_PORT, sheets=records) as reader, FarEnd(SHEETS_PORT):
+                    self.run_program(BIN / "com_texts.exe", page, RECORDS_PORT, SHEETS_PORT, cwd=BIN / "omrapi",
+                                     env=environment(LC_ALL=language, KEL_OMRAPI_SIMULATION=windows_path(library)))
+                self.assertNotIn("fault", [event["event"] for event in reader.events])
+                lines = [json.loads(line) for line in log.read_text("utf-8").split("\n") if line.startswith("{")]
+                printed_lines = [line.get("text") for line in lines if line["event"] == "printed"]
+                self.assertIn(on_line, printed_lines)
+                self.assertNotIn("fault", log.read_text("utf-8"))
 
 
 def printed(sheet):
@@ -144,7 +182,7 @@ class Sheets(WindowsTest):
         for script in ("ReadSheets.vbs", "ReadSheets.js"):
             with self.subTest(script), SimulatedReader(24, port=SHEETS_PORT, seed=7, count=SHEETS):
                 output = self.run_program("cscript", "//nologo", windows_path(EXAMPLES / script), 24, SHEETS_PORT, SHEETS,
-                                          status=SHEETS)
+                                          20, 14, status=SHEETS)
                 self.assertEqual(output.split("\n")[:3], ["Peripheral Dynamics Inc. VMR138", "Sheet 1: 40 timing marks",
                                                           "Sheet 2: 40 timing marks"])
         # A host's failure object hears what goes wrong.

@@ -1,7 +1,8 @@
 // Sheets and events as a host gets them, from a simulated VMR138 behind the port of the argument; and the host's own
 // objects in the place of the carrier and of the error object.
 
-#include "tests/windows/clients/Host.h"
+#include "tests/windows/clients/ErrorLog.h"
+#include "tests/windows/clients/OwnCarrier.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -50,51 +51,6 @@ short& cell(const Call& event, UINT argument, LONG row, LONG column)
     EXPECT_EQ(SafeArrayPtrOfIndex(*event.argument(argument).pparray, place.data(), &at), S_OK);
     return *static_cast<short*>(at);
 }
-
-/// An error object that writes down what it is told.
-class ErrorLog {
-public:
-    ErrorLog()
-    {
-        object.property(L"Silent", silent);
-        object.member(L"RaiseError", [this](const Call& c) {
-            EXPECT_EQ(c.count(), 13U);
-            Value description;
-            VariantCopy(description.out(), &c.argument(2));
-            Value source;
-            VariantCopy(source.out(), &c.argument(3));
-            reports += std::to_wstring(c.argument(0).lVal) + L"/" + std::to_wstring(c.argument(1).lVal) + L" " +
-                       source.text() + L"\n";
-            EXPECT_FALSE(description.text().empty());
-            texts += description.text() + L"\n";
-            EXPECT_EQ(c.argument(12).vt, VT_BOOL);
-            if (fails)
-                return c.fail(static_cast<HRESULT>(0x800A03E9), L"no paper");
-            c.give(Value(short{2}));
-            return S_OK;
-        });
-    }
-    Value silent{false};
-    std::wstring reports;
-    std::wstring texts;
-    bool fails = false;
-    HostObject object;
-};
-
-/// Registers an error object while it lives.
-class Registered {
-public:
-    Registered(_clsKELReader* reader, IDispatch* object) : reader_(reader)
-    {
-        EXPECT_TRUE(get(reader_, L"SetError", {Value(object)}).truth());
-    }
-    ~Registered() { get(reader_, L"SetError", {Value(static_cast<IDispatch*>(nullptr))}); }
-    Registered(const Registered&) = delete;
-    Registered& operator=(const Registered&) = delete;
-
-private:
-    _clsKELReader* reader_;
-};
 
 /// No reader reports anything, unless a test has an error object of its own.
 class Events : public HostTest {
@@ -215,6 +171,61 @@ TEST_F(Events, WhatTheHostChangesIsKept)
     end(reader.get());
 }
 
+/// The mark that an array holds at a row and column.
+short markOf(SAFEARRAY* marks, LONG row, LONG column)
+{
+    std::array<LONG, 2> place{row, column};
+    short mark = -1;
+    EXPECT_EQ(SafeArrayGetElement(marks, place.data(), &mark), S_OK);
+    return mark;
+}
+
+TEST_F(Events, TheArraysOfAnEventAreTheReadersOwn)
+{
+    const auto reader = started();
+    // By vtable, as a copy: the array that the reader gives is the caller's.
+    const auto markOfReader = [&](LONG row, LONG column) {
+        SAFEARRAY* marks = nullptr;
+        EXPECT_EQ(reader->get_Side1Array(&marks), S_OK);
+        const short mark = markOf(marks, row, column);
+        SafeArrayDestroy(marks);
+        return mark;
+    };
+    int sheets = 0;
+    HostObject first;
+    first.event(kReadSheet, [&](const Call& event) {
+        EXPECT_EQ(markOfReader(2, 5), cell(event, 0, 2, 5));
+        cell(event, 0, 2, 5) = 4321;
+        EXPECT_EQ(markOfReader(2, 5), 4321);
+        EXPECT_EQ(get(reader.get(), L"Side2Array").get().parray, nullptr);
+        // In the place of a side that was not read.
+        std::array<SAFEARRAYBOUND, 2> bounds{SAFEARRAYBOUND{3, 1}, SAFEARRAYBOUND{4, 1}};
+        *event.argument(1).pparray = SafeArrayCreate(VT_I2, 2, bounds.data());
+        cell(event, 1, 3, 4) = 7;
+        EXPECT_EQ(markOf(get(reader.get(), L"Side2Array").get().parray, 3, 4), 7);
+        return S_OK;
+    });
+    HostObject second;
+    second.event(kReadSheet, [&](const Call& event) {
+        EXPECT_EQ(markOfReader(2, 5), 4321);
+        EXPECT_EQ(cell(event, 0, 2, 5), 4321);
+        cell(event, 0, 2, 5) = 1234;
+        ++sheets;
+        return S_OK;
+    });
+    {
+        const Connection one(reader.get(), &first);
+        const Connection two(reader.get(), &second);
+        EXPECT_TRUE(readPage(reader.get()));
+    }
+    EXPECT_EQ(sheets, 1);
+    EXPECT_EQ(markOfReader(2, 5), 1234);
+    // With no sink there, the next sheet is what the reader read.
+    EXPECT_TRUE(readPage(reader.get()));
+    EXPECT_NE(markOfReader(2, 5), 1234);
+    end(reader.get());
+}
+
 TEST_F(Events, ASinkThatFailsStopsNobody)
 {
     const auto reader = started();
@@ -312,51 +323,6 @@ TEST_F(Events, AConnectionPointTellsWhatItIs)
     EXPECT_EQ(point->Unadvise(cookie), S_OK);
     EXPECT_EQ(point->Unadvise(cookie), CONNECT_E_NOCONNECTION);
 }
-
-/// A host's carrier around the reader's own one: every access goes through the host's objects.
-class OwnCarrier {
-public:
-    explicit OwnCarrier(IDispatch* inner) : inner_(inner)
-    {
-        forward(control_, L"mscComm",
-                {L"CommPort", L"Settings", L"Handshaking", L"PortOpen", L"InputLen", L"InBufferCount", L"Input",
-                 L"Output"});
-        forward(timer_, L"tmrScan", {L"Interval", L"Enabled"});
-        carrier_.member(L"mscComm", [this](const Call& c) { return c.give(Value(&control_)), S_OK; });
-        carrier_.member(L"tmrScan", [this](const Call& c) { return c.give(Value(&timer_)), S_OK; });
-    }
-
-    HostObject& object() { return carrier_; }
-    std::map<std::wstring, int>& accesses() { return accesses_; }
-    std::wstring settings;
-
-private:
-    void forward(HostObject& to, const wchar_t* part, const std::vector<const wchar_t*>& names)
-    {
-        for (const wchar_t* name : names) {
-            to.member(name, [this, part, name](const Call& c) {
-                ++accesses_[name];
-                const Value inner = get(inner_, part);
-                if (c.puts()) {
-                    Value value;
-                    VariantCopy(value.out(), &c.argument(0));
-                    if (std::wstring_view(name) == L"Settings")
-                        settings = value.text();
-                    const Outcome done = call(inner.object(), name, DISPATCH_PROPERTYPUT, {value});
-                    return done.code == DISP_E_EXCEPTION ? c.fail(done.failure, done.description.c_str()) : done.code;
-                }
-                c.give(get(inner.object(), name));
-                return S_OK;
-            });
-        }
-    }
-
-    IDispatch* inner_;
-    HostObject control_;
-    HostObject timer_;
-    HostObject carrier_;
-    std::map<std::wstring, int> accesses_;
-};
 
 TEST_F(Events, AHostsObjectTakesThePlaceOfTheCarrier)
 {

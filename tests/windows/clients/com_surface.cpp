@@ -1,5 +1,4 @@
-// The component's surface as hosts see it: the type library, properties by vtable and by name, collections, arrays,
-// failures.
+// The component's surface as hosts see it: the type library, properties by vtable and by name, collections, failures.
 
 #include "tests/windows/clients/Host.h"
 
@@ -351,78 +350,6 @@ TEST_F(Surface, BarcodeZonesKeepTheirValues)
     EXPECT_EQ(found.object(), static_cast<IDispatch*>(zone.get()));
     EXPECT_EQ(get(found.object(), L"Symbology").number(), 16);
     EXPECT_EQ(get(found.object(), L"Orientation").number(), 2);
-}
-
-TEST_F(Surface, PageArraysKeepTheirBounds)
-{
-    const auto reader = newReader();
-    SAFEARRAY* rows = numbers({63, 21});
-    EXPECT_EQ(reader->put_Side1Rows(&rows), S_OK);
-    SafeArrayDestroy(rows);
-    SAFEARRAY* got = nullptr;
-    EXPECT_EQ(reader->get_Side1Rows(&got), S_OK);
-    LONG lower = 0;
-    LONG upper = 0;
-    SafeArrayGetLBound(got, 1, &lower);
-    SafeArrayGetUBound(got, 1, &upper);
-    EXPECT_EQ(lower, 1);
-    EXPECT_EQ(upper, 2);
-    short second = 0;
-    SafeArrayGetElement(got, &upper, &second);
-    EXPECT_EQ(second, 21);
-    SafeArrayDestroy(got);
-
-    // An array that was never set is none.
-    EXPECT_EQ(reader->get_Side2Cols(&got), S_OK);
-    EXPECT_EQ(got, nullptr);
-}
-
-TEST_F(Surface, PageArraysOfScripts)
-{
-    const auto reader = newReader();
-    const auto secondPage = [&] {
-        SAFEARRAY* got = nullptr;
-        EXPECT_EQ(reader->get_Side1Cols(&got), S_OK);
-        LONG index = 1;
-        short element = 0;
-        EXPECT_EQ(SafeArrayGetElement(got, &index, &element), S_OK);
-        SafeArrayDestroy(got);
-        return element;
-    };
-
-    // VBScript's Array(0, 48) is an array of variants from 0, in a variant that a variant refers to.
-    Value array;
-    array.get().parray = SafeArrayCreateVector(VT_VARIANT, 0, 2);
-    array.get().vt = VT_ARRAY | VT_VARIANT;
-    for (LONG index = 0; index < 2; ++index)
-        SafeArrayPutElement(array.get().parray, &index, &Value(index == 0 ? 0 : 48).get());
-    Value reference;
-    reference.get().vt = VT_BYREF | VT_VARIANT;
-    reference.get().pvarVal = &array.get();
-    put(reader.get(), L"Side1Cols", reference);
-    EXPECT_EQ(secondPage(), 48);
-    put(reader.get(), L"Side1Cols", array);
-    EXPECT_EQ(secondPage(), 48);
-
-    // The same by reference, with numbers of the interface's own kind.
-    Value typed;
-    typed.get().parray = numbers({12});
-    typed.get().vt = VT_ARRAY | VT_I2;
-    reference.get().pvarVal = &typed.get();
-    put(reader.get(), L"Side1Cols", reference);
-    EXPECT_EQ(secondPage(), 12);
-    reference.get().vt = VT_EMPTY;
-
-    // JScript's [0, 77] is an object.
-    Value length(2);
-    Value first(0);
-    Value second(77);
-    HostObject script;
-    script.property(L"length", length).property(L"0", first).property(L"1", second);
-    EXPECT_EQ(call(reader.get(), L"Side1Cols", DISPATCH_PROPERTYPUT, {Value(&script)}).code, S_OK);
-    EXPECT_EQ(secondPage(), 77);
-
-    EXPECT_EQ(call(reader.get(), L"Side1Cols", DISPATCH_PROPERTYPUT, {Value(5)}).code, DISP_E_TYPEMISMATCH);
 }
 
 TEST_F(Surface, TheClassTellsItsTypesAndItsEvents)
