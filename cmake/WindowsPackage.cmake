@@ -11,7 +11,8 @@ install(FILES $<TARGET_FILE:KELReader81U> ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/LKEL
 install(FILES LICENSE DESTINATION . RENAME LICENSE.txt)
 # For those who build a host.
 install(FILES ${idl_file} ${com_generated}/KELReader81U.tlb ${com_generated}/KELReader81U.h DESTINATION development)
-install(DIRECTORY examples/windows/ DESTINATION examples FILES_MATCHING PATTERN "ReadBatch.cpp" PATTERN "ReadSheets.*")
+install(DIRECTORY examples/windows/ DESTINATION examples FILES_MATCHING PATTERN "ReadBatch.cpp" PATTERN "ReadSheets.*"
+        PATTERN "frmRead.frm" PATTERN "SheetsToCells.cls")
 install(FILES docs/windows.md DESTINATION docs)
 install(DIRECTORY docs/readers DESTINATION docs FILES_MATCHING PATTERN "*.md" PATTERN "advice" EXCLUDE)
 

@@ -8,7 +8,7 @@ build=(g++ cmake ninja-build ccache pkg-config python3
 test=(libgtest-dev libgmock-dev libbenchmark-dev fonts-dejavu-core ser2net openssl dpkg-dev file doxygen)
 coverage=(gcovr)
 fuzz=(clang libclang-rt-14-dev)
-windows=(g++-mingw-w64-x86-64-posix mingw-w64-tools wine64 wine googletest)
+windows=(g++-mingw-w64-x86-64-posix mingw-w64-tools wine64 wine googletest mono-mcs libmono-microsoft-csharp4.0-cil)
 
 wanted=()
 for group in "${@:-build test}"; do

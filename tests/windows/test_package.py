@@ -31,7 +31,9 @@ class Package(WindowsTest):
         names = {str(path.relative_to(self.root)) for path in self.root.rglob("*") if path.is_file()}
         self.assertLessEqual({"KELReader81U.dll", "LKELReader81.txt", "KELReader81U.manifest", "README.txt", "LICENSE.txt",
                               "ReadBatch.exe", "ReadBatch.exe.manifest", "examples/ReadBatch.cpp",
-                              "examples/ReadSheets.vbs", "examples/ReadSheets.js", "development/KELReader81U.idl",
+                              "examples/ReadSheets.vbs", "examples/ReadSheets.js", "examples/ReadSheets.cs",
+                              "examples/ReadSheets.ps1", "examples/ReadSheets.vbp", "examples/frmRead.frm",
+                              "examples/SheetsToCells.cls", "development/KELReader81U.idl",
                               "development/KELReader81U.tlb", "development/KELReader81U.h", "docs/windows.md",
                               "docs/readers/README.md", "docs/readers/scantron.md"}, names)
         self.assertFalse([name for name in names if "CMakeLists" in name or "advice" in name])
