@@ -20,6 +20,7 @@ std::set<std::string> commandsIn(const std::string& text)
 
 AppersonReader::AppersonReader(SimulatorOptions options)
     : Simulator(std::move(options)), feedTime_(settingTime("feed-ms", 300)), replyTime_(settingTime("reply-ms", 2)),
+      replyLump_(settingNumber("reply-lump", 1)), endLump_(settingNumber("end-lump", 0)),
       okay_("OK" + parseTranscriptBytes(setting("reply-tail", "0D 0A"))), refused_(commandsIn(setting("refuse", ""))),
       unheard_(commandsIn(setting("silent", ""))), readerGrade_(settingFlag("reader-grade", false)),
       jamCode_(settingNumber("jam-code", 206))
@@ -28,11 +29,21 @@ AppersonReader::AppersonReader(SimulatorOptions options)
 
 bool AppersonReader::reply(const std::string& command, std::size_t longest)
 {
+    return reply(command, longest, replyLump_);
+}
+
+bool AppersonReader::replyAtEnd(const std::string& command)
+{
+    return reply(command, std::string::npos, endLump_);
+}
+
+bool AppersonReader::reply(const std::string& command, std::size_t longest, Int32 lump)
+{
     if (unheard_.contains(command))
         return false;
     const bool accepted = !refused_.contains(command);
     const std::string text = (accepted ? okay_ : std::string("NO\r\n")).substr(0, longest);
-    schedule(replyTime_, [this, text] { sendBlock(text); });
+    schedule(replyTime_, [this, text, lump] { sendInLumps(text, lump); });
     return accepted;
 }
 
@@ -40,6 +51,7 @@ void AppersonReader::takeStep(const std::string& command)
 {
     // "M3" is answered by the reader that has room for four bytes only.
     const bool accepted = reply(command, command == "M3" ? 4 : std::string::npos);
+    stepTaken_ = true;
     const auto place = std::ranges::find(steps_, command);
     if (place != steps_.begin() || place == steps_.end())
         fault("command " + command + " where the start goes on with " + (steps_.empty() ? "reading" : steps_.front()));

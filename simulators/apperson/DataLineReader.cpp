@@ -3,6 +3,8 @@
 #include "recording/Transcript.h"
 
 #include <algorithm>
+#include <string_view>
+#include <utility>
 
 namespace kel {
 
@@ -10,6 +12,7 @@ namespace {
 
 constexpr std::size_t kCommandLength = 2;
 constexpr std::size_t kEssayLength = 4;
+constexpr std::string_view kNoEssay = "0000";
 constexpr Int32 kPieceLength = 5;
 constexpr std::size_t kDigitsAQuestion = 5;
 constexpr Byte kHighestMask = 0x1F;
@@ -59,6 +62,7 @@ void DataLineReader::restart()
     running_ = false;
     waitingForSheet_ = false;
     downloading_ = false;
+    keyEnded_ = false;
     keyOpen_ = false;
     expectStart();
 }
@@ -108,7 +112,7 @@ void DataLineReader::obey(const std::string& command)
 
     if (command == "R1") {
         restart();
-        powered_ = reply(command) || powered_;
+        powered_ = (powered_ ? replyAtEnd(command) : reply(command)) || powered_;
     } else if (several) {
         chooseVersion(command[1] - '0');
     } else if (command == "K1") {
@@ -135,12 +139,17 @@ void DataLineReader::demandDownload(const std::string& command)
 {
     if (downloading_)
         return;
-    if (key_.complete && stepsDone())
+    if (stepsDone())
         fault("command " + command + " though the reader is ready to read");
+    else if (stepTaken())
+        fault("command " + command + " behind the first step of the start");
+    else if (keyEnded_)
+        fault("command " + command + " behind a key that was ended");
     key_ = {};
     downloading_ = true;
     pageTold_ = false;
     versionTold_ = false;
+    essayTold_ = false;
     version_ = 1;
 }
 
@@ -156,6 +165,7 @@ void DataLineReader::chooseVersion(Int32 version)
     if (reply(command)) {
         version_ = version;
         versionTold_ = true;
+        essayTold_ = false;
     }
 }
 
@@ -168,12 +178,15 @@ void DataLineReader::takeArgument(const std::string& command, const std::string&
         if (static_cast<Int32>(key_.versions.size()) >= version_)
             fault("command K7 for a second key without a version");
         pageTold_ = true;
+        secondPageTold_ = false;
         startPage(key_.page1, command, argument);
         if (k7Reply_)
             reply(command);
     } else if (command == "K8") {
         if (!pageTold_)
             fault("command K8 without K7 before it");
+        if (std::exchange(secondPageTold_, true))
+            fault("command K8 a second time");
         startPage(key_.page2, command, argument);
         reply(command);
     } else {
@@ -181,6 +194,10 @@ void DataLineReader::takeArgument(const std::string& command, const std::string&
             fault("command E9 behind K7");
         if (!isDigits(argument, kEssayLength))
             fault("command E9 with " + transcriptBytes(argument));
+        else if (argument == kNoEssay)
+            fault("command E9 though the essay has no points");
+        if (std::exchange(essayTold_, true))
+            fault("command E9 a second time");
         key_.essay = argument;
     }
 }
@@ -247,9 +264,12 @@ void DataLineReader::endDownload()
 {
     if (!downloading_ || key_.versions.empty() || pageTold_)
         fault("command K6 without a key before it");
+    if (versionTold_ && key_.versions.size() == 1)
+        fault("command S1 for a key that is the only one");
     if (!reply("K6"))
         return;
     key_.complete = !key_.versions.empty();
+    keyEnded_ = true;
     downloading_ = false;
 }
 

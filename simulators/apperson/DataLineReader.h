@@ -22,7 +22,8 @@ namespace kel {
 ///
 /// A question of the key is a character whose bits 01 to 10 are its choices on the BenchMark, and five digits 0 or 1 on
 /// the 1200. It refuses as the host's mistake: any other command and any other order, pieces that come too fast or are
-/// too short, and what is no character of a key.
+/// too short, what is no character of a key, a key anywhere but between R1 and the first step behind it, S1 for the
+/// only key, and an essay of 0000 points.
 ///
 /// Settings beside those of all Apperson readers: `first-ms` (how long the first sheet of a run takes, as long as the
 /// others without it), `id-length` (of an identifier, 4 without it), `piece-ms` (the pause
@@ -88,9 +89,12 @@ private:
 
     Key key_;
     bool downloading_ = false;
+    bool keyEnded_ = false; // with K6, in this session
     bool keyOpen_ = false;
     bool pageTold_ = false;    // K7 has come for this version
     bool versionTold_ = false; // S has come for this version
+    bool essayTold_ = false;   // E9 has come for this version
+    bool secondPageTold_ = false;
     Int32 version_ = 1;
     std::string keyBytes_;
     Int32 pieceBytes_ = 0;

@@ -125,7 +125,7 @@ void RawMarkReader::endSession(const std::string& command)
     // Whatever was under way is given up.
     dropPending();
     restart();
-    reply(command);
+    replyAtEnd(command);
 }
 
 void RawMarkReader::onSheetPut()

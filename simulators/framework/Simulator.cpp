@@ -130,13 +130,18 @@ void Simulator::send(std::string_view bytes)
     transmitterFree_ = moment;
 }
 
-void Simulator::sendBlock(std::string_view bytes)
+void Simulator::sendInLumps(std::string_view bytes, Int32 lump)
 {
     const std::size_t before = queue_.size();
     send(bytes);
-    if (outputFaults_.none())
-        for (std::size_t place = before; place < queue_.size(); ++place)
-            queue_[place].at = transmitterFree_;
+    if (!outputFaults_.none())
+        return;
+    const std::size_t size = lump > 0 ? static_cast<std::size_t>(lump) : std::max<std::size_t>(bytes.size(), 1);
+    for (std::size_t first = before; first < queue_.size(); first += size) {
+        const std::size_t end = std::min(first + size, queue_.size());
+        for (std::size_t place = first; place < end; ++place)
+            queue_[place].at = queue_[end - 1].at;
+    }
 }
 
 Moment Simulator::sendFaultily(std::string_view bytes, Moment moment, Moment each)

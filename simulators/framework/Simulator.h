@@ -85,9 +85,9 @@ protected:
     void send(std::string_view bytes);
     void send(Byte byte) { send(std::string_view(reinterpret_cast<const char*>(&byte), 1)); }
 
-    /// The same, but the host sees all of it at once, when the last byte is through: as a port hands over a short
-    /// reply out of its own buffer. Beside faults the bytes come one by one.
-    void sendBlock(std::string_view bytes);
+    /// The same, but the host sees so many bytes at once, when the last of them is through: as a port hands over what
+    /// it has in its own buffer. 0 is the whole reply. Beside faults the bytes come one by one.
+    void sendInLumps(std::string_view bytes, Int32 lump);
 
     /// The same as `send` after a delay.
     void sendAfter(Moment delay, std::string bytes);

@@ -44,7 +44,8 @@ Int32 lengthOf(const std::string& name, Int32 length, Int32 least)
 } // namespace
 
 OpScan::OpScan(SimulatorOptions options)
-    : Simulator(std::move(options)), mode_(letterOf("mode", setting("mode", "i"), kModes)), modeBefore_(mode_),
+    : Simulator(std::move(options)), capitals_(setting("mode", "i") != lowerCase(setting("mode", "i"))),
+      mode_(letterOf("mode", lowerCase(setting("mode", "i")), kModes)), modeBefore_(mode_),
       driverStatus_(letterOf("driver-status", setting("driver-status", "N"), "abcdefghijklmnopqrstuvwxyz")),
       lateReports_(settingNumber("late-reports", 0)), status1_(static_cast<Byte>(settingNumber("status1", 0))),
       status2_(static_cast<Byte>(settingNumber("status2", 0))),
@@ -163,7 +164,8 @@ void OpScan::reportMode()
         fault("s0 while a reply is outstanding");
     std::string report(reportLength_, '0');
     report[kDriverStatusAt] = driverStatus_;
-    report[kModeAt] = reportsStillLate_ > 0 ? modeBefore_ : mode_;
+    const std::string letter(1, reportsStillLate_ > 0 ? modeBefore_ : mode_);
+    report[kModeAt] = (capitals_ ? upperCase(letter) : letter).front();
     if (reportsStillLate_ > 0)
         --reportsStillLate_;
     sendAfter(replyTime_, report);
@@ -275,6 +277,13 @@ void OpScan::letSheetGo()
     if (stage_ == Stage::Sent || stage_ == Stage::Asked)
         note(SheetEvent::Ejected);
     stage_ = Stage::None;
+    forgetPrint();
+}
+
+void OpScan::forgetPrint()
+{
+    if (printPosition_)
+        fault("command 1 without a text behind it");
     printPosition_.reset();
 }
 
@@ -285,7 +294,7 @@ void OpScan::sendAway(SheetEvent event, const char* command)
         return;
     }
     stage_ = Stage::None;
-    printPosition_.reset();
+    forgetPrint();
     status1_ = static_cast<Byte>(status1_ & ~kFaults1);
     status2_ = static_cast<Byte>(status2_ & ~kFaults2);
     note(event, event == SheetEvent::Ejected ? "" : "reject");

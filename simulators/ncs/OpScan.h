@@ -20,15 +20,16 @@ namespace kel {
 /// It refuses as the host's mistake: any other byte, a mode change past w, a mode command that is not confirmed, a read
 /// in another mode than i, without a session, while a sheet is under way or without a status query behind the sheet
 /// before it, a status query while a reply is outstanding, print or eject without a sheet, and a print text without a
-/// position. At an empty feeder the reply comes when a sheet does; a jam is a reply without rows and the bit 08 of the
-/// third status character. A sheet stays until it is ejected or the next one is read; that, too, is in the log.
+/// position, and a position without a text. At an empty feeder the reply comes when a sheet does; a jam is a reply
+/// without rows and the bit 08 of the third status character. A sheet stays until it is ejected or the next one is
+/// read; that, too, is in the log.
 ///
-/// Settings: `mode` (the letter at power-on, i), `driver-status` (the status letter, N), `late-reports` (so many
-/// reports after a change still tell the mode before), `status1` and `status2` (bits that stand at power-on; with 0x40
-/// in both, which means nothing), `status-length` and `report-length` (4 and 51 at the least), `reply-ms` (from s0 and
-/// s1 to the report), `feed-ms` (from 11 to the reply), `compress`, `alternate`, `end` (crlf or silence),
-/// `barcode-prefix`: as OpScanFormat has them; `feeder` (true: 0E is a mistake; false: closing a session without it is
-/// one).
+/// Settings: `mode` (the letter at power-on, i; with a capital its reports have capitals), `driver-status` (the status
+/// letter, N), `late-reports` (so many reports after a change still tell the mode before), `status1` and `status2`
+/// (bits that stand at power-on; with 0x40 in both, which means nothing), `status-length` and `report-length` (4 and 51
+/// at the least), `reply-ms` (from s0 and s1 to the report), `feed-ms` (from 11 to the reply), `compress`, `alternate`,
+/// `end` (crlf or silence), `barcode-prefix`: as OpScanFormat has them; `feeder` (true: 0E is a mistake; false: closing
+/// a session without it is one).
 class OpScan final : public Simulator {
 public:
     explicit OpScan(SimulatorOptions options);
@@ -52,6 +53,7 @@ private:
     void changeMode(const std::string& letter);
     void printPosition(const std::string& digits);
     void print(std::string text);
+    void forgetPrint();
     void reportMode();
     void reportStatus();
     void startSession();
@@ -73,6 +75,7 @@ private:
     bool waitingForSheet_ = false;
     std::optional<Int32> printPosition_;
 
+    bool capitals_;
     char mode_;
     char modeBefore_;
     bool unconfirmed_ = false; // a mode command waits for its 11

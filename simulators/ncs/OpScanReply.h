@@ -20,7 +20,7 @@ struct OpScanFormat {
 /// A separator takes away the first two characters in front of it and opens the next barcode. At CR LF the barcode that
 /// was opened last is not one, so each is closed by a separator; at a silent end it is, so the last one has neither
 /// separator nor prefix. A sheet without barcodes ends with CR LF in any case. What is no digit 0 to 15 is sent as 0.
-/// Barcodes hold none of the letters a to d, which are markers everywhere in the reply.
+/// A barcode goes out as it is: its letters a to d are markers wherever they stand alone, and text within a run.
 [[nodiscard]] std::string opScanReply(const SimulatedSheet& sheet, const OpScanFormat& format);
 
 } // namespace kel

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <stdexcept>
 
 namespace kel {
 
@@ -39,9 +40,18 @@ SekonicSerial::SekonicSerial(SimulatorOptions options)
     : Simulator(std::move(options)), mode_(settingNumber("mode", 0)), rejecter_(settingFlag("rejecter", true)),
       optionsReply_(setting("options", "00000.00")), feedTime_(settingTime("feed-ms", 200)),
       resetReply_(parseTranscriptBytes(setting("reset-reply", "06"))), emptyStatus_(settingNumber("empty-status", '2')),
-      jamStatus_(settingNumber("jam-status", '1')), printStatus_(setting("print-status", "10")),
-      statusOfTwo_(settingFlag("two-sided", hasTwoSides())), shortPages_(settingFlag("short-pages", false))
+      jamStatus_(settingNumber("jam-status", '1')), faultSide_(FaultSide::Both),
+      printStatus_(setting("print-status", "10")), statusOfTwo_(settingFlag("two-sided", hasTwoSides())),
+      shortPages_(settingFlag("short-pages", false)), replyLump_(settingNumber("reply-lump", 1)),
+      optionsLump_(settingNumber("options-lump", 0))
 {
+    const std::string side = setting("fault-side", "both");
+    if (side != "both" && side != "1" && side != "2")
+        throw std::invalid_argument("setting fault-side=" + side + ": is neither 1, 2 nor both");
+    if (side == "2" && !statusOfTwo_)
+        throw std::invalid_argument("setting fault-side=2: there is no second side");
+    if (side != "both")
+        faultSide_ = side == "1" ? FaultSide::One : FaultSide::Two;
     if (settingFlag("plain", false))
         style_ = {.blanks = false, .separators = false, .explicitZeros = false};
     if (optionsReply_.size() > 5)
@@ -134,6 +144,9 @@ void SekonicSerial::reset()
     dropPending();
     started_ = true;
     startCommand_ = false;
+    modeTold_ = false;
+    extraSetting_ = false;
+    lastReply_ = '0';
     windowsCleared_ = false;
     goodSheet_ = false;
     threshold_.clear();
@@ -145,18 +158,25 @@ void SekonicSerial::reset()
 
 void SekonicSerial::reply(std::string reply)
 {
+    this->reply(std::move(reply), replyLump_);
+}
+
+void SekonicSerial::reply(std::string reply, Int32 lump)
+{
     if (now() < repliedAt_ || isSending())
         fault("a query before the reply to the one before it was through");
     repliedAt_ = now() + kReplyTime;
-    schedule(kReplyTime, [this, text = std::move(reply)] { sendBlock(text); });
+    lastReply_ = reply.empty() ? '0' : reply.front();
+    schedule(kReplyTime, [this, lump, text = std::move(reply)] { sendInLumps(text, lump); });
 }
 
 void SekonicSerial::query(const std::string& text, int side)
 {
-    if (text == "OM" && side == 1 && isLarge())
+    if (text == "OM" && side == 1 && isLarge()) {
+        modeTold_ = true;
         reply(std::to_string(mode_));
-    else if (text == "O" && side == 1 && isLarge())
-        reply(optionsReply_);
+    } else if (text == "O" && side == 1 && isLarge())
+        reply(optionsReply_, optionsLump_);
     else if (text == "T") {
         demandSheet("timing marks");
         reply(threeDigits(this->side(side).size()) + ",7");
@@ -206,6 +226,8 @@ void SekonicSerial::takeThreshold(const std::string& text)
         right = text.size() >= 2 && text[0] == '0' && isDigits(text, text.size());
     if (!right)
         fault("threshold DL" + text + ", which is not of this model and mode");
+    if (isLarge() && !modeTold_)
+        fault("the threshold before the mode was asked for");
     if (!isLarge() && !startCommand_)
         fault("the threshold before the start command");
     threshold_ = text;
@@ -229,13 +251,17 @@ void SekonicSerial::loadWindow(const std::string& text)
 
 void SekonicSerial::setting13(const std::string& text)
 {
-    if (text == "15" && model() == kelReaderTypeSekonicSR430)
+    if (text == "15" && model() == kelReaderTypeSekonicSR430) {
+        extraSetting_ = true;
         return;
+    }
     if (!isLarge())
         unknown(kDC3 + text);
     else if (text.starts_with("DD")) {
         if (!isDigits(text.substr(2), 2))
             fault("mark discrimination of other fields: " + text);
+        if (lastReply_ <= '1')
+            fault("mark discrimination though the last reply does not allow it");
     } else if (text == "BA05")
         sendBarcode();
     else if (text.starts_with("BA")) {
@@ -259,7 +285,7 @@ void SekonicSerial::plainQuery(const std::string& text)
     if (text.empty())
         startRead();
     else if (text == "P" && isLarge()) {
-        demandSheet("a print");
+        demandPrint("the print status");
         if (printText_)
             fault("the print status is asked for with a text that was not printed");
         reply(printStatus_);
@@ -274,6 +300,8 @@ void SekonicSerial::startRead()
 {
     if (threshold_.empty())
         fault("a sheet before the threshold");
+    if (model() == kelReaderTypeSekonicSR430 && !extraSetting_)
+        fault("a sheet before 13 \"15\"");
     if (!barcodeArming_.empty() && barcodeArming_ != "00 01 zone")
         fault("barcodes armed with " + barcodeArming_);
     if (!printArming_.empty() && printArming_ != "P10P3100")
@@ -292,20 +320,33 @@ void SekonicSerial::takeSheet()
     barcodeArming_.clear();
     printArming_.clear();
     printText_.reset();
+    printPosition_.reset();
     goodSheet_ = fed == Feed::Sheet;
-    if (goodSheet_) {
-        sendBlock(std::string(statusOfTwo_ ? 2 : 1, kGood));
-        return;
-    }
-    const Int32 status = fed == Feed::Empty ? emptyStatus_ : jamStatus_;
+    const Int32 status = goodSheet_ ? kGood : fed == Feed::Empty ? emptyStatus_ : jamStatus_;
     if (status >= 0)
-        sendBlock(std::string(1, static_cast<char>(status)));
+        sendInLumps(statusBytes(status), replyLump_);
+}
+
+std::string SekonicSerial::statusBytes(Int32 status) const
+{
+    const char first = faultSide_ == FaultSide::Two ? kGood : static_cast<char>(status);
+    const char second = faultSide_ == FaultSide::One ? kGood : static_cast<char>(status);
+    return statusOfTwo_ ? std::string{second, first} : std::string{first};
 }
 
 void SekonicSerial::demandSheet(const std::string& what)
 {
     if (!goodSheet_)
         fault(what + " without a good sheet");
+}
+
+void SekonicSerial::demandPrint(const std::string& what)
+{
+    demandSheet(what);
+    if (!printArmed_)
+        fault(what + " that was not armed for this sheet");
+    else if (!printPosition_)
+        fault(what + " without a position");
 }
 
 void SekonicSerial::sendBarcode()
@@ -342,6 +383,8 @@ void SekonicSerial::sendPage(const std::string& rows, int side)
 void SekonicSerial::sendWindows(int side)
 {
     demandSheet("windows");
+    if (isLarge() && !windowsCleared_)
+        fault("windows without Q before them");
     if (now() < repliedAt_ || isSending())
         fault("a query before the reply to the one before it was through");
     repliedAt_ = now() + kReplyTime;
@@ -353,17 +396,18 @@ void SekonicSerial::sendWindows(int side)
 
 void SekonicSerial::printCommand(const std::string& text)
 {
-    demandSheet("a print");
-    if (!printArmed_)
-        fault("a print that was not armed for this sheet");
+    const bool positions = text.starts_with("32") && isDigits(text.substr(2), 3);
+    if (positions)
+        printPosition_ = number(std::string_view(text).substr(2));
+    demandPrint("a print");
     const bool hasLine = text.size() >= 2 && text[1] >= '0' && text[1] <= '2';
     const Int32 line = hasLine ? text[1] - '0' + 1 : 0;
-    if (text.starts_with("32") && isDigits(text.substr(2), 3))
-        printPosition_ = number(std::string_view(text).substr(2));
-    else if (hasLine && text[0] == '4' && text.size() > 2 && text.back() == ' ')
+    if (positions)
+        return;
+    if (hasLine && text[0] == '4' && text.size() > 2 && text.back() == ' ')
         printText_ = {line, text.substr(2, text.size() - 3)};
     else if (hasLine && text[0] == '2' && text.size() == 2 && printText_ && printText_->first == line) {
-        note(SheetEvent::Printed, printText_->second, line, printPosition_);
+        note(SheetEvent::Printed, printText_->second, line, printPosition_.value_or(0));
         printText_.reset();
     } else
         fault("print command P" + text);

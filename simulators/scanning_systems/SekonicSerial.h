@@ -20,7 +20,7 @@ namespace kel {
 ///     10 "Q"        7 to 10: forgets the windows
 ///     [/] 10 "W" 0D 02 and six fields of two digits and "112"     7 to 10: loads a window
 ///     13 "BA00", "BA01", "BA10999n", "P10", "P3100"     arm barcode and printer for the next sheet
-///     "?"           reads a sheet: side 2's status byte if there is a second side, side 1's; "0" is good
+///     "?"           reads a sheet: side 2's status byte if there is a second side, then side 1's; "0" is good
 ///     [/] 05 "T"    timing marks: three digits, and more
 ///     13 "BA05"     a character, the barcode, a character; "?" and more without one
 ///     [/] 10 "ED001nnn"     the marks of a side down to a row
@@ -29,15 +29,20 @@ namespace kel {
 ///     "?P"          how the print went, by the last byte; "?F" no print: both let the sheet go
 ///     13 "R05", "R04"     reject hopper, normal way
 ///
-/// It refuses as the host's mistake: what the model does not know, anything before a reset, a sheet before the
-/// threshold, a window without "Q" or with fields of another length, marks or counts or barcodes without a good sheet,
-/// barcodes and prints that were not armed for the sheet, the second side of a one-sided reader, and a query before the
+/// It refuses as the host's mistake: what the model does not know, anything before a reset, a threshold before the mode
+/// is known, a mark discrimination that the last reply does not allow (its first character is above "1"), a sheet
+/// before the threshold or, with 38, before 13 "15", a window without "Q" or with fields of another length, "R*"
+/// without "Q", marks or counts or barcodes without a good sheet, barcodes and prints that were not armed for the
+/// sheet, a text, a print or "?P" without a position, the second side of a one-sided reader, and a query before the
 /// reply to the one before it is through.
 ///
 /// Settings: `mode` (0), `rejecter` (true), `options` (what stands around the 6th character), `feed-ms`, `reset-reply`,
-/// `empty-status` and `jam-status` (status codes; -1 is silence), `print-status`, `two-sided` (whether the sheets have
-/// a status for a second side; without it 8 and 10 do), `plain` (replies without blanks, zeros and further separators),
-/// `short-pages` (a page ends with the last row of the sheet, whatever was asked for).
+/// `empty-status` and `jam-status` (status codes; -1 is silence), `fault-side` (the side that has them, the other one
+/// is good: 1, 2 or both, which it is without it), `print-status`, `two-sided` (whether the sheets have a status for a
+/// second side; without it 8 and 10 do), `plain` (replies without blanks, zeros and further separators), `short-pages`
+/// (a page ends with the last row of the sheet, whatever was asked for), `reply-lump` (how many bytes of a reply come
+/// together; 1 without it, as they are on the wire, 0 is all of them), `options-lump` (the same for the reply to 05
+/// "O", which a host takes in one look; 0 without it).
 class SekonicSerial final : public Simulator {
 public:
     explicit SekonicSerial(SimulatorOptions options);
@@ -50,6 +55,7 @@ public:
 
 private:
     enum class Block { None, StartCommand, Window };
+    enum class FaultSide { Both, One, Two };
 
     void onByte(Byte byte) override;
     void onOpen() override;
@@ -75,7 +81,10 @@ private:
     void sendAway(SheetEvent event);
 
     void reply(std::string reply);
+    void reply(std::string reply, Int32 lump);
+    [[nodiscard]] std::string statusBytes(Int32 status) const;
     void demandSheet(const std::string& what);
+    void demandPrint(const std::string& what);
     void unknown(const std::string& command);
     [[nodiscard]] bool isLarge() const;
     [[nodiscard]] bool hasTwoSides() const;
@@ -87,6 +96,9 @@ private:
 
     bool started_ = false;
     bool startCommand_ = false;
+    bool modeTold_ = false;
+    bool extraSetting_ = false; // 13 "15" has come
+    char lastReply_ = '0';      // its first character
     bool windowsCleared_ = false;
     bool goodSheet_ = false;
     std::string threshold_;
@@ -96,7 +108,7 @@ private:
     std::string printArming_;
     bool barcodeArmed_ = false; // for the sheet that was read
     bool printArmed_ = false;
-    Int32 printPosition_ = 0;
+    std::optional<Int32> printPosition_;
     std::optional<std::pair<Int32, std::string>> printText_;
 
     Int32 mode_;
@@ -106,10 +118,13 @@ private:
     std::string resetReply_;
     Int32 emptyStatus_;
     Int32 jamStatus_;
+    FaultSide faultSide_;
     std::string printStatus_;
     bool statusOfTwo_;
     ReplyStyle style_;
     bool shortPages_;
+    Int32 replyLump_;
+    Int32 optionsLump_;
     Moment repliedAt_{};
 };
 

@@ -91,8 +91,8 @@ void Scanmark::obey(const std::string& command)
         if (!ejectBehindPrintOff)
             fault("command \"" + command + "\" while a reply is outstanding");
     }
-    if (command.starts_with("FRM=") && command.size() >= 6)
-        form(command.substr(4, 2), command.size() > 7 && command[6] == ' ' ? command.substr(7) : command.substr(6));
+    if (command.starts_with("FRM=") && (command.size() == 6 || (command.size() > 7 && command[6] == ' ')))
+        form(command.substr(4, 2), command.size() == 6 ? "" : command.substr(7));
     else if (formOpen_)
         refuse("command \"" + command + "\" within a form");
     else if (command == "QSTS")

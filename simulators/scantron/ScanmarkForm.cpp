@@ -8,8 +8,6 @@ namespace kel {
 
 namespace {
 
-constexpr Int32 kMostColumns = 48;
-
 using Words = std::span<const std::string>;
 
 // Plain numbers, as many as are wanted.
@@ -72,8 +70,6 @@ ScanmarkForm::Refusal ScanmarkForm::start(const std::vector<std::string>& words)
     side1Rows_ = (*sizes)[0];
     side2Rows_ = (*sizes)[1];
     side1Columns_ = (*sizes)[2];
-    if (side1Columns_ > kMostColumns)
-        return "a form has 48 columns at most";
     return std::nullopt;
 }
 
@@ -110,6 +106,8 @@ ScanmarkForm::Refusal ScanmarkForm::defineColumns(const std::vector<std::string>
     const auto counts = numbersOf(Words(words).subspan(9, 2));
     if (!side || !last || !counts)
         return "a number of the column definition is none";
+    if (*last != *counts)
+        return "the rows and columns of the column definition stand there twice and differ";
     if (words[11] != std::string(static_cast<std::size_t>((*counts)[1]), '1'))
         return "a column definition ends with a 1 for each column";
     return add({.side = *side,
@@ -134,12 +132,11 @@ ScanmarkForm::Refusal ScanmarkForm::misfit(const Rectangle& rectangle) const
 {
     if (rectangle.side != 1 && rectangle.side != 2)
         return "a sheet has sides 1 and 2";
-    // The form start tells the columns of side 1 alone.
     const Int32 rows = rectangle.side == 1 ? side1Rows_ : side2Rows_;
-    const Int32 columns = rectangle.side == 1 ? side1Columns_ : kMostColumns;
     if (rectangle.firstRow < 1 || rectangle.lastRow > rows)
         return "the rows are not on the form";
-    if (rectangle.firstColumn < 1 || rectangle.lastColumn > columns)
+    // The form start tells the columns of side 1 alone.
+    if (rectangle.firstColumn < 1 || (rectangle.side == 1 && rectangle.lastColumn > side1Columns_))
         return "the columns are not on the form";
     if (rectangle.firstRow > rectangle.lastRow || rectangle.firstColumn > rectangle.lastColumn)
         return "the rectangle runs backwards";

@@ -163,6 +163,12 @@ TEST_F(DataLineReaderTest, ADownloadHasItsOrder)
         {"K70011E90001", "command E9 behind K7"},
         {"E900x1", "command E9 with \"00x1\""},
         {"K70011M6", "command M6 though the keys were not ended with K6"},
+        {"E90000", "command E9 though the essay has no points"},
+        {"E90025E90025", "command E9 a second time"},
+        {"K70011K80012K80012", "command K8 a second time"},
+        {"M6K70011", "command K7 behind the first step of the start"},
+        {"M6S1", "command S1 behind the first step of the start"},
+        {"M6M0M8K70011", "command K7 though the reader is ready to read"},
     };
     for (const auto& [bytes, mistake] : mistakes) {
         power(kelReaderTypeAppersonAdvantage1200);
@@ -171,6 +177,54 @@ TEST_F(DataLineReaderTest, ADownloadHasItsOrder)
         ASSERT_FALSE(reader_->errors().empty()) << bytes;
         EXPECT_EQ(reader_->errors().front(), mistake);
     }
+}
+
+TEST_F(DataLineReaderTest, TheOnlyKeyHasNoVersion)
+{
+    power(kelReaderTypeAppersonAdvantage1200);
+    for (const char* command : {"R1", "S1", "K70011", "K1"})
+        ask(command);
+    ask("10000", 10ms);
+    ask("Q");
+    EXPECT_EQ(reader_->errors(), Errors{});
+    ask("K6");
+    expectError("command S1 for a key that is the only one");
+}
+
+TEST_F(DataLineReaderTest, EachSessionMayHaveAKey)
+{
+    power(kelReaderTypeAppersonAdvantage1200);
+    const auto download = [&] {
+        for (const char* command : {"K70011", "K1"})
+            ask(command);
+        ask("10000", 10ms);
+        ask("Q");
+        ask("K6");
+    };
+    for (int session = 1; session <= 2; ++session) {
+        ask("R1");
+        download();
+    }
+    EXPECT_EQ(reader_->errors(), Errors{});
+    download();
+    ASSERT_FALSE(reader_->errors().empty());
+    EXPECT_EQ(reader_->errors().front(), "command K7 behind a key that was ended");
+}
+
+TEST_F(DataLineReaderTest, RepliesComeAsTheyAreOnTheWireButForTheLast)
+{
+    power(kelReaderTypeAppersonAdvantage1200, {}, {});
+    const auto moments = [&](std::string_view command) {
+        SimulatorOptions options{.model = kelReaderTypeAppersonAdvantage1200};
+        reader_.emplace(std::move(options));
+        bench_.emplace(*reader_, LineParameters{.baudRate = 1000});
+        ask("R1", 1s);
+        const std::size_t before = bench_->arrivals().size();
+        ask(command, 1s);
+        return bench_->arrivals().back().at - bench_->arrivals().at(before).at;
+    };
+    EXPECT_EQ(moments("M6"), 30ms);
+    EXPECT_EQ(moments("R1"), 0ms);
 }
 
 TEST_F(DataLineReaderTest, AHostThatGivesUpStartsAnew)

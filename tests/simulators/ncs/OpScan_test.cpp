@@ -135,6 +135,35 @@ TEST_F(OpScanTest, ModesChangeByWayOfW)
     expectError("there is no scan mode \"\"");
 }
 
+TEST_F(OpScanTest, AModeInCapitalsIsThatMode)
+{
+    for (const std::string mode : {"I", "T"}) {
+        make({{"mode", mode}});
+        EXPECT_EQ(ask("s0").at(48), mode[0]);
+        EXPECT_EQ(reader_->mode(), mode == "I" ? 'i' : 't');
+        ask("ew\x04"
+            "ei\x04");
+        EXPECT_EQ(ask("s0").at(48), 'I');
+        ask("r");
+        EXPECT_EQ(reader_->errors(), Errors{});
+        ask("eW\x04");
+        EXPECT_EQ(reader_->errors(), Errors{"there is no scan mode \"W\""});
+    }
+}
+
+TEST_F(OpScanTest, APositionHasItsText)
+{
+    for (const std::string_view next : {"\x12", "\x11", "r"}) {
+        start({kSheet, kSheet});
+        ask("\x11");
+        ask("s1");
+        ask("1"
+            "07\x04");
+        ask(next);
+        EXPECT_EQ(reader_->errors(), Errors{"command 1 without a text behind it"});
+    }
+}
+
 TEST_F(OpScanTest, StatusLettersAAndIDemandAConfirmation)
 {
     for (const char* letter : {"A", "a", "I", "i"}) {

@@ -14,8 +14,15 @@ inline constexpr kelReaderType kOpScanModels[] = {
 /// What is heard of a side: 150 rows of 48 columns, of which the last always reads 0.
 [[nodiscard]] MarkArray heardOf(const MarkRows& marks);
 
-/// What is heard of the barcodes: a "?" where there are none.
-[[nodiscard]] TextArray heardOf(const std::vector<std::string>& barcodes);
+/// What is heard of what stands behind the rows. The letters a to d in it are markers as everywhere: of a timing mark,
+/// of the first barcode, of the next one.
+struct HeardBarcodes {
+    std::vector<std::string> texts = {"?"};
+    Int16 timingMarks1 = 0;
+    Int16 timingMarks2 = 0;
+    std::size_t rowsOfAnotherLength = 0; ///< that are told
+};
+[[nodiscard]] HeardBarcodes heardOf(const std::vector<std::string>& barcodes, const OpScanFormat& format);
 
 /// A session by a seed: a model and its settings, a host's settings, and sheets of one or two sides with 0 to 5
 /// barcodes.
@@ -39,6 +46,7 @@ public:
     void expectHeard(const clsKELReader& reader, const RecordingHost& heard, const OpScan& device) const;
 
 private:
+    [[nodiscard]] OpScanFormat format() const;
     [[nodiscard]] bool readsTwoSides() const { return duplex_ && duplexForm_; }
 
     kelReaderType model_{};

@@ -3,6 +3,8 @@
 #include "tests/simulators/DeviceBench.h"
 #include "tests/simulators/scanning_systems/SekonicRoundTrip.h"
 
+#include <set>
+
 namespace kel::test {
 namespace {
 
@@ -212,8 +214,8 @@ TEST(SekonicSerial, RepliesInTheFormOfItsTables)
                        .settings = {{"plain", "true"}, {"mode", "2"}}});
     DeviceBench bench(*device);
     const std::pair<std::string, std::string> dialogue[] = {{"\x18\r", "\x06"},
-                                                            {"\x05OM\r", "2"},
                                                             {"\x05O\r", "00000100"},
+                                                            {"\x05OM\r", "2"},
                                                             {"\x10"
                                                              "DL07\r"
                                                              "\x13"
@@ -258,8 +260,10 @@ TEST(SekonicSerial, RepliesInTheFormOfItsTables)
 TEST(SekonicSerial, ComplainsOfWhatAHostMustNotDo)
 {
     const std::string start = "\x18\r";
-    const std::string armed = "\x10"
-                              "DL1\r";
+    const std::string mode = "\x05OM\r";
+    const std::string armed = mode + "\x10"
+                                     "DL1\r";
+    const std::string print = "\x13P10\r\x13P3100\r";
     struct Mistake {
         kelReaderType model;
         std::vector<std::string> commands;
@@ -269,8 +273,9 @@ TEST(SekonicSerial, ComplainsOfWhatAHostMustNotDo)
         {kelReaderTypeScanningSystemsSR601, {"\x05OM\r"}, "command 05 \"OM\" before a reset"},
         {kelReaderTypeScanningSystemsSR601, {start, "?\r"}, "a sheet before the threshold"},
         {kelReaderTypeScanningSystemsSR601,
-         {start, "\x10"
-                 "DL4\r"},
+         {start, mode,
+          "\x10"
+          "DL4\r"},
          "threshold DL4, which is not of this model and mode"},
         {kelReaderTypeScanningSystemsSR601,
          {start, "\x10W\r\x02"
@@ -306,6 +311,28 @@ TEST(SekonicSerial, ComplainsOfWhatAHostMustNotDo)
         {kelReaderTypeScanningSystemsSR601,
          {start, armed, "?\r", "/\x05T\r"},
          "command 05 \"T\" for a second side, which this reader has not"},
+        {kelReaderTypeScanningSystemsSR601,
+         {start, "\x10"
+                 "DL1\r"},
+         "the threshold before the mode was asked for"},
+        {kelReaderTypeScanningSystemsSR601,
+         {start, mode,
+          "\x13"
+          "DD02\r"},
+         "mark discrimination though the last reply does not allow it"},
+        {kelReaderTypeScanningSystemsSR601, {start, armed, "?\r", "\x10R*\r"}, "windows without Q before them"},
+        {kelReaderTypeScanningSystemsSR601, {start, armed, print + "?\r", "\x13P40A \r"}, "a print without a position"},
+        {kelReaderTypeScanningSystemsSR601,
+         {start, armed, print + "?\r", "?P\r"},
+         "the print status without a position"},
+        {kelReaderTypeScanningSystemsSR601,
+         {start, armed, print + "?\r", "\x13P32001\r\x13P40A \r\x13P20\r?P\r", print + "?\r", "\x13P40B \r"},
+         "a print without a position"},
+        {kelReaderTypeSekonicSR430,
+         {start, "\x10T\r\x02"
+                 "2\r\x10"
+                 "DL01\r?\r"},
+         "a sheet before 13 \"15\""},
         {kelReaderTypeScanningSystemsSR410, {start, "\x05OM\r"}, "unknown command 05 \"OM\""},
         {kelReaderTypeScanningSystemsSR410,
          {start, "\x10"
@@ -321,6 +348,78 @@ TEST(SekonicSerial, ComplainsOfWhatAHostMustNotDo)
             bench.ask(command);
         EXPECT_THAT(device->errors(), testing::ElementsAre(mistake.complaint));
     }
+}
+
+TEST(SekonicSerial, AFaultHasAStatusByteForEachSide)
+{
+    const auto ask = [](kelReaderType model, std::map<std::string, std::string> settings) {
+        const std::unique_ptr<Simulator> device = makeSimulator(
+            model, {.sheets = {{}}, .faults = {parseFault("jam@sheet=1")}, .settings = std::move(settings)});
+        DeviceBench bench(*device);
+        bench.ask("\x18\r");
+        bench.ask("\x05OM\r");
+        bench.ask("\x10"
+                  "DL1\r");
+        return bench.ask("?\r") + bench.ask("?\r");
+    };
+    EXPECT_EQ(ask(kelReaderTypeScanningSystemsSR601, {{"jam-status", "52"}}), "42");
+    EXPECT_EQ(ask(kelReaderTypeScanningSystemsSR607, {{"jam-status", "52"}}), "4422");
+    EXPECT_EQ(ask(kelReaderTypeScanningSystemsSR607, {{"jam-status", "52"}, {"fault-side", "1"}}), "0402");
+    EXPECT_EQ(ask(kelReaderTypeScanningSystemsSR607, {{"jam-status", "52"}, {"fault-side", "2"}}), "4020");
+    EXPECT_EQ(ask(kelReaderTypeScanningSystemsSR607, {{"empty-status", "-1"}}), "11");
+    EXPECT_THROW(ask(kelReaderTypeScanningSystemsSR601, {{"fault-side", "2"}}), std::invalid_argument);
+    EXPECT_THROW(ask(kelReaderTypeScanningSystemsSR607, {{"fault-side", "3"}}), std::invalid_argument);
+}
+
+TEST(SekonicSerial, AFaultOfTheSecondSideCountsOnTwoSidedForms)
+{
+    for (const Boolean duplexForm : {True, False}) {
+        const std::unique_ptr<Simulator> device =
+            makeSimulator(kelReaderTypeScanningSystemsSR607,
+                          {.sheets = {{.side1 = MarkRows(2)}},
+                           .settings = {{"empty-status", "52"}, {"fault-side", "2"}, {"rejecter", "true"}}});
+        ReaderHost host;
+        host.connect(kelReaderTypeScanningSystemsSR607, *device);
+        host.reader().RecognitionMode(kelRecognitionTypePage);
+        host.reader().Side1Rows(pages({2}));
+        host.reader().Side1Cols(pages({48}));
+        host.reader().Duplex(True);
+        host.reader().DuplexForm(duplexForm);
+        host.reader().Side2Rows(pages({2}));
+        host.reader().Side2Cols(pages({48}));
+        ASSERT_EQ(host.reader().StartReader(), True);
+        EXPECT_EQ(host.reader().ReadPage(False), True);
+        host.heard().reports.clear();
+        host.reader().ReadPage(False); // the feeder is empty
+        ASSERT_EQ(host.heard().reports.size(), duplexForm ? 1U : 0U);
+        if (duplexForm) {
+            EXPECT_EQ(host.heard().reports[0].ErrorDescription, VBLM_RTString(TextNumber(394)));
+        }
+    }
+}
+
+TEST(SekonicSerial, RepliesComeAsTheyAreOnTheWireButForTheOptions)
+{
+    const auto pauses = [](std::map<std::string, std::string> settings, std::string_view command) {
+        const std::unique_ptr<Simulator> device =
+            makeSimulator(kelReaderTypeScanningSystemsSR607, {.sheets = {{}}, .settings = std::move(settings)});
+        DeviceBench bench(*device, {.baudRate = 1000});
+        bench.ask("\x18\r");
+        bench.ask("\x05OM\r");
+        bench.ask("\x10"
+                  "DL1\r");
+        const std::size_t before = bench.arrivals().size();
+        bench.ask(command);
+        std::set<Moment> moments;
+        for (std::size_t at = before; at < bench.arrivals().size(); ++at)
+            moments.insert(bench.arrivals()[at].at);
+        return moments.size();
+    };
+    EXPECT_EQ(pauses({}, "?\r"), 2U);
+    EXPECT_EQ(pauses({{"reply-lump", "0"}}, "?\r"), 1U);
+    EXPECT_EQ(pauses({}, "\x05O\r"), 1U);
+    EXPECT_EQ(pauses({{"options-lump", "1"}}, "\x05O\r"), 8U);
+    EXPECT_EQ(pauses({{"options-lump", "3"}}, "\x05O\r"), 3U);
 }
 
 } // namespace

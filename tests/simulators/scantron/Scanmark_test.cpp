@@ -174,8 +174,27 @@ TEST_F(ScanmarkTest, FormsBeginAndEnd)
     EXPECT_EQ(askAll({"SRST", "FRM=FS 2 0 3 N N N", "QSTS"}), "\r\r?");
     expectError("command \"QSTS\" within a form");
     make(kelReaderTypeScantronScanMark2500);
-    EXPECT_EQ(askAll({"SRST", "FRM=FS 2 0 49 N N N"}), "\r?");
-    expectError("FRM=FS 2 0 49 N N N: a form has 48 columns at most");
+    EXPECT_EQ(askAll({"SRST", "FRM=FS2 0 3 N N N"}), "\r?");
+    expectError("unknown command \"FRM=FS2 0 3 N N N\"");
+}
+
+TEST_F(ScanmarkTest, FormsMayBeWide)
+{
+    const SimulatedSheet sheet{.side1 = {std::vector<Int16>(60, 4)}, .side2 = {std::vector<Int16>(70, 5)}};
+    make(kelReaderTypeScantronScanMark2500, {sheet});
+    EXPECT_EQ(askAll({"SRST", "FRM=FS 1 1 60 N N N", "FRM=DK 1 1 1 1 60 L 1 60", "FRM=DK 2 1 1 1 70 L 1 70", "FRM=LS",
+                      "QSTS"}),
+              "\r\r\r\r\r0000000 !000");
+    EXPECT_EQ(ask("READ 5 Y"), std::string(60, '4') + std::string(70, '5') + "\r");
+    EXPECT_EQ(reader_->errors(), Errors{});
+}
+
+TEST_F(ScanmarkTest, RowsAndColumnsOfAColumnDefinitionStandThereTwice)
+{
+    make(kelReaderTypeScantron8000);
+    EXPECT_EQ(askAll({"SRST", "FRM=FS 5 0 3 N N N", "FRM=MC Y N 1 1 1 1 5 3 L 3 3 111"}), "\r\r?");
+    expectError("FRM=MC Y N 1 1 1 1 5 3 L 3 3 111: the rows and columns of the column definition stand there twice and "
+                "differ");
 }
 
 TEST_F(ScanmarkTest, ReadsNeedAFormAndAReadySheet)
