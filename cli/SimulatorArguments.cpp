@@ -101,8 +101,8 @@ void SimulatorArguments::addTo(CLI::App& command)
                              ->excludes(sheetsOption_);
     CLI::Option* fault = command
                              .add_option("--fault", faults_,
-                                         "What goes wrong: jam@sheet=3, late=2500@sheet=1, "
-                                         "drop@byte=120, unplug@byte=64 ...")
+                                         "What goes wrong: jam@sheet=3, late=2500@sheet=1, drop@byte=120, "
+                                         "unplug@byte=64 ..., or one that 'kelreader simulate --list-faults' lists")
                              ->type_name("FAULT")
                              ->allow_extra_args(false)
                              ->group("Simulated reader");
@@ -145,8 +145,14 @@ SimulatorOptions SimulatorArguments::options(const ScanForm& form) const
     options.rate = rate_ == "unlimited" ? Rate::Unlimited : Rate::Wire;
     for (const std::string& setting : settings_)
         options.settings.insert(nameAndValue(setting));
-    for (const std::string& fault : faults_)
-        options.faults.push_back(parseFault(fault));
+    // The parity and the data bits of a pseudo-terminal do not show.
+    options.wireShows = false;
+    for (const std::string& fault : faults_) {
+        if (const std::optional<SiteFault> siteFault = parseSiteFault(fault))
+            options.siteFaults.push_back(*siteFault);
+        else
+            options.faults.push_back(parseFault(fault));
+    }
     if (sheetsOption_->count() > 0)
         options.sheets = SheetFeeder::fromFile(sheetsFile_);
     else

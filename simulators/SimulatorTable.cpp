@@ -17,9 +17,11 @@ namespace kel {
 
 namespace {
 
-/// The models of one simulated reader, what their sheets look like, and how it is made.
+/// Models of one simulated reader, how their line is usually set, what their sheets look like, and how it is made.
 struct SimulatorFamily {
+    SimulatedFamily family;
     std::vector<kelReaderType> models;
+    const char* line;
     SheetShape shape;
     std::unique_ptr<Simulator> (*make)(SimulatorOptions);
 };
@@ -30,56 +32,97 @@ std::unique_ptr<Simulator> make(SimulatorOptions options)
     return std::make_unique<Reader>(std::move(options));
 }
 
-// One row a family. The shape is what the model reads in page mode with its usual settings.
+// The shape is what the model reads in page mode with its usual settings.
 const std::vector<SimulatorFamily>& families()
 {
+    using enum SimulatedFamily;
     static const std::vector<SimulatorFamily> table = {
-        {{kelReaderTypeAppersonAdvantageLink},
+        {Apperson,
+         {kelReaderTypeAppersonAdvantageLink},
+         "19200,N,8,1",
          {.side1Rows = 40, .side1Columns = 12, .highestMark = 199},
          make<RawMarkReader>},
-        {{kelReaderTypeAppersonGradeMaster},
+        {Apperson,
+         {kelReaderTypeAppersonGradeMaster},
+         "19200,N,8,1",
          {.side1Rows = 100, .side1Columns = 5, .barcodes = 1, .barcodeLength = 10},
          make<RawMarkReader>},
-        {{kelReaderTypeAppersonBenchMark3000},
+        {Apperson,
+         {kelReaderTypeAppersonBenchMark3000},
+         "38400,N,8,1",
          {.side1Rows = 50,
           .side1Columns = 5,
           .digitFields = {{"Student ID", 12}, {"Page 1 ID", 4}, {"Test ID", 12}, {"School ID", 12}, {"Class ID", 12}}},
          make<DataLineReader>},
-        {{kelReaderTypeAppersonAdvantage1200},
+        {Apperson,
+         {kelReaderTypeAppersonAdvantage1200},
+         "38400,N,8,1",
          {.side1Rows = 50,
           .side1Columns = 5,
           .digitFields =
               {{"Student ID", 10}, {"Test Version", 1}, {"Essay Score", 4}, {"Page 1 ID", 4}, {"Page 2 ID", 4}}},
          make<DataLineReader>},
-        {{kelReaderTypeNCSEZData, kelReaderTypeChatsworthACF100}, {.side1Rows = 40, .side1Columns = 12}, make<EZData>},
-        {{kelReaderTypeChatsworthOMR1100, kelReaderTypeChatsworthOMR2000, kelReaderTypeChatsworthALSAccelScanOMR,
-          kelReaderTypeChatsworthACF200, kelReaderTypeChatsworthACP200},
+        {EZData,
+         {kelReaderTypeNCSEZData, kelReaderTypeChatsworthACF100},
+         "9600,E,7,1",
          {.side1Rows = 40, .side1Columns = 12},
-         make<Chatsworth>},
-        {{kelReaderTypeScanningSystemsSR601, kelReaderTypeScanningSystemsSR700351},
+         make<class EZData>},
+        {Chatsworth,
+         {kelReaderTypeChatsworthOMR1100, kelReaderTypeChatsworthOMR2000, kelReaderTypeChatsworthALSAccelScanOMR,
+          kelReaderTypeChatsworthACF200, kelReaderTypeChatsworthACP200},
+         "9600,E,7,1",
+         {.side1Rows = 40, .side1Columns = 12},
+         make<class Chatsworth>},
+        {SekonicSerial,
+         {kelReaderTypeScanningSystemsSR601, kelReaderTypeScanningSystemsSR700351},
+         "9600,N,7,2",
          {.side1Rows = 40, .side1Columns = 48, .highestMark = 15, .barcodes = 1},
-         make<SekonicSerial>},
-        {{kelReaderTypeScanningSystemsSR607, kelReaderTypeScanningSystemsSR700352},
+         make<class SekonicSerial>},
+        {SekonicSerial,
+         {kelReaderTypeScanningSystemsSR607, kelReaderTypeScanningSystemsSR700352},
+         "9600,N,7,2",
          {.side1Rows = 40, .side1Columns = 48, .side2Rows = 40, .side2Columns = 48, .highestMark = 15, .barcodes = 1},
-         make<SekonicSerial>},
-        {{kelReaderTypeScanningSystemsSR410, kelReaderTypeSekonicSR430},
+         make<class SekonicSerial>},
+        {SekonicSerial,
+         {kelReaderTypeScanningSystemsSR410},
+         "9600,N,7,2",
          {.side1Rows = 40, .side1Columns = 12, .highestMark = 15},
-         make<SekonicSerial>},
-        {{kelReaderTypeNCSOpScan2, kelReaderTypeNCSOpScan3, kelReaderTypeNCSOpScan4, kelReaderTypeNCSOpScan5,
+         make<class SekonicSerial>},
+        {SekonicSerial,
+         {kelReaderTypeSekonicSR430},
+         "38400,N,7,2",
+         {.side1Rows = 40, .side1Columns = 12, .highestMark = 15},
+         make<class SekonicSerial>},
+        {OpScan,
+         {kelReaderTypeNCSOpScan2, kelReaderTypeNCSOpScan3, kelReaderTypeNCSOpScan4, kelReaderTypeNCSOpScan5,
           kelReaderTypeNCSOpScan6, kelReaderTypeNCSOpScan7, kelReaderTypeNCSOpScan8, kelReaderTypeNCSOpScaniNSIGHT2,
           kelReaderTypeNCSOpScaniNSIGHT4},
+         "38400,O,7,2",
          {.side1Rows = 63, .side1Columns = 48, .highestMark = 15},
-         make<OpScan>},
-        {{kelReaderTypeScantronScanMark2000, kelReaderTypeScantronScanMark2250, kelReaderTypeScantronScanMark2500,
+         make<class OpScan>},
+        {Scanmark,
+         {kelReaderTypeScantronScanMark2000, kelReaderTypeScantronScanMark2250, kelReaderTypeScantronScanMark2500,
           kelReaderTypeScantronScanMark4000, kelReaderTypeScantronScanMark5500, kelReaderTypeScantronScanMarkES2010,
-          kelReaderTypeScantronScanMarkES2260, kelReaderTypeScantronScanMarkES2800},
+          kelReaderTypeScantronScanMarkES2260},
+         "19200,N,8,2",
          {.side1Rows = 63, .side1Columns = 48, .highestMark = 9},
-         make<Scanmark>},
+         make<class Scanmark>},
+        {Scanmark,
+         {kelReaderTypeScantronScanMarkES2800},
+         "9600,N,8,2",
+         {.side1Rows = 63, .side1Columns = 48, .highestMark = 9},
+         make<class Scanmark>},
         // A raw value of 13 would end the reply.
-        {{kelReaderTypeScantron8000, kelReaderTypeScantron8400},
+        {Scanmark,
+         {kelReaderTypeScantron8000, kelReaderTypeScantron8400},
+         "9600,N,8,2",
          {.side1Rows = 63, .side1Columns = 48, .highestMark = 12},
-         make<Scanmark>},
-        {{kelReaderTypePDIVMR138}, {.side1Rows = 40, .side1Columns = 12}, make<VMR138>},
+         make<class Scanmark>},
+        {PeripheralDynamics,
+         {kelReaderTypePDIVMR138},
+         "9600,N,8,1",
+         {.side1Rows = 40, .side1Columns = 12},
+         make<VMR138>},
     };
     return table;
 }
@@ -98,6 +141,29 @@ void takeFirst(Int32& size, const std::vector<Int16>& pages)
         size = pages.front();
 }
 
+void demandThatApply(const std::vector<SiteFault>& faults, SimulatedFamily family)
+{
+    for (const SiteFault& fault : faults)
+        if (!entryOf(fault.kind).appliesTo(family))
+            throw std::invalid_argument("fault \"" + toText(fault) + "\": does not happen to " + nameOf(family) +
+                                        " readers");
+}
+
+/// The model that is there in the place of one of a family.
+std::optional<kelReaderType> otherModel(const std::vector<SiteFault>& faults, SimulatedFamily family)
+{
+    const bool speaksAsEZData = family == SimulatedFamily::EZData || family == SimulatedFamily::Chatsworth;
+    const std::optional<Int32> model = SiteFaults(faults).value(
+        SiteFault::Kind::OtherModel, speaksAsEZData ? kelReaderTypePDIVMR138 : kelReaderTypeNCSEZData);
+    if (!model)
+        return std::nullopt;
+    const auto other = static_cast<kelReaderType>(*model);
+    if (!familyOf(other))
+        throw std::invalid_argument("fault \"other-model:" + std::to_string(*model) +
+                                    "\": there is no simulated reader of that model on a line");
+    return other;
+}
+
 std::string joined(const auto& names)
 {
     std::string text;
@@ -113,7 +179,14 @@ std::unique_ptr<Simulator> makeSimulator(kelReaderType model, SimulatorOptions o
     const SimulatorFamily* family = familyOf(model);
     if (!family)
         throw std::invalid_argument("there is no simulated reader of model " + std::to_string(model));
+    demandThatApply(options.siteFaults, family->family);
+    if (const std::optional<kelReaderType> other = otherModel(options.siteFaults, family->family)) {
+        model = *other;
+        family = familyOf(model);
+        std::erase_if(options.settings, [](const auto& setting) { return setting.first != "line"; });
+    }
     options.model = model;
+    options.usualLine = family->line;
     if (options.seeded) {
         const SheetShape shape = sheetShape(model, options.form);
         for (std::uint64_t place = 0; place < options.seeded->count; ++place)
@@ -129,6 +202,18 @@ std::unique_ptr<Simulator> makeSimulator(kelReaderType model, SimulatorOptions o
 bool hasSimulator(kelReaderType model)
 {
     return familyOf(model) != nullptr;
+}
+
+SimulatedFamily simulatedFamily(kelReaderType model)
+{
+    const SimulatorFamily* family = familyOf(model);
+    return family ? family->family : SimulatedFamily::SekonicUsb;
+}
+
+std::string usualLine(kelReaderType model)
+{
+    const SimulatorFamily* family = familyOf(model);
+    return family ? family->line : "";
 }
 
 SheetShape sheetShape(kelReaderType model, const FormDescription& form)

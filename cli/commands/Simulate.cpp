@@ -5,8 +5,10 @@
 #include "cli/ModelLookup.h"
 #include "cli/SimulatedLibraryHost.h"
 #include "cli/SimulatorArguments.h"
+#include "cli/SiteFaultTable.h"
 #include "cli/TextOutput.h"
 #include "cli/UsageError.h"
+#include "simulators/SimulatorTable.h"
 #include "simulators/pseudo_terminal/PtyDeviceHost.h"
 
 #include <chrono>
@@ -22,6 +24,7 @@ constexpr std::chrono::milliseconds kLookForNews{50};
 
 struct Arguments {
     std::string model;
+    bool listFaults = false;
     std::string link;
     std::string formFile;
     SimulatorArguments simulator;
@@ -95,8 +98,20 @@ int playLibrary(const Arguments& arguments, const ScanForm& form)
     throw CommandFailure(output.problem());
 }
 
+int listFaults(const std::string& model)
+{
+    TextOutput output;
+    output.writeOrFail(
+        siteFaultTable(model.empty() ? std::nullopt : std::optional(simulatedFamily(modelNamed(model)))));
+    return kDoneStatus;
+}
+
 int run(const Arguments& arguments)
 {
+    if (arguments.listFaults)
+        return listFaults(arguments.model);
+    if (arguments.model.empty())
+        throw UsageError("--model is required; 'kelreader simulate --help' tells what there is.");
     const kelReaderType model = modelNamed(arguments.model);
     const ScanForm form = arguments.formFile.empty() ? ScanForm() : readFormFile(arguments.formFile);
     return isUsbModel(model) ? playLibrary(arguments, form) : playReader(arguments, model, form);
@@ -109,7 +124,9 @@ void addSimulateCommand(Commands& commands)
     const auto arguments = std::make_shared<Arguments>();
     CLI::App& command = commands.add("simulate", "Plays a reader for other programs, until Ctrl-C",
                                      [arguments] { return run(*arguments); });
-    command.add_option("--model", arguments->model, "The model, by number or name")->required();
+    command.add_option("--model", arguments->model, "The model, by number or name");
+    command.add_flag("--list-faults", arguments->listFaults,
+                     "Lists what can be wrong where a reader stands, for --fault; with --model, what applies to it");
     command.add_option("--link", arguments->link, "Makes a symbolic link to the device, or to the library")
         ->type_name("PATH");
     command.add_option("--form", arguments->formFile, "The form of the sheets")->type_name("FILE");

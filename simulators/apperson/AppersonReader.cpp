@@ -42,7 +42,7 @@ bool AppersonReader::reply(const std::string& command, std::size_t longest, Int3
     if (unheard_.contains(command))
         return false;
     const bool accepted = !refused_.contains(command);
-    const std::string text = (accepted ? okay_ : std::string("NO\r\n")).substr(0, longest);
+    const std::string text = asStatus((accepted ? okay_ : std::string("NO\r\n")).substr(0, longest));
     schedule(replyTime_, [this, text, lump] { sendInLumps(text, lump); });
     return accepted;
 }

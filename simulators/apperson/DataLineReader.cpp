@@ -67,6 +67,12 @@ void DataLineReader::restart()
     expectStart();
 }
 
+/// Half a command has come, and the host's first byte is taken for its second.
+void DataLineReader::onLeftover()
+{
+    command_ = "K";
+}
+
 void DataLineReader::onClose()
 {
     restart();

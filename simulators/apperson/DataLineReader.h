@@ -56,6 +56,7 @@ private:
     void onByte(Byte byte) override;
     void onClose() override;
     void onSheetPut() override;
+    void onLeftover() override;
 
     void obey(const std::string& command);
     void restart();

@@ -48,6 +48,13 @@ void RawMarkReader::restart()
     expectSteps(std::move(steps));
 }
 
+/// A sheet is under way, and its block comes to whoever is there.
+void RawMarkReader::onLeftover()
+{
+    page_ = Page::UnderWay;
+    schedule(feedTime(), [this] { takeSheet(); });
+}
+
 void RawMarkReader::onClose()
 {
     command_.clear();

@@ -40,6 +40,7 @@ private:
     void onByte(Byte byte) override;
     void onClose() override;
     void onSheetPut() override;
+    void onLeftover() override;
 
     void obey(const std::string& command);
     void begin();

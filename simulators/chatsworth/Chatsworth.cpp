@@ -47,6 +47,13 @@ void Chatsworth::onClose()
     dropPending();
 }
 
+/// A sheet is under way, and its page comes to whoever is there.
+void Chatsworth::onLeftover()
+{
+    underWay_ = true;
+    schedule(feedTime_, [this] { takeSheet(); });
+}
+
 void Chatsworth::onByte(Byte byte)
 {
     if (const std::optional<HostCommand> command = frames_.take(byte))
@@ -63,7 +70,7 @@ void Chatsworth::obey(const HostCommand& command)
     case Kind::LocateProbe:
         if (start_ != Start::None)
             fault("the locate probe within a session");
-        sendAfter(kReplyTime, "G\r");
+        sendAfter(kReplyTime, asStatus("G\r"));
         break;
     case Kind::Broken: fault("no command: " + transcriptBytes(command.text)); break;
     }
@@ -96,7 +103,7 @@ void Chatsworth::setUp(const std::string& letters)
         fault("set-up command " + letters + " out of its order");
     }
     repliedAt_ = now() + setUpTime_;
-    schedule(setUpTime_, [this] { send(setUpReply_); });
+    schedule(setUpTime_, [this] { send(asStatus(setUpReply_)); });
 }
 
 void Chatsworth::joinedProbe()
@@ -159,11 +166,11 @@ void Chatsworth::startRead(const std::string& command, const std::string& taken,
     }
     if (nextFeed() == Feed::Empty) {
         feed(); // for the log
-        sendAfter(kReplyTime, refused);
+        sendAfter(kReplyTime, asStatus(refused));
         return;
     }
     underWay_ = true;
-    sendAfter(kReplyTime, taken);
+    sendAfter(kReplyTime, asStatus(taken));
     schedule(feedTime_, [this] { takeSheet(); });
 }
 
@@ -187,7 +194,7 @@ void Chatsworth::framed(const std::string& text)
     if (text == "V") {
         if (start_ != Start::None)
             fault("command V within a session");
-        sendAfter(kReplyTime, version_ + "G\r");
+        sendAfter(kReplyTime, asStatus(version_ + "G\r"));
         return;
     }
     if (model() != kelReaderTypeChatsworthALSAccelScanOMR)
@@ -197,7 +204,7 @@ void Chatsworth::framed(const std::string& text)
         feed();
         underWay_ = true;
         waitingForSheet_ = true;
-        sendAfter(kReplyTime, sheetReply_);
+        sendAfter(kReplyTime, asStatus(sheetReply_));
     } else if (text == "E")
         startRead("E", sheetReply_, "");
     else if (text == "EF")
@@ -217,7 +224,7 @@ void Chatsworth::sendAway(SheetEvent event)
     if (inPath_)
         note(event);
     inPath_ = false;
-    sendAfter(kReplyTime, "G\r");
+    sendAfter(kReplyTime, asStatus("G\r"));
 }
 
 } // namespace kel

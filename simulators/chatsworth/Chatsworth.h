@@ -37,6 +37,7 @@ private:
     void onOpen() override;
     void onClose() override;
     void onSheetPut() override;
+    void onLeftover() override;
 
     void obey(const HostCommand& command);
     void setUp(const std::string& letters);

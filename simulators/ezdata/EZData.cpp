@@ -93,7 +93,7 @@ void EZData::framed(const std::string& text)
         fault("command " + text + " while a page is under way");
     if (text == "GETCONFIG") {
         sessionEnded_ = false;
-        reply(configuration() + '\r');
+        replyWithStatus(configuration() + '\r');
     } else if (text.starts_with("SET"))
         set(text);
     else if (text == "CHECKSUM")
@@ -134,6 +134,21 @@ void EZData::reply(const std::string& text, bool taken)
 {
     busyUntil_ = now() + replyTime_;
     sendAfter(replyTime_, text + (taken ? "G" : "?") + lastByte_);
+}
+
+void EZData::replyWithStatus(const std::string& text)
+{
+    busyUntil_ = now() + replyTime_;
+    sendAfter(replyTime_, asStatus(text + "G" + lastByte_));
+}
+
+/// A sheet is in the path, and of the changes to the configuration some were made and sealed.
+void EZData::onLeftover()
+{
+    active_.flags = "01";
+    active_.threshold = "60";
+    changed_ = sealed_ = active_;
+    inPath_ = 1;
 }
 
 void EZData::set(const std::string& command)
@@ -209,7 +224,7 @@ void EZData::reportStatus()
         fault("command S though a change was not sealed and followed by RESET");
     statusAsked_ = true;
     const int standing = status_ | (inPath_ > 0 ? kSheetInPath : 0) | (jammed_ ? kJam : 0);
-    reply(std::string(1, static_cast<char>(standing)));
+    replyWithStatus(std::string(1, static_cast<char>(standing)));
 }
 
 void EZData::startRead()

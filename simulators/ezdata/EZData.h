@@ -48,11 +48,13 @@ private:
     void onByte(Byte byte) override;
     void onOpen() override;
     void onClose() override;
+    void onLeftover() override;
 
     void obey(const HostCommand& command);
     void framed(const std::string& text);
     void demandReadiness(const std::string& command);
     void reply(const std::string& text, bool taken = true);
+    void replyWithStatus(const std::string& text);
     void set(const std::string& command);
     void seal();
     void restart();

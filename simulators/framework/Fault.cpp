@@ -35,7 +35,8 @@ constexpr std::array<FaultWord, 9> kWords = {{
     for (const FaultWord& word : kWords)
         words += (words.empty() ? "" : ", ") + std::string(word.word);
     throw std::invalid_argument("fault \"" + std::string(text) + "\": " + why + ". A fault is WORD[=VALUE]@PLACE; " +
-                                "the words are " + words + "; a place is byte=N, sheet=N or sheet=N,byte=N");
+                                "the words are " + words + "; a place is byte=N, sheet=N or sheet=N,byte=N. " +
+                                "'kelreader simulate --list-faults' lists the others");
 }
 
 const FaultWord& wordOf(Fault::Kind kind)

@@ -1,6 +1,7 @@
 #include "simulators/framework/Simulator.h"
 
 #include "platform/LineSettings.h"
+#include "simulators/framework/SpoiltSheet.h"
 #include "types/Text.h"
 
 #include <algorithm>
@@ -12,6 +13,9 @@ namespace kel {
 
 namespace {
 
+// How far a sheet's reply gets before the reader goes off.
+constexpr Int32 kSentWhenSwitchedOff = 5;
+
 [[noreturn]] void refuseSetting(const std::string& name, const std::string& value, const std::string& what)
 {
     throw std::invalid_argument("setting " + name + "=" + value + ": " + what);
@@ -20,7 +24,9 @@ namespace {
 } // namespace
 
 Simulator::Simulator(SimulatorOptions options)
-    : options_(std::move(options)), feeder_(std::move(options_.sheets)), outputFaults_(options_.faults)
+    : options_(std::move(options)), feeder_(std::move(options_.sheets)), outputFaults_(options_.faults),
+      siteFaults_(options_.siteFaults), usualLine_(parseLineSettings(options_.usualLine)),
+      cable_(siteFaults_, usualLine_), leftoverDue_(siteFaults_.has(SiteFault::Kind::LeftInMode))
 {
     if (const std::string demanded = setting("line", ""); !demanded.empty()) {
         try {
@@ -39,11 +45,21 @@ void Simulator::lineOpened(Moment now, const LineParameters& line)
     open_ = true;
     now_ = now;
     line_ = line;
+    if (!cable_.isStraight()) {
+        if (!options_.wireShows) {
+            line_.parity = usualLine_.parity;
+            line_.dataBits = usualLine_.dataBits;
+        }
+        cable_.opened(line_);
+        line_ = cable_.readerLine();
+    }
     queue_.clear();
     transmitterFree_ = now;
     if (!demandedLine_.empty() && lineSettingsText(line) != demandedLine_)
         fault("the line is set to " + lineSettingsText(line) + ", and the reader to " + demandedLine_);
     onOpen();
+    if (std::exchange(leftoverDue_, false))
+        onLeftover();
 }
 
 void Simulator::lineClosed(Moment now)
@@ -59,13 +75,33 @@ void Simulator::byteFromHost(Moment now, Byte byte)
     if (hungUp_)
         return;
     now_ = std::max(now_, now);
-    onByte(byte);
+    if (cable_.isStraight()) {
+        onByte(byte);
+        return;
+    }
+    cable_.fromHost(now_, byte);
+    hear();
+}
+
+/// Takes what has arrived from the host.
+void Simulator::hear()
+{
+    while (const std::optional<Byte> byte = cable_.forReader(now_))
+        onByte(*byte);
 }
 
 std::optional<Moment> Simulator::nextEvent() const
 {
     if (hungUp_)
         return std::nullopt;
+    const std::optional<Moment> own = nextOwnEvent();
+    const std::optional<Moment> cable = open_ ? cable_.nextEvent() : std::nullopt;
+    return own && cable ? std::min(*own, *cable) : own ? own : cable;
+}
+
+/// Of the reader alone, without the cable.
+std::optional<Moment> Simulator::nextOwnEvent() const
+{
     std::optional<Moment> next = hangUpAt_;
     if (!queue_.empty() && (!next || queue_.front().at < *next))
         next = queue_.front().at;
@@ -77,14 +113,25 @@ std::optional<Moment> Simulator::nextEvent() const
 std::optional<Byte> Simulator::takeByte(Moment now)
 {
     while (!hungUp_) {
-        const std::optional<Moment> next = nextEvent();
-        if (!next || *next > now)
+        const std::optional<Moment> all = nextEvent();
+        if (!all || *all > now)
             return std::nullopt;
+        const std::optional<Moment> next = nextOwnEvent();
+        if (!next || *next > *all) {
+            now_ = std::max(now_, *all);
+            hear();
+            if (const std::optional<Byte> byte = cable_.forHost(now_))
+                return byte;
+            continue;
+        }
         if (!queue_.empty() && queue_.front().at == *next) {
             const QueuedByte first = queue_.front();
             queue_.pop_front();
             now_ = std::max(now_, first.at);
-            return first.byte;
+            if (cable_.isStraight())
+                return first.byte;
+            cable_.fromReader(now_, first.byte);
+            continue;
         }
         if (hangUpAt_ == next)
             unplug();
@@ -160,6 +207,17 @@ Moment Simulator::sendFaultily(std::string_view bytes, Moment moment, Moment eac
     return moment;
 }
 
+std::string Simulator::asStatus(std::string usual) const
+{
+    if (usual.empty())
+        return usual;
+    if (siteFaults_.has(SiteFault::Kind::StatusLonger))
+        usual += usual.back();
+    else if (siteFaults_.has(SiteFault::Kind::StatusShorter))
+        usual.pop_back();
+    return usual;
+}
+
 void Simulator::sendAfter(Moment delay, std::string bytes)
 {
     schedule(delay, [this, reply = std::move(bytes)] { send(reply); });
@@ -189,6 +247,8 @@ void Simulator::runFirstAction()
 
 void Simulator::fault(std::string what)
 {
+    if (siteFaults_.excuseHost())
+        return;
     errors_.push_back(std::move(what));
     if (errorListener_)
         errorListener_(errors_.back());
@@ -197,9 +257,15 @@ void Simulator::fault(std::string what)
 Simulator::Feed Simulator::nextFeed() const
 {
     const Int32 next = sheetNumber_ + 1;
-    if (feeder_.empty() || outputFaults_.atSheet(Fault::Kind::Empty, next))
+    if (feeder_.empty() || outputFaults_.atSheet(Fault::Kind::Empty, next) ||
+        siteFaults_.has(SiteFault::Kind::EmptyFeeder))
         return Feed::Empty;
-    return outputFaults_.atSheet(Fault::Kind::Jam, next) ? Feed::Jam : Feed::Sheet;
+    return outputFaults_.atSheet(Fault::Kind::Jam, next) || isAt(SiteFault::Kind::Jam, next) ? Feed::Jam : Feed::Sheet;
+}
+
+bool Simulator::isAt(SiteFault::Kind kind, Int32 sheet) const
+{
+    return siteFaults_.value(kind, 1) == sheet;
 }
 
 Simulator::Feed Simulator::feed()
@@ -215,6 +281,11 @@ Simulator::Feed Simulator::feed()
     }
     sheet_ = feeder_.take();
     ++sheetNumber_;
+    if (isAt(SiteFault::Kind::DoubleFeed, sheetNumber_) && !feeder_.empty())
+        sheet_ = together(sheet_, feeder_.take());
+    spoilt(siteFaults_, sheetNumber_, sheet_);
+    if (isAt(SiteFault::Kind::SwitchedOff, sheetNumber_))
+        cable_.cutAfter(kSentWhenSwitchedOff);
     outputFaults_.sheetFed(sheetNumber_);
     note(result == Feed::Jam ? SheetEvent::Jammed : SheetEvent::Fed);
     return result;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/LineDevice.h"
+#include "simulators/framework/Cable.h"
 #include "simulators/framework/OutputFaults.h"
 #include "simulators/framework/SheetLog.h"
 #include "simulators/framework/SimulatorOptions.h"
@@ -71,13 +72,16 @@ protected:
     virtual void onOpen() {}
     virtual void onClose() {}
 
+    /// Behind the first opening, if a session that was killed has left the reader in the middle of something.
+    virtual void onLeftover() {}
+
     /// Somebody has put a sheet into the feeder: a reader that was waiting for one can take it now.
     virtual void onSheetPut() {}
 
     /// The present moment: that of the byte, of the scheduled action, or of the opening that is being handled.
     [[nodiscard]] Moment now() const noexcept { return now_; }
 
-    /// How the host has set the line.
+    /// How the line is set: as the host has set it, or by a fault of the site as the reader is.
     [[nodiscard]] const LineParameters& line() const noexcept { return line_; }
 
     /// Queues bytes behind those that are on their way, one character time each, or none at an unlimited rate.
@@ -88,6 +92,9 @@ protected:
     /// The same, but the host sees so many bytes at once, when the last of them is through: as a port hands over what
     /// it has in its own buffer. 0 is the whole reply. Beside faults the bytes come one by one.
     void sendInLumps(std::string_view bytes, Int32 lump);
+
+    /// A status as this reader's firmware sends it.
+    [[nodiscard]] std::string asStatus(std::string usual) const;
 
     /// The same as `send` after a delay.
     void sendAfter(Moment delay, std::string bytes);
@@ -149,11 +156,18 @@ private:
 
     [[nodiscard]] Moment sendFaultily(std::string_view bytes, Moment moment, Moment each);
     void runFirstAction();
+    [[nodiscard]] std::optional<Moment> nextOwnEvent() const;
+    void hear();
+    [[nodiscard]] bool isAt(SiteFault::Kind kind, Int32 sheet) const;
     void record(SheetRecord entry);
 
     SimulatorOptions options_;
     SheetFeeder feeder_;
     OutputFaults outputFaults_;
+    SiteFaults siteFaults_;
+    LineParameters usualLine_;
+    Cable cable_;
+    bool leftoverDue_;
     SimulatedSheet sheet_;
     Int32 sheetNumber_ = 0;
     Moment now_{};

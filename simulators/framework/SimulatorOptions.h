@@ -3,6 +3,7 @@
 #include "simulators/framework/Fault.h"
 #include "simulators/framework/FormDescription.h"
 #include "simulators/framework/SheetFeeder.h"
+#include "simulators/framework/SiteFault.h"
 #include "types/Enumerations.h"
 
 #include <map>
@@ -33,6 +34,14 @@ struct SimulatorOptions {
     FormDescription form = {};
     Rate rate = Rate::Wire;
     std::vector<Fault> faults = {};
+    std::vector<SiteFault> siteFaults = {};
+
+    /// How the model's line is set where nobody has changed it, as "9600,N,8,1"; `makeSimulator` fills it in.
+    std::string usualLine = "9600,N,8,1";
+
+    /// Whether the reader is told of the host's parity and data bits. Over a pseudo-terminal it is not, and takes them
+    /// to be the usual ones.
+    bool wireShows = true;
 
     /// What only some models know, by name. `line` is known to all: the line settings that the reader demands,
     /// as "19200,N,8,2".

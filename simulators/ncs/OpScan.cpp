@@ -80,6 +80,11 @@ void OpScan::onByte(Byte byte)
         argument_ += static_cast<char>(byte);
 }
 
+void OpScan::onLeftover()
+{
+    mode_ = modeBefore_ = 't';
+}
+
 void OpScan::beginCommand(Byte byte)
 {
     if (unconfirmed_ && byte != kGo) {
@@ -168,7 +173,7 @@ void OpScan::reportMode()
     report[kModeAt] = (capitals_ ? upperCase(letter) : letter).front();
     if (reportsStillLate_ > 0)
         --reportsStillLate_;
-    sendAfter(replyTime_, report);
+    sendAfter(replyTime_, asStatus(report));
 }
 
 void OpScan::startSession()
@@ -269,7 +274,7 @@ void OpScan::reportStatus()
     status[1] = static_cast<char>(kMeaningless | status1_);
     status[2] = static_cast<char>(kMeaningless | status2_);
     status[3] = '\r';
-    sendAfter(replyTime_, status);
+    sendAfter(replyTime_, asStatus(status));
 }
 
 void OpScan::letSheetGo()

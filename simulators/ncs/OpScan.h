@@ -46,6 +46,7 @@ private:
     void onByte(Byte byte) override;
     void onClose() override;
     void onSheetPut() override;
+    void onLeftover() override;
 
     void beginCommand(Byte byte);
     void finishQuery(Byte byte);

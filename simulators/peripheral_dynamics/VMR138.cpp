@@ -73,6 +73,12 @@ void VMR138::onClose()
     session_ = Session::Off;
 }
 
+/// A sheet is in the path.
+void VMR138::onLeftover()
+{
+    status1_ |= kSheetUnderWay;
+}
+
 void VMR138::startSession()
 {
     dropPending();
@@ -95,7 +101,8 @@ void VMR138::reportStatus()
     }
     statusFresh_ = true;
     const int underWay = page_ == Page::UnderWay ? kSheetUnderWay : 0;
-    sendAfter(kReplyTime, {kBeforeStatus, static_cast<char>(status1_ | underWay), static_cast<char>(status2_)});
+    sendAfter(kReplyTime,
+              asStatus({kBeforeStatus, static_cast<char>(status1_ | underWay), static_cast<char>(status2_)}));
 }
 
 void VMR138::takeBit(char command, Byte& status, Byte bit)
@@ -179,7 +186,7 @@ void VMR138::endPage()
 
 void VMR138::sendAway(SheetEvent event)
 {
-    status1_ = static_cast<Byte>(status1_ & ~kFaults);
+    status1_ = static_cast<Byte>(status1_ & ~(kFaults | kSheetUnderWay)); // the latter of a sheet that was left
     note(event);
 }
 

@@ -37,6 +37,7 @@ private:
     void onByte(Byte byte) override;
     void onClose() override;
     void onSheetPut() override;
+    void onLeftover() override;
 
     void startSession();
     void reportStatus();

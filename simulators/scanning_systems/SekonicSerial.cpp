@@ -86,6 +86,12 @@ void SekonicSerial::onOpen()
     started_ = false;
 }
 
+/// A data block has begun, and the host's first command is taken for the rest of it.
+void SekonicSerial::onLeftover()
+{
+    block_ = isLarge() ? Block::Window : Block::StartCommand;
+}
+
 void SekonicSerial::onClose()
 {
     if (!begun_.empty() || block_ != Block::None)
@@ -324,7 +330,7 @@ void SekonicSerial::takeSheet()
     goodSheet_ = fed == Feed::Sheet;
     const Int32 status = goodSheet_ ? kGood : fed == Feed::Empty ? emptyStatus_ : jamStatus_;
     if (status >= 0)
-        sendInLumps(statusBytes(status), replyLump_);
+        sendInLumps(asStatus(statusBytes(status)), replyLump_);
 }
 
 std::string SekonicSerial::statusBytes(Int32 status) const

@@ -60,6 +60,7 @@ private:
     void onByte(Byte byte) override;
     void onOpen() override;
     void onClose() override;
+    void onLeftover() override;
 
     void learnWindows();
     void obey(std::string command);

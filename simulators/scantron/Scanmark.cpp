@@ -78,8 +78,18 @@ void Scanmark::onClose()
     session_ = false;
 }
 
+/// The text of a print has begun, and the host's first command is taken for the rest of it.
+void Scanmark::onLeftover()
+{
+    printTextOpen_ = true;
+}
+
 void Scanmark::obey(const std::string& command)
 {
+    if (std::exchange(printTextOpen_, false)) {
+        refuse("PRN$ 1 Y without a sheet");
+        return;
+    }
     if (command == "SRST") {
         reset();
         return;
@@ -200,7 +210,7 @@ void Scanmark::reportStatus()
     const int flags = (block[kFlags] & ~kSheetReady) | (jammed_ ? kJam : 0) | (sheetReady() ? kSheetReady : 0);
     block[kFlags] = static_cast<char>(flags);
     toldReady_ = sheetReady();
-    sendAfter(replyTime_, block);
+    sendAfter(replyTime_, asStatus(block));
 }
 
 void Scanmark::startRead()

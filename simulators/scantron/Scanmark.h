@@ -50,6 +50,7 @@ private:
     void onByte(Byte byte) override;
     void onClose() override;
     void onSheetPut() override;
+    void onLeftover() override;
 
     void obey(const std::string& command);
     void reset();
@@ -75,6 +76,7 @@ private:
     Frame frame_ = Frame::None;
     std::string command_;
     bool session_ = false;
+    bool printTextOpen_ = false;
     bool printOff_ = false; // the command before was PRN$ N
 
     std::optional<Int32> threshold_;

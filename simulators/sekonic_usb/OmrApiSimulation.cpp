@@ -1,5 +1,6 @@
 #include "simulators/sekonic_usb/OmrApiSimulation.h"
 
+#include "simulators/framework/SpoiltSheet.h"
 #include "simulators/sekonic_usb/OmrSimulationControl.h"
 
 #include <dlfcn.h>
@@ -14,6 +15,8 @@ namespace {
 
 constexpr Int32 kFeederEmpty = 0x40110000;
 constexpr Int32 kJam = 0x35090000;
+constexpr Int32 kNoAnswer = 0x20070000;
+constexpr Int32 kRefused = 0x30080000;
 
 std::string lastLoaderError()
 {
@@ -59,6 +62,43 @@ OmrSimulationState::FeedCode feedCodeOf(const Fault& fault)
             return {*fault.sheet, kFeederEmpty};
     }
     throw std::invalid_argument("no fault " + toText(fault) + " here; the USB models know jam and empty at a sheet");
+}
+
+void layOneUpon(std::vector<SimulatedSheet>& sheets, std::size_t upper)
+{
+    if (upper + 1 >= sheets.size())
+        return;
+    sheets[upper] = together(sheets[upper], sheets[upper + 1]);
+    sheets.erase(sheets.begin() + static_cast<std::ptrdiff_t>(upper) + 1);
+}
+
+/// What is wrong where the reader stands, as the library has it.
+void spoil(OmrSimulationState& state, const SiteFaults& faults)
+{
+    using Kind = SiteFault::Kind;
+    const bool setUpOtherwise = faults.has(Kind::LeftInMode) || faults.has(Kind::SetupRefused);
+    if (setUpOtherwise) {
+        state.readingMethod = {1, 0};
+        state.feedMode = {1, 0};
+        state.columns = 24;
+    }
+    if (faults.has(Kind::SetupRefused))
+        for (const char* function : {"OMR_SetReadingMethod", "OMR_SetNumberOfColumnsToRead", "OMR_SetSheetFeedMode"})
+            state.refusals.push_back({.function = function, .code = kRefused});
+    if (faults.has(Kind::BarcodeUnitMissing))
+        state.barcodeUnit = -1;
+    if (faults.has(Kind::NotConnected) || faults.value(Kind::SwitchedOff, 1) == 0)
+        state.connected = false;
+    else if (const std::optional<Int32> off = faults.value(Kind::SwitchedOff, 1))
+        state.refusals.push_back({.function = "OMR_FeedSheet", .call = *off, .code = kNoAnswer});
+    if (faults.has(Kind::EmptyFeeder))
+        state.sheets.clear();
+    if (const std::optional<Int32> jam = faults.value(Kind::Jam, 1))
+        state.feedCodes.push_back({*jam, kJam});
+    if (const std::optional<Int32> sheet = faults.value(Kind::DoubleFeed, 1))
+        layOneUpon(state.sheets, static_cast<std::size_t>(*sheet - 1));
+    for (std::size_t at = 0; at < state.sheets.size(); ++at)
+        spoilt(faults, static_cast<Int32>(at + 1), state.sheets[at]);
 }
 
 Int32 settingValue(const std::string& name, const std::string& text)
@@ -154,6 +194,11 @@ OmrSimulationState omrSimulationState(const SimulatorOptions& options)
         else
             throw std::invalid_argument("unknown setting " + name + "; this model knows barcodeUnit, columns");
     }
+    for (const SiteFault& fault : options.siteFaults)
+        if (!entryOf(fault.kind).appliesTo(SimulatedFamily::SekonicUsb))
+            throw std::invalid_argument("fault \"" + toText(fault) + "\": does not happen to " +
+                                        nameOf(SimulatedFamily::SekonicUsb) + " readers");
+    spoil(state, SiteFaults(options.siteFaults));
     return state;
 }
 

@@ -380,7 +380,8 @@ INSTANTIATE_TEST_SUITE_P(
         WrongUse{"UnknownFault",
                  {"--model", "24", "--simulate", "--fault", "burn"},
                  "fault \"burn\": unknown word \"burn\". A fault is WORD[=VALUE]@PLACE; the words are drop, garble, "
-                 "split, drip, late, silent, jam, empty, unplug; a place is byte=N, sheet=N or sheet=N,byte=N."},
+                 "split, drip, late, silent, jam, empty, unplug; a place is byte=N, sheet=N or sheet=N,byte=N. "
+                 "'kelreader simulate --list-faults' lists the others."},
         WrongUse{"UnknownSetting",
                  {"--model", "24", "--simulate", "--setting", "x=1"},
                  "unknown setting x; this model knows feed-ms, high-bits, line, noise, status1, status2, threshold."},

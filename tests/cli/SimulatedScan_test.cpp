@@ -1,8 +1,11 @@
 #include "cli/JsonLines.h"
 #include "simulators/SimulatorTable.h"
+#include "simulators/framework/SiteFault.h"
 #include "tests/cli/CommandRun.h"
 
 #include <gmock/gmock.h>
+
+#include <algorithm>
 
 // A scan of a simulated reader needs no form: without one the component gets that of the sheets in the feeder.
 
@@ -68,6 +71,54 @@ TEST(SimulatedScan, HasTheFormOfTheLargestSheet)
     EXPECT_EQ(read[0]["side1"], Json::parse("[[1,2,3,0],[0,0,0,0]]"));
     EXPECT_EQ(read[1]["side1"], Json::parse("[[4,0,0,0],[5,0,0,199]]"));
     EXPECT_EQ(read[2]["side1"], Json::parse("[[0,0,0,0],[0,0,0,0]]"));
+}
+
+TEST(SimulatedScan, SeesADirtyHead)
+{
+    const Words more = {"--seed", "5", "--max-sheets", "1"};
+    Words dirty = more;
+    dirty.insert(dirty.end(), {"--fault", "dirty-head:2"});
+    Json rows = sheetsOf(kelReaderTypeScantronScanMark2500, more).at(0)["side1"];
+    for (Json& row : rows)
+        row[1] = std::min(row[1].get<int>() + 3, 9);
+    EXPECT_EQ(sheetsOf(kelReaderTypeScantronScanMark2500, dirty).at(0)["side1"], rows);
+}
+
+TEST(SimulatedScan, HearsRubbishFromAReaderOfAnotherSpeed)
+{
+    const CommandOutcome outcome =
+        runCommand({"scan", "--simulate", "--model", "13", "--set", "Timeout=1", "--fault", "wrong-speed:9600"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.output, HasSubstr(R"("event":"failure")"));
+}
+
+TEST(SimulatedScan, RefusesFaultsThatDoNotHappenToTheModel)
+{
+    const auto refusal = [](const char* model, const char* fault) {
+        return runCommand({"scan", "--simulate", "--model", model, "--fault", fault}).errors;
+    };
+    EXPECT_EQ(refusal("13", "not-connected"),
+              "kelreader: fault \"not-connected\": does not happen to Scanmark readers.\n");
+    EXPECT_EQ(refusal("30", "echo"), "kelreader: fault \"echo\": does not happen to Sekonic USB readers.\n");
+    EXPECT_EQ(refusal("13", "wrong-speed:fast"), "kelreader: fault \"wrong-speed:fast\": BAUD is a number.\n");
+}
+
+TEST(SimulateCommand, ListsTheFaultsOfTheSite)
+{
+    const CommandOutcome all = runCommand({"simulate", "--list-faults"});
+    EXPECT_EQ(all.status, 0);
+    for (const SiteFaultEntry& entry : siteFaults()) {
+        EXPECT_THAT(all.output, HasSubstr(std::string(entry.name)));
+        EXPECT_THAT(all.output, HasSubstr(std::string(entry.sentence)));
+    }
+    EXPECT_THAT(all.output, HasSubstr("\ndirty-head[:COLUMN]         all\n"));
+    EXPECT_THAT(all.output, HasSubstr("\necho                        all on a serial line\n"));
+    EXPECT_THAT(all.output, HasSubstr("\nnot-connected               Sekonic USB\n"));
+    const CommandOutcome usb = runCommand({"simulate", "--list-faults", "--model", "30"});
+    EXPECT_THAT(usb.output, HasSubstr("not-connected"));
+    EXPECT_THAT(usb.output, testing::Not(HasSubstr("echo")));
+    EXPECT_EQ(runCommand({"simulate"}).errors,
+              "kelreader: --model is required; 'kelreader simulate --help' tells what there is.\n");
 }
 
 TEST(SimulatedScan, IsHeldAgainFromItsTrace)

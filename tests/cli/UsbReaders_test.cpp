@@ -104,6 +104,39 @@ TEST(UsbScanCommand, ReadsTheSheetsOfAFile)
     EXPECT_EQ(outcome.status, 0);
 }
 
+TEST(UsbScanCommand, MeetsWhatCanBeWrongWhereAReaderStands)
+{
+    struct Meeting {
+        const char* fault;
+        std::size_t sheets;
+        int status;
+    };
+    const std::string healthy = runCommand({"scan", "--simulate", "--model", "30", "--count", "3"}).output;
+    for (const auto& [fault, sheets, status] : {Meeting{"not-connected", 0, 1},
+                                                {"switched-off", 0, 1},
+                                                {"switched-off:3", 2, 1},
+                                                {"switched-off:0", 0, 1},
+                                                {"setup-refused", 0, 1},
+                                                {"left-in-mode", 3, 0},
+                                                {"empty-feeder", 0, 0},
+                                                {"jam:2", 1, 1},
+                                                {"double-feed:2", 2, 0},
+                                                {"dirty-head:40", 3, 0},
+                                                {"skewed-sheet:3", 3, 0},
+                                                {"barcode-unit-missing", 3, 0}}) {
+        SCOPED_TRACE(fault);
+        const CommandOutcome outcome =
+            runCommand({"scan", "--simulate", "--model", "30", "--count", "3", "--fault", fault});
+        EXPECT_EQ(outcome.status, status);
+        std::size_t read = 0;
+        for (const std::string& line : outcome.lines())
+            read += line.starts_with(R"({"event":"sheet")") ? 1 : 0;
+        EXPECT_EQ(read, sheets);
+        const bool harmless = fault == std::string("left-in-mode") || fault == std::string("barcode-unit-missing");
+        EXPECT_EQ(outcome.output == healthy, harmless);
+    }
+}
+
 TEST(UsbScanCommand, ReportsAJam)
 {
     const CommandOutcome outcome =
@@ -206,9 +239,9 @@ TEST(UsbSimulateCommand, LaysALibraryOutAndTellsWhatBecomesOfTheSheets)
 
     // As many sessions as one likes, and the whole pile in each.
     for (int session = 0; session < 2; ++session) {
-        const CommandOutcome scan = runCommand({"scan", "--model", "30", "--omrapi", library, "--max-sheets", "2",
-                                                "--print1", "Nú {sheet}", "--print-distance", "30",
-                                                "--reject-sheets", "1", "--set", "Rejecter=true"});
+        const CommandOutcome scan =
+            runCommand({"scan", "--model", "30", "--omrapi", library, "--max-sheets", "2", "--print1", "Nú {sheet}",
+                        "--print-distance", "30", "--reject-sheets", "1", "--set", "Rejecter=true"});
         EXPECT_EQ(scan.errors, "");
         EXPECT_EQ(scan.status, 0);
         ASSERT_EQ(scan.lines().size(), 3U);

@@ -56,7 +56,8 @@ TEST(Fault, AMistakeNamesTheKnownWords)
 {
     EXPECT_EQ(errorOf("explode@byte=1"),
               "fault \"explode@byte=1\": unknown word \"explode\". A fault is WORD[=VALUE]@PLACE; the words are drop, "
-              "garble, split, drip, late, silent, jam, empty, unplug; a place is byte=N, sheet=N or sheet=N,byte=N");
+              "garble, split, drip, late, silent, jam, empty, unplug; a place is byte=N, sheet=N or sheet=N,byte=N. "
+              "'kelreader simulate --list-faults' lists the others");
 }
 
 TEST(Fault, MistakesAreTold)

@@ -360,7 +360,8 @@ TEST(SekonicSerial, AFaultHasAStatusByteForEachSide)
         bench.ask("\x05OM\r");
         bench.ask("\x10"
                   "DL1\r");
-        return bench.ask("?\r") + bench.ask("?\r");
+        const std::string jam = bench.ask("?\r");
+        return jam + bench.ask("?\r");
     };
     EXPECT_EQ(ask(kelReaderTypeScanningSystemsSR601, {{"jam-status", "52"}}), "42");
     EXPECT_EQ(ask(kelReaderTypeScanningSystemsSR607, {{"jam-status", "52"}}), "4422");
