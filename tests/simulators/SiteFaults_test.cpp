@@ -35,7 +35,6 @@ Outcome sessionOf(kelReaderType model, const std::vector<SiteFault>& faults)
         makeSimulator(model, {.seeded = SeededSheets{.seed = 9, .count = kSheets}, .form = form, .siteFaults = faults});
     ReaderHost host;
     host.connect(model, *device);
-    host.machine.pump().hostPump([] {});
     host.reader().RecognitionMode(kelRecognitionTypePage);
     host.reader().Duplex(False);
     host.reader().DuplexForm(False);
