@@ -2,8 +2,8 @@
 
 #include "cli/CommandList.h"
 #include "cli/Commands.h"
-#include "cli/NearestNames.h"
 #include "cli/UsageError.h"
+#include "formats/NearestNames.h"
 
 #include <algorithm>
 #include <csignal>
@@ -42,7 +42,7 @@ void demandKnownCommand(const CLI::App& app, const std::string& name)
         known.push_back(command->get_name());
     const bool isCommand = !name.empty() && !name.starts_with('-');
     if (isCommand && std::find(known.begin(), known.end(), name) == known.end())
-        throw UsageError("There is no command '" + name + "'; " + nearestListed(nearestNames(name, known)) + ".");
+        throw host::UsageError("There is no command '" + name + "'; " + nearestListed(nearestNames(name, known)) + ".");
 }
 
 /// A shell's variable that is not set gives an option an empty value, which is never what was meant. Only a line to
@@ -53,7 +53,7 @@ void demandValues(const CLI::App& command)
         const auto isEmpty = [](const std::string& value) { return value.empty(); };
         if (option->nonpositional() && !option->get_name().starts_with("--print") &&
             std::any_of(option->results().begin(), option->results().end(), isEmpty))
-            throw UsageError(option->get_name() + " has an empty value; leave it out, or say what it is to be.");
+            throw host::UsageError(option->get_name() + " has an empty value; leave it out, or say what it is to be.");
     }
     for (const CLI::App* chosen : command.get_subcommands())
         demandValues(*chosen);
@@ -110,7 +110,7 @@ int runCommandLine(int argc, const char* const* argv)
         return commands.runChosen();
     } catch (const CLI::ParseError& error) {
         return answerParser(app, error);
-    } catch (const UsageError& error) {
+    } catch (const host::UsageError& error) {
         return complain(error.what(), kUsageStatus);
     } catch (const std::exception& failure) {
         return complain(failure.what(), kFailedStatus);

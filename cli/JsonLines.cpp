@@ -1,7 +1,8 @@
 #include "cli/JsonLines.h"
 
-#include "cli/FailureSentence.h"
+#include "host/Failure.h"
 #include "types/LineText.h"
+#include "types/Text.h"
 
 namespace kel {
 
@@ -27,12 +28,37 @@ Json jsonTexts(const TextArray& texts)
     return elements;
 }
 
+Json jsonItem(const DictionaryItem& item)
+{
+    if (const auto* number = std::get_if<Int32>(&item))
+        return *number;
+    if (const auto* text = std::get_if<std::string>(&item))
+        return textOfLine(*text);
+    return nullptr;
+}
+
+std::string keyName(const DictionaryKey& key)
+{
+    const auto* number = std::get_if<Int32>(&key);
+    return number ? CStr(*number) : textOfLine(std::get<std::string>(key));
+}
+
 } // namespace
 
-std::string jsonLine(const ScannedSheet& event)
+Json jsonRecord(const Dictionary& fields)
+{
+    Json record = Json::object();
+    const std::vector<DictionaryKey> keys = fields.Keys();
+    const std::vector<DictionaryItem> items = fields.Items();
+    for (std::size_t i = 0; i < keys.size(); ++i)
+        record[keyName(keys[i])] = jsonItem(items[i]);
+    return record;
+}
+
+std::string jsonLine(const host::Sheet& event)
 {
     Json line = {{"event", "sheet"},
-                 {"sheet", event.sheet},
+                 {"sheet", event.number},
                  {"side1", jsonMarks(event.side1)},
                  {"side2", jsonMarks(event.side2)},
                  {"side1TimingMarks", event.side1TimingMarks},
@@ -41,11 +67,11 @@ std::string jsonLine(const ScannedSheet& event)
                  {"rejected", event.rejected},
                  {"printed", event.printed}};
     if (event.record)
-        line["record"] = *event.record;
+        line["record"] = jsonRecord(*event.record);
     return jsonText(line);
 }
 
-std::string jsonLine(const ReportedFailure& event)
+std::string jsonLine(const host::Failure& event)
 {
     return jsonText({{"event", "failure"},
                      {"line", event.line},
@@ -56,7 +82,7 @@ std::string jsonLine(const ReportedFailure& event)
                      {"title", jsonValue(event.title)}});
 }
 
-std::string jsonLine(const BatchEnd& event)
+std::string jsonLine(const host::BatchEnd& event)
 {
     return jsonText({{"event", "end"},
                      {"started", event.started},
@@ -65,11 +91,11 @@ std::string jsonLine(const BatchEnd& event)
                      {"result", event.result}});
 }
 
-void JsonLines::failure(const ReportedFailure& event)
+void JsonLines::failure(const host::Failure& event)
 {
     write_(jsonLine(event) + "\n");
     if (tell_)
-        tell_(failureSentence(event) + "\n");
+        tell_(host::failureSentence(event) + "\n");
 }
 
 } // namespace kel

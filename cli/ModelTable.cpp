@@ -1,5 +1,6 @@
 #include "cli/ModelTable.h"
 
+#include "cli/Columns.h"
 #include "cli/ProfileRecord.h"
 #include "cli/SheetCsv.h"
 #include "types/Text.h"
@@ -9,12 +10,6 @@
 namespace kel {
 
 namespace {
-
-std::string padded(std::string text, std::size_t width)
-{
-    text.resize(std::max(text.size(), width), ' ');
-    return text;
-}
 
 std::string lineSettings(const clsKELReaderProfile& profile)
 {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cli/JsonValue.h"
+#include "formats/JsonValue.h"
 #include "platform/Registry.h"
 
 #include <string>

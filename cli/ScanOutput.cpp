@@ -42,18 +42,18 @@ ScanOutput::ScanOutput(const std::string& outFile, const std::string& format)
         lines_ = std::make_unique<JsonLines>(write, tell);
 }
 
-void ScanOutput::sheet(const ScannedSheet& event)
+void ScanOutput::sheet(const host::Sheet& event)
 {
     lines_->sheet(event);
     progress_.sheet();
 }
 
-void ScanOutput::failure(const ReportedFailure& event)
+void ScanOutput::failure(const host::Failure& event)
 {
     lines_->failure(event);
 }
 
-void ScanOutput::end(const BatchEnd& event)
+void ScanOutput::end(const host::BatchEnd& event)
 {
     progress_.clear();
     lines_->end(event);

@@ -1,10 +1,7 @@
 #pragma once
 
-#include "cli/ScanEvents.h"
-#include "failure/ErrorReport.h"
-#include "reader/clsKELReader.h"
+#include "host/Reports.h"
 
-#include <string>
 #include <vector>
 
 namespace kel {
@@ -13,7 +10,6 @@ namespace kel {
 class SearchReports {
 public:
     explicit SearchReports(clsKELReader& reader);
-    ~SearchReports();
     SearchReports(const SearchReports&) = delete;
     SearchReports& operator=(const SearchReports&) = delete;
 
@@ -22,10 +18,8 @@ public:
     void tellOfDevices() const;
 
 private:
-    class Collector;
-
-    clsKELReader& reader_;
-    std::shared_ptr<Collector> collector_;
+    std::vector<host::Failure> failures_;
+    host::Reports reports_;
 };
 
 } // namespace kel

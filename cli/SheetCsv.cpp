@@ -1,6 +1,7 @@
 #include "cli/SheetCsv.h"
 
-#include "cli/FailureSentence.h"
+#include "cli/JsonLines.h"
+#include "host/Failure.h"
 #include "types/LineText.h"
 #include "types/Text.h"
 
@@ -62,20 +63,21 @@ void SheetCsv::writeHeading()
     headingWritten_ = true;
 }
 
-void SheetCsv::sheet(const ScannedSheet& event)
+void SheetCsv::sheet(const host::Sheet& event)
 {
     writeHeading();
-    write_(csvLine({CStr(event.sheet), trueOrFalse(event.rejected), trueOrFalse(event.printed),
+    write_(csvLine({CStr(event.number), trueOrFalse(event.rejected), trueOrFalse(event.printed),
                     CStr(event.side1TimingMarks), CStr(event.side2TimingMarks), joined(event.barcodes),
-                    marksOnly(event.side1), marksOnly(event.side2), event.record ? jsonText(*event.record) : ""}));
+                    marksOnly(event.side1), marksOnly(event.side2),
+                    event.record ? jsonText(jsonRecord(*event.record)) : ""}));
 }
 
-void SheetCsv::failure(const ReportedFailure& event)
+void SheetCsv::failure(const host::Failure& event)
 {
-    tell_(failureSentence(event) + "\n");
+    tell_(host::failureSentence(event) + "\n");
 }
 
-void SheetCsv::end(const BatchEnd& event)
+void SheetCsv::end(const host::BatchEnd& event)
 {
     static_cast<void>(event);
     writeHeading();

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cli/ScanEvents.h"
+#include "host/Events.h"
 
 #include <functional>
 #include <string>
@@ -14,15 +14,15 @@ namespace kel {
 /// The scan as a table for a spreadsheet: a heading, then one row a sheet. `side1` and `side2` hold the marks alone,
 /// as row:column=value with blanks between; several barcodes stand with blanks between. Failures are no rows: they go
 /// to `tell`, as the end does not.
-class SheetCsv final : public ScanSink {
+class SheetCsv final : public host::Events {
 public:
     using Write = std::function<void(const std::string& text)>;
 
     SheetCsv(Write write, Write tell) : write_(std::move(write)), tell_(std::move(tell)) {}
 
-    void sheet(const ScannedSheet& event) override;
-    void failure(const ReportedFailure& event) override;
-    void end(const BatchEnd& event) override;
+    void sheet(const host::Sheet& event) override;
+    void failure(const host::Failure& event) override;
+    void end(const host::BatchEnd& event) override;
 
 private:
     void writeHeading();

@@ -1,6 +1,7 @@
 #include "cli/SheetTable.h"
 
-#include "cli/FailureSentence.h"
+#include "cli/JsonLines.h"
+#include "host/Failure.h"
 #include "types/LineText.h"
 #include "types/Text.h"
 
@@ -82,9 +83,9 @@ std::size_t widthOf(const std::vector<std::string>& lines)
     return width;
 }
 
-std::string heading(const ScannedSheet& sheet)
+std::string heading(const host::Sheet& sheet)
 {
-    std::string text = "Sheet " + CStr(sheet.sheet);
+    std::string text = "Sheet " + CStr(sheet.number);
     for (const std::string& barcode : sheet.barcodes.elements()) {
         if (!barcode.empty())
             text += "   barcode \"" + textOfLine(barcode) + "\"";
@@ -98,11 +99,11 @@ std::string heading(const ScannedSheet& sheet)
 
 } // namespace
 
-std::string sheetTable(const ScannedSheet& sheet, std::size_t width)
+std::string sheetTable(const host::Sheet& sheet, std::size_t width)
 {
     std::string text = heading(sheet) + "\n";
     if (sheet.record) {
-        for (const auto& [name, value] : sheet.record->items())
+        for (const auto& [name, value] : jsonRecord(*sheet.record).items())
             text += "    " + name + ": " + (value.is_string() ? value.get<std::string>() : value.dump()) + "\n";
     }
 
@@ -128,17 +129,17 @@ std::string sheetTable(const ScannedSheet& sheet, std::size_t width)
     return text + "\n";
 }
 
-void TableText::sheet(const ScannedSheet& event)
+void TableText::sheet(const host::Sheet& event)
 {
     write_(sheetTable(event, width_));
 }
 
-void TableText::failure(const ReportedFailure& event)
+void TableText::failure(const host::Failure& event)
 {
-    tell_(failureSentence(event) + "\n");
+    tell_(host::failureSentence(event) + "\n");
 }
 
-void TableText::end(const BatchEnd& event)
+void TableText::end(const host::BatchEnd& event)
 {
     if (!event.started)
         write_("The reader did not start.\n");

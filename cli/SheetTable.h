@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cli/ScanEvents.h"
+#include "host/Events.h"
 
 #include <functional>
 #include <string>
@@ -9,10 +9,10 @@ namespace kel {
 
 /// A sheet as a person reads it: a heading, and the sides as grids of one sign a cell, side by side if `width` columns
 /// hold them. A mark is its value: 1 to 9, A to Z for 10 to 35, # above; a blank is a dot.
-[[nodiscard]] std::string sheetTable(const ScannedSheet& sheet, std::size_t width);
+[[nodiscard]] std::string sheetTable(const host::Sheet& sheet, std::size_t width);
 
 /// Shows the sheets to a person. What goes wrong is no part of the table: it goes to `tell`, as one sentence.
-class TableText final : public ScanSink {
+class TableText final : public host::Events {
 public:
     using Write = std::function<void(const std::string& text)>;
 
@@ -21,9 +21,9 @@ public:
     {
     }
 
-    void sheet(const ScannedSheet& event) override;
-    void failure(const ReportedFailure& event) override;
-    void end(const BatchEnd& event) override;
+    void sheet(const host::Sheet& event) override;
+    void failure(const host::Failure& event) override;
+    void end(const host::BatchEnd& event) override;
 
 private:
     Write write_;

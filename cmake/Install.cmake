@@ -16,10 +16,15 @@ function(kel_install_link name file component)
 endfunction()
 
 set_target_properties(KELReader81U PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
+# Its records may grow with each minor version.
+set(host_soversion ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR})
+set_target_properties(KELReader81U_host PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${host_soversion})
+# Everything of ours lies in one folder.
+set_target_properties(kelreader KELReader81U_host PROPERTIES INSTALL_RPATH "$ORIGIN")
 
 # The command, the component and what both load.
 install(TARGETS kelreader RUNTIME DESTINATION ${folder} COMPONENT command)
-install(TARGETS KELReader81U EXPORT KELReader81UTargets
+install(TARGETS KELReader81U KELReader81U_host EXPORT KELReader81UTargets
         LIBRARY DESTINATION ${folder} COMPONENT command NAMELINK_COMPONENT development)
 install(TARGETS KELReader81U_remote LIBRARY DESTINATION ${folder} COMPONENT command)
 install(TARGETS OMRAPI_simulated LIBRARY DESTINATION ${folder} COMPONENT command)
@@ -31,6 +36,8 @@ install(FILES docs/kelreader.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONEN
 set(shared_object libKELReader81U.so.${PROJECT_VERSION_MAJOR})
 kel_install_link(${CMAKE_INSTALL_BINDIR}/kelreader kelreader command)
 kel_install_link(${CMAKE_INSTALL_LIBDIR}/${shared_object} ${shared_object} command)
+kel_install_link(${CMAKE_INSTALL_LIBDIR}/libKELReader81U_host.so.${host_soversion} libKELReader81U_host.so.${host_soversion}
+                 command)
 
 # The options dialog's window, a package of its own, so that a machine without a display needs no toolkit.
 if(TARGET KELReader81U_options_qt)
@@ -38,10 +45,7 @@ if(TARGET KELReader81U_options_qt)
 endif()
 
 # For those who build a host.
-foreach(header IN LISTS KEL_PUBLIC_HEADERS)
-    cmake_path(GET header PARENT_PATH place)
-    install(FILES ${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/KELReader81U/${place} COMPONENT development)
-endforeach()
+install(DIRECTORY ${KEL_PUBLIC_INCLUDE}/KELReader81U DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
 set(package ${CMAKE_INSTALL_LIBDIR}/cmake/KELReader81U)
 configure_package_config_file(cmake/KELReader81UConfig.cmake.in KELReader81UConfig.cmake INSTALL_DESTINATION ${package})
 write_basic_package_version_file(KELReader81UConfigVersion.cmake COMPATIBILITY SameMajorVersion)
@@ -55,6 +59,7 @@ configure_file(cmake/KELReader81U.pc.in KELReader81U.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/KELReader81U.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
         COMPONENT development)
 kel_install_link(${CMAKE_INSTALL_LIBDIR}/libKELReader81U.so ${shared_object} development)
+kel_install_link(${CMAKE_INSTALL_LIBDIR}/libKELReader81U_host.so libKELReader81U_host.so.${host_soversion} development)
 install(FILES docs/hosts.md docs/windows.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT development)
 install(DIRECTORY examples/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples COMPONENT development
         FILES_MATCHING PATTERN "*.cpp" PATTERN "CMakeLists.txt" PATTERN "windows" EXCLUDE)

@@ -1,5 +1,14 @@
-# The headers that a host sees. They include each other only.
+# The headers that a host sees. They include each other only. Hosts include them as <KELReader81U/clsKELReader.h>, or all
+# of them as <KELReader81U/KELReader81U.h>: cmake/public_headers.py lays them out that way.
 set(KEL_PUBLIC_HEADERS
+    contract/AnswerKey.h
+    contract/AnswerKeyObject.h
+    contract/Dictionary.h
+    contract/clsKELReaderBarcode.h
+    contract/clsKELReaderBarcodes.h
+    contract/clsKELReaderPrinter.h
+    contract/clsKELReaderWindow.h
+    contract/clsKELReaderWindows.h
     failure/ErrorReport.h
     options/Controls.h
     options/Form.h
@@ -14,16 +23,9 @@ set(KEL_PUBLIC_HEADERS
     profiles/ProfileValues.h
     profiles/clsKELReaderProfile.h
     profiles/clsKELReaderProfiles.h
-    contract/AnswerKey.h
-    contract/AnswerKeyObject.h
-    contract/Dictionary.h
     reader/ReaderEvents.h
     reader/clsKELReader.h
-    contract/clsKELReaderBarcode.h
-    contract/clsKELReaderBarcodes.h
-    contract/clsKELReaderPrinter.h
-    contract/clsKELReaderWindow.h
-    contract/clsKELReaderWindows.h
+    startup/CrashCapture.h
     types/Arrays.h
     types/Boolean.h
     types/Enumerations.h
@@ -34,3 +36,29 @@ set(KEL_PUBLIC_HEADERS
     types/RuntimeFailure.h
     types/SourceLocation.h
 )
+# Those of the layer for hosts in modern C++.
+set(KEL_HOST_HEADERS
+    formats/RegistryPath.h
+    host/AnswerKeyFile.h
+    host/Events.h
+    host/Failure.h
+    host/Form.h
+    host/ModelLookup.h
+    host/Ports.h
+    host/Reader.h
+    host/Replay.h
+    host/Request.h
+    host/Simulation.h
+    host/UsageError.h
+)
+set(KEL_PUBLIC_INCLUDE ${PROJECT_BINARY_DIR}/include)
+add_custom_command(
+    OUTPUT ${PROJECT_BINARY_DIR}/public_headers.stamp
+    COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/cmake/public_headers.py ${KEL_PUBLIC_INCLUDE}
+            ${KEL_PUBLIC_HEADERS} ${KEL_HOST_HEADERS}
+    COMMAND ${CMAKE_COMMAND} -E touch ${PROJECT_BINARY_DIR}/public_headers.stamp
+    WORKING_DIRECTORY ${PROJECT_SOURCE_DIR}
+    DEPENDS cmake/public_headers.py ${KEL_PUBLIC_HEADERS} ${KEL_HOST_HEADERS}
+    COMMENT "Laying out the public headers"
+    VERBATIM)
+add_custom_target(kel_public_headers ALL DEPENDS ${PROJECT_BINARY_DIR}/public_headers.stamp)

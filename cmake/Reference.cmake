@@ -2,7 +2,7 @@
 # fails on a warning.
 find_program(KEL_DOXYGEN doxygen)
 if(KEL_DOXYGEN)
-    string(REPLACE ";" " " headers "${KEL_PUBLIC_HEADERS}")
+    string(REPLACE ";" " " headers "${KEL_PUBLIC_HEADERS};${KEL_HOST_HEADERS}")
     set(reference_folder ${PROJECT_BINARY_DIR}/reference)
     file(MAKE_DIRECTORY ${reference_folder})
     set(reference_command ${CMAKE_COMMAND} -E env KEL_PUBLIC_HEADERS=${headers} KEL_VERSION=${PROJECT_VERSION}

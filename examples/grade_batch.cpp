@@ -2,9 +2,9 @@
 // a record a sheet: the host makes marks and barcodes of it.
 // Usage: grade_batch MODEL-NUMBER SHEETS; "kelreader ports set 1 DEVICE" says which device port 1 is.
 
-#include "contract/AnswerKey.h"
-#include "contract/Dictionary.h"
-#include "reader/clsKELReader.h"
+#include <KELReader81U/AnswerKey.h>
+#include <KELReader81U/Dictionary.h>
+#include <KELReader81U/clsKELReader.h>
 
 #include <cstdlib>
 #include <iostream>

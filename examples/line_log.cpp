@@ -1,7 +1,7 @@
 // Reads one sheet and logs what goes over the line: a carrier of the host's own in the place of the reader's.
 // Usage: line_log MODEL-NUMBER ROWS COLUMNS; "kelreader ports set 1 DEVICE" says which device port 1 is.
 
-#include "reader/clsKELReader.h"
+#include <KELReader81U/clsKELReader.h>
 
 #include <cstdio>
 #include <cstdlib>

@@ -1,7 +1,7 @@
 // Reads a batch of sheets from a reader at port 1 and prints the marks of each.
 // Usage: read_batch MODEL-NUMBER [SHEETS]; "kelreader ports set 1 DEVICE" says which device port 1 is.
 
-#include "reader/clsKELReader.h"
+#include <KELReader81U/clsKELReader.h>
 
 #include <cstdlib>
 #include <iostream>

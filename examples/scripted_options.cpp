@@ -2,9 +2,9 @@
 // model and the settings from the command line and prints what the reader has then.
 // Usage: scripted_options MODEL-NUMBER [CONTROL=TEXT]...; "scripted_options 13 txtMarkCutOff=12 chkRejecter=1".
 
-#include "options/OptionsPresenter.h"
-#include "options/frmOptions.h"
-#include "reader/clsKELReader.h"
+#include <KELReader81U/OptionsPresenter.h>
+#include <KELReader81U/frmOptions.h>
+#include <KELReader81U/clsKELReader.h>
 
 #include <cstdlib>
 #include <iostream>

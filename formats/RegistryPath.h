@@ -1,6 +1,7 @@
 #pragma once
 
 #include "types/Enumerations.h"
+#include "types/Export.h"
 
 #include <optional>
 #include <string>
@@ -10,20 +11,20 @@ namespace kel {
 
 /// A key of the registry: its hive, and the path below it without backslashes at its ends.
 struct RegistryPath {
-    kelReaderRegistryKey hive = kelReaderRegistryKeyCurrentUser;
-    std::string subKey;
+    kelReaderRegistryKey hive = kelReaderRegistryKeyCurrentUser; ///< its hive
+    std::string subKey;                                          ///< the path below it
 
     friend bool operator==(const RegistryPath&, const RegistryPath&) = default;
 };
 
 /// A key as it is written: the hive by its long or its short name (HKEY_CURRENT_USER, HKCU) in any case of letters,
 /// and behind a backslash the path below it. Nothing for a text that begins with no hive.
-[[nodiscard]] std::optional<RegistryPath> registryPath(std::string_view text);
+[[nodiscard]] KEL_PUBLIC std::optional<RegistryPath> registryPath(std::string_view text);
 
 /// The same the other way, with the hive's long name.
-[[nodiscard]] std::string registryPathText(const RegistryPath& path);
+[[nodiscard]] KEL_PUBLIC std::string registryPathText(const RegistryPath& path);
 
 /// A key directly below another.
-[[nodiscard]] RegistryPath below(const RegistryPath& path, std::string_view name);
+[[nodiscard]] KEL_PUBLIC RegistryPath below(const RegistryPath& path, std::string_view name);
 
 } // namespace kel

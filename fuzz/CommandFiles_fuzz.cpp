@@ -1,9 +1,9 @@
-#include "cli/AnswerKeyFile.h"
-#include "cli/FormFile.h"
-#include "cli/JsonValue.h"
 #include "cli/UsageError.h"
 #include "drivers/apperson/KeyEncoding.h"
+#include "formats/JsonValue.h"
 #include "fuzz/Input.h"
+#include "host/AnswerKeyFile.h"
+#include "host/Form.h"
 #include "simulators/framework/SheetFeeder.h"
 #include "simulators/platform/SimulatedPlatform.h"
 
@@ -25,18 +25,18 @@ void demandSentence(const std::string& text)
 
 void takeForm(std::string_view text)
 {
-    const ScanForm form = parseForm(text, "form");
+    const host::Form form = host::parseForm(text, "form");
     for (const auto* sizes : {&form.side1Rows, &form.side1Cols, &form.side2Rows, &form.side2Cols}) {
         for (const Int16 size : sizes->value_or(std::vector<Int16>()))
             demand(size >= 0, "a size is not below zero");
     }
-    const ScanForm again = parseForm(sizesText(form), "form");
+    const host::Form again = host::parseForm(host::sizesText(form), "form");
     demand(again.side1Rows == form.side1Rows && again.side2Cols == form.side2Cols,
            "sizes are written as they are read");
     SimulatedPlatform machine;
     const PlatformScope scope(machine);
     clsKELReader reader;
-    applyForm(form, reader);
+    host::applyForm(form, reader);
     demand(reader.Windows()->Count() == static_cast<Int32>(form.windows.size()), "all windows are there");
     demand(reader.Barcodes()->Count() == static_cast<Int32>(form.barcodes.size()), "all zones are there");
     demand(machine.screen().boxes().empty(), "a form that was taken is a form");
@@ -45,7 +45,7 @@ void takeForm(std::string_view text)
 /// A key that was taken can be sent to either of the readers that store one.
 void takeKey(std::string_view text)
 {
-    const ScanAnswerKey answers = parseAnswerKey(text, "key");
+    const host::GradingKey answers = host::parseAnswerKey(text, "key");
     demand(answers.questionsOn(0) == 0, "pages are counted from 1");
     for (const AnswerCodeAP code : {AnswerCodeAP::Digits, AnswerCodeAP::Mask}) {
         EncodedKeyAP key = encodeKeyAP(*answers.key, code);
@@ -81,7 +81,7 @@ extern "C" int LLVMFuzzerTestOneInput(const Byte* data, std::size_t size)
         case 1: takeKey(text); break;
         default: takeSheets(text); break;
         }
-    } catch (const UsageError& error) {
+    } catch (const host::UsageError& error) {
         demandSentence(error.what());
     } catch (const JsonRefusal& refusal) {
         demand(data[0] % 3 == 2 && !refusal.complaint().empty(), "sheets are refused as JSON");

@@ -1,8 +1,8 @@
 #include "cli/JsonLines.h"
-#include "cli/ScanSession.h"
-#include "cli/TraceHead.h"
 #include "cli/UsageError.h"
 #include "fuzz/Input.h"
+#include "host/Batch.h"
+#include "host/TraceHead.h"
 #include "recording/ReplayCarrier.h"
 #include "recording/ReplayPlatform.h"
 #include "simulators/platform/SimulatedPlatform.h"
@@ -33,14 +33,14 @@ std::int64_t largest(const std::optional<std::vector<Int16>>& sizes)
     return most;
 }
 
-bool isModest(const ScanRequest& request)
+bool isModest(const host::Request& request)
 {
-    const ScanForm& form = request.form;
+    const host::Form& form = request.form;
     return largest(form.side1Rows) * largest(form.side1Cols) <= kMostCells &&
            largest(form.side2Rows) * largest(form.side2Cols) <= kMostCells;
 }
 
-void replay(const Transcript& transcript, ScanRequest request)
+void replay(const Transcript& transcript, host::Request request)
 {
     if (request.maxSheets < 0 || request.maxSheets > kMostSheets)
         request.maxSheets = kMostSheets;
@@ -51,14 +51,14 @@ void replay(const Transcript& transcript, ScanRequest request)
     const PlatformScope scope(replayed);
     clsKELReader reader;
     reader.fComm(Reference<Carrier>(carrier));
-    prepareReader(reader, request);
+    host::prepareReader(reader, request);
     bool ended = false;
     JsonLines sink([&](const std::string& line) {
         const auto event = nlohmann::json::parse(line);
         demand(!ended && line.ends_with('\n'), "an event is a line, and nothing comes behind the end");
         ended = event.at("event") == "end";
     });
-    static_cast<void>(runScan(reader, request, sink, [&] { return carrier->stopped(); }));
+    static_cast<void>(host::runScan(reader, request, sink, [&] { return carrier->stopped(); }));
     demand(ended, "a session tells its end");
     static_cast<void>(carrier->unsent());
 }
@@ -73,12 +73,12 @@ extern "C" int LLVMFuzzerTestOneInput(const Byte* data, std::size_t size)
         const Transcript again = parseTranscript(writeTranscript(transcript));
         demand(again.lines == transcript.lines && again.head == transcript.head,
                "a transcript is written as it is read");
-        const ScanRequest request = requestOfTranscript(transcript, text, "transcript");
+        const host::Request request = host::requestOfTranscript(transcript, text, "transcript");
         if (isModest(request))
             replay(transcript, request);
     } catch (const TranscriptError& error) {
         demand(error.line() >= 1, "a refusal names the line");
-    } catch (const UsageError& error) {
+    } catch (const host::UsageError& error) {
         demand(std::string(error.what()).ends_with('.'), "a refusal is a sentence");
     }
     return 0;

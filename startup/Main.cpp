@@ -4,6 +4,7 @@
 #include "options/OptionsPresenter.h"
 #include "options/ShowOptions.h"
 #include "reader/OptionsDialog.h"
+#include "startup/CrashCapture.h"
 
 #if defined(_WIN32)
 #include "options/win32/Win32OptionsPresenter.h"
@@ -59,6 +60,12 @@ void Main()
 {
     joinParts();
     vbcsInitialise();
+}
+
+void captureFaults(bool wanted)
+{
+    joinParts();
+    setFaultCapture(wanted ? faultCaptureOfThisSystem() : nullptr);
 }
 
 namespace {

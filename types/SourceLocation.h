@@ -18,6 +18,7 @@ public:
         return here;
     }
 
+    /// Its file, its function and its line; 0 is no line.
     [[nodiscard]] constexpr const char* file_name() const noexcept { return file_; }
     [[nodiscard]] constexpr const char* function_name() const noexcept { return function_; }
     [[nodiscard]] constexpr unsigned line() const noexcept { return line_; }

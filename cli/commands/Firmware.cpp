@@ -1,9 +1,9 @@
 #include "cli/CommandList.h"
 #include "cli/Commands.h"
-#include "cli/ModelLookup.h"
-#include "cli/PropertyTable.h"
 #include "cli/SearchReports.h"
-#include "cli/TextOutput.h"
+#include "host/ModelLookup.h"
+#include "host/PropertyTable.h"
+#include "host/TextOutput.h"
 #include "platform/PortMap.h"
 #include "types/Text.h"
 
@@ -28,13 +28,13 @@ int run(const Arguments& arguments)
         line.emplace(arguments.port, arguments.device);
     clsKELReader reader;
     const SearchReports reports(reader);
-    reader.LoadDefaults(modelNamed(arguments.model));
+    reader.LoadDefaults(host::modelNamed(arguments.model));
     reader.Port(arguments.port);
     for (const std::string& assignment : arguments.assignments)
-        applyAssignment(reader, assignment);
+        host::applyAssignment(reader, assignment);
     std::string version;
     if (reader.Firmware(version)) {
-        TextOutput output;
+        host::TextOutput output;
         output.writeOrFail(version + "\n");
         return kDoneStatus;
     }

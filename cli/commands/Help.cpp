@@ -1,8 +1,8 @@
 #include "cli/CommandList.h"
 #include "cli/Commands.h"
-#include "cli/NearestNames.h"
-#include "cli/TextOutput.h"
 #include "cli/UsageError.h"
+#include "formats/NearestNames.h"
+#include "host/TextOutput.h"
 
 namespace kel {
 
@@ -18,8 +18,8 @@ CLI::App& commandNamed(CLI::App& parent, const std::string& name)
         known.push_back(command->get_name());
     }
     if (known.empty())
-        throw UsageError("'" + parent.get_name() + "' has no commands of its own.");
-    throw UsageError("There is no command '" + name + "'; " + nearestListed(nearestNames(name, known)) + ".");
+        throw host::UsageError("'" + parent.get_name() + "' has no commands of its own.");
+    throw host::UsageError("There is no command '" + name + "'; " + nearestListed(nearestNames(name, known)) + ".");
 }
 
 int run(CLI::App& program, const std::vector<std::string>& words)
@@ -33,7 +33,7 @@ int run(CLI::App& program, const std::vector<std::string>& words)
         }
     }
     // Its own help() would tell of the command that was called, which is this one.
-    TextOutput().writeOrFail(command->get_formatter()->make_help(command, path, CLI::AppFormatMode::Normal));
+    host::TextOutput().writeOrFail(command->get_formatter()->make_help(command, path, CLI::AppFormatMode::Normal));
     return kDoneStatus;
 }
 

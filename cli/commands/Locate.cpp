@@ -1,9 +1,9 @@
 #include "cli/CommandList.h"
 #include "cli/Commands.h"
-#include "cli/ModelLookup.h"
-#include "cli/PropertyTable.h"
 #include "cli/SearchReports.h"
-#include "cli/TextOutput.h"
+#include "host/ModelLookup.h"
+#include "host/PropertyTable.h"
+#include "host/TextOutput.h"
 #include "types/Text.h"
 
 #include <iostream>
@@ -22,11 +22,11 @@ int run(const Arguments& arguments)
 {
     clsKELReader reader;
     const SearchReports reports(reader);
-    reader.LoadDefaults(modelNamed(arguments.model));
+    reader.LoadDefaults(host::modelNamed(arguments.model));
     for (const std::string& assignment : arguments.assignments)
-        applyAssignment(reader, assignment);
+        host::applyAssignment(reader, assignment);
     if (reader.Locate(arguments.startPort)) {
-        TextOutput output;
+        host::TextOutput output;
         output.writeOrFail(CStr(reader.Port()) + "\n");
         return kDoneStatus;
     }

@@ -1,9 +1,9 @@
 #include "cli/CommandList.h"
 #include "cli/Commands.h"
-#include "cli/ModelLookup.h"
 #include "cli/ModelTable.h"
 #include "cli/ProfileRecord.h"
-#include "cli/TextOutput.h"
+#include "host/ModelLookup.h"
+#include "host/TextOutput.h"
 #include "profiles/clsKELReaderProfiles.h"
 #include "types/Text.h"
 
@@ -19,8 +19,8 @@ struct Arguments {
 int run(const Arguments& arguments)
 {
     const clsKELReaderProfiles profiles;
-    const Reference<clsKELReaderProfile> profile = profiles.Item(CStr(modelNamed(arguments.model)));
-    TextOutput output;
+    const Reference<clsKELReaderProfile> profile = profiles.Item(CStr(host::modelNamed(arguments.model)));
+    host::TextOutput output;
     if (arguments.format == "json")
         output.writeOrFail(jsonText(jsonRecord(*profile)) + "\n");
     else if (arguments.format == "csv")

@@ -1,8 +1,8 @@
 #include "cli/CommandList.h"
 #include "cli/Commands.h"
-#include "cli/ModelLookup.h"
 #include "cli/ModelTable.h"
-#include "cli/TextOutput.h"
+#include "host/ModelLookup.h"
+#include "host/TextOutput.h"
 #include "profiles/clsKELReaderProfiles.h"
 
 namespace kel {
@@ -19,7 +19,7 @@ ProfileList profilesOf(const std::string& maker)
 {
     clsKELReaderProfiles profiles;
     if (!maker.empty())
-        profiles.ProfileType(makerNamed(maker));
+        profiles.ProfileType(host::makerNamed(maker));
     ProfileList list;
     for (Int32 position = maker.empty() ? 1 : 2; position <= profiles.Count(); ++position)
         list.push_back(profiles.Item(position));
@@ -29,7 +29,7 @@ ProfileList profilesOf(const std::string& maker)
 int run(const Arguments& arguments)
 {
     const ProfileList profiles = profilesOf(arguments.maker);
-    TextOutput output;
+    host::TextOutput output;
     if (arguments.format == "json")
         output.writeOrFail(modelsAsJson(profiles));
     else if (arguments.format == "csv")

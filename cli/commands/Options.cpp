@@ -1,10 +1,12 @@
 #include "cli/CommandList.h"
 #include "cli/Commands.h"
-#include "cli/FailureSentence.h"
-#include "cli/LoadedSettings.h"
-#include "cli/ModelLookup.h"
-#include "cli/TextOutput.h"
-#include "platform/Registry.h"
+#include "cli/SettingsText.h"
+#include "host/Failure.h"
+#include "host/LoadedSettings.h"
+#include "host/ModelLookup.h"
+#include "host/Reports.h"
+#include "host/TextOutput.h"
+#include "types/RuntimeFailure.h"
 
 #include <iostream>
 #include <optional>
@@ -20,45 +22,39 @@ struct Arguments {
 };
 
 /// Tells reports while the window is open. A search comes past ports that are not there; these are no news.
-class SpokenReports final : public ErrorObject {
-public:
-    Int32 RaiseError(const ErrorReport& report) override
-    {
-        if (report.ErrorNumber == static_cast<Int32>(FailureCode::InvalidPortNumber))
-            return 0;
-        std::cerr << "kelreader: " << failureSentence(reportedFailure(report)) << std::endl;
-        any = true;
-        return 0;
-    }
-
-    bool any = false;
-};
-
-/// Puts the reports into words for as long as it lives.
 class Reporting {
 public:
-    explicit Reporting(clsKELReader& reader) : reader_(reader) { reader_.SetError(reports_); }
-    ~Reporting() { reader_.SetError(nullptr); }
+    explicit Reporting(clsKELReader& reader) : reports_(reader, [this](const host::Failure& failure) { tell(failure); })
+    {
+    }
     Reporting(const Reporting&) = delete;
     Reporting& operator=(const Reporting&) = delete;
 
-    [[nodiscard]] int status() const { return reports_->any ? kFailedStatus : kDoneStatus; }
+    [[nodiscard]] int status() const { return any_ ? kFailedStatus : kDoneStatus; }
 
 private:
-    clsKELReader& reader_;
-    std::shared_ptr<SpokenReports> reports_ = std::make_shared<SpokenReports>();
+    void tell(const host::Failure& failure)
+    {
+        if (failure.number == static_cast<Int32>(FailureCode::InvalidPortNumber))
+            return;
+        std::cerr << "kelreader: " << host::failureSentence(failure) << std::endl;
+        any_ = true;
+    }
+
+    bool any_ = false;
+    host::Reports reports_;
 };
 
 /// What the window shows at first: what is kept, and the model's defaults where another model is asked for.
 void prepare(clsKELReader& reader, const std::optional<RegistryPath>& key, const std::string& model)
 {
     if (key) {
-        for (const ReportedFailure& failure : loadSettings(reader, *key))
-            std::cerr << "kelreader: " << failureSentence(failure) << std::endl;
+        for (const host::Failure& failure : host::loadSettings(reader, *key))
+            std::cerr << "kelreader: " << host::failureSentence(failure) << std::endl;
     }
     if (model.empty())
         return;
-    const kelReaderType wanted = modelNamed(model);
+    const kelReaderType wanted = host::modelNamed(model);
     if (!key || reader.ReaderType() != wanted)
         reader.LoadDefaults(wanted);
 }
@@ -67,7 +63,7 @@ int run(const Arguments& arguments)
 {
     std::optional<RegistryPath> key;
     if (!arguments.settings.empty())
-        key = keyNamed(arguments.settings);
+        key = host::keyNamed(arguments.settings);
     clsKELReader reader;
     prepare(reader, key, arguments.model);
     const Reporting reporting(reader);
@@ -78,7 +74,7 @@ int run(const Arguments& arguments)
     }
     if (key)
         reader.SaveSettings(key->hive, key->subKey);
-    TextOutput().writeOrFail(settingsText(reader, arguments.format == "json"));
+    host::TextOutput().writeOrFail(settingsText(reader, arguments.format == "json"));
     return reporting.status();
 }
 

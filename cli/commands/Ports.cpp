@@ -1,10 +1,9 @@
 #include "cli/CommandList.h"
 #include "cli/Commands.h"
 #include "cli/PortList.h"
-#include "cli/SerialDevices.h"
-#include "cli/TextOutput.h"
 #include "cli/UsageError.h"
-#include "platform/Platform.h"
+#include "host/SerialDevices.h"
+#include "host/TextOutput.h"
 #include "types/Text.h"
 
 #include <filesystem>
@@ -22,17 +21,17 @@ struct Arguments {
 
 int list(const Arguments& arguments)
 {
-    const std::vector<PortState> ports = portStates(PortMap(platform().registry()));
-    TextOutput output;
+    const std::vector<host::PortState> ports = host::portStates();
+    host::TextOutput output;
     output.writeOrFail(arguments.format == "json" ? portsAsJson(ports) : portsAsTable(ports));
     return kDoneStatus;
 }
 
 Int16 portNumber(const Arguments& arguments)
 {
-    if (arguments.port < PortMap::kFirstPort || arguments.port > PortMap::kLastPort)
-        throw UsageError("Ports have the numbers " + CStr(PortMap::kFirstPort) + " to " + CStr(PortMap::kLastPort) +
-                         ", not " + CStr(arguments.port) + ".");
+    if (arguments.port < host::kFirstPort || arguments.port > host::kLastPort)
+        throw host::UsageError("Ports have the numbers " + CStr(host::kFirstPort) + " to " + CStr(host::kLastPort) +
+                               ", not " + CStr(arguments.port) + ".");
     return static_cast<Int16>(arguments.port);
 }
 
@@ -48,15 +47,15 @@ int set(const Arguments& arguments)
 {
     const Int16 iPort = portNumber(arguments);
     if (arguments.device.empty())
-        throw UsageError("The name of the device is empty; 'kelreader ports' lists the devices that are there.");
+        throw host::UsageError("The name of the device is empty; 'kelreader ports' lists the devices that are there.");
     const std::string device = wholeName(arguments.device);
-    if (!PortMap(platform().registry()).set(iPort, device))
+    if (!host::mapPort(iPort, device))
         throw CommandFailure("The settings store cannot be written, so port " + CStr(iPort) + " stays as it was.");
 
     std::error_code ignored;
     if (device.starts_with('/') && !std::filesystem::exists(device, ignored))
         std::cerr << "kelreader: " << device << " is not there now." << std::endl;
-    else if (const std::string stable = stableName(device); stable != device)
+    else if (const std::string stable = host::stableName(device); stable != device)
         std::cerr << "kelreader: " << device << " may be another device after the next start; " << stable
                   << " stays the same." << std::endl;
     return kDoneStatus;
@@ -65,12 +64,11 @@ int set(const Arguments& arguments)
 int clear(const Arguments& arguments)
 {
     const Int16 iPort = portNumber(arguments);
-    PortMap map(platform().registry());
-    if (!map.get(iPort)) {
+    if (!host::deviceOf(iPort)) {
         std::cerr << "kelreader: Port " << iPort << " has no device." << std::endl;
         return kDoneStatus;
     }
-    if (!map.clear(iPort))
+    if (!host::unmapPort(iPort))
         throw CommandFailure("The settings store cannot be written, so port " + CStr(iPort) + " stays as it was.");
     return kDoneStatus;
 }

@@ -1,12 +1,10 @@
+#include "host/Replay.h"
 #include "cli/CommandList.h"
 #include "cli/Commands.h"
 #include "cli/Interrupt.h"
-#include "cli/JsonFile.h"
 #include "cli/ScanOutput.h"
-#include "cli/ScanSession.h"
-#include "cli/TraceHead.h"
 #include "cli/UsageError.h"
-#include "recording/ReplayPlatform.h"
+#include "host/JsonFile.h"
 
 #include <iostream>
 
@@ -22,26 +20,8 @@ struct Arguments {
     std::string outFile;
 };
 
-Transcript parseOrRefuse(const std::string& text, const std::string& fileName)
-{
-    try {
-        return parseTranscript(text);
-    } catch (const TranscriptError& error) {
-        throw UsageError(fileName + ", " + error.what() + ".");
-    }
-}
-
-ScanRequest requestOf(const Arguments& arguments, const Transcript& transcript, const std::string& text)
-{
-    ScanRequest request = requestOfTranscript(transcript, text, arguments.file);
-    if (!arguments.formFile.empty())
-        request.form = readFormFile(arguments.formFile);
-    request.assignments.insert(request.assignments.end(), arguments.assignments.begin(), arguments.assignments.end());
-    return request;
-}
-
 /// Tells where the session has left its transcript; false if it has.
-bool tellDifferences(const ReplayCarrier& replay)
+bool tellDifferences(const host::Replay& replay)
 {
     for (const std::string& difference : replay.differences())
         std::cerr << "kelreader: The session differs from its transcript. " << difference << std::endl;
@@ -55,28 +35,21 @@ bool tellDifferences(const ReplayCarrier& replay)
 
 int run(const Arguments& arguments)
 {
-    const std::string text = readGivenFile(arguments.file, "transcript");
-    const Transcript transcript = parseOrRefuse(text, arguments.file);
-    const ScanRequest request = requestOf(arguments, transcript, text);
-
-    const auto replay = std::make_shared<ReplayCarrier>(transcript);
-    ReplayPlatform machine(platform(), *replay);
-    const PlatformScope scope(machine);
-    clsKELReader reader;
-    reader.fComm(Reference<Carrier>(replay));
-    prepareReader(reader, request);
+    host::Replay replay(host::readGivenFile(arguments.file, "transcript"), arguments.file);
+    if (!arguments.formFile.empty())
+        replay.request().form = host::readFormFile(arguments.formFile);
+    std::vector<std::string>& assignments = replay.request().assignments;
+    assignments.insert(assignments.end(), arguments.assignments.begin(), arguments.assignments.end());
 
     ScanOutput output(arguments.outFile, arguments.format);
     const InterruptNote interrupt;
-    const ScanResult result = runScan(reader, request, output, [&] {
-        return InterruptNote::came() || output.output().failed() || replay->stopped();
-    });
+    const host::Result result = replay.read(output, [&] { return InterruptNote::came() || output.output().failed(); });
 
     if (InterruptNote::came())
         return kInterruptedStatus;
     if (output.output().failed())
         throw CommandFailure(output.output().problem());
-    const bool asRecorded = tellDifferences(*replay);
+    const bool asRecorded = tellDifferences(replay);
     return asRecorded && result.failures.empty() && result.end.started ? kDoneStatus : kFailedStatus;
 }
 

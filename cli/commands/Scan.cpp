@@ -1,17 +1,11 @@
 #include "cli/CommandList.h"
 #include "cli/Commands.h"
 #include "cli/Interrupt.h"
-#include "cli/LoadedSettings.h"
-#include "cli/ModelLookup.h"
 #include "cli/ScanOutput.h"
-#include "cli/ScanSession.h"
-#include "cli/SimulatedReader.h"
-#include "cli/TextOutput.h"
-#include "cli/TraceHead.h"
+#include "cli/SimulatorArguments.h"
 #include "cli/UsageError.h"
-#include "platform/Platform.h"
-#include "platform/PortMap.h"
-#include "recording/TracingCarrier.h"
+#include "host/LoadedSettings.h"
+#include "host/Reader.h"
 #include "types/Text.h"
 
 #include <iostream>
@@ -19,9 +13,6 @@
 namespace kel {
 
 namespace {
-
-// The port that stands for a device which is named on the command line.
-constexpr Int16 kDevicePort = 1;
 
 struct Arguments {
     std::string model;
@@ -39,32 +30,35 @@ struct Arguments {
     std::string omrApiFile;
     bool rejectBlank = false;
     std::vector<Int32> rejectSheets;
-    PrintRequest print;
+    host::Print print;
     SimulatorArguments simulator;
 };
 
-ScanRequest requestOf(const Arguments& arguments)
+host::Request requestOf(const Arguments& arguments)
 {
-    ScanRequest request;
+    host::Request request;
     if (!arguments.settings.empty())
-        request.settings = keyNamed(arguments.settings);
+        request.settings = host::keyNamed(arguments.settings);
     if (!arguments.model.empty())
-        request.model = modelNamed(arguments.model);
+        request.model = arguments.model;
     if (!request.model && !request.settings)
         throw CLI::RequiredError("--model");
     if (!arguments.formFile.empty())
-        request.form = readFormFile(arguments.formFile);
+        request.form = host::readFormFile(arguments.formFile);
     if (!arguments.answerKeyFile.empty())
-        request.answerKey = readAnswerKeyFile(arguments.answerKeyFile);
+        request.answerKey = host::readAnswerKeyFile(arguments.answerKeyFile);
     request.assignments = arguments.assignments;
     request.port = arguments.port;
-    if (!arguments.device.empty() || arguments.simulate)
-        request.port = kDevicePort;
+    request.device = arguments.device;
+    if (arguments.simulate)
+        request.simulated = arguments.simulator.simulation();
+    request.usbLibrary = arguments.omrApiFile;
+    request.traceFile = arguments.traceFile;
     request.maxSheets = arguments.maxSheets;
     request.rejectBlank = arguments.rejectBlank;
     for (const Int32 sheet : arguments.rejectSheets) {
         if (sheet < 1)
-            throw UsageError("There is no sheet " + CStr(sheet) + " to reject; the first is 1.");
+            throw host::UsageError("There is no sheet " + CStr(sheet) + " to reject; the first is 1.");
     }
     request.rejectSheets.insert(arguments.rejectSheets.begin(), arguments.rejectSheets.end());
     request.print = arguments.print;
@@ -73,40 +67,18 @@ ScanRequest requestOf(const Arguments& arguments)
 
 void demandLine(const Arguments& arguments, const clsKELReader& reader)
 {
-    const bool usb = isUsbModel(reader.ReaderType());
+    const bool usb = host::isUsbModel(reader.ReaderType());
     const bool named = arguments.port || !arguments.device.empty() || arguments.simulate;
     if (!named && reader.Port() == 0 && !usb)
-        throw UsageError("Where is the reader? Say --port N, --device PATH or --simulate ('kelreader ports' lists the "
-                         "devices that are there).");
+        throw host::UsageError(
+            "Where is the reader? Say --port N, --device PATH or --simulate ('kelreader ports' lists the "
+            "devices that are there).");
     if (!arguments.traceFile.empty() && usb)
-        throw UsageError("A USB reader has no line that --trace could write down.");
+        throw host::UsageError("A USB reader has no line that --trace could write down.");
     if (!arguments.traceFile.empty() && arguments.traceFile == arguments.outFile)
-        throw UsageError("--out and --trace cannot share a file; name another one for either.");
+        throw host::UsageError("--out and --trace cannot share a file; name another one for either.");
     if (arguments.simulator.given() && !arguments.simulate)
-        throw UsageError("The options of a simulated reader go with --simulate.");
-}
-
-/// Has the line of a reader written down while it is used. The file lives as long as the reader's carrier.
-std::shared_ptr<const TextOutput> trace(const Arguments& arguments, const ScanRequest& request, clsKELReader& reader)
-{
-    const auto file = std::make_shared<TextOutput>(arguments.traceFile);
-    TraceLog::Head head = traceHead(request, reader, arguments.formFile, arguments.answerKeyFile);
-    if (arguments.formFile.empty() && request.form.side1Rows)
-        head.emplace_back("form", sizesText(request.form));
-    reader.fComm(
-        makeReference<TracingCarrier>(reader.fComm(), head, [file](const std::string& line) { file->write(line); }));
-    return file;
-}
-
-/// Starts the simulated reader. Without a form the component gets that of the sheets, so that it can read them.
-std::unique_ptr<SimulatedReader> simulate(const Arguments& arguments, ScanRequest& request, clsKELReader& reader)
-{
-    const kelReaderType model = request.model.value_or(reader.ReaderType());
-    if (arguments.formFile.empty()) {
-        request.form = arguments.simulator.formOfSheets(model);
-        applySizes(request.form, reader);
-    }
-    return startSimulatedReader(arguments.simulator, model, request.form);
+        throw host::UsageError("The options of a simulated reader go with --simulate.");
 }
 
 void tellFaults(const std::vector<std::string>& faults)
@@ -116,52 +88,42 @@ void tellFaults(const std::vector<std::string>& faults)
 }
 
 /// Settings that do not fit leave the reader half set: nothing is read with it.
-int refuseSettings(const Arguments& arguments, const clsKELReader& reader, const std::vector<ReportedFailure>& failures)
+int refuseSettings(const Arguments& arguments, const std::vector<host::Failure>& failures)
 {
     ScanOutput output(arguments.outFile, arguments.format);
-    for (const ReportedFailure& failure : failures)
+    for (const host::Failure& failure : failures)
         output.failure(failure);
-    output.end({.started = false, .sheets = 0, .cancelScan = static_cast<bool>(reader.CancelScan()), .result = false});
+    output.end({.started = false, .sheets = 0, .cancelScan = true, .result = false});
     return kFailedStatus;
 }
 
-int run(const Arguments& arguments)
+int read(host::Reader& reader, const Arguments& arguments)
 {
-    ScanRequest request = requestOf(arguments);
-    clsKELReader reader;
-    const std::vector<ReportedFailure> failures = prepareReader(reader, request);
-    if (!failures.empty())
-        return refuseSettings(arguments, reader, failures);
-    demandLine(arguments, reader);
-
-    std::unique_ptr<SimulatedReader> simulated;
-    if (arguments.simulate)
-        simulated = simulate(arguments, request, reader);
-    const std::string device = simulated ? simulated->deviceFile() : arguments.device;
-    std::optional<PortOverride> inItsPlace;
-    if (!device.empty())
-        inItsPlace.emplace(reader.Port(), device);
-
-    if (!arguments.omrApiFile.empty())
-        platform().omrApiLoader().libraryFile(arguments.omrApiFile);
-
+    demandLine(arguments, reader.object());
+    reader.connect();
     ScanOutput output(arguments.outFile, arguments.format);
-    std::shared_ptr<const TextOutput> transcript;
-    if (!arguments.traceFile.empty())
-        transcript = trace(arguments, request, reader);
     const InterruptNote interrupt;
-    const ScanResult result =
-        runScan(reader, request, output, [&] { return InterruptNote::came() || output.output().failed(); });
-    if (simulated)
-        tellFaults(simulated->end());
+    const host::Result result = reader.read(output, [&] { return InterruptNote::came() || output.output().failed(); });
+    tellFaults(reader.simulatorErrors());
 
     if (InterruptNote::came())
         return kInterruptedStatus;
     if (output.output().failed())
         throw CommandFailure(output.output().problem());
-    if (transcript && transcript->failed())
-        throw CommandFailure(transcript->problem());
+    if (!reader.traceProblem().empty())
+        throw CommandFailure(reader.traceProblem());
     return result.failures.empty() && result.end.started ? kDoneStatus : kFailedStatus;
+}
+
+int run(const Arguments& arguments)
+{
+    std::optional<host::Reader> reader;
+    try {
+        reader.emplace(requestOf(arguments));
+    } catch (const host::ReaderFailed& refusal) {
+        return refuseSettings(arguments, refusal.failures());
+    }
+    return read(*reader, arguments);
 }
 
 void addReaderOptions(CLI::App& command, Arguments& arguments)

@@ -1,13 +1,14 @@
 #include "cli/CommandList.h"
 #include "cli/Commands.h"
-#include "cli/FailureSentence.h"
-#include "cli/JsonFile.h"
-#include "cli/LoadedSettings.h"
-#include "cli/PropertyTable.h"
 #include "cli/RegistryValueText.h"
-#include "cli/TextOutput.h"
+#include "cli/SettingsText.h"
 #include "cli/UsageError.h"
 #include "formats/RegistryCopy.h"
+#include "host/Failure.h"
+#include "host/JsonFile.h"
+#include "host/LoadedSettings.h"
+#include "host/PropertyTable.h"
+#include "host/TextOutput.h"
 #include "platform/Platform.h"
 #include "reader/SettingsStore.h"
 
@@ -52,7 +53,7 @@ std::string shown(const std::string& name)
 /// The key, which has to be there.
 RegistryPath presentKey(const Arguments& arguments)
 {
-    const RegistryPath key = keyNamed(arguments.key);
+    const RegistryPath key = host::keyNamed(arguments.key);
     if (!registry().exists(key.hive, key.subKey))
         throw CommandFailure("There is no key " + registryPathText(key) + ", or it may not be read.");
     return key;
@@ -115,20 +116,20 @@ std::string valuesAsJson(const RegistryPath& key)
 int list(const Arguments& arguments)
 {
     const RegistryPath key = presentKey(arguments);
-    TextOutput().writeOrFail(arguments.format == "json" ? valuesAsJson(key) : valuesAsTable(key));
+    host::TextOutput().writeOrFail(arguments.format == "json" ? valuesAsJson(key) : valuesAsTable(key));
     return kDoneStatus;
 }
 
 int get(const Arguments& arguments)
 {
     const RegistryValue value = presentValue(presentKey(arguments), nameOf(arguments));
-    TextOutput().writeOrFail(registryValueText(value) + "\n");
+    host::TextOutput().writeOrFail(registryValueText(value) + "\n");
     return kDoneStatus;
 }
 
 int set(const Arguments& arguments)
 {
-    const RegistryPath key = keyNamed(arguments.key);
+    const RegistryPath key = host::keyNamed(arguments.key);
     std::string value = arguments.value;
     if (!SettingsStore(key.hive, key.subKey).SaveValue(nameOf(arguments), value))
         failToWrite(key);
@@ -137,9 +138,9 @@ int set(const Arguments& arguments)
 
 int remove(const Arguments& arguments)
 {
-    const RegistryPath key = keyNamed(arguments.key);
+    const RegistryPath key = host::keyNamed(arguments.key);
     if (!arguments.name && key.subKey.empty())
-        throw UsageError("A hive as a whole cannot be deleted; name a key below it.");
+        throw host::UsageError("A hive as a whole cannot be deleted; name a key below it.");
     presentKey(arguments);
     std::optional<std::string> name;
     if (arguments.name) {
@@ -154,16 +155,16 @@ int remove(const Arguments& arguments)
 int exportKey(const Arguments& arguments)
 {
     const std::string bytes = regFileBytes(registryEntries(registry(), presentKey(arguments)));
-    TextOutput(arguments.file).writeOrFail(bytes);
+    host::TextOutput(arguments.file).writeOrFail(bytes);
     return kDoneStatus;
 }
 
 std::vector<RegFileEntry> entriesOf(const std::string& file)
 {
     try {
-        return parseRegFile(readGivenFile(file, "registry file"));
+        return parseRegFile(host::readGivenFile(file, "registry file"));
     } catch (const RegFileError& refusal) {
-        throw UsageError("The registry file " + file + " cannot be taken. " + refusal.what());
+        throw host::UsageError("The registry file " + file + " cannot be taken. " + refusal.what());
     }
 }
 
@@ -177,10 +178,10 @@ int import(const Arguments& arguments)
 int show(const Arguments& arguments)
 {
     clsKELReader reader;
-    const std::vector<ReportedFailure> failures = loadSettings(reader, keyNamed(arguments.key));
-    TextOutput().writeOrFail(settingsText(reader, arguments.format == "json"));
-    for (const ReportedFailure& failure : failures)
-        std::cerr << "kelreader: " << failureSentence(failure) << std::endl;
+    const std::vector<host::Failure> failures = host::loadSettings(reader, host::keyNamed(arguments.key));
+    host::TextOutput().writeOrFail(settingsText(reader, arguments.format == "json"));
+    for (const host::Failure& failure : failures)
+        std::cerr << "kelreader: " << host::failureSentence(failure) << std::endl;
     return failures.empty() ? kDoneStatus : kFailedStatus;
 }
 

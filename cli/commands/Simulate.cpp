@@ -1,13 +1,14 @@
 #include "cli/CommandList.h"
 #include "cli/Commands.h"
 #include "cli/Interrupt.h"
-#include "cli/JsonValue.h"
-#include "cli/ModelLookup.h"
-#include "cli/SimulatedLibraryHost.h"
 #include "cli/SimulatorArguments.h"
 #include "cli/SiteFaultTable.h"
-#include "cli/TextOutput.h"
 #include "cli/UsageError.h"
+#include "formats/JsonValue.h"
+#include "host/ModelLookup.h"
+#include "host/SimulatedLibraryHost.h"
+#include "host/SimulatorParts.h"
+#include "host/TextOutput.h"
 #include "simulators/SimulatorTable.h"
 #include "simulators/pseudo_terminal/PtyDeviceHost.h"
 
@@ -50,15 +51,15 @@ std::string errorLine(const std::string& what)
     return jsonText({{"event", "error"}, {"text", jsonValue(what)}}) + "\n";
 }
 
-int playReader(const Arguments& arguments, kelReaderType model, const ScanForm& form)
+int playReader(const Arguments& arguments, kelReaderType model, const host::Form& form)
 {
-    const std::unique_ptr<Simulator> reader = arguments.simulator.make(model, form);
+    const std::unique_ptr<Simulator> reader = host::makeSimulator(arguments.simulator.simulation(), model, form);
     const auto host = atLink(arguments.link, [&] {
         return std::make_unique<PtyDeviceHost>(*reader, PtyDeviceHost::Options{.link = arguments.link});
     });
 
     // When nobody reads the log any more, nobody is there for whom to go on.
-    TextOutput output;
+    host::TextOutput output;
     const auto write = [&](const std::string& line) {
         if (!output.write(line))
             host->stop();
@@ -79,18 +80,18 @@ int playReader(const Arguments& arguments, kelReaderType model, const ScanForm& 
 }
 
 /// A USB model: a library to load lies where the first line says, and what happens in it is told as it comes.
-int playLibrary(const Arguments& arguments, const ScanForm& form)
+int playLibrary(const Arguments& arguments, const host::Form& form)
 {
-    const OmrSimulationState state = arguments.simulator.omrState(form);
+    const OmrSimulationState state = host::omrState(arguments.simulator.simulation(), form);
     const auto host =
-        atLink(arguments.link, [&] { return std::make_unique<SimulatedLibraryHost>(state, arguments.link); });
+        atLink(arguments.link, [&] { return std::make_unique<host::SimulatedLibraryHost>(state, arguments.link); });
 
-    TextOutput output;
+    host::TextOutput output;
     const InterruptNote interrupt;
     output.write(jsonText({{"event", "ready"}, {"library", host->library().string()}}) + "\n");
     while (!InterruptNote::came() && !output.failed()) {
         std::this_thread::sleep_for(kLookForNews);
-        for (const SimulatedLibraryHost::News& news : host->news())
+        for (const host::SimulatedLibraryHost::News& news : host->news())
             output.write(news.isFault ? errorLine(news.text) : news.text + "\n");
     }
     if (InterruptNote::came())
@@ -100,9 +101,9 @@ int playLibrary(const Arguments& arguments, const ScanForm& form)
 
 int listFaults(const std::string& model)
 {
-    TextOutput output;
+    host::TextOutput output;
     output.writeOrFail(
-        siteFaultTable(model.empty() ? std::nullopt : std::optional(simulatedFamily(modelNamed(model)))));
+        siteFaultTable(model.empty() ? std::nullopt : std::optional(simulatedFamily(host::modelNamed(model)))));
     return kDoneStatus;
 }
 
@@ -111,10 +112,10 @@ int run(const Arguments& arguments)
     if (arguments.listFaults)
         return listFaults(arguments.model);
     if (arguments.model.empty())
-        throw UsageError("--model is required; 'kelreader simulate --help' tells what there is.");
-    const kelReaderType model = modelNamed(arguments.model);
-    const ScanForm form = arguments.formFile.empty() ? ScanForm() : readFormFile(arguments.formFile);
-    return isUsbModel(model) ? playLibrary(arguments, form) : playReader(arguments, model, form);
+        throw host::UsageError("--model is required; 'kelreader simulate --help' tells what there is.");
+    const kelReaderType model = host::modelNamed(arguments.model);
+    const host::Form form = arguments.formFile.empty() ? host::Form() : host::readFormFile(arguments.formFile);
+    return host::isUsbModel(model) ? playLibrary(arguments, form) : playReader(arguments, model, form);
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-#include "cli/JsonValue.h"
+#include "formats/JsonValue.h"
 #include "simulators/pseudo_terminal/Pty.h"
 #include "tests/cli/CommandRun.h"
 #include "tests/support/BuiltFiles.h"

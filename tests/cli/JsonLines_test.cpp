@@ -11,10 +11,10 @@ MarkArray marks(Int32 rows, Int32 columns)
     return MarkArray(rows, columns);
 }
 
-ScannedSheet smallSheet()
+host::Sheet smallSheet()
 {
-    ScannedSheet sheet;
-    sheet.sheet = 1;
+    host::Sheet sheet;
+    sheet.number = 1;
     sheet.side1 = marks(2, 3);
     sheet.side1(1, 2) = 1;
     sheet.side1(2, 3) = -7;
@@ -32,8 +32,8 @@ TEST(JsonLines, SheetHasItsMembersInOrderAndItsMarksRowByRow)
 
 TEST(JsonLines, SheetTellsAllBarcodesAndWhatBecameOfIt)
 {
-    ScannedSheet sheet;
-    sheet.sheet = 12;
+    host::Sheet sheet;
+    sheet.number = 12;
     sheet.barcodes = TextArray::of(1, {"12", "", "a\"b"});
     sheet.rejected = true;
     sheet.printed = true;
@@ -43,34 +43,37 @@ TEST(JsonLines, SheetTellsAllBarcodesAndWhatBecameOfIt)
 
 TEST(JsonLines, UndimensionedBarcodesAreAnEmptyArray)
 {
-    ScannedSheet sheet;
+    host::Sheet sheet;
     EXPECT_NE(jsonLine(sheet).find(R"("barcodes":[],)"), std::string::npos);
 }
 
 TEST(JsonLines, RecordStandsBehindTheRest)
 {
-    ScannedSheet sheet = smallSheet();
-    sheet.record = Json{{"Student ID", "77"}, {"1", "A\tB"}};
+    host::Sheet sheet = smallSheet();
+    sheet.record.emplace();
+    sheet.record->Add("Student ID", "77");
+    sheet.record->Add(Int32{1}, "A\tB");
     EXPECT_TRUE(jsonLine(sheet).ends_with(R"("printed":false,"record":{"Student ID":"77","1":"A\tB"}})"));
 }
 
 TEST(JsonLines, FailureHasItsMembersInOrder)
 {
-    EXPECT_EQ(jsonLine(ReportedFailure{.line = 7,
-                                       .number = 8002,
-                                       .type = 1,
-                                       .description = "no\r\nport",
-                                       .source = "basRead.ReaderInit",
-                                       .title = "Port"}),
+    EXPECT_EQ(jsonLine(host::Failure{.line = 7,
+                                     .number = 8002,
+                                     .type = 1,
+                                     .description = "no\r\nport",
+                                     .source = "basRead.ReaderInit",
+                                     .title = "Port"}),
               R"({"event":"failure","line":7,"number":8002,"type":1,"description":"no\r\nport",)"
               R"("source":"basRead.ReaderInit","title":"Port"})");
 }
 
 TEST(JsonLines, EndHasItsMembersInOrder)
 {
-    EXPECT_EQ(jsonLine(BatchEnd{.started = true, .sheets = 3, .cancelScan = true, .result = true}),
+    EXPECT_EQ(jsonLine(host::BatchEnd{.started = true, .sheets = 3, .cancelScan = true, .result = true}),
               R"({"event":"end","started":true,"sheets":3,"cancelScan":true,"result":true})");
-    EXPECT_EQ(jsonLine(BatchEnd{}), R"({"event":"end","started":false,"sheets":0,"cancelScan":false,"result":false})");
+    EXPECT_EQ(jsonLine(host::BatchEnd{}),
+              R"({"event":"end","started":false,"sheets":0,"cancelScan":false,"result":false})");
 }
 
 TEST(JsonLines, BytesThatAreNoUtf8AreTakenAsLatin1)
@@ -91,7 +94,7 @@ TEST(JsonLines, EveryByteIsValidJson)
     std::string all;
     for (int code = 0; code < 256; ++code)
         all += static_cast<char>(code);
-    ScannedSheet sheet;
+    host::Sheet sheet;
     sheet.barcodes = TextArray::of(0, {all});
     const Json parsed = Json::parse(jsonLine(sheet));
     EXPECT_EQ(lineOfText(parsed["barcodes"][0].get<std::string>()), all);
@@ -99,7 +102,7 @@ TEST(JsonLines, EveryByteIsValidJson)
 
 TEST(JsonLines, TextOfALineIsNeverTakenForUtf8)
 {
-    ScannedSheet sheet;
+    host::Sheet sheet;
     sheet.barcodes = TextArray::of(0, {"\xC4\x81"});
     EXPECT_EQ(Json::parse(jsonLine(sheet))["barcodes"][0], "\xC3\x84\xC2\x81");
 }

@@ -1,5 +1,5 @@
 #include "cli/JsonLines.h"
-#include "cli/ScanSession.h"
+#include "host/Batch.h"
 #include "simulators/SimulatorTable.h"
 #include "simulators/platform/SimulatedPlatform.h"
 
@@ -65,7 +65,7 @@ protected:
         request_.port = Int16{1};
         request_.maxSheets = 3;
         request_.form =
-            parseForm(R"({"recognitionMode":"page","side1Rows":[1],"side1Cols":[48],"side2Rows":[0]})", "form");
+            host::parseForm(R"({"recognitionMode":"page","side1Rows":[1],"side1Cols":[48],"side2Rows":[0]})", "form");
         request_.assignments = {"Duplex=false"};
         request_.print = {.print1 = "No. {sheet}", .print2 = "never sent", .print3 = {}, .distance = Int16{7}};
     }
@@ -83,8 +83,8 @@ protected:
                 sheets.emplace_back(event["rejected"], event["printed"]);
         });
         clsKELReader reader;
-        prepareReader(reader, request_);
-        static_cast<void>(runScan(reader, request_, sink));
+        host::prepareReader(reader, request_);
+        static_cast<void>(host::runScan(reader, request_, sink));
         EXPECT_THAT(failures, IsEmpty());
         EXPECT_THAT(sheets, ElementsAre(std::pair(false, true), std::pair(true, false), std::pair(false, true)));
         EXPECT_THAT(device_->errors(), IsEmpty());
@@ -112,7 +112,7 @@ protected:
     SimulatedPlatform machine_;
     PlatformScope scope_;
     std::unique_ptr<Simulator> device_;
-    ScanRequest request_;
+    host::Request request_;
 };
 
 TEST_P(PrintAndReject, ByItsNumber)

@@ -28,8 +28,8 @@ Words simulatedScan(const Words& more)
 
 std::string sheetLine(Int32 number, const std::vector<std::pair<Int32, Int32>>& marks, bool rejected = false)
 {
-    ScannedSheet sheet;
-    sheet.sheet = number;
+    host::Sheet sheet;
+    sheet.number = number;
     sheet.side1 = MarkArray(500, 14);
     for (const auto& [row, column] : marks)
         sheet.side1(row, column) = 199;

@@ -1,4 +1,4 @@
-#include "cli/JsonValue.h"
+#include "formats/JsonValue.h"
 #include "formats/RegFile.h"
 #include "formats/Utf16.h"
 #include "tests/cli/CommandRun.h"

@@ -6,17 +6,17 @@
 namespace kel {
 namespace {
 
-ScannedSheet sheetWith(Int32 rows, Int32 columns)
+host::Sheet sheetWith(Int32 rows, Int32 columns)
 {
-    ScannedSheet sheet;
-    sheet.sheet = 3;
+    host::Sheet sheet;
+    sheet.number = 3;
     sheet.side1 = MarkArray(rows, columns);
     return sheet;
 }
 
 TEST(SheetTable, MarksStandOutOfTheDots)
 {
-    ScannedSheet sheet = sheetWith(4, 7);
+    host::Sheet sheet = sheetWith(4, 7);
     sheet.side1(1, 1) = 1;
     sheet.side1(2, 6) = 15;
     sheet.side1(2, 7) = 241;
@@ -34,7 +34,7 @@ TEST(SheetTable, MarksStandOutOfTheDots)
 
 TEST(SheetTable, TimingMarksSayHowFarThePaperGoes)
 {
-    ScannedSheet sheet = sheetWith(500, 2);
+    host::Sheet sheet = sheetWith(500, 2);
     sheet.side1TimingMarks = 2;
     sheet.printed = true;
     EXPECT_EQ(sheetTable(sheet, 80), "Sheet 3   printed\n"
@@ -47,7 +47,7 @@ TEST(SheetTable, TimingMarksSayHowFarThePaperGoes)
 
 TEST(SheetTable, SidesStandSideBySideWhereTheyFit)
 {
-    ScannedSheet sheet = sheetWith(2, 3);
+    host::Sheet sheet = sheetWith(2, 3);
     sheet.side1(2, 3) = 1;
     sheet.side2 = MarkArray(1, 2);
     sheet.side2(1, 1) = 9;
@@ -71,16 +71,18 @@ TEST(SheetTable, BlankSheetSaysSo)
                                                   "  Side 1\n"
                                                   "     no marks\n"
                                                   "\n");
-    ScannedSheet empty;
-    empty.sheet = 1;
+    host::Sheet empty;
+    empty.number = 1;
     EXPECT_EQ(sheetTable(empty, 80), "Sheet 1\n\n");
 }
 
 TEST(SheetTable, RecordStandsFieldByField)
 {
-    ScannedSheet sheet;
-    sheet.sheet = 1;
-    sheet.record = Json{{"Student ID", "77"}, {"1", "A"}};
+    host::Sheet sheet;
+    sheet.number = 1;
+    sheet.record.emplace();
+    sheet.record->Add("Student ID", "77");
+    sheet.record->Add(Int32{1}, "A");
     EXPECT_EQ(sheetTable(sheet, 80), "Sheet 1\n"
                                      "    Student ID: 77\n"
                                      "    1: A\n"
@@ -106,15 +108,16 @@ TEST(SheetCsv, OneRowASheet)
     std::string written;
     std::string told;
     SheetCsv csv([&](const std::string& text) { written += text; }, [&](const std::string& text) { told += text; });
-    ScannedSheet sheet = sheetWith(2, 3);
+    host::Sheet sheet = sheetWith(2, 3);
     sheet.side1(1, 2) = 7;
     sheet.side1(2, 3) = 1;
     sheet.side1TimingMarks = 2;
     sheet.barcodes = TextArray::of(0, {"a,b", "c"});
     csv.sheet(sheet);
-    sheet.sheet = 4;
+    sheet.number = 4;
     sheet.rejected = true;
-    sheet.record = Json{{"Student ID", "77"}};
+    sheet.record.emplace();
+    sheet.record->Add("Student ID", "77");
     csv.sheet(sheet);
     csv.failure({.number = 9, .description = "It fails.", .source = "basX.Y", .title = ""});
     csv.end({});

@@ -1,5 +1,6 @@
 #include "cli/JsonLines.h"
-#include "cli/TraceHead.h"
+#include "host/Batch.h"
+#include "host/TraceHead.h"
 #include "recording/ReplayPlatform.h"
 #include "recording/TracingCarrier.h"
 #include "recording/TranscriptDevice.h"
@@ -33,7 +34,7 @@ std::string fileText(const std::filesystem::path& file)
 }
 
 /// A session's events as lines; the number of a failing statement is that of the control in use.
-std::vector<std::string> hold(clsKELReader& reader, const ScanRequest& request,
+std::vector<std::string> hold(clsKELReader& reader, const host::Request& request,
                               const std::function<bool()>& stopWanted = {})
 {
     std::vector<std::string> lines;
@@ -41,7 +42,7 @@ std::vector<std::string> hold(clsKELReader& reader, const ScanRequest& request,
         const std::string plain = std::regex_replace(line, std::regex("\"line\":[0-9]+"), "\"line\":N");
         lines.push_back(std::regex_replace(plain, std::regex("([Ll]ine) [0-9]+"), "$1 N"));
     });
-    static_cast<void>(runScan(reader, request, sink, stopWanted));
+    static_cast<void>(host::runScan(reader, request, sink, stopWanted));
     return lines;
 }
 
@@ -54,14 +55,14 @@ struct Replayed {
 Replayed replay(const std::string& text)
 {
     const Transcript transcript = parseTranscript(text);
-    const ScanRequest request = requestOfTranscript(transcript, text, "trace");
+    const host::Request request = host::requestOfTranscript(transcript, text, "trace");
     SimulatedPlatform machine;
     const auto carrier = std::make_shared<ReplayCarrier>(transcript);
     ReplayPlatform times(machine, *carrier);
     const PlatformScope scope(times);
     clsKELReader reader;
     reader.fComm(Reference<Carrier>(carrier));
-    prepareReader(reader, request);
+    host::prepareReader(reader, request);
     Replayed replayed;
     replayed.lines = hold(reader, request, [&] { return carrier->stopped(); });
     replayed.differences = carrier->differences();
@@ -76,15 +77,15 @@ TEST_P(TraceAndReplay, GivesTheSameSession)
 {
     const std::string text = fileText(GetParam());
     const Transcript transcript = parseTranscript(text);
-    const ScanRequest request = requestOfTranscript(transcript, text, "session");
+    const host::Request request = host::requestOfTranscript(transcript, text, "session");
 
     SimulatedPlatform machine;
     const PlatformScope scope(machine);
     TranscriptDevice device(transcript);
     machine.attach(1, device);
     clsKELReader reader;
-    prepareReader(reader, request);
-    TraceLog::Head head = traceHead(request, reader, "", "");
+    host::prepareReader(reader, request);
+    TraceLog::Head head = host::traceHead(request, reader);
     if (const auto form = transcript.value("form"))
         head.emplace_back("form", *form);
     if (const auto key = transcript.value("answer-key"))

@@ -1,5 +1,5 @@
 #include "cli/JsonLines.h"
-#include "cli/ScanSession.h"
+#include "host/Batch.h"
 #include "platform/posix/PosixOmrApiLoader.h"
 #include "simulators/platform/SimulatedPlatform.h"
 #include "simulators/sekonic_usb/OmrApiSimulation.h"
@@ -40,8 +40,8 @@ MarkArray cellsOf(const MarkRows& rows)
 /// The line that tells a sheet which has been read on one side.
 std::string sheetLine(Int32 number, const SimulatedSheet& sheet)
 {
-    ScannedSheet line;
-    line.sheet = number;
+    host::Sheet line;
+    line.number = number;
     line.side1 = cellsOf(sheet.side1);
     line.side2 = MarkArray(200, 48);
     line.side1TimingMarks = static_cast<Int16>(sheet.side1.size());
@@ -180,14 +180,14 @@ TEST(UsbScanSession, AStopThatComesDuringAReadIsKnownWhenTheSheetIsRejected)
     PosixOmrApiLoader loader("/nowhere");
     loader.libraryFile(simulatedOmrApi());
     machine.omrApiLoader().set(&loader.omrApi());
-    ScanRequest request;
+    host::Request request;
     request.model = kelReaderTypeSekonicSR2300;
     request.rejectSheets = {1};
     clsKELReader reader;
-    prepareReader(reader, request);
+    host::prepareReader(reader, request);
     JsonLines sink([](const std::string&) {});
     int asked = 0; // before the sheet, and when it has been read
-    const ScanResult result = runScan(reader, request, sink, [&] { return ++asked >= 2; });
+    const host::Result result = host::runScan(reader, request, sink, [&] { return ++asked >= 2; });
     EXPECT_EQ(result.end.sheets, 1);
     EXPECT_EQ(simulation.report().log.back(), (SheetRecord{SheetEvent::Ejected, 1, "outlet 1", 0, 0}));
     EXPECT_THAT(simulation.report().faults, testing::IsEmpty());

@@ -19,14 +19,9 @@ sys.path.insert(0, str(ROOT / "scripts"))
 import reader_facts
 
 DOCUMENTS = ("README.md", "docs/hosts.md")
+# What a sample without a program of its own may use: the component's headers, and what the page's programs show.
 FRONT = """
-#include "options/OptionsPresenter.h"
-#include "options/frmOptions.h"
-#include "platform/ErrorLibrary.h"
-#include "platform/HostPump.h"
-#include "contract/AnswerKey.h"
-#include "contract/Dictionary.h"
-#include "reader/clsKELReader.h"
+#include <KELReader81U/KELReader81U.h>
 
 #include <csignal>
 #include <iostream>
@@ -40,28 +35,34 @@ def samples(document):
         yield 2 + text.count("\n", 0, sample.start()), sample[1]
 
 
-def program_of(document):
-    """One program of all samples: whole programs as they are, all others as the body of a function with a reader."""
+def programs_of(document):
+    """Whole programs as they are, with the includes that they show; all other samples in one, each as the body of a
+    function with a reader."""
     parts = [FRONT]
     for number, (line, sample) in enumerate(samples(document)):
-        place = f'#line {line} "{document}"'
         if "int main(" in sample:
-            includes = "".join(re.findall(r"^#include .*\n", sample, re.MULTILINE))
-            body = re.sub(r"^#include .*$", "", sample, flags=re.MULTILINE)
-            parts.append(f"{includes}\nnamespace sample{number} {{\n{place}\n{body}}}")
+            yield f'#line {line} "{document}"\n{sample}'
         else:
+            place = f'#line {line} "{document}"'
             parts.append(f"void sample{number}([[maybe_unused]] kel::clsKELReader& reader)\n{{\n{place}\n{sample}}}")
-    return "\n".join(parts)
+    yield "\n".join(parts)
 
 
 class SamplesTest(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.include = folder.name
+        headers = re.findall(r"^    (\w+/\w+\.h)$", (ROOT / "cmake/PublicHeaders.cmake").read_text(), re.MULTILINE)
+        subprocess.run([sys.executable, "cmake/public_headers.py", folder.name, *headers], cwd=ROOT, check=True)
+
     def compile(self, program):
         compiler = os.environ.get("CXX", "c++")
         with tempfile.NamedTemporaryFile("w", suffix=".cpp", encoding="utf-8") as file:
             file.write(program)
             file.flush()
             return subprocess.run(
-                [compiler, "-std=c++20", "-fsyntax-only", "-Wall", "-Wextra", "-Wno-return-type", "-I", str(ROOT), file.name],
+                [compiler, "-std=c++20", "-fsyntax-only", "-Wall", "-Wextra", "-Wno-return-type", "-I", self.include, file.name],
                 capture_output=True,
                 text=True,
             )
@@ -70,7 +71,8 @@ class SamplesTest(unittest.TestCase):
         for document in DOCUMENTS:
             with self.subTest(document):
                 self.assertTrue(list(samples(document)))
-                self.assertEqual(self.compile(program_of(document)).stderr, "")
+                for program in programs_of(document):
+                    self.assertEqual(self.compile(program).stderr, "")
 
     def test_commands_print_what_stands_there(self):
         sample = re.search(r"^```console\n(.*?)^```$", (ROOT / "README.md").read_text(encoding="utf-8"), re.M | re.S)[1]

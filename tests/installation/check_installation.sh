@@ -25,20 +25,40 @@ hidden=$(nm -D --defined-only -C "$library"/libKELReader81U.so.?.?.? | grep -v '
          grep -vE '^((typeinfo( name)?|vtable) for |non-virtual thunk to )?kel::|^__odr_asan' || true)
 [ -z "$hidden" ] || fail "symbols that are nobody's business: $hidden"
 
+# Hosts of the last release find everything as it was.
+python3 -B "$source/tests/installation/interface.py" "$work/root/include" "$library"/libKELReader81U.so.?.?.? ||
+    fail "the binary interface has changed"
+
 # The texts come from the installed language file, and the remote lines' module is found.
 "$kelreader" models --format csv | grep -q 'Scantron Scanmark 2500' || fail "the installed command lists no models"
 remote=$("$kelreader" scan --model 24 --device tcp:127.0.0.1:1 --max-sheets 1 2>&1 || true)
 case "$remote" in *'"number":80'*) ;; *) fail "a remote line is not tried: $remote" ;; esac
 
-# A host built against the package.
-cmake -S "$source/examples" -B "$work/host" -G Ninja -DCMAKE_PREFIX_PATH="$work/root" \
-      -DCMAKE_CXX_COMPILER_LAUNCHER=ccache -DCMAKE_CXX_FLAGS="$flags" >"$work/configure.log"
-cmake --build "$work/host" >"$work/build.log" || { cat "$work/build.log" >&2; exit 1; }
+# Hosts built against the package by each compiler, with nothing of ours on their path but one folder.
+for compiler in g++ clang++; do
+    [ "$compiler" = g++ ] || [ -z "$flags" ] || continue # a sanitized library has its own compiler's sanitizers
+    cmake -S "$source/examples" -B "$work/host-$compiler" -G Ninja -DCMAKE_PREFIX_PATH="$work/root" \
+          -DCMAKE_CXX_COMPILER="$compiler" -DCMAKE_CXX_COMPILER_LAUNCHER=ccache \
+          -DCMAKE_CXX_FLAGS="-Wall -Wextra -Wpedantic -Werror $flags" >"$work/configure.log"
+    cmake --build "$work/host-$compiler" >"$work/build.log" || { cat "$work/build.log" >&2; exit 1; }
+done
+[ "$(ls "$work/root/include")" = KELReader81U ] || fail "hosts get more than one folder: $(ls "$work/root/include")"
 
-# The same through pkg-config.
+# The headers by themselves, whichever comes first; and the same through pkg-config.
 export PKG_CONFIG_PATH=$(dirname "$(find "$work/root" -name KELReader81U.pc -print -quit)")
 read -ra described <<<"$(pkg-config --cflags KELReader81U) $flags"
-ccache c++ "${described[@]}" -fsyntax-only "$source/examples/read_batch.cpp"
+for compiler in g++ clang++; do
+    for header in $(cd "$work/root/include" && find KELReader81U -name '*.h'); do
+        echo "#include <$header>"
+        echo "#include <$header>"
+    done >"$work/headers.cpp"
+    "$compiler" "${described[@]}" -Wall -Wextra -Wpedantic -Werror -fsyntax-only "$work/headers.cpp" ||
+        fail "$compiler refuses the headers"
+    for header in $(cd "$work/root/include" && find KELReader81U -name '*.h'); do
+        echo "#include <$header>" | "$compiler" "${described[@]}" -Werror -fsyntax-only -x c++ - ||
+            fail "$header does not stand by itself"
+    done
+done
 
 "$kelreader" simulate --model 24 --seed 5 --count 3 --rate unlimited >"$work/simulate.log" &
 simulator=$!
@@ -49,8 +69,11 @@ done
 device=$(sed -n 's/.*"device":"\([^"]*\)".*/\1/p' "$work/simulate.log" | head -n 1)
 [ -n "$device" ] || fail "the simulated reader did not start"
 "$kelreader" ports set 1 "$device" >/dev/null
-"$work/host/read_batch" 24 3 >"$work/sheets.txt" || fail "the host program ended with an error"
+"$work/host-g++/read_batch" 24 3 >"$work/sheets.txt" || fail "the host program ended with an error"
 [ "$(grep -c '^Sheet ' "$work/sheets.txt")" = 3 ] || fail "the host program read: $(cat "$work/sheets.txt")"
+
+"$work/host-g++/read_sheets" 24 simulated 2 >"$work/range.txt" || fail "the range of sheets ended with an error"
+[ "$(grep -c '^Sheet ' "$work/range.txt")" = 2 ] || fail "the range of sheets gave: $(cat "$work/range.txt")"
 
 # The Debian packages: what they bring works from where they put it.
 (cd "$build" && cpack -G DEB -B "$work/packages" >"$work/cpack.log") || { cat "$work/cpack.log" >&2; exit 1; }

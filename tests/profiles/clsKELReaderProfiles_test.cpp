@@ -4,6 +4,7 @@
 #include "failure/basError.h"
 #include "simulators/platform/SimulatedPlatform.h"
 #include "strings/VBLMRTSModule.h"
+#include "tests/support/KeptReports.h"
 #include "types/Text.h"
 
 #include <gtest/gtest.h>
@@ -11,18 +12,6 @@
 namespace kel::test {
 
 namespace {
-
-/// Keeps the reports that reach it.
-class KeptReports : public ErrorObject {
-public:
-    Int32 RaiseError(const ErrorReport& report) override
-    {
-        reports.push_back(report);
-        return 0;
-    }
-
-    std::vector<ErrorReport> reports;
-};
 
 class Profiles : public testing::Test {
 protected:

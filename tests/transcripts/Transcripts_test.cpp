@@ -1,5 +1,5 @@
 #include "cli/JsonLines.h"
-#include "cli/ScanSession.h"
+#include "host/Batch.h"
 #include "platform/PortMap.h"
 #include "platform/posix/PosixPlatform.h"
 #include "recording/TranscriptDevice.h"
@@ -82,16 +82,16 @@ std::string withArrays(std::string line)
     return line;
 }
 
-ScanRequest requestOf(const Transcript& transcript)
+host::Request requestOf(const Transcript& transcript)
 {
-    ScanRequest request;
+    host::Request request;
     request.model = static_cast<kelReaderType>(std::stoi(transcript.value("model").value()));
     request.port = Int16{1};
     request.assignments = transcript.values("set");
     if (const auto form = transcript.value("form"))
-        request.form = parseForm(*form, "form");
+        request.form = host::parseForm(*form, "form");
     if (const auto key = transcript.value("answer-key"))
-        request.answerKey = parseAnswerKey(*key, "answer-key");
+        request.answerKey = host::parseAnswerKey(*key, "answer-key");
     if (const auto sheets = transcript.value("max-sheets"))
         request.maxSheets = std::stoi(*sheets);
     if (const auto sheets = transcript.value("reject-sheets")) {
@@ -135,9 +135,9 @@ std::vector<std::string> scan(const Transcript& transcript)
     JsonLines sink(
         [&](const std::string& line) { lines.push_back(withoutStatement(line.substr(0, line.size() - 1))); });
     clsKELReader reader;
-    const ScanRequest request = requestOf(transcript);
-    prepareReader(reader, request);
-    static_cast<void>(runScan(reader, request, sink));
+    const host::Request request = requestOf(transcript);
+    host::prepareReader(reader, request);
+    static_cast<void>(host::runScan(reader, request, sink));
     return lines;
 }
 

@@ -7,6 +7,7 @@
 #include "failure/basError.h"
 #include "reader/ReaderSession.h"
 #include "simulators/platform/SimulatedPlatform.h"
+#include "tests/support/KeptReports.h"
 
 #include <gtest/gtest.h>
 
@@ -21,21 +22,6 @@ using namespace std::chrono_literals;
 
 constexpr Int32 kPause = 50;
 constexpr Moment kTimeout = 10s;
-
-/// Keeps the reports.
-class ReportKeeper final : public ErrorObject {
-public:
-    Int32 RaiseError(const ErrorReport& report) override
-    {
-        reports.push_back(report);
-        if (onReport)
-            onReport();
-        return 0;
-    }
-
-    std::vector<ErrorReport> reports;
-    std::function<void()> onReport;
-};
 
 /// A reader object with an open line to a scripted reader, under a virtual clock.
 class SerialReaderTest : public ::testing::Test {
@@ -163,7 +149,7 @@ protected:
     SimulatedPlatform machine;
     PlatformScope scope;
     ScriptedReader device;
-    std::shared_ptr<ReportKeeper> errors = std::make_shared<ReportKeeper>();
+    std::shared_ptr<test::KeptReports> errors = std::make_shared<test::KeptReports>();
     ReaderSession reader;
 };
 

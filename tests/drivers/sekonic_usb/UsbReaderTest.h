@@ -5,6 +5,7 @@
 #include "failure/basError.h"
 #include "reader/ReaderSession.h"
 #include "simulators/platform/SimulatedPlatform.h"
+#include "tests/support/KeptReports.h"
 
 #include <gtest/gtest.h>
 
@@ -12,18 +13,6 @@
 #include <vector>
 
 namespace kel::sekonic_usb_test {
-
-/// Keeps the reports.
-class ReportKeeper final : public ErrorObject {
-public:
-    Int32 RaiseError(const ErrorReport& report) override
-    {
-        reports.push_back(report);
-        return 0;
-    }
-
-    std::vector<ErrorReport> reports;
-};
 
 /// A reader object with a scripted library beneath it, and nothing else that is real.
 class UsbReaderTest : public ::testing::Test {
@@ -81,7 +70,7 @@ protected:
     SimulatedPlatform machine;
     PlatformScope scope;
     FakeOmrApi library;
-    std::shared_ptr<ReportKeeper> errors = std::make_shared<ReportKeeper>();
+    std::shared_ptr<test::KeptReports> errors = std::make_shared<test::KeptReports>();
     ReaderSession reader;
 };
 

@@ -7,6 +7,7 @@
 #include "simulators/platform/SimulatedPlatform.h"
 #include "strings/VBLMRTSModule.h"
 #include "tests/support/BuiltFiles.h"
+#include "tests/support/KeptReports.h"
 
 #include <gmock/gmock.h>
 
@@ -23,18 +24,6 @@ using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::Not;
-
-/// Keeps the reports.
-class Reports final : public ErrorObject {
-public:
-    Int32 RaiseError(const ErrorReport& report) override
-    {
-        reports.push_back(report);
-        return 0;
-    }
-
-    std::vector<ErrorReport> reports;
-};
 
 /// What a host hears of a sheet.
 struct HeardSheet {
@@ -115,7 +104,7 @@ protected:
     PlatformScope scope;
     OmrApiSimulation simulation{simulatedOmrApi()};
     PosixOmrApiLoader loader{"/nowhere"};
-    std::shared_ptr<Reports> errors = std::make_shared<Reports>();
+    std::shared_ptr<test::KeptReports> errors = std::make_shared<test::KeptReports>();
     std::unique_ptr<clsKELReader> reader;
     std::shared_ptr<Host> host;
 };

@@ -1,0 +1,59 @@
+#pragma once
+
+#include "reader/clsKELReader.h"
+#include "types/Export.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kel::host {
+
+/// A form as a file describes it: the sizes page by page, the read windows and the barcode zones. Every key of the
+/// file may be left out; sizes that are not given stay unset.
+struct Form {
+    kelRecognitionType recognitionMode = kelRecognitionTypePage; ///< whole pages or read windows
+    std::optional<std::vector<Int16>> side1Rows{};               ///< the first element is page 1
+    std::optional<std::vector<Int16>> side1Cols{};
+    std::optional<std::vector<Int16>> side2Rows{};
+    std::optional<std::vector<Int16>> side2Cols{};
+    std::vector<clsKELReaderWindow> windows{};
+    std::vector<clsKELReaderBarcode> barcodes{};
+    std::string source{}; ///< the JSON text that it was read from, on one line; empty if it was made otherwise
+
+    /// Whether nothing of a form is said.
+    [[nodiscard]] bool empty() const
+    {
+        return source.empty() && !side1Rows && !side1Cols && !side2Rows && !side2Cols && windows.empty() &&
+               barcodes.empty();
+    }
+};
+
+/// A form from JSON text:
+///
+///     {"recognitionMode": "page" or "window",
+///      "side1Rows": [63], "side1Cols": [48], "side2Rows": [], "side2Cols": [],
+///      "windows": [{"StartRow": 2, "NumRows": 5, "RowGap": 1, "StartCol": 3, "NumCols": 4, "ColGap": 1, "Page": 1,
+///                   "Orientation": 1}],
+///      "barcodes": [{"Page": 1, "Distance": 100, "Length": 50, "Symbology": 1, "Orientation": 1}]}
+///
+/// UsageError, one sentence with `fileName` and the place, for text that is no JSON, a key that is unknown, a value of
+/// another type, a number that does not fit and a size below zero.
+[[nodiscard]] KEL_PUBLIC Form parseForm(std::string_view text, const std::string& fileName);
+
+/// The same from a file; UsageError if it cannot be read too.
+[[nodiscard]] KEL_PUBLIC Form readFormFile(const std::filesystem::path& file);
+
+/// The sizes of a form as a form's text on one line.
+[[nodiscard]] KEL_PUBLIC std::string sizesText(const Form& form);
+
+/// Gives the form's sizes to a reader; those that are not given it leaves as they are.
+KEL_PUBLIC void applySizes(const Form& form, clsKELReader& reader);
+
+/// Gives the whole form to a reader. Windows and zones are added to those that its collections hold.
+KEL_PUBLIC void applyForm(const Form& form, clsKELReader& reader);
+
+} // namespace kel::host

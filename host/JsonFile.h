@@ -1,0 +1,30 @@
+#pragma once
+
+#include "formats/Json.h"
+
+#include <filesystem>
+#include <string>
+#include <utility>
+
+namespace kel::host {
+
+/// The bytes of a file that the command was given; UsageError if it cannot be read. `what` names the kind of file:
+/// "form file".
+[[nodiscard]] std::string readGivenFile(const std::filesystem::path& file, const std::string& what);
+
+/// UsageError for what was refused in a file: one sentence with the file's name and the place. An unknown key is told
+/// with the ones that come nearest.
+[[noreturn]] void refuseFile(const std::string& fileName, const JsonRefusal& refusal);
+
+/// Gives what `read` makes of a file's JSON; what it refuses is told by `refuseFile`.
+template <class Read>
+auto readingFile(const std::string& fileName, Read&& read)
+{
+    try {
+        return std::forward<Read>(read)();
+    } catch (const JsonRefusal& refusal) {
+        refuseFile(fileName, refusal);
+    }
+}
+
+} // namespace kel::host

@@ -1,0 +1,48 @@
+#include "host/LoadedSettings.h"
+
+#include "host/Reports.h"
+#include "host/UsageError.h"
+
+namespace kel::host {
+
+RegistryPath keyNamed(std::string_view text)
+{
+    if (const std::optional<RegistryPath> key = registryPath(text))
+        return *key;
+    throw UsageError("'" + std::string(text) +
+                     "' is no key of the registry; write HIVE\\SUBKEY with a hive such as HKEY_CURRENT_USER or HKCU.");
+}
+
+std::vector<Failure> loadSettings(clsKELReader& reader, const RegistryPath& key)
+{
+    std::vector<Failure> failures;
+    const Reports reports(reader, [&](const Failure& failure) { failures.push_back(failure); });
+    reader.LoadSettings(key.hive, key.subKey);
+    return failures;
+}
+
+const std::vector<std::string>& loadedProperties()
+{
+    static const std::vector<std::string> names = {"ReaderType",
+                                                   "ReaderGrade",
+                                                   "Barcode",
+                                                   "Duplex",
+                                                   "Feeder",
+                                                   "FlowControl",
+                                                   "MarkCutOff",
+                                                   "MarkDiscrimination",
+                                                   "Printer.Enabled",
+                                                   "RecognitionThreshold",
+                                                   "Rejecter",
+                                                   "BaudRate",
+                                                   "DataBits",
+                                                   "Parity",
+                                                   "Port",
+                                                   "StopBits",
+                                                   "SleepTime",
+                                                   "Timeout",
+                                                   "Windowing"};
+    return names;
+}
+
+} // namespace kel::host

@@ -1,0 +1,103 @@
+#include "host/Ports.h"
+
+#include "host/SerialDevices.h"
+#include "platform/Platform.h"
+#include "platform/PortMap.h"
+
+#include <algorithm>
+
+namespace kel::host {
+
+namespace {
+
+/// Why a line does not open. A device that has no number yet is not told of one.
+std::string reasonOf(const RuntimeFailure& failure, const PortState& state)
+{
+    const FailedPort& port = failure.port();
+    if (state.port || port.cause.empty())
+        return failure.text();
+    return port.device + " " + port.cause + (port.remedy.empty() ? "." : ". " + port.remedy);
+}
+
+/// Opens the device of a port, and notes why that fails.
+void tryToOpen(Int16 port, PortState& state)
+{
+    try {
+        const auto control = platform().newSerialControl();
+        control->CommPort(port);
+        control->PortOpen(True);
+        control->PortOpen(False);
+        state.opens = true;
+    } catch (const RuntimeFailure& failure) {
+        state.reason = reasonOf(failure, state);
+    }
+}
+
+Int16 firstFreePort(const PortMap& map)
+{
+    for (Int16 port = PortMap::kFirstPort; port <= PortMap::kLastPort; ++port) {
+        if (!map.get(port))
+            return port;
+    }
+    return PortMap::kLastPort;
+}
+
+PortState stateOfNumber(const PortMap& map, Int16 port)
+{
+    PortState state;
+    state.port = port;
+    state.device = map.get(port);
+    if (state.device)
+        tryToOpen(port, state);
+    return state;
+}
+
+/// A device without a number is tried under the number that it could be given.
+PortState stateOfDevice(const SerialDevice& device, Int16 iFreePort)
+{
+    PortState state;
+    state.device = device.name;
+    state.description = device.description;
+    const PortOverride inItsPlace(iFreePort, device.name);
+    tryToOpen(iFreePort, state);
+    return state;
+}
+
+} // namespace
+
+std::vector<PortState> portStates()
+{
+    const PortMap map(platform().registry());
+    std::vector<PortState> ports;
+    for (Int16 port = PortMap::kFirstPort; port <= PortMap::kLastPort; ++port)
+        ports.push_back(stateOfNumber(map, port));
+
+    const Int16 iFreePort = firstFreePort(map);
+    for (const SerialDevice& device : serialDevices()) {
+        const auto numbered = std::find_if(ports.begin(), ports.end(), [&](const PortState& state) {
+            return state.port && state.device && sameDevice(*state.device, device.name);
+        });
+        if (numbered == ports.end())
+            ports.push_back(stateOfDevice(device, iFreePort));
+        else
+            numbered->description = device.description;
+    }
+    return ports;
+}
+
+std::optional<std::string> deviceOf(Int16 port)
+{
+    return PortMap(platform().registry()).get(port);
+}
+
+bool mapPort(Int16 port, const std::string& device)
+{
+    return PortMap(platform().registry()).set(port, device);
+}
+
+bool unmapPort(Int16 port)
+{
+    return PortMap(platform().registry()).clear(port);
+}
+
+} // namespace kel::host

@@ -1,0 +1,66 @@
+#include "host/Replay.h"
+
+#include "host/Batch.h"
+#include "host/TraceHead.h"
+#include "host/UsageError.h"
+#include "recording/ReplayPlatform.h"
+
+namespace kel::host {
+
+namespace {
+
+Transcript parseOrRefuse(const std::string& text, const std::string& fileName)
+{
+    try {
+        return parseTranscript(text);
+    } catch (const TranscriptError& error) {
+        throw UsageError(fileName + ", " + error.what() + ".");
+    }
+}
+
+} // namespace
+
+struct Replay::State {
+    State(const Transcript& transcript, const std::string& text, const std::string& fileName)
+        : request(requestOfTranscript(transcript, text, fileName)), carrier(std::make_shared<ReplayCarrier>(transcript))
+    {
+    }
+
+    Request request;
+    std::shared_ptr<ReplayCarrier> carrier;
+};
+
+Replay::Replay(const std::string& text, const std::string& fileName)
+    : state_(std::make_unique<State>(parseOrRefuse(text, fileName), text, fileName))
+{
+}
+
+Replay::~Replay() = default;
+
+Request& Replay::request() noexcept
+{
+    return state_->request;
+}
+
+Result Replay::read(Events& events, const std::function<bool()>& stopWanted)
+{
+    ReplayPlatform machine(platform(), *state_->carrier);
+    const PlatformScope scope(machine);
+    clsKELReader reader;
+    reader.fComm(Reference<Carrier>(state_->carrier));
+    prepareReader(reader, state_->request);
+    return runScan(reader, state_->request, events,
+                   [&] { return (stopWanted && stopWanted()) || state_->carrier->stopped(); });
+}
+
+const std::vector<std::string>& Replay::differences() const noexcept
+{
+    return state_->carrier->differences();
+}
+
+std::string Replay::unsent() const
+{
+    return state_->carrier->unsent();
+}
+
+} // namespace kel::host

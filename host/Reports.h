@@ -1,0 +1,28 @@
+#pragma once
+
+#include "host/Failure.h"
+#include "reader/clsKELReader.h"
+
+#include <functional>
+#include <vector>
+
+namespace kel::host {
+
+/// Takes the reports of the calling thread's readers for as long as it lives; of several on a thread the latest has
+/// them. While any lives on any thread, the process's error object is this room's; what a thread without one reports
+/// goes to standard error. Afterwards there is no error object. It ends on the thread that made it.
+class Reports {
+public:
+    using Take = std::function<void(const Failure& failure)>;
+
+    explicit Reports(clsKELReader& reader, Take take);
+    ~Reports();
+    Reports(const Reports&) = delete;
+    Reports& operator=(const Reports&) = delete;
+
+private:
+    clsKELReader& reader_;
+    Take take_;
+};
+
+} // namespace kel::host

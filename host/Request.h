@@ -1,0 +1,72 @@
+#pragma once
+
+#include "formats/RegistryPath.h"
+#include "host/AnswerKeyFile.h"
+#include "host/Events.h"
+#include "host/Form.h"
+#include "host/ModelLookup.h"
+#include "host/Simulation.h"
+
+#include <filesystem>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kel::host {
+
+/// What is printed on each sheet. `{date}`, `{sheet}` and `{barcode}` in the texts stand for today's date as
+/// 2024-01-31, the sheet's number and its first barcode.
+struct Print {
+    std::optional<std::string> print1{}; ///< the first line
+    std::optional<std::string> print2{}; ///< the second
+    std::optional<std::string> print3{}; ///< the third
+    std::optional<Int16> distance{};     ///< where the print begins, in the model's own steps
+
+    /// Whether anything is to be printed.
+    [[nodiscard]] bool wanted() const { return print1 || print2 || print3 || distance; }
+};
+
+/// A model by its enumerator, its number, its name, or a part of a name that only one model has. UsageError for none
+/// and for several, with the names that come nearest.
+class Model {
+public:
+    /// From an enumerator, or from a text.
+    Model(kelReaderType type) : type_(type) {}
+    Model(std::string_view text) : type_(modelNamed(text)) {}
+    Model(const std::string& text) : type_(modelNamed(text)) {}
+    Model(const char* text) : type_(modelNamed(text)) {}
+
+    /// Its number.
+    operator kelReaderType() const { return type_; }
+
+private:
+    kelReaderType type_;
+};
+
+/// What to do with a reader. Nothing but the model has to be said.
+struct Request {
+    std::optional<Model> model{};           ///< without one it is that of the settings
+    std::optional<RegistryPath> settings{}; ///< where the settings are kept; without it the model has its defaults
+    Form form{};
+    std::optional<GradingKey> answerKey{};  ///< for readers that grade by themselves
+    std::vector<std::string> assignments{}; ///< "Property=Value", after the model's defaults and the form
+    std::optional<Int16> port{};
+    std::string device{};                  ///< in the place of a port: a device, or a remote line as tcp:HOST:PORT
+    std::optional<Simulation> simulated{}; ///< in the place of both: a simulated reader of the model
+    std::filesystem::path usbLibrary{};    ///< the library of the USB readers' maker, in place of the usual one
+    std::filesystem::path traceFile{};     ///< what goes over the line is written down here, to be replayed
+    Int32 maxSheets = -1;                  ///< negative: until the feeder is empty
+    bool rejectBlank = false;
+    std::set<Int32> rejectSheets{}; ///< their numbers, from 1
+    Print print{};
+};
+
+/// How a scan came out.
+struct Result {
+    BatchEnd end{};                  ///< as the sink got it
+    std::vector<Failure> failures{}; ///< all that was reported, in order
+};
+
+} // namespace kel::host

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "host/Form.h"
+#include "types/Enumerations.h"
+#include "types/Export.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace kel::host {
+
+/// What can be said about a simulated reader.
+struct Simulation {
+    std::filesystem::path sheets{};      ///< the sheets in the feeder, as JSON; random ones if it is empty
+    std::uint64_t seed = 1;              ///< of random sheets
+    std::uint64_t count = 10;            ///< how many random sheets
+    std::vector<std::string> faults{};   ///< what goes wrong: "jam@sheet=3", "late=2500@sheet=1", "unplug@byte=64"
+    bool unlimited = false;              ///< the bytes come at once, not at the speed of the line
+    std::vector<std::string> settings{}; ///< model-specific options: "NAME=VALUE"
+};
+
+/// The form of the sheets in a simulated reader's feeder: one page of as many rows and columns as the largest has.
+[[nodiscard]] KEL_PUBLIC Form formOfSheets(const Simulation& simulation, kelReaderType model);
+
+/// A simulated reader, at work for as long as the object lives: behind a pseudo-terminal in a thread of its own; or,
+/// for a USB model, as the library of the readers' maker, which the calling thread's readers load from now on.
+class KEL_PUBLIC SimulatedReader {
+public:
+    /// UsageError for what does not fit, and std::system_error if there is no pseudo-terminal.
+    explicit SimulatedReader(kelReaderType model, const Simulation& simulation = {}, const Form& form = {});
+    ~SimulatedReader();
+    SimulatedReader(const SimulatedReader&) = delete;
+    SimulatedReader& operator=(const SimulatedReader&) = delete;
+
+    /// The device at the end of its line; empty for a USB model.
+    [[nodiscard]] std::string device() const;
+
+    /// Ends it, and gives what was done wrongly to it.
+    [[nodiscard]] std::vector<std::string> end();
+
+private:
+    class Player;
+    class PlayerBehindPty;
+    class PlayerBehindLibrary;
+
+    std::unique_ptr<Player> player_;
+};
+
+} // namespace kel::host

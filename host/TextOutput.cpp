@@ -1,0 +1,66 @@
+#include "host/TextOutput.h"
+
+#include "host/UsageError.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace kel::host {
+
+TextOutput::TextOutput(const std::string& file)
+    : descriptor_(::open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666)), ownFile_(true), name_(file)
+{
+    if (descriptor_ < 0)
+        throw OperationError(file + " cannot be written: " + std::strerror(errno) + ".");
+}
+
+TextOutput::~TextOutput()
+{
+    if (ownFile_)
+        ::close(descriptor_);
+}
+
+bool TextOutput::write(std::string_view line)
+{
+    if (failed())
+        return false;
+    const off_t start = ownFile_ ? ::lseek(descriptor_, 0, SEEK_CUR) : -1;
+    std::string_view rest = line;
+    while (!rest.empty()) {
+        const ssize_t written = ::write(descriptor_, rest.data(), rest.size());
+        if (written < 0 && errno == EINTR)
+            continue;
+        if (written < 0) {
+            const int error = errno;
+            fail(error);
+            // What a full disk has still taken of the line is taken back.
+            if (rest.size() < line.size() && start >= 0 && ::ftruncate(descriptor_, start) != 0)
+                problem_ += " Its last line is not whole.";
+            return false;
+        }
+        rest.remove_prefix(static_cast<std::size_t>(written));
+    }
+    return true;
+}
+
+void TextOutput::writeOrFail(std::string_view line)
+{
+    if (!write(line))
+        throw OperationError(problem_);
+}
+
+void TextOutput::fail(int error)
+{
+    problem_ = name_ + " cannot be written: " + std::strerror(error) + ".";
+    if (error == ENOSPC)
+        problem_ = name_ + " cannot be written: no space is left. Free some, or name another file with --out.";
+}
+
+bool TextOutput::isTerminal() const
+{
+    return ::isatty(descriptor_) == 1;
+}
+
+} // namespace kel::host

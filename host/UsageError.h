@@ -1,0 +1,36 @@
+#pragma once
+
+#include "types/Export.h"
+
+#include <algorithm>
+#include <stdexcept>
+#include <string>
+#include <utility>
+
+namespace kel::host {
+
+/// Something was asked for in a wrong way: an unknown model, a value that does not fit, a form file that is broken.
+/// The text is one sentence for the person who asked.
+class KEL_PUBLIC UsageError : public std::runtime_error {
+public:
+    /// The text may cite what a file holds. A control character there would end the sentence or change the terminal: it
+    /// is shown as "?".
+    explicit UsageError(std::string text) : std::runtime_error(withoutControls(std::move(text))) {}
+
+private:
+    static std::string withoutControls(std::string text)
+    {
+        std::replace_if(
+            text.begin(), text.end(), [](char c) { return (c >= 0 && c < ' ') || c == '\x7F'; }, '?');
+        return text;
+    }
+};
+
+/// What was asked for rightly cannot be done: a file that cannot be written, a terminal that cannot be made. The text
+/// is one sentence.
+class KEL_PUBLIC OperationError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+} // namespace kel::host

@@ -1,0 +1,11 @@
+#pragma once
+
+#include "types/Export.h"
+
+namespace kel {
+
+/// Whether faults of the processor within the component become failures; they do, unless the host says no before it
+/// makes the first object of the component. Then its handlers are never installed. Later calls change nothing.
+KEL_PUBLIC void captureFaults(bool wanted);
+
+} // namespace kel
