@@ -17,13 +17,6 @@ void addEntries(Registry& registry, const RegistryPath& key, std::vector<RegFile
         addEntries(registry, below(key, name), entries);
 }
 
-/// A key comes with its first value, and stays when that is gone.
-bool createKey(Registry& registry, const RegistryPath& key)
-{
-    return registry.exists(key.hive, key.subKey) ||
-           (registry.write(key.hive, key.subKey, "", {}) && registry.remove(key.hive, key.subKey, ""));
-}
-
 bool removeKey(Registry& registry, const RegistryPath& key)
 {
     return !registry.exists(key.hive, key.subKey) || registry.remove(key.hive, key.subKey, std::nullopt);
@@ -37,7 +30,7 @@ bool removeValue(Registry& registry, const RegistryPath& key, const std::string&
 bool apply(Registry& registry, const RegFileEntry& entry)
 {
     if (!entry.name)
-        return entry.removed ? removeKey(registry, entry.key) : createKey(registry, entry.key);
+        return entry.removed ? removeKey(registry, entry.key) : registry.create(entry.key.hive, entry.key.subKey);
     if (entry.removed)
         return removeValue(registry, entry.key, *entry.name);
     return registry.write(entry.key.hive, entry.key.subKey, *entry.name, entry.value);

@@ -30,6 +30,12 @@ struct RegistryValue {
     friend bool operator==(const RegistryValue&, const RegistryValue&) = default;
 };
 
+/// Whether values of this kind are texts.
+[[nodiscard]] constexpr bool isText(RegistryType type)
+{
+    return type == RegistryType::Text || type == RegistryType::ExpandableText || type == RegistryType::MultiText;
+}
+
 /// A store of typed values by hive, subkey and name, with the rules of the Windows registry: subkeys and names are
 /// compared without regard to case, a subkey is a path with backslashes. Nothing here throws: a store that cannot be
 /// reached answers as one without access.
@@ -40,6 +46,13 @@ public:
     /// The value, or nothing if the key or the name is not there or may not be read.
     [[nodiscard]] virtual std::optional<RegistryValue> read(kelReaderRegistryKey hive, std::string_view subKey,
                                                             std::string_view name) = 0;
+
+    /// What a look-up of a value into a buffer needs room for, in characters of the system's ANSI encoding: the
+    /// characters of a text, and the bytes of anything else.
+    [[nodiscard]] virtual std::size_t lookUpLength(const RegistryValue& value) const;
+
+    /// Creates the key, and those above it, if it is not there; false if that is not permitted or fails.
+    virtual bool create(kelReaderRegistryKey hive, std::string_view subKey) = 0;
 
     /// Creates the key if need be and writes the value; false if that is not permitted or fails.
     virtual bool write(kelReaderRegistryKey hive, std::string_view subKey, std::string_view name,

@@ -88,7 +88,7 @@ constexpr SettingRow kSettings[] = {
 constexpr std::size_t kModelRow = 0;
 constexpr std::size_t kPrinterRow = 8;
 
-// What one look-up of the registry takes at most.
+// What one look-up of the registry takes at most, in characters.
 constexpr std::size_t kLongestValue = 1024;
 
 std::string hexadecimal(Byte bByte)
@@ -144,7 +144,7 @@ std::string SettingsStore::LoadValue(std::string_view sValueName, const std::str
     const auto variables = KEL_PARAMETERS(lRegistryKey_, sRegistrySubKey_, sValueName, sDefaultValue);
     guarded("KELReader81 - clsKELReader.LoadValue", variables, [&] {
         const auto value = platform().registry().read(lRegistryKey_, sRegistrySubKey_, sValueName);
-        if (!value || value->data.size() > kLongestValue) {
+        if (!value || platform().registry().lookUpLength(*value) > kLongestValue) {
             sResult = sDefaultValue;
             return;
         }
@@ -168,6 +168,8 @@ Boolean SettingsStore::SaveValue(std::string_view sValueName, std::string& sValu
     Boolean bResult = False;
     guarded("KELReader81 - clsKELReader.SaveValue", KEL_PARAMETERS(lRegistryKey_, sRegistrySubKey_, sValueName, sValue),
             [&] {
+                if (!platform().registry().create(lRegistryKey_, sRegistrySubKey_))
+                    return;
                 if (sValue.empty())
                     sValue = " ";
                 bResult = platform().registry().write(lRegistryKey_, sRegistrySubKey_, sValueName,

@@ -16,7 +16,7 @@ Boolean readLanguage(std::string& Language)
     const auto value = platform().registry().read(kHive, kSubKey, kValueName);
     if (!value || (value->type != RegistryType::Text && value->type != RegistryType::ExpandableText))
         return False;
-    if (value->data.size() > kBufferSize)
+    if (platform().registry().lookUpLength(*value) > kBufferSize)
         return False;
     Language = value->data;
     if (Language.ends_with('\0'))

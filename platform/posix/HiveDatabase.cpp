@@ -140,6 +140,13 @@ std::optional<RegistryValue> HiveDatabase::read(const std::string& path, std::st
     return RegistryValue{static_cast<RegistryType>(run.numberAt(0)), run.textAt(1)};
 }
 
+void HiveDatabase::create(const std::string& path)
+{
+    SqliteTransaction transaction(database_);
+    static_cast<void>(makeKey(path));
+    transaction.commit();
+}
+
 void HiveDatabase::write(const std::string& path, std::string_view name, const RegistryValue& value)
 {
     SqliteTransaction transaction(database_);

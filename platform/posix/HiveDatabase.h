@@ -28,6 +28,7 @@ public:
     [[nodiscard]] bool hasMoved() const noexcept { return database_.hasMoved(); }
 
     [[nodiscard]] std::optional<RegistryValue> read(const std::string& path, std::string_view name);
+    void create(const std::string& path);
     void write(const std::string& path, std::string_view name, const RegistryValue& value);
     bool removeValue(const std::string& path, std::string_view name);
     bool removeKey(const std::string& path);

@@ -190,6 +190,14 @@ std::optional<RegistryValue> HiveStore::read(std::string_view subKey, std::strin
                         [&](HiveDatabase& database) { return database.read(normalized(subKey), name); });
 }
 
+bool HiveStore::create(std::string_view subKey)
+{
+    return withDatabase(true, false, [&](HiveDatabase& database) {
+        database.create(normalized(subKey));
+        return true;
+    });
+}
+
 bool HiveStore::write(std::string_view subKey, std::string_view name, const RegistryValue& value)
 {
     return withDatabase(true, false, [&](HiveDatabase& database) {

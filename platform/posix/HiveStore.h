@@ -22,6 +22,7 @@ public:
     ~HiveStore();
 
     [[nodiscard]] std::optional<RegistryValue> read(std::string_view subKey, std::string_view name);
+    bool create(std::string_view subKey);
     bool write(std::string_view subKey, std::string_view name, const RegistryValue& value);
     bool removeValue(std::string_view subKey, std::string_view name);
     bool removeKey(std::string_view subKey);

@@ -25,6 +25,12 @@ std::optional<RegistryValue> SqliteRegistry::read(kelReaderRegistryKey hive, std
     return found ? found->read(subKey, name) : std::nullopt;
 }
 
+bool SqliteRegistry::create(kelReaderRegistryKey hive, std::string_view subKey)
+{
+    HiveStore* found = store(hive);
+    return found && found->create(subKey);
+}
+
 bool SqliteRegistry::write(kelReaderRegistryKey hive, std::string_view subKey, std::string_view name,
                            const RegistryValue& value)
 {

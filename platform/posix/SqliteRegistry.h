@@ -26,6 +26,7 @@ public:
 
     [[nodiscard]] std::optional<RegistryValue> read(kelReaderRegistryKey hive, std::string_view subKey,
                                                     std::string_view name) override;
+    bool create(kelReaderRegistryKey hive, std::string_view subKey) override;
     bool write(kelReaderRegistryKey hive, std::string_view subKey, std::string_view name,
                const RegistryValue& value) override;
     bool remove(kelReaderRegistryKey hive, std::string_view subKey, std::optional<std::string_view> name) override;

@@ -28,11 +28,6 @@ HKEY predefined(kelReaderRegistryKey hive)
     return reinterpret_cast<HKEY>(static_cast<ULONG_PTR>(static_cast<LONG>(hive)));
 }
 
-bool isText(RegistryType type)
-{
-    return type == RegistryType::Text || type == RegistryType::ExpandableText || type == RegistryType::MultiText;
-}
-
 /// A key that is open, or null.
 class OpenKey {
 public:
@@ -113,6 +108,16 @@ std::optional<RegistryValue> WindowsRegistry::read(kelReaderRegistryKey hive, st
     if (isText(value.type))
         value.data = utf8FromAnsi(value.data);
     return value;
+}
+
+std::size_t WindowsRegistry::lookUpLength(const RegistryValue& value) const
+{
+    return isText(value.type) ? ansiText(value.data).size() : value.data.size();
+}
+
+bool WindowsRegistry::create(kelReaderRegistryKey hive, std::string_view subKey)
+{
+    return static_cast<bool>(OpenKey::created(hive, subKey));
 }
 
 bool WindowsRegistry::write(kelReaderRegistryKey hive, std::string_view subKey, std::string_view name,

@@ -53,14 +53,27 @@ std::optional<RegistryValue> SimulatedRegistry::read(kelReaderRegistryKey hive, 
     return found->second;
 }
 
-bool SimulatedRegistry::write(kelReaderRegistryKey hive, std::string_view subKey, std::string_view name,
-                              const RegistryValue& value)
+SimulatedRegistry::Key* SimulatedRegistry::make(kelReaderRegistryKey hive, std::string_view subKey)
 {
     if (!may(hive, Access::Full))
-        return false;
+        return nullptr;
     Key* key = &hives_[hive];
     for (const std::string& step : namesOf(subKey))
         key = &key->keys[step];
+    return key;
+}
+
+bool SimulatedRegistry::create(kelReaderRegistryKey hive, std::string_view subKey)
+{
+    return make(hive, subKey) != nullptr;
+}
+
+bool SimulatedRegistry::write(kelReaderRegistryKey hive, std::string_view subKey, std::string_view name,
+                              const RegistryValue& value)
+{
+    Key* key = make(hive, subKey);
+    if (!key)
+        return false;
     key->values[std::string(name)] = value;
     return true;
 }

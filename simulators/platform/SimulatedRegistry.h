@@ -13,6 +13,7 @@ public:
 
     [[nodiscard]] std::optional<RegistryValue> read(kelReaderRegistryKey hive, std::string_view subKey,
                                                     std::string_view name) override;
+    bool create(kelReaderRegistryKey hive, std::string_view subKey) override;
     bool write(kelReaderRegistryKey hive, std::string_view subKey, std::string_view name,
                const RegistryValue& value) override;
     bool remove(kelReaderRegistryKey hive, std::string_view subKey, std::optional<std::string_view> name) override;
@@ -38,6 +39,7 @@ private:
 
     [[nodiscard]] bool may(kelReaderRegistryKey hive, Access wanted) const;
     [[nodiscard]] Key* find(kelReaderRegistryKey hive, std::string_view subKey);
+    [[nodiscard]] Key* make(kelReaderRegistryKey hive, std::string_view subKey);
 
     std::map<kelReaderRegistryKey, Key> hives_;
     std::map<kelReaderRegistryKey, Access> access_;

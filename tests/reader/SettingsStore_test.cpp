@@ -150,6 +150,32 @@ TEST_F(SettingsStoreTest, AnEmptyTextIsSavedAsABlank)
     EXPECT_EQ(saved("ScannerParity"), " ");
 }
 
+TEST_F(SettingsStoreTest, ATextIsNotTouchedWhereItsKeyCannotBeMade)
+{
+    const SettingsStore store(kHive, kKey);
+    registry().access(kHive, SimulatedRegistry::Access::ReadOnly);
+    std::string sValue;
+    EXPECT_EQ(store.SaveValue("ScannerParity", sValue), False);
+    EXPECT_EQ(sValue, "");
+}
+
+TEST_F(SettingsStoreTest, TheLengthOfATextIsThatOfItsCharacters)
+{
+    const SettingsStore store(kHive, kKey);
+    const auto umlauts = [](int count) {
+        std::string text;
+        while (count-- > 0)
+            text += "\u00FC";
+        return text;
+    };
+    put("A", umlauts(1024));
+    put("B", umlauts(1025));
+    registry().write(kHive, kKey, "C", {RegistryType::Binary, umlauts(513)});
+    EXPECT_EQ(store.LoadValue("A", "default"), umlauts(1024));
+    EXPECT_EQ(store.LoadValue("B", "default"), "default");
+    EXPECT_EQ(store.LoadValue("C", "default"), "default");
+}
+
 TEST_F(SettingsStoreTest, ATruthValueThatIsNoneEndsTheLoad)
 {
     put("ScannerType", "13");

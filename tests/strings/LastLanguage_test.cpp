@@ -53,6 +53,16 @@ TEST_F(LastLanguage, HasAtMost64Characters)
     EXPECT_EQ(language, std::string(64, 'x'));
 }
 
+TEST_F(LastLanguage, MayHaveCharactersOfSeveralBytes)
+{
+    std::string name;
+    for (int i = 0; i < 63; ++i)
+        name += "\u0416";
+    stored({RegistryType::Text, name});
+    EXPECT_EQ(ReadWriteLanguageToRegistry(0x20019, language), True);
+    EXPECT_EQ(language, name);
+}
+
 TEST_F(LastLanguage, IsWrittenAsAText)
 {
     language = "French";

@@ -107,6 +107,20 @@ TEST_F(SqliteRegistryTest, WritingCreatesTheKeysAbove)
     EXPECT_TRUE(registry.exists(kUser, ""));
 }
 
+TEST_F(SqliteRegistryTest, AKeyCanBeMadeWithoutAValue)
+{
+    {
+        SqliteRegistry registry(folders());
+        EXPECT_TRUE(registry.create(kUser, "Software\\Kel\\"));
+        EXPECT_TRUE(registry.create(kUser, "SOFTWARE\\kel")) << "it is there";
+        EXPECT_FALSE(registry.create(static_cast<kelReaderRegistryKey>(0x12345), "Kel"));
+    }
+    SqliteRegistry registry(folders());
+    EXPECT_TRUE(registry.exists(kUser, "Software\\Kel"));
+    EXPECT_EQ(registry.subKeys(kUser, "Software"), Names{"Kel"});
+    EXPECT_EQ(registry.valueNames(kUser, "Software\\Kel"), Names{});
+}
+
 TEST_F(SqliteRegistryTest, RemovingAKeyTakesWhatIsBelowAndNothingElse)
 {
     SqliteRegistry registry(folders());

@@ -1,6 +1,7 @@
 #include "platform/windows/WindowsRegistry.h"
 
 #include "platform/windows/WindowsPlatform.h"
+#include "reader/SettingsStore.h"
 #include "reader/clsKELReader.h"
 
 #include <gtest/gtest.h>
@@ -50,6 +51,30 @@ TEST_F(WindowsRegistryTest, ALongValueIsReadWhole)
 {
     registry.write(kHive, kKey, "Long", {RegistryType::Binary, std::string(5000, 'x')});
     EXPECT_EQ(registry.read(kHive, kKey, "Long"), (RegistryValue{RegistryType::Binary, std::string(5000, 'x')}));
+}
+
+TEST_F(WindowsRegistryTest, AKeyCanBeMadeWithoutAValue)
+{
+    EXPECT_TRUE(registry.create(kHive, std::string(kKey) + "\\Below"));
+    EXPECT_TRUE(registry.exists(kHive, std::string(kKey) + "\\Below"));
+    EXPECT_TRUE(registry.create(kHive, kKey)) << "it is there";
+    EXPECT_FALSE(registry.create(static_cast<kelReaderRegistryKey>(0x12345), kKey));
+}
+
+// The code page has a byte for each of them, UTF-8 two.
+TEST_F(WindowsRegistryTest, ATextOf1024CharactersOfTheCodePageIsASetting)
+{
+    WindowsPlatform machine;
+    const PlatformScope scope(machine);
+    const SettingsStore store(kHive, kKey);
+    std::string sUmlauts;
+    for (int i = 0; i < 1024; ++i)
+        sUmlauts += "\xC3\xBC";
+    EXPECT_EQ(store.SaveValue("Text", sUmlauts), True);
+    EXPECT_EQ(store.LoadValue("Text", "default"), sUmlauts);
+    sUmlauts += "x";
+    EXPECT_EQ(store.SaveValue("Text", sUmlauts), True);
+    EXPECT_EQ(store.LoadValue("Text", "default"), "default");
 }
 
 TEST_F(WindowsRegistryTest, NamesAreTold)
