@@ -13,6 +13,22 @@ std::unique_ptr<LanguageDatabase>& processDatabase()
 
 } // namespace
 
+void LanguageDatabase::askFor(std::string language)
+{
+    const std::lock_guard lock(loading_);
+    asked_ = std::move(language);
+}
+
+std::vector<std::string> LanguageDatabase::languageNames() const
+{
+    try {
+        LanguageState ofNoLoad;
+        return LanguageLoad(ofNoLoad, fileName_).languageNames();
+    } catch (const LoadFailed&) {
+        return {};
+    }
+}
+
 LanguageState LanguageDatabase::state() const
 {
     const std::lock_guard lock(loading_);
@@ -24,7 +40,10 @@ std::string LanguageDatabase::loadAndLookUp(Int32 Index)
     const std::lock_guard lock(loading_);
     try {
         if (!loaded_) {
-            auto table = LanguageLoad(state_, fileName_).run();
+            auto table = LanguageLoad(state_, fileName_, asked_).run();
+            // Whoever was asked let the load go on without a table: the next text loads again.
+            if (!table->isDimensioned())
+                return Index == -1 ? std::string() : lookUp(*table, Index);
             // A load within this one, by way of the host's pump, may have been faster; its table stays in use.
             if (!loaded_)
                 loaded_ = std::move(table);

@@ -26,6 +26,12 @@ public:
         return loadAndLookUp(Index);
     }
 
+    /// Asks for a language, as "/L=NAME" on the command line does. To be called before the first text is asked for.
+    void askFor(std::string language);
+
+    /// The languages that the file has; none if it cannot be read.
+    [[nodiscard]] std::vector<std::string> languageNames() const;
+
     /// The state that the loads so far have left.
     [[nodiscard]] LanguageState state() const;
 
@@ -38,6 +44,7 @@ private:
     [[nodiscard]] std::string loadAndLookUp(Int32 Index);
 
     const std::string fileName_;
+    std::string asked_;
     /// Held during a load. While a load shows a box, the host's pump may ask for a text on the same thread.
     mutable std::recursive_mutex loading_;
     LanguageState state_;

@@ -2,6 +2,7 @@
 
 #include "platform/Platform.h"
 #include "strings/LastLanguage.h"
+#include "strings/LetterCase.h"
 #include "types/Text.h"
 
 #include <filesystem>
@@ -48,7 +49,8 @@ std::string textOf(std::string_view sText)
 
 } // namespace
 
-LanguageLoad::LanguageLoad(LanguageState& state, std::string fileName) : state_(state), sFileName_(std::move(fileName))
+LanguageLoad::LanguageLoad(LanguageState& state, std::string fileName, std::string asked)
+    : state_(state), sFileName_(std::move(fileName)), asked_(std::move(asked))
 {
 }
 
@@ -96,6 +98,16 @@ std::unique_ptr<const StringTable> LanguageLoad::run()
     return std::move(table_);
 }
 
+std::vector<std::string> LanguageLoad::languageNames()
+{
+    findFile();
+    readLanguages();
+    std::vector<std::string> names;
+    for (const Language& language : languages_)
+        names.push_back(language.name);
+    return names;
+}
+
 void LanguageLoad::findFile()
 {
     statement([&] {
@@ -134,11 +146,13 @@ void LanguageLoad::readLanguage(std::int64_t number)
     languages_.push_back({name.sValue, start.lValue});
 
     statement([&] {
-        const std::string sCommandLine = lowerCase(platform().process().CommandLine());
-        if (sCommandLine.find(lowerCase("/L=" + name.sValue)) != std::string::npos)
+        std::string sCommandLine = platform().process().CommandLine();
+        if (!asked_.empty())
+            sCommandLine += " /L=" + asked_;
+        if (folded(sCommandLine).find(folded("/L=" + name.sValue)) != std::u16string::npos)
             state_.mlSelectedLanguage = static_cast<Int32>(number);
     });
-    if (state_.mlSelectedLanguage == 0 && !sRegLanguage_.empty() && equalNoCase(sRegLanguage_, name.sValue))
+    if (state_.mlSelectedLanguage == 0 && !sRegLanguage_.empty() && folded(sRegLanguage_) == folded(name.sValue))
         state_.mlSelectedLanguage = static_cast<Int32>(number);
 }
 

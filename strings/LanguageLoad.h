@@ -38,16 +38,21 @@ struct tagProfileEntry {
 /// repeated, or the load goes on with the next statement; so each statement that can fail is a body of its own.
 class LanguageLoad {
 public:
-    /// `fileName` without a drive or a path is a file in the component's folder.
-    LanguageLoad(LanguageState& state, std::string fileName);
+    /// `fileName` without a drive or a path is a file in the component's folder. `asked` is a language that is asked
+    /// for besides the command line's, empty if none is.
+    LanguageLoad(LanguageState& state, std::string fileName, std::string asked = {});
 
     /// Puts the mouse pointer back.
     ~LanguageLoad();
     LanguageLoad(const LanguageLoad&) = delete;
     LanguageLoad& operator=(const LanguageLoad&) = delete;
 
-    /// The table of the chosen language's texts; throws LoadFailed if there is none.
+    /// The table of the chosen language's texts, which has no bounds if it could not be sized; throws LoadFailed if
+    /// there is none.
     [[nodiscard]] std::unique_ptr<const StringTable> run();
+
+    /// The names of the languages alone; throws LoadFailed if the file does not tell them.
+    [[nodiscard]] std::vector<std::string> languageNames();
 
 private:
     /// A language as the head tells it, with the position of its section.
@@ -75,6 +80,7 @@ private:
 
     LanguageState& state_;
     std::string sFileName_;
+    const std::string asked_;
     ProfileSection head_;
     std::string sRegLanguage_;
     std::vector<Language> languages_;

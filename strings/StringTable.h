@@ -27,6 +27,9 @@ public:
         pages_.resize((size_ + kPage - 1) / kPage);
     }
 
+    /// Whether it has bounds.
+    [[nodiscard]] bool isDimensioned() const noexcept { return size_ > 0; }
+
     /// Gives an index its text; failure 9 if it lies outside the table.
     void store(Int32 index, std::string text)
     {

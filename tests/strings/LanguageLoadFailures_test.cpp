@@ -188,6 +188,21 @@ TEST_F(LanguageLoadFailures, OfATableThatEndsBelowZeroAre9)
     EXPECT_EQ(boxes(), (std::vector{loadBox("Subscript out of range(Code9)")}));
 }
 
+TEST_F(LanguageLoadFailures, OfATableWithoutBoundsLeaveNoneWhenIgnored)
+{
+    with(oneLanguage({"S0=zero"}, {"NumStrings=1", "StringIndexStep=-5"}));
+    platform.screen_.answers.assign(2, BoxAnswer::Ignore);
+    EXPECT_EQ(database().RTString(0), "Invalid Index");
+    EXPECT_EQ(boxes(), std::vector(2, loadBox("Subscript out of range(Code9)"))) << "its size, and the text to store";
+    platform.screen_.answers.assign(4, BoxAnswer::Ignore);
+    EXPECT_EQ(database().RTString(-1), "") << "it loads again";
+    EXPECT_EQ(boxes().size(), 4U);
+
+    folder.write(kLanguageFileName, oneLanguage({"S0=zero"}, {"NumStrings=1"}).text());
+    EXPECT_EQ(database().RTString(0), "zero");
+    EXPECT_EQ(boxes().size(), 4U);
+}
+
 TEST_F(LanguageLoadFailures, OfAHeadWithoutLanguagesAre9)
 {
     withContent("[VBLM]\r\nNumLanguages=0\r\nNumStrings=1\r\n[English]\r\nS0=zero\r\n");
