@@ -4,6 +4,9 @@
 #include "cli/Commands.h"
 #include "cli/UsageError.h"
 #include "formats/NearestNames.h"
+#include "strings/LanguageDatabase.h"
+#include "strings/LetterCase.h"
+#include "types/Text.h"
 
 #include <algorithm>
 #include <csignal>
@@ -59,6 +62,31 @@ void demandValues(const CLI::App& command)
         demandValues(*chosen);
 }
 
+/// The arguments with "/L=NAME", which hosts take in any case of letters, in the spelling that the parser knows.
+std::vector<std::string> argumentsOf(int argc, const char* const* argv)
+{
+    std::vector<std::string> arguments(argv + 1, argv + argc);
+    for (std::string& argument : arguments) {
+        if (argument == "--")
+            break;
+        if (equalNoCase(argument.substr(0, 3), "/L="))
+            argument.replace(0, 3, "--language=");
+    }
+    return arguments;
+}
+
+/// Has texts in a language whose name `wanted` begins with, in any case of letters.
+void chooseLanguage(const std::string& wanted)
+{
+    if (wanted.empty())
+        return;
+    const std::vector<std::string> names = languageDatabase().languageNames();
+    const auto isWanted = [&](const std::string& name) { return folded(wanted).starts_with(folded(name)); };
+    if (!names.empty() && std::none_of(names.begin(), names.end(), isWanted))
+        throw UsageError("There is no language '" + wanted + "'; there are " + listed(names, "and") + ".");
+    languageDatabase().askFor(wanted);
+}
+
 /// A standard stream that is closed leaves its number to the next file that is opened, such as a reader's line: what is
 /// written then would go to the reader. What stands in its place cannot be read or written, as the stream itself.
 void holdStandardStreams()
@@ -74,12 +102,21 @@ void holdStandardStreams()
 CLI::App& Commands::add(CLI::App& parent, const std::string& name, const std::string& description, Run run)
 {
     CLI::App* command = parent.add_subcommand(name, description);
+    addLanguage(*command);
     command->final_callback([this, command, run = std::move(run)] {
         // A command with others below it runs itself only when none of those was called.
         if (command->get_subcommands().empty())
             chosen_ = run;
     });
     return *command;
+}
+
+void Commands::addLanguage(CLI::App& command)
+{
+    command
+        .add_option("--language", language_,
+                    "The language of reports and of the options window, such as German; /L=NAME too")
+        ->type_name("NAME");
 }
 
 void addFormat(CLI::App& command, std::string& format, const std::vector<std::string>& formats)
@@ -104,9 +141,12 @@ int runCommandLine(int argc, const char* const* argv)
 #undef KEL_ADD_COMMAND
 
     try {
-        demandKnownCommand(app, argc > 1 ? argv[1] : "");
-        app.parse(argc, argv);
+        std::vector<std::string> arguments = argumentsOf(argc, argv);
+        demandKnownCommand(app, arguments.empty() ? "" : arguments.front());
+        std::reverse(arguments.begin(), arguments.end()); // as the parser takes them from the end
+        app.parse(std::move(arguments));
         demandValues(app);
+        chooseLanguage(commands.language());
         return commands.runChosen();
     } catch (const CLI::ParseError& error) {
         return answerParser(app, error);

@@ -18,7 +18,7 @@ public:
     /// Does the work once all arguments are read, and gives the exit status.
     using Run = std::function<int()>;
 
-    explicit Commands(CLI::App& app) : app_(app) {}
+    explicit Commands(CLI::App& app) : app_(app) { addLanguage(app); }
 
     /// Adds a command; the caller gives its options to the result.
     CLI::App& add(const std::string& name, const std::string& description, Run run)
@@ -32,12 +32,19 @@ public:
     /// The program itself, with all its commands.
     [[nodiscard]] CLI::App& program() const { return app_; }
 
+    /// The language that the arguments ask for; empty if none.
+    [[nodiscard]] const std::string& language() const { return language_; }
+
     /// Runs the command that the arguments have called.
     [[nodiscard]] int runChosen() const { return chosen_(); }
 
 private:
+    /// Every command takes it.
+    void addLanguage(CLI::App& command);
+
     CLI::App& app_;
     Run chosen_;
+    std::string language_;
 };
 
 /// The forms in which lists come: adds `--format`, one of the names in `formats`, the first of which is the usual one.
