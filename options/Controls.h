@@ -6,7 +6,9 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -329,6 +331,14 @@ public:
     [[nodiscard]] const std::string& Text() const { return text_; }
     void Text(std::string value) { text_ = std::move(value); }
 
+    /// The number that the text is, as the form reads it; nothing if it is none.
+    [[nodiscard]] std::optional<double> Number() const { return onNumber ? onNumber(text_) : std::optional<double>(); }
+
+    /// One step up or down: the next whole number, and not beyond the bounds. A text that is no number counts as the
+    /// minimum.
+    void StepUp() { step(1); }
+    void StepDown() { step(-1); }
+
     /// The bounds of the number. A minimum above the maximum, whichever is written, is refused with 380 "Invalid
     /// property value".
     [[nodiscard]] Int32 Minimum() const { return minimum_; }
@@ -391,12 +401,20 @@ public:
     }
 
     /// The form's handlers.
+    std::function<std::optional<double>(const std::string& text)> onNumber;
     std::function<void()> onGotFocus;
     std::function<void(Int16& KeyAscii)> onKeyPress;
     std::function<void()> onValidate;
     std::function<void()> onValidationError;
 
 private:
+    void step(int by)
+    {
+        const double from = std::trunc(Number().value_or(minimum_));
+        const double wanted = std::clamp(from + by, static_cast<double>(minimum_), static_cast<double>(maximum_));
+        text_ = std::to_string(static_cast<Int32>(wanted));
+    }
+
     std::string text_ = "0";
     Int32 minimum_ = 0;
     Int32 maximum_ = 100;

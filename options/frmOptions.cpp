@@ -58,6 +58,8 @@ void frmOptions::connectEvents()
     cmdCancel.onClick = [this] { cmdCancel_Click(); };
     cmdDefaults.onClick = [this] { cmdDefaults_Click(); };
     cmdLocate.onClick = [this] { cmdLocate_Click(); };
+    for (PowerEdit* const field : numberFields())
+        field->onNumber = numberIn;
 
 #define KEL_SOURCE(field, event) "KELReader81 - frmOptions." #field "_" #event
 #define KEL_FIELD(field)                                                                                               \

@@ -4,7 +4,10 @@
 #include "types/Enumerations.h"
 #include "types/Export.h"
 
+#include <array>
 #include <memory>
+#include <optional>
+#include <string>
 #include <string_view>
 
 namespace kel {
@@ -174,6 +177,8 @@ private:
     friend class StatedModule;
 
     [[nodiscard]] std::string dumpMembers() const;
+    [[nodiscard]] std::array<PowerEdit*, 5> numberFields();
+    [[nodiscard]] static std::optional<double> numberIn(const std::string& text);
     static void undecided();
     void connectEvents();
     void connectField(PowerEdit& field, const char* gotFocusSource, const char* validateSource,

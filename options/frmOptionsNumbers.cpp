@@ -4,21 +4,25 @@
 
 #include "failure/guarded.h"
 #include "options/ControlValues.h"
+#include "options/LocaleNumber.h"
 #include "platform/Platform.h"
 #include "types/Text.h"
 
 #include <algorithm>
-#include <clocale>
 
 namespace kel {
 
 namespace {
 
-/// The sign before the fraction in the process's locale.
-std::string localeSeparator()
+/// The number that the user has typed into a field; failure 13 if it is none.
+double typedNumber(const std::string& text)
 {
-    const std::lconv* const conventions = std::localeconv();
-    return conventions && conventions->decimal_point ? conventions->decimal_point : ".";
+    const double dValue = frmOptions::CVal(text);
+    // With a point in it, anything counts as a number, and what does not begin with one as 0.
+    const bool hasDigit = std::any_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
+    if (dValue == 0 && !hasDigit)
+        throw RuntimeFailure(FailureCode::TypeMismatch);
+    return dValue;
 }
 
 void beepUnless(Boolean bQuiet)
@@ -61,7 +65,7 @@ void frmOptions::ValidateSpinValue(PowerEdit& txtEdit, Boolean bQuiet)
 {
     double dValue = 0;
     guarded("KELReader81 - frmOptions.ValidateSpinValue", KEL_PARAMETERS(txtEdit, bQuiet) + KEL_LOCALS(dValue), [&] {
-        dValue = CVal(txtEdit.Text());
+        dValue = typedNumber(txtEdit.Text());
         txtEdit.Text(CStr(dValue));
         if (dValue < txtEdit.Minimum()) {
             txtEdit.Text(CStr(txtEdit.Minimum()));
@@ -79,10 +83,14 @@ double frmOptions::CVal(std::string_view vValue)
 {
     if (vValue.find('.') != std::string_view::npos)
         return Val(vValue);
-    const std::string number = replaceAll(vValue, localeSeparator(), ".");
-    if (!IsNumeric(number))
-        throw RuntimeFailure(FailureCode::TypeMismatch);
-    return Val(number);
+    return localeNumber(vValue, platform().process().numberSigns());
+}
+
+std::optional<double> frmOptions::numberIn(const std::string& text)
+{
+    std::optional<double> number;
+    ignoringFailures([&] { number = typedNumber(text); });
+    return number;
 }
 
 } // namespace kel

@@ -61,9 +61,10 @@ void setTick(CheckBox& box, Boolean value)
     box.Value(value ? Int16{1} : Int16{0});
 }
 
-Int16 number16(const PowerEdit& field)
+/// The number in a field, or the one that it was to replace if there is none in it.
+double numberOr(const PowerEdit& field, Int32 otherwise)
 {
-    return CInt(Val(field.Text()));
+    return field.Number().value_or(otherwise);
 }
 
 // Whether the last dialog of a thread was cancelled; one that is under way is, as long as nothing is decided.
@@ -82,6 +83,11 @@ std::string frmOptions::dumpMembers() const
     lines.add("iReaderIndex, cReaderOptions, bLoadingValues, bCancelled", iReaderIndex_,
               cReaderOptions_ ? toVariant(*cReaderOptions_) : Variant(ObjectValue{}), bLoadingValues_, bCancelled);
     return lines.text();
+}
+
+std::array<PowerEdit*, 5> frmOptions::numberFields()
+{
+    return {&txtRecognitionThreshold, &txtMarkDiscrimination, &txtMarkCutOff, &txtReaderTimeout, &txtSystemPause};
 }
 
 Boolean frmOptions::Cancelled()
@@ -196,14 +202,14 @@ void frmOptions::SaveValues(clsKELReader& cSaveReader)
         cSaveReader.Duplex(ticked(chkDuplex));
         cSaveReader.Barcode(ticked(chkBarcode));
         cSaveReader.Feeder(ticked(chkFeeder));
-        cSaveReader.MarkCutOff(number16(txtMarkCutOff));
-        cSaveReader.MarkDiscrimination(number16(txtMarkDiscrimination));
+        cSaveReader.MarkCutOff(CInt(numberOr(txtMarkCutOff, cSaveReader.MarkCutOff())));
+        cSaveReader.MarkDiscrimination(CInt(numberOr(txtMarkDiscrimination, cSaveReader.MarkDiscrimination())));
         cSaveReader.Printer()->Enabled(ticked(chkPrinter));
-        cSaveReader.RecognitionThreshold(number16(txtRecognitionThreshold));
+        cSaveReader.RecognitionThreshold(CInt(numberOr(txtRecognitionThreshold, cSaveReader.RecognitionThreshold())));
         cSaveReader.Rejecter(ticked(chkRejecter));
         cSaveReader.Windowing(ticked(chkWindowing));
-        cSaveReader.SleepTime(CLng(Val(txtSystemPause.Text())));
-        cSaveReader.Timeout(CLng(Val(txtReaderTimeout.Text())));
+        cSaveReader.SleepTime(CLng(numberOr(txtSystemPause, cSaveReader.SleepTime())));
+        cSaveReader.Timeout(CLng(numberOr(txtReaderTimeout, cSaveReader.Timeout())));
     });
 }
 
@@ -214,6 +220,13 @@ void frmOptions::cmdOK_Click()
             platform().screen().MsgBox(VBLM_RTString(TextNumber(174)), BoxIcon::Exclamation, BoxButtons::Ok,
                                        VBLM_RTString(TextNumber(176)));
             return;
+        }
+        for (PowerEdit* const field : numberFields()) {
+            if (field->Usable() && !field->Number()) {
+                field->Validate();
+                field->SetFocus();
+                return;
+            }
         }
         SaveValues(reader());
         iReaderIndex_ = -1;

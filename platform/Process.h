@@ -7,6 +7,12 @@
 
 namespace kel {
 
+/// The signs within a number as the user writes it.
+struct NumberSigns {
+    std::string decimal = "."; ///< in front of the fraction
+    std::string thousands;     ///< between groups of digits; empty if there is none
+};
+
 /// What the component knows of the process that it runs in.
 class Process {
 public:
@@ -20,6 +26,9 @@ public:
 
     /// The file of the component itself.
     [[nodiscard]] virtual std::filesystem::path ComponentFile() const = 0;
+
+    /// How the user writes numbers, by the locale.
+    [[nodiscard]] virtual NumberSigns numberSigns() const { return {}; }
 
     /// A key of a section of a profile file as the system itself reads it, or `otherwise` if the key is not there, cut
     /// to a buffer of `bufferSize` bytes with its terminator. Nothing on a system that has no such files, and for a

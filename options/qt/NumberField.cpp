@@ -6,9 +6,6 @@
 #include <QStyleOptionSpinBox>
 #include <QTimer>
 
-#include <algorithm>
-#include <cmath>
-#include <optional>
 #include <utility>
 
 namespace kel {
@@ -17,16 +14,6 @@ namespace {
 
 /// Room for the digits of the largest bound.
 constexpr int kDigits = 6;
-
-std::optional<double> numberIn(const std::string& text)
-{
-    bool isNumber = false;
-    const QString typed = QString::fromStdString(text);
-    double number = typed.toDouble(&isNumber);
-    if (!isNumber)
-        number = QLocale().toDouble(typed, &isNumber);
-    return isNumber ? std::optional(number) : std::nullopt;
-}
 
 } // namespace
 
@@ -48,29 +35,33 @@ void NumberField::refresh()
     update();
 }
 
-void NumberField::leave()
+bool NumberField::leave()
 {
     // An empty field is no wish for a number.
-    if (!numberIn(edit_.Text()))
+    if (lineEdit()->text().trimmed().isEmpty())
         edit_.Text(textOnEntry_);
     edit_.Validate();
-    textOnEntry_ = edit_.Text();
+    const bool isNumber = edit_.Number().has_value();
+    if (isNumber)
+        textOnEntry_ = edit_.Text();
     after_();
+    return isNumber;
 }
 
+/// Page Up and the control key would make ten steps of one.
 void NumberField::stepBy(int steps)
 {
-    const double number = numberIn(edit_.Text()).value_or(edit_.Minimum());
-    const double wanted = std::clamp(std::trunc(number) + steps, static_cast<double>(edit_.Minimum()),
-                                     static_cast<double>(edit_.Maximum()));
-    edit_.Text(std::to_string(static_cast<Int32>(wanted)));
+    if (steps > 0)
+        edit_.StepUp();
+    else
+        edit_.StepDown();
     refresh();
     lineEdit()->selectAll();
 }
 
 QAbstractSpinBox::StepEnabled NumberField::stepEnabled() const
 {
-    const double number = numberIn(edit_.Text()).value_or(edit_.Minimum());
+    const double number = edit_.Number().value_or(edit_.Minimum());
     StepEnabled steps = StepNone;
     if (number < edit_.Maximum())
         steps |= StepUpEnabled;
@@ -93,7 +84,8 @@ void NumberField::focusInEvent(QFocusEvent* event)
     QAbstractSpinBox::focusInEvent(event);
     if (event->reason() == Qt::ActiveWindowFocusReason || event->reason() == Qt::PopupFocusReason)
         return;
-    textOnEntry_ = edit_.Text();
+    if (edit_.Number())
+        textOnEntry_ = edit_.Text();
     edit_.GotFocus();
     // A click places the cursor after this; the selection comes last.
     QTimer::singleShot(0, this, [this] {
@@ -107,8 +99,21 @@ void NumberField::focusOutEvent(QFocusEvent* event)
 {
     QAbstractSpinBox::focusOutEvent(event);
     // Another window, or a menu of this field: the user comes back to it.
-    if (event->reason() != Qt::ActiveWindowFocusReason && event->reason() != Qt::PopupFocusReason)
-        leave();
+    if (event->reason() == Qt::ActiveWindowFocusReason || event->reason() == Qt::PopupFocusReason)
+        return;
+    if (edit_.Number() || lineEdit()->text().trimmed().isEmpty()) {
+        static_cast<void>(leave());
+        return;
+    }
+    // The message about what is no number waits until the focus has arrived where it goes. Nobody who goes to Cancel
+    // wants it.
+    QTimer::singleShot(0, this, [this] {
+        const auto* const next = qobject_cast<const QWidget*>(window()->focusWidget());
+        if (hasFocus() || (next && next->objectName() == "cmdCancel"))
+            return;
+        static_cast<void>(leave());
+        setFocus();
+    });
 }
 
 void NumberField::keyPressEvent(QKeyEvent* event)

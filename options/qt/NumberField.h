@@ -18,8 +18,9 @@ public:
     /// Shows the model's text, bounds and selection.
     void refresh();
 
-    /// What leaving the field does; for a default button that works while the field keeps the focus.
-    void leave();
+    /// What leaving the field does; for a default button that works while the field keeps the focus. False if there is
+    /// no number in it, which the user has been told.
+    [[nodiscard]] bool leave();
 
     void stepBy(int steps) override;
     QValidator::State validate(QString&, int&) const override { return QValidator::Acceptable; }

@@ -247,8 +247,9 @@ QPushButton* OptionsWindow::put(PowerButton& button)
     updates_.emplace_back([&button, widget] { widget->setText(text(button.Caption())); });
     connect(widget, &QPushButton::clicked, this, [this, &button] {
         // The default button works while a field still has the focus.
-        if (auto* const field = dynamic_cast<NumberField*>(focusWidget()))
-            field->leave();
+        auto* const field = dynamic_cast<NumberField*>(focusWidget());
+        if (field && &button != &form_.cmdCancel && !field->leave())
+            return;
         act([&button] { button.Click(); });
     });
     return widget;

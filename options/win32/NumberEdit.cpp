@@ -3,8 +3,6 @@
 #include "platform/windows/WindowsText.h"
 #include "types/Text.h"
 
-#include <algorithm>
-#include <cmath>
 #include <utility>
 
 namespace kel {
@@ -52,29 +50,39 @@ void NumberEdit::changed()
 /// A click places the cursor after this; the selection comes last.
 void NumberEdit::enter()
 {
-    textOnEntry_ = edit_.Text();
+    if (edit_.Number())
+        textOnEntry_ = edit_.Text();
     edit_.GotFocus();
     const Int32 start = edit_.SelectionStart();
     const Int32 length = edit_.SelectionLength();
     ::PostMessageW(field_, EM_SETSEL, static_cast<WPARAM>(start), length < 0 ? -1 : start + length);
 }
 
-void NumberEdit::leave()
+bool NumberEdit::canBeLeft() const
 {
-    // An empty field is no wish for a number.
-    if (!IsNumeric(edit_.Text()))
-        edit_.Text(textOnEntry_);
-    edit_.Validate();
-    textOnEntry_ = edit_.Text();
-    after_();
+    return edit_.Number().has_value() || Trim(edit_.Text()).empty();
 }
 
+bool NumberEdit::leave()
+{
+    // An empty field is no wish for a number.
+    if (Trim(edit_.Text()).empty())
+        edit_.Text(textOnEntry_);
+    edit_.Validate();
+    const bool isNumber = edit_.Number().has_value();
+    if (isNumber)
+        textOnEntry_ = edit_.Text();
+    after_();
+    return isNumber;
+}
+
+/// Buttons that are held down would make more and more steps of one.
 void NumberEdit::step(int by)
 {
-    const double number = IsNumeric(edit_.Text()) ? Val(edit_.Text()) : edit_.Minimum();
-    const double wanted =
-        std::clamp(std::trunc(number) + by, static_cast<double>(edit_.Minimum()), static_cast<double>(edit_.Maximum()));
-    edit_.Text(CStr(static_cast<Int32>(wanted)));
+    if (by > 0)
+        edit_.StepUp();
+    else
+        edit_.StepDown();
     after_();
     ::SendMessageW(field_, EM_SETSEL, 0, -1);
 }
@@ -95,8 +103,11 @@ LRESULT CALLBACK NumberEdit::procedure(HWND field, UINT message, WPARAM first, L
     number.contain_([&] {
         if (message == WM_CHAR) {
             done = !number.takes(first);
-        } else if (message == WM_KEYDOWN && (first == VK_UP || first == VK_DOWN)) {
-            number.step(first == VK_UP ? 1 : -1);
+        } else if (message == WM_KEYDOWN && (first == VK_UP || first == VK_PRIOR)) {
+            number.step(1);
+            done = true;
+        } else if (message == WM_KEYDOWN && (first == VK_DOWN || first == VK_NEXT)) {
+            number.step(-1);
             done = true;
         }
     });

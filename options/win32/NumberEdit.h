@@ -31,8 +31,12 @@ public:
     void enter();
     void step(int by);
 
-    /// What leaving the field does; for a default button, too, that works while the field keeps the focus.
-    void leave();
+    /// What leaving the field does; for a default button, too, that works while the field keeps the focus. False if
+    /// there is no number in it, which the user has been told.
+    [[nodiscard]] bool leave();
+
+    /// Whether leaving the field needs no message.
+    [[nodiscard]] bool canBeLeft() const;
 
 private:
     static LRESULT CALLBACK procedure(HWND field, UINT message, WPARAM first, LPARAM second);

@@ -16,6 +16,10 @@ namespace {
 /// How many rows a list shows at a time.
 constexpr int kRowsInView = 20;
 
+/// To the dialog itself: a number field was left with something else in it. It waits until the focus has arrived where
+/// it goes.
+constexpr UINT kNoNumber = WM_APP;
+
 /// A dialog without controls, which come when it begins.
 struct alignas(DWORD) EmptyDialog {
     DLGTEMPLATE head{};
@@ -148,6 +152,7 @@ INT_PTR OptionsDialogWindow::handle(UINT message, WPARAM first, LPARAM second)
         return TRUE;
     case WM_SETFONT: takeFont(reinterpret_cast<HFONT>(first)); return TRUE;
     case WM_HELP: openHelp(); return TRUE;
+    case kNoNumber: returnTo(reinterpret_cast<HWND>(second)); return TRUE;
     case WM_DESTROY:
         // Its controls live a little longer than this; their fields do not.
         numbers_.clear();
@@ -277,8 +282,9 @@ void OptionsDialogWindow::command(int number, int notice)
     if (auto* button = dynamic_cast<PowerButton*>(&control)) {
         if (notice == BN_CLICKED) {
             // The default button works while a field still has the focus.
-            if (NumberEdit* number_ = numberEdit(::GetFocus()))
-                number_->leave();
+            NumberEdit* const field = numberEdit(::GetFocus());
+            if (field && button != &form_.cmdCancel && !field->leave())
+                return;
             act([&] { button->Click(); });
         }
     } else if (auto* box = dynamic_cast<CheckBox*>(&control)) {
@@ -299,9 +305,24 @@ void OptionsDialogWindow::command(int number, int notice)
             edit->changed();
         } else if (notice == EN_KILLFOCUS && ::IsChild(window_, ::GetFocus())) {
             // Another window has it otherwise: the user comes back to the field.
-            edit->leave();
+            if (edit->canBeLeft())
+                static_cast<void>(edit->leave());
+            else
+                ::PostMessageW(window_, kNoNumber, 0, reinterpret_cast<LPARAM>(edit->field()));
         }
     }
+}
+
+/// The field that was left has no number in it: the user hears of that and is there again. Nobody who goes to Cancel
+/// wants it.
+void OptionsDialogWindow::returnTo(HWND field)
+{
+    NumberEdit* const edit = numberEdit(field);
+    const Shown* const cancel = shown(form_.cmdCancel);
+    if (!edit || ::GetFocus() == field || (cancel && ::GetFocus() == cancel->window))
+        return;
+    static_cast<void>(edit->leave());
+    ::SetFocus(field);
 }
 
 /// The spin buttons step the model; they have no number of their own.

@@ -63,6 +63,7 @@ private:
     void act(const Action& what);
 
     void command(int number, int notice);
+    void returnTo(HWND field);
     [[nodiscard]] bool spin(const NMHDR& notice);
     void drawList(const DRAWITEMSTRUCT& item);
     void paintBackground(HDC screen);

@@ -2,10 +2,13 @@
 
 #include "types/Text.h"
 
+#include <clocale>
 #include <dlfcn.h>
 #include <fstream>
 #include <iterator>
+#include <langinfo.h>
 #include <link.h>
+#include <locale.h>
 #include <system_error>
 
 namespace kel {
@@ -49,6 +52,18 @@ std::filesystem::path PosixProcess::ComponentFile() const
 std::filesystem::path PosixProcess::ComponentFolder() const
 {
     return ComponentFile().parent_path();
+}
+
+NumberSigns PosixProcess::numberSigns() const
+{
+    const char* const chosen = std::setlocale(LC_NUMERIC, nullptr);
+    const bool isNobodys = !chosen || std::string_view(chosen) == "C" || std::string_view(chosen) == "POSIX";
+    const locale_t locale = ::newlocale(LC_NUMERIC_MASK, isNobodys ? "" : chosen, nullptr);
+    if (!locale)
+        return {};
+    const NumberSigns signs{::nl_langinfo_l(RADIXCHAR, locale), ::nl_langinfo_l(THOUSEP, locale)};
+    ::freelocale(locale);
+    return signs;
 }
 
 } // namespace kel

@@ -14,6 +14,8 @@ public:
     [[nodiscard]] std::filesystem::path ComponentFolder() const override;
     /// The shared library that this code is in, or the program where it is linked into one.
     [[nodiscard]] std::filesystem::path ComponentFile() const override;
+    /// By the locale of the process; if that is nobody's, by the one that the environment names.
+    [[nodiscard]] NumberSigns numberSigns() const override;
 };
 
 /// The words of a command line, each with a zero byte behind it, as one text.

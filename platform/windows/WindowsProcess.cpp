@@ -9,6 +9,14 @@ namespace {
 
 constexpr DWORD kLongestPath = 32768;
 
+std::string userSign(LCTYPE kind)
+{
+    std::wstring sign(16, L'\0');
+    const int length = ::GetLocaleInfoEx(LOCALE_NAME_USER_DEFAULT, kind, sign.data(), static_cast<int>(sign.size()));
+    sign.resize(length > 0 ? static_cast<std::size_t>(length) - 1 : 0);
+    return utf8Text(sign);
+}
+
 } // namespace
 
 std::string WindowsProcess::CommandLine() const
@@ -31,6 +39,11 @@ std::filesystem::path WindowsProcess::ComponentFile() const
 std::filesystem::path WindowsProcess::ComponentFolder() const
 {
     return ComponentFile().parent_path();
+}
+
+NumberSigns WindowsProcess::numberSigns() const
+{
+    return {userSign(LOCALE_SDECIMAL), userSign(LOCALE_STHOUSAND)};
 }
 
 /// The values come as the file has them, byte by byte.

@@ -1,10 +1,12 @@
+#include "platform/posix/PosixPlatform.h"
 #include "tests/options/OptionsHost.h"
+#include "tests/support/UsersLocale.h"
 
 #include "options/basUtils.h"
 
 #include <gtest/gtest.h>
 
-#include <clocale>
+#include <optional>
 
 namespace kel::test {
 namespace {
@@ -119,17 +121,129 @@ TEST(CValTest, ReadsAPointOnAnyLocale)
     EXPECT_EQ(frmOptions::CVal("2.5 mm"), 2.5);
     EXPECT_EQ(frmOptions::CVal("12"), 12);
     EXPECT_THROW(static_cast<void>(frmOptions::CVal("")), RuntimeFailure);
-    EXPECT_THROW(static_cast<void>(frmOptions::CVal("12 mm")), RuntimeFailure);
+    for (const char* const text : {"12 mm", "nan", "inf", "-inf", "infinity", "NAN", "1,000"})
+        EXPECT_THROW(static_cast<void>(frmOptions::CVal(text)), RuntimeFailure) << text;
 }
 
-TEST(CValTest, ReadsTheSeparatorOfTheLocale)
+const NumberSigns kEnglish{".", ","};
+const NumberSigns kGerman{",", "."};
+const NumberSigns kFrench{",", "\u202F"};
+
+struct Written {
+    NumberSigns signs;
+    const char* text;
+    std::optional<double> number;
+};
+
+class LocaleNumberTest : public testing::TestWithParam<Written> {};
+
+TEST_P(LocaleNumberTest, IsReadWithTheUsersSigns)
 {
-    const std::string before = std::setlocale(LC_NUMERIC, nullptr);
-    if (!std::setlocale(LC_NUMERIC, "de_DE.UTF-8"))
-        GTEST_SKIP() << "this machine has no German locale";
-    EXPECT_EQ(frmOptions::CVal("2,5"), 2.5);
+    Field field;
+    field.machine.process().numberSigns(GetParam().signs);
+    if (GetParam().number) {
+        EXPECT_EQ(frmOptions::CVal(GetParam().text), *GetParam().number) << GetParam().text;
+    } else {
+        EXPECT_THROW(static_cast<void>(frmOptions::CVal(GetParam().text)), RuntimeFailure) << GetParam().text;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Texts, LocaleNumberTest,
+    testing::Values(Written{kEnglish, "1,000", 1000}, Written{kEnglish, "-12,345,678", -12345678},
+                    Written{kEnglish, "1,00,000", 100000}, Written{kEnglish, "1000", 1000}, Written{kEnglish, " 7 ", 7},
+                    Written{kEnglish, "1e3", 1000}, Written{kEnglish, "12,5", std::nullopt},
+                    Written{kEnglish, ",500", std::nullopt}, Written{kEnglish, "1,,000", std::nullopt},
+                    Written{kEnglish, "1,000,", std::nullopt}, Written{kEnglish, "1,0x0", std::nullopt},
+                    Written{kEnglish, "nan", std::nullopt}, Written{kEnglish, "", std::nullopt},
+                    Written{kGerman, "12,5", 12.5}, Written{kGerman, "-0,5", -0.5}, Written{kGerman, "5,", 5},
+                    Written{kGerman, "2.5", 2.5}, Written{kGerman, "1,000", 1}, Written{kGerman, "1,2,3", std::nullopt},
+                    Written{kGerman, "inf", std::nullopt}, Written{kFrench, "1 000", 1000},
+                    Written{kFrench, "1\u202F000,5", 1000.5}, Written{kFrench, "1\u00A0000", 1000},
+                    Written{kFrench, "1 00", std::nullopt}));
+
+TEST(CValTest, ReadsTheSignsOfTheUsersOwnLocale)
+{
+    const UsersLocale german;
+    PosixPlatform machine;
+    const PlatformScope scope(machine);
+    EXPECT_EQ(frmOptions::CVal("12,5"), 12.5);
     EXPECT_EQ(frmOptions::CVal("2.5"), 2.5);
-    std::setlocale(LC_NUMERIC, before.c_str());
+}
+
+TEST(NumberFieldsTest, AreSteppedByOneWithinTheBounds)
+{
+    OptionsHost host;
+    PowerEdit& field = host.formFor(kelReaderTypeScantronScanMark4000).txtSystemPause;
+    field.Text("11");
+    field.StepDown();
+    EXPECT_EQ(field.Text(), "10");
+    field.StepDown();
+    EXPECT_EQ(field.Text(), "10");
+    field.Text("9999.5");
+    field.StepUp();
+    EXPECT_EQ(field.Text(), "10000");
+    field.StepUp();
+    EXPECT_EQ(field.Text(), "10000");
+    field.Text("soon");
+    field.StepUp();
+    EXPECT_EQ(field.Text(), "11");
+}
+
+/// What no field takes for a number, whatever the locale.
+class NoNumberTest : public testing::TestWithParam<const char*> {};
+
+TEST_P(NoNumberTest, KeepsTheDialogOpenAndTheSettingAsItWas)
+{
+    OptionsHost host;
+    frmOptions& form = host.formFor(kelReaderTypeScantronScanMark4000);
+    host.reader().SleepTime(70);
+    form.txtSystemPause.Text(GetParam());
+    form.txtRecognitionThreshold.SetFocus();
+    form.cmdOK.Click();
+    EXPECT_TRUE(form.Visible());
+    EXPECT_EQ(form.ActiveControl(), &form.txtSystemPause);
+    EXPECT_EQ(form.txtSystemPause.Text(), GetParam());
+    ASSERT_EQ(host.heard().reports.size(), 1U);
+    EXPECT_EQ(host.heard().reports[0].ErrorNumber, 13);
+    EXPECT_EQ(host.reader().SleepTime(), 70);
+
+    // Whoever saves all the same changes what can be read.
+    form.txtMarkCutOff.Text("3");
+    form.SaveValues(host.reader());
+    EXPECT_EQ(host.reader().SleepTime(), 70);
+    EXPECT_EQ(host.reader().MarkCutOff(), 3);
+
+    form.txtSystemPause.Text("80");
+    form.cmdOK.Click();
+    EXPECT_FALSE(form.Visible());
+    EXPECT_EQ(host.reader().SleepTime(), 80);
+}
+
+INSTANTIATE_TEST_SUITE_P(Texts, NoNumberTest,
+                         testing::Values("soon", "nan", "inf", "", " ", "1,000", "12 mm", ".", "x.y"));
+
+TEST(NumberFieldsTest, ThousandsAreSavedWhole)
+{
+    OptionsHost host;
+    host.machine.process().numberSigns(kEnglish);
+    frmOptions& form = host.formFor(kelReaderTypeScantronScanMark4000);
+    form.txtSystemPause.Text("1,000");
+    form.cmdOK.Click();
+    EXPECT_EQ(host.reader().SleepTime(), 1000);
+}
+
+TEST(NumberFieldsTest, OfAModelThatDoesNotHaveThemHoldNobodyUp)
+{
+    OptionsHost host;
+    frmOptions& form = host.formFor(kelReaderTypeNCSEZData);
+    ASSERT_FALSE(form.txtMarkCutOff.Usable());
+    host.reader().MarkCutOff(9);
+    form.txtMarkCutOff.Text("none");
+    form.cmdOK.Click();
+    EXPECT_FALSE(form.Visible());
+    EXPECT_EQ(host.reader().MarkCutOff(), 9);
+    EXPECT_TRUE(host.heard().reports.empty());
 }
 
 TEST(NumberFieldsTest, AreSelectedOnEntry)

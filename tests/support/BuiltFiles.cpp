@@ -6,6 +6,7 @@ std::string testData() { return KEL_TEST_DATA; }
 std::string readerProgram() { return KEL_READER_PROGRAM; }
 std::string readBatchProgram() { return KEL_READ_BATCH_PROGRAM; }
 std::string scriptedOptionsProgram() { return KEL_SCRIPTED_OPTIONS_PROGRAM; }
+std::string builtLocales() { return KEL_TEST_LOCALES; }
 std::string simulatedOmrApi() { return KEL_OMRAPI_SIMULATED; }
 
 } // namespace kel::test

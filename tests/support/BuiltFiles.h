@@ -10,6 +10,7 @@ std::string testData();               ///< the folder tests/
 std::string readerProgram();          ///< kelreader
 std::string readBatchProgram();       ///< the example read_batch
 std::string scriptedOptionsProgram(); ///< the example scripted_options
+std::string builtLocales();           ///< the folder of the locales de_DE.UTF-8, en_US.UTF-8 and fr_FR.UTF-8
 std::string simulatedOmrApi();        ///< the library of the USB readers' maker, simulated
 
 } // namespace kel::test

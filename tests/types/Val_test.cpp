@@ -1,6 +1,8 @@
 #include "tests/types/FailureOf.h"
 #include "types/Text.h"
 
+#include "tests/support/UsersLocale.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -105,15 +107,12 @@ TEST(ValTest, OverflowsWhereNoDoubleIsLargeEnough)
 
 TEST(ValTest, DoesNotDependOnTheLocaleOfTheHost)
 {
-    const std::string before = std::setlocale(LC_ALL, nullptr);
-    const char* const names[] = {"de_DE.UTF-8", "de_DE", "fr_FR.UTF-8", "fr_FR", "German", "French"};
-    // A decimal comma where the system has a locale with one; any host's locale elsewhere.
-    static_cast<void>(
-        std::find_if(std::begin(names), std::end(names), [](auto name) { return std::setlocale(LC_ALL, name); }));
+    UsersLocale german;
+    german.takenByTheProcess();
+    ASSERT_STREQ(std::localeconv()->decimal_point, ",");
     EXPECT_EQ(Val("1.5"), 1.5);
     EXPECT_EQ(Val("1.5e-999"), 0);
     EXPECT_EQ(CStr(1.5), "1.5");
-    std::setlocale(LC_ALL, before.c_str());
 }
 
 } // namespace

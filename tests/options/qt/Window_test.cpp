@@ -98,10 +98,63 @@ TEST(OptionsWindowTest, AFieldTakesDigitsSnapsToItsBoundsAndGetsBackItsNumber)
 
         window.type("txtSystemPause", "soon");
         EXPECT_EQ(window.fieldText("txtSystemPause"), "soon");
+        QTest::keyClick(&window.get<QWidget>("txtSystemPause"), Qt::Key_Backspace);
+        for (int i = 0; i < 4; ++i)
+            QTest::keyClick(&window.get<QWidget>("txtSystemPause"), Qt::Key_Backspace);
         window.get<QWidget>("cboPort").setFocus();
-        EXPECT_EQ(window.fieldText("txtSystemPause"), "50");
+        EXPECT_EQ(window.fieldText("txtSystemPause"), "50") << "an empty field is no wish for a number";
     });
     EXPECT_TRUE(host.heard().reports.empty());
+}
+
+TEST(OptionsWindowTest, WhatIsNoNumberKeepsTheFocusAndIsNotSaved)
+{
+    OptionsHost host;
+    host.reader().LoadDefaults(kelReaderTypeScantronScanMark4000);
+    host.reader().SleepTime(70);
+    const auto stays = [&](OpenWindow& window, std::size_t reports) {
+        for (int turn = 0; turn < 3; ++turn)
+            QCoreApplication::processEvents();
+        EXPECT_TRUE(window.window().isVisible());
+        EXPECT_TRUE(window.get<QWidget>("txtSystemPause").hasFocus());
+        EXPECT_EQ(window.fieldText("txtSystemPause"), "nan");
+        EXPECT_EQ(host.heard().reports.size(), reports);
+    };
+    const Boolean ok = DrivenDialog::run(host, [&](OpenWindow& window) {
+        window.type("txtSystemPause", "nan");
+        QTest::keyClick(&window.get<QWidget>("txtSystemPause"), Qt::Key_Return);
+        stays(window, 1);
+        QTest::keyClick(&window.get<QWidget>("txtSystemPause"), Qt::Key_Tab);
+        stays(window, 2);
+        window.click("cmdOK");
+        stays(window, 3);
+        window.click("cmdCancel");
+        EXPECT_FALSE(window.window().isVisible());
+    });
+    EXPECT_EQ(ok, False);
+    EXPECT_EQ(host.heard().reports.size(), 3U) << "nobody who cancels is told";
+    EXPECT_EQ(host.heard().reports.back().ErrorNumber, 13);
+    EXPECT_EQ(host.reader().SleepTime(), 70);
+}
+
+TEST(OptionsWindowTest, EveryKeyThatStepsMakesOneStep)
+{
+    OptionsHost host;
+    host.reader().LoadDefaults(kelReaderTypeScantronScanMark4000);
+    DrivenDialog::run(host, [](OpenWindow& window) {
+        auto& field = window.get<QWidget>("txtSystemPause");
+        field.setFocus(Qt::TabFocusReason);
+        const auto press = [&](Qt::Key key, Qt::KeyboardModifiers modifiers) {
+            QTest::keyClick(&field, key, modifiers);
+            return window.fieldText("txtSystemPause");
+        };
+        EXPECT_EQ(press(Qt::Key_Up, {}), "51");
+        EXPECT_EQ(press(Qt::Key_PageUp, {}), "52");
+        EXPECT_EQ(press(Qt::Key_Up, Qt::ControlModifier), "53");
+        EXPECT_EQ(press(Qt::Key_PageDown, {}), "52");
+        EXPECT_EQ(press(Qt::Key_Down, Qt::ControlModifier), "51");
+        EXPECT_EQ(press(Qt::Key_Down, {}), "50");
+    });
 }
 
 TEST(OptionsWindowTest, SpinButtonsStepWithinTheBounds)

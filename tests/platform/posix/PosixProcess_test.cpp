@@ -1,5 +1,6 @@
 #include "platform/posix/PosixProcess.h"
 
+#include "tests/support/UsersLocale.h"
 #include "types/Text.h"
 
 #include <filesystem>
@@ -33,6 +34,29 @@ TEST(PosixProcess, TheComponentIsTheFileThatThisCodeIsIn)
     const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe");
     EXPECT_EQ(process.ComponentFile(), program);
     EXPECT_EQ(process.ComponentFolder(), program.parent_path());
+}
+
+std::string signs()
+{
+    const NumberSigns found = PosixProcess().numberSigns();
+    return found.decimal + ' ' + found.thousands;
+}
+
+TEST(PosixProcess, NumbersAreThoseOfTheEnvironmentOrOfAProcessThatHasTakenALocale)
+{
+    {
+        const test::UsersLocale english("en_US.UTF-8");
+        EXPECT_EQ(signs(), ". ,");
+    }
+    {
+        test::UsersLocale german;
+        EXPECT_EQ(signs(), ", .");
+        german.takenByTheProcess();
+        ::setenv("LC_ALL", "en_US.UTF-8", 1);
+        EXPECT_EQ(signs(), ", .") << "what the process has taken stays";
+    }
+    const test::UsersLocale nobodys("xx_XX.UTF-8");
+    EXPECT_EQ(signs(), ". ");
 }
 
 } // namespace

@@ -111,6 +111,65 @@ TEST_F(OptionsDialogWindowTest, ANumberIsPutRightWhenItsFieldIsLeft)
     EXPECT_EQ(reader.Timeout(), 4);
 }
 
+TEST_F(OptionsDialogWindowTest, EveryKeyThatStepsMakesOneStep)
+{
+    reader.LoadDefaults(kelReaderTypeScantronScanMark2500);
+    reader.SleepTime(50);
+    const int pause = number("txtSystemPause");
+    std::vector<std::wstring> stepped;
+    show([&](const OtherProgram& user) {
+        user.enter(pause);
+        for (const WPARAM key : {VK_UP, VK_PRIOR, VK_NEXT, VK_DOWN}) {
+            user.press(pause, key);
+            stepped.push_back(user.text(pause));
+        }
+    });
+    EXPECT_EQ(stepped, (std::vector<std::wstring>{L"51", L"52", L"51", L"50"}));
+}
+
+/// Counts the reports, and shows nothing.
+class CountingErrors final : public ErrorObject {
+public:
+    Int32 RaiseError(const ErrorReport& report) override
+    {
+        numbers.push_back(report.ErrorNumber);
+        return 0;
+    }
+    std::vector<Int32> numbers;
+};
+
+TEST_F(OptionsDialogWindowTest, WhatIsNoNumberKeepsTheFocusAndIsNotSaved)
+{
+    const auto errors = std::make_shared<CountingErrors>();
+    reader.SetError(errors);
+    reader.LoadDefaults(kelReaderTypeScantronScanMark2500);
+    reader.SleepTime(70);
+    const int pause = number("txtSystemPause");
+    std::vector<std::size_t> told;
+    std::vector<std::wstring> texts;
+    EXPECT_EQ(show([&](const OtherProgram& user) {
+                  const auto look = [&] {
+                      told.push_back(errors->numbers.size());
+                      texts.push_back(user.text(pause));
+                  };
+                  user.enter(pause);
+                  user.type(pause, L"soon");
+                  user.press(pause, VK_RETURN);
+                  look();
+                  user.enter(number("cboPort"));
+                  look();
+                  user.press(pause, VK_RETURN);
+                  look();
+                  user.click(IDCANCEL);
+              }),
+              False);
+    reader.SetError(nullptr);
+    EXPECT_EQ(told, (std::vector<std::size_t>{1, 2, 3}));
+    EXPECT_EQ(texts, (std::vector<std::wstring>(3, L"soon")));
+    EXPECT_EQ(errors->numbers, (std::vector<Int32>(3, 13))) << "nobody who cancels is told";
+    EXPECT_EQ(reader.SleepTime(), 70);
+}
+
 TEST_F(OptionsDialogWindowTest, ABoxIsTickedByAClick)
 {
     reader.LoadDefaults(kelReaderTypeScantronScanMark2500);
