@@ -73,10 +73,11 @@ void Decode_GradeMasterBlock(benchmark::State& state)
     const std::string bytes = "0000012345    " + std::string(100, '\x15') + '\xD9';
     for (auto _ : state) {
         RawBlockAP block = newBlockGradeMasterAP();
+        Byte bValue = 0;
         for (const char byte : bytes)
             block.take(static_cast<Byte>(byte));
         MarkArray iSide1Arr(100, 5);
-        setMarksGradeMasterAP(iSide1Arr, block, 1);
+        setMarksGradeMasterAP(iSide1Arr, block, 1, bValue);
         benchmark::DoNotOptimize(iSide1Arr.elements().data());
     }
     countBytes(state, bytes.size());

@@ -66,8 +66,9 @@ void windowReplySS(benchmark::State& state)
         reply += '\r';
     }
     MarkArray marks(kRows, kColumns);
+    WindowPlacingSS at;
     for (auto _ : state) {
-        placeWindowReplySS(reply, windows, 1, marks);
+        placeWindowReplySS(reply, windows, 1, marks, at);
         benchmark::ClobberMemory();
     }
     state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(reply.size()));

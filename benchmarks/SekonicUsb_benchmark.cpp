@@ -12,8 +12,9 @@ void Decode_SekonicUsbSide(benchmark::State& state)
     for (Int32 lIndex = 1; lIndex <= kMostBytesSR; ++lIndex)
         bytes(lIndex) = static_cast<Byte>(lIndex);
     MarkArray marks(kMostRowsSR, kColumnsSR);
+    MarkCopySR copy;
     for (auto _ : state) {
-        benchmark::DoNotOptimize(copyMarksSR(bytes, kMostRowsSR, kColumnsSR, marks));
+        benchmark::DoNotOptimize(copyMarksSR(bytes, kMostRowsSR, kColumnsSR, marks, copy));
         benchmark::DoNotOptimize(marks.elements().data());
         benchmark::ClobberMemory();
     }

@@ -6,14 +6,14 @@
 
 namespace kel {
 
-void VariableLines::addNext(std::string_view& names, Variant (*asVariant)(const void*), const void* value)
+void VariableLines::addNext(std::string_view& names, AddOne addOne, const void* value)
 {
     const std::size_t end = std::min(names.find(','), names.size());
     std::string sName = Trim(names.substr(0, end));
     names.remove_prefix(std::min(end + 1, names.size()));
     if (sName.ends_with('_'))
         sName.pop_back();
-    ignoringFailures([&] { text_ += dumpOfValue(sName, asVariant(value)); });
+    ignoringFailures([&] { addOne(*this, sName, value); });
 }
 
 } // namespace kel

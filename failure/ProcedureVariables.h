@@ -1,5 +1,6 @@
 #pragma once
 
+#include "failure/TellsVariables.h"
 #include "failure/ToVariant.h"
 #include "failure/VariantDump.h"
 
@@ -18,6 +19,15 @@
 
 namespace kel {
 
+class VariableLines;
+
+/// An object that holds variables of a procedure, and tells them in its own place (failure/TellsVariables.h).
+template <class T>
+concept TellsVariables = requires(const T& object, VariableLines& lines)
+{
+    object.tellVariables(lines);
+};
+
 /// The lines of some variables. A variable that cannot be looked at is left out.
 class VariableLines {
 public:
@@ -28,14 +38,29 @@ public:
     {
         static_cast<void>(names);
         (addNext(
-             names, [](const void* value) { return toVariant(*static_cast<const Values*>(value)); }, &values),
+             names,
+             [](VariableLines& lines, const std::string& sName, const void* value) {
+                 lines.addOne(sName, *static_cast<const Values*>(value));
+             },
+             &values),
          ...);
     }
 
     [[nodiscard]] const std::string& text() const { return text_; }
 
 private:
-    void addNext(std::string_view& names, Variant (*asVariant)(const void*), const void* value);
+    using AddOne = void (*)(VariableLines& lines, const std::string& sName, const void* value);
+
+    void addNext(std::string_view& names, AddOne addOne, const void* value);
+
+    template <class Value>
+    void addOne(const std::string& sName, const Value& value)
+    {
+        if constexpr (TellsVariables<Value>)
+            value.tellVariables(*this);
+        else
+            text_ += dumpOfValue(sName, toVariant(value));
+    }
 
     std::string text_;
 };

@@ -79,7 +79,8 @@ void readGradeMaster(std::span<const Byte> bytes, Int32 rows, Int32 columns)
     demand(identifierGradeMasterAP(block).size() == 10, "an identifier has ten characters");
     static_cast<void>(errorNumberGradeMasterAP(block));
     MarkArray iSide1Arr(rows, columns);
-    setMarksGradeMasterAP(iSide1Arr, block, 7);
+    Byte bValue = 0;
+    setMarksGradeMasterAP(iSide1Arr, block, 7, bValue);
     for (const Int16 mark : iSide1Arr.elements())
         demand(mark == 0 || mark == 7, "a mark is the threshold");
 }

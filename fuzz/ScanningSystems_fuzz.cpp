@@ -71,9 +71,10 @@ void fuzzWindows(Input input)
         window = cWindow;
     }
     MarkArray marks(1 + (input.byte() & 0x3F), 1 + (input.byte() & 0x3F));
+    WindowPlacingSS at;
     runs({FailureCode::InvalidProcedureCall, FailureCode::Overflow, FailureCode::SubscriptOutOfRange,
           FailureCode::ObjectNotSet},
-         [&] { placeWindowReplySS(input.text(), windows, 1, marks); });
+         [&] { placeWindowReplySS(input.text(), windows, 1, marks, at); });
 }
 
 void fuzzTexts(Input input)

@@ -38,7 +38,8 @@ void fuzzCells(Input input)
     window.Orientation(input.number16());
     MarkArray marks(64, 48);
     mayFail([&] {
-        static_cast<void>(windowDefinitionST(1, window));
+        WindowFieldsST fields;
+        static_cast<void>(windowDefinitionST(1, window, fields));
         WindowCellsST cells(window);
         for (const Byte byte : input.rest()) {
             const auto cell = cells.next();

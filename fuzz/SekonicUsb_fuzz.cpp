@@ -51,7 +51,8 @@ void copyMarks(Source source)
     const auto rest = source.rest();
     std::copy_n(rest.begin(), std::min<std::size_t>(rest.size(), kMostBytesSR), bytes.elements().begin());
     MarkArray marks(kMostRowsSR, kColumnsSR);
-    const Int16 iRows = copyMarksSR(bytes, lRows, lCols, marks);
+    MarkCopySR copy;
+    const Int16 iRows = copyMarksSR(bytes, lRows, lCols, marks, copy);
     demand(iRows == (lRows > 0 && lCols > 0 ? lRows : 0), "all rows are there");
     for (Int32 lIndex = 1; lIndex <= iRows * lCols; ++lIndex)
         demand(marks((lIndex - 1) / lCols + 1, (lIndex - 1) % lCols + 1) == bytes(lIndex), "a byte is a cell");
@@ -62,7 +63,8 @@ void anyCount(Source source)
     Array1<Byte> bytes(1, kMostBytesSR);
     MarkArray marks(kMostRowsSR, kColumnsSR);
     const Int32 lRows = source.number();
-    demand(copyMarksSR(bytes, lRows, source.number(), marks) <= kMostRowsSR, "a sheet has so many rows");
+    MarkCopySR copy;
+    demand(copyMarksSR(bytes, lRows, source.number(), marks, copy) <= kMostRowsSR, "a sheet has so many rows");
 }
 
 void tellCode(Source source)

@@ -186,7 +186,7 @@ private:
     void filterKeys(PowerEdit& field, const char* source);
     void placeControls();
     void fillLineLists();
-    [[nodiscard]] bool locateWithDialogValues(Int16& iStartPort, Int16& iPortLocated);
+    [[nodiscard]] bool locateWithDialogValues(Int16 iPortIndex, Int16& iStartPort, Int16& iPortLocated);
     [[nodiscard]] clsKELReader& reader() const;
 
     std::unique_ptr<ObjectLife> life_; // from loading to unloading

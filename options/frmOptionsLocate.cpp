@@ -53,7 +53,7 @@ private:
 
 } // namespace
 
-bool frmOptions::locateWithDialogValues(Int16& iStartPort, Int16& iPortLocated)
+bool frmOptions::locateWithDialogValues(Int16 iPortIndex, Int16& iStartPort, Int16& iPortLocated)
 {
     reader().ReaderType(static_cast<kelReaderType>(integerOf(selectedValue(cboReaderType))));
     reader().FlowControl(static_cast<kelReaderFlowControl>(integerOf(selectedValue(cboFlowControl))));
@@ -63,7 +63,7 @@ bool frmOptions::locateWithDialogValues(Int16& iStartPort, Int16& iPortLocated)
     reader().DataBits(static_cast<kelReaderDataBits>(integerOf(cboDataBits.Text())));
     reader().Parity(selectedValue(cboParity));
     // Without a port in the list the search begins at port 1.
-    iStartPort = CInt(Val(cboPort.CellText(0, 0)));
+    iStartPort = CInt(Val(cboPort.CellText(0, iPortIndex)));
     if (!reader().Locate(iStartPort))
         return false;
     iPortLocated = reader().Port();
@@ -74,12 +74,13 @@ bool frmOptions::locateWithDialogValues(Int16& iStartPort, Int16& iPortLocated)
 void frmOptions::cmdLocate_Click()
 {
     OwnSettings own;
+    const Int16 iPortIndex = 0;
     Int16 iStartPort = 0;
     Int16 iPortLocated = 0;
     const auto locals = localsFrom([&](VariableLines& lines) {
         lines.add("iPort, eReaderType, iFlowControl, lBaudRate, sParity, iDataBits, sngStopBits", own.iPort,
                   own.eReaderType, own.iFlowControl, own.lBaudRate, own.sParity, own.iDataBits, own.sngStopBits);
-        lines.add("iStartPort, iPortLocated", iStartPort, iPortLocated);
+        lines.add("iPortIndex, iStartPort, iPortLocated", iPortIndex, iStartPort, iPortLocated);
     });
     guarded("KELReader81 - frmOptions.cmdLocate_Click", locals + moduleOf(*this), [&] {
         if (cboReaderType.CurrentRow() == -1)
@@ -87,7 +88,7 @@ void frmOptions::cmdLocate_Click()
         Screen& screen = platform().screen();
         screen.MousePointer(kMousePointerHourglass);
         const BorrowedSettings borrowed(reader(), own);
-        if (locateWithDialogValues(iStartPort, iPortLocated)) {
+        if (locateWithDialogValues(iPortIndex, iStartPort, iPortLocated)) {
             screen.MsgBox(VBLM_RTString(TextNumber(160)) + cboPort.Text(), BoxIcon::Information, BoxButtons::Ok,
                           VBLM_RTString(TextNumber(162)));
             borrowed.restore();

@@ -32,11 +32,11 @@ void beepUnless(Boolean bQuiet)
 }
 
 /// Cuts a fraction that has too many digits; the separator stays only if digits follow it. True if there was one.
-bool cutFraction(PowerEdit& txtEdit)
+bool cutFraction(PowerEdit& txtEdit, std::size_t& lPos)
 {
     const std::string text = txtEdit.Text();
     const std::string& separator = txtEdit.DecimalSeparator();
-    const std::size_t lPos = separator.empty() ? std::string::npos : text.find(separator);
+    lPos = separator.empty() ? std::string::npos : text.find(separator);
     if (lPos == std::string::npos)
         return false;
     const auto places = static_cast<std::size_t>(std::max(txtEdit.DecimalPlaces(), Int32{0}));
@@ -64,19 +64,21 @@ void frmOptions::SetSpinMinMax(PowerEdit& txtSpin, Int32 lMinValue, Int32 lMaxVa
 void frmOptions::ValidateSpinValue(PowerEdit& txtEdit, Boolean bQuiet)
 {
     double dValue = 0;
-    guarded("KELReader81 - frmOptions.ValidateSpinValue", KEL_PARAMETERS(txtEdit, bQuiet) + KEL_LOCALS(dValue), [&] {
-        dValue = typedNumber(txtEdit.Text());
-        txtEdit.Text(CStr(dValue));
-        if (dValue < txtEdit.Minimum()) {
-            txtEdit.Text(CStr(txtEdit.Minimum()));
-            beepUnless(bQuiet);
-        } else if (dValue > txtEdit.Maximum()) {
-            txtEdit.Text(CStr(txtEdit.Maximum()));
-            beepUnless(bQuiet);
-        } else if (cutFraction(txtEdit)) {
-            beepUnless(bQuiet);
-        }
-    });
+    std::size_t lPos = 0;
+    guarded("KELReader81 - frmOptions.ValidateSpinValue", KEL_PARAMETERS(txtEdit, bQuiet) + KEL_LOCALS(dValue, lPos),
+            [&] {
+                dValue = typedNumber(txtEdit.Text());
+                txtEdit.Text(CStr(dValue));
+                if (dValue < txtEdit.Minimum()) {
+                    txtEdit.Text(CStr(txtEdit.Minimum()));
+                    beepUnless(bQuiet);
+                } else if (dValue > txtEdit.Maximum()) {
+                    txtEdit.Text(CStr(txtEdit.Maximum()));
+                    beepUnless(bQuiet);
+                } else if (cutFraction(txtEdit, lPos)) {
+                    beepUnless(bQuiet);
+                }
+            });
 }
 
 double frmOptions::CVal(std::string_view vValue)

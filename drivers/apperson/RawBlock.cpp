@@ -45,10 +45,10 @@ Int16 errorNumberGradeMasterAP(const RawBlockAP& block)
     return CInt(Val(textOf(block, kFirstErrorDigit, kErrorDigits)));
 }
 
-void setMarksGradeMasterAP(MarkArray& iSide1Arr, const RawBlockAP& block, Int16 iThreshold)
+void setMarksGradeMasterAP(MarkArray& iSide1Arr, const RawBlockAP& block, Int16 iThreshold, Byte& bValue)
 {
     for (Int32 i = 1; i <= iSide1Arr.rows(); ++i) {
-        const Byte bValue = block(kFirstRowByte + i - 1);
+        bValue = block(kFirstRowByte + i - 1);
         for (Int32 j = 1; j <= kChoices; ++j) {
             if (bValue & (1 << (j - 1)))
                 iSide1Arr(i, j) = iThreshold;

@@ -2,6 +2,7 @@
 
 #include "types/Arrays.h"
 
+#include <array>
 #include <string>
 
 namespace kel {
@@ -26,6 +27,17 @@ public:
     [[nodiscard]] Byte status() const { return bDataArr_(i_); }
     /// A byte by its number; 0 for one that did not come, failure 9 beyond the room.
     [[nodiscard]] Byte operator()(Int32 index) const { return bDataArr_(index); }
+
+    /// The bytes that have come are told as a text too, and the last one by itself.
+    template <class Lines>
+    void tellVariables(Lines& lines) const
+    {
+        const Int32 last = bPageRead_ ? i_ : i_ - 1;
+        const auto& bytes = bDataArr_.elements();
+        const std::string sOutput(bytes.begin() + 1, bytes.begin() + 1 + last);
+        const std::array<Byte, 1> bTempArr{bDataArr_(last)};
+        lines.add("bDataArr, bTempArr, bPageRead, sOutput", bDataArr_, bTempArr, bPageRead_, sOutput);
+    }
 
 private:
     Array1<Byte> bDataArr_;
@@ -68,7 +80,7 @@ inline constexpr const char* kBlankIdentifierGradeMasterAP = "Blank ID# ";
 [[nodiscard]] Int16 errorNumberGradeMasterAP(const RawBlockAP& block);
 
 /// Sets the marks: a byte a row, bit 0x01 is column 1 and bit 0x10 is column 5; the higher bits mean nothing. A mark
-/// outside the array's columns is failure 9.
-void setMarksGradeMasterAP(MarkArray& iSide1Arr, const RawBlockAP& block, Int16 iThreshold);
+/// outside the array's columns is failure 9. `bValue` is the byte of the last row.
+void setMarksGradeMasterAP(MarkArray& iSide1Arr, const RawBlockAP& block, Int16 iThreshold, Byte& bValue);
 
 } // namespace kel

@@ -33,17 +33,19 @@ Boolean ReadPageAPAdvantageLink(ReaderContract& oReader)
     Boolean bResult = False;
     MarkArray iSide1Arr;
     std::string sData;
-    guarded(kReadPage, KEL_PARAMETERS(oReader) + KEL_LOCALS(iSide1Arr, sData), [&] {
+    Int16 iErrCode = 0;
+    RawBlockAP block = newBlockAdvantageLinkAP();
+    guarded(kReadPage, KEL_PARAMETERS(oReader) + KEL_LOCALS(block, iErrCode, iSide1Arr, sData), [&] {
         if (!isOKAP(ask(oReader, "FB\r")))
             return;
 
         oReader.fComm().mscComm().Output("FD\r");
         oReader.fComm().mscComm().InputLen(1);
-        RawBlockAP block = newBlockAdvantageLinkAP();
         if (!collectBlockAP(oReader, block))
             return;
         if (block.status() != kStatusAdvantageLinkAP) {
-            reportAndDrain(oReader, block.status());
+            iErrCode = block.status();
+            reportAndDrain(oReader, iErrCode);
             return;
         }
         iSide1Arr.ReDim(oReader.LargestSide1Rows(), oReader.LargestSide1Cols());
@@ -53,7 +55,8 @@ Boolean ReadPageAPAdvantageLink(ReaderContract& oReader)
         if (sData.empty())
             return;
         if (!isOKAP(sData)) {
-            reportAndDrain(oReader, Asc(sData));
+            iErrCode = Asc(sData);
+            reportAndDrain(oReader, iErrCode);
             return;
         }
         oReader.Side1Array(iSide1Arr);

@@ -19,11 +19,15 @@ Boolean ReadPageAPGradeMaster(ReaderContract& oReader)
     TextArray sBarcodeArr;
     MarkArray iSide1Arr;
     Int16 iErrCode = 0;
-    guarded(kReadPage, KEL_PARAMETERS(oReader) + KEL_LOCALS(sBarcodeArr, iSide1Arr, iErrCode), [&] {
+    RawBlockAP block = newBlockGradeMasterAP();
+    Byte bValue = 0;
+    Int16 iThreshold = 0;
+    const auto variables =
+        KEL_PARAMETERS(oReader) + KEL_LOCALS(block, sBarcodeArr, iSide1Arr, iErrCode, bValue, iThreshold);
+    guarded(kReadPage, variables, [&] {
         sBarcodeArr.ReDim(1, 1);
         oReader.fComm().mscComm().Output("P\r");
         oReader.fComm().mscComm().InputLen(1);
-        RawBlockAP block = newBlockGradeMasterAP();
         if (!collectBlockAP(oReader, block))
             return;
         if (block.status() != kStatusGradeMasterAP) {
@@ -42,7 +46,8 @@ Boolean ReadPageAPGradeMaster(ReaderContract& oReader)
         }
         if (sBarcodeArr(1) == kBlankIdentifierGradeMasterAP)
             sBarcodeArr(1) = "?";
-        setMarksGradeMasterAP(iSide1Arr, block, oReader.RecognitionThreshold());
+        iThreshold = oReader.RecognitionThreshold();
+        setMarksGradeMasterAP(iSide1Arr, block, iThreshold, bValue);
         oReader.Side1Array(iSide1Arr);
         oReader.BarcodeArray(sBarcodeArr);
         bResult = True;

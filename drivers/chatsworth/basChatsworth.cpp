@@ -7,6 +7,9 @@
 #include "failure/guarded.h"
 #include "platform/Platform.h"
 
+#include <array>
+#include <utility>
+
 namespace kel {
 
 namespace {
@@ -23,17 +26,30 @@ constexpr std::string_view kSheetFed = "0\r";
 
 constexpr Int32 kMostRows = 128;
 
-/// A command of the set-up and of the feeder: ESC letters CR.
-void sendCommand(ReaderContract& oReader, const std::string& letters)
+/// The last command of a procedure, and what has come upon it.
+struct ExchangeCT {
+    std::string sCmd;
+    std::string sData;
+
+    KEL_TELLS(sCmd, sData)
+};
+
+void send(ReaderContract& oReader, ExchangeCT& exchange, std::string sCmd)
 {
-    oReader.fComm().mscComm().Output("\x1B" + letters + "\r");
+    exchange = {.sCmd = std::move(sCmd), .sData = {}};
+    oReader.fComm().mscComm().Output(exchange.sCmd);
+}
+
+/// A command of the set-up and of the feeder: ESC letters CR.
+void sendCommand(ReaderContract& oReader, ExchangeCT& exchange, const std::string& letters)
+{
+    send(oReader, exchange, "\x1B" + letters + "\r");
 }
 
 /// Takes and drops characters until a CR comes. Only the time-out, and where it is told the stop flag, ends this.
-Wait waitForCarriageReturn(ReaderContract& oReader, bool bCancellable)
+Wait waitForCarriageReturn(ReaderContract& oReader, std::string& sData, bool bCancellable)
 {
     oReader.fComm().tmrScan().Enabled(True);
-    std::string sData;
     while (sData != "\r") {
         DoEvents();
         if (bCancellable && oReader.CancelScan())
@@ -47,40 +63,40 @@ Wait waitForCarriageReturn(ReaderContract& oReader, bool bCancellable)
     return Wait::Reply;
 }
 
-bool setUp(ReaderContract& oReader, const char* letters)
+bool setUp(ReaderContract& oReader, ExchangeCT& exchange, const char* letters)
 {
-    sendCommand(oReader, letters);
-    if (waitForCarriageReturn(oReader, false) == Wait::Reply)
+    sendCommand(oReader, exchange, letters);
+    if (waitForCarriageReturn(oReader, exchange.sData, false) == Wait::Reply)
         return true;
     reportReaderFault(kInitReader, 234, kNoReplyTitle);
     return false;
 }
 
 /// The reply to 0x11 is the sheet itself; the stop flag is not looked at.
-bool startByByte(ReaderContract& oReader)
+bool startByByte(ReaderContract& oReader, ExchangeCT& exchange)
 {
-    oReader.fComm().mscComm().Output(kStartOfSheet);
+    send(oReader, exchange, kStartOfSheet);
     if (waitForReply(oReader, {.cancellable = false}) == Wait::Reply)
         return true;
     reportReaderFault(kReadPage, 236, 238);
     return false;
 }
 
-bool startFramed(ReaderContract& oReader)
+bool startFramed(ReaderContract& oReader, ExchangeCT& exchange)
 {
-    oReader.fComm().mscComm().Output(frameCommand("E"));
-    const Wait wait = waitForCarriageReturn(oReader, true);
+    send(oReader, exchange, frameCommand("E"));
+    const Wait wait = waitForCarriageReturn(oReader, exchange.sData, true);
     if (wait == Wait::TimedOut)
         reportReaderFault(kReadPage, 240, kNoReplyTitle);
     return wait == Wait::Reply;
 }
 
 /// Feeds a sheet. The reply is taken up to its CR and not one character more; a refusal is not reported.
-bool startFed(ReaderContract& oReader)
+bool startFed(ReaderContract& oReader, ExchangeCT& exchange)
 {
-    sendCommand(oReader, "F");
+    sendCommand(oReader, exchange, "F");
     oReader.fComm().tmrScan().Enabled(True);
-    std::string sData;
+    std::string& sData = exchange.sData;
     while (!sData.ends_with('\r')) {
         DoEvents();
         if (oReader.fComm().mscComm().InBufferCount() > 0)
@@ -94,12 +110,12 @@ bool startFed(ReaderContract& oReader)
     return sData <= kSheetFed;
 }
 
-bool startSheet(ReaderContract& oReader, SheetStartCT eStart)
+bool startSheet(ReaderContract& oReader, ExchangeCT& exchange, SheetStartCT eStart)
 {
     switch (eStart) {
-    case SheetStartCT::Byte11: return startByByte(oReader);
-    case SheetStartCT::Framed: return startFramed(oReader);
-    case SheetStartCT::Feed: return !oReader.Feeder() || startFed(oReader);
+    case SheetStartCT::Byte11: return startByByte(oReader, exchange);
+    case SheetStartCT::Framed: return startFramed(oReader, exchange);
+    case SheetStartCT::Feed: return !oReader.Feeder() || startFed(oReader, exchange);
     case SheetStartCT::None: break;
     }
     return true;
@@ -110,17 +126,18 @@ bool startSheet(ReaderContract& oReader, SheetStartCT eStart)
 Boolean InitReaderCT(ReaderContract& oReader)
 {
     Boolean bResult = False;
-    guarded(kInitReader, KEL_PARAMETERS(oReader), [&] {
+    ExchangeCT exchange;
+    guarded(kInitReader, KEL_PARAMETERS(oReader) + KEL_LOCALS(exchange), [&] {
         oReader.fComm().mscComm().InputLen(1);
         drainInput(oReader);
         const ModelCT& model = modelCT(oReader.ReaderType());
         if (const auto& commands = oReader.Feeder() ? model.feeder : model.singleSheets) {
-            if (!setUp(oReader, commands->first) || !setUp(oReader, commands->second))
+            if (!setUp(oReader, exchange, commands->first) || !setUp(oReader, exchange, commands->second))
                 return;
             Sleep(oReader.SleepTime());
         }
         if (model.probed)
-            oReader.fComm().mscComm().Output(kProbe);
+            send(oReader, exchange, kProbe);
         bResult = True;
     });
     return bResult;
@@ -130,13 +147,18 @@ Boolean ReadPageCT(ReaderContract& oReader)
 {
     Boolean bResult = False;
     bool bPageRead = false;
+    std::array<Byte, 1> bTempArr{};
     Byte iTemp = 0;
-    guarded(kReadPage, KEL_PARAMETERS(oReader) + KEL_LOCALS(bPageRead, iTemp), [&] {
+    ExchangeCT exchange;
+    PackedRows page;
+    const bool& iRightByte = page.isAtRowStart();
+    const auto variables = KEL_PARAMETERS(oReader) + KEL_LOCALS(page, iRightByte, bPageRead, iTemp, bTempArr, exchange);
+    guarded(kReadPage, variables, [&] {
         const ModelCT& model = modelCT(oReader.ReaderType());
         drainInput(oReader);
         oReader.fComm().mscComm().InputLen(1);
-        PackedRows page(kMostRows, checkedAdd(oReader.RecognitionThreshold(), 1));
-        if (!startSheet(oReader, model.start))
+        page = PackedRows(kMostRows, checkedAdd(oReader.RecognitionThreshold(), 1));
+        if (!startSheet(oReader, exchange, model.start))
             return;
 
         while (!bPageRead) {
@@ -145,7 +167,8 @@ Boolean ReadPageCT(ReaderContract& oReader)
                 return;
             if (oReader.fComm().mscComm().InBufferCount() == 0)
                 continue;
-            iTemp = takeByte(oReader);
+            bTempArr[0] = takeByte(oReader);
+            iTemp = bTempArr[0];
             if (iTemp == kSheetEnd)
                 bPageRead = true;
             else if (iTemp == model.refusal)
@@ -163,13 +186,15 @@ Boolean ReadPageCT(ReaderContract& oReader)
 Boolean RejectPageCT(ReaderContract& oReader, Boolean bRejectHopper)
 {
     Boolean bResult = False;
-    guarded(kRejectPage, KEL_PARAMETERS(oReader, bRejectHopper), [&] {
-        oReader.fComm().mscComm().Output(frameCommand(bRejectHopper ? "EF" : "ER"));
+    ExchangeCT exchange;
+    guarded(kRejectPage, KEL_PARAMETERS(oReader, bRejectHopper) + KEL_LOCALS(exchange), [&] {
+        send(oReader, exchange, frameCommand(bRejectHopper ? "EF" : "ER"));
         if (waitForReply(oReader, {.cancellable = false}) != Wait::Reply) {
             reportReaderFault(kRejectPage, 242, kNoReplyTitle);
             return;
         }
-        bResult = collectText(oReader, {.pauseWhenEmpty = true}).find('\r') != std::string::npos;
+        exchange.sData = collectText(oReader, {.pauseWhenEmpty = true});
+        bResult = exchange.sData.find('\r') != std::string::npos;
     });
     return bResult;
 }

@@ -34,6 +34,7 @@ void PackedRows::take(Byte byte)
     if (!bRightByte_)
         iRow_ = checkedAdd(iRow_, 1);
     bRightByte_ = !bRightByte_;
+    lNumBytes_ = checkedAdd(lNumBytes_, 1);
 }
 
 Int16 PackedRows::completeRows() const

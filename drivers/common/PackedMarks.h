@@ -1,5 +1,6 @@
 #pragma once
 
+#include "failure/TellsVariables.h"
 #include "types/Arrays.h"
 
 #include <string>
@@ -25,18 +26,26 @@ inline constexpr Byte kSheetEnd = 0x0D;
 /// in a row outside the array is failure 9.
 class PackedRows {
 public:
+    /// Without rows; a mark is failure 9.
+    PackedRows() = default;
     PackedRows(Int32 rows, Int16 iMarkValue);
 
     void take(Byte byte);
+
+    /// Whether the next byte is the first of a row.
+    [[nodiscard]] const bool& isAtRowStart() const { return bRightByte_; }
 
     [[nodiscard]] const MarkArray& marks() const { return iSide1Arr_; }
     /// Rows of which both bytes came.
     [[nodiscard]] Int16 completeRows() const;
 
+    KEL_TELLS(iSide1Arr_, iMarkValue_, iRow_, lNumBytes_)
+
 private:
     MarkArray iSide1Arr_;
-    Int16 iMarkValue_;
+    Int16 iMarkValue_ = 0;
     Int16 iRow_ = 1;
+    Int32 lNumBytes_ = 1;
     bool bRightByte_ = true;
 };
 

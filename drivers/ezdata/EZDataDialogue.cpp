@@ -10,17 +10,17 @@ bool failNCSEZ(const char* source, TextNumber message)
     return false;
 }
 
-bool letterTakenNCSEZ(ReaderContract& oReader, const char* source, const LetterTextsNCSEZ& texts)
+bool letterTakenNCSEZ(ReaderContract& oReader, const char* source, const LetterTextsNCSEZ& texts, std::string& sData)
 {
-    const std::string sLetter = oReader.fComm().mscComm().Input();
-    if (sLetter == "G")
+    sData = oReader.fComm().mscComm().Input();
+    if (sData == "G")
         return true;
-    return failNCSEZ(source, sLetter == "?" ? texts.refused : texts.unknown);
+    return failNCSEZ(source, sData == "?" ? texts.refused : texts.unknown);
 }
 
-bool commandTakenNCSEZ(ReaderContract& oReader, const char* source, const LetterTextsNCSEZ& texts)
+bool commandTakenNCSEZ(ReaderContract& oReader, const char* source, const LetterTextsNCSEZ& texts, std::string& sData)
 {
-    if (!letterTakenNCSEZ(oReader, source, texts))
+    if (!letterTakenNCSEZ(oReader, source, texts, sData))
         return false;
     static_cast<void>(oReader.fComm().mscComm().Input());
     return true;

@@ -54,15 +54,16 @@ Boolean FirmwareVersionNCSEZ(ReaderContract& oReader, std::string& sReturn)
 {
     Boolean bResult = False;
     std::string sData;
-    guarded(kFirmwareVersion, KEL_PARAMETERS(oReader, sReturn) + KEL_LOCALS(sData), [&] {
+    std::size_t iLocate = 0;
+    guarded(kFirmwareVersion, KEL_PARAMETERS(oReader, sReturn) + KEL_LOCALS(sData, iLocate), [&] {
         openLine(oReader, oReader.Port());
         oReader.fComm().mscComm().Output(frameCommand("V"));
         Sleep(100);
         if (oReader.fComm().mscComm().InBufferCount() > 0) {
             sData = takeAll(oReader);
-            const std::size_t lLocate = sData.find(kProbeReply);
-            if (lLocate != std::string::npos) {
-                sReturn = Trim(sData.substr(0, lLocate));
+            iLocate = sData.find(kProbeReply);
+            if (iLocate != std::string::npos) {
+                sReturn = Trim(sData.substr(0, iLocate));
                 bResult = True;
             }
         }

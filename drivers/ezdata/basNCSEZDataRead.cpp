@@ -8,6 +8,8 @@
 #include "platform/Platform.h"
 #include "types/Text.h"
 
+#include <array>
+
 namespace kel {
 
 namespace {
@@ -24,12 +26,20 @@ Boolean ReadPageNCSEZ(ReaderContract& oReader)
     Boolean bResult = False;
     Int32 lWaiting = 0;
     bool bPageRead = false;
+    std::array<Byte, 1> bTempArr{};
     Byte iTemp = 0;
-    guarded(kReadPage, KEL_PARAMETERS(oReader) + KEL_LOCALS(lWaiting, bPageRead, iTemp), [&] {
+    std::string sCmd;
+    std::string sData;
+    PackedRows page;
+    const bool& bRightByte = page.isAtRowStart();
+    const auto variables =
+        KEL_PARAMETERS(oReader) + KEL_LOCALS(page, bRightByte, lWaiting, bPageRead, iTemp, bTempArr, sCmd, sData);
+    guarded(kReadPage, variables, [&] {
         oReader.fComm().mscComm().InputLen(1);
-        PackedRows page(kMostRows, checkedAdd(oReader.RecognitionThreshold(), 1));
+        page = PackedRows(kMostRows, checkedAdd(oReader.RecognitionThreshold(), 1));
         drainInput(oReader);
-        oReader.fComm().mscComm().Output(frameCommand("E"));
+        sCmd = frameCommand("E");
+        oReader.fComm().mscComm().Output(sCmd);
         Sleep(500);
         lWaiting = oReader.fComm().mscComm().InBufferCount();
         if (lWaiting != kReplyLength) {
@@ -37,7 +47,7 @@ Boolean ReadPageNCSEZ(ReaderContract& oReader)
                               VBLM_RTString(TextNumber(292)));
             return;
         }
-        if (!commandTakenNCSEZ(oReader, kReadPage, {.refused = 336, .unknown = 338}))
+        if (!commandTakenNCSEZ(oReader, kReadPage, {.refused = 336, .unknown = 338}, sData))
             return;
 
         while (!bPageRead) {
@@ -46,7 +56,8 @@ Boolean ReadPageNCSEZ(ReaderContract& oReader)
                 return;
             if (oReader.fComm().mscComm().InBufferCount() == 0)
                 continue;
-            iTemp = takeByte(oReader);
+            bTempArr[0] = takeByte(oReader);
+            iTemp = bTempArr[0];
             if (iTemp == kSheetEnd)
                 bPageRead = true;
             else
@@ -62,14 +73,15 @@ Boolean ReadPageNCSEZ(ReaderContract& oReader)
 Boolean RejectPageNCSEZ(ReaderContract& oReader, Boolean bRejectHopper)
 {
     Boolean bResult = False;
-    guarded(kRejectPage, KEL_PARAMETERS(oReader, bRejectHopper), [&] {
+    std::string sData;
+    guarded(kRejectPage, KEL_PARAMETERS(oReader, bRejectHopper) + KEL_LOCALS(sData), [&] {
         oReader.fComm().mscComm().Output(frameCommand(bRejectHopper ? "EF" : "ER"));
         Sleep(200);
         if (oReader.fComm().mscComm().InBufferCount() != kReplyLength) {
             failNCSEZ(kRejectPage, 346);
             return;
         }
-        if (!commandTakenNCSEZ(oReader, kRejectPage, {.refused = 342, .unknown = 344}))
+        if (!commandTakenNCSEZ(oReader, kRejectPage, {.refused = 342, .unknown = 344}, sData))
             return;
         if (bRejectHopper)
             Sleep(1000);

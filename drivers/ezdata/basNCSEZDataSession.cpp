@@ -27,6 +27,15 @@ constexpr Int16 kStatusSheetInPath = 0x01;
 constexpr Int16 kStatusFault = 0x04;
 constexpr Int16 kStatusReady = 0x10;
 
+/// What goes to the reader and comes from it while a session starts.
+struct StartNCSEZ {
+    std::string sReturn; ///< the configuration
+    std::string sData;   ///< the letter of the last reply
+    Int16 iStatus = 0;
+
+    KEL_TELLS(sReturn, sData, iStatus)
+};
+
 /// Takes the configuration up to its CR. False when the host has stopped.
 bool takeConfiguration(ReaderContract& oReader, std::string& sReturn)
 {
@@ -42,17 +51,17 @@ bool takeConfiguration(ReaderContract& oReader, std::string& sReturn)
 
 /// Asks for the configuration, positions from 1:
 ///   1-2 format "22"   4-5 flags   7-8 timing channel   13-15 mode "INL"   16-17 threshold   19-21 decay   22 CR
-bool readConfiguration(ReaderContract& oReader, std::string& sReturn)
+bool readConfiguration(ReaderContract& oReader, StartNCSEZ& start)
 {
     oReader.fComm().mscComm().Output(frameCommand("GETCONFIG"));
     Sleep(100);
     if (oReader.fComm().mscComm().InBufferCount() != kConfigurationLength)
         return failNCSEZ(kInitReader, 304);
-    if (!takeConfiguration(oReader, sReturn))
+    if (!takeConfiguration(oReader, start.sReturn))
         return false;
     if (oReader.fComm().mscComm().InBufferCount() != kAfterConfiguration)
         return failNCSEZ(kInitReader, 302);
-    if (!commandTakenNCSEZ(oReader, kInitReader, {.refused = 298, .unknown = 300}))
+    if (!commandTakenNCSEZ(oReader, kInitReader, {.refused = 298, .unknown = 300}, start.sData))
         return false;
     DoEvents();
     return !oReader.CancelScan();
@@ -83,38 +92,39 @@ void askStatus(ReaderContract& oReader)
     Sleep(100);
 }
 
-bool takeStatus(ReaderContract& oReader, Int16& iStatus)
+bool takeStatus(ReaderContract& oReader, StartNCSEZ& start)
 {
-    iStatus = Asc(oReader.fComm().mscComm().Input());
-    return commandTakenNCSEZ(oReader, kInitReader, {.refused = 310, .unknown = 312});
+    start.iStatus = Asc(oReader.fComm().mscComm().Input());
+    return commandTakenNCSEZ(oReader, kInitReader, {.refused = 310, .unknown = 312}, start.sData);
 }
 
 /// Takes out a sheet that lies in the path, and a second one that shows behind it.
-bool clearPath(ReaderContract& oReader, Int16& iStatus)
+bool clearPath(ReaderContract& oReader, StartNCSEZ& start)
 {
-    if (!(iStatus & kStatusSheetInPath))
+    if (!(start.iStatus & kStatusSheetInPath))
         return true;
     if (!RejectPageNCSEZ(oReader, True))
         return false;
     askStatus(oReader);
     if (oReader.fComm().mscComm().InBufferCount() != kStatusLength)
         return true;
-    if (!takeStatus(oReader, iStatus))
+    if (!takeStatus(oReader, start))
         return false;
-    if (iStatus & kStatusSheetInPath)
+    if (start.iStatus & kStatusSheetInPath)
         RejectPageNCSEZ(oReader, True);
     return true;
 }
 
 /// The echo of a change, then the letter that says whether it was taken.
 bool takeChange(ReaderContract& oReader, const std::string& sEcho, TextNumber wrongLength, TextNumber wrongEcho,
-                const LetterTextsNCSEZ& texts)
+                const LetterTextsNCSEZ& texts, std::string& sData)
 {
     if (oReader.fComm().mscComm().InBufferCount() != kChangeLength)
         return failNCSEZ(kSetValues, wrongLength);
-    if (oReader.fComm().mscComm().Input() != sEcho)
+    sData = oReader.fComm().mscComm().Input();
+    if (sData != sEcho)
         return failNCSEZ(kSetValues, wrongEcho);
-    return commandTakenNCSEZ(oReader, kSetValues, texts);
+    return commandTakenNCSEZ(oReader, kSetValues, texts, sData);
 }
 
 } // namespace
@@ -122,13 +132,12 @@ bool takeChange(ReaderContract& oReader, const std::string& sEcho, TextNumber wr
 Boolean InitReaderNCSEZ(ReaderContract& oReader)
 {
     Boolean bResult = False;
-    std::string sConfiguration;
-    Int16 iStatus = 0;
-    guarded(kInitReader, KEL_PARAMETERS(oReader) + KEL_LOCALS(sConfiguration, iStatus), [&] {
+    StartNCSEZ start;
+    guarded(kInitReader, KEL_PARAMETERS(oReader) + KEL_LOCALS(start), [&] {
         oReader.fComm().mscComm().InputLen(1);
         drainInput(oReader);
         Sleep(100);
-        if (!readConfiguration(oReader, sConfiguration) || !correctConfiguration(oReader, sConfiguration))
+        if (!readConfiguration(oReader, start) || !correctConfiguration(oReader, start.sReturn))
             return;
 
         askStatus(oReader);
@@ -136,11 +145,11 @@ Boolean InitReaderNCSEZ(ReaderContract& oReader)
             failNCSEZ(kInitReader, 318);
             return;
         }
-        if (!takeStatus(oReader, iStatus) || !clearPath(oReader, iStatus))
+        if (!takeStatus(oReader, start) || !clearPath(oReader, start))
             return;
-        if (iStatus & kStatusFault)
+        if (start.iStatus & kStatusFault)
             failNCSEZ(kInitReader, 314);
-        else if (iStatus & kStatusReady)
+        else if (start.iStatus & kStatusReady)
             bResult = True;
         else
             failNCSEZ(kInitReader, 316);
@@ -152,7 +161,8 @@ Boolean CloseReaderNCSEZ(ReaderContract& oReader)
 {
     Boolean bResult = False;
     bool bNeedsEject = false;
-    guarded(kCloseReader, KEL_PARAMETERS(oReader) + KEL_LOCALS(bNeedsEject), [&] {
+    std::string sData;
+    guarded(kCloseReader, KEL_PARAMETERS(oReader) + KEL_LOCALS(bNeedsEject, sData), [&] {
         oReader.fComm().mscComm().InputLen(1);
         if (oReader.CancelScan()) {
             // A stopped run may have left a sheet in the path: what still comes is its sign.
@@ -169,7 +179,7 @@ Boolean CloseReaderNCSEZ(ReaderContract& oReader)
             failNCSEZ(kCloseReader, 296);
             return;
         }
-        bResult = letterTakenNCSEZ(oReader, kCloseReader, {.refused = 290, .unknown = 294});
+        bResult = letterTakenNCSEZ(oReader, kCloseReader, {.refused = 290, .unknown = 294}, sData);
     });
     return bResult;
 }
@@ -177,17 +187,23 @@ Boolean CloseReaderNCSEZ(ReaderContract& oReader)
 Boolean SetValuesNCSEZ(ReaderContract& oReader, const std::string& sExecCmd, const std::string& sReturn)
 {
     Boolean bResult = False;
-    guarded(kSetValues, KEL_PARAMETERS(oReader, sExecCmd, sReturn), [&] {
+    std::string sCmd;
+    std::string sData;
+    const auto send = [&](const std::string& sText) {
+        sCmd = frameCommand(sText);
+        oReader.fComm().mscComm().Output(sCmd);
+    };
+    guarded(kSetValues, KEL_PARAMETERS(oReader, sExecCmd, sReturn) + KEL_LOCALS(sCmd, sData), [&] {
         oReader.fComm().mscComm().InputLen(1);
-        oReader.fComm().mscComm().Output(frameCommand(sExecCmd));
+        send(sExecCmd);
         Sleep(200);
-        if (!takeChange(oReader, sReturn, 326, 324, {.refused = 320, .unknown = 322}))
+        if (!takeChange(oReader, sReturn, 326, 324, {.refused = 320, .unknown = 322}, sData))
             return;
-        oReader.fComm().mscComm().Output(frameCommand("CHECKSUM"));
+        send("CHECKSUM");
         Sleep(200);
-        if (!takeChange(oReader, "P", 334, 332, {.refused = 328, .unknown = 330}))
+        if (!takeChange(oReader, "P", 334, 332, {.refused = 328, .unknown = 330}, sData))
             return;
-        oReader.fComm().mscComm().Output(frameCommand("RESET"));
+        send("RESET");
         Sleep(1500);
         bResult = True;
     });

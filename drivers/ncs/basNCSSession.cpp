@@ -62,17 +62,15 @@ thread_local eScanMode eNCSScanMode = eScanModeNone;
 constexpr std::size_t kReportMost = 200;
 using ReportBytes = std::array<Byte, kReportMost + 1>;
 
-/// Takes a report byte by byte, up to so many bytes; what does not come stays 0.
-ReportBytes takeReport(ReaderContract& oReader, std::size_t most)
+/// Takes a report byte by byte, up to so many bytes; what does not come stays as it is.
+void takeReport(ReaderContract& oReader, ReportBytes& bDataArr, std::size_t& lIndex, std::size_t most)
 {
-    ReportBytes bDataArr{};
     oReader.fComm().mscComm().InputLen(1);
-    for (std::size_t lIndex = 0; lIndex < most && oReader.fComm().mscComm().InBufferCount() > 0; ++lIndex) {
+    for (lIndex = 0; lIndex < most && oReader.fComm().mscComm().InBufferCount() > 0; ++lIndex) {
         const std::string sTaken = oReader.fComm().mscComm().Input();
         if (!sTaken.empty())
             bDataArr[lIndex] = static_cast<Byte>(sTaken.front());
     }
-    return bDataArr;
 }
 
 /// Sends a query and waits until its report is there; the stop flag is not looked at.
@@ -151,10 +149,12 @@ Boolean CheckStatusNCS(ReaderContract& oReader)
 {
     Boolean bResult = False;
     ReportBytes bDataArr{};
-    guarded(kCheckStatus, KEL_PARAMETERS(oReader) + KEL_LOCALS(bDataArr), [&] {
+    std::size_t lIndex = 0;
+    bool bNeedsEject = false;
+    guarded(kCheckStatus, KEL_PARAMETERS(oReader) + KEL_LOCALS(bDataArr, lIndex, bNeedsEject), [&] {
         if (!query(oReader, "s1", kStatusLength, kCheckStatus))
             return;
-        bDataArr = takeReport(oReader, kStatusMost);
+        takeReport(oReader, bDataArr, lIndex, kStatusMost);
         if ((((bDataArr[1] & 3) | bDataArr[2]) & 15) == 0) {
             bResult = True;
             return;
@@ -163,10 +163,11 @@ Boolean CheckStatusNCS(ReaderContract& oReader)
             if (!(bDataArr[fault.byte] & fault.bit))
                 continue;
             reportReaderFault(kCheckStatus, fault.message, fault.title);
-            if (oReader.Rejecter())
-                RejectPageNCS(oReader);
-            return;
+            bNeedsEject = true;
+            break;
         }
+        if (oReader.Rejecter() && bNeedsEject)
+            RejectPageNCS(oReader);
     });
     return bResult;
 }
@@ -175,11 +176,12 @@ Boolean GetScanModeNCS(ReaderContract& oReader, eScanMode& eMode)
 {
     Boolean bResult = False;
     ReportBytes bDataArr{};
+    std::size_t lIndex = 0;
     std::string sLetter;
-    guarded(kGetScanMode, KEL_PARAMETERS(oReader, eMode) + KEL_LOCALS(bDataArr, sLetter), [&] {
+    guarded(kGetScanMode, KEL_PARAMETERS(oReader, eMode) + KEL_LOCALS(bDataArr, lIndex, sLetter), [&] {
         if (!query(oReader, "s0", kReportLength, kGetScanMode))
             return;
-        bDataArr = takeReport(oReader, kReportMost);
+        takeReport(oReader, bDataArr, lIndex, kReportMost);
         sNCSAsyncCommDriverStatus = upperCase(Chr(bDataArr[kReportDriverStatus]));
         sLetter = lowerCase(Chr(bDataArr[kReportScanMode]));
         for (Int32 lMode = eScanModeI; lMode <= eScanModeS; ++lMode) {

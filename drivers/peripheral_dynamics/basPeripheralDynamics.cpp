@@ -202,14 +202,17 @@ Boolean ReadPagePD(ReaderContract& oReader)
     Boolean bResult = False;
     Int16 iRow = 0;
     Int16 iThreshold = 0;
+    Int32 lNumBytes = 1;
+    Byte iTemp = 0;
     bool bFirstByte = true;
     bool bRightByte = false;
     bool bPageRead = false;
     MarkArray iSide1Arr;
     Int16 iStatusByte1 = 0;
     Int16 iStatusByte2 = 0;
-    const auto variables = KEL_PARAMETERS(oReader) + KEL_LOCALS(iRow, iThreshold, bFirstByte, bRightByte, bPageRead,
-                                                                iSide1Arr, iStatusByte1, iStatusByte2);
+    const auto variables =
+        KEL_PARAMETERS(oReader) + KEL_LOCALS(iRow, iThreshold, lNumBytes, iTemp, bFirstByte, bRightByte, bPageRead,
+                                             iSide1Arr, iStatusByte1, iStatusByte2);
     const auto read = [&] {
         drainInput(oReader);
         oReader.fComm().mscComm().InputLen(1);
@@ -227,7 +230,7 @@ Boolean ReadPagePD(ReaderContract& oReader)
                 return;
             if (oReader.fComm().mscComm().InBufferCount() == 0)
                 continue;
-            const Byte iTemp = takeByte(oReader);
+            iTemp = takeByte(oReader);
             if (iTemp == kPageEnd && oReader.fComm().mscComm().InBufferCount() == 0) {
                 bPageRead = true;
             } else if (bFirstByte) {
@@ -243,6 +246,7 @@ Boolean ReadPagePD(ReaderContract& oReader)
                 bRightByte = !bRightByte;
                 if (!bRightByte)
                     iRow = checkedSubtract(iRow, 1);
+                lNumBytes = checkedAdd(lNumBytes, 1);
             }
         }
         oReader.fComm().mscComm().Output("9");

@@ -6,89 +6,94 @@ namespace {
 
 constexpr Int16 kZero = '0';
 
-/// A place in the reply, counted from 1 in 16 bits.
+/// The reply at the place where it is being taken apart, in 16 bits.
 class ReplyCursor {
 public:
-    explicit ReplyCursor(std::string_view sOutput) : sOutput_(sOutput), iOutputLen_(CInt(sOutput.size())) {}
+    ReplyCursor(std::string_view sOutput, WindowPlacingSS& at) : sOutput_(sOutput), at_(at)
+    {
+        at_.iOutputLen = CInt(sOutput.size());
+    }
 
     /// Whether more than the last character is left.
-    [[nodiscard]] bool hasMore() const { return iCurrentPosition_ < iOutputLen_; }
+    [[nodiscard]] bool hasMore() const { return at_.iCurrentPosition < at_.iOutputLen; }
 
-    [[nodiscard]] bool isAt(char character) const { return holds(iCurrentPosition_, character); }
-    [[nodiscard]] bool isBefore(char character) const { return holds(checkedAdd(iCurrentPosition_, 1), character); }
+    [[nodiscard]] bool isAt(char character) const { return holds(at_.iCurrentPosition, character); }
+    [[nodiscard]] bool isBefore(char character) const { return holds(checkedAdd(at_.iCurrentPosition, 1), character); }
 
-    void advance(Int16 characters) { iCurrentPosition_ = checkedAdd(iCurrentPosition_, characters); }
+    void advance(Int16 characters) { at_.iCurrentPosition = checkedAdd(at_.iCurrentPosition, characters); }
 
     /// The character here as its distance from "0"; failure 5 behind the end.
     [[nodiscard]] Int16 number() const
     {
-        if (iCurrentPosition_ > iOutputLen_)
+        if (at_.iCurrentPosition > at_.iOutputLen)
             throw RuntimeFailure(FailureCode::InvalidProcedureCall);
-        return static_cast<Int16>(static_cast<Byte>(at(iCurrentPosition_)) - kZero);
+        at_.sChar = character(at_.iCurrentPosition);
+        return static_cast<Int16>(static_cast<Byte>(at_.sChar.front()) - kZero);
     }
 
 private:
-    [[nodiscard]] char at(Int16 iPosition) const { return sOutput_[static_cast<std::size_t>(iPosition - 1)]; }
-    [[nodiscard]] bool holds(Int16 iPosition, char character) const
+    [[nodiscard]] char character(Int16 iPosition) const { return sOutput_[static_cast<std::size_t>(iPosition - 1)]; }
+    [[nodiscard]] bool holds(Int16 iPosition, char wanted) const
     {
-        return iPosition <= iOutputLen_ && at(iPosition) == character;
+        return iPosition <= at_.iOutputLen && character(iPosition) == wanted;
     }
 
     std::string_view sOutput_;
-    Int16 iOutputLen_;
-    Int16 iCurrentPosition_ = 1;
+    WindowPlacingSS& at_;
 };
 
 /// Takes the pair at the cursor, which stays on its second character.
-void placePair(const clsKELReaderWindow& cWindow, Int16 iCurrentRow, ReplyCursor& reply, MarkArray& iPageArr)
+void placePair(ReplyCursor& reply, MarkArray& iPageArr, WindowPlacingSS& at)
 {
     const auto iColumn = static_cast<Int16>(reply.number() - 1);
-    const Int16 iFilledCol = checkedMultiply(iColumn, cWindow.ColGap());
+    at.iFilledCol = checkedMultiply(iColumn, at.cWindow->ColGap());
     reply.advance(1);
-    const Int16 iValue = reply.number();
-    iPageArr(iCurrentRow, checkedAdd(cWindow.StartCol(), iFilledCol)) = iValue;
+    at.iValue = reply.number();
+    iPageArr(at.iCurrentRow, checkedAdd(at.iStartCol, at.iFilledCol)) = at.iValue;
 }
 
-void placeWindow(const clsKELReaderWindow& cWindow, ReplyCursor& reply, MarkArray& iPageArr)
+void placeWindow(ReplyCursor& reply, MarkArray& iPageArr, WindowPlacingSS& at)
 {
-    Int16 iCurrentRow = cWindow.StartRow();
-    for (Int16 iRowIndex = 1; iRowIndex <= cWindow.NumRows(); iRowIndex = checkedAdd(iRowIndex, 1)) {
+    at.iCurrentRow = at.cWindow->StartRow();
+    at.iStartCol = at.cWindow->StartCol();
+    for (at.iRowIndex = 1; at.iRowIndex <= at.cWindow->NumRows(); at.iRowIndex = checkedAdd(at.iRowIndex, 1)) {
         if (reply.isAt(' ')) {
             reply.advance(2);
         } else {
-            placePair(cWindow, iCurrentRow, reply, iPageArr);
+            placePair(reply, iPageArr, at);
             while (!reply.isBefore(',')) {
                 reply.advance(1);
-                placePair(cWindow, iCurrentRow, reply, iPageArr);
+                placePair(reply, iPageArr, at);
             }
             reply.advance(1);
         }
         // Now on the field's comma, or on what stands in its place.
         reply.advance(1);
-        iCurrentRow = checkedAdd(iCurrentRow, cWindow.RowGap());
+        at.iCurrentRow = checkedAdd(at.iCurrentRow, at.cWindow->RowGap());
     }
 }
 
 } // namespace
 
 void placeWindowReplySS(std::string_view sOutput, const std::vector<Reference<clsKELReaderWindow>>& windows,
-                        Int16 iPage, MarkArray& iPageArr)
+                        Int16 iPage, MarkArray& iPageArr, WindowPlacingSS& at)
 {
-    const Int16 iTotalFields = CInt(windows.size());
+    at = {};
+    at.iTotalFields = CInt(windows.size());
     const auto window = [&](Int16 iPosition) {
-        return iPosition <= iTotalFields ? windows[static_cast<std::size_t>(iPosition - 1)] : nullptr;
+        return iPosition <= at.iTotalFields ? windows[static_cast<std::size_t>(iPosition - 1)] : nullptr;
     };
-    ReplyCursor reply(sOutput);
+    ReplyCursor reply(sOutput, at);
 
-    Int16 iField = 1;
-    while (window(iField)->Page() < iPage && iField < iTotalFields)
-        ++iField;
-    while (window(iField)->Page() == iPage && reply.hasMore()) {
-        placeWindow(*window(iField), reply, iPageArr);
+    while (window(at.iField)->Page() < iPage && at.iField < at.iTotalFields)
+        ++at.iField;
+    while (window(at.iField)->Page() == iPage && reply.hasMore()) {
+        at.cWindow = window(at.iField);
+        placeWindow(reply, iPageArr, at);
         while (reply.hasMore() && (reply.isAt('\r') || reply.isAt(',')))
             reply.advance(1);
-        iField = checkedAdd(iField, 1);
-        if (iField > iTotalFields)
+        at.iField = checkedAdd(at.iField, 1);
+        if (at.iField > at.iTotalFields)
             return;
     }
 }

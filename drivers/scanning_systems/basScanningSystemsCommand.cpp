@@ -7,6 +7,8 @@
 #include "platform/Platform.h"
 #include "types/Text.h"
 
+#include <array>
+
 namespace kel {
 
 namespace {
@@ -20,7 +22,8 @@ std::string SendCommandSS(ReaderContract& oReader, const std::string& sCmd, Bool
 {
     std::string sResult;
     std::string sData;
-    guarded(kSendCommand, KEL_PARAMETERS(oReader, sCmd, bUseByteArray) + KEL_LOCALS(sData), [&] {
+    std::array<Byte, 1> bDataArr{};
+    guarded(kSendCommand, KEL_PARAMETERS(oReader, sCmd, bUseByteArray) + KEL_LOCALS(sData, bDataArr), [&] {
         oReader.fComm().mscComm().Output(sCmd);
         switch (waitForReply(oReader)) {
         case Wait::Cancelled: return;
@@ -30,7 +33,12 @@ std::string SendCommandSS(ReaderContract& oReader, const std::string& sCmd, Bool
 
         oReader.fComm().mscComm().InputLen(1);
         while (oReader.fComm().mscComm().InBufferCount() > 0) {
-            sData += bUseByteArray ? CStr(takeByte(oReader)) : oReader.fComm().mscComm().Input();
+            if (bUseByteArray) {
+                bDataArr[0] = takeByte(oReader);
+                sData += CStr(bDataArr[0]);
+            } else {
+                sData += oReader.fComm().mscComm().Input();
+            }
             if (oReader.fComm().mscComm().InBufferCount() == 0)
                 Sleep(oReader.SleepTime());
         }

@@ -22,14 +22,14 @@ constexpr const char* kNoPrintFollows = "?F\r";
 constexpr const char* kPrintStatus = "?P\r";
 
 /// Sends a print command and collects the reply, whatever the stop flag says. Silence is reported.
-bool ask(ReaderContract& oReader, const char* command, const char* source, TextNumber onSilence, std::string& sReply)
+bool ask(ReaderContract& oReader, const char* command, const char* source, TextNumber onSilence, std::string& sCmd)
 {
     oReader.fComm().mscComm().Output(command);
     if (waitForReply(oReader, {.cancellable = false}) != Wait::Reply) {
         reportReaderFault(source, onSilence, kPrintTitle);
         return false;
     }
-    sReply = collectText(oReader, {.pauseWhenEmpty = true});
+    sCmd = collectText(oReader, {.pauseWhenEmpty = true});
     return true;
 }
 
@@ -47,20 +47,20 @@ void sendLine(ReaderContract& oReader, const char* line, const std::string& text
 Boolean PrintSS(ReaderContract& oReader, Boolean bAbort)
 {
     Boolean bResult = False;
-    std::string sReply;
-    guarded(kPrint, KEL_PARAMETERS(oReader, bAbort) + KEL_LOCALS(sReply), [&] {
+    std::string sCmd;
+    guarded(kPrint, KEL_PARAMETERS(oReader, bAbort) + KEL_LOCALS(sCmd), [&] {
         if (oReader.Printer().isNothing())
             return;
         if (bAbort) {
-            static_cast<void>(ask(oReader, kNoPrintFollows, kCancelledPrint, 422, sReply));
+            static_cast<void>(ask(oReader, kNoPrintFollows, kCancelledPrint, 422, sCmd));
             return;
         }
         oReader.fComm().mscComm().Output(settingSS("P32" + formatZeros(oReader.Printer()->Distance(), 3)));
         sendLine(oReader, "0", oReader.Printer()->Buffer1());
         sendLine(oReader, "1", oReader.Printer()->Buffer2());
         sendLine(oReader, "2", oReader.Printer()->Buffer3());
-        if (ask(oReader, kPrintStatus, kPrint, 424, sReply))
-            bResult = Right(sReply, 1) == "0";
+        if (ask(oReader, kPrintStatus, kPrint, 424, sCmd))
+            bResult = Right(sCmd, 1) == "0";
     });
     return bResult;
 }
@@ -78,13 +78,14 @@ void RejectPageSS(ReaderContract& oReader, Boolean bRejectHopper)
 
 void RejectPrintSS(ReaderContract& oReader)
 {
-    guarded(kRejectPrint, KEL_PARAMETERS(oReader), [&] {
+    std::string sCmd;
+    guarded(kRejectPrint, KEL_PARAMETERS(oReader) + KEL_LOCALS(sCmd), [&] {
         oReader.fComm().mscComm().Output(kNoPrintFollows);
         if (waitForReply(oReader, {.cancellable = false}) != Wait::Reply)
             return;
         // The whole reply in one piece; the length stays so.
         oReader.fComm().mscComm().InputLen(0);
-        static_cast<void>(oReader.fComm().mscComm().Input());
+        sCmd = oReader.fComm().mscComm().Input();
     });
 }
 

@@ -212,11 +212,12 @@ Boolean ReadWindowsSS(ReaderContract& oReader)
 void AddToArraySS(ReaderContract& oReader, const std::string& sOutput, Int16 iPage, MarkArray& iPageArr)
 {
     std::vector<Reference<clsKELReaderWindow>> windows;
-    guarded(kAddToArray, KEL_PARAMETERS(oReader, sOutput, iPage, iPageArr) + KEL_LOCALS(windows), [&] {
+    WindowPlacingSS at;
+    guarded(kAddToArray, KEL_PARAMETERS(oReader, sOutput, iPage, iPageArr) + KEL_LOCALS(windows, at), [&] {
         const Int32 lWindows = oReader.Windows()->Count();
         for (Int32 lWindow = 1; lWindow <= lWindows; ++lWindow)
             windows.push_back(oReader.Windows()->Item(lWindow));
-        placeWindowReplySS(sOutput, windows, iPage, iPageArr);
+        placeWindowReplySS(sOutput, windows, iPage, iPageArr, at);
     });
 }
 

@@ -23,6 +23,15 @@ constexpr TextNumber kStartTitle = 376;
 constexpr Int32 kFirstZone = 1;
 constexpr Int32 kRejecterPosition = 6;
 
+/// What goes to the reader and comes from it while a session starts.
+struct StartSS {
+    std::string sCmd;
+    std::string sData;
+    Reference<clsKELReaderWindow> cWindow;
+
+    KEL_TELLS(sCmd, sData, cWindow)
+};
+
 /// Waits for a reply at the start, whatever the stop flag says. Silence is reported.
 bool replyComes(ReaderContract& oReader)
 {
@@ -46,43 +55,44 @@ void startSR430(ReaderContract& oReader)
 }
 
 /// Loads the read windows; those with negative gaps are changed for good.
-void downloadWindows(ReaderContract& oReader)
+void downloadWindows(ReaderContract& oReader, StartSS& start)
 {
     oReader.fComm().mscComm().Output(readingSS("Q"));
     const Int32 lWindows = oReader.Windows()->Count();
     for (Int32 lWindow = 1; lWindow <= lWindows; ++lWindow) {
-        const Reference<clsKELReaderWindow> cWindow = oReader.Windows()->Item(lWindow);
-        makeGapsPositiveSS(*cWindow);
-        oReader.fComm().mscComm().Output(windowCommandSS(*cWindow));
+        start.cWindow = oReader.Windows()->Item(lWindow);
+        makeGapsPositiveSS(*start.cWindow);
+        start.sCmd = windowCommandSS(*start.cWindow);
+        oReader.fComm().mscComm().Output(start.sCmd);
     }
 }
 
 /// The start of the models with emulation modes.
-bool startInEmulationMode(ReaderContract& oReader)
+bool startInEmulationMode(ReaderContract& oReader, StartSS& start)
 {
     oReader.fComm().mscComm().Output(querySS("OM"));
     if (!replyComes(oReader))
         return false;
-    std::string sData = collectText(oReader);
-    iEmulationMode = CInt(Val(sData));
+    start.sData = collectText(oReader);
+    iEmulationMode = CInt(Val(start.sData));
 
     if (oReader.Rejecter()) {
         oReader.fComm().mscComm().Output(querySS("O"));
         if (!replyComes(oReader))
             return false;
-        sData = collectText(oReader);
-        oReader.Rejecter(Mid(sData, kRejecterPosition, 1) == "1");
+        start.sData = collectText(oReader);
+        oReader.Rejecter(Mid(start.sData, kRejecterPosition, 1) == "1");
     }
 
-    std::string sCmd = readingSS(thresholdTextSS(iEmulationMode, oReader.RecognitionThreshold()));
-    oReader.fComm().mscComm().Output(sCmd);
-    if (Left(sData, 1) > "1")
-        sCmd = settingSS("DD" + formatZeros(oReader.MarkDiscrimination(), 2));
+    start.sCmd = readingSS(thresholdTextSS(iEmulationMode, oReader.RecognitionThreshold()));
+    oReader.fComm().mscComm().Output(start.sCmd);
+    if (Left(start.sData, 1) > "1")
+        start.sCmd = settingSS("DD" + formatZeros(oReader.MarkDiscrimination(), 2));
     // Readers that do not take the mark discrimination get the threshold a second time.
-    oReader.fComm().mscComm().Output(sCmd);
+    oReader.fComm().mscComm().Output(start.sCmd);
 
     if (oReader.RecognitionMode() == kelRecognitionTypeWindow)
-        downloadWindows(oReader);
+        downloadWindows(oReader, start);
     return true;
 }
 
@@ -91,12 +101,14 @@ bool startInEmulationMode(ReaderContract& oReader)
 Boolean InitReaderSS(ReaderContract& oReader)
 {
     Boolean bResult = False;
-    guarded(kInitReader, KEL_PARAMETERS(oReader), [&] {
+    StartSS start;
+    guarded(kInitReader, KEL_PARAMETERS(oReader) + KEL_LOCALS(start), [&] {
         oReader.fComm().mscComm().Output(kResetSS);
         if (!replyComes(oReader))
             return;
         // The last byte is the reply, whatever else the reset has brought up.
-        if (Asc(Right(collectText(oReader), 1)) != kAckSS) {
+        start.sData = Right(collectText(oReader), 1);
+        if (Asc(start.sData) != kAckSS) {
             reportReaderFault(kInitReader, 378, kStartTitle);
             return;
         }
@@ -105,7 +117,7 @@ Boolean InitReaderSS(ReaderContract& oReader)
             startSR410(oReader);
         else if (oReader.ReaderType() == kelReaderTypeSekonicSR430)
             startSR430(oReader);
-        else if (!startInEmulationMode(oReader))
+        else if (!startInEmulationMode(oReader, start))
             return;
         bResult = True;
     });

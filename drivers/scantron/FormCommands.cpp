@@ -58,14 +58,23 @@ std::string columnDefinitionST(int side, Int16 rows, Int16 columns)
                    " " + std::string(static_cast<std::size_t>(columns), '1'));
 }
 
-std::string windowDefinitionST(int side, const clsKELReaderWindow& window)
+std::string windowDefinitionST(int side, const clsKELReaderWindow& window, WindowFieldsST& fields)
 {
     const Extent columns = extentOf(window.StartCol(), window.NumCols(), window.ColGap());
     const Extent rows = extentOf(window.StartRow(), window.NumRows(), window.RowGap());
-    const std::string rectangle = fields("FRM=DK " + CStr(side), {rows.first, columns.first, rows.last, columns.last});
-    if (window.Orientation() == 1)
-        return frameST(rectangle + fields(" L", {window.NumRows(), window.NumCols()}));
-    return frameST(rectangle + fields(" C", {window.NumCols(), window.NumRows()}));
+    const bool bLines = window.Orientation() == 1;
+    fields = {.sStartRow = CStr(rows.first),
+              .sStartCol = CStr(columns.first),
+              .sEndRow = CStr(rows.last),
+              .sEndCol = CStr(columns.last),
+              .sOrient = bLines ? "L" : "C",
+              .sNumElements = CStr(bLines ? window.NumRows() : window.NumCols()),
+              .sNumChoices = CStr(bLines ? window.NumCols() : window.NumRows())};
+    std::string definition = "FRM=DK " + CStr(side);
+    for (const std::string& sField : {fields.sStartRow, fields.sStartCol, fields.sEndRow, fields.sEndCol,
+                                      fields.sOrient, fields.sNumElements, fields.sNumChoices})
+        definition += " " + sField;
+    return frameST(definition);
 }
 
 std::string formEndST()

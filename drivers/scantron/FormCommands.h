@@ -1,5 +1,6 @@
 #pragma once
 
+#include "failure/TellsVariables.h"
 #include "types/Arrays.h"
 
 #include <string>
@@ -25,9 +26,22 @@ class clsKELReaderWindow;
 [[nodiscard]] std::string pageDefinitionST(int side, Int16 rows, Int16 columns);
 [[nodiscard]] std::string columnDefinitionST(int side, Int16 rows, Int16 columns);
 
+/// The fields of a window's definition.
+struct WindowFieldsST {
+    std::string sStartRow;
+    std::string sStartCol;
+    std::string sEndRow;
+    std::string sEndCol;
+    std::string sOrient;
+    std::string sNumElements;
+    std::string sNumChoices;
+
+    KEL_TELLS(sStartRow, sStartCol, sEndRow, sEndCol, sOrient, sNumElements, sNumChoices)
+};
+
 /// One rectangle for a read window, always from the lower to the higher number; which way the window runs is
 /// restored on reading. Orientation 1 is defined as lines, any other as columns.
-[[nodiscard]] std::string windowDefinitionST(int side, const clsKELReaderWindow& window);
+[[nodiscard]] std::string windowDefinitionST(int side, const clsKELReaderWindow& window, WindowFieldsST& fields);
 
 [[nodiscard]] std::string formEndST();
 

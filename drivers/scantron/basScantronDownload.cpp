@@ -58,39 +58,47 @@ std::string placeOf(TextNumber failed, const SideTexts& texts, Int16 iSheetIndex
     return sText + VBLM_RTString(texts.name);
 }
 
+/// The window that goes to the reader.
+struct SentWindow {
+    Int32 lIndex = 0;
+    WindowFieldsST fields;
+
+    KEL_TELLS(lIndex, fields)
+};
+
 bool sendWindow(ReaderContract& oReader, const clsKELReaderWindow& cWindow, const SideTexts& texts, Int16 iSheetIndex,
-                Int32 lIndex)
+                SentWindow& sent)
 {
-    return send(oReader, windowDefinitionST(texts.side, cWindow), [&] {
+    return send(oReader, windowDefinitionST(texts.side, cWindow, sent.fields), [&] {
         std::string sText = placeOf(texts.windowFailed, texts, iSheetIndex);
         sText.append(kLineEnd);
-        return sText + VBLM_RTString(TextNumber(444)) + CStr(lIndex);
+        return sText + VBLM_RTString(TextNumber(444)) + CStr(sent.lIndex);
     });
 }
 
 /// The windows of page 1, up to the first of a later page.
-bool sendWindowsOfSide1(ReaderContract& oReader, Int16 iSheetIndex)
+bool sendWindowsOfSide1(ReaderContract& oReader, Int16 iSheetIndex, SentWindow& sent)
 {
     const Int32 lCount = oReader.Windows()->Count();
-    for (Int32 lIndex = 1; lIndex <= lCount; ++lIndex) {
-        const Reference<clsKELReaderWindow> cWindow = oReader.Windows()->Item(lIndex);
+    for (sent.lIndex = 1; sent.lIndex <= lCount; ++sent.lIndex) {
+        const Reference<clsKELReaderWindow> cWindow = oReader.Windows()->Item(sent.lIndex);
         if (cWindow->Page() > 1)
             break;
-        if (!sendWindow(oReader, *cWindow, kSide1, iSheetIndex, lIndex))
+        if (!sendWindow(oReader, *cWindow, kSide1, iSheetIndex, sent))
             return false;
     }
     return true;
 }
 
 /// The windows of page 2, up to the first of a later page.
-bool sendWindowsOfSide2(ReaderContract& oReader, Int16 iSheetIndex)
+bool sendWindowsOfSide2(ReaderContract& oReader, Int16 iSheetIndex, SentWindow& sent)
 {
     const Int32 lCount = oReader.Windows()->Count();
-    for (Int32 lIndex = 1; lIndex <= lCount; ++lIndex) {
-        const Reference<clsKELReaderWindow> cWindow = oReader.Windows()->Item(lIndex);
+    for (sent.lIndex = 1; sent.lIndex <= lCount; ++sent.lIndex) {
+        const Reference<clsKELReaderWindow> cWindow = oReader.Windows()->Item(sent.lIndex);
         if (cWindow->Page() > 2)
             break;
-        if (cWindow->Page() == 2 && !sendWindow(oReader, *cWindow, kSide2, iSheetIndex, lIndex))
+        if (cWindow->Page() == 2 && !sendWindow(oReader, *cWindow, kSide2, iSheetIndex, sent))
             return false;
     }
     return true;
@@ -117,8 +125,9 @@ Boolean DownloadFormST(ReaderContract& oReader)
     PageArray iSide2RowsArr;
     PageArray iSide2ColsArr;
     Int16 iSheetIndex = 0;
-    const auto variables =
-        KEL_PARAMETERS(oReader) + KEL_LOCALS(iSide1RowsArr, iSide1ColsArr, iSide2RowsArr, iSide2ColsArr, iSheetIndex);
+    SentWindow sent;
+    const auto variables = KEL_PARAMETERS(oReader) +
+                           KEL_LOCALS(iSide1RowsArr, iSide1ColsArr, iSide2RowsArr, iSide2ColsArr, iSheetIndex, sent);
     guarded(kDownloadForm, variables, [&] {
         const bool bColumnModel = isColumnModel(oReader.ReaderType());
         iRecognitionOffset = bColumnModel ? 0 : 48;
@@ -138,11 +147,11 @@ Boolean DownloadFormST(ReaderContract& oReader)
 
             const bool bPage = oReader.RecognitionMode() == kelRecognitionTypePage;
             if (bPage ? !sendPage(oReader, iSide1RowsArr, iSide1ColsArr, kSide1, iSheetIndex)
-                      : !sendWindowsOfSide1(oReader, iSheetIndex))
+                      : !sendWindowsOfSide1(oReader, iSheetIndex, sent))
                 return;
             if (oReader.Duplex() && oReader.DuplexForm()) {
                 if (bPage ? !sendPage(oReader, iSide2RowsArr, iSide2ColsArr, kSide2, iSheetIndex)
-                          : !sendWindowsOfSide2(oReader, iSheetIndex))
+                          : !sendWindowsOfSide2(oReader, iSheetIndex, sent))
                     return;
             }
             if (!send(oReader, formEndST(), 452))

@@ -8,6 +8,8 @@
 #include "platform/Platform.h"
 #include "types/Text.h"
 
+#include <array>
+
 namespace kel {
 
 namespace {
@@ -34,7 +36,7 @@ constexpr Int16 kStatusSheet = 0x01;
 constexpr Int32 kLongestPrint = 125;
 
 /// What the 12 characters of a status block say; position 1 is the first.
-ScantronReady judgeStatus(const std::string& sStatus)
+ScantronReady judgeStatus(const std::string& sStatus, Int16& iPos8)
 {
     const char position2 = sStatus[1];
     const char position3 = sStatus[2];
@@ -46,7 +48,7 @@ ScantronReady judgeStatus(const std::string& sStatus)
     if (position2 != '0')
         return ScantronReady::Fault;
 
-    const Int16 iPos8 = Asc(Mid(sStatus, 9, 1));
+    iPos8 = Asc(Mid(sStatus, 9, 1));
     if (iPos8 & kStatusFault40) {
         reportReaderFault(kCheckStatus, 466, 268);
         return ScantronReady::Fault;
@@ -84,18 +86,22 @@ Boolean CloseReaderST(ReaderContract& oReader)
 Boolean ResetReaderST(ReaderContract& oReader)
 {
     Boolean bResult = False;
-    guarded(kResetReader, KEL_PARAMETERS(oReader), [&] {
+    std::string sCmd;
+    std::string sData;
+    guarded(kResetReader, KEL_PARAMETERS(oReader) + KEL_LOCALS(sCmd, sData), [&] {
         if (!oReader.fComm().mscComm().PortOpen()) {
             bResult = True;
             return;
         }
-        oReader.fComm().mscComm().Output(frameST("SRST"));
+        sCmd = frameST("SRST");
+        oReader.fComm().mscComm().Output(sCmd);
         switch (waitForReply(oReader)) {
         case Wait::Cancelled: return;
         case Wait::TimedOut: reportReaderFault(kResetReader, kNoReply, kResetTitle); return;
         case Wait::Reply: break;
         }
-        if (collectText(oReader).starts_with('\r'))
+        sData = collectText(oReader);
+        if (sData.starts_with('\r'))
             bResult = True;
         else
             reportReaderFault(kResetReader, 430, 432);
@@ -106,10 +112,13 @@ Boolean ResetReaderST(ReaderContract& oReader)
 Boolean SendCommandST(ReaderContract& oReader, const std::string& sCmd)
 {
     Boolean bResult = False;
-    guarded(kSendCommand, KEL_PARAMETERS(oReader, sCmd), [&] {
+    std::string sData;
+    guarded(kSendCommand, KEL_PARAMETERS(oReader, sCmd) + KEL_LOCALS(sData), [&] {
         oReader.fComm().mscComm().Output(sCmd);
-        if (waitForReply(oReader) == Wait::Reply)
-            bResult = collectText(oReader).starts_with('\r');
+        if (waitForReply(oReader) != Wait::Reply)
+            return;
+        sData = collectText(oReader);
+        bResult = sData.starts_with('\r');
     });
     return bResult;
 }
@@ -117,9 +126,13 @@ Boolean SendCommandST(ReaderContract& oReader, const std::string& sCmd)
 ScantronReady CheckStatusST(ReaderContract& oReader)
 {
     ScantronReady eReady = ScantronReady::Fault;
+    std::string sCmd;
     std::string sStatus;
-    guarded(kCheckStatus, KEL_PARAMETERS(oReader) + KEL_LOCALS(sStatus), [&] {
-        oReader.fComm().mscComm().Output(frameST("QSTS"));
+    std::array<Byte, 1> bDataArr{};
+    Int16 iPos8 = 0;
+    guarded(kCheckStatus, KEL_PARAMETERS(oReader) + KEL_LOCALS(sCmd, sStatus, bDataArr, iPos8), [&] {
+        sCmd = frameST("QSTS");
+        oReader.fComm().mscComm().Output(sCmd);
         switch (waitForReply(oReader)) {
         case Wait::Cancelled: return;
         case Wait::TimedOut: reportReaderFault(kCheckStatus, kNoReply, kStatusTitle); return;
@@ -131,15 +144,17 @@ ScantronReady CheckStatusST(ReaderContract& oReader)
         oReader.fComm().mscComm().InputLen(1);
         while (sStatus.size() < kStatusLength) {
             DoEvents();
-            if (oReader.fComm().mscComm().InBufferCount() > 0)
-                sStatus += static_cast<char>(takeByte(oReader));
+            if (oReader.fComm().mscComm().InBufferCount() > 0) {
+                bDataArr[0] = takeByte(oReader);
+                sStatus += static_cast<char>(bDataArr[0]);
+            }
             if (!oReader.fComm().tmrScan().Enabled()) {
                 reportReaderFault(kCheckStatus, kNoReply, kStatusTitle);
                 return;
             }
         }
         oReader.fComm().tmrScan().Enabled(False);
-        eReady = judgeStatus(sStatus);
+        eReady = judgeStatus(sStatus, iPos8);
     });
     return eReady;
 }
@@ -163,13 +178,17 @@ Boolean PrintST(ReaderContract& oReader)
 Boolean RejectPageST(ReaderContract& oReader, Boolean bRejectHopper)
 {
     Boolean bResult = False;
-    guarded(kRejectPage, KEL_PARAMETERS(oReader, bRejectHopper), [&] {
+    std::string sCmd;
+    bool bRejected = false;
+    guarded(kRejectPage, KEL_PARAMETERS(oReader, bRejectHopper) + KEL_LOCALS(sCmd, bRejected), [&] {
         if (bRejectHopper) {
             oReader.fComm().mscComm().Output(frameST("PRN$ 1 N "));
-            oReader.fComm().mscComm().Output(frameST("EJCT C"));
+            sCmd = frameST("EJCT C");
+            bRejected = true;
         } else {
-            oReader.fComm().mscComm().Output(frameST("EJCT A "));
+            sCmd = frameST("EJCT A ");
         }
+        oReader.fComm().mscComm().Output(sCmd);
         switch (waitForReply(oReader)) {
         case Wait::Cancelled: return;
         case Wait::TimedOut: reportReaderFault(kRejectPage, 472, 474); return;
@@ -177,9 +196,9 @@ Boolean RejectPageST(ReaderContract& oReader, Boolean bRejectHopper)
         }
         oReader.fComm().mscComm().InputLen(1);
         ClearBufferST(oReader);
-        if (bRejectHopper)
+        if (bRejected)
             Sleep(checkedMultiply(oReader.SleepTime(), 15));
-        bResult = static_cast<bool>(bRejectHopper);
+        bResult = bRejected;
     });
     return bResult;
 }

@@ -2,21 +2,19 @@
 
 namespace kel {
 
-Int16 copyMarksSR(const Array1<Byte>& bytes, Int32 lRows, Int32 lCols, MarkArray& marks)
+Int16 copyMarksSR(const Array1<Byte>& bytes, Int32 lRows, Int32 lCols, MarkArray& marks, MarkCopySR& copy)
 {
-    const Int32 lNumBytes = checkedMultiply(lRows, lCols);
-    Int32 lRow = 1;
-    Int32 lCol = 1;
-    for (Int32 lIndex = 1; lIndex <= lNumBytes; ++lIndex) {
-        marks(lRow, lCol) = bytes(lIndex);
-        if (lCol == lCols) {
-            lCol = 1;
-            ++lRow;
+    copy = {.lNumBytes = checkedMultiply(lRows, lCols)};
+    for (copy.lIndex = 1; copy.lIndex <= copy.lNumBytes; ++copy.lIndex) {
+        marks(copy.lRow, copy.lCol) = bytes(copy.lIndex);
+        if (copy.lCol == lCols) {
+            copy.lCol = 1;
+            ++copy.lRow;
         } else {
-            ++lCol;
+            ++copy.lCol;
         }
     }
-    return CInt(lRow - 1);
+    return CInt(copy.lRow - 1);
 }
 
 } // namespace kel

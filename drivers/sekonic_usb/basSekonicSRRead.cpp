@@ -35,10 +35,24 @@ constexpr Byte kAnyBarcode = 0x40;
 /// More than any reader can count; only a bound for the room that is set aside below.
 constexpr std::int64_t kMostRoom = 1 << 20;
 
+/// The barcodes of a sheet while the library is asked for them.
+struct BarcodesSR {
+    bool bReadBarcodes = false; ///< whether they are to be fetched after the sheet
+    SRBarcodeArea uBarcodeArea;
+    Int32 lReadCount = 0;
+    Int32 lSettingCount = 0;
+    Byte bBcType = 0;
+    Int32 lDataLen = 0;
+    Array1<Byte> bBarcodeArr;
+    TextArray sBarcodeArr; ///< from index 1 on; one empty element at index 0 when there are none
+
+    KEL_TELLS(bReadBarcodes, uBarcodeArea, lReadCount, lSettingCount, bBcType, lDataLen, bBarcodeArr, sBarcodeArr)
+};
+
 /// Tells the library where the barcodes are and which; True if they are to be fetched behind the sheet.
-bool prepareBarcodes(ReaderContract& oReader)
+bool prepareBarcodes(ReaderContract& oReader, SRBarcodeArea& uBarcodeArea)
 {
-    SRBarcodeArea uBarcodeArea = barcodeAreaSR(*oReader.Barcodes());
+    uBarcodeArea = barcodeAreaSR(*oReader.Barcodes());
     if (omrApi().OMR_SetBarCodeArea(uBarcodeArea) == 0 || omrApi().OMR_SetBarCodeReadType(kSymbologies) == 0)
         return false;
     for (const Byte bType : {Byte{'a'}, Byte{'b'}, Byte{'c'}})
@@ -59,42 +73,41 @@ bool feedSheet(Int32& lReturn)
 
 /// Fetches one side of the sheet into its cells; the number of its rows. Nothing, after a report, when the library does
 /// not deliver it.
-std::optional<Int16> fetchSide(Int32 lSide, SRRead& uRead, MarkArray& iSideArr, TextNumber missing)
+std::optional<Int16> fetchSide(Int32 lSide, SRRead& uRead, Array1<Byte>& bSRArr, MarkArray& iSideArr, MarkCopySR& copy,
+                               TextNumber missing)
 {
     // A library that counts more columns than a sheet has writes on behind the last byte: there is room for that.
     const std::int64_t lRoom =
         std::clamp<std::int64_t>(std::int64_t{uRead.lRows} * uRead.lCols, kMostBytesSR, kMostRoom);
-    Array1<Byte> bSRArr(1, static_cast<Int32>(lRoom));
+    bSRArr.ReDim(1, static_cast<Int32>(lRoom));
     if (omrApi().OMR_GetMarks(lSide, uRead, &bSRArr(1)) == 0) {
         reportReaderFault(kReadPage, missing, kReadTitle);
         return std::nullopt;
     }
-    return copyMarksSR(bSRArr, uRead.lRows, uRead.lCols, iSideArr);
+    return copyMarksSR(bSRArr, uRead.lRows, uRead.lCols, iSideArr, copy);
 }
 
 /// One barcode of the sheet; empty when the library does not deliver it.
-std::string fetchBarcode(Int32 lIndex)
+std::string fetchBarcode(BarcodesSR& barcodes, Int32 lIndex)
 {
-    Int32 lDataLen = kLongestBarcode;
-    Byte bBcType = kAnyBarcode;
-    Array1<Byte> bBarcodeArr(1, kLongestBarcode);
-    if (omrApi().OMR_GetBarcodeData(lIndex, bBcType, lDataLen, &bBarcodeArr(1)) == 0 || lDataLen <= 0)
+    barcodes.lDataLen = kLongestBarcode;
+    barcodes.bBcType = kAnyBarcode;
+    barcodes.bBarcodeArr.ReDim(1, kLongestBarcode);
+    if (omrApi().OMR_GetBarcodeData(lIndex, barcodes.bBcType, barcodes.lDataLen, &barcodes.bBarcodeArr(1)) == 0 ||
+        barcodes.lDataLen <= 0)
         return {};
-    return Left(std::string(bBarcodeArr.elements().begin(), bBarcodeArr.elements().end()), lDataLen);
+    const auto& bytes = barcodes.bBarcodeArr.elements();
+    return Left(std::string(bytes.begin(), bytes.end()), barcodes.lDataLen);
 }
 
-/// The barcodes of the sheet from index 1 on; one empty element at index 0 when there are none.
-TextArray fetchBarcodes()
+/// Fetches the barcodes of the sheet.
+void fetchBarcodes(BarcodesSR& barcodes, Int32& lIndex)
 {
-    TextArray sBarcodeArr(0, 0);
-    Int32 lReadCount = 0;
-    Int32 lSettingCount = 0;
-    if (omrApi().OMR_GetBarcodeInfo(lReadCount, lSettingCount) != 0 && lReadCount > 0) {
-        sBarcodeArr.ReDim(1, lReadCount);
-        for (Int32 lIndex = 1; lIndex <= lReadCount; ++lIndex)
-            sBarcodeArr(lIndex) = fetchBarcode(lIndex);
-    }
-    return sBarcodeArr;
+    if (omrApi().OMR_GetBarcodeInfo(barcodes.lReadCount, barcodes.lSettingCount) == 0 || barcodes.lReadCount <= 0)
+        return;
+    barcodes.sBarcodeArr.ReDim(1, barcodes.lReadCount);
+    for (lIndex = 1; lIndex <= barcodes.lReadCount; ++lIndex)
+        barcodes.sBarcodeArr(lIndex) = fetchBarcode(barcodes, lIndex);
 }
 
 } // namespace
@@ -104,19 +117,21 @@ Boolean ReadPageSR(ReaderContract& oReader, Int32 lRecognitionThreshold)
     Boolean bResult = False;
     MarkArray iSide1Arr;
     MarkArray iSide2Arr;
-    TextArray sBarcodeArr;
-    bool bReadBarcodes = false;
+    Array1<Byte> bSRFrontArr;
+    Array1<Byte> bSRBackArr;
+    BarcodesSR barcodes;
     SRRead uRead;
+    MarkCopySR copy;
     Int32 lReturn = 0;
     const auto variables = KEL_PARAMETERS(oReader, lRecognitionThreshold) +
-                           KEL_LOCALS(iSide1Arr, iSide2Arr, sBarcodeArr, bReadBarcodes, uRead, lReturn);
+                           KEL_LOCALS(iSide1Arr, iSide2Arr, bSRFrontArr, bSRBackArr, barcodes, uRead, copy, lReturn);
     guarded(kReadPage, variables, [&] {
         iSide1Arr.ReDim(kMostRowsSR, kColumnsSR);
         iSide2Arr.ReDim(kMostRowsSR, kColumnsSR);
-        sBarcodeArr.ReDim(0, 0);
+        barcodes.sBarcodeArr.ReDim(0, 0);
 
         if (oReader.Barcode() && oReader.Barcodes()->Count() > 0)
-            bReadBarcodes = prepareBarcodes(oReader);
+            barcodes.bReadBarcodes = prepareBarcodes(oReader, barcodes.uBarcodeArea);
 
         uRead.lCols = omrApi().OMR_GetNumberOfColumnsToRead();
         uRead.lRows = kMostRowsSR;
@@ -125,25 +140,25 @@ Boolean ReadPageSR(ReaderContract& oReader, Int32 lRecognitionThreshold)
         if (!feedSheet(lReturn))
             return;
 
-        const auto iFrontRows = fetchSide(kFront, uRead, iSide1Arr, kFrontMissing);
+        const auto iFrontRows = fetchSide(kFront, uRead, bSRFrontArr, iSide1Arr, copy, kFrontMissing);
         if (!iFrontRows)
             return;
         oReader.Side1TimingMarks(*iFrontRows);
 
         if (oReader.Duplex() && oReader.DuplexForm()) {
             uRead.lRows = kMostRowsSR;
-            const auto iBackRows = fetchSide(kBack, uRead, iSide2Arr, kBackMissing);
+            const auto iBackRows = fetchSide(kBack, uRead, bSRBackArr, iSide2Arr, copy, kBackMissing);
             if (!iBackRows)
                 return;
             oReader.Side2TimingMarks(*iBackRows);
         }
 
-        if (bReadBarcodes)
-            sBarcodeArr = fetchBarcodes();
+        if (barcodes.bReadBarcodes)
+            fetchBarcodes(barcodes, copy.lIndex);
 
         oReader.Side1Array(iSide1Arr);
         oReader.Side2Array(iSide2Arr);
-        oReader.BarcodeArray(sBarcodeArr);
+        oReader.BarcodeArray(barcodes.sBarcodeArr);
         bResult = True;
     });
     return bResult;

@@ -91,6 +91,12 @@ std::map<std::string, int>& guardedProcedures()
     return all;
 }
 
+std::vector<GuardCase>& guardCases()
+{
+    static std::vector<GuardCase> all;
+    return all;
+}
+
 /// The sources of reports that the component's code holds, as its library has them: macros and templates included.
 std::set<std::string> sourcesOfComponent()
 {
@@ -132,9 +138,15 @@ TEST(EveryGuard, OfTheComponentIsInATable)
 
 } // namespace
 
+const std::vector<GuardCase>& allGuardCases()
+{
+    return guardCases();
+}
+
 GuardTable::GuardTable(const char* name, const std::vector<GuardCase>& cases)
 {
     for (const GuardCase& guard : cases) {
+        guardCases().push_back(guard);
         const int number = ++guardedProcedures()[guard.procedure];
         std::string test = nameOf(guard.procedure);
         if (number > 1)

@@ -77,6 +77,9 @@ struct GuardCase {
     friend std::ostream& operator<<(std::ostream& out, const GuardCase& guard) { return out << guard.procedure; }
 };
 
+/// The cases of all tables.
+[[nodiscard]] const std::vector<GuardCase>& allGuardCases();
+
 /// A table of cases. Each becomes a test of the suite `name`.
 class GuardTable {
 public:

@@ -10,6 +10,12 @@
 namespace kel {
 namespace {
 
+void setMarks(MarkArray& iSide1Arr, const RawBlockAP& block, Int16 iThreshold)
+{
+    Byte bValue = 0;
+    setMarksGradeMasterAP(iSide1Arr, block, iThreshold, bValue);
+}
+
 /// Takes the bytes; the block is complete with the last of them and not before.
 void fill(RawBlockAP& block, const std::vector<Byte>& bytes)
 {
@@ -151,7 +157,7 @@ TEST(GradeMasterMarks, ABitIsAColumn)
 {
     const RawBlockAP block = gradeMasterBlock("0123456789", "   ", {0x01, 0x02, 0x04, 0x08, 0x10, 0x1F, 0x00});
     MarkArray marks(7, 5);
-    setMarksGradeMasterAP(marks, block, 3);
+    setMarks(marks, block, 3);
     for (Int32 row = 1; row <= 5; ++row) {
         for (Int32 column = 1; column <= 5; ++column)
             EXPECT_EQ(marks(row, column), row == column ? 3 : 0) << row << ' ' << column;
@@ -166,7 +172,7 @@ TEST(GradeMasterMarks, HighBitsMeanNothing)
 {
     const RawBlockAP block = gradeMasterBlock("0123456789", "   ", {0x20, 0x40, 0x80, 0xC1});
     MarkArray marks(4, 12);
-    setMarksGradeMasterAP(marks, block, 1);
+    setMarks(marks, block, 1);
     for (Int32 row = 1; row <= 4; ++row) {
         for (Int32 column = 1; column <= 12; ++column)
             EXPECT_EQ(marks(row, column), row == 4 && column == 1 ? 1 : 0) << row << ' ' << column;
@@ -177,7 +183,7 @@ TEST(GradeMasterMarks, AShortBlockShowsItsStatus)
 {
     const RawBlockAP block = gradeMasterBlock("0123456789", "   ", {0x02});
     MarkArray marks(3, 5);
-    setMarksGradeMasterAP(marks, block, 1);
+    setMarks(marks, block, 1);
     EXPECT_EQ(marks.elements(), (std::vector<Int16>{0, 1, 0, 0, 0, 1, 0, 0, 1, 1, 0, 0, 0, 0, 0})); // 217 is 0xD9
 }
 
@@ -186,17 +192,17 @@ TEST(GradeMasterMarks, AMarkOutsideTheColumnsFails)
     const RawBlockAP fourth = gradeMasterBlock("0123456789", "   ", {0x0F});
     const RawBlockAP fifth = gradeMasterBlock("0123456789", "   ", {0x10});
     MarkArray marks(1, 4);
-    EXPECT_EQ(failureOf([&] { setMarksGradeMasterAP(marks, fourth, 1); }), 0);
-    EXPECT_EQ(failureOf([&] { setMarksGradeMasterAP(marks, fifth, 1); }), 9);
+    EXPECT_EQ(failureOf([&] { setMarks(marks, fourth, 1); }), 0);
+    EXPECT_EQ(failureOf([&] { setMarks(marks, fifth, 1); }), 9);
 }
 
 TEST(GradeMasterMarks, RowsBeyondTheRoomFail)
 {
     const RawBlockAP block = gradeMasterBlock("0123456789", "   ", {});
     MarkArray fits(286, 5);
-    EXPECT_EQ(failureOf([&] { setMarksGradeMasterAP(fits, block, 1); }), 0);
+    EXPECT_EQ(failureOf([&] { setMarks(fits, block, 1); }), 0);
     MarkArray tooMany(287, 5);
-    EXPECT_EQ(failureOf([&] { setMarksGradeMasterAP(tooMany, block, 1); }), 9);
+    EXPECT_EQ(failureOf([&] { setMarks(tooMany, block, 1); }), 9);
 }
 
 TEST(GradeMasterIdentifier, IsTheFirstTenBytes)

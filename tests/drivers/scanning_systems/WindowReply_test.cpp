@@ -41,7 +41,8 @@ Placed place(std::string_view sOutput, const Windows& windows, Int16 iPage = 1)
 {
     Placed result;
     try {
-        placeWindowReplySS(sOutput, windows, iPage, result.marks);
+        WindowPlacingSS at;
+        placeWindowReplySS(sOutput, windows, iPage, result.marks, at);
     } catch (const RuntimeFailure& failure) {
         result.failure = failure.number();
     }
@@ -162,7 +163,8 @@ TEST(WindowReplySS, MarksOutsideTheArrayFail)
     expectPlaced(place(" x,11,", {window({.startRow = 9, .numRows = 2})}), marks({}), 9);
     expectPlaced(place(" x,", {window({.startRow = 99, .startCol = 99})}), marks({}));
     MarkArray none;
-    EXPECT_THROW(placeWindowReplySS("11,", {window({})}, 1, none), RuntimeFailure);
+    WindowPlacingSS at;
+    EXPECT_THROW(placeWindowReplySS("11,", {window({})}, 1, none, at), RuntimeFailure);
 }
 
 TEST(WindowReplySS, SumsAboveSixteenBitsFail)

@@ -5,6 +5,12 @@
 namespace kel {
 namespace {
 
+Int16 copied(const Array1<Byte>& bytes, Int32 lRows, Int32 lCols, MarkArray& marks)
+{
+    MarkCopySR copy;
+    return copyMarksSR(bytes, lRows, lCols, marks, copy);
+}
+
 Array1<Byte> countingBytes()
 {
     Array1<Byte> bytes(1, kMostBytesSR);
@@ -16,7 +22,7 @@ Array1<Byte> countingBytes()
 Int32 failureOf(Int32 lRows, Int32 lCols, MarkArray& marks)
 {
     try {
-        static_cast<void>(copyMarksSR(countingBytes(), lRows, lCols, marks));
+        static_cast<void>(copied(countingBytes(), lRows, lCols, marks));
     } catch (const RuntimeFailure& failure) {
         return failure.number();
     }
@@ -30,7 +36,7 @@ protected:
 
 TEST_F(SekonicUsbMarks, FillTheWholeArrayRowAfterRow)
 {
-    EXPECT_EQ(copyMarksSR(countingBytes(), 200, 48, marks), 200);
+    EXPECT_EQ(copied(countingBytes(), 200, 48, marks), 200);
     for (Int32 lRow = 1; lRow <= 200; ++lRow) {
         for (Int32 lCol = 1; lCol <= 48; ++lCol)
             ASSERT_EQ(marks(lRow, lCol), ((lRow - 1) * 48 + lCol) % 251) << lRow << ',' << lCol;
@@ -39,7 +45,7 @@ TEST_F(SekonicUsbMarks, FillTheWholeArrayRowAfterRow)
 
 TEST_F(SekonicUsbMarks, LeaveTheRestOfAShorterAndNarrowerSheetEmpty)
 {
-    EXPECT_EQ(copyMarksSR(countingBytes(), 3, 40, marks), 3);
+    EXPECT_EQ(copied(countingBytes(), 3, 40, marks), 3);
     EXPECT_EQ(marks(1, 40), 40);
     EXPECT_EQ(marks(1, 41), 0);
     EXPECT_EQ(marks(2, 1), 41);
@@ -51,16 +57,16 @@ TEST_F(SekonicUsbMarks, KeepTheHighestByteAsItIs)
 {
     Array1<Byte> bytes(1, kMostBytesSR);
     bytes(1) = 255;
-    EXPECT_EQ(copyMarksSR(bytes, 1, 48, marks), 1);
+    EXPECT_EQ(copied(bytes, 1, 48, marks), 1);
     EXPECT_EQ(marks(1, 1), 255);
 }
 
 TEST_F(SekonicUsbMarks, AreNoneWithoutRowsOrColumns)
 {
-    EXPECT_EQ(copyMarksSR(countingBytes(), 0, 48, marks), 0);
-    EXPECT_EQ(copyMarksSR(countingBytes(), 200, 0, marks), 0);
-    EXPECT_EQ(copyMarksSR(countingBytes(), 200, -1, marks), 0);
-    EXPECT_EQ(copyMarksSR(countingBytes(), -5, 48, marks), 0);
+    EXPECT_EQ(copied(countingBytes(), 0, 48, marks), 0);
+    EXPECT_EQ(copied(countingBytes(), 200, 0, marks), 0);
+    EXPECT_EQ(copied(countingBytes(), 200, -1, marks), 0);
+    EXPECT_EQ(copied(countingBytes(), -5, 48, marks), 0);
     EXPECT_EQ(marks, MarkArray(kMostRowsSR, kColumnsSR));
 }
 
