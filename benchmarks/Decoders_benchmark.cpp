@@ -29,9 +29,9 @@ void Decode_ScantronPage(benchmark::State& state)
 {
     MarkArray marks(63, 48);
     for (auto _ : state) {
-        PageSideST side(marks, 48);
+        PageSideST side(marks);
         for (int i = 0; i < 63 * 48; ++i)
-            side.store(static_cast<Byte>('0' + i % 10));
+            side.store(static_cast<Int16>(i % 10));
         benchmark::DoNotOptimize(marks.elements().data());
     }
     state.SetBytesProcessed(state.iterations() * 63 * 48);
@@ -40,13 +40,13 @@ BENCHMARK(Decode_ScantronPage);
 
 void Decode_ScantronWindow(benchmark::State& state)
 {
-    clsKELReaderWindow window;
-    window.StartRow(1);
-    window.NumRows(60);
-    window.RowGap(1);
-    window.StartCol(48);
-    window.NumCols(24);
-    window.ColGap(-2);
+    const auto window = makeReference<clsKELReaderWindow>();
+    window->StartRow(1);
+    window->NumRows(60);
+    window->RowGap(1);
+    window->StartCol(48);
+    window->NumCols(24);
+    window->ColGap(-2);
     MarkArray marks(63, 48);
     for (auto _ : state) {
         WindowCellsST cells(window);
@@ -67,7 +67,7 @@ void Decode_NcsPage(benchmark::State& state)
         page += "0123456789ABCDEF";
     }
     for (auto _ : state) {
-        PageDecoderNCS decoder(false);
+        PageDecoderNCS decoder([] { return false; });
         for (const char c : page)
             decoder.take(static_cast<Byte>(c));
         benchmark::DoNotOptimize(decoder.side1().elements().data());

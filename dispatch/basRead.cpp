@@ -42,7 +42,7 @@ Boolean ReaderInit(ReaderContract& oReader)
                     reportPortOutOfRange(oReader.Port());
                     return;
                 }
-                openLine(oReader, oReader.Port());
+                openLine(oReader);
             }
             if (oReader.Timeout() < 1 || oReader.Timeout() > kLongestTimeout)
                 oReader.Timeout(kUsualTimeout);

@@ -109,16 +109,27 @@ std::shared_ptr<ErrorObject> errorObject()
 
 void reportReaderFault(const char* source, std::string text, std::string title)
 {
+    reportNumberedFault(source, 0, std::move(text), std::move(title));
+}
+
+void reportReaderFault(const char* source, TextNumber text, TextNumber title)
+{
+    reportReaderFault(source, VBLM_RTString(text), VBLM_RTString(title));
+}
+
+void reportNumberedFault(const char* source, Int32 number, std::string text, std::string title)
+{
     ErrorReport report;
+    report.ErrorNumber = number;
     report.ErrorDescription = std::move(text);
     report.ErrorSource = source;
     report.ErrorTitle = std::move(title);
     DisplayError(std::move(report));
 }
 
-void reportReaderFault(const char* source, TextNumber text, TextNumber title)
+void reportNumberedFault(const char* source, TextNumber message, TextNumber title)
 {
-    reportReaderFault(source, VBLM_RTString(text), VBLM_RTString(title));
+    reportNumberedFault(source, message.value(), VBLM_RTString(message), VBLM_RTString(title));
 }
 
 } // namespace kel

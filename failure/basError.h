@@ -21,4 +21,9 @@ Boolean setErrorObject(std::shared_ptr<ErrorObject> object);
 void reportReaderFault(const char* source, std::string text, std::string title);
 void reportReaderFault(const char* source, TextNumber text, TextNumber title);
 
+/// The same under a number: the reader's own code, or the number of the message, which is the first of a text that is
+/// put together from several.
+void reportNumberedFault(const char* source, Int32 number, std::string text, std::string title);
+void reportNumberedFault(const char* source, TextNumber message, TextNumber title);
+
 } // namespace kel

@@ -26,7 +26,7 @@ void demandMarks(const MarkArray& marks)
 
 void fuzzReply(bool bTwoSides, std::span<const Byte> bytes)
 {
-    PageDecoderNCS page(bTwoSides);
+    PageDecoderNCS page([&] { return bTwoSides; });
     try {
         for (const Byte byte : bytes) {
             if (page.isDone())

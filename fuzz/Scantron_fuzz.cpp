@@ -28,18 +28,18 @@ void mayFail(Body&& body)
 
 void fuzzCells(Input input)
 {
-    clsKELReaderWindow window;
-    window.StartRow(input.number16());
-    window.NumRows(input.number16());
-    window.RowGap(input.number16());
-    window.StartCol(input.number16());
-    window.NumCols(input.number16());
-    window.ColGap(input.number16());
-    window.Orientation(input.number16());
+    const auto window = makeReference<clsKELReaderWindow>();
+    window->StartRow(input.number16());
+    window->NumRows(input.number16());
+    window->RowGap(input.number16());
+    window->StartCol(input.number16());
+    window->NumCols(input.number16());
+    window->ColGap(input.number16());
+    window->Orientation(input.number16());
     MarkArray marks(64, 48);
     mayFail([&] {
         WindowFieldsST fields;
-        static_cast<void>(windowDefinitionST(1, window, fields));
+        static_cast<void>(windowDefinitionST(1, *window, fields));
         WindowCellsST cells(window);
         for (const Byte byte : input.rest()) {
             const auto cell = cells.next();
@@ -49,7 +49,7 @@ void fuzzCells(Input input)
         }
     });
     mayFail([&] {
-        PageSideST side(marks, 48);
+        PageSideST side(marks);
         for (const Byte byte : input.rest())
             side.store(byte);
     });

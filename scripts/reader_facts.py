@@ -92,7 +92,7 @@ NO_TEXT_NUMBER = re.compile(
 )
 # A number that says itself that it is one of a text.
 TEXT_NUMBER = re.compile(r"\bTextNumber(?: \w+ = |\()(\d+)\b")
-LITERAL_REPORT = re.compile(r'reportReaderFault\(((?:[^;"]|"(?:\\.|[^"\\])*")*?)\);', re.DOTALL)
+LITERAL_REPORT = re.compile(r'report(?:Reader|Numbered)Fault\(((?:[^;"]|"(?:\\.|[^"\\])*")*?)\);', re.DOTALL)
 
 
 def named_numbers_in(source, texts):

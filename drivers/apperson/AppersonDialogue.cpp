@@ -14,7 +14,7 @@ constexpr TextNumber kNotReadyTitle = 188;
 void reportNoReply(const char* source, const ExchangeFaultsAP& faults)
 {
     if (faults.timedOut)
-        reportReaderFault(source, *faults.timedOut, kNotReadyTitle);
+        reportNumberedFault(source, *faults.timedOut, kNotReadyTitle);
     else
         reportReaderFault(source, "There was no response from Apperson scanner while initializing.",
                           "Initialize Error");
@@ -30,13 +30,13 @@ bool isOKAP(std::string_view sData)
 bool awaitOKAP(ReaderContract& oReader, const char* source, const ExchangeFaultsAP& faults, CollectRules rules)
 {
     switch (waitForReply(oReader)) {
-    case Wait::Cancelled: reportReaderFault(source, faults.cancelled, kNotReadyTitle); return false;
+    case Wait::Cancelled: reportNumberedFault(source, faults.cancelled, kNotReadyTitle); return false;
     case Wait::TimedOut: reportNoReply(source, faults); return false;
     case Wait::Reply: break;
     }
     if (isOKAP(collectText(oReader, rules)))
         return true;
-    reportReaderFault(source, faults.refused, kNotReadyTitle);
+    reportNumberedFault(source, faults.refused, kNotReadyTitle);
     return false;
 }
 

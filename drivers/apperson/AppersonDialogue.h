@@ -24,13 +24,16 @@ struct ExchangeFaultsAP {
 /// Whether a reply says that the reader has done what it was told. What follows the two letters says nothing.
 [[nodiscard]] bool isOKAP(std::string_view sData);
 
+/// How a reply is collected: a slow reader gets a pause to add to it.
+inline constexpr CollectRules kReplyRulesAP = {.pauseWhenEmpty = true, .asBytes = true};
+
 /// Waits for the reader's "OK". A cancel, too, is reported.
 [[nodiscard]] bool awaitOKAP(ReaderContract& oReader, const char* source, const ExchangeFaultsAP& faults = {},
-                             CollectRules rules = {.pauseWhenEmpty = true});
+                             CollectRules rules = kReplyRulesAP);
 
 /// Sends a command and waits for the reader's "OK".
 [[nodiscard]] bool exchangeAP(ReaderContract& oReader, const char* source, std::string_view scmd,
-                              const ExchangeFaultsAP& faults = {}, CollectRules rules = {.pauseWhenEmpty = true});
+                              const ExchangeFaultsAP& faults = {}, CollectRules rules = kReplyRulesAP);
 
 /// Takes the bytes of a block until its status byte; the reader may wait for its sheet as long as it likes. False when
 /// the stop flag was set.

@@ -53,20 +53,20 @@ Boolean KeyReaderBenchMark3000Advantage1200(ReaderContract& oReader)
     Int32 lKeyCtr = 0;
     guarded(kKeyReader, KEL_PARAMETERS(oReader) + KEL_LOCALS(oAnswerKey, sFormIDArr, lKeyCtr), [&] {
         const auto tell = [&](const std::string& scmd) { return exchangeAP(oReader, kKeyReader, scmd); };
-        const bool bAdvantage1200 = oReader.ReaderType() == kelReaderTypeAppersonAdvantage1200;
+        const auto isAdvantage1200 = [&] { return oReader.ReaderType() == kelReaderTypeAppersonAdvantage1200; };
         oAnswerKey = oReader.AnswerKey();
         sFormIDArr = formIDs(*oAnswerKey);
-        EncodedKeyAP key = encodeKeyAP(*oAnswerKey, bAdvantage1200 ? AnswerCodeAP::Digits : AnswerCodeAP::Mask);
+        EncodedKeyAP key = encodeKeyAP(*oAnswerKey, isAdvantage1200() ? AnswerCodeAP::Digits : AnswerCodeAP::Mask);
         if (sFormIDArr.UBound() > 0)
             dropUnusedSecondPage(oReader, key, sFormIDArr);
 
         for (lKeyCtr = 1; lKeyCtr <= key.iNumKeys; ++lKeyCtr) {
             if (key.iNumKeys > 1 && !tell("S" + CStr(lKeyCtr)))
                 return;
-            if (bAdvantage1200 && compareNoCase(key.sEssayScore, "0000") > 0)
+            if (isAdvantage1200() && compareNoCase(key.sEssayScore, "0000") > 0)
                 oReader.fComm().mscComm().Output("E9" + key.sEssayScore);
             oReader.fComm().mscComm().Output("K7" + sFormIDArr(0));
-            if (bAdvantage1200 && !awaitOKAP(oReader, kKeyReader))
+            if (isAdvantage1200() && !awaitOKAP(oReader, kKeyReader))
                 return;
             if (sFormIDArr.UBound() > 0 && oAnswerKey->NumberOfPages() == 2 && !tell("K8" + sFormIDArr(1)))
                 return;

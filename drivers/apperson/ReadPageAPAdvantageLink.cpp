@@ -11,18 +11,19 @@ namespace {
 constexpr const char* kReadPage = "KELReader81 - basApperson.ReadPageAPAdvantageLink";
 constexpr TextNumber kReaderErrorTitle = 194;
 
-/// Sends a command and gives the reader's reply; an empty one when none came or the stop flag was set.
-std::string ask(ReaderContract& oReader, std::string_view scmd)
+/// Sends a command and collects the reader's reply. False when none came or the stop flag was set.
+bool ask(ReaderContract& oReader, std::string_view scmd, std::string& sData)
 {
     oReader.fComm().mscComm().Output(scmd);
     if (waitForReply(oReader) != Wait::Reply)
-        return {};
-    return collectText(oReader, {.pauseWhenEmpty = true});
+        return false;
+    sData = collectText(oReader, kReplyRulesAP);
+    return true;
 }
 
 void reportAndDrain(ReaderContract& oReader, Int16 iErrCode)
 {
-    reportReaderFault(kReadPage, ReturnErrorAP(iErrCode), VBLM_RTString(kReaderErrorTitle));
+    reportNumberedFault(kReadPage, iErrCode, ReturnErrorAP(iErrCode), VBLM_RTString(kReaderErrorTitle));
     drainInputWithPauses(oReader);
 }
 
@@ -36,7 +37,7 @@ Boolean ReadPageAPAdvantageLink(ReaderContract& oReader)
     Int16 iErrCode = 0;
     RawBlockAP block = newBlockAdvantageLinkAP();
     guarded(kReadPage, KEL_PARAMETERS(oReader) + KEL_LOCALS(block, iErrCode, iSide1Arr, sData), [&] {
-        if (!isOKAP(ask(oReader, "FB\r")))
+        if (!ask(oReader, "FB\r", sData) || !isOKAP(sData))
             return;
 
         oReader.fComm().mscComm().Output("FD\r");
@@ -51,8 +52,7 @@ Boolean ReadPageAPAdvantageLink(ReaderContract& oReader)
         iSide1Arr.ReDim(oReader.LargestSide1Rows(), oReader.LargestSide1Cols());
         setMarksAdvantageLinkAP(iSide1Arr, block);
 
-        sData = ask(oReader, "FE\r");
-        if (sData.empty())
+        if (!ask(oReader, "FE\r", sData))
             return;
         if (!isOKAP(sData)) {
             iErrCode = Asc(sData);

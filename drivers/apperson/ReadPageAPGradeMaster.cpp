@@ -31,7 +31,8 @@ Boolean ReadPageAPGradeMaster(ReaderContract& oReader)
         if (!collectBlockAP(oReader, block))
             return;
         if (block.status() != kStatusGradeMasterAP) {
-            reportReaderFault(kReadPage, ReturnErrorAP(block.status()), VBLM_RTString(kReaderErrorTitle));
+            iErrCode = block.status();
+            reportNumberedFault(kReadPage, iErrCode, ReturnErrorAP(iErrCode), VBLM_RTString(kReaderErrorTitle));
             drainInputWithPauses(oReader);
             return;
         }
@@ -41,7 +42,7 @@ Boolean ReadPageAPGradeMaster(ReaderContract& oReader)
         if (sBarcodeArr(1) == kErrorIdentifierGradeMasterAP) {
             iErrCode = errorNumberGradeMasterAP(block);
             if (iErrCode > 0)
-                reportReaderFault(kReadPage, ReturnErrorAP(iErrCode), VBLM_RTString(kSheetErrorTitle));
+                reportNumberedFault(kReadPage, iErrCode, ReturnErrorAP(iErrCode), VBLM_RTString(kSheetErrorTitle));
             return;
         }
         if (sBarcodeArr(1) == kBlankIdentifierGradeMasterAP)

@@ -29,6 +29,11 @@ bool tell(ReaderContract& oReader, std::string_view scmd, const ExchangeFaultsAP
     return exchangeAP(oReader, kInitReader, scmd, faults);
 }
 
+bool isLineReader(kelReaderType eReaderType)
+{
+    return eReaderType == kelReaderTypeAppersonBenchMark3000 || eReaderType == kelReaderTypeAppersonAdvantage1200;
+}
+
 /// BenchMark 3000 and Advantage 1200: commands of two letters.
 bool startLineReader(ReaderContract& oReader)
 {
@@ -49,21 +54,33 @@ bool startLineReader(ReaderContract& oReader)
     return oReader.ReaderType() != kelReaderTypeAppersonAdvantage1200 || tell(oReader, "M8");
 }
 
-/// Advantage Link and GradeMaster: commands end in CR.
-bool startAdvantageLink(ReaderContract& oReader)
+/// Advantage Link and GradeMaster: their commands end in CR. This one has the marks sent to the host; nothing for the
+/// other models.
+const char* sendToHostCommand(kelReaderType eReaderType)
 {
-    return oReader.ReaderGrade() || tell(oReader, "T1\r", kSendToHostFaults);
+    switch (eReaderType) {
+    case kelReaderTypeAppersonAdvantageLink: return "T1\r";
+    case kelReaderTypeAppersonGradeMaster: return "A1\r";
+    default: return nullptr;
+    }
+}
+
+bool sendToHost(ReaderContract& oReader)
+{
+    if (oReader.ReaderGrade())
+        return true;
+    const char* scmd = sendToHostCommand(oReader.ReaderType());
+    return scmd == nullptr || tell(oReader, scmd, kSendToHostFaults);
 }
 
 bool startGradeMaster(ReaderContract& oReader)
 {
-    if (!oReader.ReaderGrade() && !tell(oReader, "A1\r", kSendToHostFaults))
-        return false;
     if (!tell(oReader, "S8\r", kSendToHostFaults))
         return false;
     // What follows its "OK" is the beginning of the first block.
-    return exchangeAP(oReader, kInitReader, "M3\r", kModeFaults,
-                      {.pauseWhenEmpty = true, .mostCharacters = kModeReplyLength});
+    CollectRules rules = kReplyRulesAP;
+    rules.mostCharacters = kModeReplyLength;
+    return exchangeAP(oReader, kInitReader, "M3\r", kModeFaults, rules);
 }
 
 const char* closeCommand(kelReaderType eReaderType)
@@ -83,13 +100,13 @@ Boolean InitReaderAP(ReaderContract& oReader)
 {
     Boolean bResult = False;
     guarded(kInitReader, KEL_PARAMETERS(oReader), [&] {
-        switch (oReader.ReaderType()) {
-        case kelReaderTypeAppersonBenchMark3000:
-        case kelReaderTypeAppersonAdvantage1200: bResult = startLineReader(oReader); break;
-        case kelReaderTypeAppersonAdvantageLink: bResult = startAdvantageLink(oReader); break;
-        case kelReaderTypeAppersonGradeMaster: bResult = startGradeMaster(oReader); break;
-        default: bResult = True; break;
-        }
+        if (isLineReader(oReader.ReaderType()) && !startLineReader(oReader))
+            return;
+        if (!sendToHost(oReader))
+            return;
+        if (oReader.ReaderType() == kelReaderTypeAppersonGradeMaster && !startGradeMaster(oReader))
+            return;
+        bResult = True;
     });
     return bResult;
 }
@@ -101,10 +118,10 @@ Boolean CloseReaderAP(ReaderContract& oReader)
         bAPReaderStarted = False;
         oReader.fComm().mscComm().Output(closeCommand(oReader.ReaderType()));
         if (waitForReply(oReader, {.cancellable = false}) != Wait::Reply) {
-            reportReaderFault(kCloseReader, 182, 184);
+            reportNumberedFault(kCloseReader, 182, 184);
             return;
         }
-        bResult = isOKAP(collectText(oReader));
+        bResult = isOKAP(collectText(oReader, {.asBytes = true}));
     });
     return bResult;
 }

@@ -26,6 +26,11 @@ constexpr std::string_view kSheetFed = "0\r";
 
 constexpr Int32 kMostRows = 128;
 
+const ModelCT& modelOf(const ReaderContract& oReader)
+{
+    return modelCT(oReader.ReaderType());
+}
+
 /// The last command of a procedure, and what has come upon it.
 struct ExchangeCT {
     std::string sCmd;
@@ -68,7 +73,7 @@ bool setUp(ReaderContract& oReader, ExchangeCT& exchange, const char* letters)
     sendCommand(oReader, exchange, letters);
     if (waitForCarriageReturn(oReader, exchange.sData, false) == Wait::Reply)
         return true;
-    reportReaderFault(kInitReader, 234, kNoReplyTitle);
+    reportNumberedFault(kInitReader, 234, kNoReplyTitle);
     return false;
 }
 
@@ -78,7 +83,7 @@ bool startByByte(ReaderContract& oReader, ExchangeCT& exchange)
     send(oReader, exchange, kStartOfSheet);
     if (waitForReply(oReader, {.cancellable = false}) == Wait::Reply)
         return true;
-    reportReaderFault(kReadPage, 236, 238);
+    reportNumberedFault(kReadPage, 236, 238);
     return false;
 }
 
@@ -87,7 +92,7 @@ bool startFramed(ReaderContract& oReader, ExchangeCT& exchange)
     send(oReader, exchange, frameCommand("E"));
     const Wait wait = waitForCarriageReturn(oReader, exchange.sData, true);
     if (wait == Wait::TimedOut)
-        reportReaderFault(kReadPage, 240, kNoReplyTitle);
+        reportNumberedFault(kReadPage, 240, kNoReplyTitle);
     return wait == Wait::Reply;
 }
 
@@ -102,7 +107,7 @@ bool startFed(ReaderContract& oReader, ExchangeCT& exchange)
         if (oReader.fComm().mscComm().InBufferCount() > 0)
             sData += oReader.fComm().mscComm().Input();
         if (!oReader.fComm().tmrScan().Enabled()) {
-            reportReaderFault(kReadPage, 240, kNoReplyTitle);
+            reportNumberedFault(kReadPage, 240, kNoReplyTitle);
             return false;
         }
     }
@@ -130,13 +135,12 @@ Boolean InitReaderCT(ReaderContract& oReader)
     guarded(kInitReader, KEL_PARAMETERS(oReader) + KEL_LOCALS(exchange), [&] {
         oReader.fComm().mscComm().InputLen(1);
         drainInput(oReader);
-        const ModelCT& model = modelCT(oReader.ReaderType());
-        if (const auto& commands = oReader.Feeder() ? model.feeder : model.singleSheets) {
+        if (const auto& commands = oReader.Feeder() ? modelOf(oReader).feeder : modelOf(oReader).singleSheets) {
             if (!setUp(oReader, exchange, commands->first) || !setUp(oReader, exchange, commands->second))
                 return;
             Sleep(oReader.SleepTime());
         }
-        if (model.probed)
+        if (modelOf(oReader).probed)
             send(oReader, exchange, kProbe);
         bResult = True;
     });
@@ -154,16 +158,15 @@ Boolean ReadPageCT(ReaderContract& oReader)
     const bool& iRightByte = page.isAtRowStart();
     const auto variables = KEL_PARAMETERS(oReader) + KEL_LOCALS(page, iRightByte, bPageRead, iTemp, bTempArr, exchange);
     guarded(kReadPage, variables, [&] {
-        const ModelCT& model = modelCT(oReader.ReaderType());
         drainInput(oReader);
         oReader.fComm().mscComm().InputLen(1);
         page = PackedRows(kMostRows, checkedAdd(oReader.RecognitionThreshold(), 1));
-        if (!startSheet(oReader, exchange, model.start))
+        if (!startSheet(oReader, exchange, modelOf(oReader).start))
             return;
 
         while (!bPageRead) {
             DoEvents();
-            if (model.cancellable && oReader.CancelScan())
+            if (modelOf(oReader).cancellable && oReader.CancelScan())
                 return;
             if (oReader.fComm().mscComm().InBufferCount() == 0)
                 continue;
@@ -171,7 +174,7 @@ Boolean ReadPageCT(ReaderContract& oReader)
             iTemp = bTempArr[0];
             if (iTemp == kSheetEnd)
                 bPageRead = true;
-            else if (iTemp == model.refusal)
+            else if (iTemp == modelOf(oReader).refusal)
                 return;
             else
                 page.take(iTemp);
@@ -190,7 +193,7 @@ Boolean RejectPageCT(ReaderContract& oReader, Boolean bRejectHopper)
     guarded(kRejectPage, KEL_PARAMETERS(oReader, bRejectHopper) + KEL_LOCALS(exchange), [&] {
         send(oReader, exchange, frameCommand(bRejectHopper ? "EF" : "ER"));
         if (waitForReply(oReader, {.cancellable = false}) != Wait::Reply) {
-            reportReaderFault(kRejectPage, 242, kNoReplyTitle);
+            reportNumberedFault(kRejectPage, 242, kNoReplyTitle);
             return;
         }
         exchange.sData = collectText(oReader, {.pauseWhenEmpty = true});

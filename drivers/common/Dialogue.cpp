@@ -5,10 +5,10 @@
 
 namespace kel {
 
-void openLine(ReaderContract& oReader, Int16 iPort)
+void openLine(ReaderContract& oReader, std::optional<Int16> iPort)
 {
     oReader.fComm().mscComm().Handshaking(oReader.FlowControl());
-    oReader.fComm().mscComm().CommPort(iPort);
+    oReader.fComm().mscComm().CommPort(iPort ? *iPort : oReader.Port());
     oReader.fComm().mscComm().Settings(CStr(oReader.BaudRate()) + "," + oReader.Parity() + "," +
                                        CStr(oReader.DataBits()) + "," + CStr(oReader.StopBits()));
     oReader.fComm().mscComm().PortOpen(True);
@@ -58,7 +58,7 @@ std::string collectText(ReaderContract& oReader, CollectRules rules)
     oReader.fComm().mscComm().InputLen(1);
     std::string text;
     for (Int32 taken = 0; taken < rules.mostCharacters && oReader.fComm().mscComm().InBufferCount() > 0; ++taken) {
-        text += oReader.fComm().mscComm().Input();
+        text += rules.asBytes ? Chr(takeByte(oReader)) : oReader.fComm().mscComm().Input();
         if (rules.pauseWhenEmpty && oReader.fComm().mscComm().InBufferCount() == 0)
             Sleep(oReader.SleepTime());
     }

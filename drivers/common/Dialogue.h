@@ -3,12 +3,14 @@
 #include "contract/ReaderContract.h"
 
 #include <limits>
+#include <optional>
 #include <string>
 
 namespace kel {
 
-/// Opens the line on a port with the reader's handshaking, speed, parity, data bits and stop bits.
-void openLine(ReaderContract& oReader, Int16 iPort);
+/// Opens the line with the reader's handshaking, speed, parity, data bits and stop bits: on the port that is given, or
+/// on the reader's own.
+void openLine(ReaderContract& oReader, std::optional<Int16> iPort = std::nullopt);
 
 /// How a wait for a reply ended.
 enum class Wait { Reply, Cancelled, TimedOut };
@@ -38,6 +40,7 @@ void drainInputWithPauses(ReaderContract& oReader);
 /// How a text reply is collected character by character.
 struct CollectRules {
     bool pauseWhenEmpty = false; ///< sleep `SleepTime` whenever the buffer has just run empty, and look again
+    bool asBytes = false;        ///< take each character as `takeByte` does: one that does not come is failure 9
     Int32 mostCharacters = std::numeric_limits<Int32>::max();
 };
 

@@ -6,7 +6,7 @@ namespace kel {
 
 bool failNCSEZ(const char* source, TextNumber message)
 {
-    reportReaderFault(source, message, 292);
+    reportNumberedFault(source, message, 292);
     return false;
 }
 

@@ -56,7 +56,7 @@ Boolean FirmwareVersionNCSEZ(ReaderContract& oReader, std::string& sReturn)
     std::string sData;
     std::size_t iLocate = 0;
     guarded(kFirmwareVersion, KEL_PARAMETERS(oReader, sReturn) + KEL_LOCALS(sData, iLocate), [&] {
-        openLine(oReader, oReader.Port());
+        openLine(oReader);
         oReader.fComm().mscComm().Output(frameCommand("V"));
         Sleep(100);
         if (oReader.fComm().mscComm().InBufferCount() > 0) {

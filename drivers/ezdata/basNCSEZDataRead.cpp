@@ -43,8 +43,9 @@ Boolean ReadPageNCSEZ(ReaderContract& oReader)
         Sleep(500);
         lWaiting = oReader.fComm().mscComm().InBufferCount();
         if (lWaiting != kReplyLength) {
-            reportReaderFault(kReadPage, VBLM_RTString(TextNumber(340)) + CStr(lWaiting),
-                              VBLM_RTString(TextNumber(292)));
+            constexpr TextNumber kWrongLength = 340;
+            reportNumberedFault(kReadPage, kWrongLength.value(), VBLM_RTString(kWrongLength) + CStr(lWaiting),
+                                VBLM_RTString(TextNumber(292)));
             return;
         }
         if (!commandTakenNCSEZ(oReader, kReadPage, {.refused = 336, .unknown = 338}, sData))

@@ -2,6 +2,8 @@
 
 #include "types/Text.h"
 
+#include <utility>
+
 namespace kel {
 
 namespace {
@@ -25,10 +27,11 @@ bool isLineEnd(Byte byte)
 
 } // namespace
 
-PageDecoderNCS::PageDecoderNCS(bool bTwoSides) : bTwoSides_(bTwoSides), sBarcodeArr_(1, 1)
+PageDecoderNCS::PageDecoderNCS(ReadsTwoSides readsTwoSides)
+    : readsTwoSides_(std::move(readsTwoSides)), sBarcodeArr_(1, 1)
 {
     sides_[0].marks.ReDim(kMostRows, kColumns);
-    if (bTwoSides)
+    if (readsTwoSides_())
         sides_[1].marks.ReDim(kMostRows, kColumns);
     sBarcodeArr_(1) = "?";
 }
@@ -81,8 +84,9 @@ std::optional<PageDecoderNCS::RowFault> PageDecoderNCS::beginRow(int side)
 
 void PageDecoderNCS::beginBarcodes()
 {
+    // Barcodes from before a second marker stay where they are, until others take their places.
     iNumBarcodes_ = 1;
-    sBarcodeArr_.ReDim(1, 1);
+    sBarcodeArr_(1).clear();
     bInBarcode_ = true;
 }
 
@@ -101,6 +105,7 @@ void PageDecoderNCS::takeInBarcode(Byte byte)
         sBarcode.erase(0, 2);
         iNumBarcodes_ = checkedAdd(iNumBarcodes_, 1);
         sBarcodeArr_.ReDimPreserve(iNumBarcodes_);
+        sBarcodeArr_(iNumBarcodes_).clear();
     } else if (byte == kRun) {
         eRun_ = Run::Count;
     } else {
@@ -117,7 +122,7 @@ void PageDecoderNCS::appendToBarcode(Byte byte, Int16 iCount)
 void PageDecoderNCS::takePositions(Byte byte, Int16 iNumCompress)
 {
     iNumBytes_ = checkedAdd(iNumBytes_, iNumCompress);
-    const bool bStored = iCurrentSide_ == 1 || (iCurrentSide_ == 2 && bTwoSides_);
+    const bool bStored = iCurrentSide_ == 1 || (iCurrentSide_ == 2 && readsTwoSides_());
     for (Int16 iCompressIndex = 0; bStored && iCompressIndex < iNumCompress; ++iCompressIndex)
         sides_[iCurrentSide_ - 1].put(byte);
 }

@@ -2,6 +2,7 @@
 
 #include "types/Arrays.h"
 
+#include <functional>
 #include <optional>
 
 namespace kel {
@@ -23,8 +24,11 @@ public:
         Int16 rowsCompletedBefore; ///< rows of that side before this marker
     };
 
-    /// Side 2 is stored only if the sheet is read on two sides; otherwise its rows are only counted.
-    explicit PageDecoderNCS(bool bTwoSides);
+    /// Whether the sheet is read on two sides: asked at the start, when side 2 gets its room, and then with each of its
+    /// positions, since the host may change it while the sheet comes. Otherwise rows of side 2 are only counted. A
+    /// position of side 2 without room is failure 9.
+    using ReadsTwoSides = std::function<bool()>;
+    explicit PageDecoderNCS(ReadsTwoSides readsTwoSides);
 
     /// Takes the next byte; a row length fault is told and the decoding goes on.
     std::optional<RowFault> take(Byte byte);
@@ -63,7 +67,7 @@ private:
     void appendToBarcode(Byte byte, Int16 iCount);
 
     Side sides_[2];
-    bool bTwoSides_;
+    ReadsTwoSides readsTwoSides_;
     int iCurrentSide_ = 0;
     Int16 iNumBytes_ = 48; // so that the first row marker passes its check
     Run eRun_ = Run::None;

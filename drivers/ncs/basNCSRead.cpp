@@ -22,7 +22,7 @@ bool sheetComes(ReaderContract& oReader)
     const bool bTimed = oReader.Feeder() && !oReader.ReaderGrade();
     const Wait wait = waitForReply(oReader, {.cancellable = !bTimed, .timed = bTimed});
     if (wait == Wait::TimedOut)
-        reportReaderFault(kReadPage, 274, kSilenceTitle);
+        reportNumberedFault(kReadPage, 274, kSilenceTitle);
     return wait == Wait::Reply;
 }
 
@@ -31,18 +31,19 @@ bool byteComes(ReaderContract& oReader)
 {
     if (waitForReply(oReader, {.cancellable = false}) == Wait::Reply)
         return true;
-    reportReaderFault(kReadPage, 240, kSilenceTitle);
+    reportNumberedFault(kReadPage, 240, kSilenceTitle);
     return false;
 }
 
 void reportRowFault(const PageDecoderNCS::RowFault& fault)
 {
-    std::string sText = fault.side == 1 ? VBLM_RTString(TextNumber(276)) : VBLM_RTString(TextNumber(284));
+    const TextNumber message = fault.side == 1 ? TextNumber(276) : TextNumber(284);
+    std::string sText = VBLM_RTString(message);
     sText.append(kLineEnd).append(kLineEnd);
     sText += VBLM_RTString(TextNumber(278)) + CStr(fault.positions);
     sText.append(kLineEnd);
     sText += VBLM_RTString(TextNumber(280)) + CStr(fault.rowsCompletedBefore);
-    reportReaderFault(kReadPage, sText, VBLM_RTString(TextNumber(282)));
+    reportNumberedFault(kReadPage, message.value(), sText, VBLM_RTString(TextNumber(282)));
 }
 
 /// Takes bytes until the page ends. False when the reader has fallen silent within it.
@@ -77,10 +78,9 @@ bool readPage(ReaderContract& oReader, PageDecoderNCS& page)
 Boolean ReadPageNCS(ReaderContract& oReader)
 {
     Boolean bResult = False;
-    bool bTwoSides = false;
-    guarded(kReadPage, KEL_PARAMETERS(oReader) + KEL_LOCALS(bTwoSides), [&] {
-        bTwoSides = oReader.Duplex() && oReader.DuplexForm();
-        PageDecoderNCS page(bTwoSides);
+    guarded(kReadPage, KEL_PARAMETERS(oReader), [&] {
+        const auto readsTwoSides = [&] { return oReader.Duplex() && oReader.DuplexForm(); };
+        PageDecoderNCS page(readsTwoSides);
         drainInput(oReader);
         oReader.fComm().mscComm().Output(kStartOfSheet);
         if (!sheetComes(oReader))
@@ -90,7 +90,7 @@ Boolean ReadPageNCS(ReaderContract& oReader)
             return;
 
         oReader.Side1TimingMarks(page.timingMarks(1));
-        if (bTwoSides)
+        if (readsTwoSides())
             oReader.Side2TimingMarks(page.timingMarks(2));
         if (oReader.ReaderGrade())
             Sleep(checkedMultiply(oReader.SleepTime(), 10));

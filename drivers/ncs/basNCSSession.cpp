@@ -80,7 +80,7 @@ bool query(ReaderContract& oReader, const char* command, Int32 length, const cha
     oReader.fComm().mscComm().Output(command);
     if (waitForReply(oReader, {.minimumCount = length, .cancellable = false}) == Wait::Reply)
         return true;
-    reportReaderFault(source, kNoReport, kNoReportTitle);
+    reportNumberedFault(source, kNoReport, kNoReportTitle);
     return false;
 }
 
@@ -109,7 +109,7 @@ Boolean InitReaderNCS(ReaderContract& oReader)
                 if (!GetScanModeNCS(oReader, eMode))
                     return;
                 if (lIndex > kMostPolls) {
-                    reportReaderFault(kInitReader, kNoReport, kNoReportTitle);
+                    reportNumberedFault(kInitReader, kNoReport, kNoReportTitle);
                     return;
                 }
             }
@@ -162,7 +162,7 @@ Boolean CheckStatusNCS(ReaderContract& oReader)
         for (const StatusFault& fault : kStatusFaults) {
             if (!(bDataArr[fault.byte] & fault.bit))
                 continue;
-            reportReaderFault(kCheckStatus, fault.message, fault.title);
+            reportNumberedFault(kCheckStatus, fault.message, fault.title);
             bNeedsEject = true;
             break;
         }
@@ -201,7 +201,7 @@ Boolean SetScanModeNCS(ReaderContract& oReader, eScanMode eMode)
     guarded(kSetScanMode, KEL_PARAMETERS(oReader, eMode) + KEL_LOCALS(sCmd), [&] {
         drainInput(oReader);
         if (eMode == eScanModeNone) {
-            reportReaderFault(kSetScanMode, 286, 288);
+            reportNumberedFault(kSetScanMode, 286, 288);
             return;
         }
         sCmd = "e";

@@ -61,12 +61,14 @@ Int16 takeCode(ReaderContract& oReader)
     return Asc(oReader.fComm().mscComm().Input());
 }
 
-/// One step of the reader's threshold, whose reply nobody looks at.
-void stepThreshold(ReaderContract& oReader, const char* command, Int32 lSleepTime)
+/// Steps of the reader's threshold, whose replies nobody looks at.
+void stepThreshold(ReaderContract& oReader, const char* command, Int16 iDifference, Int32 lSleepTime)
 {
-    oReader.fComm().mscComm().Output(command);
-    drainInput(oReader);
-    Sleep(lSleepTime);
+    for (Int16 iStep = 0; iStep < iDifference; ++iStep) {
+        oReader.fComm().mscComm().Output(command);
+        drainInput(oReader);
+        Sleep(lSleepTime);
+    }
 }
 
 /// Tells the reader to read a sheet, unless one is under way already. False when the status tells a fault.
@@ -131,9 +133,8 @@ Boolean SetRecThresholdPD(ReaderContract& oReader, Int32 lSleepTime)
     Int16 iLow = 0;
     Int16 iCurrentThreshold = 0;
     Int16 iDifference = 0;
-    Int16 iStep = 0;
     const auto variables =
-        KEL_PARAMETERS(oReader, lSleepTime) + KEL_LOCALS(iHigh, iLow, iCurrentThreshold, iDifference, iStep);
+        KEL_PARAMETERS(oReader, lSleepTime) + KEL_LOCALS(iHigh, iLow, iCurrentThreshold, iDifference);
     guarded(kSetRecThreshold, variables, [&] {
         Sleep(checkedMultiply(lSleepTime, 5));
         oReader.fComm().mscComm().Output("+");
@@ -157,12 +158,13 @@ Boolean SetRecThresholdPD(ReaderContract& oReader, Int32 lSleepTime)
 
         // "-" raises the reader's value and "+" lowers it.
         iCurrentThreshold = checkedAdd(iHigh, iLow);
-        iDifference = checkedSubtract(oReader.RecognitionThreshold(), iCurrentThreshold);
-        for (iStep = 0; iStep < iDifference; ++iStep)
-            stepThreshold(oReader, "-", lSleepTime);
-        for (iStep = 0; iStep > iDifference; --iStep)
-            stepThreshold(oReader, "+", lSleepTime);
-
+        if (oReader.RecognitionThreshold() > iCurrentThreshold) {
+            iDifference = checkedSubtract(oReader.RecognitionThreshold(), iCurrentThreshold);
+            stepThreshold(oReader, "-", iDifference, lSleepTime);
+        } else if (oReader.RecognitionThreshold() < iCurrentThreshold) {
+            iDifference = checkedSubtract(iCurrentThreshold, oReader.RecognitionThreshold());
+            stepThreshold(oReader, "+", iDifference, lSleepTime);
+        }
         drainInput(oReader);
         bResult = True;
     });

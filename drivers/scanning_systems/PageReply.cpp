@@ -25,7 +25,7 @@ ColumnSS columnSS(ColumnLettersSS letters, Byte character, Int16 columnBefore)
     return {.column = columnBefore, .exists = character < ':' || character > '>'};
 }
 
-PageStepSS PageReplySS::take(Byte byte)
+PageStepSS PageReplySS::take(Byte byte, ColumnLettersSS letters)
 {
     if (awaits_ == Awaits::Value) {
         marks_(iRowIndex_, iColIndex_) = static_cast<Int16>(byte - kZero);
@@ -36,17 +36,17 @@ PageStepSS PageReplySS::take(Byte byte)
         awaits_ = Awaits::ElementBehindBlank;
         return PageStepSS::ElementOpen;
     }
-    return takeElement(byte);
+    return takeElement(byte, letters);
 }
 
-PageStepSS PageReplySS::takeElement(Byte byte)
+PageStepSS PageReplySS::takeElement(Byte byte, ColumnLettersSS letters)
 {
     if (byte == kRowEnd) {
         iRowIndex_ = checkedAdd(iRowIndex_, 1);
         awaits_ = Awaits::Element;
         return PageStepSS::ElementDone;
     }
-    const ColumnSS column = columnSS(letters_, byte, iColIndex_);
+    const ColumnSS column = columnSS(letters, byte, iColIndex_);
     iColIndex_ = column.column;
     awaits_ = Awaits::Value;
     return column.exists ? PageStepSS::ElementOpen : PageStepSS::WrongColumn;

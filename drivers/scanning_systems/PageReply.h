@@ -34,10 +34,11 @@ enum class PageStepSS {
 class PageReplySS {
 public:
     /// Stores the marks into `marks` from row 1 on; it must outlive this.
-    PageReplySS(MarkArray& marks, ColumnLettersSS letters) : marks_(marks), letters_(letters) {}
+    explicit PageReplySS(MarkArray& marks) : marks_(marks) {}
 
-    /// The next byte. A mark outside the array is failure 9, a row that can no longer be counted failure 6.
-    PageStepSS take(Byte byte);
+    /// The next byte, a column being named by `letters`. A mark outside the array is failure 9, a row that can no
+    /// longer be counted failure 6.
+    PageStepSS take(Byte byte, ColumnLettersSS letters);
 
     /// The row under way, from 1.
     [[nodiscard]] Int16 row() const noexcept { return iRowIndex_; }
@@ -45,10 +46,9 @@ public:
 private:
     enum class Awaits { Element, ElementBehindBlank, Value };
 
-    PageStepSS takeElement(Byte byte);
+    PageStepSS takeElement(Byte byte, ColumnLettersSS letters);
 
     MarkArray& marks_;
-    ColumnLettersSS letters_;
     Awaits awaits_ = Awaits::Element;
     Int16 iRowIndex_ = 1;
     Int16 iColIndex_ = 1;

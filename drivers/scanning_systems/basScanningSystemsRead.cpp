@@ -88,19 +88,36 @@ bool readBarcode(ReaderContract& oReader, TextArray& sBarcodeArr)
     return true;
 }
 
+/// What differs between the two sides of a page.
+struct PageSide {
+    std::string_view prefix;
+    Int16 (ReaderContract::*rows)() const;
+    ColumnLettersSS (*letters)(const ReaderContract& oReader);
+};
+
+constexpr PageSide kFront = {"", &ReaderContract::LargestSide1Rows, [](const ReaderContract& oReader) {
+                                 return oReader.ReaderType() == kelReaderTypeSekonicSR430 ? ColumnLettersSS::SR430
+                                                                                          : ColumnLettersSS::Upwards;
+                             }};
+// The back is named upwards on every model.
+constexpr PageSide kBack = {kSide2SS, &ReaderContract::LargestSide2Rows,
+                            [](const ReaderContract&) { return ColumnLettersSS::Upwards; }};
+
 /// Fetches all marks of one side. The reply has no end of its own: it is over with the last row, or when nothing has
 /// come for one pause.
-bool readSide(ReaderContract& oReader, std::string_view prefix, Int16 iRows, ColumnLettersSS letters, MarkArray& marks)
+bool readSide(ReaderContract& oReader, const PageSide& side, MarkArray& marks)
 {
-    oReader.fComm().mscComm().Output(std::string(prefix) + readingSS("ED001" + formatZeros(iRows, 3)));
+    const std::string sRowCount = formatZeros((oReader.*side.rows)(), 3);
+    oReader.fComm().mscComm().Output(std::string(side.prefix) + readingSS("ED001" + sRowCount));
     if (!dataComes(oReader, kReadEntirePage))
         return false;
     oReader.fComm().mscComm().InputLen(1);
-    PageReplySS reply(marks, letters);
-    while (oReader.fComm().mscComm().InBufferCount() > 0 && reply.row() <= iRows) {
+    PageReplySS reply(marks);
+    while (oReader.fComm().mscComm().InBufferCount() > 0 && reply.row() <= (oReader.*side.rows)()) {
         PageStepSS step = PageStepSS::ElementOpen;
         while (step != PageStepSS::ElementDone) {
-            step = reply.take(takeByte(oReader));
+            const Byte bData = takeByte(oReader);
+            step = reply.take(bData, side.letters(oReader));
             // The value that follows goes to the column before, and the read goes on.
             if (step == PageStepSS::WrongColumn)
                 reportReaderFault(kReadEntirePage, 382, kReadTitle);
@@ -163,16 +180,13 @@ Boolean ReadEntirePageSS(ReaderContract& oReader)
     MarkArray iSide2Arr;
     guarded(kReadEntirePage, KEL_PARAMETERS(oReader) + KEL_LOCALS(iSide1Arr, iSide2Arr), [&] {
         drainInput(oReader);
-        const bool bSR430 = oReader.ReaderType() == kelReaderTypeSekonicSR430;
         iSide1Arr.ReDim(oReader.LargestSide1Rows(), kPageColumns);
-        if (!readSide(oReader, "", oReader.LargestSide1Rows(),
-                      bSR430 ? ColumnLettersSS::SR430 : ColumnLettersSS::Upwards, iSide1Arr))
+        if (!readSide(oReader, kFront, iSide1Arr))
             return;
         if (readsBothSides(oReader)) {
             drainInput(oReader);
             iSide2Arr.ReDim(oReader.LargestSide2Rows(), kPageColumns);
-            // The back is named upwards on every model.
-            if (!readSide(oReader, kSide2SS, oReader.LargestSide2Rows(), ColumnLettersSS::Upwards, iSide2Arr))
+            if (!readSide(oReader, kBack, iSide2Arr))
                 return;
         }
         oReader.Side1Array(iSide1Arr);

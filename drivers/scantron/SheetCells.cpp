@@ -2,6 +2,8 @@
 
 #include "contract/clsKELReaderWindow.h"
 
+#include <utility>
+
 namespace kel {
 
 namespace {
@@ -10,9 +12,9 @@ constexpr Int16 kPageColumns = 48;
 
 } // namespace
 
-void PageSideST::store(Byte value)
+void PageSideST::store(Int16 value)
 {
-    marks_(iRowCount_, iColCount_) = checkedSubtract(Int16{value}, offset_);
+    marks_(iRowCount_, iColCount_) = value;
     ++iColCount_;
     iLastRow_ = iRowCount_;
     if (iColCount_ > kPageColumns) {
@@ -23,32 +25,24 @@ void PageSideST::store(Byte value)
 
 WindowCellsST::Direction::Direction(Int16 startAt, Int16 count, Int16 signedGap)
     : start(signedGap < 1 ? positionInWindow(startAt, signedGap, count) : startAt),
-      gap(signedGap < 1 ? checkedAbs(signedGap) : signedGap), length(count)
+      gap(signedGap < 1 ? checkedAbs(signedGap) : signedGap)
 {
 }
 
-WindowCellsST::WindowCellsST(const clsKELReaderWindow& window)
-    : byColumns_(window.Orientation() == 0), outer_(byColumns_ ? columnsOf(window) : rowsOf(window)),
-      inner_(byColumns_ ? rowsOf(window) : columnsOf(window)), iInner_(inner_.length)
+WindowCellsST::WindowCellsST(Reference<clsKELReaderWindow> cWindow)
+    : cWindow_(std::move(cWindow)), columns_(cWindow_->StartCol(), cWindow_->NumCols(), cWindow_->ColGap()),
+      rows_(cWindow_->StartRow(), cWindow_->NumRows(), cWindow_->RowGap()), byColumns_(cWindow_->Orientation() == 0),
+      lines_(byColumns_ ? cWindow_->NumCols() : cWindow_->NumRows())
 {
-}
-
-WindowCellsST::Direction WindowCellsST::rowsOf(const clsKELReaderWindow& window)
-{
-    return {window.StartRow(), window.NumRows(), window.RowGap()};
-}
-
-WindowCellsST::Direction WindowCellsST::columnsOf(const clsKELReaderWindow& window)
-{
-    return {window.StartCol(), window.NumCols(), window.ColGap()};
 }
 
 bool WindowCellsST::beginLine()
 {
-    while (iOuter_ < outer_.length) {
-        outerAt_ = outer_.at(++iOuter_);
+    while (iOuter_ < lines_) {
+        outerAt_ = (byColumns_ ? columns_ : rows_).at(++iOuter_);
+        lineLength_ = byColumns_ ? cWindow_->NumRows() : cWindow_->NumCols();
         iInner_ = 0;
-        if (inner_.length > 0)
+        if (lineLength_ > 0)
             return true;
     }
     return false;

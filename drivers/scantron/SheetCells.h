@@ -2,6 +2,7 @@
 
 #include "drivers/common/WindowPositions.h"
 #include "types/Arrays.h"
+#include "types/Reference.h"
 
 #include <optional>
 
@@ -12,13 +13,13 @@ class clsKELReaderWindow;
 /// The byte that ends the transfer of a sheet.
 inline constexpr Byte kTransferEndST = 0x0D;
 
-/// Puts the bytes of a page transfer into the cells of one side, row after row of 48 columns, whatever the array's own
+/// Puts the values of a page transfer into the cells of one side, row after row of 48 columns, whatever the array's own
 /// width is: a narrower array is run out of its bounds, which is failure 9.
 class PageSideST {
 public:
-    PageSideST(MarkArray& marks, Int16 offset) : marks_(marks), offset_(offset) {}
+    explicit PageSideST(MarkArray& marks) : marks_(marks) {}
 
-    void store(Byte value);
+    void store(Int16 value);
 
     /// The row of the next byte, and of the last one that was stored (0 before the first).
     [[nodiscard]] Int16 nextRow() const { return iRowCount_; }
@@ -26,7 +27,6 @@ public:
 
 private:
     MarkArray& marks_;
-    Int16 offset_;
     Int16 iRowCount_ = 1;
     Int16 iColCount_ = 1;
     Int16 iLastRow_ = 0;
@@ -34,6 +34,9 @@ private:
 
 /// The cells of a read window in the order in which the reader sends them: column by column for orientation 0, row by
 /// row for any other. A window that runs towards lower numbers is walked from its low end.
+///
+/// Where the window begins and which way it runs is taken from it at the start; how far a line of cells reaches is
+/// asked anew at the start of each line, since the host runs in between.
 class WindowCellsST {
 public:
     struct Cell {
@@ -41,7 +44,7 @@ public:
         Int16 column;
     };
 
-    explicit WindowCellsST(const clsKELReaderWindow& window);
+    explicit WindowCellsST(Reference<clsKELReaderWindow> cWindow);
 
     /// The next cell, nothing behind the last one. Numbers beyond 16 bits are failure 6.
     [[nodiscard]] std::optional<Cell> next();
@@ -54,30 +57,29 @@ private:
 
         Int16 start;
         Int16 gap;
-        Int16 length;
     };
 
-    [[nodiscard]] static Direction rowsOf(const clsKELReaderWindow& window);
-    [[nodiscard]] static Direction columnsOf(const clsKELReaderWindow& window);
-
-    /// Goes on to the next row or column of cells; false behind the last one.
+    /// Goes on to the next row or column of cells; false after the last one.
     bool beginLine();
 
+    Reference<clsKELReaderWindow> cWindow_;
+    Direction columns_;
+    Direction rows_;
     bool byColumns_;
-    Direction outer_;
-    Direction inner_;
+    Int16 lines_;
     Int16 iOuter_ = 0;
     Int16 outerAt_ = 0;
-    Int16 iInner_; // from the start as behind the end of a line
+    Int16 lineLength_ = 0;
+    Int16 iInner_ = 0;
 };
 
 // In the header, so that the loop over a window's cells is one with its steps.
 
 inline std::optional<WindowCellsST::Cell> WindowCellsST::next()
 {
-    if (iInner_ >= inner_.length && !beginLine())
+    if (iInner_ >= lineLength_ && !beginLine())
         return std::nullopt;
-    const Int16 innerAt = inner_.at(++iInner_);
+    const Int16 innerAt = (byColumns_ ? rows_ : columns_).at(++iInner_);
     return byColumns_ ? Cell{innerAt, outerAt_} : Cell{outerAt_, innerAt};
 }
 

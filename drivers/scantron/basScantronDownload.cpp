@@ -33,6 +33,11 @@ bool isColumnModel(kelReaderType eReaderType)
     return eReaderType == kelReaderTypeScantron8000 || eReaderType == kelReaderTypeScantron8400;
 }
 
+bool isPageMode(const ReaderContract& oReader)
+{
+    return oReader.RecognitionMode() == kelRecognitionTypePage;
+}
+
 /// Sends a command of the form; one that is not acknowledged is reported in the words that `describe` gives.
 template <std::invocable Describe>
 bool send(ReaderContract& oReader, const std::string& sCmd, Describe&& describe)
@@ -145,13 +150,12 @@ Boolean DownloadFormST(ReaderContract& oReader)
             if (!send(oReader, formStartST(iSide1RowsArr(iSheetIndex), iSide2Rows, iSide1ColsArr(iSheetIndex)), 436))
                 return;
 
-            const bool bPage = oReader.RecognitionMode() == kelRecognitionTypePage;
-            if (bPage ? !sendPage(oReader, iSide1RowsArr, iSide1ColsArr, kSide1, iSheetIndex)
-                      : !sendWindowsOfSide1(oReader, iSheetIndex, sent))
+            if (isPageMode(oReader) ? !sendPage(oReader, iSide1RowsArr, iSide1ColsArr, kSide1, iSheetIndex)
+                                    : !sendWindowsOfSide1(oReader, iSheetIndex, sent))
                 return;
             if (oReader.Duplex() && oReader.DuplexForm()) {
-                if (bPage ? !sendPage(oReader, iSide2RowsArr, iSide2ColsArr, kSide2, iSheetIndex)
-                          : !sendWindowsOfSide2(oReader, iSheetIndex, sent))
+                if (isPageMode(oReader) ? !sendPage(oReader, iSide2RowsArr, iSide2ColsArr, kSide2, iSheetIndex)
+                                        : !sendWindowsOfSide2(oReader, iSheetIndex, sent))
                     return;
             }
             if (!send(oReader, formEndST(), 452))

@@ -19,9 +19,15 @@ constexpr TextNumber kReadTitle = 196;
 /// What differs between the two ways of reading at the start of a sheet.
 struct ReadStart {
     const char* source;
-    const char* command;
+    const char* (*command)(const ReaderContract& oReader); ///< asked once a sheet is there
     TextNumber noReply;
 };
+
+constexpr const char* kReadKeepingSheet = "READ 5 Y E";
+
+constexpr ReadStart kPageStart = {
+    kReadPage, [](const ReaderContract& oReader) { return oReader.Rejecter() ? kReadKeepingSheet : "READ 5 Y"; }, 454};
+constexpr ReadStart kWindowsStart = {kReadWindows, [](const ReaderContract&) { return kReadKeepingSheet; }, 458};
 
 /// Waits for a sheet in the feeder (one look) or in the hand of the operator (until the stop flag).
 bool sheetIsReady(ReaderContract& oReader)
@@ -48,7 +54,7 @@ bool startTransfer(ReaderContract& oReader, const ReadStart& start)
     ClearBufferST(oReader);
     if (!sheetIsReady(oReader))
         return false;
-    oReader.fComm().mscComm().Output(frameST(start.command));
+    oReader.fComm().mscComm().Output(frameST(start.command(oReader)));
     const Wait wait = waitForReply(oReader);
     if (wait == Wait::TimedOut)
         reportReaderFault(start.source, start.noReply, kReadTitle);
@@ -78,6 +84,13 @@ bool sheetIsGood(ReaderContract& oReader)
     return eReady != ScantronReady::Fault;
 }
 
+/// The value of a cell. What is to be subtracted belongs to the thread: a session that the host starts meanwhile may
+/// change it.
+Int16 cellValue(Byte bData)
+{
+    return checkedSubtract(Int16{bData}, iRecognitionOffset);
+}
+
 using TimingMarksSetter = void (ReaderContract::*)(Int16);
 
 /// How the transfer of one side ended.
@@ -93,7 +106,7 @@ bool transferRound(ReaderContract& oReader, PageSideST& side, TimingMarksSetter 
         if (bData == kTransferEndST) {
             bEnded = true;
         } else {
-            side.store(bData);
+            side.store(cellValue(bData));
             (oReader.*setTimingMarks)(side.lastRow());
         }
     }
@@ -107,7 +120,7 @@ bool transferRound(ReaderContract& oReader, PageSideST& side, TimingMarksSetter 
 /// Side 1 ends when it is full or the transfer ends.
 SideEnd readSide1(ReaderContract& oReader, MarkArray& iSide1Arr)
 {
-    PageSideST side(iSide1Arr, iRecognitionOffset);
+    PageSideST side(iSide1Arr);
     bool bEnded = false;
     while (side.nextRow() <= oReader.LargestSide1Rows() && !bEnded) {
         if (!transferRound(oReader, side, &ReaderContract::Side1TimingMarks, bEnded))
@@ -119,7 +132,7 @@ SideEnd readSide1(ReaderContract& oReader, MarkArray& iSide1Arr)
 /// Side 2 ends with the transfer alone: a stream that is longer than the array runs out of its bounds.
 bool readSide2(ReaderContract& oReader, MarkArray& iSide2Arr)
 {
-    PageSideST side(iSide2Arr, iRecognitionOffset);
+    PageSideST side(iSide2Arr);
     bool bEnded = false;
     while (!bEnded) {
         if (!transferRound(oReader, side, &ReaderContract::Side2TimingMarks, bEnded))
@@ -143,7 +156,7 @@ bool byteComes(ReaderContract& oReader)
 }
 
 /// Fills the cells of one window in the reader's order.
-SideEnd readWindow(ReaderContract& oReader, const clsKELReaderWindow& cWindow, MarkArray& iSideArr)
+SideEnd readWindow(ReaderContract& oReader, const Reference<clsKELReaderWindow>& cWindow, MarkArray& iSideArr)
 {
     WindowCellsST cells(cWindow);
     while (const auto cell = cells.next()) {
@@ -152,7 +165,7 @@ SideEnd readWindow(ReaderContract& oReader, const clsKELReaderWindow& cWindow, M
         const Byte bData = takeByte(oReader);
         if (bData == kTransferEndST)
             return SideEnd::TransferEnded;
-        iSideArr(cell->row, cell->column) = checkedSubtract(Int16{bData}, iRecognitionOffset);
+        iSideArr(cell->row, cell->column) = cellValue(bData);
     }
     return SideEnd::Full;
 }
@@ -165,7 +178,7 @@ Boolean ReadPageST(ReaderContract& oReader)
     MarkArray iSide1Arr;
     MarkArray iSide2Arr;
     guarded(kReadPage, KEL_PARAMETERS(oReader) + KEL_LOCALS(iSide1Arr, iSide2Arr), [&] {
-        if (!startTransfer(oReader, {kReadPage, oReader.Rejecter() ? "READ 5 Y E" : "READ 5 Y", 454}))
+        if (!startTransfer(oReader, kPageStart))
             return;
 
         iSide1Arr.ReDim(oReader.LargestSide1Rows(), oReader.LargestSide1Cols());
@@ -206,7 +219,7 @@ Boolean ReadWindowsST(ReaderContract& oReader)
         KEL_PARAMETERS(oReader) + KEL_LOCALS(lWindowCount, lWindowIndex, iSide1Arr, iSide2Arr, bSide2, bEnded);
     guarded(kReadWindows, variables, [&] {
         lWindowCount = oReader.Windows()->Count();
-        if (!startTransfer(oReader, {kReadWindows, "READ 5 Y E", 458}))
+        if (!startTransfer(oReader, kWindowsStart))
             return;
 
         iSide1Arr.ReDim(oReader.LargestSide1Rows(), oReader.LargestSide1Cols());
@@ -217,7 +230,7 @@ Boolean ReadWindowsST(ReaderContract& oReader)
                 bSide2 = true;
                 iSide2Arr.ReDim(oReader.LargestSide2Rows(), oReader.LargestSide2Cols());
             }
-            switch (readWindow(oReader, *cWindow, bSide2 ? iSide2Arr : iSide1Arr)) {
+            switch (readWindow(oReader, cWindow, bSide2 ? iSide2Arr : iSide1Arr)) {
             case SideEnd::Failed: return;
             case SideEnd::TransferEnded: bEnded = true; break;
             case SideEnd::Full: break;

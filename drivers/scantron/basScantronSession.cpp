@@ -100,7 +100,7 @@ Boolean ResetReaderST(ReaderContract& oReader)
         case Wait::TimedOut: reportReaderFault(kResetReader, kNoReply, kResetTitle); return;
         case Wait::Reply: break;
         }
-        sData = collectText(oReader);
+        sData = collectText(oReader, {.asBytes = true});
         if (sData.starts_with('\r'))
             bResult = True;
         else

@@ -81,7 +81,7 @@ std::optional<Int16> fetchSide(Int32 lSide, SRRead& uRead, Array1<Byte>& bSRArr,
         std::clamp<std::int64_t>(std::int64_t{uRead.lRows} * uRead.lCols, kMostBytesSR, kMostRoom);
     bSRArr.ReDim(1, static_cast<Int32>(lRoom));
     if (omrApi().OMR_GetMarks(lSide, uRead, &bSRArr(1)) == 0) {
-        reportReaderFault(kReadPage, missing, kReadTitle);
+        reportNumberedFault(kReadPage, missing, kReadTitle);
         return std::nullopt;
     }
     return copyMarksSR(bSRArr, uRead.lRows, uRead.lCols, iSideArr, copy);

@@ -60,29 +60,29 @@ Boolean InitReaderSR(ReaderContract& oReader)
     const auto init = [&] {
         if (omrApi().OMR_OpenDeviceUSB() != 0) {
             omrApi().OMR_GetLastError();
-            reportReaderFault(kInitReader, kNotOpened, kInitTitle);
+            reportNumberedFault(kInitReader, kNotOpened, kInitTitle);
             return;
         }
         if (omrApi().OMR_GetReadingMethod(lVal1, lVal2) == 0) {
-            reportReaderFault(kInitReader, kReadingMethodNotTold, kInitTitle);
+            reportNumberedFault(kInitReader, kReadingMethodNotTold, kInitTitle);
             return;
         }
         if (lVal1 != 0 && lVal1 != 3 && omrApi().OMR_SetReadingMethod(3, lVal2) == 0) {
-            reportReaderFault(kInitReader, kReadingMethodRefused, kInitTitle);
+            reportNumberedFault(kInitReader, kReadingMethodRefused, kInitTitle);
             return;
         }
         if (omrApi().OMR_GetNumberOfColumnsToRead() != kColumnsSR &&
             omrApi().OMR_SetNumberOfColumnsToRead(kColumnsSR) == 0) {
-            reportReaderFault(kInitReader, kColumnsRefused, kInitTitle);
+            reportNumberedFault(kInitReader, kColumnsRefused, kInitTitle);
             return;
         }
         omrApi().OMR_SetBackSensorUnit(oReader.Duplex() && oReader.DuplexForm() ? 1 : 0);
         if (omrApi().OMR_GetSheetFeedMode(lVal1, lVal2) == 0) {
-            reportReaderFault(kInitReader, kFeedModeNotTold, kInitTitle);
+            reportNumberedFault(kInitReader, kFeedModeNotTold, kInitTitle);
             return;
         }
         if (lVal1 != 0 && omrApi().OMR_SetSheetFeedMode(0, 0) == 0) {
-            reportReaderFault(kInitReader, kFeedModeRefused, kInitTitle);
+            reportNumberedFault(kInitReader, kFeedModeRefused, kInitTitle);
             return;
         }
         if (oReader.Barcode() && oReader.Barcodes()->Count() > 0)

@@ -326,6 +326,23 @@ TEST_F(DisplayErrorTest, CanBeUsedFromSeveralThreads)
     EXPECT_EQ(counting->count, 800);
 }
 
+TEST_F(DisplayErrorTest, OfANumberedFaultHasTheMessagesNumberOrTheReadersCode)
+{
+    const auto oError = registered();
+    reportNumberedFault("KELReader81 - basNCS.CheckStatusNCS", TextNumber(246), TextNumber(250));
+    reportNumberedFault("KELReader81 - basApperson.ReadPageAPGradeMaster", 206, "jam", "Not read");
+    ASSERT_EQ(oError->reports.size(), 2U);
+    EXPECT_EQ(oError->reports[0].ErrorNumber, 246);
+    EXPECT_EQ(oError->reports[0].ErrorDescription, VBLM_RTString(TextNumber(246)));
+    EXPECT_EQ(oError->reports[0].ErrorTitle, VBLM_RTString(TextNumber(250)));
+    EXPECT_EQ(oError->reports[1].ErrorNumber, 206);
+    EXPECT_EQ(oError->reports[1].ErrorDescription, "jam");
+    for (const ErrorReport& report : oError->reports) {
+        EXPECT_EQ(report.LineNumber, 0);
+        EXPECT_EQ(report.ErrorType, 2);
+    }
+}
+
 TEST_F(DisplayErrorTest, OfAReaderFaultHasType2AndNoNumber)
 {
     const auto oError = registered();

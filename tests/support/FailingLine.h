@@ -30,18 +30,31 @@ public:
 
     /// What comes upon an output: to be put behind `waiting`.
     std::function<void(std::string_view bytes)> onOutput;
-    std::string waiting; ///< what has been received and not been taken
-    std::string sent;    ///< what the host has sent
+    /// What the host does while its carrier is being used.
+    std::function<void()> onHandshaking;
+    std::function<void()> onInput;
+    bool inputIsEmpty = false; ///< `Input` gives nothing, whatever waits
+    std::string waiting;       ///< what has been received and not been taken
+    std::string sent;          ///< what the host has sent
 
     [[nodiscard]] SerialControl& mscComm() override { return *this; }
     [[nodiscard]] ScanTimer& tmrScan() override { return *timer_; }
 
-    [[nodiscard]] Int16 CommPort() const override { return 1; }
-    void CommPort(Int16) override { access(); }
+    [[nodiscard]] Int16 CommPort() const override { return commPort_; }
+    void CommPort(Int16 value) override
+    {
+        access();
+        commPort_ = value;
+    }
     [[nodiscard]] std::string Settings() const override { return {}; }
     void Settings(const std::string&) override { access(); }
     [[nodiscard]] Int32 Handshaking() const override { return 0; }
-    void Handshaking(Int32) override { access(); }
+    void Handshaking(Int32) override
+    {
+        access();
+        if (onHandshaking)
+            onHandshaking();
+    }
     [[nodiscard]] Boolean PortOpen() const override
     {
         access();
@@ -66,6 +79,10 @@ public:
     [[nodiscard]] std::string Input() override
     {
         access();
+        if (onInput)
+            onInput();
+        if (inputIsEmpty)
+            return {};
         const std::size_t length = inputLen_ == 0 ? waiting.size() : static_cast<std::size_t>(inputLen_);
         std::string taken = waiting.substr(0, length);
         waiting.erase(0, length);
@@ -102,6 +119,7 @@ private:
     std::function<void()> whenGone_;
     std::string lastBytes_;
     Boolean open_ = True;
+    Int16 commPort_ = 1;
     Int32 inputLen_ = 0;
 };
 

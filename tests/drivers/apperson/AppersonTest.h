@@ -44,10 +44,16 @@ struct Told {
     }
 };
 
-/// A fault of the reader or the link, by the numbers of its texts.
-inline Told fault(const std::string& procedure, Int32 text, Int32 title)
+/// A fault of the reader or the link under a code of the reader, by the numbers of its texts.
+inline Told readerError(const std::string& procedure, Int32 code, Int32 text, Int32 title)
 {
-    return {"basApperson." + procedure, 0, 2, VBLM_RTString(text), VBLM_RTString(title)};
+    return {"basApperson." + procedure, code, 2, VBLM_RTString(text), VBLM_RTString(title)};
+}
+
+/// The same under the number of its message.
+inline Told fault(const std::string& procedure, Int32 message, Int32 title)
+{
+    return readerError(procedure, message, message, title);
 }
 
 /// A host that keeps what it hears, and may act within the events.

@@ -116,7 +116,7 @@ TEST_F(RawReaders, AdvantageLinkReportsAnotherStatus)
         playLink(kFeed + kSend + from(linkBlock(5, static_cast<unsigned char>(status)) + "left") + "+ 15\n" +
                  from("over"));
         EXPECT_EQ(ReadPageAP(*session), False);
-        EXPECT_THAT(told(), ElementsAre(fault("ReadPageAPAdvantageLink", text, 194))) << status;
+        EXPECT_THAT(told(), ElementsAre(readerError("ReadPageAPAdvantageLink", status, text, 194))) << status;
         EXPECT_EQ(waiting(), 0);
         expectNothingStored();
         expectPlayed();
@@ -129,7 +129,8 @@ TEST_F(RawReaders, AdvantageLinkReportsTheLastReply)
          {std::pair<std::string, Int32>("\x04", 202), {"\x09 and more", 212}, {"\xD2", 228}, {"O", 232}, {"4", 232}}) {
         playLink(kFeed + kSend + from(linkBlock(38)) + kDone + from(reply));
         EXPECT_EQ(ReadPageAP(*session), False);
-        EXPECT_THAT(told(), ElementsAre(fault("ReadPageAPAdvantageLink", text, 194))) << reply;
+        EXPECT_THAT(told(), ElementsAre(readerError("ReadPageAPAdvantageLink", static_cast<Byte>(reply[0]), text, 194)))
+            << reply;
         expectNothingStored();
         expectPlayed();
     }
@@ -209,7 +210,7 @@ TEST_F(RawReaders, GradeMasterReportsAnotherStatus)
         playMaster(kPoll + from(masterBlock("0000012345", "   ", "\x01", static_cast<unsigned char>(status)) + "more") +
                    "+ 15\n" + from("still"));
         EXPECT_EQ(ReadPageAP(*session), False);
-        EXPECT_THAT(told(), ElementsAre(fault("ReadPageAPGradeMaster", 232, 194))) << status;
+        EXPECT_THAT(told(), ElementsAre(readerError("ReadPageAPGradeMaster", status, 232, 194))) << status;
         EXPECT_EQ(waiting(), 0);
         expectNothingStored();
         expectPlayed();
@@ -221,7 +222,7 @@ TEST_F(RawReaders, GradeMasterReportsTheErrorInItsBlock)
     for (const auto& [error, text] : {std::pair("004", 202), {"211", 230}, {" 9 ", 212}, {"099", 232}}) {
         playMaster(kPoll + from(masterBlock("Error     ", error, "\x01") + "rest"));
         EXPECT_EQ(ReadPageAP(*session), False);
-        EXPECT_THAT(told(), ElementsAre(fault("ReadPageAPGradeMaster", text, 196))) << error;
+        EXPECT_THAT(told(), ElementsAre(readerError("ReadPageAPGradeMaster", std::stoi(error), text, 196))) << error;
         EXPECT_EQ(waiting(), 4); // nothing is drained here
         expectNothingStored();
         expectPlayed();

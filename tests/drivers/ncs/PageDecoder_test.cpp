@@ -11,6 +11,9 @@ namespace {
 
 using testing::ElementsAre;
 
+constexpr auto kOneSide = [] { return false; };
+constexpr auto kTwoSides = [] { return true; };
+
 using Faults = std::vector<PageDecoderNCS::RowFault>;
 
 /// Takes all bytes; what they told.
@@ -30,11 +33,11 @@ std::string run(int count, char value)
 
 TEST(PageDecoder, ANewPageHoldsNothing)
 {
-    const PageDecoderNCS page(false);
+    const PageDecoderNCS page(kOneSide);
     EXPECT_FALSE(page.isDone() || page.isInBarcode() || page.isInRun());
     EXPECT_EQ(page.side1(), MarkArray(150, 48));
     EXPECT_EQ(page.side2(), MarkArray());
-    EXPECT_EQ(PageDecoderNCS(true).side2(), MarkArray(150, 48));
+    EXPECT_EQ(PageDecoderNCS(kTwoSides).side2(), MarkArray(150, 48));
     EXPECT_EQ(page.timingMarks(1), 0);
     EXPECT_EQ(page.timingMarks(2), 0);
     EXPECT_EQ(page.barcodes().LBound(), 1);
@@ -43,8 +46,8 @@ TEST(PageDecoder, ANewPageHoldsNothing)
 
 TEST(PageDecoder, ARunEqualsItsPositions)
 {
-    PageDecoderNCS compressed(true);
-    PageDecoderNCS plain(true);
+    PageDecoderNCS compressed(kTwoSides);
+    PageDecoderNCS plain(kTwoSides);
     EXPECT_TRUE(take(compressed, "a" + run(50, 'F') + run(46, '3') + "\n").empty());
     EXPECT_TRUE(take(plain, "a" + std::string(50, 'F') + std::string(46, '3') + "\n").empty());
     EXPECT_EQ(compressed.side1(), plain.side1());
@@ -57,7 +60,7 @@ TEST(PageDecoder, ARunEqualsItsPositions)
 
 TEST(PageDecoder, AMarkerTellsOfTheRowBeforeItWhicheverSideThatWas)
 {
-    PageDecoderNCS page(false);
+    PageDecoderNCS page(kOneSide);
     const Faults faults = take(page, "0a" + run(47, '0') + "b" + run(48, '0') + "b" + run(-16, '0') + "a");
     ASSERT_EQ(faults.size(), 3U);
     const auto expect = [](const PageDecoderNCS::RowFault& fault, int side, int positions, int rows) {
@@ -74,7 +77,7 @@ TEST(PageDecoder, AMarkerTellsOfTheRowBeforeItWhicheverSideThatWas)
 
 TEST(PageDecoder, WithinARunEveryByteIsOneOfIt)
 {
-    PageDecoderNCS page(false);
+    PageDecoderNCS page(kOneSide);
     take(page, "a\x15");
     EXPECT_TRUE(page.isInRun());
     take(page, "c"); // 0x63: 35 positions
@@ -87,31 +90,63 @@ TEST(PageDecoder, WithinARunEveryByteIsOneOfIt)
 
 TEST(PageDecoder, TheBarcodeThatTheLastSeparatorOpensGoesAtALineEndAlone)
 {
-    PageDecoderNCS ended(false);
+    PageDecoderNCS ended(kOneSide);
     take(ended, "c12345dxy\r");
     EXPECT_TRUE(ended.isDone());
     EXPECT_THAT(ended.barcodes().elements(), ElementsAre("345"));
 
-    PageDecoderNCS silent(false);
+    PageDecoderNCS silent(kOneSide);
     take(silent, "c12345dxy");
     EXPECT_TRUE(silent.isInBarcode());
     silent.endBySilence();
     EXPECT_TRUE(silent.isDone());
     EXPECT_THAT(silent.barcodes().elements(), ElementsAre("345", "xy"));
 
-    PageDecoderNCS again(false);
+    PageDecoderNCS again(kOneSide);
     take(again, "c12345dxyc" + run(3, 'd') + run(-3, 'x'));
-    EXPECT_THAT(again.barcodes().elements(), ElementsAre("ddd"));
+    EXPECT_THAT(again.barcodes().elements(), ElementsAre("ddd", "xy"));
+}
+
+TEST(PageDecoder, ASecondMarkerBeginsAtTheFirstBarcodeAndKeepsTheOthers)
+{
+    PageDecoderNCS two(kOneSide);
+    take(two, "cXX12dYY34c56\r\n");
+    EXPECT_THAT(two.barcodes().elements(), ElementsAre("56", "YY34"));
+
+    // A separator behind it makes the list as long as it counts, with an empty entry at its end.
+    PageDecoderNCS separated(kOneSide);
+    take(separated, "cXX1dXX2dXX3cXX4d5");
+    separated.endBySilence();
+    EXPECT_THAT(separated.barcodes().elements(), ElementsAre("4", "5"));
+}
+
+TEST(PageDecoder, AsksForSide2WithEachOfItsPositions)
+{
+    bool bTwoSides = true;
+    PageDecoderNCS page([&] { return bTwoSides; });
+    take(page, "b1");
+    bTwoSides = false;
+    take(page, "2" + run(2, '3'));
+    bTwoSides = true;
+    take(page, "4");
+    EXPECT_EQ(page.side2()(1, 1), 1);
+    EXPECT_EQ(page.side2()(1, 2), 4) << "what came in between is counted and not stored";
+    EXPECT_TRUE(take(page, run(43, '0') + "a").empty());
+
+    bTwoSides = false;
+    PageDecoderNCS without([&] { return bTwoSides; });
+    bTwoSides = true;
+    EXPECT_EQ(failureOf([&] { take(without, "b1"); }), FailureCode::SubscriptOutOfRange) << "no room was made for it";
 }
 
 TEST(PageDecoder, CountsPositionsIn16BitsAndRowsUpTo150)
 {
-    PageDecoderNCS page(false);
+    PageDecoderNCS page(kOneSide);
     for (int i = 0; i < 519; ++i)
         take(page, run(63, '0'));
     EXPECT_EQ(failureOf([&] { take(page, run(63, '0')); }), FailureCode::Overflow);
 
-    PageDecoderNCS rows(false);
+    PageDecoderNCS rows(kOneSide);
     for (int row = 1; row <= 150; ++row)
         EXPECT_TRUE(take(rows, "a" + run(48, '1')).empty());
     EXPECT_EQ(failureOf([&] { take(rows, "a1"); }), FailureCode::SubscriptOutOfRange);

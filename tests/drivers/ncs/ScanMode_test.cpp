@@ -17,6 +17,7 @@ TEST(ScanMode, NoneIsRefusedBehindTheDrain)
     EXPECT_EQ(bench.line->sent, "");
     ASSERT_EQ(bench.host->reports.size(), 1U);
     const ErrorReport& report = bench.host->reports[0];
+    EXPECT_EQ(report.ErrorNumber, 286);
     EXPECT_EQ(report.ErrorDescription, VBLM_RTString(286));
     EXPECT_EQ(report.ErrorTitle, VBLM_RTString(288));
     EXPECT_EQ(report.ErrorSource, "basNCS.SetScanModeNCS");

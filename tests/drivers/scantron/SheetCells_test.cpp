@@ -23,16 +23,16 @@ struct Along {
     Int16 gap = 1;
 };
 
-clsKELReaderWindow windowOf(Along rows, Along columns, Int16 orientation)
+Reference<clsKELReaderWindow> windowOf(Along rows, Along columns, Int16 orientation)
 {
-    clsKELReaderWindow window;
-    window.StartRow(rows.start);
-    window.NumRows(rows.count);
-    window.RowGap(rows.gap);
-    window.StartCol(columns.start);
-    window.NumCols(columns.count);
-    window.ColGap(columns.gap);
-    window.Orientation(orientation);
+    auto window = makeReference<clsKELReaderWindow>();
+    window->StartRow(rows.start);
+    window->NumRows(rows.count);
+    window->RowGap(rows.gap);
+    window->StartCol(columns.start);
+    window->NumCols(columns.count);
+    window->ColGap(columns.gap);
+    window->Orientation(orientation);
     return window;
 }
 
@@ -87,23 +87,40 @@ TEST(WindowCells, HaveNumbersOf16Bits)
     EXPECT_EQ(positionInWindow(-32768, 181, 181), -188);
 }
 
+TEST(WindowCells, ALineIsAsLongAsTheWindowSaysWhenItBegins)
+{
+    const auto window = windowOf({.count = 3}, {.count = 2}, 1);
+    WindowCellsST cells(window);
+    Places places;
+    while (const auto cell = cells.next()) {
+        places.emplace_back(cell->row, cell->column);
+        if (cell->row == 1) {
+            window->NumCols(1);  // from row 2 on
+            window->NumRows(2);  // settled when the window began
+            window->StartCol(9); // so is where it lies
+            window->Orientation(0);
+        }
+    }
+    EXPECT_THAT(places, ElementsAre(std::pair(1, 1), std::pair(1, 2), std::pair(2, 1), std::pair(3, 1)));
+}
+
 TEST(PageSide, RowsHave48ColumnsWhateverTheArrayHas)
 {
     MarkArray marks(2, 50);
-    PageSideST side(marks, 48);
+    PageSideST side(marks);
     EXPECT_EQ(side.lastRow(), 0);
     for (int i = 0; i < 48; ++i)
-        side.store('1');
+        side.store(1);
     EXPECT_EQ(side.lastRow(), 1);
     EXPECT_EQ(side.nextRow(), 2);
-    side.store(' ');
+    side.store(-16);
     EXPECT_EQ(side.lastRow(), 2);
     EXPECT_EQ(marks(1, 48), 1);
     EXPECT_EQ(marks(1, 49), 0);
     EXPECT_EQ(marks(2, 1), -16);
 
     MarkArray narrow(2, 3);
-    PageSideST narrowSide(narrow, 0);
+    PageSideST narrowSide(narrow);
     for (int i = 0; i < 3; ++i)
         narrowSide.store(255);
     EXPECT_EQ(failureOf([&] { narrowSide.store(255); }), FailureCode::SubscriptOutOfRange);

@@ -50,6 +50,7 @@ protected:
     void expectFault(TextNumber text, TextNumber title, const std::string& procedure)
     {
         ASSERT_EQ(reports().size(), 1U);
+        EXPECT_EQ(reports()[0].ErrorNumber, text.value());
         EXPECT_EQ(reports()[0].ErrorDescription, VBLM_RTString(text));
         EXPECT_EQ(reports()[0].ErrorTitle, VBLM_RTString(title));
         EXPECT_EQ(reports()[0].ErrorType, kErrorTypeReader);
