@@ -4,6 +4,7 @@
 #include "com/LateBoundErrorLibrary.h"
 #include "com/LateBoundErrorObject.h"
 #include "com/Registration.h"
+#include "com/ScriptingDictionary.h"
 #include "com/Server.h"
 #include "failure/basError.h"
 #include "platform/NamedObjects.h"
@@ -44,6 +45,7 @@ BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, void*)
     if (reason == DLL_PROCESS_ATTACH) {
         kel::com::moduleLoaded(instance);
         kel::setObjectCreator(&kel::com::createRegisteredErrorLibrary);
+        kel::setDictionaryObjectCreator(&kel::com::newScriptingDictionary);
     }
     return TRUE;
 }

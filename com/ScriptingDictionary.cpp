@@ -1,7 +1,7 @@
 #include "com/ScriptingDictionary.h"
 
 #include "com/LateBound.h"
-#include "contract/Dictionary.h"
+#include "types/Reference.h"
 
 #include <array>
 #include <limits>
@@ -28,18 +28,20 @@ struct AsVariant {
 
 } // namespace
 
-ComPtr<IDispatch> newScriptingDictionary()
+std::shared_ptr<DictionaryObject> newScriptingDictionary()
 {
     CLSID classID;
     ComPtr<IDispatch> object;
     if (FAILED(CLSIDFromProgID(L"Scripting.Dictionary", &classID)) ||
         FAILED(CoCreateInstance(classID, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, object.outVoid())))
         throw RuntimeFailure(kCannotCreateObject, "ActiveX component can't create object");
-    return object;
+    return std::make_shared<ScriptingDictionary>(std::move(object));
 }
 
-void fillScriptingDictionary(const ComPtr<IDispatch>& object, const Dictionary& record)
+ComPtr<IDispatch> filledScriptingDictionary(const Dictionary& record)
 {
+    const Reference<DictionaryObject> own = objectOf(record);
+    ComPtr<IDispatch> object = static_cast<const ScriptingDictionary&>(*own).object();
     const LateBound dictionary(object);
     dictionary.call(L"RemoveAll", {});
     dictionary.put(L"CompareMode", OleVariant::of(record.CompareMode()));
@@ -49,6 +51,7 @@ void fillScriptingDictionary(const ComPtr<IDispatch>& object, const Dictionary& 
         const std::array entry{std::visit(AsVariant{}, keys[index]), std::visit(AsVariant{}, items[index])};
         dictionary.call(L"Add", entry);
     }
+    return object;
 }
 
 } // namespace kel::com

@@ -1,19 +1,28 @@
 #pragma once
 
 #include "com/ComPtr.h"
+#include "contract/DictionaryObject.h"
 
 #include <oaidl.h>
 
-namespace kel {
-class Dictionary;
-}
+#include <utility>
 
 namespace kel::com {
 
-/// A new `Scripting.Dictionary` of the system; failure 429 where it cannot be created.
-[[nodiscard]] ComPtr<IDispatch> newScriptingDictionary();
+/// A `Scripting.Dictionary` of the system: what a host of another language takes for a record.
+class ScriptingDictionary final : public DictionaryObject {
+public:
+    explicit ScriptingDictionary(ComPtr<IDispatch> object) : object_(std::move(object)) {}
+    [[nodiscard]] const ComPtr<IDispatch>& object() const { return object_; }
 
-/// Puts what a record holds into a scripting dictionary in the place of what that holds.
-void fillScriptingDictionary(const ComPtr<IDispatch>& object, const Dictionary& record);
+private:
+    ComPtr<IDispatch> object_;
+};
+
+/// A new one; failure 429 where the system cannot create it.
+[[nodiscard]] std::shared_ptr<DictionaryObject> newScriptingDictionary();
+
+/// The scripting dictionary of a record, holding what the record holds in the place of what it held before.
+[[nodiscard]] ComPtr<IDispatch> filledScriptingDictionary(const Dictionary& record);
 
 } // namespace kel::com

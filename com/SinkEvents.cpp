@@ -85,7 +85,6 @@ void SinkEvents::raiseWithFlag(DISPID event, Boolean& flag)
 
 void SinkEvents::BeforeSheet(Boolean& bInitializePrinter)
 {
-    record_ = nullptr;
     raiseWithFlag(kBeforeSheet, bInitializePrinter);
 }
 
@@ -105,7 +104,6 @@ void SinkEvents::ReadSheet(MarkArray& iSide1Array, MarkArray& iSide2Array, TextA
 
 void SinkEvents::AfterSheet(Boolean& bCancelScan)
 {
-    record_ = nullptr;
     raiseWithFlag(kAfterSheet, bCancelScan);
 }
 
@@ -124,12 +122,8 @@ void SinkEvents::TranslateData(Dictionary& oData, MarkArray& iSide1Array, MarkAr
 {
     if (sinks_.isEmpty())
         return;
-    if (!record_)
-        record_ = newScriptingDictionary();
-    fillScriptingDictionary(record_, oData);
-
     // A sink that puts another object there has it for the sinks behind it.
-    IDispatch* record = ComPtr<IDispatch>(record_).detach();
+    IDispatch* record = filledScriptingDictionary(oData).detach();
     SheetArrays sheet(iSide1Array, iSide2Array, sBarcodeArray);
     Flag needsMoreData(bNeedsMoreData);
     const std::array arguments{byReference(VT_DISPATCH, &record), sheet.side1(), sheet.side2(), sheet.barcodes(),

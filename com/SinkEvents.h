@@ -32,7 +32,6 @@ private:
 
     EventSinks& sinks_;
     SheetArrays* underWay_ = nullptr; // those of a ReadSheet
-    ComPtr<IDispatch> record_;        // one for all records of a read
 };
 
 } // namespace kel::com

@@ -1,7 +1,8 @@
-#include "contract/Dictionary.h"
+#include "contract/DictionaryObject.h"
 
 #include "types/Text.h"
 
+#include <atomic>
 #include <cstddef>
 #include <map>
 
@@ -10,6 +11,8 @@ namespace kel {
 namespace {
 
 constexpr Int32 kElementNotFound = 32811;
+
+std::atomic<DictionaryObjectCreator> objectCreator = nullptr;
 
 } // namespace
 
@@ -35,6 +38,7 @@ struct Dictionary::Fields {
     Int32 lCompareMode = kBinaryCompare;
     std::vector<Entry> entries;
     std::map<DictionaryKey, std::size_t> positions; // by the comparable form of the key
+    std::shared_ptr<DictionaryObject> object;
 };
 
 DictionaryKey Dictionary::Fields::comparable(const DictionaryKey& key) const
@@ -147,6 +151,24 @@ void Dictionary::RemoveAll()
 {
     fields_->entries.clear();
     fields_->positions.clear();
+}
+
+void setDictionaryObjectCreator(DictionaryObjectCreator creator)
+{
+    objectCreator = creator;
+}
+
+Dictionary newDictionary()
+{
+    Dictionary dictionary;
+    if (const DictionaryObjectCreator create = objectCreator)
+        dictionary.fields_->object = create();
+    return dictionary;
+}
+
+std::shared_ptr<DictionaryObject> objectOf(const Dictionary& dictionary)
+{
+    return dictionary.fields_->object;
 }
 
 } // namespace kel

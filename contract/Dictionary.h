@@ -6,11 +6,14 @@
 #include "types/Numbers.h"
 #include "types/SourceLocation.h"
 
+#include <memory>
 #include <string>
 #include <variant>
 #include <vector>
 
 namespace kel {
+
+class DictionaryObject;
 
 /// A key of a dictionary: a whole number or a text. The number 1 and the text "1" are two keys.
 using DictionaryKey = std::variant<Int32, std::string>;
@@ -66,6 +69,9 @@ public:
     void RemoveAll();
 
 private:
+    friend Dictionary newDictionary();
+    friend std::shared_ptr<DictionaryObject> objectOf(const Dictionary& dictionary);
+
     struct Fields;
     Hidden<Fields> fields_;
 };

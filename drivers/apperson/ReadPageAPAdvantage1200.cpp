@@ -1,3 +1,4 @@
+#include "contract/DictionaryObject.h"
 #include "contract/DictionaryVariant.h"
 #include "drivers/apperson/DataLines.h"
 #include "drivers/apperson/basApperson.h"
@@ -19,8 +20,11 @@ bool collectLine(ReaderContract& oReader, Advantage1200LineAP& line)
         DoEvents();
         if (oReader.CancelScan())
             return false;
-        if (oReader.fComm().mscComm().InBufferCount() > 0 && line.take(takeByte(oReader), oReader.ReaderGrade()))
-            return true;
+        if (oReader.fComm().mscComm().InBufferCount() > 0) {
+            const Byte bData = takeByte(oReader);
+            if (line.take(bData, oReader.ReaderGrade()))
+                return true;
+        }
     }
 }
 
@@ -37,6 +41,7 @@ Boolean ReadPageAPAdvantage1200(ReaderContract& oReader)
     const auto variables =
         KEL_PARAMETERS(oReader) + KEL_LOCALS(oDataDict, iSide1Arr, iSide2Arr, sBarcodeArr, bNeedsMoreData);
     guarded(kReadPage, variables, [&] {
+        oDataDict = newDictionary();
         oDataDict.CompareMode(kTextCompare);
         Advantage1200LineAP line(oDataDict);
 

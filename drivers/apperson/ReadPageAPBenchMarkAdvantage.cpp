@@ -1,3 +1,4 @@
+#include "contract/DictionaryObject.h"
 #include "contract/DictionaryVariant.h"
 #include "drivers/apperson/AppersonDialogue.h"
 #include "drivers/apperson/DataLines.h"
@@ -18,8 +19,8 @@ bool startSheets(ReaderContract& oReader)
 {
     oReader.fComm().mscComm().Output("B1");
     switch (waitForReply(oReader)) {
-    case Wait::Cancelled: reportReaderFault(kReadPage, 198, kReadTitle); return false;
-    case Wait::TimedOut: reportReaderFault(kReadPage, 200, kReadTitle); return false;
+    case Wait::Cancelled: reportNumberedFault(kReadPage, 198, kReadTitle); return false;
+    case Wait::TimedOut: reportNumberedFault(kReadPage, 200, kReadTitle); return false;
     case Wait::Reply: break;
     }
     oReader.fComm().mscComm().InputLen(1);
@@ -54,6 +55,7 @@ Boolean ReadPageAPBenchMarkAdvantage(ReaderContract& oReader)
     const auto variables =
         KEL_PARAMETERS(oReader) + KEL_LOCALS(oDataDict, iSide1Arr, iSide2Arr, sBarcodeArr, bNeedsMoreData);
     guarded(kReadPage, variables, [&] {
+        oDataDict = newDictionary();
         oDataDict.CompareMode(kTextCompare);
         if (!bAPReaderStarted && !startSheets(oReader))
             return;

@@ -1,5 +1,7 @@
 #include "AppersonTest.h"
 
+#include "contract/DictionaryObject.h"
+
 namespace kel::apperson_test {
 namespace {
 
@@ -265,6 +267,53 @@ TEST_F(LineReaders, Advantage1200SheetIsNotReadWhenTheHostFails)
     EXPECT_EQ(told()[0].source, "basApperson.ReadPageAPAdvantage1200");
     EXPECT_EQ(told()[0].number, 457);
     expectNothingStored();
+}
+
+/// The system's dictionaries, for as long as this lives.
+class SystemDictionaries {
+public:
+    explicit SystemDictionaries(DictionaryObjectCreator creator) { setDictionaryObjectCreator(creator); }
+    ~SystemDictionaries() { setDictionaryObjectCreator(nullptr); }
+    SystemDictionaries(const SystemDictionaries&) = delete;
+    SystemDictionaries& operator=(const SystemDictionaries&) = delete;
+};
+
+TEST_F(LineReaders, WithoutDictionariesInTheSystemTheReaderIsNotTouched)
+{
+    const SystemDictionaries none([]() -> std::shared_ptr<DictionaryObject> {
+        throw RuntimeFailure(429, "ActiveX component can't create object");
+    });
+    const char* const procedures[] = {"basApperson.ReadPageAPBenchMarkAdvantage",
+                                      "basApperson.ReadPageAPAdvantage1200"};
+    const char* const* procedure = procedures;
+    for (const kelReaderType model : {kBench, k1200}) {
+        open(model, "");
+        EXPECT_EQ(ReadPageAP(*session), False);
+        EXPECT_THAT(told(), ElementsAre(Told{*procedure++, 429, 0, "ActiveX component can't create object", ""}));
+        EXPECT_EQ(machine.line(1).sent(), "");
+        EXPECT_EQ(bAPReaderStarted, False);
+        EXPECT_THAT(host->records, IsEmpty());
+        expectNothingStored();
+        expectPlayed();
+    }
+}
+
+TEST_F(LineReaders, ARecordIsOneObjectOfTheSystemAReadThrough)
+{
+    const SystemDictionaries ours([] { return std::make_shared<DictionaryObject>(); });
+    std::vector<std::shared_ptr<DictionaryObject>> objects;
+    open(k1200,
+         from(line1200("0000000001", "A,")) + from(line1200("0000000002", "B,")) + from(line1200("0000000003", "C,")));
+    host->onTranslateData = [&](Dictionary& oData, MarkArray&, MarkArray&, TextArray&, Boolean& bNeedsMoreData) {
+        objects.push_back(objectOf(oData));
+        bNeedsMoreData = objects.size() == 1;
+    };
+    EXPECT_EQ(ReadPageAP(*session), True);
+    EXPECT_EQ(ReadPageAP(*session), True);
+    ASSERT_EQ(objects.size(), 3U);
+    EXPECT_NE(objects[0], nullptr);
+    EXPECT_EQ(objects[1], objects[0]) << "the second line of a sheet";
+    EXPECT_NE(objects[2], objects[0]) << "the next sheet";
 }
 
 TEST_F(LineReaders, Advantage1200LineWithoutEndFails)
