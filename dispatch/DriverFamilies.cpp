@@ -106,12 +106,17 @@ constexpr DriverFamily kEzData = {
     .Read = ReadPageNCSEZ,
     .Reject = [](ReaderContract& oReader) { RejectPageNCSEZ(oReader, oReader.Rejecter()); },
     .Eject = [](ReaderContract& oReader, Boolean& bSheetEjected) { bSheetEjected = RejectPageNCSEZ(oReader, False); },
+    .Locate = LocateReaderNCSEZ,
+    .Firmware = FirmwareVersionNCSEZ,
 };
 
+// These reply to the probe and to the firmware query of the EZData.
 constexpr DriverFamily kChatsworth = {
     .Init = InitReaderCT,
     .Close = [](ReaderContract&) { return True; },
     .Read = ReadPageCT,
+    .Locate = kEzData.Locate,
+    .Firmware = kEzData.Firmware,
 };
 
 constexpr DriverFamily kChatsworthAls = {
@@ -120,6 +125,8 @@ constexpr DriverFamily kChatsworthAls = {
     .Read = ReadPageCT,
     .Reject = [](ReaderContract& oReader) { RejectPageCT(oReader, oReader.Rejecter()); },
     .Eject = [](ReaderContract& oReader, Boolean& bSheetEjected) { bSheetEjected = RejectPageCT(oReader, False); },
+    .Locate = kEzData.Locate,
+    .Firmware = kEzData.Firmware,
 };
 
 constexpr DriverFamily kApperson = {

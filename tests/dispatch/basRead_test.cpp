@@ -242,6 +242,13 @@ TEST(DriverFamiliesTest, ModelsThatDecideOnASheet)
     EXPECT_THAT(modelsWith([](const DriverFamily& family) { return family.Eject != nullptr; }), deciding);
 }
 
+TEST(DriverFamiliesTest, ModelsThatAreSearchedForAndTellTheirFirmware)
+{
+    const auto probed = ElementsAre(20, 21, 22, 23, 35, 37, 41);
+    EXPECT_THAT(modelsWith([](const DriverFamily& family) { return family.Locate != nullptr; }), probed);
+    EXPECT_THAT(modelsWith([](const DriverFamily& family) { return family.Firmware != nullptr; }), probed);
+}
+
 TEST(DriverFamiliesTest, RejectingOnAModelThatCannotSendsNothingButCounts)
 {
     for (const kelReaderType eType : {kelReaderTypeChatsworthACP200, kelReaderTypeScantron8000}) {
