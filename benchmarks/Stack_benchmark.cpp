@@ -59,7 +59,7 @@ void Stack_TextLookUp(benchmark::State& state)
     SimulatedPlatform machine;
     const PlatformScope scope(machine);
     for (auto _ : state)
-        benchmark::DoNotOptimize(VBLM_RTString(TextNumber(154)));
+        benchmark::DoNotOptimize(VBLM_RTString(text::kOkButton));
 }
 BENCHMARK(Stack_TextLookUp);
 

@@ -20,9 +20,9 @@ void reportPortOutOfRange(Int16 iPort)
 {
     DisplayError({.ErrorNumber = static_cast<Int32>(FailureCode::InvalidPortNumber),
                   .ErrorType = kErrorTypeSettings,
-                  .ErrorDescription = replaceAll(VBLM_RTString(TextNumber(368)), "%1", CStr(iPort)),
+                  .ErrorDescription = replaceAll(VBLM_RTString(text::kPortNotAllowed), "%1", CStr(iPort)),
                   .ErrorSource = "KELReader81 - basRead.ReaderInit",
-                  .ErrorTitle = VBLM_RTString(TextNumber(370))});
+                  .ErrorTitle = VBLM_RTString(text::kPortNotAllowedTitle)});
 }
 
 } // namespace

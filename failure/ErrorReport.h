@@ -22,7 +22,7 @@ enum ErrorType : Int32 {
 /// host takes it as it comes and makes none itself.
 struct ErrorReport {
     Int32 LineNumber = 0;  ///< number of the failing statement; 0 for a failure that the code itself detected
-    Int32 ErrorNumber = 0; ///< number of the run-time failure, or the reader's own; 0 if there is none
+    Int32 ErrorNumber = 0; ///< number of the run-time failure, the reader's own, or the message's; 0 if none
     Int32 ErrorType = kErrorTypeReader;
     std::string ErrorDescription{}; ///< the failure's text
     std::string ErrorSource{};      ///< "KELReader81 - basScantron.InitReaderST"; reported without the component's name

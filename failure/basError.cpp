@@ -29,13 +29,13 @@ RegisteredObject& registered()
 
 std::string asText(const ErrorReport& report)
 {
-    return VBLM_RTString(TextNumber(246)) + CStr(report.ErrorNumber) + ": " + report.ErrorDescription +
-           VBLM_RTString(TextNumber(248)) + report.ErrorSource;
+    return VBLM_RTString(text::kReportError) + CStr(report.ErrorNumber) + ": " + report.ErrorDescription +
+           VBLM_RTString(text::kReportSource) + report.ErrorSource;
 }
 
 void showBox(const std::string& text)
 {
-    platform().screen().MsgBox(text, BoxIcon::Exclamation, BoxButtons::Ok, VBLM_RTString(TextNumber(250)));
+    platform().screen().MsgBox(text, BoxIcon::Exclamation, BoxButtons::Ok, VBLM_RTString(text::kReportTitle));
 }
 
 void nameSource(ErrorReport& report)
@@ -43,7 +43,7 @@ void nameSource(ErrorReport& report)
     if (report.ErrorSource.starts_with(kSourcePrefix))
         report.ErrorSource.erase(0, kSourcePrefix.size());
     if (report.LineNumber > 0)
-        report.ErrorSource += VBLM_RTString(TextNumber(244)) + CStr(report.LineNumber);
+        report.ErrorSource += VBLM_RTString(text::kReportLine) + CStr(report.LineNumber);
 }
 
 /// Hands a report to the host's object under the report's own `Silent`, if it has one.
@@ -66,8 +66,8 @@ void raise(ErrorObject& object, const ErrorReport& report, Int16& iResult)
 
 void tellThatReportFailed(const RuntimeFailure& failure, const ErrorReport& report)
 {
-    showBox(VBLM_RTString(TextNumber(252)) + "(#" + CStr(failure.number()) + ") " + failure.text() +
-            std::string(kLineEnd) + VBLM_RTString(TextNumber(254)) + asText(report));
+    showBox(VBLM_RTString(text::kReportNotDelivered) + "(#" + CStr(failure.number()) + ") " + failure.text() +
+            std::string(kLineEnd) + VBLM_RTString(text::kReportFirst) + asText(report));
 }
 
 } // namespace

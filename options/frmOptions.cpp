@@ -114,38 +114,38 @@ void frmOptions::Form_Load()
 
 void frmOptions::VBLM_SetProperties()
 {
-    Caption(VBLM_RTString(TextNumber(102)));
-    lblTitle.Caption(VBLM_RTString(TextNumber(102)));
-    cmdDefaults.Caption(VBLM_RTString(TextNumber(104)));
-    lblSubtitle.Caption(VBLM_RTString(TextNumber(106)));
-    frmReader.Caption(VBLM_RTString(TextNumber(108)));
-    chkFeeder.Caption(VBLM_RTString(TextNumber(110)));
-    chkDuplex.Caption(VBLM_RTString(TextNumber(112)));
-    chkRejecter.Caption(VBLM_RTString(TextNumber(114)));
-    chkReaderGrade.Caption(VBLM_RTString(TextNumber(116)));
-    chkBarcode.Caption(VBLM_RTString(TextNumber(118)));
-    chkPrinter.Caption(VBLM_RTString(TextNumber(120)));
-    chkWindowing.Caption(VBLM_RTString(TextNumber(122)));
-    lblMarkDiscrimination.Caption(VBLM_RTString(TextNumber(124)));
-    lblReaderTimeout.Caption(VBLM_RTString(TextNumber(126)));
-    lblRecognitionThreshold.Caption(VBLM_RTString(TextNumber(128)));
-    lblSystemPause.Caption(VBLM_RTString(TextNumber(130)));
-    lblMarkCutOff.Caption(VBLM_RTString(TextNumber(132)));
-    frmComPort.Caption(VBLM_RTString(TextNumber(134)));
-    cmdLocate.Caption(VBLM_RTString(TextNumber(136)));
-    lblPort.Caption(VBLM_RTString(TextNumber(142)));
-    lblStopBits.Caption(VBLM_RTString(TextNumber(144)));
-    lblParity.Caption(VBLM_RTString(TextNumber(146)));
-    lblDataBits.Caption(VBLM_RTString(TextNumber(148)));
-    lblBaud.Caption(VBLM_RTString(TextNumber(150)));
-    lblFlowControl.Caption(VBLM_RTString(TextNumber(152)));
-    cmdOK.Caption(VBLM_RTString(TextNumber(154)));
-    cmdCancel.Caption(VBLM_RTString(TextNumber(156)));
-    lblReaderType.Caption(VBLM_RTString(TextNumber(158)));
+    Caption(VBLM_RTString(text::kReaderSettings));
+    lblTitle.Caption(VBLM_RTString(text::kReaderSettings));
+    cmdDefaults.Caption(VBLM_RTString(text::kDefaultsButton));
+    lblSubtitle.Caption(VBLM_RTString(text::kSettingsAdvice));
+    frmReader.Caption(VBLM_RTString(text::kReaderOptions));
+    chkFeeder.Caption(VBLM_RTString(text::kFeederCaption));
+    chkDuplex.Caption(VBLM_RTString(text::kDuplexCaption));
+    chkRejecter.Caption(VBLM_RTString(text::kRejecterCaption));
+    chkReaderGrade.Caption(VBLM_RTString(text::kReaderGradeCaption));
+    chkBarcode.Caption(VBLM_RTString(text::kBarcodeCaption));
+    chkPrinter.Caption(VBLM_RTString(text::kPrinterCaption));
+    chkWindowing.Caption(VBLM_RTString(text::kWindowingCaption));
+    lblMarkDiscrimination.Caption(VBLM_RTString(text::kMarkDiscriminationCaption));
+    lblReaderTimeout.Caption(VBLM_RTString(text::kTimeoutCaption));
+    lblRecognitionThreshold.Caption(VBLM_RTString(text::kRecognitionThresholdCaption));
+    lblSystemPause.Caption(VBLM_RTString(text::kSystemPauseCaption));
+    lblMarkCutOff.Caption(VBLM_RTString(text::kMarkCutOffCaption));
+    frmComPort.Caption(VBLM_RTString(text::kSerialPortCaption));
+    cmdLocate.Caption(VBLM_RTString(text::kLocateButton));
+    lblPort.Caption(VBLM_RTString(text::kPortCaption));
+    lblStopBits.Caption(VBLM_RTString(text::kStopBitsCaption));
+    lblParity.Caption(VBLM_RTString(text::kParityCaption));
+    lblDataBits.Caption(VBLM_RTString(text::kDataBitsCaption));
+    lblBaud.Caption(VBLM_RTString(text::kBaudRateCaption));
+    lblFlowControl.Caption(VBLM_RTString(text::kFlowControlCaption));
+    cmdOK.Caption(VBLM_RTString(text::kOkButton));
+    cmdCancel.Caption(VBLM_RTString(text::kCancelButton));
+    lblReaderType.Caption(VBLM_RTString(text::kModelCaption));
     for (PowerCombo* const list : {&cboPort, &cboBaud, &cboDataBits, &cboStopBits})
-        list->Prompt(VBLM_RTString(TextNumber(138)));
+        list->Prompt(VBLM_RTString(text::kChooseValue));
     for (PowerCombo* const list : {&cboParity, &cboFlowControl})
-        list->Prompt(VBLM_RTString(TextNumber(140)));
+        list->Prompt(VBLM_RTString(text::kChooseSetting));
 }
 
 void frmOptions::RepositionControls()

@@ -89,13 +89,13 @@ void frmOptions::cmdLocate_Click()
         screen.MousePointer(kMousePointerHourglass);
         const BorrowedSettings borrowed(reader(), own);
         if (locateWithDialogValues(iPortIndex, iStartPort, iPortLocated)) {
-            screen.MsgBox(VBLM_RTString(TextNumber(160)) + cboPort.Text(), BoxIcon::Information, BoxButtons::Ok,
-                          VBLM_RTString(TextNumber(162)));
+            screen.MsgBox(VBLM_RTString(text::kReaderFoundAtPort) + cboPort.Text(), BoxIcon::Information,
+                          BoxButtons::Ok, VBLM_RTString(text::kReaderFoundTitle));
             borrowed.restore();
         } else {
             borrowed.restore();
-            screen.MsgBox(VBLM_RTString(TextNumber(164)), BoxIcon::Exclamation, BoxButtons::Ok,
-                          VBLM_RTString(TextNumber(166)));
+            screen.MsgBox(VBLM_RTString(text::kReaderNotFound), BoxIcon::Exclamation, BoxButtons::Ok,
+                          VBLM_RTString(text::kReaderNotFoundTitle));
         }
         screen.MousePointer(kMousePointerDefault);
     });

@@ -84,8 +84,8 @@ void frmOptions::cboReaderType_SelChangeEx(Int32 PreviousRowNum, Int32 CurrentRo
             cboPort.Width(cboBaud.Width() - cmdLocate.Width() - kLocateGap);
         else
             cboPort.Width(cboBaud.Width());
-        chkReaderGrade.Caption(gradesMarks(CStr(eReaderType)) ? VBLM_RTString(TextNumber(168))
-                                                              : VBLM_RTString(TextNumber(170)));
+        chkReaderGrade.Caption(gradesMarks(CStr(eReaderType)) ? VBLM_RTString(text::kMarkGradingCaption)
+                                                              : VBLM_RTString(text::kGradingCaption));
 
         setState(chkReaderGrade, profile()->ReaderGrade(), profile()->ReaderGradeEnabled(),
                  profile()->ReaderGradeVisible());
@@ -160,8 +160,8 @@ void frmOptions::chkReaderGrade_Click()
         lock(lblRecognitionThreshold, txtRecognitionThreshold, kGradingRecognitionThreshold);
         lock(lblMarkDiscrimination, txtMarkDiscrimination, kGradingMarkDiscrimination);
         if (bEnabled && !bLoadingValues_)
-            platform().screen().MsgBox(VBLM_RTString(TextNumber(172)), BoxIcon::Information, BoxButtons::Ok,
-                                       VBLM_RTString(TextNumber(108)));
+            platform().screen().MsgBox(VBLM_RTString(text::kReaderNoLongerGrades), BoxIcon::Information, BoxButtons::Ok,
+                                       VBLM_RTString(text::kReaderOptions));
     });
 }
 

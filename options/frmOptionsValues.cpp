@@ -217,8 +217,8 @@ void frmOptions::cmdOK_Click()
 {
     guarded("KELReader81 - frmOptions.cmdOK_Click", moduleOf(*this), [&] {
         if (cboPort.Enabled() && cboReaderType.CurrentRow() > 0 && cboPort.Text().empty()) {
-            platform().screen().MsgBox(VBLM_RTString(TextNumber(174)), BoxIcon::Exclamation, BoxButtons::Ok,
-                                       VBLM_RTString(TextNumber(176)));
+            platform().screen().MsgBox(VBLM_RTString(text::kNoPortChosen), BoxIcon::Exclamation, BoxButtons::Ok,
+                                       VBLM_RTString(text::kNoPortChosenTitle));
             return;
         }
         for (PowerEdit* const field : numberFields()) {

@@ -14,8 +14,8 @@ Behind it come sections; in a section
     Do: ...
 
 is the advice for the texts 438 and 446, which are continued by 440 and 442 and bear the title 188. A text that is no
-number of the language database stands in quotes. "## failure 8002" is about a run-time failure. The section "Numbers
-that are no messages" excuses numbers of a source file that happen to be numbers of texts.
+number of the language database stands in quotes. "## failure 8002" is about a run-time failure. The section "Texts that
+are no messages" excuses texts of a source file that are no messages.
 
 With --check nothing is written, and pages that are not up to date are a problem. Other problems are numbers without
 advice and advice without a number. Each problem is one line on standard error, and the exit status is 1.
@@ -34,11 +34,10 @@ from reader_facts import (
     english_texts,
     failure_texts,
     families_of_models,
-    named_numbers_in,
     need,
-    numbers_in,
     print_lines,
     sources_of,
+    text_names,
     usual_program,
 )
 
@@ -238,6 +237,7 @@ def models_by_family(models, families):
 
 def load_advice(root, families, texts, problems):
     """The advice of each page, compared with what its sources report."""
+    names = text_names(root)
     advised = {}
     for name in (*sorted(families), "common", "index"):
         path = root / "docs/readers/advice" / f"{name}.md"
@@ -246,11 +246,11 @@ def load_advice(root, families, texts, problems):
             continue
         advice = parse_advice(str(path), path.read_text(encoding="utf-8"), problems)
         if name in families:
-            check_sources(advice, sources_of(root, f"drivers/{name}"), numbers_in, texts, problems)
+            check_sources(advice, sources_of(root, f"drivers/{name}"), names, texts, problems)
         elif name == "common":
             messages = {number: texts[number] for number in texts if is_message(number) or number in advice.numbers()}
             sources = sources_of(root, "dispatch", "failure", "reader", "options")
-            check_sources(advice, sources, named_numbers_in, messages, problems)
+            check_sources(advice, sources, names, messages, problems)
         advised[name] = advice
     return advised
 

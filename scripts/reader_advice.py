@@ -3,9 +3,9 @@
 import re
 from typing import NamedTuple
 
-from reader_facts import literals_in
+from reader_facts import literals_in, numbers_in
 
-EXCUSES = "Numbers that are no messages"
+EXCUSES = "Texts that are no messages"
 
 FIELD = re.compile(r"^(When|Cause|Do): (.*?)(?=^(?:When|Cause|Do): |\Z)", re.MULTILINE | re.DOTALL)
 
@@ -104,16 +104,16 @@ def parse_advice(path, content, problems):
     return Advice(path, title, about, tuple(sections), excuses)
 
 
-def check_sources(advice, sources, find_numbers, texts, problems):
+def check_sources(advice, sources, names, texts, problems):
     """Whether the advice and what the sources report are about the same."""
     reported = set()
     literal = set()
     for path in sources:
         source = path.read_text(encoding="utf-8")
-        numbers = find_numbers(source, texts)
+        numbers = numbers_in(source, names) & texts.keys()
         excused = advice.excuses.get(path.name, set())
         for number in sorted(excused - numbers):
-            problems.append(f"{advice.path}: {path.name} has no number {number} that would have to be excused")
+            problems.append(f"{advice.path}: {path.name} does not name text {number}, which need not be excused")
         for number in sorted(numbers - excused - advice.numbers()):
             problems.append(f"{path}: text {number} has no advice in {advice.path}")
         reported |= numbers

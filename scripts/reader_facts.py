@@ -86,25 +86,19 @@ TOKENS = re.compile(
     r"""(?P<comment>//[^\n]*|/\*.*?\*/)|(?P<text>"(?:\\.|[^"\\\n])*")|(?P<character>'(?:\\[^'\n]*|[^'\\\n])')""",
     re.DOTALL,
 )
-# Figures that say themselves that they are none of a text: typed constants, pauses, intervals.
-NO_TEXT_NUMBER = re.compile(
-    r"\b(?:(?:Int16|Int32|Byte|std::size_t|auto) k?\w+ = \d+;|(?:Sleep|Interval)\(\d+\))"
-)
-# A number that says itself that it is one of a text.
-TEXT_NUMBER = re.compile(r"\bTextNumber(?: \w+ = |\()(\d+)\b")
+TEXT_NAME = re.compile(r"\btext::(k\w+)")
 LITERAL_REPORT = re.compile(r'report(?:Reader|Numbered)Fault\(((?:[^;"]|"(?:\\.|[^"\\])*")*?)\);', re.DOTALL)
 
 
-def named_numbers_in(source, texts):
-    """The numbers of a source that are written as numbers of texts."""
-    return {int(number) for number in TEXT_NUMBER.findall(source)} & texts.keys()
+def text_names(root):
+    """The numbers of the texts by their names."""
+    return {name: int(number) for number, name in re.findall(r"^(\d+) = (\w+)$", read(root, "strings/texts.names"), re.M)}
 
 
-def numbers_in(source, texts):
-    """All whole numbers of a source that are numbers of texts."""
-    plain = TOKENS.sub(lambda token: ' "" ' if token["text"] else " ", source)
-    plain = NO_TEXT_NUMBER.sub(" ", plain)
-    return {int(number) for number in re.findall(r"(?<![\w.])\d+(?![\w.])", plain)} & texts.keys()
+def numbers_in(source, names):
+    """The numbers of the texts that a source names."""
+    plain = TOKENS.sub(" ", source)
+    return {names[name] for name in TEXT_NAME.findall(plain) if name in names}
 
 
 def literals_in(source):

@@ -8,7 +8,8 @@
 
 namespace kel {
 
-/// The number of a text. A number that has no text in the languages' sources does not compile.
+/// The number of a text. A number that has no text in the languages' sources does not compile. Code uses the names in
+/// `kel::text` (TextNames.h).
 class TextNumber {
 public:
     consteval TextNumber(int number) : value_(number)

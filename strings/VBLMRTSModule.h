@@ -1,5 +1,7 @@
 #pragma once
 
+#include "TextNames.h" // generated from the list of names
+
 #include "strings/TextNumber.h"
 #include "types/Numbers.h"
 

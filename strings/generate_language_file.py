@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
-"""Generates the language database and the header of text numbers from the source texts.
+"""Generates the language database and the headers of text numbers and their names from the source texts.
 
-    generate_language_file.py --out LKELReader81.txt --header TextNumbers.h FILE...
+    generate_language_file.py --out LKELReader81.txt --header TextNumbers.h
+                              [--names texts.names --names-header TextNames.h] FILE...
 
 Each FILE holds the texts of one language. The language's name is the base name of the file, and the languages stand in
 the database in the order of the arguments; the first one is the language that is used when nothing else is chosen.
@@ -13,6 +14,8 @@ A source file is UTF-8. Lines that are blank or begin with "#" say nothing; ever
 
 Quotes around a text keep its leading and trailing blanks. "~~" is a line end, "&" marks the access key of a caption
 ("&&" is an ampersand), "%1" stands for a value that is filled in.
+
+The file of names has the same form, with the name of a constant in the place of the text; each number has one name.
 
 Nothing is written when the texts have a problem. Each problem is one line on standard error,
 "FILE:LINE: NUMBER: what is wrong", and the exit status is 1.
@@ -209,6 +212,34 @@ def check_access_keys(language, problems):
             problems.append(describe(language.path, entry.line, number, problem))
 
 
+def parse_names(path, language, problems):
+    """Returns the names of the texts by number."""
+    with open(path, encoding="utf-8") as file:
+        content = file.read()
+    names = {}
+    taken = {}
+    for line, source in enumerate(content.split("\n"), start=1):
+        source = source.strip()
+        if not source or source.startswith("#"):
+            continue
+        match = re.fullmatch(r"([1-9][0-9]*) = (k[A-Z][A-Za-z0-9]*)", source)
+        if not match:
+            problems.append(describe(path, line, "-", 'this is no entry of the form "354 = kStatusUnanswered"'))
+            continue
+        number, name = int(match[1]), match[2]
+        if number in names:
+            problems.append(describe(path, line, number, "the number has a name already"))
+        if name in taken:
+            problems.append(describe(path, line, number, f"{name} is the name of {taken[name]} already"))
+        if number not in language.entries:
+            problems.append(describe(path, line, number, f"{language.name} has no text for this number"))
+        names[number] = name
+        taken[name] = number
+    for number in sorted(language.entries.keys() - names.keys()):
+        problems.append(describe(language.path, language.entries[number].line, number, "the text has no name"))
+    return names
+
+
 def check(languages, problems):
     check_same_numbers(languages, problems)
     check_placeholders(languages, problems)
@@ -274,6 +305,23 @@ inline constexpr std::array<std::int32_t, {len(numbers)}> kTextNumbers{{{{
 """.encode("ascii")
 
 
+def names_header(names):
+    constants = "\n".join(f"inline constexpr TextNumber {name}{{{number}}};" for number, name in sorted(names.items()))
+    return f"""\
+// Generated from the list of names by generate_language_file.py. Changes made here are lost.
+#pragma once
+
+#include "strings/TextNumber.h"
+
+/// The texts by their names.
+namespace kel::text {{
+
+{constants}
+
+}}  // namespace kel::text
+""".encode("ascii")
+
+
 def write_if_changed(path, content):
     try:
         with open(path, "rb") as file:
@@ -289,16 +337,23 @@ def main(arguments=None):
     parser = argparse.ArgumentParser(description="Generates the language database and the header of text numbers.")
     parser.add_argument("--out", required=True, metavar="DATABASE", help="the database to write")
     parser.add_argument("--header", required=True, metavar="HEADER", help="the C++ header to write")
+    parser.add_argument("--names", metavar="NAMES", help="the names of the texts")
+    parser.add_argument("--names-header", metavar="HEADER", help="the C++ header of the names to write")
     parser.add_argument("files", nargs="+", metavar="FILE", help="the source texts of one language")
     options = parser.parse_args(arguments)
+    if bool(options.names) != bool(options.names_header):
+        parser.error("--names and --names-header go together")
 
     problems = []
     languages = load(options.files, problems)
     check(languages, problems)
+    names = parse_names(options.names, languages[0], problems) if options.names and languages else {}
     if not problems:
         try:
             write_if_changed(options.out, database(languages))
             write_if_changed(options.header, header(languages))
+            if options.names:
+                write_if_changed(options.names_header, names_header(names))
         except OSError as error:
             problems.append(describe(error.filename, 0, "-", f"the file can't be written: {error.strerror}"))
     for problem in problems:

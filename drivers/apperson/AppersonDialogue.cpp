@@ -9,12 +9,10 @@ constinit thread_local Boolean bAPReaderStarted = False;
 
 namespace {
 
-constexpr TextNumber kNotReadyTitle = 188;
-
 void reportNoReply(const char* source, const ExchangeFaultsAP& faults)
 {
     if (faults.timedOut)
-        reportNumberedFault(source, *faults.timedOut, kNotReadyTitle);
+        reportNumberedFault(source, *faults.timedOut, text::kNotReadyTitle);
     else
         reportReaderFault(source, "There was no response from Apperson scanner while initializing.",
                           "Initialize Error");
@@ -30,13 +28,13 @@ bool isOKAP(std::string_view sData)
 bool awaitOKAP(ReaderContract& oReader, const char* source, const ExchangeFaultsAP& faults, CollectRules rules)
 {
     switch (waitForReply(oReader)) {
-    case Wait::Cancelled: reportNumberedFault(source, faults.cancelled, kNotReadyTitle); return false;
+    case Wait::Cancelled: reportNumberedFault(source, faults.cancelled, text::kNotReadyTitle); return false;
     case Wait::TimedOut: reportNoReply(source, faults); return false;
     case Wait::Reply: break;
     }
     if (isOKAP(collectText(oReader, rules)))
         return true;
-    reportNumberedFault(source, faults.refused, kNotReadyTitle);
+    reportNumberedFault(source, faults.refused, text::kNotReadyTitle);
     return false;
 }
 

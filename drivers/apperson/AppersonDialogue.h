@@ -1,8 +1,8 @@
 #pragma once
 
+#include "TextNames.h"
 #include "drivers/apperson/RawBlock.h"
 #include "drivers/common/Dialogue.h"
-#include "strings/TextNumber.h"
 
 #include <optional>
 #include <string_view>
@@ -16,9 +16,9 @@ extern constinit thread_local Boolean bAPReaderStarted;
 /// What is reported when an exchange fails, all under one title. Without a number a missing reply is told in fixed
 /// words.
 struct ExchangeFaultsAP {
-    TextNumber cancelled = 186;
-    std::optional<TextNumber> timedOut = TextNumber(190);
-    TextNumber refused = 186;
+    TextNumber cancelled = text::kApStartRefused;
+    std::optional<TextNumber> timedOut = text::kApStartUnanswered;
+    TextNumber refused = text::kApStartRefused;
 };
 
 /// Whether a reply says that the reader has done what it was told. What follows the two letters says nothing.

@@ -9,7 +9,6 @@ namespace kel {
 namespace {
 
 constexpr const char* kReadPage = "KELReader81 - basApperson.ReadPageAPAdvantageLink";
-constexpr TextNumber kReaderErrorTitle = 194;
 
 /// Sends a command and collects the reader's reply. False when none came or the stop flag was set.
 bool ask(ReaderContract& oReader, std::string_view scmd, std::string& sData)
@@ -23,7 +22,7 @@ bool ask(ReaderContract& oReader, std::string_view scmd, std::string& sData)
 
 void reportAndDrain(ReaderContract& oReader, Int16 iErrCode)
 {
-    reportNumberedFault(kReadPage, iErrCode, ReturnErrorAP(iErrCode), VBLM_RTString(kReaderErrorTitle));
+    reportNumberedFault(kReadPage, iErrCode, ReturnErrorAP(iErrCode), VBLM_RTString(text::kApReaderErrorTitle));
     drainInputWithPauses(oReader);
 }
 

@@ -12,15 +12,18 @@ namespace kel {
 namespace {
 
 constexpr const char* kReadPage = "KELReader81 - basApperson.ReadPageAPBenchMarkAdvantage";
-constexpr TextNumber kReadTitle = 196;
 
 /// Tells the reader to send its sheets. Its reply is not read here: it comes as a short line before the first sheet.
 bool startSheets(ReaderContract& oReader)
 {
     oReader.fComm().mscComm().Output("B1");
     switch (waitForReply(oReader)) {
-    case Wait::Cancelled: reportNumberedFault(kReadPage, 198, kReadTitle); return false;
-    case Wait::TimedOut: reportNumberedFault(kReadPage, 200, kReadTitle); return false;
+    case Wait::Cancelled:
+        reportNumberedFault(kReadPage, text::kApReadCancelled, text::kSheetNotReadTitle);
+        return false;
+    case Wait::TimedOut:
+        reportNumberedFault(kReadPage, text::kApReadUnanswered, text::kSheetNotReadTitle);
+        return false;
     case Wait::Reply: break;
     }
     oReader.fComm().mscComm().InputLen(1);

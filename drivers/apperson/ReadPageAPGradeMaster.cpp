@@ -8,8 +8,6 @@ namespace kel {
 namespace {
 
 constexpr const char* kReadPage = "KELReader81 - basApperson.ReadPageAPGradeMaster";
-constexpr TextNumber kReaderErrorTitle = 194;
-constexpr TextNumber kSheetErrorTitle = 196;
 
 } // namespace
 
@@ -32,7 +30,7 @@ Boolean ReadPageAPGradeMaster(ReaderContract& oReader)
             return;
         if (block.status() != kStatusGradeMasterAP) {
             iErrCode = block.status();
-            reportNumberedFault(kReadPage, iErrCode, ReturnErrorAP(iErrCode), VBLM_RTString(kReaderErrorTitle));
+            reportNumberedFault(kReadPage, iErrCode, ReturnErrorAP(iErrCode), VBLM_RTString(text::kApReaderErrorTitle));
             drainInputWithPauses(oReader);
             return;
         }
@@ -42,7 +40,8 @@ Boolean ReadPageAPGradeMaster(ReaderContract& oReader)
         if (sBarcodeArr(1) == kErrorIdentifierGradeMasterAP) {
             iErrCode = errorNumberGradeMasterAP(block);
             if (iErrCode > 0)
-                reportNumberedFault(kReadPage, iErrCode, ReturnErrorAP(iErrCode), VBLM_RTString(kSheetErrorTitle));
+                reportNumberedFault(kReadPage, iErrCode, ReturnErrorAP(iErrCode),
+                                    VBLM_RTString(text::kSheetNotReadTitle));
             return;
         }
         if (sBarcodeArr(1) == kBlankIdentifierGradeMasterAP)

@@ -19,8 +19,9 @@ constexpr const char* kEjectPage = "KELReader81 - basApperson.EjectPageAP";
 
 // The steps of the start whose failures are told in other words than the usual.
 constexpr ExchangeFaultsAP kDoNotGradeFaults = {.timedOut = std::nullopt};
-constexpr ExchangeFaultsAP kSendToHostFaults = {.cancelled = 192, .refused = 192};
-constexpr ExchangeFaultsAP kModeFaults = {.cancelled = 192};
+constexpr ExchangeFaultsAP kSendToHostFaults = {.cancelled = text::kApSendToHostRefused,
+                                                .refused = text::kApSendToHostRefused};
+constexpr ExchangeFaultsAP kModeFaults = {.cancelled = text::kApSendToHostRefused};
 
 constexpr Int32 kModeReplyLength = 4;
 
@@ -118,7 +119,7 @@ Boolean CloseReaderAP(ReaderContract& oReader)
         bAPReaderStarted = False;
         oReader.fComm().mscComm().Output(closeCommand(oReader.ReaderType()));
         if (waitForReply(oReader, {.cancellable = false}) != Wait::Reply) {
-            reportNumberedFault(kCloseReader, 182, 184);
+            reportNumberedFault(kCloseReader, text::kApCloseUnanswered, text::kNotAnsweringTitle);
             return;
         }
         bResult = isOKAP(collectText(oReader, {.asBytes = true}));

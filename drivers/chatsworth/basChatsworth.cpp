@@ -17,7 +17,6 @@ namespace {
 constexpr const char* kInitReader = "KELReader81 - basChatsworth.InitReaderCT";
 constexpr const char* kReadPage = "KELReader81 - basChatsworth.ReadPageCT";
 constexpr const char* kRejectPage = "KELReader81 - basChatsworth.RejectPageCT";
-constexpr TextNumber kNoReplyTitle = 184;
 
 constexpr const char* kProbe = "\x12R7777I00E";
 constexpr const char* kStartOfSheet = "\x11";
@@ -73,7 +72,7 @@ bool setUp(ReaderContract& oReader, ExchangeCT& exchange, const char* letters)
     sendCommand(oReader, exchange, letters);
     if (waitForCarriageReturn(oReader, exchange.sData, false) == Wait::Reply)
         return true;
-    reportNumberedFault(kInitReader, 234, kNoReplyTitle);
+    reportNumberedFault(kInitReader, text::kCtSetUpUnanswered, text::kNotAnsweringTitle);
     return false;
 }
 
@@ -83,7 +82,7 @@ bool startByByte(ReaderContract& oReader, ExchangeCT& exchange)
     send(oReader, exchange, kStartOfSheet);
     if (waitForReply(oReader, {.cancellable = false}) == Wait::Reply)
         return true;
-    reportNumberedFault(kReadPage, 236, 238);
+    reportNumberedFault(kReadPage, text::kCtSheetNotSent, text::kCtNoSheetTitle);
     return false;
 }
 
@@ -92,7 +91,7 @@ bool startFramed(ReaderContract& oReader, ExchangeCT& exchange)
     send(oReader, exchange, frameCommand("E"));
     const Wait wait = waitForCarriageReturn(oReader, exchange.sData, true);
     if (wait == Wait::TimedOut)
-        reportNumberedFault(kReadPage, 240, kNoReplyTitle);
+        reportNumberedFault(kReadPage, text::kReadUnanswered, text::kNotAnsweringTitle);
     return wait == Wait::Reply;
 }
 
@@ -107,7 +106,7 @@ bool startFed(ReaderContract& oReader, ExchangeCT& exchange)
         if (oReader.fComm().mscComm().InBufferCount() > 0)
             sData += oReader.fComm().mscComm().Input();
         if (!oReader.fComm().tmrScan().Enabled()) {
-            reportNumberedFault(kReadPage, 240, kNoReplyTitle);
+            reportNumberedFault(kReadPage, text::kReadUnanswered, text::kNotAnsweringTitle);
             return false;
         }
     }
@@ -193,7 +192,7 @@ Boolean RejectPageCT(ReaderContract& oReader, Boolean bRejectHopper)
     guarded(kRejectPage, KEL_PARAMETERS(oReader, bRejectHopper) + KEL_LOCALS(exchange), [&] {
         send(oReader, exchange, frameCommand(bRejectHopper ? "EF" : "ER"));
         if (waitForReply(oReader, {.cancellable = false}) != Wait::Reply) {
-            reportNumberedFault(kRejectPage, 242, kNoReplyTitle);
+            reportNumberedFault(kRejectPage, text::kCtRejectUnanswered, text::kNotAnsweringTitle);
             return;
         }
         exchange.sData = collectText(oReader, {.pauseWhenEmpty = true});

@@ -6,7 +6,7 @@ namespace kel {
 
 bool failNCSEZ(const char* source, TextNumber message)
 {
-    reportNumberedFault(source, message, 292);
+    reportNumberedFault(source, message, text::kEzTitle);
     return false;
 }
 

@@ -43,12 +43,12 @@ Boolean ReadPageNCSEZ(ReaderContract& oReader)
         Sleep(500);
         lWaiting = oReader.fComm().mscComm().InBufferCount();
         if (lWaiting != kReplyLength) {
-            constexpr TextNumber kWrongLength = 340;
-            reportNumberedFault(kReadPage, kWrongLength.value(), VBLM_RTString(kWrongLength) + CStr(lWaiting),
-                                VBLM_RTString(TextNumber(292)));
+            reportNumberedFault(kReadPage, text::kEzReadUnanswered.value(),
+                                VBLM_RTString(text::kEzReadUnanswered) + CStr(lWaiting), VBLM_RTString(text::kEzTitle));
             return;
         }
-        if (!commandTakenNCSEZ(oReader, kReadPage, {.refused = 336, .unknown = 338}, sData))
+        if (!commandTakenNCSEZ(oReader, kReadPage,
+                               {.refused = text::kEzReadRefused, .unknown = text::kEzReadUnexpected}, sData))
             return;
 
         while (!bPageRead) {
@@ -79,10 +79,11 @@ Boolean RejectPageNCSEZ(ReaderContract& oReader, Boolean bRejectHopper)
         oReader.fComm().mscComm().Output(frameCommand(bRejectHopper ? "EF" : "ER"));
         Sleep(200);
         if (oReader.fComm().mscComm().InBufferCount() != kReplyLength) {
-            failNCSEZ(kRejectPage, 346);
+            failNCSEZ(kRejectPage, text::kEzRejectUnanswered);
             return;
         }
-        if (!commandTakenNCSEZ(oReader, kRejectPage, {.refused = 342, .unknown = 344}, sData))
+        if (!commandTakenNCSEZ(oReader, kRejectPage,
+                               {.refused = text::kEzRejectRefused, .unknown = text::kEzRejectUnexpected}, sData))
             return;
         if (bRejectHopper)
             Sleep(1000);

@@ -1,5 +1,7 @@
 #include "drivers/ezdata/basNCSEZData.h"
 
+#include "TextNames.h"
+
 #include "drivers/common/Dialogue.h"
 #include "drivers/common/PackedMarks.h"
 #include "drivers/ezdata/EZDataDialogue.h"
@@ -56,12 +58,14 @@ bool readConfiguration(ReaderContract& oReader, StartNCSEZ& start)
     oReader.fComm().mscComm().Output(frameCommand("GETCONFIG"));
     Sleep(100);
     if (oReader.fComm().mscComm().InBufferCount() != kConfigurationLength)
-        return failNCSEZ(kInitReader, 304);
+        return failNCSEZ(kInitReader, text::kEzConfigurationUnanswered);
     if (!takeConfiguration(oReader, start.sReturn))
         return false;
     if (oReader.fComm().mscComm().InBufferCount() != kAfterConfiguration)
-        return failNCSEZ(kInitReader, 302);
-    if (!commandTakenNCSEZ(oReader, kInitReader, {.refused = 298, .unknown = 300}, start.sData))
+        return failNCSEZ(kInitReader, text::kEzConfigurationLength);
+    if (!commandTakenNCSEZ(oReader, kInitReader,
+                           {.refused = text::kEzConfigurationRefused, .unknown = text::kEzConfigurationUnexpected},
+                           start.sData))
         return false;
     DoEvents();
     return !oReader.CancelScan();
@@ -71,13 +75,13 @@ bool readConfiguration(ReaderContract& oReader, StartNCSEZ& start)
 bool correctConfiguration(ReaderContract& oReader, const std::string& sConfiguration)
 {
     if (Mid(sConfiguration, 1, 2) != "22")
-        return failNCSEZ(kInitReader, 306);
+        return failNCSEZ(kInitReader, text::kEzConfigurationFormat);
     if (Mid(sConfiguration, 4, 2) != "03" && !SetValuesNCSEZ(oReader, "SETFLAGS03", Chr(3)))
         return false;
     if (Mid(sConfiguration, 7, 2) != "80" && !SetValuesNCSEZ(oReader, "SETTMCH0", "0"))
         return false;
     if (Mid(sConfiguration, 13, 3) != "INL")
-        return failNCSEZ(kInitReader, 308);
+        return failNCSEZ(kInitReader, text::kEzReadingMode);
     if (!CheckThresholdNCSEZ(oReader.RecognitionThreshold(), Mid(sConfiguration, 16, 2))) {
         const std::string sThreshold = CStr(oReader.RecognitionThreshold());
         if (!SetValuesNCSEZ(oReader, "SETTHRESH" + sThreshold, sThreshold))
@@ -95,7 +99,8 @@ void askStatus(ReaderContract& oReader)
 bool takeStatus(ReaderContract& oReader, StartNCSEZ& start)
 {
     start.iStatus = Asc(oReader.fComm().mscComm().Input());
-    return commandTakenNCSEZ(oReader, kInitReader, {.refused = 310, .unknown = 312}, start.sData);
+    return commandTakenNCSEZ(oReader, kInitReader,
+                             {.refused = text::kEzStatusRefused, .unknown = text::kEzStatusUnexpected}, start.sData);
 }
 
 /// Takes out a sheet that lies in the path, and a second one that shows behind it.
@@ -142,17 +147,17 @@ Boolean InitReaderNCSEZ(ReaderContract& oReader)
 
         askStatus(oReader);
         if (oReader.fComm().mscComm().InBufferCount() != kStatusLength) {
-            failNCSEZ(kInitReader, 318);
+            failNCSEZ(kInitReader, text::kEzStatusUnanswered);
             return;
         }
         if (!takeStatus(oReader, start) || !clearPath(oReader, start))
             return;
         if (start.iStatus & kStatusFault)
-            failNCSEZ(kInitReader, 314);
+            failNCSEZ(kInitReader, text::kEzStatusFault);
         else if (start.iStatus & kStatusReady)
             bResult = True;
         else
-            failNCSEZ(kInitReader, 316);
+            failNCSEZ(kInitReader, text::kEzNotReady);
     });
     return bResult;
 }
@@ -176,10 +181,11 @@ Boolean CloseReaderNCSEZ(ReaderContract& oReader)
         oReader.fComm().mscComm().Output(frameCommand("D"));
         Sleep(100);
         if (oReader.fComm().mscComm().InBufferCount() != kEndLength) {
-            failNCSEZ(kCloseReader, 296);
+            failNCSEZ(kCloseReader, text::kEzCloseUnanswered);
             return;
         }
-        bResult = letterTakenNCSEZ(oReader, kCloseReader, {.refused = 290, .unknown = 294}, sData);
+        bResult = letterTakenNCSEZ(oReader, kCloseReader,
+                                   {.refused = text::kEzCloseRefused, .unknown = text::kEzCloseUnexpected}, sData);
     });
     return bResult;
 }
@@ -197,11 +203,13 @@ Boolean SetValuesNCSEZ(ReaderContract& oReader, const std::string& sExecCmd, con
         oReader.fComm().mscComm().InputLen(1);
         send(sExecCmd);
         Sleep(200);
-        if (!takeChange(oReader, sReturn, 326, 324, {.refused = 320, .unknown = 322}, sData))
+        if (!takeChange(oReader, sReturn, text::kEzSettingUnanswered, text::kEzSettingEcho,
+                        {.refused = text::kEzSettingRefused, .unknown = text::kEzSettingUnexpected}, sData))
             return;
         send("CHECKSUM");
         Sleep(200);
-        if (!takeChange(oReader, "P", 334, 332, {.refused = 328, .unknown = 330}, sData))
+        if (!takeChange(oReader, "P", text::kEzStoreUnanswered, text::kEzStoreEcho,
+                        {.refused = text::kEzStoreRefused, .unknown = text::kEzStoreUnexpected}, sData))
             return;
         send("RESET");
         Sleep(1500);

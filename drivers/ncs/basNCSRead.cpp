@@ -13,7 +13,6 @@ namespace {
 
 constexpr const char* kReadPage = "KELReader81 - basNCS.ReadPageNCS";
 constexpr const char* kStartOfSheet = "\x11";
-constexpr TextNumber kSilenceTitle = 184;
 
 /// Waits for the first byte of a sheet: for as long as it takes where the reader grades or the operator feeds, within
 /// the time-out where the feeder does. The stop flag counts in the untimed wait alone.
@@ -22,7 +21,7 @@ bool sheetComes(ReaderContract& oReader)
     const bool bTimed = oReader.Feeder() && !oReader.ReaderGrade();
     const Wait wait = waitForReply(oReader, {.cancellable = !bTimed, .timed = bTimed});
     if (wait == Wait::TimedOut)
-        reportNumberedFault(kReadPage, 274, kSilenceTitle);
+        reportNumberedFault(kReadPage, text::kNcsSheetNotSent, text::kNotAnsweringTitle);
     return wait == Wait::Reply;
 }
 
@@ -31,19 +30,19 @@ bool byteComes(ReaderContract& oReader)
 {
     if (waitForReply(oReader, {.cancellable = false}) == Wait::Reply)
         return true;
-    reportNumberedFault(kReadPage, 240, kSilenceTitle);
+    reportNumberedFault(kReadPage, text::kReadUnanswered, text::kNotAnsweringTitle);
     return false;
 }
 
 void reportRowFault(const PageDecoderNCS::RowFault& fault)
 {
-    const TextNumber message = fault.side == 1 ? TextNumber(276) : TextNumber(284);
+    const TextNumber message = fault.side == 1 ? text::kNcsWrongRowOfSide1 : text::kNcsWrongRowOfSide2;
     std::string sText = VBLM_RTString(message);
     sText.append(kLineEnd).append(kLineEnd);
-    sText += VBLM_RTString(TextNumber(278)) + CStr(fault.positions);
+    sText += VBLM_RTString(text::kNcsPositionsReceived) + CStr(fault.positions);
     sText.append(kLineEnd);
-    sText += VBLM_RTString(TextNumber(280)) + CStr(fault.rowsCompletedBefore);
-    reportNumberedFault(kReadPage, message.value(), sText, VBLM_RTString(TextNumber(282)));
+    sText += VBLM_RTString(text::kNcsRowsCompleted) + CStr(fault.rowsCompletedBefore);
+    reportNumberedFault(kReadPage, message.value(), sText, VBLM_RTString(text::kNcsWrongRowTitle));
 }
 
 /// Takes bytes until the page ends. False when the reader has fallen silent within it.

@@ -22,9 +22,6 @@ constexpr const char* kPrint = "KELReader81 - basNCS.PrintNCS";
 constexpr const char* kRejectPage = "KELReader81 - basNCS.RejectPageNCS";
 constexpr const char* kEjectPage = "KELReader81 - basNCS.EjectPageNCS";
 
-constexpr TextNumber kNoReport = 256;
-constexpr TextNumber kNoReportTitle = 184;
-
 constexpr const char* kStart = "\x11";
 constexpr const char* kEject = "\x12";
 constexpr const char* kReject = "\x1B\x12";
@@ -52,8 +49,10 @@ struct StatusFault {
 };
 
 // Only the first that is set is reported.
-constexpr StatusFault kStatusFaults[] = {
-    {1, 0x02, 258, 260}, {1, 0x01, 262, 264}, {2, 0x08, 266, 268}, {2, 0x04, 270, 272}};
+constexpr StatusFault kStatusFaults[] = {{1, 0x02, text::kNcsFaultByte1Bit02, text::kNcsFaultByte1Bit02Title},
+                                         {1, 0x01, text::kNcsFaultByte1Bit01, text::kNcsFaultByte1Bit01Title},
+                                         {2, 0x08, text::kNcsFaultByte2Bit08, text::kReaderFaultTitle},
+                                         {2, 0x04, text::kNcsFaultByte2Bit04, text::kNcsFaultByte2Bit04Title}};
 
 // Of the session of this thread: the reader's driver status letter, and the scan mode found at the start.
 thread_local std::string sNCSAsyncCommDriverStatus;
@@ -80,7 +79,7 @@ bool query(ReaderContract& oReader, const char* command, Int32 length, const cha
     oReader.fComm().mscComm().Output(command);
     if (waitForReply(oReader, {.minimumCount = length, .cancellable = false}) == Wait::Reply)
         return true;
-    reportNumberedFault(source, kNoReport, kNoReportTitle);
+    reportNumberedFault(source, text::kNcsStateUnanswered, text::kNotAnsweringTitle);
     return false;
 }
 
@@ -109,7 +108,7 @@ Boolean InitReaderNCS(ReaderContract& oReader)
                 if (!GetScanModeNCS(oReader, eMode))
                     return;
                 if (lIndex > kMostPolls) {
-                    reportNumberedFault(kInitReader, kNoReport, kNoReportTitle);
+                    reportNumberedFault(kInitReader, text::kNcsStateUnanswered, text::kNotAnsweringTitle);
                     return;
                 }
             }
@@ -201,7 +200,7 @@ Boolean SetScanModeNCS(ReaderContract& oReader, eScanMode eMode)
     guarded(kSetScanMode, KEL_PARAMETERS(oReader, eMode) + KEL_LOCALS(sCmd), [&] {
         drainInput(oReader);
         if (eMode == eScanModeNone) {
-            reportNumberedFault(kSetScanMode, 286, 288);
+            reportNumberedFault(kSetScanMode, text::kNcsScanModeUnknown, text::kNcsScanModeUnknownTitle);
             return;
         }
         sCmd = "e";

@@ -19,10 +19,6 @@ constexpr const char* kReadPage = "KELReader81 - basPeripheralDynamics.ReadPageP
 constexpr const char* kRejectPage = "KELReader81 - basPeripheralDynamics.RejectPagePD";
 constexpr const char* kEjectPage = "KELReader81 - basPeripheralDynamics.EjectPagePD";
 
-constexpr TextNumber kThresholdTitle = 350;
-constexpr TextNumber kStatusTitle = 356;
-constexpr TextNumber kReadTitle = 196;
-
 // Status byte 1
 constexpr Int16 kSheetUnderWay = 0x20;
 constexpr Int16 kWantsD = 0x10;
@@ -36,7 +32,8 @@ struct StatusFault {
 };
 
 // Only the first that is set is reported.
-constexpr StatusFault kStatusFaults[] = {{0x02, 358}, {0x01, 360}, {0x40, 362}};
+constexpr StatusFault kStatusFaults[] = {
+    {0x02, text::kPdFaultBit02}, {0x01, text::kPdFaultBit01}, {0x40, text::kPdFaultBit40}};
 
 constexpr Byte kPageStart = 0x0A;
 constexpr Byte kPageEnd = 0x0D;
@@ -85,10 +82,10 @@ bool startPage(ReaderContract& oReader, Int16& iStatusByte1, Int16& iStatusByte2
 
 void reportRowOverrun(ReaderContract& oReader)
 {
-    std::string sText = VBLM_RTString(TextNumber(364));
+    std::string sText = VBLM_RTString(text::kPdTooManyRows);
     sText.append(kLineEnd).append(kLineEnd).append("\t");
-    sText += VBLM_RTString(TextNumber(366)) + CStr(oReader.SleepTime());
-    reportReaderFault(kReadPage, sText, VBLM_RTString(kReadTitle));
+    sText += VBLM_RTString(text::kPdSystemPause) + CStr(oReader.SleepTime());
+    reportReaderFault(kReadPage, sText, VBLM_RTString(text::kSheetNotReadTitle));
 }
 
 } // namespace
@@ -140,18 +137,18 @@ Boolean SetRecThresholdPD(ReaderContract& oReader, Int32 lSleepTime)
         oReader.fComm().mscComm().Output("+");
         Sleep(checkedMultiply(lSleepTime, 5));
         if (!replyComes(oReader, 2)) {
-            reportReaderFault(kSetRecThreshold, 348, kThresholdTitle);
+            reportReaderFault(kSetRecThreshold, text::kPdThresholdUnanswered, text::kPdThresholdTitle);
             return;
         }
 
         iHigh = thresholdHighDigitPD(oReader.fComm().mscComm().Input());
         if (iHigh < 0) {
-            reportReaderFault(kSetRecThreshold, 352, kThresholdTitle);
+            reportReaderFault(kSetRecThreshold, text::kPdThresholdInvalid, text::kPdThresholdTitle);
             return;
         }
         iLow = thresholdLowDigitPD(oReader.fComm().mscComm().Input());
         if (iLow < 0) {
-            reportReaderFault(kSetRecThreshold, 352, kThresholdTitle);
+            reportReaderFault(kSetRecThreshold, text::kPdThresholdInvalid, text::kPdThresholdTitle);
             return;
         }
         drainInput(oReader);
@@ -180,7 +177,7 @@ Boolean CheckStatusPD(ReaderContract& oReader, Int16& iStatusByte1, Int16& iStat
         oReader.fComm().mscComm().Output("Q");
         Sleep(checkedMultiply(oReader.SleepTime(), 5));
         if (!replyComes(oReader, 3)) {
-            reportReaderFault(kCheckStatus, 354, kStatusTitle);
+            reportReaderFault(kCheckStatus, text::kPdStatusUnanswered, text::kPdStatusTitle);
             return;
         }
 
@@ -189,7 +186,7 @@ Boolean CheckStatusPD(ReaderContract& oReader, Int16& iStatusByte1, Int16& iStat
         iStatusByte2 = takeCode(oReader);
         for (const StatusFault& fault : kStatusFaults) {
             if (iStatusByte1 & fault.bit) {
-                reportReaderFault(kCheckStatus, fault.message, kStatusTitle);
+                reportReaderFault(kCheckStatus, fault.message, text::kPdStatusTitle);
                 EjectPagePD(oReader);
                 return;
             }

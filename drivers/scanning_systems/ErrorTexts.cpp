@@ -1,5 +1,7 @@
 #include "drivers/scanning_systems/ErrorTexts.h"
 
+#include "TextNames.h"
+
 #include <algorithm>
 #include <span>
 
@@ -14,26 +16,32 @@ struct ErrorText {
 
 // The models without emulation modes: SR-410 and SR-430.
 constexpr ErrorText kPlainErrors[] = {
-    {"49", {384}},  {"50", {386}},  {"51", {388}},  {"54", {390}},  {"58", {392}},
-    {"64", {394}},  {"68", {396}},  {"80", {398}},  {"81", {400}},  {"112", {402}},
-    {"113", {402}}, {"115", {402}}, {"116", {402}}, {"117", {402}}, {"118", {402}},
+    {"49", {text::kSsFault49}},        {"50", {text::kSsFault50}},        {"51", {text::kSsFault51}},
+    {"54", {text::kSsFault54}},        {"58", {text::kSsFault58}},        {"64", {text::kSsFault64}},
+    {"68", {text::kSsFault68}},        {"80", {text::kSsFault80}},        {"81", {text::kSsFault81}},
+    {"112", {text::kSsFault112To118}}, {"113", {text::kSsFault112To118}}, {"115", {text::kSsFault112To118}},
+    {"116", {text::kSsFault112To118}}, {"117", {text::kSsFault112To118}}, {"118", {text::kSsFault112To118}},
 };
 
 constexpr ErrorText kErrorsBelowMode2[] = {
-    {"49", {398}},
-    {"50", {404}},
-    {"52", {394}},
-    {"54", {406}},
+    {"49", {text::kSsFault80}},
+    {"50", {text::kSsFault50BelowMode2}},
+    {"52", {text::kSsFault64}},
+    {"54", {text::kSsFault51To54}},
 };
 
 constexpr ErrorText kErrorsOfMode2[] = {
-    {"49", {398}}, {"50", {408}}, {"52", {394}}, {"53", {406}},
-    {"54", {390}}, {"57", {410}}, {"58", {392}}, {"60", {412}},
+    {"49", {text::kSsFault80}},     {"50", {text::kSsFault50OfMode2}}, {"52", {text::kSsFault64}},
+    {"53", {text::kSsFault51To54}}, {"54", {text::kSsFault54}},        {"57", {text::kSsFault57Or68}},
+    {"58", {text::kSsFault58}},     {"60", {text::kSsFault60}},
 };
 
 constexpr ErrorText kErrorsAboveMode2[] = {
-    {"49", {414}}, {"50", {416}}, {"51", {406}}, {"52", {392}}, {"54", {390}},
-    {"64", {394}}, {"68", {410}}, {"80", {398}}, {"81", {400}}, {"119", {418, TextNumber(420)}},
+    {"49", {text::kSsFault49AboveMode2}}, {"50", {text::kSsFault50AboveMode2}},
+    {"51", {text::kSsFault51To54}},       {"52", {text::kSsFault58}},
+    {"54", {text::kSsFault54}},           {"64", {text::kSsFault64}},
+    {"68", {text::kSsFault57Or68}},       {"80", {text::kSsFault80}},
+    {"81", {text::kSsFault81}},           {"119", {text::kSsFaultCode, text::kSsFaultAfterCode}},
 };
 
 std::span<const ErrorText> errorTable(kelReaderType eReaderType, Int16 iEmulationMode)

@@ -27,7 +27,9 @@ std::string SendCommandSS(ReaderContract& oReader, const std::string& sCmd, Bool
         oReader.fComm().mscComm().Output(sCmd);
         switch (waitForReply(oReader)) {
         case Wait::Cancelled: return;
-        case Wait::TimedOut: reportReaderFault(kSendCommand, 426, 184); return;
+        case Wait::TimedOut:
+            reportReaderFault(kSendCommand, text::kSsQueryUnanswered, text::kNotAnsweringTitle);
+            return;
         case Wait::Reply: break;
         }
 

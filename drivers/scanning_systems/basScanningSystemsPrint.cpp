@@ -16,8 +16,6 @@ constexpr const char* kRejectPrint = "KELReader81 - basScanningSystems.RejectPri
 // A print that was cancelled is reported under this procedure's name.
 constexpr const char* kCancelledPrint = "KELReader81 - basScanningSystems.ReadWindowsSS";
 
-constexpr TextNumber kPrintTitle = 184;
-
 constexpr const char* kNoPrintFollows = "?F\r";
 constexpr const char* kPrintStatus = "?P\r";
 
@@ -26,7 +24,7 @@ bool ask(ReaderContract& oReader, const char* command, const char* source, TextN
 {
     oReader.fComm().mscComm().Output(command);
     if (waitForReply(oReader, {.cancellable = false}) != Wait::Reply) {
-        reportReaderFault(source, onSilence, kPrintTitle);
+        reportReaderFault(source, onSilence, text::kNotAnsweringTitle);
         return false;
     }
     sCmd = collectText(oReader, {.pauseWhenEmpty = true});
@@ -52,14 +50,14 @@ Boolean PrintSS(ReaderContract& oReader, Boolean bAbort)
         if (oReader.Printer().isNothing())
             return;
         if (bAbort) {
-            static_cast<void>(ask(oReader, kNoPrintFollows, kCancelledPrint, 422, sCmd));
+            static_cast<void>(ask(oReader, kNoPrintFollows, kCancelledPrint, text::kSsPrintCancelUnanswered, sCmd));
             return;
         }
         oReader.fComm().mscComm().Output(settingSS("P32" + formatZeros(oReader.Printer()->Distance(), 3)));
         sendLine(oReader, "0", oReader.Printer()->Buffer1());
         sendLine(oReader, "1", oReader.Printer()->Buffer2());
         sendLine(oReader, "2", oReader.Printer()->Buffer3());
-        if (ask(oReader, kPrintStatus, kPrint, 424, sCmd))
+        if (ask(oReader, kPrintStatus, kPrint, text::kSsPrintUnanswered, sCmd))
             bResult = Right(sCmd, 1) == "0";
     });
     return bResult;

@@ -21,8 +21,6 @@ constexpr const char* kReadEntirePage = "KELReader81 - basScanningSystems.ReadEn
 constexpr const char* kReadWindows = "KELReader81 - basScanningSystems.ReadWindowsSS";
 constexpr const char* kAddToArray = "KELReader81 - basScanningSystems.AddToArraySS";
 
-constexpr TextNumber kReadTitle = 196;
-
 constexpr Int32 kPageColumns = 48;
 
 bool wantsBarcode(ReaderContract& oReader)
@@ -40,7 +38,7 @@ bool dataComes(ReaderContract& oReader, const char* source)
 {
     if (waitForReply(oReader, {.cancellable = false}) == Wait::Reply)
         return true;
-    reportReaderFault(source, 380, kReadTitle);
+    reportReaderFault(source, text::kSsDataUnanswered, text::kSheetNotReadTitle);
     return false;
 }
 
@@ -120,7 +118,7 @@ bool readSide(ReaderContract& oReader, const PageSide& side, MarkArray& marks)
             step = reply.take(bData, side.letters(oReader));
             // The value that follows goes to the column before, and the read goes on.
             if (step == PageStepSS::WrongColumn)
-                reportReaderFault(kReadEntirePage, 382, kReadTitle);
+                reportReaderFault(kReadEntirePage, text::kSsWrongColumn, text::kSheetNotReadTitle);
             if (oReader.fComm().mscComm().InBufferCount() == 0)
                 Sleep(oReader.SleepTime());
         }

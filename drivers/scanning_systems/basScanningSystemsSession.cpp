@@ -18,8 +18,6 @@ namespace {
 
 constexpr const char* kInitReader = "KELReader81 - basScanningSystems.InitReaderSS";
 
-constexpr TextNumber kStartTitle = 376;
-
 constexpr Int32 kFirstZone = 1;
 constexpr Int32 kRejecterPosition = 6;
 
@@ -37,7 +35,7 @@ bool replyComes(ReaderContract& oReader)
 {
     if (waitForReply(oReader, {.cancellable = false}) == Wait::Reply)
         return true;
-    reportReaderFault(kInitReader, 374, kStartTitle);
+    reportReaderFault(kInitReader, text::kSsStartUnanswered, text::kNotStartedTitle);
     return false;
 }
 
@@ -109,7 +107,7 @@ Boolean InitReaderSS(ReaderContract& oReader)
         // The last byte is the reply, whatever else the reset has brought up.
         start.sData = Right(collectText(oReader), 1);
         if (Asc(start.sData) != kAckSS) {
-            reportReaderFault(kInitReader, 378, kStartTitle);
+            reportReaderFault(kInitReader, text::kSsResetUnconfirmed, text::kNotStartedTitle);
             return;
         }
 

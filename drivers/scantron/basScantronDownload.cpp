@@ -24,8 +24,8 @@ struct SideTexts {
     TextNumber name;
 };
 
-constexpr SideTexts kSide1 = {1, 438, 438, 442};
-constexpr SideTexts kSide2 = {2, 450, 446, 448};
+constexpr SideTexts kSide1 = {1, text::kStAreaRefused, text::kStAreaRefused, text::kStSide1};
+constexpr SideTexts kSide2 = {2, text::kStWindowOfSide2Refused, text::kStSide2Refused, text::kStSide2};
 
 /// The models that take their threshold at the start, a form of column definitions, and send raw values.
 bool isColumnModel(kelReaderType eReaderType)
@@ -44,7 +44,7 @@ bool send(ReaderContract& oReader, const std::string& sCmd, Describe&& describe)
 {
     if (SendCommandST(oReader, sCmd))
         return true;
-    reportReaderFault(kDownloadForm, describe(), VBLM_RTString(TextNumber(188)));
+    reportReaderFault(kDownloadForm, describe(), VBLM_RTString(text::kNotReadyTitle));
     return false;
 }
 
@@ -58,7 +58,7 @@ std::string placeOf(TextNumber failed, const SideTexts& texts, Int16 iSheetIndex
 {
     std::string sText = VBLM_RTString(failed);
     sText.append(kLineEnd).append(kLineEnd);
-    sText += VBLM_RTString(TextNumber(440)) + CStr(iSheetIndex);
+    sText += VBLM_RTString(text::kStSheetOfForm) + CStr(iSheetIndex);
     sText.append(kLineEnd);
     return sText + VBLM_RTString(texts.name);
 }
@@ -77,7 +77,7 @@ bool sendWindow(ReaderContract& oReader, const clsKELReaderWindow& cWindow, cons
     return send(oReader, windowDefinitionST(texts.side, cWindow, sent.fields), [&] {
         std::string sText = placeOf(texts.windowFailed, texts, iSheetIndex);
         sText.append(kLineEnd);
-        return sText + VBLM_RTString(TextNumber(444)) + CStr(sent.lIndex);
+        return sText + VBLM_RTString(text::kStReadWindow) + CStr(sent.lIndex);
     });
 }
 
@@ -136,7 +136,8 @@ Boolean DownloadFormST(ReaderContract& oReader)
     guarded(kDownloadForm, variables, [&] {
         const bool bColumnModel = isColumnModel(oReader.ReaderType());
         iRecognitionOffset = bColumnModel ? 0 : 48;
-        if (bColumnModel && !send(oReader, thresholdCommandST(oReader.RecognitionThreshold()), 434))
+        if (bColumnModel &&
+            !send(oReader, thresholdCommandST(oReader.RecognitionThreshold()), text::kStThresholdRefused))
             return;
 
         iSide1RowsArr = oReader.Side1Rows();
@@ -147,7 +148,8 @@ Boolean DownloadFormST(ReaderContract& oReader)
         for (iSheetIndex = 1; iSheetIndex <= lSheets; ++iSheetIndex) {
             const bool bTwoSides = oReader.Duplex() && oReader.DuplexForm();
             const Int16 iSide2Rows = bTwoSides ? iSide2RowsArr(iSheetIndex) : Int16{0};
-            if (!send(oReader, formStartST(iSide1RowsArr(iSheetIndex), iSide2Rows, iSide1ColsArr(iSheetIndex)), 436))
+            if (!send(oReader, formStartST(iSide1RowsArr(iSheetIndex), iSide2Rows, iSide1ColsArr(iSheetIndex)),
+                      text::kStFormStartRefused))
                 return;
 
             if (isPageMode(oReader) ? !sendPage(oReader, iSide1RowsArr, iSide1ColsArr, kSide1, iSheetIndex)
@@ -158,7 +160,7 @@ Boolean DownloadFormST(ReaderContract& oReader)
                                         : !sendWindowsOfSide2(oReader, iSheetIndex, sent))
                     return;
             }
-            if (!send(oReader, formEndST(), 452))
+            if (!send(oReader, formEndST(), text::kStFormEndRefused))
                 return;
         }
         bResult = True;

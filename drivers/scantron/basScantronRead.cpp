@@ -14,7 +14,6 @@ namespace {
 
 constexpr const char* kReadPage = "KELReader81 - basScantron.ReadPageST";
 constexpr const char* kReadWindows = "KELReader81 - basScantron.ReadWindowsST";
-constexpr TextNumber kReadTitle = 196;
 
 /// What differs between the two ways of reading at the start of a sheet.
 struct ReadStart {
@@ -26,8 +25,10 @@ struct ReadStart {
 constexpr const char* kReadKeepingSheet = "READ 5 Y E";
 
 constexpr ReadStart kPageStart = {
-    kReadPage, [](const ReaderContract& oReader) { return oReader.Rejecter() ? kReadKeepingSheet : "READ 5 Y"; }, 454};
-constexpr ReadStart kWindowsStart = {kReadWindows, [](const ReaderContract&) { return kReadKeepingSheet; }, 458};
+    kReadPage, [](const ReaderContract& oReader) { return oReader.Rejecter() ? kReadKeepingSheet : "READ 5 Y"; },
+    text::kStPageNotSent};
+constexpr ReadStart kWindowsStart = {kReadWindows, [](const ReaderContract&) { return kReadKeepingSheet; },
+                                     text::kStWindowsNotSent};
 
 /// Waits for a sheet in the feeder (one look) or in the hand of the operator (until the stop flag).
 bool sheetIsReady(ReaderContract& oReader)
@@ -57,7 +58,7 @@ bool startTransfer(ReaderContract& oReader, const ReadStart& start)
     oReader.fComm().mscComm().Output(frameST(start.command(oReader)));
     const Wait wait = waitForReply(oReader);
     if (wait == Wait::TimedOut)
-        reportReaderFault(start.source, start.noReply, kReadTitle);
+        reportReaderFault(start.source, start.noReply, text::kSheetNotReadTitle);
     if (wait != Wait::Reply) {
         ClearBufferST(oReader);
         return false;
@@ -71,7 +72,7 @@ bool transferOutlasted(ReaderContract& oReader, const char* source)
 {
     if (oReader.fComm().tmrScan().Enabled())
         return false;
-    reportReaderFault(source, 456, kReadTitle);
+    reportReaderFault(source, text::kStTransferTooLong, text::kSheetNotReadTitle);
     ClearBufferST(oReader);
     return true;
 }

@@ -23,10 +23,6 @@ constexpr const char* kCheckStatusMisspelt = "KELReader81 - basScantron.heckStat
 constexpr const char* kPrint = "KELReader81 - basScantron.PrintST";
 constexpr const char* kRejectPage = "KELReader81 - basScantron.RejectPageST";
 
-constexpr TextNumber kNoReply = 428;
-constexpr TextNumber kResetTitle = 184;
-constexpr TextNumber kStatusTitle = 188;
-
 constexpr std::size_t kStatusLength = 12;
 // Bits of the status block's position 9
 constexpr Int16 kStatusFault40 = 0x40;
@@ -41,20 +37,20 @@ ScantronReady judgeStatus(const std::string& sStatus, Int16& iPos8)
     const char position2 = sStatus[1];
     const char position3 = sStatus[2];
     if (position2 == '1' && position3 == ' ')
-        reportReaderFault(kCheckStatusMisspelt, 460, kStatusTitle);
+        reportReaderFault(kCheckStatusMisspelt, text::kStFault1, text::kNotReadyTitle);
     else if (position2 == '2')
-        reportReaderFault(kCheckStatus, VBLM_RTString(TextNumber(462)) + CStr(Int32{position2}),
-                          VBLM_RTString(TextNumber(464)));
+        reportReaderFault(kCheckStatus, VBLM_RTString(text::kStFaultOfStatus) + CStr(Int32{position2}),
+                          VBLM_RTString(text::kStStatusTitle));
     if (position2 != '0')
         return ScantronReady::Fault;
 
     iPos8 = Asc(Mid(sStatus, 9, 1));
     if (iPos8 & kStatusFault40) {
-        reportReaderFault(kCheckStatus, 466, 268);
+        reportReaderFault(kCheckStatus, text::kStFaultBit40, text::kReaderFaultTitle);
         return ScantronReady::Fault;
     }
     if (iPos8 & kStatusFault10) {
-        reportReaderFault(kCheckStatus, 468, 470);
+        reportReaderFault(kCheckStatus, text::kStFaultBit10, text::kStFaultBit10Title);
         return ScantronReady::Fault;
     }
     return iPos8 & kStatusSheet ? ScantronReady::Sheet : ScantronReady::NoSheet;
@@ -97,14 +93,14 @@ Boolean ResetReaderST(ReaderContract& oReader)
         oReader.fComm().mscComm().Output(sCmd);
         switch (waitForReply(oReader)) {
         case Wait::Cancelled: return;
-        case Wait::TimedOut: reportReaderFault(kResetReader, kNoReply, kResetTitle); return;
+        case Wait::TimedOut: reportReaderFault(kResetReader, text::kStUnanswered, text::kNotAnsweringTitle); return;
         case Wait::Reply: break;
         }
         sData = collectText(oReader, {.asBytes = true});
         if (sData.starts_with('\r'))
             bResult = True;
         else
-            reportReaderFault(kResetReader, 430, 432);
+            reportReaderFault(kResetReader, text::kStResetUnconfirmed, text::kStResetTitle);
     });
     return bResult;
 }
@@ -135,7 +131,7 @@ ScantronReady CheckStatusST(ReaderContract& oReader)
         oReader.fComm().mscComm().Output(sCmd);
         switch (waitForReply(oReader)) {
         case Wait::Cancelled: return;
-        case Wait::TimedOut: reportReaderFault(kCheckStatus, kNoReply, kStatusTitle); return;
+        case Wait::TimedOut: reportReaderFault(kCheckStatus, text::kStUnanswered, text::kNotReadyTitle); return;
         case Wait::Reply: break;
         }
 
@@ -149,7 +145,7 @@ ScantronReady CheckStatusST(ReaderContract& oReader)
                 sStatus += static_cast<char>(bDataArr[0]);
             }
             if (!oReader.fComm().tmrScan().Enabled()) {
-                reportReaderFault(kCheckStatus, kNoReply, kStatusTitle);
+                reportReaderFault(kCheckStatus, text::kStUnanswered, text::kNotReadyTitle);
                 return;
             }
         }
@@ -191,7 +187,7 @@ Boolean RejectPageST(ReaderContract& oReader, Boolean bRejectHopper)
         oReader.fComm().mscComm().Output(sCmd);
         switch (waitForReply(oReader)) {
         case Wait::Cancelled: return;
-        case Wait::TimedOut: reportReaderFault(kRejectPage, 472, 474); return;
+        case Wait::TimedOut: reportReaderFault(kRejectPage, text::kStRejectUnanswered, text::kStRejectTitle); return;
         case Wait::Reply: break;
         }
         oReader.fComm().mscComm().InputLen(1);

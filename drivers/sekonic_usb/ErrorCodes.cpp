@@ -1,5 +1,7 @@
 #include "drivers/sekonic_usb/ErrorCodes.h"
 
+#include "TextNames.h"
+
 #include <algorithm>
 #include <iterator>
 
@@ -13,14 +15,16 @@ struct ErrorText {
 };
 
 constexpr ErrorText kErrorTexts[] = {
-    {0x01020005, 498}, {0x20070000, 500}, {0x25070001, 502}, {0x30080000, 506}, {0x30080001, 508}, {0x30080002, 510},
-    {0x30080003, 512}, {0x35090000, 514}, {0x35090001, 516}, {0x35090002, 518}, {0x35090003, 520}, {0x40110001, 522},
-    {0x40110002, 524}, {0x40110003, 526}, {0x40140000, 528}, {0x40140001, 530}, {0x40140002, 532}, {0x40120003, 542},
-    {0x41120003, 544}, {0x42120003, 546}, {0x40120004, 548}, {0x41120004, 550}, {0x42120004, 552}, {0x45140003, 534},
-    {0x45140004, 536}, {0x45140005, 538}, {0x45140006, 540},
+    {0x01020005, text::kSrError01020005}, {0x20070000, text::kSrError20070000}, {0x25070001, text::kSrError25070001},
+    {0x30080000, text::kSrError30080000}, {0x30080001, text::kSrError30080001}, {0x30080002, text::kSrError30080002},
+    {0x30080003, text::kSrError30080003}, {0x35090000, text::kSrError35090000}, {0x35090001, text::kSrError35090001},
+    {0x35090002, text::kSrError35090002}, {0x35090003, text::kSrError35090003}, {0x40110001, text::kSrError40110001},
+    {0x40110002, text::kSrError40110002}, {0x40110003, text::kSrError40110003}, {0x40140000, text::kSrError40140000},
+    {0x40140001, text::kSrError40140001}, {0x40140002, text::kSrError40140002}, {0x40120003, text::kSrError40120003},
+    {0x41120003, text::kSrError41120003}, {0x42120003, text::kSrError42120003}, {0x40120004, text::kSrError40120004},
+    {0x41120004, text::kSrError41120004}, {0x42120004, text::kSrError42120004}, {0x45140003, text::kSrError45140003},
+    {0x45140004, text::kSrError45140004}, {0x45140005, text::kSrError45140005}, {0x45140006, text::kSrError45140006},
 };
-
-constexpr TextNumber kUnknownErrorText = 554;
 
 constexpr Int32 kQuietStop = 0x40110000;
 constexpr Int32 kSheetReadAllTheSame[] = {0x40120003, 0x41120003, 0x42120003};
@@ -37,7 +41,7 @@ FeedResultSR feedResultSR(Int32 lError)
 TextNumber errorMessageSR(Int32 lError)
 {
     const auto* row = std::ranges::find(kErrorTexts, lError, &ErrorText::lError);
-    return row == std::end(kErrorTexts) ? kUnknownErrorText : row->message;
+    return row == std::end(kErrorTexts) ? text::kSrErrorUnknown : row->message;
 }
 
 Int32 shownErrorSR(Int32 lError)

@@ -18,10 +18,6 @@ namespace {
 constexpr const char* kReadPage = "KELReader81 - basSekonicSR.ReadPageSR";
 constexpr const char* kPrint = "KELReader81 - basSekonicSR.PrintSR";
 
-constexpr TextNumber kReadTitle = 196;
-constexpr TextNumber kFrontMissing = 494;
-constexpr TextNumber kBackMissing = 496;
-
 constexpr Int32 kFront = 0;
 constexpr Int32 kBack = 1;
 
@@ -81,7 +77,7 @@ std::optional<Int16> fetchSide(Int32 lSide, SRRead& uRead, Array1<Byte>& bSRArr,
         std::clamp<std::int64_t>(std::int64_t{uRead.lRows} * uRead.lCols, kMostBytesSR, kMostRoom);
     bSRArr.ReDim(1, static_cast<Int32>(lRoom));
     if (omrApi().OMR_GetMarks(lSide, uRead, &bSRArr(1)) == 0) {
-        reportNumberedFault(kReadPage, missing, kReadTitle);
+        reportNumberedFault(kReadPage, missing, text::kSheetNotReadTitle);
         return std::nullopt;
     }
     return copyMarksSR(bSRArr, uRead.lRows, uRead.lCols, iSideArr, copy);
@@ -140,14 +136,14 @@ Boolean ReadPageSR(ReaderContract& oReader, Int32 lRecognitionThreshold)
         if (!feedSheet(lReturn))
             return;
 
-        const auto iFrontRows = fetchSide(kFront, uRead, bSRFrontArr, iSide1Arr, copy, kFrontMissing);
+        const auto iFrontRows = fetchSide(kFront, uRead, bSRFrontArr, iSide1Arr, copy, text::kSrMarksOfSide1Missing);
         if (!iFrontRows)
             return;
         oReader.Side1TimingMarks(*iFrontRows);
 
         if (oReader.Duplex() && oReader.DuplexForm()) {
             uRead.lRows = kMostRowsSR;
-            const auto iBackRows = fetchSide(kBack, uRead, bSRBackArr, iSide2Arr, copy, kBackMissing);
+            const auto iBackRows = fetchSide(kBack, uRead, bSRBackArr, iSide2Arr, copy, text::kSrMarksOfSide2Missing);
             if (!iBackRows)
                 return;
             oReader.Side2TimingMarks(*iBackRows);

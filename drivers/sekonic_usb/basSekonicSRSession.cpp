@@ -19,26 +19,14 @@ constexpr const char* kReturnError = "KELReader81 - basSekonicSR.ReturnErrorSR";
 // An eject is reported under this name too.
 constexpr const char* kRejectPage = "KELReader81 - basSekonicSR.RejectPageSR";
 
-constexpr TextNumber kInitTitle = 376;
-constexpr TextNumber kNotOpened = 476;
-constexpr TextNumber kReadingMethodNotTold = 478;
-constexpr TextNumber kReadingMethodRefused = 480;
-constexpr TextNumber kColumnsRefused = 482;
-constexpr TextNumber kFeedModeNotTold = 484;
-constexpr TextNumber kFeedModeRefused = 486;
-constexpr TextNumber kLibraryMissing = 488;
-constexpr TextNumber kLibraryAdvice = 490;
-constexpr TextNumber kLibraryTitle = 492;
-constexpr TextNumber kErrorTitle = 556;
-
 /// Tells a missing library in words of its own; answers False for any other failure.
 bool toldMissingLibrary(const RuntimeFailure& failure)
 {
     if (failure.text().find("OMRAPI.DLL") == std::string::npos || failure.code() != FailureCode::FileNotFound)
         return false;
-    std::string sText = VBLM_RTString(kLibraryMissing);
-    sText.append(kLineEnd).append(kLineEnd).append(VBLM_RTString(kLibraryAdvice));
-    platform().screen().MsgBox(sText, BoxIcon::Exclamation, BoxButtons::Ok, VBLM_RTString(kLibraryTitle));
+    std::string sText = VBLM_RTString(text::kSrLibraryMissing);
+    sText.append(kLineEnd).append(kLineEnd).append(VBLM_RTString(text::kSrLibraryAdvice));
+    platform().screen().MsgBox(sText, BoxIcon::Exclamation, BoxButtons::Ok, VBLM_RTString(text::kSrLibraryTitle));
     return true;
 }
 
@@ -60,29 +48,29 @@ Boolean InitReaderSR(ReaderContract& oReader)
     const auto init = [&] {
         if (omrApi().OMR_OpenDeviceUSB() != 0) {
             omrApi().OMR_GetLastError();
-            reportNumberedFault(kInitReader, kNotOpened, kInitTitle);
+            reportNumberedFault(kInitReader, text::kSrNotOpened, text::kNotStartedTitle);
             return;
         }
         if (omrApi().OMR_GetReadingMethod(lVal1, lVal2) == 0) {
-            reportNumberedFault(kInitReader, kReadingMethodNotTold, kInitTitle);
+            reportNumberedFault(kInitReader, text::kSrReadingMethodNotReported, text::kNotStartedTitle);
             return;
         }
         if (lVal1 != 0 && lVal1 != 3 && omrApi().OMR_SetReadingMethod(3, lVal2) == 0) {
-            reportNumberedFault(kInitReader, kReadingMethodRefused, kInitTitle);
+            reportNumberedFault(kInitReader, text::kSrReadingMethodRefused, text::kNotStartedTitle);
             return;
         }
         if (omrApi().OMR_GetNumberOfColumnsToRead() != kColumnsSR &&
             omrApi().OMR_SetNumberOfColumnsToRead(kColumnsSR) == 0) {
-            reportNumberedFault(kInitReader, kColumnsRefused, kInitTitle);
+            reportNumberedFault(kInitReader, text::kSrColumnsRefused, text::kNotStartedTitle);
             return;
         }
         omrApi().OMR_SetBackSensorUnit(oReader.Duplex() && oReader.DuplexForm() ? 1 : 0);
         if (omrApi().OMR_GetSheetFeedMode(lVal1, lVal2) == 0) {
-            reportNumberedFault(kInitReader, kFeedModeNotTold, kInitTitle);
+            reportNumberedFault(kInitReader, text::kSrFeedModeNotReported, text::kNotStartedTitle);
             return;
         }
         if (lVal1 != 0 && omrApi().OMR_SetSheetFeedMode(0, 0) == 0) {
-            reportNumberedFault(kInitReader, kFeedModeRefused, kInitTitle);
+            reportNumberedFault(kInitReader, text::kSrFeedModeRefused, text::kNotStartedTitle);
             return;
         }
         if (oReader.Barcode() && oReader.Barcodes()->Count() > 0)
@@ -123,7 +111,7 @@ void ReturnErrorSR(Int32 lError)
                       .ErrorType = kErrorTypeSettings,
                       .ErrorDescription = VBLM_RTString(errorMessageSR(lError)),
                       .ErrorSource = kReturnError,
-                      .ErrorTitle = VBLM_RTString(kErrorTitle)});
+                      .ErrorTitle = VBLM_RTString(text::kSrErrorTitle)});
     });
 }
 

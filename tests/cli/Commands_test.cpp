@@ -2,6 +2,7 @@
 #include "simulators/pseudo_terminal/Pty.h"
 #include "tests/cli/CommandRun.h"
 #include "tests/support/BuiltFiles.h"
+#include "types/Enumerations.h"
 
 #include <gmock/gmock.h>
 
@@ -27,11 +28,11 @@ TEST(ModelsCommand, JsonHasAllRecordsInTheOrderOfTheCatalogue)
     const CommandOutcome outcome = runCommand({"models", "--format", "json"});
     EXPECT_EQ(outcome.status, 0);
     const Json models = Json::parse(outcome.output);
-    ASSERT_EQ(models.size(), 42U);
+    ASSERT_EQ(models.size(), std::size_t{kReaderTypeCount});
     EXPECT_EQ(models[0]["ReaderType"], 0);
     EXPECT_EQ(models[1]["ReaderType"], 40);
-    EXPECT_EQ(models[41]["ReaderName"], "Sekonic SR6500 (USB)");
-    EXPECT_EQ(models[41]["InterfaceType"], 2);
+    EXPECT_EQ(models.back()["ReaderName"], "Sekonic SR6500 (USB)");
+    EXPECT_EQ(models.back()["InterfaceType"], 2);
 }
 
 TEST(ModelsCommand, MakersModelsComeWithoutTheEmptyRecord)
@@ -50,13 +51,13 @@ TEST(ModelsCommand, TableIsTheUsualForm)
     EXPECT_EQ(outcome.output, "Type  Name                             Line         Threshold  Columns  Options\n"
                               "  24  Peripheral Dynamics Inc. VMR138  9600,N,8,1   192-254    14       rejecter\n");
     EXPECT_EQ(outcome.status, 0);
-    EXPECT_EQ(runCommand({"models"}).lines().size(), 43U);
+    EXPECT_EQ(runCommand({"models"}).lines().size(), std::size_t{kReaderTypeCount} + 1);
 }
 
 TEST(ModelsCommand, CsvHasAHeadingAndARowARecord)
 {
     const std::vector<std::string> lines = runCommand({"models", "--format", "csv"}).lines();
-    ASSERT_EQ(lines.size(), 43U);
+    ASSERT_EQ(lines.size(), std::size_t{kReaderTypeCount} + 1);
     EXPECT_THAT(lines[0], StartsWith("ReaderGrade,ReaderGradeEnabled,ReaderGradeVisible,Barcode,"));
     EXPECT_THAT(lines[0], EndsWith(",LocateEnabled,FirmwareEnabled,MaxCols"));
     EXPECT_THAT(lines[1], StartsWith("false,false,true,"));

@@ -50,7 +50,7 @@ TEST(PrinterTest, ANewPrinterIsOff)
 TEST(PrinterTest, ModelsThatCanBeEnabled)
 {
     const auto can = modelSet("2-17,25-34,36");
-    for (Int32 lType = 0; lType <= 41; ++lType)
+    for (Int32 lType = 0; lType < kReaderTypeCount; ++lType)
         EXPECT_EQ(enabledPrinterOf(lType).Enabled(), Boolean(can.contains(lType))) << lType;
 }
 
@@ -58,7 +58,7 @@ TEST(PrinterTest, ModelsWithoutPrinterTurnItOffAndOthersLeaveIt)
 {
     const auto off = modelSet("1,18,20-23,35,37,41");
     const auto untouched = modelSet("0,19,24,38-40");
-    for (Int32 lType = 0; lType <= 41; ++lType) {
+    for (Int32 lType = 0; lType < kReaderTypeCount; ++lType) {
         clsKELReaderPrinter printer = enabledPrinterOf(2);
         printer.SetType(static_cast<kelReaderType>(lType));
         printer.Enabled(True);
@@ -92,7 +92,7 @@ TEST(PrinterTest, PrintLines)
 {
     const auto three = modelSet("7-10,30,33,34,36");
     const auto one = modelSet("2-6,11-17,25-29,31,32");
-    for (Int32 lType = -1; lType <= 42; ++lType) {
+    for (Int32 lType = -1; lType <= kReaderTypeCount; ++lType) {
         const Int16 expected = three.contains(lType) ? Int16{3} : one.contains(lType) ? Int16{1} : Int16{0};
         EXPECT_EQ(printerOf(lType).BufferCount(), expected) << lType;
         EXPECT_EQ(printerOf(lType).Distance(), expected == 3 ? 245 : 0) << lType;
@@ -142,7 +142,7 @@ TEST(PrinterTest, BoundsOfEveryModel)
     const Bounds table[] = {{"2-4,31,32", 0, 24, 24},    {"5", 0, 40, 40},   {"25", 0, 25, 25},
                             {"6", 10, 25, 25},           {"26", 10, 54, 54}, {"7-10,30,33,34,36", 10, 245, 41},
                             {"11-17,27-29", 0, 135, 135}};
-    for (Int32 lType = 0; lType <= 41; ++lType) {
+    for (Int32 lType = 0; lType < kReaderTypeCount; ++lType) {
         Int32 min = -1, max = -1, characters = -1;
         for (const Bounds& row : table) {
             if (modelSet(row.models).contains(lType)) {

@@ -210,16 +210,16 @@ TEST_F(BasReadTest, ACarrierOfNothingIsAReportedFailure)
 
 TEST(DriverFamiliesTest, EveryModelHasItsFamilyAndTheRestHaveNone)
 {
-    for (Int32 lType = 1; lType <= 41; ++lType)
+    for (Int32 lType = 1; lType < kReaderTypeCount; ++lType)
         EXPECT_NE(driverFamily(static_cast<kelReaderType>(lType)), nullptr) << lType;
-    for (const Int32 lType : {0, -1, 42, 99})
+    for (const Int32 lType : {Int32{0}, Int32{-1}, kReaderTypeCount, Int32{99}})
         EXPECT_EQ(driverFamily(static_cast<kelReaderType>(lType)), nullptr) << lType;
 }
 
 std::vector<Int32> modelsWith(bool (*hasStep)(const DriverFamily&))
 {
     std::vector<Int32> models;
-    for (Int32 lType = 0; lType <= 41; ++lType) {
+    for (Int32 lType = 0; lType < kReaderTypeCount; ++lType) {
         const DriverFamily* family = driverFamily(static_cast<kelReaderType>(lType));
         if (family && hasStep(*family))
             models.push_back(lType);
@@ -265,7 +265,7 @@ TEST(DriverFamiliesTest, RejectingOnAModelThatCannotSendsNothingButCounts)
 TEST(ReaderNamesTest, ANumberThatIsNoModelHasNoName)
 {
     const ReaderHost host;
-    EXPECT_EQ(ReturnReaderName(static_cast<kelReaderType>(42)), "");
+    EXPECT_EQ(ReturnReaderName(static_cast<kelReaderType>(kReaderTypeCount)), "");
     EXPECT_EQ(ReturnReaderName(static_cast<kelReaderType>(-1)), "");
     EXPECT_EQ(ReturnReaderName(kelReaderTypeNone), VBLM_RTString(TextNumber(372)));
     EXPECT_EQ(ReturnReaderName(kelReaderTypeChatsworthACF100), "Chatsworth Data ACP-100");

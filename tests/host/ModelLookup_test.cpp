@@ -22,7 +22,7 @@ std::string refusal(const std::string& text)
 
 TEST(ModelLookup, TakesEveryNumberEveryNameAndEveryEnumerator)
 {
-    ASSERT_EQ(host::readerTypes().members.size(), 42U);
+    ASSERT_EQ(host::readerTypes().members.size(), std::size_t{kReaderTypeCount});
     for (const host::Enumerator& member : host::readerTypes().members) {
         SCOPED_TRACE(member.name);
         EXPECT_EQ(host::modelNamed(std::to_string(member.value)), member.value);
@@ -61,7 +61,7 @@ TEST(ModelLookup, UnknownModelNamesTheNearest)
     EXPECT_EQ(refusal("Scanmrk 2500"),
               "There is no model 'Scanmrk 2500'; the nearest are Scantron Scanmark 2500 (13), Scantron Scanmark 2000 "
               "(11) and Scantron Scanmark 5500 (15) ('kelreader models' lists all).");
-    EXPECT_THAT(refusal("42"), HasSubstr("There is no model '42'; the nearest are "));
+    EXPECT_THAT(refusal("99"), HasSubstr("There is no model '99'; the nearest are "));
     EXPECT_THAT(refusal("-1"), HasSubstr("There is no model '-1'"));
     EXPECT_THAT(refusal("+13"), HasSubstr("There is no model '+13'"));
     EXPECT_THAT(refusal(" 13"), HasSubstr("There is no model ' 13'"));

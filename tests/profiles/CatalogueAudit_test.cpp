@@ -239,7 +239,7 @@ TEST(CatalogueAudit, NoRecordContradictsItselfUnintentionally)
             intended[model].insert(exception.What);
 
     const clsKELReaderProfiles profiles;
-    ASSERT_EQ(profiles.Count(), 42);
+    ASSERT_EQ(profiles.Count(), kReaderTypeCount);
     for (Int32 model = 0; model < profiles.Count(); ++model)
         EXPECT_EQ(contradictionsOf(*profiles.Item(CStr(model))), intended[model]) << "model " << model;
 }

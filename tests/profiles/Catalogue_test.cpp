@@ -180,7 +180,7 @@ TEST_F(Catalogue, EveryValueOfEveryRecordIsAsTheTablesHaveIt)
 TEST_F(Catalogue, PositionsAreThoseOfTheRoster)
 {
     const ExpectedCatalogue expected;
-    EXPECT_EQ(profiles_.Count(), 42);
+    EXPECT_EQ(profiles_.Count(), kReaderTypeCount);
     for (const auto& [name, model] : expected.models())
         EXPECT_EQ(profiles_.Item(model.Position), item(model.Number)) << name;
 }

@@ -32,14 +32,14 @@ const std::vector<GuardCase> kProfileGuards = {
     {"clsKELReaderProfiles.Remove", FailsBy::Statement, 5,
      [](GuardBench&) {
          clsKELReaderProfiles profiles;
-         profiles.Remove("42");
-         EXPECT_EQ(profiles.Count(), 42);
+         profiles.Remove("99");
+         EXPECT_EQ(profiles.Count(), kReaderTypeCount);
      }},
     {"clsKELReaderProfiles.Remove", FailsBy::Statement, 9,
      [](GuardBench&) {
          clsKELReaderProfiles profiles;
          profiles.Remove(43);
-         EXPECT_EQ(profiles.Count(), 42);
+         EXPECT_EQ(profiles.Count(), kReaderTypeCount);
      }},
     {"clsKELReaderProfiles.RemoveAll", FailsBy::Processor, 0,
      [](GuardBench&) {
@@ -47,7 +47,7 @@ const std::vector<GuardCase> kProfileGuards = {
          SteppedFault::arm();
          profiles.RemoveAll();
          SteppedFault::disarm();
-         EXPECT_EQ(profiles.Count(), 42);
+         EXPECT_EQ(profiles.Count(), kReaderTypeCount);
      }},
     {"clsKELReaderProfiles.FillProfiles", FailsBy::Statement, 7,
      [](GuardBench&) {

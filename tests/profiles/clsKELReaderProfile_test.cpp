@@ -134,7 +134,7 @@ TEST_F(Profile, ReaderNameFollowsTheReaderType)
     EXPECT_EQ(profile_.ReaderName(), "Scantron Scanmark 2500");
     profile_.ReaderType(kelReaderTypeChatsworthACF100);
     EXPECT_EQ(profile_.ReaderName(), "Chatsworth Data ACP-100");
-    profile_.ReaderType(static_cast<kelReaderType>(42));
+    profile_.ReaderType(static_cast<kelReaderType>(99));
     EXPECT_EQ(profile_.ReaderName(), "");
     profile_.ReaderType(static_cast<kelReaderType>(-1));
     EXPECT_EQ(profile_.ReaderName(), "");

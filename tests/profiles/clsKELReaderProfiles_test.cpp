@@ -54,7 +54,7 @@ protected:
 
 TEST_F(Profiles, NewCollectionIsFull)
 {
-    EXPECT_EQ(profiles_.Count(), 42);
+    EXPECT_EQ(profiles_.Count(), kReaderTypeCount);
     EXPECT_EQ(profiles_.ProfileType(), kelProfileTypeAll);
     EXPECT_TRUE(reports().empty());
 }
@@ -77,7 +77,7 @@ TEST_F(Profiles, AModelPassedAsANumberIsAPosition)
 
 TEST_F(Profiles, UnknownIndexGivesNothingWithoutAReport)
 {
-    for (const char* key : {"99", "42", "-1", "", " 40", "40 ", "040", "Apperson Advantage 1200"}) {
+    for (const char* key : {"99", "-1", "", " 40", "40 ", "040", "Apperson Advantage 1200"}) {
         EXPECT_TRUE(profiles_.Item(key).isNothing()) << key;
         EXPECT_EQ(profiles_.Exists(key), False) << key;
     }
@@ -93,7 +93,7 @@ TEST_F(Profiles, KnownIndexExists)
     EXPECT_EQ(profiles_.Exists("0"), True);
     EXPECT_EQ(profiles_.Exists("41"), True);
     EXPECT_EQ(profiles_.Exists(1), True);
-    EXPECT_EQ(profiles_.Exists(42), True);
+    EXPECT_EQ(profiles_.Exists(kReaderTypeCount), True);
 }
 
 TEST_F(Profiles, NoneAloneWhenNoMakerIsChosen)
@@ -134,7 +134,7 @@ TEST_F(Profiles, BitsAboveTheLastMakerAreNotLookedAt)
     EXPECT_EQ(types(), (std::vector<Int32>{0, 24}));
     EXPECT_EQ(static_cast<Int32>(profiles_.ProfileType()), 48);
     choose(-1);
-    EXPECT_EQ(profiles_.Count(), 42);
+    EXPECT_EQ(profiles_.Count(), kReaderTypeCount);
 }
 
 TEST_F(Profiles, RemovedRecordStaysGoneUnderTheSameFilter)
@@ -143,7 +143,7 @@ TEST_F(Profiles, RemovedRecordStaysGoneUnderTheSameFilter)
     EXPECT_EQ(profiles_.Exists("40"), False);
     EXPECT_EQ(profiles_.Item(2)->ReaderType(), kelReaderTypeAppersonAdvantageLink);
     choose(kelProfileTypeAll);
-    EXPECT_EQ(profiles_.Count(), 41);
+    EXPECT_EQ(profiles_.Count(), kReaderTypeCount - 1);
     EXPECT_EQ(profiles_.Exists("40"), False);
 }
 
@@ -160,7 +160,7 @@ TEST_F(Profiles, EmptiedCollectionIsFilledByTheSameFilter)
     EXPECT_EQ(profiles_.Count(), 0);
     EXPECT_TRUE(profiles_.Item(1).isNothing());
     choose(kelProfileTypeAll);
-    EXPECT_EQ(profiles_.Count(), 42);
+    EXPECT_EQ(profiles_.Count(), kReaderTypeCount);
     EXPECT_TRUE(reports().empty());
 }
 
@@ -175,7 +175,7 @@ TEST_F(Profiles, RemoveByPosition)
 {
     profiles_.Remove(1);
     EXPECT_EQ(profiles_.Exists("0"), False);
-    EXPECT_EQ(profiles_.Count(), 41);
+    EXPECT_EQ(profiles_.Count(), kReaderTypeCount - 1);
     profiles_.Remove(41);
     EXPECT_EQ(profiles_.Exists("34"), False);
 }
@@ -215,7 +215,7 @@ TEST_F(Profiles, RemovingAnUnknownKeyIsReported)
 {
     profiles_.Remove("99");
     expectOneRunTimeReport(FailureCode::InvalidProcedureCall);
-    EXPECT_EQ(profiles_.Count(), 42);
+    EXPECT_EQ(profiles_.Count(), kReaderTypeCount);
 }
 
 class ProfilesPosition : public Profiles, public testing::WithParamInterface<Int32> {};
@@ -224,7 +224,7 @@ TEST_P(ProfilesPosition, RemovingAPositionThatIsNotThereIsReported)
 {
     profiles_.Remove(GetParam());
     expectOneRunTimeReport(FailureCode::SubscriptOutOfRange);
-    EXPECT_EQ(profiles_.Count(), 42);
+    EXPECT_EQ(profiles_.Count(), kReaderTypeCount);
 }
 
 INSTANTIATE_TEST_SUITE_P(Profiles, ProfilesPosition, testing::Values(0, -1, 43, -2147483647 - 1, 2147483647));

@@ -80,8 +80,8 @@ const std::vector<GuardCase> kSessionGuards = {
      }},
     {"clsKELReader.LoadDefaults", FailsBy::Statement, 91,
      [](GuardBench& bench) {
-         EXPECT_EQ(bench.reader.LoadDefaults(static_cast<kelReaderType>(42)), False);
-         EXPECT_EQ(bench.reader.ReaderType(), 42);
+         EXPECT_EQ(bench.reader.LoadDefaults(static_cast<kelReaderType>(99)), False);
+         EXPECT_EQ(bench.reader.ReaderType(), 99);
      }},
     {"clsKELReader.Locate", FailsBy::Statement, 91,
      [](GuardBench& bench) {

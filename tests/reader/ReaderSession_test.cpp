@@ -52,7 +52,7 @@ TEST_F(ReaderSessionTest, ANewObjectIsStoppedAndEmpty)
     EXPECT_EQ(reader().ReaderType(), kelReaderTypeNone);
     EXPECT_EQ(reader().Windows()->Count(), 0);
     EXPECT_EQ(reader().Barcodes()->Count(), 0);
-    EXPECT_EQ(reader().Profiles()->Count(), 42);
+    EXPECT_EQ(reader().Profiles()->Count(), kReaderTypeCount);
     EXPECT_EQ(reader().HelpID(kelReaderHelpIDProperties), 0);
     EXPECT_FALSE(reader().Side1Array().isDimensioned());
     EXPECT_FALSE(reader().Side2Array().isDimensioned());

@@ -12,7 +12,7 @@ TEST(SimulatorTable, HasNoReaderWithoutALine)
 {
     for (const kelReaderType model :
          {kelReaderTypeNone, kelReaderTypeSekonicSR2300, kelReaderTypeSekonicSR3500, kelReaderTypeSekonicSR6500,
-          kelReaderTypeSekonicSR1800, static_cast<kelReaderType>(42)}) {
+          kelReaderTypeSekonicSR1800, static_cast<kelReaderType>(99)}) {
         EXPECT_FALSE(hasSimulator(model)) << model;
         EXPECT_THROW(static_cast<void>(makeSimulator(model, {})), std::invalid_argument) << model;
     }

@@ -81,6 +81,44 @@ class GeneratorCase(unittest.TestCase):
         return path
 
 
+class NamesTest(GeneratorCase):
+    NAMES = "102 = kFirst\n104 = kSecond\n"
+
+    def generate_names(self, names):
+        listed = self.directory / "texts.names"
+        listed.write_text(names, encoding="utf-8")
+        self.names_header = self.directory / "TextNames.h"
+        texts = self.source("English", "102 = One\n104 = Two")
+        return self.generate("--names", listed, "--names-header", self.names_header, texts)
+
+    def test_each_number_becomes_a_constant(self):
+        self.assertEqual(self.generate_names("# Two texts.\n\n" + self.NAMES), (0, []))
+        header = self.names_header.read_text(encoding="utf-8")
+        constants = re.findall(r"inline constexpr TextNumber (\w+)\{(\d+)\};", header)
+        self.assertEqual(constants, [("kFirst", "102"), ("kSecond", "104")])
+
+    def test_what_is_wrong_with_the_names_is_said(self):
+        for names, problem in (
+            ("102 = kFirst\n", "English.txt:2: 104: the text has no name"),
+            (self.NAMES + "106 = kThird\n", "texts.names:3: 106: English has no text for this number"),
+            (self.NAMES + "102 = kThird\n", "texts.names:3: 102: the number has a name already"),
+            ("102 = kFirst\n104 = kFirst\n", "texts.names:2: 104: kFirst is the name of 102 already"),
+            (self.NAMES + "106 kThird\n", "texts.names:3: -: this is no entry of the form"),
+            ("102 = First\n104 = kSecond\n", "texts.names:1: -: this is no entry of the form"),
+        ):
+            with self.subTest(names):
+                status, complaint = self.generate_names(names)
+                self.assertEqual(status, 1)
+                self.assertIn(problem, "\n".join(complaint))
+                self.assertFalse(self.names_header.exists())
+
+    def test_the_real_names_cover_the_real_texts(self):
+        header = self.directory / "TextNames.h"
+        names = ROOT / "strings" / "texts.names"
+        self.assertEqual(self.generate("--names", names, "--names-header", header, *SOURCES), (0, []))
+        self.assertEqual(len(re.findall("TextNumber k", header.read_text(encoding="utf-8"))), len(NUMBERS))
+
+
 class DatabaseTest(GeneratorCase):
     def test_each_start_is_the_position_of_the_section(self):
         self.assertEqual(self.generate(*SOURCES), (0, []))

@@ -1,6 +1,7 @@
 // The component's surface as hosts see it: the type library, properties by vtable and by name, collections, failures.
 
 #include "tests/windows/clients/Host.h"
+#include "types/Enumerations.h"
 
 #include <array>
 #include <string_view>
@@ -263,7 +264,7 @@ TEST_F(Surface, ModelsByKeyAndByPosition)
     const auto name = [&](const Value& index) {
         return get(get(profiles.object(), L"Item", {index}).object(), L"ReaderName").text();
     };
-    EXPECT_EQ(get(profiles.object(), L"Count").number(), 42);
+    EXPECT_EQ(get(profiles.object(), L"Count").number(), kel::kReaderTypeCount);
     EXPECT_EQ(name(Value(L"40")), L"Apperson Advantage 1200");
     EXPECT_EQ(name(Value(2)), L"Apperson Advantage 1200");
     EXPECT_EQ(name(Value(short{2})), L"Apperson Advantage 1200");
