@@ -60,8 +60,6 @@ static_assert(std::find(kReaderNames.begin() + 1, kReaderNames.end(), nullptr) -
                   kReaderTypeCount,
               "the model of this number needs its name in kReaderNames");
 
-constexpr TextNumber kNoReader = 372;
-
 } // namespace
 
 std::string ReturnReaderName(kelReaderType eReaderType)
@@ -69,7 +67,7 @@ std::string ReturnReaderName(kelReaderType eReaderType)
     std::string sName;
     guarded("KELReader81 - basRead.ReturnReaderName", KEL_PARAMETERS(eReaderType), [&] {
         if (eReaderType == kelReaderTypeNone)
-            sName = VBLM_RTString(kNoReader);
+            sName = VBLM_RTString(text::kNoReader);
         else if (eReaderType > 0 && eReaderType < static_cast<Int32>(kReaderNames.size()))
             sName = kReaderNames[static_cast<std::size_t>(eReaderType)];
     });

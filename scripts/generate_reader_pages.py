@@ -249,7 +249,7 @@ def load_advice(root, families, texts, problems):
             check_sources(advice, sources_of(root, f"drivers/{name}"), names, texts, problems)
         elif name == "common":
             messages = {number: texts[number] for number in texts if is_message(number) or number in advice.numbers()}
-            sources = sources_of(root, "dispatch", "failure", "reader", "options")
+            sources = sources_of(root, "contract", "dispatch", "failure", "options", "profiles", "reader")
             check_sources(advice, sources, names, messages, problems)
         advised[name] = advice
     return advised

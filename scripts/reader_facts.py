@@ -92,7 +92,8 @@ LITERAL_REPORT = re.compile(r'report(?:Reader|Numbered)Fault\(((?:[^;"]|"(?:\\.|
 
 def text_names(root):
     """The numbers of the texts by their names."""
-    return {name: int(number) for number, name in re.findall(r"^(\d+) = (\w+)$", read(root, "strings/texts.names"), re.M)}
+    rows = re.findall(r"^(\d+) = (\w+)$", read(root, "strings/texts.names"), re.MULTILINE)
+    return {name: int(number) for number, name in rows}
 
 
 def numbers_in(source, names):

@@ -13,7 +13,7 @@ import unittest
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parents[2]
-SOURCES = ("dispatch", "docs/readers", "drivers", "failure", "options", "reader", "strings", "types")
+SOURCES = tuple("contract dispatch docs/readers drivers failure options profiles reader strings types".split())
 
 sys.dont_write_bytecode = True
 sys.path.insert(0, str(ROOT / "scripts"))

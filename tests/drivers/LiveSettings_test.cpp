@@ -15,20 +15,16 @@
 
 #include <gmock/gmock.h>
 
-#include <chrono>
 #include <utility>
 
 namespace kel::test {
 namespace {
 
-using namespace std::chrono_literals;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
 class LiveSettings : public testing::Test {
 protected:
-    LiveSettings() { bench.reader.fComm().tmrScan().Interval(10000); }
-
     /// Answers each command with what `answers` has for it, and lets the host act at once.
     void answer(std::function<void(std::string_view command)> answers) { bench.line->onOutput = std::move(answers); }
 
@@ -67,6 +63,7 @@ TEST_F(LiveSettings, TheRejecterOfAScanmarkCountsOnceASheetIsThere)
             }
         });
         EXPECT_EQ(ReadPageST(reader), True);
+        EXPECT_THAT(told(), IsEmpty());
         EXPECT_EQ(line.sent,
                   std::string("\x1BQSTS\r\x1BQSTS\r\x1BREAD 5 Y") + (atFirst ? "\r" : " E\r") + "\x1BQSTS\r");
     }
@@ -182,7 +179,7 @@ TEST_F(LiveSettings, TheTimingMarksOfAnOpScansSecondSideAreDecidedOnAtItsEnd)
     reader.settings().DuplexForm = True;
     reader.Side2TimingMarks(-1);
     sendPage(reader, line, "b1\r\n");
-    line.onInput = [&] { reader.settings().Duplex = line.waiting != "\n"; };
+    line.onInput = [&] { reader.settings().Duplex = line.waiting != "\r\n"; };
     EXPECT_EQ(ReadPageNCS(reader), True);
     EXPECT_EQ(reader.side2()(1, 1), 1);
     EXPECT_EQ(reader.Side2TimingMarks(), -1);
@@ -263,7 +260,7 @@ TEST_F(LiveSettings, TheModelOfAChatsworthDecidesWhileItsSheetComes)
         line.waiting = " ";
         reader.CancelScan(True);
     });
-    bench.machine.at(bench.machine.now() + 1s, [&] { reader.ReaderType(kelReaderTypeChatsworthOMR1100); });
+    line.onInput = [&] { reader.ReaderType(kelReaderTypeChatsworthOMR1100); };
     EXPECT_EQ(ReadPageCT(reader), False);
     EXPECT_THAT(told(), IsEmpty());
     EXPECT_EQ(line.waiting, "");
@@ -276,9 +273,10 @@ TEST_F(LiveSettings, TheStepsOfAVmr138sThresholdAreCountedIn16Bits)
         if (line.sent == "+")
             line.waiting = "C8";
     });
+    line.InputLen(1);
     reader.settings().RecognitionThreshold = 200 - 32767;
     EXPECT_EQ(SetRecThresholdPD(reader, 0), True);
-    EXPECT_EQ(line.sent, std::string(32768, '+'));
+    EXPECT_TRUE(line.sent == std::string(32768, '+')) << line.sent.size();
     EXPECT_THAT(told(), IsEmpty());
 
     line.sent.clear();
