@@ -282,7 +282,7 @@ void addCases(std::vector<GuardCase>& cases, const NumberField& field)
         cases.push_back({prefix + event, FailsBy::Caller, 7, [member, left](GuardBench& bench) {
                              Dialog dialog(bench);
                              (dialog.form.*member).Text("abc");
-                             const FailingAllocation noMemory;
+                             FailingAllocation::armForHandlers();
                              ((dialog.form.*member).*left)();
                              EXPECT_EQ((dialog.form.*member).Text(), "abc");
                          }});

@@ -117,6 +117,7 @@ TEST(ValidateTest, ATextThatIsNoNumberIsReportedAndStays)
 
 TEST(CValTest, ReadsAPointOnAnyLocale)
 {
+    const Field field;
     EXPECT_EQ(frmOptions::CVal("2.5"), 2.5);
     EXPECT_EQ(frmOptions::CVal("2.5 mm"), 2.5);
     EXPECT_EQ(frmOptions::CVal("12"), 12);

@@ -157,7 +157,7 @@ const std::vector<GuardCase> kSessionGuards = {
          std::string sValue;
          const FailingAllocation noMemory;
          EXPECT_EQ(store.SaveValue("ScannerParity", sValue), False);
-         EXPECT_EQ(sValue, " ");
+         EXPECT_EQ(sValue, "") << "its key could not be made";
      }},
 };
 

@@ -2,11 +2,35 @@
 
 namespace kel::test {
 
-std::string testData() { return KEL_TEST_DATA; }
-std::string readerProgram() { return KEL_READER_PROGRAM; }
-std::string readBatchProgram() { return KEL_READ_BATCH_PROGRAM; }
-std::string scriptedOptionsProgram() { return KEL_SCRIPTED_OPTIONS_PROGRAM; }
-std::string builtLocales() { return KEL_TEST_LOCALES; }
-std::string simulatedOmrApi() { return KEL_OMRAPI_SIMULATED; }
+std::string testData()
+{
+    return KEL_TEST_DATA;
+}
+std::string readerProgram()
+{
+    return KEL_READER_PROGRAM;
+}
+std::string readBatchProgram()
+{
+    return KEL_READ_BATCH_PROGRAM;
+}
+std::string scriptedOptionsProgram()
+{
+    return KEL_SCRIPTED_OPTIONS_PROGRAM;
+}
+std::string builtLocales()
+{
+    return KEL_TEST_LOCALES;
+}
+std::string simulatedOmrApi()
+{
+    return KEL_OMRAPI_SIMULATED;
+}
 
 } // namespace kel::test
+
+/// With LOCPATH set, as for the locales above, newlocale of the C library keeps a copy of it at each call.
+extern "C" const char* __lsan_default_suppressions()
+{
+    return "leak:__argz_add_sep\n";
+}

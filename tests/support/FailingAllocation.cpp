@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdlib>
+#include <exception>
 #include <new>
 
 namespace kel::test {
@@ -10,10 +11,15 @@ namespace {
 
 thread_local constinit int granted = 0;
 thread_local constinit int failing = 0;
+thread_local constinit bool failsInHandler = false;
 
 /// Whether the allocation that is asked for is one of those that fail.
 bool fails() noexcept
 {
+    if (failsInHandler && std::current_exception()) {
+        failsInHandler = false;
+        return true;
+    }
     if (failing == 0)
         return false;
     if (granted > 0) {
@@ -57,6 +63,12 @@ void FailingAllocation::arm(int first, int count)
 void FailingAllocation::disarm()
 {
     failing = 0;
+    failsInHandler = false;
+}
+
+void FailingAllocation::armForHandlers()
+{
+    failsInHandler = true;
 }
 
 } // namespace kel::test

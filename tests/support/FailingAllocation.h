@@ -14,6 +14,9 @@ public:
     /// The same without an object, until it has come about.
     static void arm(int first = 1, int count = 1);
     static void disarm();
+
+    /// Lets the first allocation fail that is made while an exception is being dealt with.
+    static void armForHandlers();
 };
 
 } // namespace kel::test
