@@ -1,5 +1,6 @@
 #include "cli/Interrupt.h"
 
+#include <atomic>
 #include <csignal>
 #include <iterator>
 #include <unistd.h>
@@ -10,7 +11,9 @@ namespace {
 
 constexpr int kSignals[] = {SIGINT, SIGTERM, SIGHUP};
 
-volatile std::sig_atomic_t interrupts = 0;
+// The handler may run in any thread.
+std::atomic<int> interrupts = 0;
+static_assert(std::atomic<int>::is_always_lock_free);
 InterruptNote::Action interruptAction = nullptr;
 void* interruptContext = nullptr;
 struct sigaction previousActions[std::size(kSignals)];

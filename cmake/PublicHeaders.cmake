@@ -17,6 +17,7 @@ set(KEL_PUBLIC_HEADERS
     platform/Carrier.h
     platform/ErrorLibrary.h
     platform/HostPump.h
+    platform/LineErrors.h
     platform/ScanTimer.h
     platform/Screen.h
     platform/SerialControl.h

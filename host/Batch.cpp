@@ -180,14 +180,15 @@ std::vector<Failure> prepareReader(clsKELReader& reader, const Request& request)
 /// What a batch ties to the reader and to the thread, for as long as it runs.
 class Session::Ties {
 public:
-    Ties(clsKELReader& reader, const Request& request, Events& sink, const std::function<bool()>& stopWanted)
+    Ties(clsKELReader& reader, const Request& request, Events& sink, const std::function<bool()>& stopWanted,
+         StopAsked asked)
         : reader_(reader), listener_(std::make_shared<Listener>(reader, request, sink, stopWanted)),
           cookie_(reader.Advise(listener_)), reports_(reader,
                                                       [this, &sink](const Failure& failure) {
                                                           failures_.push_back(failure);
                                                           sink.failure(failure);
                                                       }),
-          pumps_(stopWanted != nullptr)
+          pumps_(stopWanted != nullptr && asked == StopAsked::InEachTurn)
     {
         if (pumps_)
             platform().pump().hostPump([listener = listener_] { listener->stopIfWanted(); });
@@ -215,9 +216,10 @@ private:
     bool pumps_;
 };
 
-Result runScan(clsKELReader& reader, const Request& request, Events& sink, const std::function<bool()>& stopWanted)
+Result runScan(clsKELReader& reader, const Request& request, Events& sink, const std::function<bool()>& stopWanted,
+               StopAsked asked)
 {
-    const Session::Ties ties(reader, request, sink, stopWanted);
+    const Session::Ties ties(reader, request, sink, stopWanted, asked);
     Int32 lSheetCount = 0;
     const bool result(reader.ReadBatch(request.print.wanted() ? True : False, request.maxSheets, lSheetCount));
 
@@ -233,7 +235,8 @@ Result runScan(clsKELReader& reader, const Request& request, Events& sink, const
 }
 
 Session::Session(clsKELReader& reader, const Request& request, Events& sink)
-    : reader_(reader), request_(request), ties_(std::make_unique<Ties>(reader, request, sink, nullptr))
+    : reader_(reader), request_(request),
+      ties_(std::make_unique<Ties>(reader, request, sink, nullptr, StopAsked::InEachTurn))
 {
 }
 

@@ -17,7 +17,7 @@ std::vector<Failure> prepareReader(clsKELReader& reader, const Request& request)
 /// Reads a batch with a reader that is prepared, and tells the sink of all that happens. While it runs, the reports of
 /// the calling thread go to the sink, and `stopWanted` is asked now and then: once it says true, `CancelScan` is set.
 [[nodiscard]] Result runScan(clsKELReader& reader, const Request& request, Events& sink,
-                             const std::function<bool()>& stopWanted = {});
+                             const std::function<bool()>& stopWanted = {}, StopAsked asked = StopAsked::InEachTurn);
 
 /// A batch that its caller carries forward sheet by sheet. While it lives, the reports of the calling thread go to the
 /// sink.

@@ -100,11 +100,11 @@ std::string Reader::traceProblem() const
     return state_->trace ? state_->trace->problem() : std::string();
 }
 
-Result Reader::read(Events& events, const std::function<bool()>& stopWanted)
+Result Reader::read(Events& events, const std::function<bool()>& stopWanted, StopAsked asked)
 {
     state_->connect();
     const DeviceInPlace device(state_->reader, state_->device());
-    Result result = runScan(state_->reader, state_->request, events, stopWanted);
+    Result result = runScan(state_->reader, state_->request, events, stopWanted, asked);
     state_->failures = result.failures;
     return result;
 }

@@ -50,7 +50,7 @@ public:
 
     /// Reads a batch and reports all that happens as it happens. While it runs, `stopWanted`, if there is one, takes
     /// the place of the host's pump: it is asked now and then, and once it says true the batch stops.
-    Result read(Events& events, const std::function<bool()>& stopWanted = {});
+    Result read(Events& events, const std::function<bool()>& stopWanted = {}, StopAsked asked = StopAsked::InEachTurn);
 
     /// The sheets of a batch, each read when the loop comes to it. The session begins with the loop, and ends with it
     /// or with the range. One session at a time.

@@ -56,12 +56,14 @@ void LineControl::change(const LineParameters& wanted)
 void LineControl::PortOpen(Boolean value)
 {
     if (!value) {
+        errorsBefore_ = lineErrors();
         open_.reset();
         return;
     }
     if (open_)
         throw RuntimeFailure(FailureCode::PortAlreadyOpen);
     open_ = open(port_, parameters_);
+    open_->input().dropUntilSilent();
 }
 
 void LineControl::InputLen(Int32 value)
@@ -86,6 +88,11 @@ Int32 LineControl::InBufferCount()
 std::string LineControl::Input()
 {
     return line().input().take(inputLen_);
+}
+
+LineErrors LineControl::lineErrors()
+{
+    return open_ ? errorsBefore_ + open_->input().errors() : errorsBefore_;
 }
 
 void LineControl::Output(std::string_view bytes)

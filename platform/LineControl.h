@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/LineDevice.h"
+#include "platform/LineErrors.h"
 #include "platform/SerialControl.h"
 
 #include <memory>
@@ -24,7 +25,7 @@ public:
 };
 
 /// A serial control on the lines of some system: the properties, and the line while it is open.
-class LineControl : public SerialControl {
+class LineControl : public SerialControl, public CountsLineErrors {
 public:
     [[nodiscard]] Int16 CommPort() const override { return port_; }
     void CommPort(Int16 value) override;
@@ -44,6 +45,8 @@ public:
     [[nodiscard]] std::string Input() override;
     void Output(std::string_view bytes) override;
 
+    [[nodiscard]] LineErrors lineErrors() override;
+
 protected:
     /// Closed, set to 9600,N,8,1 without handshaking. Fewer data bits than the least are refused with 380.
     explicit LineControl(Int32 leastDataBits) : leastDataBits_(leastDataBits) {}
@@ -52,7 +55,7 @@ protected:
     [[nodiscard]] OpenLine& line();
 
 private:
-    /// Opens a port, sets it, and drops what came before; fails as `SerialControl::PortOpen` does.
+    /// Opens a port and sets it; fails as `SerialControl::PortOpen` does.
     [[nodiscard]] virtual std::unique_ptr<OpenLine> open(Int16 port, const LineParameters& parameters) = 0;
 
     void change(const LineParameters& wanted);
@@ -63,6 +66,7 @@ private:
     LineParameters parameters_;
     Int32 inputLen_ = 0;
     std::unique_ptr<OpenLine> open_;
+    LineErrors errorsBefore_; // on lines that are closed
 };
 
 } // namespace kel

@@ -15,11 +15,23 @@ namespace {
 constexpr Moment kShortestLook = std::chrono::microseconds(20);
 constexpr Moment kLongestLook = std::chrono::milliseconds(1);
 
+// A line that is opened has to be silent for so long, and is waited for so long at most.
+constexpr Moment kSilence = std::chrono::milliseconds(50);
+constexpr Moment kLongestSettling = std::chrono::milliseconds(300);
+
+// Bytes further apart are no stream. A pause of the caller fetches them more often than that.
+constexpr Moment kGap = std::chrono::milliseconds(200);
+
 } // namespace
 
-ReceivedInput::ReceivedInput(std::string name, std::size_t fullRead) : name_(std::move(name)), fullRead_(fullRead)
+ReceivedInput::ReceivedInput(std::string name, std::size_t readSize) : name_(std::move(name)), fetched_(readSize, '\0')
 {
     characterTime(kLongestLook);
+}
+
+Moment ReceivedInput::time() const noexcept
+{
+    return steadyTime();
 }
 
 void ReceivedInput::characterTime(Moment time)
@@ -29,19 +41,26 @@ void ReceivedInput::characterTime(Moment time)
 
 bool ReceivedInput::mayBeOld() const noexcept
 {
-    return old_ || steadyTime() - lastLook_ > lookLasts_;
+    return old_ || time() - lastLook_ > lookLasts_;
 }
 
-/// A look that found nothing is not repeated behind a turn of the pump that took no time.
-bool ReceivedInput::foundNothingBeforeTurn() noexcept
+/// A look that found nothing is not repeated behind a turn of the pump that took no time. And what the pump has just
+/// fetched was all there was: the caller that has taken it finds nothing more, once, without a look.
+bool ReceivedInput::nothingCanHaveCome() noexcept
 {
-    return std::exchange(turnBehindVainLook_, false) && !old_ && steadyTime() - lastLook_ <= kShortestLook;
+    const bool turnBehindVainLook = std::exchange(turnBehindVainLook_, false);
+    const bool emptied = std::exchange(emptied_, false);
+    if ((!turnBehindVainLook && !emptied) || old_ || time() - lastLook_ > kShortestLook)
+        return false;
+    lookedInVain_ = true;
+    return true;
 }
 
 Int32 ReceivedInput::count()
 {
-    if (waiting() == 0 ? !foundNothingBeforeTurn() : mayBeOld())
+    if (waiting() == 0 ? !nothingCanHaveCome() : mayBeOld())
         look();
+    failIfEndless();
     untold_ = false;
     if (hungUp_) {
         if (waiting() == 0)
@@ -63,6 +82,7 @@ std::string ReceivedInput::take(Int32 most)
     const auto wanted = most == 0 ? std::numeric_limits<std::size_t>::max() : static_cast<std::size_t>(most);
     if (waiting() == 0 || (waiting() < wanted && mayBeOld()))
         look();
+    failIfEndless();
     untold_ = false;
     if (waiting() == 0 && hungUp_)
         failHungUp();
@@ -84,46 +104,72 @@ std::string ReceivedInput::take(Int32 most)
 /// What the caller asks for is no news to it afterwards.
 void ReceivedInput::look()
 {
-    const std::size_t count = canBringMore() ? readOnce() : 0;
-    old_ = count >= fullRead_; // then there was more than one read gives
-    lookedInVain_ = count == 0 && !hungUp_;
-    lastLook_ = steadyTime();
+    const Fetched fetched = canBringMore() ? readOnce() : Fetched();
+    old_ = fetched.more;
+    emptied_ = false;
+    lookedInVain_ = fetched.count == 0 && !hungUp_;
+    lastLook_ = time();
 }
 
 void ReceivedInput::fetch(bool hangUpSignalled)
 {
     const std::size_t before = waiting();
     // Behind a read that was not full there is nothing, but for the end of a line that has hung up.
+    Fetched last;
     while (canBringMore()) {
-        const std::size_t count = readOnce();
-        if (count == 0 || (count < fullRead_ && !hangUpSignalled))
+        last = readOnce();
+        if (last.count == 0 || (!last.more && !hangUpSignalled))
             break;
     }
     if (hangUpSignalled)
         hungUp_ = true;
-    old_ = false;
+    old_ = last.more;
+    emptied_ = last.count > 0 && !last.more;
     lookedInVain_ = false;
-    lastLook_ = steadyTime();
+    lastLook_ = time();
     if (waiting() > before) {
         untold_ = true;
         offered_ = false;
     }
 }
 
-/// Reads what is there, and answers how many bytes came.
-std::size_t ReceivedInput::readOnce()
+ReceivedInput::Fetched ReceivedInput::readOnce()
 {
     ++reads_;
-    // One more than is ever handed out, so that a full read is known as one.
-    fetched_.resize(fullRead_ + 1);
-    const std::size_t count = read(fetched_.data(), fetched_.size());
-    if (count == 0)
-        return 0;
+    const Fetched fetched = read(fetched_.data(), fetched_.size());
+    if (fetched.count == 0)
+        return fetched;
+    const Moment now = time();
+    streamed_ = now - lastCame_ > kGap ? fetched.count : streamed_ + fetched.count;
+    lastCame_ = now;
     // What has been taken goes before the buffer grows.
     buffer_.erase(0, taken_);
     taken_ = 0;
-    buffer_.append(fetched_, 0, count);
-    return count;
+    buffer_.append(fetched_, 0, fetched.count);
+    return fetched;
+}
+
+void ReceivedInput::dropUntilSilent()
+{
+    const Moment latest = time() + kLongestSettling;
+    for (Moment silent = time() + kSilence; !hungUp_ && time() < std::min(silent, latest);) {
+        awaitInput(std::min(silent, latest));
+        if (readOnce().count > 0)
+            silent = time() + kSilence;
+        buffer_.clear();
+        taken_ = 0;
+    }
+    streamed_ = 0;
+}
+
+void ReceivedInput::failIfEndless() const
+{
+    if (streamed_ > kLongestStream)
+        throw RuntimeFailure(FailureCode::ErrorReadingDevice,
+                             failureText(FailureCode::ErrorReadingDevice) + ": " + name_ +
+                                 " sends without end: " + std::to_string(kLongestStream) +
+                                 " bytes came without a pause, and no reader sends so much. Is it a reader, and does "
+                                 "its speed agree with the settings?");
 }
 
 void ReceivedInput::turnEnds() noexcept
@@ -137,6 +183,7 @@ void ReceivedInput::turnEnds() noexcept
 void ReceivedInput::timePasses() noexcept
 {
     old_ = true;
+    emptied_ = false;
     timePassed_ = true;
     busyInTurn_ = true;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/LineErrors.h"
 #include "platform/MessagePump.h"
 
 #include <cstddef>
@@ -14,7 +15,8 @@ namespace kel {
 /// known of it may be old: behind a pause or an output, or when a character could have come since the last look. So a
 /// loop that takes byte by byte costs no system call a byte, and one that waits for more bytes sees them come.
 ///
-/// A line that has hung up gives what came before, and fails with 8020 after that.
+/// A line that has hung up gives what came before, and fails with 8020 after that. So does one whose other side sends
+/// without end: loops that take what there is until nothing is left have no end of their own.
 class ReceivedInput {
 public:
     virtual ~ReceivedInput() = default;
@@ -33,11 +35,17 @@ public:
     /// Takes up to `most` bytes, or with 0 all that wait.
     [[nodiscard]] std::string take(Int32 most);
 
+    /// Waits until nothing has come for a moment, for a longer moment at most, and drops what came till then: what a
+    /// reader still says to the command of an earlier session is nobody's.
+    void dropUntilSilent();
+
     /// Bytes have been sent, so that an answer may have come.
     void answerMayCome() noexcept
     {
         old_ = true;
+        emptied_ = false;
         busyInTurn_ = true;
+        streamed_ = 0;
     }
 
     /// The failures of a line that has hung up, and of one that does not take the rest of an output.
@@ -74,27 +82,50 @@ public:
     /// How often the line has been read, for tests.
     [[nodiscard]] std::uint64_t reads() const noexcept { return reads_; }
 
-protected:
-    /// `name` is for failures. The system hands out `fullRead` bytes at a time at most.
-    ReceivedInput(std::string name, std::size_t fullRead);
+    // --- For the open line
 
-    /// Reads what is there, up to `room` bytes, and answers how many came; it never waits. A line that is gone is
-    /// told by `hangUp`.
-    [[nodiscard]] virtual std::size_t read(char* into, std::size_t room) = 0;
+    /// What has gone wrong with characters since the line was opened.
+    [[nodiscard]] virtual LineErrors errors() = 0;
+
+    /// The most that waits here to be taken. The largest page of any reader, two sides of 150 rows and 48 columns, has
+    /// 14,700 bytes. What comes beyond it stays with the system, which holds a network's sender up and counts what a
+    /// wire loses.
+    static constexpr std::size_t kRoom = 64 * 1024;
+
+    /// The most that a reader may send without a pause and without being spoken to: no such thing as a reply is larger,
+    /// and a sender that never ends is caught within a moment.
+    static constexpr std::size_t kLongestStream = 256 * 1024;
+
+protected:
+    /// `name` is for failures. A read is given room for so many bytes.
+    ReceivedInput(std::string name, std::size_t readSize);
+
+    /// What a read gave, and whether there may be more that did not fit.
+    struct Fetched {
+        std::size_t count = 0;
+        bool more = false;
+    };
+
+    /// Reads what is there, up to `room` bytes; it never waits. A line that is gone is told by `hangUp`.
+    [[nodiscard]] virtual Fetched read(char* into, std::size_t room) = 0;
+
+    /// Waits until something may have come, up to a moment.
+    virtual void awaitInput(Moment until) = 0;
+
+    /// The steady clock.
+    [[nodiscard]] virtual Moment time() const noexcept;
 
 private:
-    /// Far more than any reader sends between two looks; a line that babbles on is left to its handshaking.
-    static constexpr std::size_t kRoom = 1024 * 1024;
     static constexpr int kLooksAtDeadLine = 3;
 
     [[nodiscard]] std::size_t waiting() const noexcept { return buffer_.size() - taken_; }
     [[nodiscard]] bool mayBeOld() const noexcept;
-    [[nodiscard]] bool foundNothingBeforeTurn() noexcept;
+    [[nodiscard]] bool nothingCanHaveCome() noexcept;
     void look();
-    [[nodiscard]] std::size_t readOnce();
+    [[nodiscard]] Fetched readOnce();
+    void failIfEndless() const;
 
     std::string name_;
-    std::size_t fullRead_;
     std::string fetched_;
     Moment lookLasts_{};
     Moment lastLook_{};
@@ -105,12 +136,15 @@ private:
     bool offered_ = false;      // the pump has returned because of them
     std::size_t told_ = 0;      // how many bytes wait, as the caller knows
     bool busyInTurn_ = false;   // the caller has taken or sent bytes since the pump last returned, or was told of more
+    bool emptied_ = false;      // the pump's last fetch emptied the line, and the caller has not looked since
     bool lookedInVain_ = false; // the last look, in this turn, found nothing
     bool turnBehindVainLook_ = false;
     bool hungUp_ = false;
     int vainLooks_ = 0; // at a dead line, without taking anything
     bool timePassed_ = false;
     std::uint64_t reads_ = 0;
+    Moment lastCame_{};
+    std::size_t streamed_ = 0; // bytes without a pause or an output in between
 };
 
 } // namespace kel

@@ -31,9 +31,14 @@ public:
     [[nodiscard]] virtual RemoteResult set(const LineParameters& line, bool demanded) = 0;
 };
 
-/// What the module with the remote lines exports, under the name below: opens what gensio calls `address`, and waits
-/// for it as long as `patience` lasts.
-using OpenRemoteConnection = void (*)(const std::string& address, Moment patience,
+/// How long a connection is waited for: for a time, or until a descriptor becomes readable.
+struct Patience {
+    Moment time{};
+    int ended = -1;
+};
+
+/// What the module with the remote lines exports, under the name below: opens what gensio calls `address`.
+using OpenRemoteConnection = void (*)(const std::string& address, Patience patience,
                                       std::unique_ptr<RemoteConnection>& connection, RemoteResult& result);
 inline constexpr const char* kOpenRemoteConnectionName = "kelOpenRemoteConnection";
 inline constexpr const char* kRemoteLineModuleName = "libKELReader81U_remote.so";

@@ -14,10 +14,15 @@ namespace {
 
 using std::chrono::milliseconds;
 
-// How long a turn blocks at most: the host's own pump wants its turns. Without an open line the caller may be waiting
-// for a line of the host, which cannot be watched.
-constexpr Moment kLongestTurn = milliseconds(20);
-constexpr Moment kLongestTurnWithoutLine = milliseconds(1);
+// How long a turn blocks at most where not all that may end the caller's wait can be waited for: with a pump of the
+// host, or a line that cannot be watched; without an open line, so that the caller may be waiting for one of the
+// host's; and without a running timer, so that it may be the host's that runs.
+constexpr Moment kLongestTurnWithClock = milliseconds(20);
+constexpr Moment kLongestTurnUnwatched = milliseconds(1);
+constexpr Moment kLongestTurnWithoutTimer = milliseconds(250);
+
+// A wait that ends so much later than it should has not merely waited for its turn on the processor.
+constexpr Moment kStop = milliseconds(100);
 
 // How long a pause may leave a line alone. A system that keeps no more than 4,095 bytes of a line is full after 160
 // milliseconds at the fastest speed that readers know.
@@ -27,9 +32,9 @@ constexpr Moment kLongestNap = milliseconds(80);
 
 TurnPump::TurnPump() : begin_(steadyTime()) {}
 
-Moment TurnPump::now() const
+Moment TurnPump::time() const noexcept
 {
-    return steadyTime() - begin_;
+    return steadyTime();
 }
 
 void TurnPump::hostPump(std::function<void()> pump)
@@ -58,11 +63,26 @@ void TurnPump::DoEvents()
         fetchInput(Moment::zero());
         fireTimers();
     } else if (!messagesRan && !inputInvites()) {
-        const std::optional<Moment> timer = nextTimer();
-        fetchInput(timer ? *timer - now() : Moment::max());
+        waitForInput();
         fireTimers();
     }
     endTurn();
+}
+
+void TurnPump::waitForInput()
+{
+    const std::optional<Moment> timer = nextTimer();
+    const Moment begin = now();
+    fetchInput(timer ? *timer - begin : Moment::max());
+    if (timer && now() - *timer > kStop)
+        makeUpForStop(now() - begin);
+}
+
+void TurnPump::makeUpForStop(Moment lost)
+{
+    for (TurnTimer* timer : timers_)
+        timer->makeUpFor(lost);
+    timersChanged();
 }
 
 /// The host may do anything in its pump, also install another one.
@@ -107,9 +127,13 @@ bool TurnPump::inputInvites() const
     return std::any_of(lines_.begin(), lines_.end(), [](const ReceivedInput* line) { return line->inviting(); });
 }
 
-Moment TurnPump::longestWait(Moment atMost, bool anyLine)
+Moment TurnPump::longestWait(Moment atMost, Watched watched) const
 {
-    return std::min(atMost, anyLine ? kLongestTurn : kLongestTurnWithoutLine);
+    if (watched == Watched::Nothing)
+        return std::min(atMost, kLongestTurnUnwatched);
+    if (hostPump_ || watched == Watched::Some)
+        return std::min(atMost, kLongestTurnWithClock);
+    return nextTimer() ? atMost : std::min(atMost, kLongestTurnWithoutTimer);
 }
 
 void TurnPump::endTurn()
@@ -122,13 +146,19 @@ void TurnPump::Sleep(Int32 milliseconds)
 {
     if (milliseconds <= 0)
         return;
-    const Moment end = steadyTime() + std::chrono::milliseconds(milliseconds);
-    while (!lines_.empty() && end - steadyTime() > kLongestNap) {
-        sleepUntil(steadyTime() + kLongestNap);
-        for (ReceivedInput* line : lines_)
-            line->fetch();
+    Moment end = time() + std::chrono::milliseconds(milliseconds);
+    for (Moment begin = time(); begin < end; begin = time()) {
+        const Moment napEnd = std::min(end, begin + kLongestNap);
+        sleepUntil(napEnd);
+        if (const Moment late = time() - napEnd; late > kStop) {
+            end += late;
+            makeUpForStop(late);
+        }
+        if (napEnd < end) {
+            for (ReceivedInput* line : lines_)
+                line->fetch();
+        }
     }
-    sleepUntil(end);
     for (ReceivedInput* line : lines_)
         line->timePasses();
 }

@@ -10,17 +10,22 @@ namespace kel {
 
 class ReceivedInput;
 class TurnTimer;
+class WakeCall;
 
 /// What the pumps of all systems have in common: the order in which one turn goes, for the open lines and the running
 /// timers of one thread.
 ///
 /// `DoEvents` runs the host's pump, the system's messages and the timers that are due. Then it returns at once if a
 /// line has input that the caller takes bit by bit, or has not been told of yet. Otherwise it blocks until a byte
-/// arrives, a timer is due or a message comes, for 20 milliseconds at most. What arrives is fetched into the line's
-/// buffer right there. So a waiting loop sees a byte at once and takes next to no processor time.
+/// arrives, a timer is due, a message or a signal comes, or another thread calls. What arrives is fetched into the
+/// line's buffer right there. So a waiting loop sees a byte at once and takes next to no processor time. Only what
+/// cannot be waited for has a clock: a host's pump, a line of the host, a timer of the host.
 ///
 /// Input that comes in the turn in which a timer ends goes first: the timer's event runs one turn later. The event of a
 /// timer that has ended before, in a pause for example, runs in the next turn, whatever has come meanwhile.
+///
+/// While a process is stopped (Ctrl-Z), or gets no processor for long, no time passes for a dialogue: a pause lasts as
+/// much longer, and a timer that ended meanwhile goes on once, since a reader in the same job was stopped too.
 class TurnPump : public MessagePump {
 public:
     TurnPump(const TurnPump&) = delete;
@@ -28,8 +33,11 @@ public:
 
     void DoEvents() override;
     void Sleep(Int32 milliseconds) override;
-    [[nodiscard]] Moment now() const override;
+    [[nodiscard]] Moment now() const override { return time() - begin_; }
     void hostPump(std::function<void()> pump) override;
+
+    /// Ends a wait of this pump's thread; null where none can be had.
+    [[nodiscard]] virtual std::shared_ptr<WakeCall> wakeCall() = 0;
 
     /// A timer is among the running ones as long as it is not removed.
     void add(TurnTimer& timer);
@@ -49,8 +57,14 @@ protected:
     /// Runs the events of the timers that are due.
     void fireTimers();
 
-    /// How long a wait for input may last: as long as the turn may, and so long at most.
-    [[nodiscard]] static Moment longestWait(Moment atMost, bool anyLine);
+    /// What ends a wait: no line at all, some of the open ones, or all of them and calls of other threads.
+    enum class Watched { Nothing, Some, All };
+
+    /// How long a wait for input may last that is to end after a time at the latest.
+    [[nodiscard]] Moment longestWait(Moment atMost, Watched watched) const;
+
+    /// The steady clock.
+    [[nodiscard]] virtual Moment time() const noexcept;
 
 private:
     /// Runs what waits in the system's queue of this thread; whether there was anything.
@@ -66,6 +80,8 @@ private:
     virtual void timersChanged() {}
 
     void runHostPump();
+    void waitForInput();
+    void makeUpForStop(Moment lost);
     [[nodiscard]] bool timerIsDue() const;
     [[nodiscard]] bool inputInvites() const;
     void endTurn();

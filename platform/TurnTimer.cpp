@@ -2,6 +2,8 @@
 
 #include "platform/TurnPump.h"
 
+#include <utility>
+
 namespace kel {
 
 TurnTimer::TurnTimer(std::shared_ptr<TurnPump> pump) : pump_(std::move(pump)) {}
@@ -34,6 +36,14 @@ void TurnTimer::start()
 {
     started_ = pump_->now();
     putOff_ = false;
+    madeUp_ = false;
+}
+
+/// A machine that is always late does not keep a timer from ending.
+void TurnTimer::makeUpFor(Moment lost)
+{
+    if (!std::exchange(madeUp_, true))
+        started_ += lost;
 }
 
 std::optional<Moment> TurnTimer::end() const

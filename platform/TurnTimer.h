@@ -28,9 +28,12 @@ public:
     /// When the countdown ends; nothing if there is none.
     [[nodiscard]] std::optional<Moment> end() const;
 
-    /// Runs the event if the countdown has ended by `now`. It may be put off by one turn, but not twice: bytes that drip
-    /// in are no reason to wait for ever.
+    /// Runs the event if the countdown has ended by `now`. It may be put off by one turn, but not twice: bytes that
+    /// drip in are no reason to wait for ever.
     void fireIfDue(Moment now, bool mayBePutOff);
+
+    /// The process was stopped for so long: the countdown ends as much later, once.
+    void makeUpFor(Moment lost);
 
 private:
     void start();
@@ -39,6 +42,7 @@ private:
     Int32 interval_ = 0;
     Boolean enabled_ = False;
     bool putOff_ = false;
+    bool madeUp_ = false;
     Moment started_{};
 };
 

@@ -57,7 +57,7 @@ Boolean ReaderSession::StartReader()
 {
     Boolean bResult = False;
     guarded("KELReader81 - clsKELReader.StartReader", moduleOf(*this), [&] {
-        CancelScan(False);
+        stop_.begin();
         bResult = ReaderInit(*this);
     });
     return bResult;
@@ -72,6 +72,7 @@ Boolean ReaderSession::ReadPage(Boolean InitializePrinter)
     const auto variables =
         KEL_PARAMETERS(InitializePrinter) + KEL_LOCALS(bInitialized, bReject, bCancelScan) + moduleOf(*this);
     guarded("KELReader81 - clsKELReader.ReadPage", variables, [&] {
+        stop_.waitHere();
         cPrinter_->Initialized(InitializePrinter);
         bInitialized = cPrinter_->Initialized();
         events_.raise([&](ReaderEvents& host) { host.BeforeSheet(bInitialized); });
@@ -193,16 +194,20 @@ Boolean ReaderSession::LoadDefaults(kelReaderType eReaderType)
 Boolean ReaderSession::Locate(Int16 iStartPort)
 {
     Boolean bResult = False;
-    guarded("KELReader81 - clsKELReader.Locate", KEL_PARAMETERS(iStartPort) + moduleOf(*this),
-            [&] { bResult = ReaderLocate(*this, iStartPort); });
+    guarded("KELReader81 - clsKELReader.Locate", KEL_PARAMETERS(iStartPort) + moduleOf(*this), [&] {
+        stop_.waitHere();
+        bResult = ReaderLocate(*this, iStartPort);
+    });
     return bResult;
 }
 
 Boolean ReaderSession::Firmware(std::string& sReturn)
 {
     Boolean bResult = False;
-    guarded("KELReader81 - clsKELReader.Firmware", KEL_PARAMETERS(sReturn) + moduleOf(*this),
-            [&] { bResult = ReaderFirmware(*this, sReturn); });
+    guarded("KELReader81 - clsKELReader.Firmware", KEL_PARAMETERS(sReturn) + moduleOf(*this), [&] {
+        stop_.waitHere();
+        bResult = ReaderFirmware(*this, sReturn);
+    });
     return bResult;
 }
 

@@ -6,6 +6,7 @@
 #include "contract/clsKELReaderWindows.h"
 #include "failure/ObjectLife.h"
 #include "reader/EventSource.h"
+#include "reader/StopRequest.h"
 #include "reader/kelReaderStruct.h"
 
 #include "profiles/clsKELReaderProfiles.h"
@@ -100,8 +101,10 @@ public:
     [[nodiscard]] Int16 LargestSide2Rows() const override { return iLargestSide2Rows_; }
     [[nodiscard]] Int16 LargestSide2Cols() const override { return iLargestSide2Cols_; }
     [[nodiscard]] Carrier& fComm() const override { return *fCommForDrivers_; }
-    [[nodiscard]] Boolean CancelScan() const override { return uReader_.CancelScan; }
-    void CancelScan(Boolean value) override { uReader_.CancelScan = value; }
+    [[nodiscard]] Boolean CancelScan() const override { return stop_.value(); }
+    void CancelScan(Boolean value) override { stop_.value(value); }
+    /// The host's, from any thread: ends a wait that is under way.
+    void demandStop(Boolean value) noexcept { stop_.demand(value); }
     void Side1TimingMarks(Int16 value) override { iSide1TimingMarks_ = value; }
     void Side2TimingMarks(Int16 value) override { iSide2TimingMarks_ = value; }
     [[nodiscard]] Int16 Side1TimingMarks() const override { return iSide1TimingMarks_; }
@@ -121,6 +124,7 @@ private:
 
     ObjectLife life_{kNameAndKind};
     kelReaderStruct uReader_;
+    StopRequest stop_{uReader_.CancelScan};
     Array1<Int32> lHelpIDArr_;
     Boolean bSheetEjected_;
     Int16 iLargestSide1Rows_ = 0;

@@ -302,12 +302,12 @@ void clsKELReader::Port(Int16 value)
 
 Boolean clsKELReader::CancelScan() const
 {
-    return session_->settings().CancelScan;
+    return session_->CancelScan();
 }
 
 void clsKELReader::CancelScan(Boolean value)
 {
-    session_->settings().CancelScan = value;
+    session_->demandStop(value);
 }
 
 kelReaderType clsKELReader::ReaderType() const

@@ -58,6 +58,10 @@ public:
     /// The line has hung up, and the host was told so with this text. What it could not take any more is left out.
     void hungUp(const std::string& text);
 
+    /// Characters have gone wrong on the line by now, so many in all. The note stands in front of bytes that the host
+    /// has not taken yet.
+    void wentWrong(const std::string& text) { write_("# so far " + text + "\n"); }
+
     /// The host has closed the line; what it did not take is left out.
     void closed(Moment now);
 

@@ -57,6 +57,7 @@ void TracingCarrier::Control::PortOpen(Boolean value)
             log_.closed(now());
         }
         inner().PortOpen(value);
+        noteLineErrors();
         kept_.clear();
         return;
     }
@@ -86,6 +87,22 @@ void TracingCarrier::Control::keepUntaken()
         // They are lost with the line.
     }
     inner().InputLen(inputLen);
+}
+
+LineErrors TracingCarrier::Control::lineErrors()
+{
+    auto* const counting = dynamic_cast<CountsLineErrors*>(&inner());
+    return counting ? counting->lineErrors() : LineErrors();
+}
+
+/// Behind a reply, or what should have been one.
+void TracingCarrier::Control::noteLineErrors()
+{
+    const LineErrors errors = lineErrors();
+    if (errors == noted_)
+        return;
+    noted_ = errors;
+    log_.wentWrong(lineErrorsText(errors));
 }
 
 template <class Action>
@@ -125,6 +142,7 @@ std::string TracingCarrier::Control::Input()
 
 void TracingCarrier::Control::Output(std::string_view bytes)
 {
+    noteLineErrors();
     const Moment before = now();
     watching([&] { inner().Output(bytes); });
     log_.sent(before, bytes);

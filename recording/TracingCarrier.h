@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/Carrier.h"
+#include "platform/LineErrors.h"
 #include "recording/TraceLog.h"
 #include "types/Reference.h"
 #include "types/RuntimeFailure.h"
@@ -20,7 +21,7 @@ public:
     [[nodiscard]] ScanTimer& tmrScan() override { return traced_->tmrScan(); }
 
 private:
-    class Control final : public SerialControl {
+    class Control final : public SerialControl, public CountsLineErrors {
     public:
         Control(TracingCarrier& carrier, TraceLog::Write write) : carrier_(carrier), log_(std::move(write)) {}
 
@@ -40,6 +41,8 @@ private:
         [[nodiscard]] std::string Input() override;
         void Output(std::string_view bytes) override;
 
+        [[nodiscard]] LineErrors lineErrors() override;
+
     private:
         [[nodiscard]] SerialControl& inner() const { return carrier_.traced_->mscComm(); }
         template <class Action>
@@ -47,9 +50,11 @@ private:
         template <class Action>
         auto watching(Action action);
         void keepUntaken();
+        void noteLineErrors();
 
         TracingCarrier& carrier_;
         TraceLog log_;
+        LineErrors noted_;
         std::string kept_; // bytes taken ahead of the host, of a line that is dead
         bool lineWritten_ = false;
         bool deathWritten_ = false;

@@ -1,11 +1,12 @@
 #include "cli/CommandList.h"
 #include "cli/Commands.h"
-#include "cli/Interrupt.h"
+#include "cli/InterruptWatch.h"
 #include "cli/ScanOutput.h"
 #include "cli/SimulatorArguments.h"
 #include "cli/UsageError.h"
 #include "host/LoadedSettings.h"
 #include "host/Reader.h"
+#include "platform/LineErrors.h"
 #include "types/Text.h"
 
 #include <iostream>
@@ -87,6 +88,18 @@ void tellFaults(const std::vector<std::string>& faults)
         std::cerr << "kelreader: The simulated reader did not expect this: " << fault << std::endl;
 }
 
+void tellLineErrors(const clsKELReader& reader)
+{
+    const Reference<Carrier> carrier = reader.fComm();
+    auto* const counting = dynamic_cast<CountsLineErrors*>(&carrier->mscComm());
+    const LineErrors errors = counting ? counting->lineErrors() : LineErrors();
+    if (!errors.any())
+        return;
+    std::cerr << "kelreader: The line had " << lineErrorsText(errors)
+              << (errors.parity > 0 ? " (such characters were read as \"?\")" : "")
+              << "; compare speed, parity and data bits with the reader's, and look at the cable." << std::endl;
+}
+
 /// Settings that do not fit leave the reader half set: nothing is read with it.
 int refuseSettings(const Arguments& arguments, const std::vector<host::Failure>& failures)
 {
@@ -102,9 +115,13 @@ int read(host::Reader& reader, const Arguments& arguments)
     demandLine(arguments, reader.object());
     reader.connect();
     ScanOutput output(arguments.outFile, arguments.format);
-    const InterruptNote interrupt;
-    const host::Result result = reader.read(output, [&] { return InterruptNote::came() || output.output().failed(); });
+    const host::Result result = [&] {
+        const InterruptWatch interrupt([&] { reader.object().CancelScan(True); });
+        return reader.read(
+            output, [&] { return InterruptNote::came() || output.output().failed(); }, host::StopAsked::AtEachSheet);
+    }();
     tellFaults(reader.simulatorErrors());
+    tellLineErrors(reader.object());
 
     if (InterruptNote::came())
         return kInterruptedStatus;

@@ -1,7 +1,9 @@
 #pragma once
 
 #include "platform/LineDevice.h"
+#include "platform/LineErrors.h"
 
+#include <optional>
 #include <string>
 
 namespace kel {
@@ -13,6 +15,12 @@ public:
 
     /// Sets the line. 8015 when something of it is refused.
     virtual void set(const LineParameters& line) = 0;
+
+    /// Whether characters with a wrong parity bit come marked, as `MarkedInput` decodes them; settings change it.
+    [[nodiscard]] virtual bool marksParity() const noexcept { return false; }
+
+    /// What the system has counted on the device up to now; nothing where it does not count.
+    [[nodiscard]] virtual std::optional<LineErrors> countedErrors() const noexcept { return std::nullopt; }
 
     /// Drops the input that has arrived.
     virtual void dropInput() noexcept = 0;

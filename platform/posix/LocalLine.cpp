@@ -9,6 +9,7 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <libserialport.h>
+#include <linux/serial.h>
 #include <sys/file.h>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
@@ -151,11 +152,24 @@ void LocalLine::set(const LineParameters& line)
     else
         attributes.set(line);
     attributes.makeRaw();
+    attributes.markParity(line.parity != 'N');
     if (!attributes.writeTo(handle_))
         refuse("the device does not take " + describe(line) + ": " + errorText(errno));
+    marksParity_ = line.parity != 'N';
     characterTime_ = line.characterTime();
     if (hasModemLines_)
         check(line);
+}
+
+std::optional<LineErrors> LocalLine::countedErrors() const noexcept
+{
+    serial_icounter_struct counts{};
+    if (::ioctl(handle_, TIOCGICOUNT, &counts) != 0)
+        return std::nullopt;
+    const auto number = [](int count) { return static_cast<std::uint64_t>(count); };
+    return LineErrors{.parity = number(counts.parity),
+                      .framing = number(counts.frame),
+                      .overrun = number(counts.overrun) + number(counts.buf_overrun)};
 }
 
 void LocalLine::setThroughLibrary(const LineParameters& line)

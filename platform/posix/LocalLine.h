@@ -35,6 +35,9 @@ public:
     /// modem lines has no wire, and may keep what it likes.
     void set(const LineParameters& line) override;
 
+    [[nodiscard]] bool marksParity() const noexcept override { return marksParity_; }
+    [[nodiscard]] std::optional<LineErrors> countedErrors() const noexcept override;
+
     /// Drops the input that has arrived.
     void dropInput() noexcept override;
 
@@ -64,6 +67,7 @@ private:
     std::unique_ptr<sp_port, ClosePort> port_;
     int handle_ = -1;
     bool hasModemLines_ = false;
+    bool marksParity_ = false;
     Moment characterTime_ = LineParameters().characterTime();
 };
 

@@ -27,11 +27,16 @@ void PosixMessagePump::fetchInput(Moment atMost)
             polled_.push_back(line);
         }
     }
-    const timespec time = toTimespec(longestWait(atMost, !handles_.empty()));
+    const bool all = polled_.size() == lines().size() && wakeCall_->handle() >= 0;
+    const Watched watched = polled_.empty() ? Watched::Nothing : all ? Watched::All : Watched::Some;
+    const timespec time = toTimespec(longestWait(atMost, watched));
+    handles_.push_back({wakeCall_->handle(), POLLIN, 0}); // poll leaves one of -1 out
     ++polls_;
     if (::ppoll(handles_.data(), handles_.size(), &time, nullptr) <= 0)
         return;
-    for (std::size_t i = 0; i < handles_.size(); ++i) {
+    if (handles_.back().revents != 0)
+        wakeCall_->answer();
+    for (std::size_t i = 0; i < polled_.size(); ++i) {
         if (handles_[i].revents != 0)
             polled_[i]->fetch((handles_[i].revents & (POLLHUP | POLLERR | POLLNVAL)) != 0);
     }

@@ -49,12 +49,12 @@ OpenRemoteConnection loadModule(const std::string& line)
 
 } // namespace
 
-RemoteLine::RemoteLine(Int16 port, const std::string& device, const RemoteAddress& address)
+RemoteLine::RemoteLine(Int16 port, const std::string& device, const RemoteAddress& address, int ended)
     : name_(lineName(port, device)), takesSettings_(address.takesSettings)
 {
     RemoteResult result{RemoteResult::Cause::NoSuchPlace, "this is no address"};
     if (!address.stream.empty())
-        loadModule(name_)(address.stream, kPatience, connection_, result);
+        loadModule(name_)(address.stream, {.time = kPatience, .ended = ended}, connection_, result);
     if (!connection_)
         failUnreachable(name_, result);
 }

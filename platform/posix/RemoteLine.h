@@ -13,9 +13,10 @@ namespace kel {
 /// which is loaded with the first such line; the line's bytes pass through a socket of this process.
 class RemoteLine final : public LineEnd {
 public:
-    /// Connects, within ten seconds. Fails with 8002 (no such host, no address) or 8010 (refused, no answer, a
-    /// certificate that is not trusted, no module); the text names port, device and cause, and what to try.
-    RemoteLine(Int16 port, const std::string& device, const RemoteAddress& address);
+    /// Connects, within ten seconds, unless `ended` becomes readable before. Fails with 8002 (no such host, no address)
+    /// or 8010 (refused, no answer, a certificate that is not trusted, no module); the text names port, device and
+    /// cause, and what to try.
+    RemoteLine(Int16 port, const std::string& device, const RemoteAddress& address, int ended);
 
     /// Sets the serial line behind the server where the address says that it takes settings, or where the stream
     /// happens to; otherwise whoever owns it has set it.

@@ -79,6 +79,13 @@ void TerminalAttributes::makeRaw()
     characters_[VSTOP] = 0x13;
 }
 
+void TerminalAttributes::markParity(bool value)
+{
+    input_ &= ~static_cast<std::uint32_t>(INPCK | PARMRK | IGNPAR);
+    if (value)
+        input_ |= INPCK | PARMRK;
+}
+
 void TerminalAttributes::set(const LineParameters& line)
 {
     control_ &= ~static_cast<std::uint32_t>(CBAUD | CSIZE | PARENB | PARODD | CMSPAR | CSTOPB);

@@ -19,6 +19,9 @@ public:
     /// lines neither matter nor change when the line is closed.
     void makeRaw();
 
+    /// Has characters with a wrong parity bit marked (FF 00 in front, and FF FF for FF), or takes them as they are.
+    void markParity(bool value);
+
     /// Speed, parity, data bits, stop bits and handshaking. One and a half stop bits are what two are with 5 data
     /// bits.
     void set(const LineParameters& line);

@@ -1,6 +1,7 @@
 #include "platform/remote_line/GensioBridge.h"
 #include "platform/remote_line/GensioLoop.h"
 
+#include <poll.h>
 #include <sys/socket.h>
 #include <system_error>
 
@@ -11,6 +12,9 @@ namespace {
 /// How long a server may think about settings, and how long bytes may take to leave at the end.
 constexpr std::chrono::seconds kSettingPatience{5};
 constexpr std::chrono::milliseconds kFarewell{1000};
+
+/// How soon a connection that is not to be waited for any longer is given up.
+constexpr std::chrono::milliseconds kLook{50};
 
 /// The host's side of a bridge. The bridge outlives it where it hangs in the network.
 class GensioConnection final : public RemoteConnection {
@@ -34,12 +38,18 @@ public:
     GensioConnection(const GensioConnection&) = delete;
     GensioConnection& operator=(const GensioConnection&) = delete;
 
-    [[nodiscard]] RemoteResult waitOpen(Moment patience)
+    [[nodiscard]] RemoteResult waitOpen(Patience patience)
     {
-        if (opened_.wait_for(patience) == std::future_status::ready)
-            return opened_.get();
+        const auto end = std::chrono::steady_clock::now() + patience.time;
+        bool ended = false;
+        while (!ended && std::chrono::steady_clock::now() < end) {
+            if (opened_.wait_for(kLook) == std::future_status::ready)
+                return opened_.get();
+            pollfd handle{patience.ended, POLLIN, 0}; // poll leaves one of -1 out
+            ended = ::poll(&handle, 1, 0) > 0;
+        }
         bridge_->giveUp();
-        return {RemoteResult::Cause::Unreachable, "it does not answer"};
+        return {RemoteResult::Cause::Unreachable, ended ? "it was not waited for any longer" : "it does not answer"};
     }
 
     [[nodiscard]] int handle() const noexcept override { return hostEnd_.number(); }
@@ -64,7 +74,7 @@ private:
 } // namespace kel
 
 extern "C" __attribute__((visibility("default"))) void
-kelOpenRemoteConnection(const std::string& address, kel::Moment patience,
+kelOpenRemoteConnection(const std::string& address, kel::Patience patience,
                         std::unique_ptr<kel::RemoteConnection>& connection, kel::RemoteResult& result)
 {
     try {

@@ -8,7 +8,7 @@ namespace kel {
 namespace {
 
 // How much is fetched at a time; there may be more behind it.
-constexpr std::size_t kFullRead = 4096;
+constexpr std::size_t kReadSize = 4096;
 
 /// How long the system may take to end its watch.
 constexpr DWORD kEndOfWatch = 200;
@@ -21,7 +21,7 @@ SystemHandle newEvent()
 } // namespace
 
 PortInput::PortInput(HANDLE port, std::string name, bool canBeWatched)
-    : ReceivedInput(std::move(name), kFullRead), port_(port), readDone_(newEvent()), watch_(std::make_unique<Watch>()),
+    : ReceivedInput(std::move(name), kReadSize), port_(port), readDone_(newEvent()), watch_(std::make_unique<Watch>()),
       canBeWatched_(canBeWatched)
 {
     watch_->event = newEvent();
@@ -60,25 +60,51 @@ void PortInput::arrived()
 }
 
 /// Any failure of the port is its hanging up.
-std::size_t PortInput::read(char* into, std::size_t room)
+ReceivedInput::Fetched PortInput::read(char* into, std::size_t room)
 {
-    DWORD errors = 0;
-    COMSTAT status{};
-    if (!::ClearCommError(port_, &errors, &status)) {
+    const std::optional<COMSTAT> found = status();
+    if (!found) {
         hangUp();
-        return 0;
+        return {};
     }
-    if (status.cbInQue == 0)
-        return 0;
+    if (found->cbInQue == 0)
+        return {};
     DWORD count = 0;
     OVERLAPPED state{};
     state.hEvent = readDone_.get();
-    const auto wanted = static_cast<DWORD>(std::min<std::size_t>(room, status.cbInQue));
+    const auto wanted = static_cast<DWORD>(std::min<std::size_t>(room, found->cbInQue));
     const bool done = ::ReadFile(port_, into, wanted, &count, &state) ||
                       (::GetLastError() == ERROR_IO_PENDING && ::GetOverlappedResult(port_, &state, &count, TRUE));
-    if (!done)
+    if (!done) {
         hangUp();
-    return done ? count : 0;
+        return {};
+    }
+    return {.count = count, .more = found->cbInQue > count};
+}
+
+void PortInput::awaitInput(Moment until)
+{
+    constexpr Moment kSlice = std::chrono::milliseconds(5);
+    const Moment left = std::min(until - time(), kSlice);
+    ::Sleep(static_cast<DWORD>(std::max<Moment::rep>(std::chrono::ceil<std::chrono::milliseconds>(left).count(), 1)));
+}
+
+std::optional<COMSTAT> PortInput::status()
+{
+    DWORD errors = 0;
+    COMSTAT status{};
+    if (!::ClearCommError(port_, &errors, &status))
+        return std::nullopt;
+    errors_.parity += (errors & CE_RXPARITY) != 0;
+    errors_.framing += (errors & CE_FRAME) != 0;
+    errors_.overrun += (errors & (CE_OVERRUN | CE_RXOVER)) != 0;
+    return status;
+}
+
+LineErrors PortInput::errors()
+{
+    static_cast<void>(status());
+    return errors_;
 }
 
 } // namespace kel

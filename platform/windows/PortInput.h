@@ -4,6 +4,7 @@
 #include "platform/windows/SystemHandle.h"
 
 #include <memory>
+#include <optional>
 
 namespace kel {
 
@@ -15,6 +16,13 @@ public:
     /// a trace of it in its list of threads that holds up the process later.
     PortInput(HANDLE port, std::string name, bool canBeWatched);
     ~PortInput() override;
+
+    /// What waits at the port in either direction; nothing if the port is gone. What has gone wrong on the line since
+    /// the last call is counted.
+    [[nodiscard]] std::optional<COMSTAT> status();
+
+    /// The system says that something of a kind has gone wrong, and not how often: each time counts as one.
+    [[nodiscard]] LineErrors errors() override;
 
     /// The event that is set when a byte arrives from now on, or the port is gone; null for a port that cannot be
     /// watched.
@@ -31,9 +39,11 @@ private:
         DWORD events = 0;
     };
 
-    [[nodiscard]] std::size_t read(char* into, std::size_t room) override;
+    [[nodiscard]] Fetched read(char* into, std::size_t room) override;
+    void awaitInput(Moment until) override;
 
     HANDLE port_;
+    LineErrors errors_;
     SystemHandle readDone_;
     std::unique_ptr<Watch> watch_;
     bool watching_ = false;

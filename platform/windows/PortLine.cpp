@@ -73,7 +73,8 @@ void put(const LineParameters& line, DCB& state)
     state.XoffChar = kXoff;
     state.XonLim = 2048;
     state.XoffLim = 2048;
-    state.fErrorChar = FALSE;
+    state.fErrorChar = state.fParity;
+    state.ErrorChar = '?';
     state.fNull = FALSE;
     state.fAbortOnError = FALSE;
 }
@@ -168,6 +169,7 @@ bool PortLine::takesPlainCharacters(DCB state) const
 {
     state.ByteSize = 8;
     state.fParity = FALSE;
+    state.fErrorChar = FALSE;
     state.Parity = NOPARITY;
     state.StopBits = ONESTOPBIT;
     return ::SetCommState(port_.get(), &state) != FALSE;
@@ -233,11 +235,10 @@ bool PortLine::outputIsDone(DWORD milliseconds)
     return true;
 }
 
-DWORD PortLine::bytesLeft() const
+DWORD PortLine::bytesLeft()
 {
-    DWORD errors = 0;
-    COMSTAT status{};
-    return ::ClearCommError(port_.get(), &errors, &status) ? status.cbOutQue : 0;
+    const std::optional<COMSTAT> status = input_.status();
+    return status ? status->cbOutQue : 0;
 }
 
 void PortLine::dropOutput()

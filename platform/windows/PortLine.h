@@ -42,7 +42,7 @@ private:
     [[noreturn]] void refuse(const std::string& why) const;
     void awaitOutput();
     [[nodiscard]] bool outputIsDone(DWORD milliseconds);
-    [[nodiscard]] DWORD bytesLeft() const;
+    [[nodiscard]] DWORD bytesLeft();
     void dropOutput();
 
     std::string name_;

@@ -2,7 +2,9 @@
 
 #include "platform/FaultCapture.h"
 #include "platform/SteadyTime.h"
+#include "platform/WakeCall.h"
 #include "platform/windows/PortInput.h"
+#include "platform/windows/SystemHandle.h"
 
 #include <algorithm>
 #include <limits>
@@ -23,7 +25,30 @@ DWORD wholeMilliseconds(Moment time)
     return static_cast<DWORD>(std::min<std::int64_t>(count, std::numeric_limits<Int32>::max()));
 }
 
+// How long a wait lasts at most: a driver may miss the byte that comes while the watch over a port begins.
+constexpr Moment kLongestWatch = std::chrono::milliseconds(250);
+
 } // namespace
+
+/// Calls through an event object, which a wait resets.
+class EventObjectCall final : public WakeCall {
+public:
+    EventObjectCall() : event_(::CreateEventW(nullptr, FALSE, FALSE, nullptr)) {}
+
+    void call() noexcept override { ::SetEvent(event_.get()); }
+    void answer() noexcept override { ::ResetEvent(event_.get()); }
+    [[nodiscard]] HANDLE handle() const noexcept { return event_.get(); }
+
+private:
+    SystemHandle event_;
+};
+
+WindowsMessagePump::WindowsMessagePump() : wakeCall_(std::make_shared<EventObjectCall>()) {}
+
+std::shared_ptr<WakeCall> WindowsMessagePump::wakeCall()
+{
+    return wakeCall_;
+}
 
 WindowsMessagePump::~WindowsMessagePump()
 {
@@ -84,16 +109,22 @@ void WindowsMessagePump::fetchInput(Moment atMost)
         if (!line->canBringMore())
             continue;
         const HANDLE event = line->arrival();
-        if (event && events.size() < MAXIMUM_WAIT_OBJECTS - 1) {
+        if (event && events.size() < MAXIMUM_WAIT_OBJECTS - 2) {
             events.push_back(event);
             watched.push_back(line);
         } else {
             unwatched.push_back(line);
         }
     }
-    const auto count = static_cast<DWORD>(events.size());
     // A line that cannot be watched is looked at often.
-    const Moment longest = longestWait(atMost, count > 0 && unwatched.empty());
+    const bool often = watched.empty() || !unwatched.empty();
+    const bool all = watched.size() == lines().size();
+    const Moment longest = std::min(longestWait(atMost, often ? Watched::Nothing
+                                                        : all ? Watched::All
+                                                              : Watched::Some),
+                                    kLongestWatch);
+    events.push_back(wakeCall_->handle());
+    const auto count = static_cast<DWORD>(events.size());
     ++waits_;
     const DWORD ended = ::MsgWaitForMultipleObjectsEx(count, events.data(), wholeMilliseconds(longest),
                                                       threadEnds_ ? 0 : QS_ALLINPUT, MWMO_INPUTAVAILABLE);

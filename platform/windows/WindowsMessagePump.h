@@ -7,6 +7,7 @@
 
 namespace kel {
 
+class EventObjectCall;
 class PortInput;
 
 /// The pump of one thread, on the message loop of its apartment.
@@ -17,7 +18,7 @@ class PortInput;
 /// The event of a timer runs in the host's own message loop too, while none of our procedures waits.
 class WindowsMessagePump final : public TurnPump {
 public:
-    WindowsMessagePump() = default;
+    WindowsMessagePump();
     ~WindowsMessagePump() override;
 
     void DoEvents() override;
@@ -26,6 +27,8 @@ public:
     using TurnPump::remove;
     void add(PortInput& line);
     void remove(PortInput& line);
+
+    [[nodiscard]] std::shared_ptr<WakeCall> wakeCall() override;
 
     /// How often the pump has waited, for tests.
     [[nodiscard]] std::uint64_t waits() const noexcept { return waits_; }
@@ -39,6 +42,7 @@ private:
     void endLoopTimer() noexcept;
     static void CALLBACK loopTimerRuns(HWND window, UINT message, UINT_PTR timer, DWORD time);
 
+    std::shared_ptr<EventObjectCall> wakeCall_; // it may be called when its thread has ended
     UINT_PTR loopTimer_ = 0;
     int turns_ = 0;           // that are under way, one within another
     bool threadEnds_ = false; // the host's loop is to end, and is told so again and again

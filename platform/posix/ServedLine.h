@@ -1,0 +1,47 @@
+#pragma once
+
+#include "platform/LineControl.h"
+#include "platform/posix/LineEnd.h"
+#include "platform/posix/LineInput.h"
+#include "platform/posix/LineOutput.h"
+#include "platform/posix/PosixMessagePump.h"
+
+#include <memory>
+#include <utility>
+
+namespace kel {
+
+/// An open line that the pump serves.
+class ServedLine final : public OpenLine {
+public:
+    /// Sets the line, and drops what has come before: a line that nobody has open receives nothing.
+    ServedLine(std::unique_ptr<LineEnd> end, const LineParameters& parameters, std::shared_ptr<PosixMessagePump> pump)
+        : device_(std::move(end)), input_(device_->handle(), device_->name()), pump_(std::move(pump))
+    {
+        ServedLine::set(parameters);
+        device_->dropInput();
+        input_.systemCounts([device = device_.get()] { return device->countedErrors(); });
+        pump_->add(input_);
+    }
+
+    ~ServedLine() override { pump_->remove(input_); }
+    ServedLine(const ServedLine&) = delete;
+    ServedLine& operator=(const ServedLine&) = delete;
+
+    void set(const LineParameters& parameters) override
+    {
+        device_->set(parameters);
+        input_.marked(device_->marksParity());
+        input_.characterTime(parameters.characterTime());
+    }
+
+    [[nodiscard]] LineInput& input() override { return input_; }
+    void send(std::string_view bytes) override { writeAll(input_, bytes); }
+
+private:
+    std::unique_ptr<LineEnd> device_;
+    LineInput input_;
+    std::shared_ptr<PosixMessagePump> pump_;
+};
+
+} // namespace kel
