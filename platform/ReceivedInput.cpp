@@ -141,6 +141,7 @@ ReceivedInput::Fetched ReceivedInput::readOnce()
         return fetched;
     const Moment now = time();
     streamed_ = now - lastCame_ > kGap ? fetched.count : streamed_ + fetched.count;
+    endless_ = endless_ || streamed_ > kLongestStream;
     lastCame_ = now;
     // What has been taken goes before the buffer grows.
     buffer_.erase(0, taken_);
@@ -160,11 +161,12 @@ void ReceivedInput::dropUntilSilent()
         taken_ = 0;
     }
     streamed_ = 0;
+    endless_ = false;
 }
 
 void ReceivedInput::failIfEndless() const
 {
-    if (streamed_ > kLongestStream)
+    if (endless_)
         throw RuntimeFailure(FailureCode::ErrorReadingDevice,
                              failureText(FailureCode::ErrorReadingDevice) + ": " + name_ +
                                  " sends without end: " + std::to_string(kLongestStream) +

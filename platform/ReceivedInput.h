@@ -93,8 +93,8 @@ public:
     static constexpr std::size_t kRoom = 64 * 1024;
 
     /// The most that a reader may send without a pause and without being spoken to: no such thing as a reply is larger,
-    /// and a sender that never ends is caught within a moment.
-    static constexpr std::size_t kLongestStream = 256 * 1024;
+    /// and a sender that never ends is caught within a moment. It is not believed again.
+    static constexpr std::size_t kLongestStream = 128 * 1024;
 
 protected:
     /// `name` is for failures. A read is given room for so many bytes.
@@ -145,6 +145,7 @@ private:
     std::uint64_t reads_ = 0;
     Moment lastCame_{};
     std::size_t streamed_ = 0; // bytes without a pause or an output in between
+    bool endless_ = false;
 };
 
 } // namespace kel

@@ -48,7 +48,7 @@ public:
 private:
     [[nodiscard]] Fetched read(char* into, std::size_t room) override
     {
-        time_.now += std::chrono::microseconds(1);
+        time_.now += endless_ ? std::chrono::microseconds(1000) : std::chrono::microseconds(1);
         std::size_t count = 0;
         for (; endless_ && count < room; ++count)
             into[count] = endless_();

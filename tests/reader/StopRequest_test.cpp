@@ -51,7 +51,6 @@ TEST_F(StopRequestTest, AnotherThreadEndsAWait)
     EXPECT_EQ(reader.StartReader(), False);
     other.join();
     EXPECT_EQ(reader.CancelScan(), True);
-    reader.EndReader();
 }
 
 clsKELReader* readerOfHandler = nullptr;
@@ -71,7 +70,6 @@ TEST_F(StopRequestTest, ASignalHandlerEndsAWait)
     EXPECT_EQ(reader.StartReader(), False);
     other.join();
     ::sigaction(SIGUSR2, &before, nullptr);
-    reader.EndReader();
 }
 
 TEST_F(StopRequestTest, AReaderMayMoveToAnotherThread)
@@ -91,7 +89,6 @@ TEST_F(StopRequestTest, AReaderMayMoveToAnotherThread)
         });
         EXPECT_EQ(moved.StartReader(), False);
         stopper.join();
-        moved.EndReader();
     });
     host.join();
 }

@@ -1,7 +1,10 @@
 #include "platform/posix/MarkedInput.h"
 
 #include "platform/posix/ServedLine.h"
+#include "platform/posix/TerminalAttributes.h"
 #include "tests/platform/posix/PosixTest.h"
+
+#include <fcntl.h>
 
 namespace kel {
 namespace {
@@ -64,13 +67,19 @@ private:
 
 class LineErrorsTest : public test::PosixTest {
 protected:
-    LineErrorsTest() : device(openControl(pty)) {}
+    LineErrorsTest() : device(::open(pty.name().c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC))
+    {
+        TerminalAttributes attributes;
+        EXPECT_TRUE(attributes.readFrom(device.number()));
+        attributes.makeRaw();
+        EXPECT_TRUE(attributes.writeTo(device.number()));
+    }
 
     std::unique_ptr<ServedLine> line(char parity)
     {
         LineParameters parameters;
         parameters.parity = parity;
-        return std::make_unique<ServedLine>(std::make_unique<CountingEnd>(device->input().handle(), counted),
+        return std::make_unique<ServedLine>(std::make_unique<CountingEnd>(device.number(), counted),
                                             parameters, pump());
     }
 
@@ -85,7 +94,7 @@ protected:
     }
 
     Pty pty;
-    std::unique_ptr<PosixSerialControl> device;
+    FileDescriptor device;
     std::optional<LineErrors> counted;
 };
 
