@@ -1,6 +1,9 @@
 #include "tests/cli/CommandRun.h"
 
+#include "tests/support/Patience.h"
+
 #include <array>
+#include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
 #include <fstream>
@@ -19,7 +22,7 @@ namespace kel::test {
 namespace {
 
 // A run that gives no sign of life for so long is stuck.
-constexpr int kPatienceMilliseconds = 60'000;
+constexpr int kPatienceMilliseconds = std::chrono::milliseconds(kPatience).count();
 
 std::filesystem::path newName(const std::string& kind)
 {
@@ -106,8 +109,18 @@ RunningCommand::RunningCommand(const std::vector<std::string>& arguments, const 
     ::posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
     ::posix_spawn_file_actions_adddup2(&actions, output[1], STDOUT_FILENO);
     ::posix_spawn_file_actions_adddup2(&actions, errors[1], STDERR_FILENO);
-    const int failure = ::posix_spawn(&process_, program.c_str(), &actions, nullptr, pointersTo(words).data(),
+    // Whoever runs the tests may ignore a hang-up (nohup); the command is not to.
+    posix_spawnattr_t attributes;
+    ::posix_spawnattr_init(&attributes);
+    sigset_t usual;
+    ::sigemptyset(&usual);
+    for (const int number : {SIGHUP, SIGINT, SIGTERM, SIGQUIT})
+        ::sigaddset(&usual, number);
+    ::posix_spawnattr_setsigdefault(&attributes, &usual);
+    ::posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF);
+    const int failure = ::posix_spawn(&process_, program.c_str(), &actions, &attributes, pointersTo(words).data(),
                                       pointersTo(variables).data());
+    ::posix_spawnattr_destroy(&attributes);
     ::posix_spawn_file_actions_destroy(&actions);
     ::close(output[1]);
     ::close(errors[1]);
@@ -170,6 +183,18 @@ bool RunningCommand::waitForError(const std::string& text)
 void RunningCommand::signal(int number) const
 {
     ::kill(process_, number);
+    const std::string status = "/proc/" + std::to_string(process_) + "/status";
+    const auto isTaken = [&] {
+        std::ifstream file(status);
+        for (std::string line; std::getline(file, line);) {
+            // A set of signals, the first one its last bit.
+            if (line.starts_with("ShdPnd:"))
+                return (std::stoull(line.substr(7), nullptr, 16) >> (number - 1) & 1) == 0;
+        }
+        return true; // it has ended
+    };
+    if (!waitUntil(isTaken))
+        throw std::runtime_error("the command takes no signals");
 }
 
 CommandOutcome RunningCommand::finish()

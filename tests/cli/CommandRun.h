@@ -35,6 +35,7 @@ public:
     /// Waits for a text on standard error; false when it never comes.
     bool waitForError(const std::string& text);
 
+    /// Sends a signal, and waits until the command has taken it.
     void signal(int number) const;
 
     /// Waits for its end. `output` holds what was not read by lines.

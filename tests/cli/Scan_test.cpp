@@ -1,6 +1,7 @@
 #include "cli/JsonLines.h"
 #include "simulators/pseudo_terminal/Pty.h"
 #include "tests/cli/CommandRun.h"
+#include "tests/support/Patience.h"
 
 #include <gmock/gmock.h>
 
@@ -226,8 +227,7 @@ TEST(ScanCommand, DeviceThatIsInUseIsReportedWithItsUser)
     Pty line;
     RunningCommand first({"scan", "--model", "24", "--device", line.name()});
     // The first one speaks as soon as it has the line.
-    for (int i = 0; i < 600 && line.read().empty(); ++i)
-        ::usleep(10'000);
+    ASSERT_TRUE(waitUntil([&] { return !line.read().empty(); }));
     const CommandOutcome second = runCommand({"scan", "--model", "24", "--device", line.name()});
     EXPECT_THAT(second.errors, HasSubstr("is in use by process "));
     EXPECT_THAT(second.errors, HasSubstr(" (kelreader). Close that program."));
@@ -253,11 +253,8 @@ TEST(ScanCommand, SecondCtrlCEndsItAtOnce)
     // While it pauses for most of a minute the first one is not heard.
     Pty line;
     RunningCommand scan({"scan", "--model", "24", "--device", line.name(), "--set", "SleepTime=10000"});
-    for (int i = 0; i < 600 && line.read().empty(); ++i)
-        ::usleep(10'000);
-    ::usleep(600'000); // the pause behind the first command
+    ASSERT_TRUE(waitUntil([&] { return !line.read().empty(); }));
     scan.signal(SIGINT);
-    ::usleep(100'000);
     scan.signal(SIGINT);
     const CommandOutcome outcome = scan.finish();
     EXPECT_EQ(outcome.output, "");

@@ -191,13 +191,10 @@ TEST_F(SearchOverAPseudoTerminal, ModelsThatAreNotSearchedForAreToldSo)
     EXPECT_EQ(reader.untouched<Parrot>().heard, "");
 }
 
-TEST_F(SearchOverAPseudoTerminal, PortsThatAreNotThereCostNoTime)
+TEST_F(SearchOverAPseudoTerminal, PortsThatAreNotThereArePassedOver)
 {
     MappedDevice reader(16, right());
-    const auto begun = std::chrono::steady_clock::now();
     EXPECT_EQ(runCommand({"locate", "--model", "23"}).output, "16\n");
-    // With a wait for each of them it would take as long at least.
-    EXPECT_LT(std::chrono::steady_clock::now() - begun, 15 * 500ms);
     EXPECT_THAT(reader.used().errors(), IsEmpty());
 }
 

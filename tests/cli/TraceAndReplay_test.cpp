@@ -181,10 +181,9 @@ TEST(ReplayCommand, IsRefusedAsTheLineWas)
 
 TEST(ReplayCommand, WaitsInNoTime)
 {
-    const TextFile trace("# model: 13\n# set: Timeout=600\n# max-sheets: 1\n> 1B \"SRST\" 0D\n> 1B \"SRST\" 0D\n");
-    const auto begin = std::chrono::steady_clock::now();
+    const TextFile trace("# model: 13\n# set: Timeout=30000\n# max-sheets: 1\n> 1B \"SRST\" 0D\n> 1B \"SRST\" 0D\n");
+    // Two waits of more than eight hours: a replay that took them would be called stuck.
     const CommandOutcome replay = runCommand({"replay", trace.path()});
-    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(30));
     EXPECT_THAT(replay.output, HasSubstr("\"event\":\"failure\""));
     EXPECT_EQ(replay.status, 1);
 }

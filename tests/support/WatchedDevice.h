@@ -1,8 +1,8 @@
 #pragma once
 
 #include "platform/LineDevice.h"
+#include "tests/support/Patience.h"
 
-#include <chrono>
 #include <future>
 
 namespace kel::test {
@@ -29,7 +29,7 @@ public:
     }
     [[nodiscard]] bool hungUp() const override { return device_.hungUp(); }
 
-    void waitForEnd() { ended_.get_future().wait_for(std::chrono::seconds(10)); }
+    void waitForEnd() { ended_.get_future().wait_for(kPatience); }
 
 private:
     void tellEnd()

@@ -15,7 +15,7 @@ public:
     /// The dialog, as soon as it is visible.
     OtherProgram()
     {
-        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+        const auto end = std::chrono::steady_clock::now() + std::chrono::minutes(10);
         while (std::chrono::steady_clock::now() < end) {
             ::EnumWindows(
                 [](HWND window, LPARAM self) -> BOOL {

@@ -9,7 +9,7 @@ set(windows_environment KEL_WINDOWS_BIN=${KEL_WINDOWS_BUILD}/bin KEL_READER_PROG
     WINEPREFIX=${KEL_WINDOWS_BUILD}/prefix PYTHONDONTWRITEBYTECODE=1)
 function(kel_windows_test name)
     add_test(NAME Windows_${name} COMMAND ${Python3_EXECUTABLE} ${ARGN})
-    set_tests_properties(Windows_${name} PROPERTIES ENVIRONMENT "${windows_environment}" TIMEOUT 300)
+    set_tests_properties(Windows_${name} PROPERTIES ENVIRONMENT "${windows_environment}" TIMEOUT 1500)
 endfunction()
 
 kel_windows_test(prefix ${CMAKE_CURRENT_LIST_DIR}/harness.py start)

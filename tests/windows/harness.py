@@ -25,6 +25,8 @@ NO_FILE = PREFIX / "no_device"
 NOTHING_BEHIND = 15  # a port that leads nowhere
 FILE_BEHIND = 16     # a port that leads to a file
 
+PATIENCE = 600  # seconds: a program that has not ended after so long does not end
+
 _WINESERVER = "/usr/lib/wine/wineserver"
 _NO_STREAMS = {"stdin": subprocess.DEVNULL, "stdout": subprocess.DEVNULL, "stderr": subprocess.DEVNULL}
 
@@ -39,7 +41,7 @@ def environment(**more):
     return result
 
 
-def wine(*arguments, timeout=60, check=False, cwd=BIN, env=None):
+def wine(*arguments, timeout=PATIENCE, check=False, cwd=BIN, env=None):
     """Runs a program under Wine to its end; its output is text."""
     # Not a pipe: Wine's own processes inherit it, and live longer.
     with tempfile.TemporaryFile("w+", errors="replace") as output:
@@ -78,7 +80,7 @@ def make_prefix():
         stop_server()
         shutil.rmtree(PREFIX)
     PREFIX.parent.mkdir(parents=True, exist_ok=True)
-    wine("wineboot", "--init", cwd="/", timeout=120)
+    wine("wineboot", "--init", cwd="/", timeout=PATIENCE)
     PORTS.mkdir()
     (PORTS / "file").write_text("no serial device")
     keys = ["REGEDIT4", "", r"[HKEY_CURRENT_USER\Software\Wine\Drivers]", '"Graphics"="null"', "",
@@ -141,7 +143,7 @@ class SimulatedReader:
 
     def __exit__(self, *_):
         self._process.send_signal(signal.SIGINT)
-        self._process.wait(timeout=10)
+        self._process.wait(timeout=PATIENCE)
         self._reading.join()
         self._process.stdout.close()
         with contextlib.suppress(FileNotFoundError):
@@ -164,7 +166,7 @@ class FarEnd:
     def __exit__(self, *_):
         self._ends = True
         self._close()
-        self._thread.join(timeout=5)
+        self._thread.join(timeout=PATIENCE)
 
     def _open(self):
         self._master, self._slave = pty.openpty()
@@ -238,7 +240,7 @@ class WindowsTest(unittest.TestCase):
 
     maxDiff = None
 
-    def run_program(self, *arguments, timeout=60, status=0, **more):
+    def run_program(self, *arguments, timeout=PATIENCE, status=0, **more):
         """Runs a program and checks its exit status; the answer is its output."""
         answer = wine(*arguments, timeout=timeout, **more)
         self.assertEqual(answer.returncode, status, f"{' '.join(map(str, arguments))}:\n{answer.stdout}")

@@ -9,7 +9,8 @@ import subprocess
 import tempfile
 import unittest
 
-from harness import (BIN, READER_PROGRAM, FarEnd, SimulatedReader, WindowsTest, environment, machine_wide, registry_has, wine,
+from harness import (BIN, PATIENCE, READER_PROGRAM, FarEnd, SimulatedReader, WindowsTest, environment, machine_wide,
+                     registry_has, wine,
                      windows_path)
 
 EVENTS_PORT = 3
@@ -70,7 +71,7 @@ class Clients(WindowsTest):
 
     def test_lifetime(self):
         with SimulatedReader(model=21, port=SHEETS_PORT, count=1):
-            print(self.run_program("com_lifetime.exe", SHEETS_PORT, timeout=100))
+            print(self.run_program("com_lifetime.exe", SHEETS_PORT, timeout=PATIENCE))
 
 
 # Code pages: a language that has it, and a text of its letters in 6 bytes; the third letter's last byte in Japanese is a
@@ -128,7 +129,7 @@ class Sheets(WindowsTest):
 
     def here(self, *arguments):
         answer = subprocess.run([READER_PROGRAM, "scan", *map(str, arguments)], stdout=subprocess.PIPE, text=True,
-                                check=True, timeout=30)
+                                check=True, timeout=PATIENCE)
         events = [json.loads(line) for line in answer.stdout.splitlines()]
         return [line for event in events if event["event"] == "sheet" for line in printed(event)]
 

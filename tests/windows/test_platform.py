@@ -8,7 +8,7 @@ import subprocess
 import tempfile
 import unittest
 
-from harness import READER_PROGRAM, FarEnd, SimulatedReader, WindowsTest, port_link, registry_values
+from harness import PATIENCE, READER_PROGRAM, FarEnd, SimulatedReader, WindowsTest, port_link, registry_values
 
 PROGRAM = "windows_platform_tests.exe"
 DIALOG = "OptionsDialogWindowTest.*"
@@ -32,7 +32,7 @@ SHEETS = 2
 class FromWithin(WindowsTest):
     def run_tests(self, *arguments):
         with FarEnd(port=1):
-            output = self.run_program(PROGRAM, *arguments, timeout=60)
+            output = self.run_program(PROGRAM, *arguments)
         self.assertIn("[  PASSED  ]", output)
         self.assertNotIn("Running 0 tests", output)
 
@@ -66,7 +66,7 @@ class Sheets(WindowsTest):
         with SimulatedReader(model, port=port, seed=7, count=3, form=form):
             output = subprocess.run(
                 [READER_PROGRAM, "scan", "--model", str(model), "--device", str(port_link(port)), "--form", form,
-                 "--max-sheets", str(SHEETS)], text=True, timeout=60, stdout=subprocess.PIPE, check=True).stdout
+                 "--max-sheets", str(SHEETS)], text=True, timeout=PATIENCE, stdout=subprocess.PIPE, check=True).stdout
         events = [json.loads(line) for line in output.splitlines()]
         return sum((printed_form(event) for event in events if event["event"] == "sheet"), [])
 

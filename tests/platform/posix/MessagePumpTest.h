@@ -4,8 +4,8 @@
 #include "platform/posix/SteadyTime.h"
 #include "tests/platform/posix/PosixTest.h"
 
-#include <algorithm>
 #include <chrono>
+#include <thread>
 
 namespace kel::test {
 
@@ -21,14 +21,11 @@ protected:
         return steadyTime() - begin;
     }
 
-    /// The shortest of many turns: a machine that is busy otherwise makes some longer.
-    Moment shortestTurn()
-    {
-        Moment shortest = Moment::max();
-        for (int turn = 0; turn < 30; ++turn)
-            shortest = std::min(shortest, timeOf(1));
-        return shortest;
-    }
+    /// What a pump knows of itself.
+    struct Inside : TurnPump {
+        using TurnPump::longestWait;
+        static std::size_t openLines(const TurnPump& pump) { return (pump.*&Inside::lines)().size(); }
+    };
 
     /// How often the pump asks the system in some turns.
     std::uint64_t pollsOf(int turns)
@@ -36,6 +33,14 @@ protected:
         const std::uint64_t before = machine.pump().polls();
         timeOf(turns);
         return machine.pump().polls() - before;
+    }
+
+    /// Bytes from the far end, which wait unread at the line when this returns.
+    static void arrive(Pty& pty, const std::string& bytes)
+    {
+        ASSERT_EQ(pty.write(bytes), bytes.size());
+        while (pty.allRead())
+            std::this_thread::yield();
     }
 
     /// Bytes from the far end; the caller has been told of them when this returns.

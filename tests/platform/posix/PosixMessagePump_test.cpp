@@ -1,7 +1,7 @@
 #include "tests/platform/posix/MessagePumpTest.h"
 
-#include <algorithm>
 #include <atomic>
+#include <limits>
 #include <thread>
 
 namespace kel {
@@ -24,15 +24,18 @@ TEST_F(PosixMessagePumpTest, ATurnBlocksOnAnOpenLineWhereNothingHappens)
 TEST_F(PosixMessagePumpTest, ATurnBlocksForAMomentWhereNoLineIsOpen)
 {
     EXPECT_GE(timeOf(10), 9ms);
-    EXPECT_LT(shortestTurn(), 15ms);
+    EXPECT_EQ(pollsOf(10), 10U);
+    // The caller may be waiting for a line of the host, which cannot be watched.
+    EXPECT_LT(Inside::longestWait(Moment::max(), false), Inside::longestWait(Moment::max(), true));
 }
 
 TEST_F(PosixMessagePumpTest, AClosedLineIsNoOpenOne)
 {
     const Pty pty;
     const auto line = openControl(pty);
+    EXPECT_EQ(Inside::openLines(machine.pump()), 1U);
     line->PortOpen(False);
-    EXPECT_LT(shortestTurn(), 15ms);
+    EXPECT_EQ(Inside::openLines(machine.pump()), 0U);
 }
 
 TEST_F(PosixMessagePumpTest, AByteEndsATurn)
@@ -43,11 +46,8 @@ TEST_F(PosixMessagePumpTest, AByteEndsATurn)
         sleepUntil(steadyTime() + 5ms);
         EXPECT_EQ(pty.write("a"), 1U);
     });
-    // The byte is in the first turns, in one that ends before its time.
-    const Moment begin = steadyTime();
     while (line->InBufferCount() == 0)
         machine.pump().DoEvents();
-    EXPECT_LT(steadyTime() - begin, 5s);
     reader.join();
     EXPECT_EQ(line->Input(), "a");
 }
@@ -113,7 +113,7 @@ TEST_F(PosixMessagePumpTest, InputThatCameInAPauseEndsTheNextTurnOnly)
     Pty pty;
     const auto line = openControl(pty);
     machine.pump().DoEvents();
-    ASSERT_EQ(pty.write("a"), 1U);
+    arrive(pty, "a");
     machine.pump().Sleep(200);
     EXPECT_EQ(pollsOf(1), 0U);
     EXPECT_EQ(pollsOf(1), 1U);
@@ -236,32 +236,29 @@ TEST_F(PosixMessagePumpTest, APauseTakesItsWholeTime)
     EXPECT_GE(steadyTime() - begin, 20ms);
 }
 
-TEST_F(PosixMessagePumpTest, NoPauseReturnsAtOnce)
+TEST_F(PosixMessagePumpTest, APauseOfLessThanNothingIsNone)
 {
-    const Moment begin = steadyTime();
     machine.pump().Sleep(0);
-    machine.pump().Sleep(-60000);
-    EXPECT_LT(steadyTime() - begin, 5s);
+    machine.pump().Sleep(std::numeric_limits<Int32>::min()); // as an unsigned number it would be 24 days
 }
 
-TEST_F(PosixMessagePumpTest, ALongPauseCollectsMoreThanTheSystemHasRoomFor)
+TEST_F(PosixMessagePumpTest, LongPausesCollectMoreThanTheSystemHasRoomFor)
 {
     // A pseudo-terminal takes some 22,000 bytes that nobody reads.
     const std::string much(60000, 'x');
     Pty pty;
     const auto line = openControl(pty);
-    std::size_t written = 0;
-    std::atomic<bool> end{false};
+    std::atomic<std::size_t> written{0};
     std::thread reader([&] {
-        while (!end && written < much.size()) {
+        while (written < much.size()) {
             written += pty.write(std::string_view(much).substr(written, 1000));
             sleepUntil(steadyTime() + 1ms);
         }
     });
-    machine.pump().Sleep(1500);
-    end = true;
+    // Without room the far end would never come to its end.
+    while (written < much.size())
+        machine.pump().Sleep(200);
     reader.join();
-    EXPECT_EQ(written, much.size());
     EXPECT_EQ(line->InBufferCount(), static_cast<Int32>(much.size()));
 }
 

@@ -3,6 +3,7 @@
 #include "platform/posix/PosixPlatform.h"
 #include "simulators/pseudo_terminal/PtyDeviceHost.h"
 #include "types/RuntimeFailure.h"
+#include "tests/support/Patience.h"
 
 #include <gmock/gmock.h>
 
@@ -157,7 +158,7 @@ protected:
     /// Waits as a driver does, and takes all.
     std::string receive(Int32 count)
     {
-        const Moment end = machine_.pump().now() + 10s;
+        const Moment end = machine_.pump().now() + test::kPatience;
         while (control_->InBufferCount() < count && machine_.pump().now() < end)
             machine_.pump().DoEvents();
         return control_->Input();
@@ -215,7 +216,7 @@ TEST_F(RemoteLineTest, ACutConnectionIsAHangUp)
     serve("telnet(rfc2217),");
     open("rfc2217:" + place());
     control_->Output("half a page");
-    const Moment end = machine_.pump().now() + 10s;
+    const Moment end = machine_.pump().now() + test::kPatience;
     while (control_->InBufferCount() < 11 && machine_.pump().now() < end)
         machine_.pump().DoEvents();
     cut();

@@ -4,8 +4,6 @@
 
 #include "tests/platform/posix/MessagePumpTest.h"
 
-#include <thread>
-
 namespace kel {
 namespace {
 
@@ -123,12 +121,12 @@ TEST_F(TurnTimerTest, AReplyInTheTurnOfTheTimersEndIsSeenFirst)
 {
     Pty pty;
     const auto line = openControl(pty);
-    const auto limit = timer(20);
-    limit->Enabled(True);
+    const auto limit = timer(5);
     EXPECT_EQ(line->InBufferCount(), 0);
     machine.pump().hostPump([&] {
-        ASSERT_EQ(pty.write("a"), 1U);
-        std::this_thread::sleep_for(40ms);
+        limit->Enabled(True);
+        arrive(pty, "a");
+        machine.pump().Sleep(10);
     });
     machine.pump().DoEvents();
     machine.pump().hostPump(nullptr);
@@ -144,9 +142,7 @@ TEST_F(TurnTimerTest, ATimerThatHasEndedInAPauseEndsWhateverHasComeMeanwhile)
     const auto line = openControl(pty);
     const auto limit = timer(1);
     limit->Enabled(True);
-    ASSERT_EQ(pty.write("a"), 1U);
-    while (pty.allRead())
-        std::this_thread::yield();
+    arrive(pty, "a");
     machine.pump().Sleep(5);
     EXPECT_EQ(limit->Enabled(), True);
     machine.pump().DoEvents();
@@ -158,15 +154,17 @@ TEST_F(TurnTimerTest, BytesThatDripInPutATimerOffOnceOnly)
 {
     Pty pty;
     const auto line = openControl(pty);
-    const auto limit = timer(20);
-    limit->Enabled(True);
-    machine.pump().hostPump([&] {
-        ASSERT_EQ(pty.write("a"), 1U);
-        std::this_thread::sleep_for(40ms);
-    });
+    const auto limit = timer(5);
     int turns = 0;
-    while (limit->Enabled() && ++turns < 100)
+    machine.pump().hostPump([&] {
+        if (++turns == 1)
+            limit->Enabled(True);
+        arrive(pty, "a");
+        machine.pump().Sleep(10);
+    });
+    do
         machine.pump().DoEvents();
+    while (limit->Enabled() && turns < 100);
     machine.pump().hostPump(nullptr);
     EXPECT_EQ(turns, 2);
     EXPECT_EQ(line->InBufferCount(), 2);

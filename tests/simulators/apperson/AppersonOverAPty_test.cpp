@@ -26,7 +26,7 @@ public:
         : device_(makeSimulator(model, atOnce(std::move(options), model))), line_(model, *device_)
     {
         // A sheet that never comes would be waited for without end.
-        platform().pump().hostPump([this, end = platform().pump().now() + std::chrono::seconds(60)] {
+        platform().pump().hostPump([this, end = platform().pump().now() + kPatience] {
             if (platform().pump().now() > end)
                 reader().CancelScan(True);
         });

@@ -3,6 +3,8 @@
 #include "platform/SteadyTime.h"
 #include "platform/windows/WindowsPlatform.h"
 
+#include "tests/support/Patience.h"
+
 #include <gtest/gtest.h>
 
 namespace kel::test {
@@ -27,9 +29,9 @@ protected:
     void ask(const std::string& order) { line->Output(order + "\n"); }
 
     /// Lets turns go by until so many bytes wait; the number that waits.
-    Int32 waitFor(Int32 count, Moment patience = std::chrono::seconds(2))
+    Int32 waitFor(Int32 count)
     {
-        const Moment end = steadyTime() + patience;
+        const Moment end = steadyTime() + kPatience;
         while (line->InBufferCount() < count && steadyTime() < end)
             machine.pump().DoEvents();
         return line->InBufferCount();
