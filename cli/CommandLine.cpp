@@ -97,6 +97,14 @@ void holdStandardStreams()
     }
 }
 
+/// The system ends a process without a word that computes for longer than it may (ulimit -t).
+void endOutOfTime(int)
+{
+    constexpr std::string_view kText = "kelreader: The processor time that this process may use (ulimit -t) is over.\n";
+    [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, kText.data(), kText.size());
+    ::_exit(kFailedStatus);
+}
+
 } // namespace
 
 CLI::App& Commands::add(CLI::App& parent, const std::string& name, const std::string& description, Run run)
@@ -131,6 +139,7 @@ int runCommandLine(int argc, const char* const* argv)
     // A reader of our output that goes away, and a file that may not grow, are told as a failed write.
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);
+    std::signal(SIGXCPU, &endOutOfTime);
 
     CLI::App app("Reads sheets with optical mark readers.", "kelreader");
     app.set_version_flag("--version", "kelreader " KEL_VERSION);
@@ -152,6 +161,9 @@ int runCommandLine(int argc, const char* const* argv)
         return answerParser(app, error);
     } catch (const host::UsageError& error) {
         return complain(error.what(), kUsageStatus);
+    } catch (const std::bad_alloc&) {
+        return complain("There is not enough memory; end other programs or raise the limit (ulimit -v).",
+                        kFailedStatus);
     } catch (const std::exception& failure) {
         return complain(failure.what(), kFailedStatus);
     }

@@ -6,7 +6,6 @@
 #include <cerrno>
 #include <cstring>
 #include <fstream>
-#include <sstream>
 
 namespace kel {
 
@@ -39,6 +38,25 @@ std::string parserMessage(const Json::exception& error)
     if (message.starts_with(kItsName))
         message.erase(0, kItsName.size());
     return message;
+}
+
+/// What is written out, copied or taken away goes down into a value by recursion.
+void refuseDeepNesting(std::string_view text)
+{
+    constexpr int kDeepest = 64;
+    int depth = 0;
+    bool inText = false;
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        const char character = text[at];
+        if (inText && character == '\\')
+            ++at;
+        else if (character == '"')
+            inText = !inText;
+        else if (!inText && (character == ']' || character == '}'))
+            --depth;
+        else if (!inText && (character == '[' || character == '{') && ++depth > kDeepest)
+            throw NotJson("its arrays and objects are nested more than " + std::to_string(kDeepest) + " deep");
+    }
 }
 
 std::string unknownKey(const std::string& name)
@@ -88,6 +106,7 @@ void JsonPlace::refuse(const std::string& complaint) const
 
 Json parseJson(std::string_view text)
 {
+    refuseDeepNesting(text);
     try {
         return Json::parse(text);
     } catch (const Json::exception& error) { // a number too large for a double is no parse error
@@ -95,15 +114,26 @@ Json parseJson(std::string_view text)
     }
 }
 
-std::string readWholeFile(const std::filesystem::path& file, const std::string& what)
+std::string readWholeFile(const std::filesystem::path& file, const FileKind& kind)
 {
+    const std::size_t most = kind.megabytes << 20;
+    const std::string subject = std::string("The ") + kind.name + " " + file.string();
     std::ifstream stream(file, std::ios::binary);
-    std::ostringstream text;
-    if (stream.peek() != std::ifstream::traits_type::eof())
-        text << stream.rdbuf();
-    if (!stream.is_open() || stream.bad() || text.bad())
-        throw std::runtime_error("The " + what + " " + file.string() + " cannot be read: " + std::strerror(errno));
-    return text.str();
+    std::string text;
+    // Not by the size that the system tells: a pipe has none.
+    while (stream.good() && text.size() <= most) {
+        constexpr std::size_t kBlock = 65536;
+        const std::size_t before = text.size();
+        text.resize(before + kBlock);
+        stream.read(text.data() + before, kBlock);
+        text.resize(before + static_cast<std::size_t>(stream.gcount()));
+    }
+    if (!stream.is_open() || stream.bad())
+        throw std::runtime_error(subject + " cannot be read: " + std::strerror(errno));
+    if (text.size() > most)
+        throw std::runtime_error(subject + " is larger than " + std::to_string(kind.megabytes) +
+                                 " MB, the most that is taken of such a file");
+    return text;
 }
 
 void readJsonObject(const Json& value, const JsonPlace& place, const JsonKeyReaders& readers)
@@ -137,6 +167,15 @@ void readJsonArray(const Json& value, const JsonPlace& place, const std::string&
         refuseType(place, "an array", value);
     for (std::size_t i = 0; i < value.size(); ++i)
         readElement(value[i], place.part(elementName + " " + std::to_string(i + 1)));
+}
+
+void readBoundedJsonArray(const Json& value, const JsonPlace& place, std::size_t most, const char* elements,
+                          const JsonReader& readElement)
+{
+    if (value.is_array() && value.size() > most)
+        place.refuse("has " + std::to_string(value.size()) + " " + elements + ", and at most " + std::to_string(most) +
+                     " are taken");
+    readJsonArray(value, place, readElement);
 }
 
 std::string readJsonText(const Json& value, const JsonPlace& place)

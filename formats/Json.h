@@ -72,12 +72,18 @@ struct JsonPlace {
     [[noreturn]] void refuse(const std::string& complaint) const;
 };
 
-/// NotJson for a text that is none.
+/// NotJson for a text that is none, or that is nested more than 64 deep.
 [[nodiscard]] Json parseJson(std::string_view text);
 
+/// A kind of file: how a sentence names it, and how many megabytes of one are taken at most.
+struct FileKind {
+    const char* name;
+    std::size_t megabytes;
+};
+
 /// The bytes of a file. std::runtime_error, "The sheet file x cannot be read: No such file or directory", if that
-/// fails; `what` names the kind of file.
-[[nodiscard]] std::string readWholeFile(const std::filesystem::path& file, const std::string& what);
+/// fails or the file is larger than one of its kind may be.
+[[nodiscard]] std::string readWholeFile(const std::filesystem::path& file, const FileKind& kind);
 
 using JsonReader = std::function<void(const Json& value, const JsonPlace& place)>;
 using JsonKeyReaders = std::vector<std::pair<std::string, JsonReader>>;
@@ -90,6 +96,9 @@ void readJsonObject(const Json& value, const JsonPlace& place, const JsonKeyRead
 void readJsonArray(const Json& value, const JsonPlace& place, const JsonReader& readElement);
 void readJsonArray(const Json& value, const JsonPlace& place, const std::string& elementName,
                    const JsonReader& readElement);
+/// The same for an array that may have so many elements at most: "has 2000 pages, and at most 1000 are taken".
+void readBoundedJsonArray(const Json& value, const JsonPlace& place, std::size_t most, const char* elements,
+                          const JsonReader& readElement);
 [[nodiscard]] std::string readJsonText(const Json& value, const JsonPlace& place);
 /// A text as it goes over a line, a byte a character.
 [[nodiscard]] std::string readJsonLineText(const Json& value, const JsonPlace& place);

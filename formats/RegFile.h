@@ -37,7 +37,8 @@ public:
 
 /// What a registry file of version 5.00 says, in its order. It may come in UTF-8 or in UTF-16 in little-endian order,
 /// with or without a byte-order mark. Texts of the kinds "text", "expandable text" and "texts" lose one zero character
-/// at their end, as values are kept without it. RegFileError for a file that is none.
+/// at their end, as values are kept without it. RegFileError for a file that is none,
+/// that has more than 50,000 keys and values, or a key that is longer or deeper than `isTooLong` allows.
 [[nodiscard]] std::vector<RegFileEntry> parseRegFile(std::string_view bytes);
 
 /// The registry file that says all this: UTF-16 in little-endian order with a byte-order mark, lines ended by CR LF.

@@ -11,6 +11,8 @@ namespace kel {
 
 namespace {
 
+constexpr std::size_t kMostEntries = 50000;
+
 constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
 constexpr std::string_view kUtf16Mark = "\xFF\xFE";
 constexpr std::string_view kTurnedMark = "\xFE\xFF";
@@ -110,12 +112,21 @@ private:
         const std::optional<RegistryPath> path = registryPath(name);
         if (!path)
             fail("the key begins with no hive such as HKEY_CURRENT_USER.");
+        if (isTooLong(*path))
+            fail("the key is longer than 2,048 bytes, or more than 512 names deep.");
         if (removed && path->subKey.empty())
             fail("a hive as a whole cannot be removed.");
         take(end + 1);
-        entries_.push_back({*path, std::nullopt, removed, {}});
+        add({*path, std::nullopt, removed, {}});
         key_ = path;
         keyRemoved_ = removed;
+    }
+
+    void add(RegFileEntry entry)
+    {
+        if (entries_.size() == kMostEntries)
+            fail("the file has more than 50,000 keys and values; import it in parts.");
+        entries_.push_back(std::move(entry));
     }
 
     void value()
@@ -133,7 +144,7 @@ private:
             entry.removed = true;
         else
             entry.value = data();
-        entries_.push_back(std::move(entry));
+        add(std::move(entry));
     }
 
     RegistryValue data()

@@ -1,20 +1,23 @@
 #include "formats/RegistryCopy.h"
 
+#include "platform/RegistryTransaction.h"
+
+#include <algorithm>
+#include <functional>
+#include <set>
 #include <utility>
 
 namespace kel {
 
 namespace {
 
-void addEntries(Registry& registry, const RegistryPath& key, std::vector<RegFileEntry>& entries)
+void addEntry(Registry& registry, const RegistryPath& key, std::vector<RegFileEntry>& entries)
 {
     entries.push_back({key, std::nullopt, false, {}});
     for (const std::string& name : registry.valueNames(key.hive, key.subKey)) {
         if (std::optional<RegistryValue> value = registry.read(key.hive, key.subKey, name))
             entries.push_back({key, name, false, std::move(*value)});
     }
-    for (const std::string& name : registry.subKeys(key.hive, key.subKey))
-        addEntries(registry, below(key, name), entries);
 }
 
 bool removeKey(Registry& registry, const RegistryPath& key)
@@ -41,18 +44,40 @@ bool apply(Registry& registry, const RegFileEntry& entry)
 std::vector<RegFileEntry> registryEntries(Registry& registry, const RegistryPath& key)
 {
     std::vector<RegFileEntry> entries;
+    std::vector<RegistryPath> toCome; // the next one last
     if (registry.exists(key.hive, key.subKey))
-        addEntries(registry, key, entries);
+        toCome.push_back(key);
+    while (!toCome.empty()) {
+        const RegistryPath next = std::move(toCome.back());
+        toCome.pop_back();
+        addEntry(registry, next, entries);
+        const std::vector<std::string> names = registry.subKeys(next.hive, next.subKey);
+        for (auto name = names.rbegin(); name != names.rend(); ++name)
+            toCome.push_back(below(next, *name));
+    }
     return entries;
 }
 
 std::optional<RegFileEntry> applyRegistryEntries(Registry& registry, const std::vector<RegFileEntry>& entries)
 {
-    for (const RegFileEntry& entry : entries) {
-        if (!apply(registry, entry))
-            return entry;
+    std::optional<RegFileEntry> refused;
+    std::function<bool()> applyAll = [&] {
+        const auto found = std::find_if(entries.begin(), entries.end(),
+                                        [&](const RegFileEntry& entry) { return !apply(registry, entry); });
+        if (found != entries.end())
+            refused = *found;
+        return !refused;
+    };
+    std::set<kelReaderRegistryKey> hives;
+    for (const RegFileEntry& entry : entries)
+        hives.insert(entry.key.hive);
+    if (auto* const store = dynamic_cast<RegistryTransaction*>(&registry)) {
+        for (const kelReaderRegistryKey hive : hives)
+            applyAll = [store, hive, body = std::move(applyAll)] { return store->together(hive, body); };
     }
-    return std::nullopt;
+    if (!applyAll() && !refused)
+        refused = entries.back(); // each was taken, and the whole was not
+    return refused;
 }
 
 } // namespace kel

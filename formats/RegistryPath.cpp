@@ -1,6 +1,9 @@
 #include "formats/RegistryPath.h"
 
+#include "platform/RegistryTransaction.h"
 #include "types/Text.h"
+
+#include <algorithm>
 
 namespace kel {
 
@@ -31,12 +34,21 @@ std::optional<RegistryPath> registryPath(std::string_view text)
             continue;
         RegistryPath path{row.hive, ""};
         for (const std::string& name : split(text.substr(hive.size()), '\\')) {
-            if (!name.empty())
-                path = below(path, name);
+            if (name.empty())
+                continue;
+            if (!path.subKey.empty())
+                path.subKey += '\\';
+            path.subKey += name;
         }
         return path;
     }
     return std::nullopt;
+}
+
+bool isTooLong(const RegistryPath& path)
+{
+    const auto levels = 1 + std::count(path.subKey.begin(), path.subKey.end(), '\\');
+    return path.subKey.size() > kLongestKey || static_cast<std::size_t>(levels) > kDeepestKey;
 }
 
 std::string registryPathText(const RegistryPath& path)

@@ -208,7 +208,7 @@ GradingKey parseAnswerKey(std::string_view text, const std::string& fileName)
 
 GradingKey readAnswerKeyFile(const std::filesystem::path& file)
 {
-    return parseAnswerKey(readGivenFile(file, "answer key file"), file.string());
+    return parseAnswerKey(readGivenFile(file, kAnswerKeyFile), file.string());
 }
 
 } // namespace kel::host

@@ -12,6 +12,11 @@ namespace {
 using Limits = std::numeric_limits<Int16>;
 using LongLimits = std::numeric_limits<Int32>;
 
+// More of each than any reader takes.
+constexpr std::size_t kMostPages = 1000;
+constexpr std::size_t kMostWindows = 1000;
+constexpr std::size_t kMostBarcodes = 1000;
+
 Int16 readSize(const Json& value, const JsonPlace& place)
 {
     return readJsonNumber(value, place, 0, Limits::max());
@@ -21,8 +26,8 @@ JsonReader sizes(std::optional<std::vector<Int16>>& target)
 {
     return [&target](const Json& value, const JsonPlace& place) {
         target.emplace();
-        readJsonArray(value, place,
-                      [&](const Json& size, const JsonPlace& here) { target->push_back(readSize(size, here)); });
+        readBoundedJsonArray(value, place, kMostPages, "pages",
+                             [&](const Json& size, const JsonPlace& here) { target->push_back(readSize(size, here)); });
     };
 }
 
@@ -102,14 +107,15 @@ Form formOf(const Json& root)
          {"side2Cols", sizes(form.side2Cols)},
          {"windows",
           [&](const Json& value, const JsonPlace& place) {
-              readJsonArray(value, place, [&](const Json& window, const JsonPlace& here) {
-                  form.windows.push_back(readWindow(window, here));
-              });
+              readBoundedJsonArray(
+                  value, place, kMostWindows, "windows",
+                  [&](const Json& window, const JsonPlace& here) { form.windows.push_back(readWindow(window, here)); });
           }},
          {"barcodes", [&](const Json& value, const JsonPlace& place) {
-              readJsonArray(value, place, [&](const Json& barcode, const JsonPlace& here) {
-                  form.barcodes.push_back(readBarcode(barcode, here));
-              });
+              readBoundedJsonArray(value, place, kMostBarcodes, "barcode zones",
+                                   [&](const Json& barcode, const JsonPlace& here) {
+                                       form.barcodes.push_back(readBarcode(barcode, here));
+                                   });
           }}});
     return form;
 }
@@ -133,7 +139,7 @@ Form parseForm(std::string_view text, const std::string& fileName)
 
 Form readFormFile(const std::filesystem::path& file)
 {
-    return parseForm(readGivenFile(file, "form file"), file.string());
+    return parseForm(readGivenFile(file, kFormFile), file.string());
 }
 
 std::string sizesText(const Form& form)

@@ -8,10 +8,10 @@
 
 namespace kel::host {
 
-std::string readGivenFile(const std::filesystem::path& file, const std::string& what)
+std::string readGivenFile(const std::filesystem::path& file, const FileKind& kind)
 {
     try {
-        return readWholeFile(file, what);
+        return readWholeFile(file, kind);
     } catch (const std::runtime_error& failure) {
         throw UsageError(std::string(failure.what()) + ".");
     }

@@ -8,9 +8,13 @@
 
 namespace kel::host {
 
-/// The bytes of a file that the command was given; UsageError if it cannot be read. `what` names the kind of file:
-/// "form file".
-[[nodiscard]] std::string readGivenFile(const std::filesystem::path& file, const std::string& what);
+inline constexpr FileKind kFormFile{"form file", 1};
+inline constexpr FileKind kAnswerKeyFile{"answer key file", 4};
+inline constexpr FileKind kRegistryFile{"registry file", 8};
+inline constexpr FileKind kTranscriptFile{"transcript", 32};
+
+/// The bytes of a file that the command was given; UsageError if it cannot be read, or is too large.
+[[nodiscard]] std::string readGivenFile(const std::filesystem::path& file, const FileKind& kind);
 
 /// UsageError for what was refused in a file: one sentence with the file's name and the place. An unknown key is told
 /// with the ones that come nearest.

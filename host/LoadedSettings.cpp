@@ -7,8 +7,11 @@ namespace kel::host {
 
 RegistryPath keyNamed(std::string_view text)
 {
-    if (const std::optional<RegistryPath> key = registryPath(text))
+    if (const std::optional<RegistryPath> key = registryPath(text)) {
+        if (isTooLong(*key))
+            throw UsageError("A key of the registry is at most 2,048 bytes long and 512 names deep.");
         return *key;
+    }
     throw UsageError("'" + std::string(text) +
                      "' is no key of the registry; write HIVE\\SUBKEY with a hive such as HKEY_CURRENT_USER or HKCU.");
 }

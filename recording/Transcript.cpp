@@ -7,6 +7,8 @@ namespace kel {
 
 namespace {
 
+constexpr int kMostTranscriptLines = 1000000;
+
 constexpr std::string_view kBlanks = " \t\r";
 
 std::string_view trimmed(std::string_view text)
@@ -160,6 +162,8 @@ Transcript parseTranscript(std::string_view text)
     if (text.starts_with("\xEF\xBB\xBF"))
         text.remove_prefix(3);
     for (int number = 1; !text.empty(); ++number) {
+        if (number > kMostTranscriptLines)
+            throw TranscriptError(number, "a transcript of more than a million lines; replay it in parts");
         const std::size_t end = text.find('\n');
         const std::string_view line = trimmed(text.substr(0, end));
         text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);

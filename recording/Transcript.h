@@ -42,7 +42,7 @@ struct Transcript {
     [[nodiscard]] std::vector<std::string> values(std::string_view key) const;
 };
 
-/// A text that is no transcript; the text of the error begins with the number of the line: "line 7: ...".
+/// A text that is no transcript, or one of more than a million lines; the text of the error begins with the number of the line: "line 7: ...".
 class TranscriptError : public std::runtime_error {
 public:
     TranscriptError(int line, const std::string& what)

@@ -15,6 +15,19 @@ Moment duration(double milliseconds)
     return Moment(static_cast<Moment::rep>(std::llround(milliseconds * 1e6)));
 }
 
+/// Bytes for a sentence, which names the first of them only.
+std::string shown(std::string_view bytes)
+{
+    constexpr std::size_t kMost = 200;
+    return transcriptBytes(bytes.substr(0, kMost)) + (bytes.size() > kMost ? " ..." : "");
+}
+
+std::string shown(const TranscriptLine& line)
+{
+    const char direction = line.kind == TranscriptLine::Kind::ToReader ? '>' : '<';
+    return line.bytes.empty() ? writeTranscriptLine(line) : direction + (" " + shown(line.bytes));
+}
+
 std::string place(const TranscriptLine& line)
 {
     return "Line " + std::to_string(line.number);
@@ -42,6 +55,7 @@ void TranscriptPlayer::opened()
 {
     open_ = true;
     received_.clear();
+    taken_ = 0;
     if (sent_ == 0)
         beginStep(now_);
 }
@@ -111,14 +125,13 @@ bool TranscriptPlayer::send(std::string_view bytes)
         return false;
     for (std::size_t i = 0; i < bytes.size() && differences_.empty(); ++i) {
         if (position_ == steps_.size()) {
-            differ("The host sent " + transcriptBytes(bytes.substr(i)) + " behind the end of the transcript.");
+            differ("The host sent " + shown(bytes.substr(i)) + " behind the end of the transcript.");
         } else if (const TranscriptLine& line = steps_[position_].line; line.kind != TranscriptLine::Kind::ToReader) {
-            differ(place(line) + ": the host sent " + transcriptBytes(bytes.substr(i)) + " where \"" +
-                   writeTranscriptLine(line) + "\" comes from the reader first.");
+            differ(place(line) + ": the host sent " + shown(bytes.substr(i)) + " where \"" + shown(line) +
+                   "\" comes from the reader first.");
         } else if (line.bytes[sent_] != bytes[i]) {
-            differ(place(line) + ": the host sent " + transcriptBytes(line.bytes.substr(0, sent_)) +
-                   (sent_ > 0 ? " " : "") + transcriptBytes(bytes.substr(i)) + " where the transcript has " +
-                   transcriptBytes(line.bytes) + ".");
+            differ(place(line) + ": the host sent " + shown(line.bytes.substr(0, sent_)) + (sent_ > 0 ? " " : "") +
+                   shown(bytes.substr(i)) + " where the transcript has " + shown(line.bytes) + ".");
         } else if (++sent_ == line.bytes.size()) {
             ++position_;
             beginStep(now_);
@@ -131,7 +144,7 @@ bool TranscriptPlayer::send(std::string_view bytes)
 std::size_t TranscriptPlayer::waiting()
 {
     settle();
-    return received_.size();
+    return received_.size() - taken_;
 }
 
 std::uint64_t TranscriptPlayer::arrivals()
@@ -143,9 +156,13 @@ std::uint64_t TranscriptPlayer::arrivals()
 std::string TranscriptPlayer::take(std::size_t most)
 {
     settle();
-    std::string bytes = received_.substr(0, most);
-    received_.erase(0, bytes.size());
+    std::string bytes = received_.substr(taken_, most);
+    taken_ += bytes.size();
     takings_ += bytes.size();
+    if (taken_ == received_.size()) {
+        received_.clear();
+        taken_ = 0;
+    }
     return bytes;
 }
 
@@ -165,7 +182,7 @@ std::string TranscriptPlayer::unsent() const
 {
     for (std::size_t i = position_; i < steps_.size(); ++i) {
         if (steps_[i].line.kind == TranscriptLine::Kind::ToReader)
-            return place(steps_[i].line) + ": " + writeTranscriptLine(steps_[i].line);
+            return place(steps_[i].line) + ": " + shown(steps_[i].line);
     }
     return {};
 }

@@ -92,6 +92,7 @@ private:
     bool hungUp_ = false;
     std::string hangUpText_;
     std::string received_;
+    std::size_t taken_ = 0; // of what was received, the part that the host has taken
     std::uint64_t arrivals_ = 0;
     std::uint64_t takings_ = 0;
     std::vector<std::string> differences_;

@@ -15,6 +15,7 @@ namespace {
 constexpr const char* kHeadSection = "VBLM";
 constexpr const char* kNoValue = "?";
 constexpr std::size_t kProfileBuffer = 64;
+constexpr std::uintmax_t kLargestFile = 16U << 20;
 constexpr char kFolderSeparator = static_cast<char>(std::filesystem::path::preferred_separator);
 
 /// A name with a drive or a network path stands as it is, and so does an absolute path where paths begin with "/".
@@ -120,6 +121,10 @@ void LanguageLoad::findFile()
     });
     if (!isThere(sFileName_))
         throw LoadFailed{"Language database file " + sFileName_ + " not found."};
+    std::error_code unknown;
+    if (const std::uintmax_t size = std::filesystem::file_size(filePath(sFileName_), unknown);
+        !unknown && size > kLargestFile)
+        throw LoadFailed{"Language database file " + sFileName_ + " is larger than 16 MB."};
 }
 
 void LanguageLoad::readLanguages()

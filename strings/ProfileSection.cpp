@@ -3,8 +3,6 @@
 #include "strings/InputFile.h"
 #include "types/Text.h"
 
-#include <algorithm>
-
 namespace kel {
 
 namespace {
@@ -69,16 +67,15 @@ void ProfileSection::read(const std::string& fileName, std::string_view section)
                 return;
             inside = equalNoCase(line.substr(1, bracket - 1), section);
         } else if (inside && equals != std::string_view::npos) {
-            entries_.emplace_back(withoutBlanks(line.substr(0, equals)),
-                                  withoutQuotes(withoutBlanks(line.substr(equals + 1))));
+            entries_.try_emplace(lowerCase(withoutBlanks(line.substr(0, equals))),
+                                 withoutQuotes(withoutBlanks(line.substr(equals + 1))));
         }
     }
 }
 
 std::string ProfileSection::value(std::string_view key, std::string_view otherwise, std::size_t bufferSize) const
 {
-    const auto entry =
-        std::find_if(entries_.begin(), entries_.end(), [&](const auto& each) { return equalNoCase(each.first, key); });
+    const auto entry = entries_.find(lowerCase(key));
     return std::string(firstCharacters(entry == entries_.end() ? otherwise : entry->second, bufferSize - 1));
 }
 

@@ -2,8 +2,7 @@
 
 #include <string>
 #include <string_view>
-#include <utility>
-#include <vector>
+#include <unordered_map>
 
 namespace kel {
 
@@ -25,7 +24,7 @@ public:
 private:
     void read(const std::string& fileName, std::string_view section);
 
-    std::vector<std::pair<std::string, std::string>> entries_;
+    std::unordered_map<std::string, std::string> entries_; // by the key in lower case
 };
 
 } // namespace kel

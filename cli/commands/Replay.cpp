@@ -35,7 +35,7 @@ bool tellDifferences(const host::Replay& replay)
 
 int run(const Arguments& arguments)
 {
-    host::Replay replay(host::readGivenFile(arguments.file, "transcript"), arguments.file);
+    host::Replay replay(host::readGivenFile(arguments.file, host::kTranscriptFile), arguments.file);
     if (!arguments.formFile.empty())
         replay.request().form = host::readFormFile(arguments.formFile);
     std::vector<std::string>& assignments = replay.request().assignments;

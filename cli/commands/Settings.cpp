@@ -162,7 +162,7 @@ int exportKey(const Arguments& arguments)
 std::vector<RegFileEntry> entriesOf(const std::string& file)
 {
     try {
-        return parseRegFile(host::readGivenFile(file, "registry file"));
+        return parseRegFile(host::readGivenFile(file, host::kRegistryFile));
     } catch (const RegFileError& refusal) {
         throw host::UsageError("The registry file " + file + " cannot be taken. " + refusal.what());
     }

@@ -1,5 +1,6 @@
 #include "platform/posix/HiveDatabase.h"
 
+#include <algorithm>
 #include <sqlite3.h>
 
 namespace kel {
@@ -118,18 +119,44 @@ std::optional<std::int64_t> HiveDatabase::findKey(const std::string& path)
     return run.numberAt(0);
 }
 
+void HiveDatabase::begin()
+{
+    together_.emplace(database_);
+}
+
+bool HiveDatabase::end(bool keep)
+{
+    keep = keep && together_;
+    if (keep)
+        together_->commit();
+    together_.reset();
+    return keep;
+}
+
 /// The key's row; it is made, and those of the keys above it, if need be.
 std::int64_t HiveDatabase::makeKey(const std::string& path)
 {
-    if (const std::optional<std::int64_t> found = findKey(path))
-        return *found;
-    const std::size_t split = path.rfind('\\');
-    const std::string above = split == std::string::npos ? "" : path.substr(0, split);
-    const std::string name = split == std::string::npos ? path : path.substr(split + 1);
-    const std::int64_t aboveRow = makeKey(above);
-    SqliteStatement::Run run(statements_->addKey);
-    run.text(path).number(aboveRow).text(name).next();
-    return run.numberAt(0);
+    // Where the names of the keys that are missing begin, the lowest one first.
+    std::vector<std::size_t> missing;
+    std::size_t end = path.size();
+    std::optional<std::int64_t> row = findKey(path);
+    while (!row) {
+        if (end == 0)
+            throw SqliteFailure(SQLITE_CORRUPT, "the hive's own row is missing");
+        const std::size_t split = path.rfind('\\', end - 1);
+        missing.push_back(split == std::string::npos ? 0 : split + 1);
+        end = split == std::string::npos ? 0 : split;
+        row = findKey(path.substr(0, end));
+    }
+    for (auto begin = missing.rbegin(); begin != missing.rend(); ++begin) {
+        end = std::min(path.find('\\', *begin), path.size());
+        const std::string whole = path.substr(0, end);
+        const std::string name = path.substr(*begin, end - *begin);
+        SqliteStatement::Run run(statements_->addKey);
+        run.text(whole).number(*row).text(name).next();
+        row = run.numberAt(0);
+    }
+    return *row;
 }
 
 std::optional<RegistryValue> HiveDatabase::read(const std::string& path, std::string_view name)
@@ -149,7 +176,9 @@ void HiveDatabase::create(const std::string& path)
 
 void HiveDatabase::write(const std::string& path, std::string_view name, const RegistryValue& value)
 {
-    SqliteTransaction transaction(database_);
+    std::optional<SqliteTransaction> transaction;
+    if (!together_)
+        transaction.emplace(database_);
     const std::int64_t key = makeKey(path);
     SqliteStatement::Run(statements_->writeValue)
         .number(key)
@@ -157,7 +186,8 @@ void HiveDatabase::write(const std::string& path, std::string_view name, const R
         .number(static_cast<std::int64_t>(value.type))
         .blob(value.data)
         .next();
-    transaction.commit();
+    if (transaction)
+        transaction->commit();
 }
 
 bool HiveDatabase::removeValue(const std::string& path, std::string_view name)

@@ -27,6 +27,11 @@ public:
     [[nodiscard]] bool isFrozen() const noexcept { return mode_ == SqliteDatabase::Mode::Frozen; }
     [[nodiscard]] bool hasMoved() const noexcept { return database_.hasMoved(); }
 
+    /// From here on, up to the end, all that is written is one transaction.
+    void begin();
+    /// Keeps what was written, or undoes it; whether it stays.
+    bool end(bool keep);
+
     [[nodiscard]] std::optional<RegistryValue> read(const std::string& path, std::string_view name);
     void create(const std::string& path);
     void write(const std::string& path, std::string_view name, const RegistryValue& value);
@@ -62,6 +67,7 @@ private:
     SqliteDatabase::Mode mode_;
     SqliteDatabase database_;
     std::optional<Statements> statements_;
+    std::optional<SqliteTransaction> together_;
 };
 
 } // namespace kel

@@ -1,8 +1,10 @@
 #include "platform/posix/HiveStore.h"
 
+#include "platform/RegistryTransaction.h"
 #include "platform/posix/HiveDatabase.h"
 #include "types/Text.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <fcntl.h>
@@ -200,10 +202,30 @@ bool HiveStore::create(std::string_view subKey)
 
 bool HiveStore::write(std::string_view subKey, std::string_view name, const RegistryValue& value)
 {
+    const std::string path = normalized(subKey);
+    if (std::count(path.begin(), path.end(), '\\') >= static_cast<std::ptrdiff_t>(kDeepestKey))
+        return false;
     return withDatabase(true, false, [&](HiveDatabase& database) {
-        database.write(normalized(subKey), name, value);
+        database.write(path, name, value);
         return true;
     });
+}
+
+/// What the body writes is one transaction. If the database is lost in its midst, nothing of it stays.
+bool HiveStore::together(const std::function<bool()>& body)
+{
+    withDatabase(true, false, [](HiveDatabase& database) {
+        database.begin();
+        return true;
+    });
+    bool done = false;
+    try {
+        done = body();
+    } catch (...) {
+        withDatabase(false, false, [](HiveDatabase& database) { return database.end(false); });
+        throw;
+    }
+    return withDatabase(false, false, [&](HiveDatabase& database) { return database.end(done); });
 }
 
 bool HiveStore::removeValue(std::string_view subKey, std::string_view name)

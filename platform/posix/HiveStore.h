@@ -4,6 +4,7 @@
 #include "platform/Registry.h"
 #include "platform/posix/RegistryFolders.h"
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -24,6 +25,7 @@ public:
     [[nodiscard]] std::optional<RegistryValue> read(std::string_view subKey, std::string_view name);
     bool create(std::string_view subKey);
     bool write(std::string_view subKey, std::string_view name, const RegistryValue& value);
+    bool together(const std::function<bool()>& body);
     bool removeValue(std::string_view subKey, std::string_view name);
     bool removeKey(std::string_view subKey);
     [[nodiscard]] bool exists(std::string_view subKey);

@@ -46,6 +46,12 @@ bool SqliteRegistry::remove(kelReaderRegistryKey hive, std::string_view subKey, 
     return name ? found->removeValue(subKey, *name) : found->removeKey(subKey);
 }
 
+bool SqliteRegistry::together(kelReaderRegistryKey hive, const std::function<bool()>& body)
+{
+    HiveStore* found = store(hive);
+    return found ? found->together(body) : body();
+}
+
 bool SqliteRegistry::exists(kelReaderRegistryKey hive, std::string_view subKey)
 {
     HiveStore* found = store(hive);

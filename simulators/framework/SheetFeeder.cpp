@@ -147,7 +147,7 @@ SheetFeeder SheetFeeder::fromJson(std::string_view text)
 
 SheetFeeder SheetFeeder::fromFile(const std::filesystem::path& file)
 {
-    const std::string text = readWholeFile(file, "sheet file");
+    const std::string text = readWholeFile(file, {"sheet file", 32});
     try {
         return fromJson(text);
     } catch (const JsonRefusal& refusal) {

@@ -83,13 +83,18 @@ Moment PtyDeviceHost::now() const
 
 void PtyDeviceHost::start()
 {
-    thread_ = std::thread([this] {
+    const auto body = [this] {
         try {
             run();
         } catch (...) {
             thrown_ = std::current_exception();
         }
-    });
+    };
+    try {
+        thread_ = std::thread(body);
+    } catch (const std::system_error& failure) {
+        throw std::system_error(failure.code(), "The simulated reader cannot be started, the system gives it no thread");
+    }
 }
 
 void PtyDeviceHost::join()

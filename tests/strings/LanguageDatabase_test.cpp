@@ -237,6 +237,16 @@ TEST_F(LanguageDatabaseTest, TakesAFolderOfTheFilesNameForAMissingFile)
     EXPECT_EQ(fresh().RTString(1), "Language database file " + folder.file(kLanguageFileName) + " not found.");
 }
 
+TEST_F(LanguageDatabaseTest, TakesNoFileOfMoreThan16Megabytes)
+{
+    folder.write(kLanguageFileName, twoLanguages().text());
+    std::filesystem::resize_file(folder.file(kLanguageFileName), (16U << 20) + 1);
+    EXPECT_EQ(fresh().RTString(1),
+              "Language database file " + folder.file(kLanguageFileName) + " is larger than 16 MB.");
+    std::filesystem::resize_file(folder.file(kLanguageFileName), 16U << 20);
+    EXPECT_EQ(fresh().RTString(1), "one");
+}
+
 TEST_F(LanguageDatabaseTest, PutsTheComponentsFolderInFrontOfABareName)
 {
     folder.write("other.txt", twoLanguages().text());

@@ -70,7 +70,7 @@ std::unique_ptr<kel::OmrDevice> deviceOfFile()
     if (file.empty())
         return std::make_unique<kel::OmrDevice>();
     try {
-        return std::make_unique<kel::OmrDevice>(kel::omrStateFromJson(kel::readWholeFile(file, "state file")));
+        return std::make_unique<kel::OmrDevice>(kel::omrStateFromJson(kel::readWholeFile(file, {"state file", 64})));
     } catch (const std::exception& error) {
         std::cerr << "simulated OMRAPI: " << file << ": " << error.what() << '\n';
         return std::make_unique<kel::OmrDevice>(kel::OmrSimulationState{.connected = false});

@@ -320,6 +320,48 @@ TEST_F(SqliteRegistryTest, AFolderThatCannotBeMadeIsNoAccess)
     EXPECT_EQ(read(registry, "A", "x"), "nothing");
 }
 
+TEST_F(SqliteRegistryTest, WhatIsWrittenTogetherIsKeptTogetherOrNotAtAll)
+{
+    SqliteRegistry registry(folders());
+    SqliteRegistry other(folders());
+    EXPECT_TRUE(write(registry, "A", "x", "old"));
+    const auto body = [&](bool answer) {
+        return [&, answer] {
+            EXPECT_TRUE(write(registry, "A", "x", "new"));
+            EXPECT_TRUE(write(registry, "A\\B", "y", "new"));
+            EXPECT_EQ(read(registry, "A", "x"), "new");
+            EXPECT_EQ(read(other, "A", "x"), "old");
+            return answer;
+        };
+    };
+    EXPECT_FALSE(registry.together(kUser, body(false)));
+    EXPECT_EQ(read(registry, "A", "x"), "old");
+    EXPECT_FALSE(registry.exists(kUser, "A\\B"));
+    EXPECT_THROW(registry.together(kUser,
+                                   [&]() -> bool {
+                                       write(registry, "A", "x", "new");
+                                       throw std::runtime_error("no more");
+                                   }),
+                 std::runtime_error);
+    EXPECT_EQ(read(registry, "A", "x"), "old");
+    EXPECT_TRUE(registry.together(kUser, body(true)));
+    EXPECT_EQ(read(other, "A", "x"), "new");
+    EXPECT_EQ(read(other, "A\\B", "y"), "new");
+}
+
+TEST_F(SqliteRegistryTest, NoKeyIsWrittenDeeperThan512Names)
+{
+    SqliteRegistry registry(folders());
+    std::string key = "a";
+    for (int level = 1; level < 512; ++level)
+        key += "\\a";
+    EXPECT_TRUE(write(registry, key, "x", "1"));
+    EXPECT_FALSE(write(registry, key + "\\a", "x", "1"));
+    EXPECT_EQ(read(registry, key, "x"), "1");
+    EXPECT_TRUE(registry.remove(kUser, "a", std::nullopt));
+    EXPECT_FALSE(registry.exists(kUser, "a"));
+}
+
 // --- Several processes
 
 TEST_F(SqliteRegistryTest, FourProcessesThatWriteAtOnceLoseNothing)
