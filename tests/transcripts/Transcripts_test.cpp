@@ -7,6 +7,7 @@
 #include "simulators/pseudo_terminal/PtyDeviceHost.h"
 #include "strings/VBLMRTSModule.h"
 #include "tests/support/BuiltFiles.h"
+#include "tests/support/LongRun.h"
 #include "tests/support/WatchedDevice.h"
 #include "types/Text.h"
 
@@ -18,6 +19,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <sstream>
 
 // Sessions byte for byte. Every file below this folder is one: its head says what the host is to do (model, line, form,
@@ -25,8 +27,8 @@
 // hears
 // ("expect", a line of JSON each, in order; {354} stands for the text of that number), its lines what goes over the
 // wire. Large arrays are written as @ROWSxCOLUMNS@row,column=value;...@ with 0 everywhere else. Each session runs under
-// the virtual clock and over a pseudo-terminal. A run-time failure is expected with its standard text alone and without
-// the number of its statement, which moves with the code.
+// the virtual clock, and over a pseudo-terminal a few of each family, or all in a long run. A run-time failure is
+// expected with its standard text alone and without the number of its statement, which moves with the code.
 
 namespace kel::test {
 namespace {
@@ -39,6 +41,22 @@ std::vector<std::filesystem::path> transcriptFiles()
             files.push_back(entry.path());
     }
     std::sort(files.begin(), files.end());
+    return files;
+}
+
+/// A few of each folder, spread over it; all in a long run.
+std::vector<std::filesystem::path> sampledTranscriptFiles()
+{
+    constexpr std::size_t kSample = 4;
+    std::map<std::filesystem::path, std::vector<std::filesystem::path>> families;
+    for (const std::filesystem::path& file : transcriptFiles())
+        families[file.parent_path()].push_back(file);
+    std::vector<std::filesystem::path> files;
+    for (const auto& [folder, all] : families) {
+        const std::size_t count = std::min(all.size(), sampled(all.size(), kSample));
+        for (std::size_t place = 0; place < count; ++place)
+            files.push_back(all[place * all.size() / count]);
+    }
     return files;
 }
 
@@ -160,8 +178,11 @@ TEST_P(TranscriptTest, UnderTheVirtualClock)
     expectPlayed(device);
 }
 
-TEST_P(TranscriptTest, OverAPseudoTerminal)
+class TranscriptOverAPseudoTerminal : public TranscriptTest {};
+
+TEST_P(TranscriptOverAPseudoTerminal, SaysTheSame)
 {
+    tally("transcripts over a pseudo-terminal", 1);
     Transcript transcript = readTranscript(GetParam());
     // A pseudo-terminal holds neither 7 bits nor parity.
     std::erase_if(transcript.head, [](const auto& entry) { return entry.first == "line"; });
@@ -189,6 +210,7 @@ std::string nameOf(const testing::TestParamInfo<std::filesystem::path>& info)
 }
 
 INSTANTIATE_TEST_SUITE_P(Sessions, TranscriptTest, testing::ValuesIn(transcriptFiles()), nameOf);
+INSTANTIATE_TEST_SUITE_P(Sessions, TranscriptOverAPseudoTerminal, testing::ValuesIn(sampledTranscriptFiles()), nameOf);
 
 } // namespace
 } // namespace kel::test

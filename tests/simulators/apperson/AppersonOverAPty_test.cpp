@@ -1,12 +1,14 @@
 #include "contract/AnswerKey.h"
 #include "simulators/apperson/DataLineReader.h"
 #include "tests/simulators/apperson/AppersonRoundTrip.h"
+#include "tests/support/LongRun.h"
 #include "tests/support/PtyReader.h"
 
 namespace kel::test {
 namespace {
 
 constexpr std::uint64_t kSheets = 250;
+constexpr std::uint64_t kSample = 10;
 
 SimulatorOptions atOnce(SimulatorOptions options, kelReaderType model)
 {
@@ -54,8 +56,10 @@ class AppersonRoundTripOverAPseudoTerminal : public testing::TestWithParam<Apper
 
 TEST_P(AppersonRoundTripOverAPseudoTerminal, EverySheet)
 {
-    AppersonPtyReader bench(GetParam().model, optionsOf(GetParam(), kSheets));
-    AppersonRoundTrip(bench, GetParam()).expectAll(kSheets);
+    const std::uint64_t sheets = sampled(kSheets, kSample);
+    tally("sheets over a pseudo-terminal", sheets);
+    AppersonPtyReader bench(GetParam().model, optionsOf(GetParam(), sheets));
+    AppersonRoundTrip(bench, GetParam()).expectAll(sheets);
 }
 
 INSTANTIATE_TEST_SUITE_P(Sessions, AppersonRoundTripOverAPseudoTerminal, testing::ValuesIn(kAppersonSessions),

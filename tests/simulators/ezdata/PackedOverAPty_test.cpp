@@ -1,4 +1,5 @@
 #include "tests/simulators/ezdata/PackedRoundTrip.h"
+#include "tests/support/LongRun.h"
 #include "tests/support/PtyReader.h"
 #include "tests/support/SideBySide.h"
 
@@ -10,6 +11,8 @@ namespace kel::test {
 namespace {
 
 constexpr std::size_t kSheets = 300;
+constexpr std::size_t kSample = 16;
+constexpr std::size_t kSampleSessions = 2;
 
 struct PackedModel {
     kelReaderType type;
@@ -79,10 +82,12 @@ class PackedRoundTripOverAPseudoTerminal : public testing::TestWithParam<PackedM
 TEST_P(PackedRoundTripOverAPseudoTerminal, EverySheetAndItsWay)
 {
     const PackedModel& model = GetParam();
-    const std::vector<SimulatedSheet> sheets = randomSheets(kSheets, model.mostRows, 21);
-    sideBySide(model.sessions, [&](std::size_t session) {
+    const std::vector<SimulatedSheet> sheets = randomSheets(sampled(kSheets, kSample), model.mostRows, 21);
+    const std::size_t sessions = sampled(model.sessions, kSampleSessions);
+    tally("sheets over a pseudo-terminal", sheets.size());
+    sideBySide(sessions, [&](std::size_t session) {
         SCOPED_TRACE("session " + std::to_string(session));
-        const std::vector<SimulatedSheet> pile = partOf(sheets, session, model.sessions);
+        const std::vector<SimulatedSheet> pile = partOf(sheets, session, sessions);
         PackedPtyReader bench(model, pile);
         expectRoundTrip(bench, pile, model.mostRows);
         std::vector<Int32> rejected;

@@ -1,5 +1,6 @@
 #include "strings/VBLMRTSModule.h"
 #include "tests/simulators/scantron/RandomWindows.h"
+#include "tests/support/LongRun.h"
 #include "tests/support/PtyReader.h"
 
 #include <gmock/gmock.h>
@@ -56,12 +57,13 @@ void readRandomWindows(std::uint64_t seed)
     }
 }
 
-/// A hundred forms, from a seed on.
+/// A hundred forms in a long run, from a seed on.
 class ScanmarkFormsOverAPseudoTerminal : public testing::TestWithParam<std::uint64_t> {};
 
 TEST_P(ScanmarkFormsOverAPseudoTerminal, WhatTheWindowsTakeArrives)
 {
-    for (std::uint64_t seed = GetParam(); seed < GetParam() + 100 && !HasFailure(); ++seed) {
+    for (std::uint64_t seed = GetParam(); seed < GetParam() + sampled(100, 2) && !HasFailure(); ++seed) {
+        tally("forms of windows over a pseudo-terminal", 1);
         SCOPED_TRACE("seed " + std::to_string(seed));
         readRandomWindows(seed);
     }

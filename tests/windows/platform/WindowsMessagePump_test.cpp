@@ -125,7 +125,7 @@ TEST_F(WindowsMessagePumpTest, ATimerTurnsItselfOffInTheHostsLoop)
     timer->Interval(50);
     timer->Enabled(True);
     MSG message{};
-    const Moment end = steadyTime() + kPatience;
+    const Moment end = steadyTime() + test::kPatience;
     while (timer->Enabled() && steadyTime() < end) {
         ::MsgWaitForMultipleObjectsEx(0, nullptr, 100, QS_ALLINPUT, MWMO_INPUTAVAILABLE);
         while (::PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE))
