@@ -83,7 +83,7 @@ void chooseLanguage(const std::string& wanted)
     const std::vector<std::string> names = languageDatabase().languageNames();
     const auto isWanted = [&](const std::string& name) { return folded(wanted).starts_with(folded(name)); };
     if (!names.empty() && std::none_of(names.begin(), names.end(), isWanted))
-        throw UsageError("There is no language '" + wanted + "'; there are " + listed(names, "and") + ".");
+        throw host::UsageError("There is no language '" + wanted + "'; there are " + listed(names, "and") + ".");
     languageDatabase().askFor(wanted);
 }
 

@@ -23,7 +23,6 @@ protected:
 
     /// What a pump knows of itself.
     struct Inside : TurnPump {
-        using TurnPump::longestWait;
         static std::size_t openLines(const TurnPump& pump) { return (pump.*&Inside::lines)().size(); }
     };
 
