@@ -103,7 +103,8 @@ std::string sheetTable(const host::Sheet& sheet, std::size_t width)
 {
     std::string text = heading(sheet) + "\n";
     if (sheet.record) {
-        for (const auto& [name, value] : jsonRecord(*sheet.record).items())
+        const Json record = jsonRecord(*sheet.record);
+        for (const auto& [name, value] : record.items())
             text += "    " + name + ": " + (value.is_string() ? value.get<std::string>() : value.dump()) + "\n";
     }
 

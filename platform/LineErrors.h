@@ -13,8 +13,10 @@ struct LineErrors {
     std::uint64_t framing = 0; ///< characters without a proper stop bit
     std::uint64_t overrun = 0; ///< times that characters were lost because nobody fetched them in time
 
+    /// Whether there was any.
     [[nodiscard]] bool any() const noexcept { return parity + framing + overrun > 0; }
 
+    /// The errors of two lines together.
     friend LineErrors operator+(LineErrors a, const LineErrors& b) noexcept
     {
         return {a.parity + b.parity, a.framing + b.framing, a.overrun + b.overrun};

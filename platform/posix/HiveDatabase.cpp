@@ -133,6 +133,19 @@ bool HiveDatabase::end(bool keep)
     return keep;
 }
 
+/// Runs statements as one transaction, or as a part of the one that is under way.
+template <class Work>
+void HiveDatabase::asOne(Work&& work)
+{
+    if (together_) {
+        work();
+        return;
+    }
+    SqliteTransaction transaction(database_);
+    work();
+    transaction.commit();
+}
+
 /// The key's row; it is made, and those of the keys above it, if need be.
 std::int64_t HiveDatabase::makeKey(const std::string& path)
 {
@@ -169,25 +182,20 @@ std::optional<RegistryValue> HiveDatabase::read(const std::string& path, std::st
 
 void HiveDatabase::create(const std::string& path)
 {
-    SqliteTransaction transaction(database_);
-    static_cast<void>(makeKey(path));
-    transaction.commit();
+    asOne([&] { static_cast<void>(makeKey(path)); });
 }
 
 void HiveDatabase::write(const std::string& path, std::string_view name, const RegistryValue& value)
 {
-    std::optional<SqliteTransaction> transaction;
-    if (!together_)
-        transaction.emplace(database_);
-    const std::int64_t key = makeKey(path);
-    SqliteStatement::Run(statements_->writeValue)
-        .number(key)
-        .text(name)
-        .number(static_cast<std::int64_t>(value.type))
-        .blob(value.data)
-        .next();
-    if (transaction)
-        transaction->commit();
+    asOne([&] {
+        const std::int64_t key = makeKey(path);
+        SqliteStatement::Run(statements_->writeValue)
+            .number(key)
+            .text(name)
+            .number(static_cast<std::int64_t>(value.type))
+            .blob(value.data)
+            .next();
+    });
 }
 
 bool HiveDatabase::removeValue(const std::string& path, std::string_view name)

@@ -60,6 +60,8 @@ private:
     void createTables();
     [[nodiscard]] std::int64_t version();
     [[nodiscard]] std::optional<std::int64_t> findKey(const std::string& path);
+    template <class Work>
+    void asOne(Work&& work);
     [[nodiscard]] std::int64_t makeKey(const std::string& path);
     [[nodiscard]] std::vector<std::string> list(SqliteStatement& statement, const std::string& path);
 

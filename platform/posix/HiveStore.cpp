@@ -36,6 +36,11 @@ std::string normalized(std::string_view subKey)
     return path;
 }
 
+bool isTooDeep(const std::string& path)
+{
+    return std::count(path.begin(), path.end(), '\\') >= static_cast<std::ptrdiff_t>(kDeepestKey);
+}
+
 std::string timeStamp()
 {
     const time_t now = ::time(nullptr);
@@ -194,8 +199,11 @@ std::optional<RegistryValue> HiveStore::read(std::string_view subKey, std::strin
 
 bool HiveStore::create(std::string_view subKey)
 {
+    const std::string path = normalized(subKey);
+    if (isTooDeep(path))
+        return false;
     return withDatabase(true, false, [&](HiveDatabase& database) {
-        database.create(normalized(subKey));
+        database.create(path);
         return true;
     });
 }
@@ -203,7 +211,7 @@ bool HiveStore::create(std::string_view subKey)
 bool HiveStore::write(std::string_view subKey, std::string_view name, const RegistryValue& value)
 {
     const std::string path = normalized(subKey);
-    if (std::count(path.begin(), path.end(), '\\') >= static_cast<std::ptrdiff_t>(kDeepestKey))
+    if (isTooDeep(path))
         return false;
     return withDatabase(true, false, [&](HiveDatabase& database) {
         database.write(path, name, value);

@@ -12,10 +12,6 @@ namespace {
 // What has been taken is cut off the buffer once it is so much.
 constexpr std::size_t kKeptBehind = 65536;
 
-// A line that is opened has to be silent for so long, and is waited for so long at most.
-constexpr Moment kSilence = std::chrono::milliseconds(50);
-constexpr Moment kLongestSettling = std::chrono::milliseconds(300);
-
 [[noreturn]] void refuse(FailureCode code, Int16 port)
 {
     throw RuntimeFailure(code, failureText(code) + " (port " + std::to_string(port) + ")");
@@ -51,17 +47,6 @@ void SimulatedLine::open(Int16 port, const LineParameters& parameters, const std
     hangUpSeen_ = false;
     record(HostAction::Kind::Open, settings);
     device_->lineOpened(clock_.now(), parameters);
-
-    // What a reader still says to the command of an earlier session is nobody's.
-    const Moment latest = clock_.now() + kLongestSettling;
-    for (Moment silent = clock_.now() + kSilence; clock_.now() < std::min(silent, latest);) {
-        const std::optional<Moment> next = nextEvent();
-        clock_.advanceTo(std::min({silent, latest, next.value_or(latest)}));
-        settle();
-        if (!received_.empty())
-            silent = clock_.now() + kSilence;
-        received_.clear();
-    }
 }
 
 void SimulatedLine::close()
