@@ -14,6 +14,7 @@
 #include <sys/stat.h>
 #include <system_error>
 #include <time.h>
+#include <utility>
 
 namespace kel {
 
@@ -92,12 +93,18 @@ bool HiveStore::open(bool create)
         opened_ = identity();
         if (opened_) {
             openFile(create);
-            return database_->ready(create);
+            if (!database_->ready(create))
+                return false;
+            break;
         }
         if (!create || tries == kTries)
             return false;
     }
-    return database_->ready(create);
+    if (!database_->ready(create))
+        return false;
+    if (std::exchange(beginsTogether_, false))
+        database_->begin();
+    return true;
 }
 
 /// A user who may only read can make no files beside the hive's, as they are needed where others may write at the same
@@ -222,17 +229,19 @@ bool HiveStore::write(std::string_view subKey, std::string_view name, const Regi
 /// What the body writes is one transaction. If the database is lost in its midst, nothing of it stays.
 bool HiveStore::together(const std::function<bool()>& body)
 {
-    withDatabase(true, false, [](HiveDatabase& database) {
-        database.begin();
-        return true;
-    });
+    // A hive that is only read is not made for it.
+    beginsTogether_ = true;
+    static_cast<void>(withDatabase(false, false, [](HiveDatabase&) { return true; }));
     bool done = false;
     try {
         done = body();
     } catch (...) {
+        beginsTogether_ = false;
         withDatabase(false, false, [](HiveDatabase& database) { return database.end(false); });
         throw;
     }
+    if (std::exchange(beginsTogether_, false))
+        return done; // there is no hive, and so nothing was written
     return withDatabase(false, false, [&](HiveDatabase& database) { return database.end(done); });
 }
 

@@ -55,6 +55,7 @@ private:
     HiveFile file_;
     std::optional<Identity> opened_;
     std::unique_ptr<HiveDatabase> database_;
+    bool beginsTogether_ = false; // the database begins with a transaction of several writes once it is open
     std::string told_;
 };
 

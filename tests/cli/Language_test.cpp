@@ -41,7 +41,7 @@ TEST(LanguageOption, IsTakenByEveryCommand)
     for (const std::string& command : commands)
         EXPECT_THAT(runCommand({"help", command}).output, HasSubstr("--language")) << command;
     EXPECT_EQ(runCommand({"models", "/L=French"}).status, 0);
-    EXPECT_EQ(runCommand({"settings", "list", "HKCU\\Software", "--language", "Spanish"}).status, 0);
+    EXPECT_EQ(runCommand({"settings", "list", "HKCU", "--language", "Spanish"}).status, 0);
 }
 
 TEST(LanguageOption, OfALanguageThatIsNotThereIsWrongUsage)

@@ -148,7 +148,8 @@ TEST(ReplayCommand, HoldsATracedSessionAgain)
     const TextFile sheets(R"([{"side1":[[1,0,0],[0,1,0]]},{"side1":[[0],[0]]}])");
     const CommandOutcome scan = tracedScan(trace, {"--sheets", sheets.path(), "--max-sheets", "2", "--reject-blank"});
     ASSERT_EQ(scan.status, 0) << scan.errors;
-    EXPECT_THAT(trace.text(), StartsWith("# model: 24\n# set: SleepTime=40\n"));
+    EXPECT_THAT(trace.text(), StartsWith("# model: 24\n# form: "));
+    EXPECT_THAT(trace.text(), HasSubstr("\n# set: SleepTime=40\n"));
     EXPECT_THAT(trace.text(), HasSubstr("# line: 9600,N,8,1\n"));
     const CommandOutcome replay = runCommand({"replay", trace.path()});
     EXPECT_EQ(replay.output, scan.output);

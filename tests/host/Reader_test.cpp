@@ -149,7 +149,7 @@ TEST_F(HostReaderTest, UnknownModelIsRefusedWithTheNearestNames)
 
 TEST_F(HostReaderTest, SettingsThatDoNotFitAreThrown)
 {
-    machine_.registry().text(kelReaderRegistryKeyCurrentUser, "Acme", "ReaderType", "VMR");
+    machine_.registry().text(kelReaderRegistryKeyCurrentUser, "Acme", "Barcode", "perhaps");
     const host::Request wanted{.settings = RegistryPath{kelReaderRegistryKeyCurrentUser, "Acme"}};
     EXPECT_THROW(host::Reader{wanted}, host::ReaderFailed);
 }
