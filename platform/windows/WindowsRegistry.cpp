@@ -112,7 +112,11 @@ std::optional<RegistryValue> WindowsRegistry::read(kelReaderRegistryKey hive, st
 
 std::size_t WindowsRegistry::lookUpLength(const RegistryValue& value) const
 {
-    return isText(value.type) ? ansiText(value.data).size() : value.data.size();
+    if (!isText(value.type))
+        return value.data.size();
+    // The system ends a text that came without an end.
+    const std::string text = ansiText(value.data);
+    return text.size() - (text.ends_with('\0') ? 1 : 0);
 }
 
 bool WindowsRegistry::create(kelReaderRegistryKey hive, std::string_view subKey)
