@@ -7,6 +7,7 @@
     command(addModelCommand)     \
     command(addPortsCommand)     \
     command(addScanCommand)      \
+    command(addFormCommand)      \
     command(addSimulateCommand)  \
     command(addSettingsCommand)  \
     command(addReplayCommand)    \

@@ -2,6 +2,7 @@
 
 #include "cli/JsonLines.h"
 #include "cli/SheetCsv.h"
+#include "cli/SheetPage.h"
 #include "cli/SheetTable.h"
 
 #include <iostream>
@@ -20,7 +21,8 @@ std::size_t terminalWidth()
 
 } // namespace
 
-ScanOutput::ScanOutput(const std::string& outFile, const std::string& format)
+ScanOutput::ScanOutput(const std::string& outFile, const std::string& format, const std::string& title,
+                       const PictureForm& form)
 {
     if (!outFile.empty())
         output_.emplace(outFile);
@@ -38,13 +40,29 @@ ScanOutput::ScanOutput(const std::string& outFile, const std::string& format)
         lines_ = std::make_unique<SheetCsv>(write, tell);
     else if (format == "table")
         lines_ = std::make_unique<TableText>(write, tell, terminalWidth());
+    else if (format == "html")
+        lines_ = std::make_unique<SheetPage>(write, tell, title, form);
     else
         lines_ = std::make_unique<JsonLines>(write, tell);
+}
+
+void ScanOutput::addPictures(const std::filesystem::path& folder, const PictureForm& form)
+{
+    pictures_ = std::make_unique<PictureFolder>(folder, form);
+}
+
+std::string ScanOutput::problem() const
+{
+    if (output_->failed())
+        return output_->problem();
+    return pictures_ ? pictures_->problem() : std::string();
 }
 
 void ScanOutput::sheet(const host::Sheet& event)
 {
     lines_->sheet(event);
+    if (pictures_)
+        pictures_->sheet(event);
     progress_.sheet();
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "cli/PictureFolder.h"
 #include "cli/Progress.h"
 #include "host/Events.h"
 #include "host/TextOutput.h"
@@ -14,20 +15,26 @@ namespace kel {
 /// person should read of them goes to standard error.
 class ScanOutput final : public host::Events {
 public:
-    /// `format` is json, csv or table; an empty name of a file is standard output. CommandFailure if the file cannot be
-    /// made.
-    ScanOutput(const std::string& outFile, const std::string& format);
+    /// `format` is json, csv, table or html; an empty name of a file is standard output. A page needs to know what it
+    /// is a page of. CommandFailure if the file cannot be made.
+    ScanOutput(const std::string& outFile, const std::string& format, const std::string& title = {},
+               const PictureForm& form = {});
+
+    /// Has a picture of each sheet put into a folder, too. CommandFailure if there is none and none can be made.
+    void addPictures(const std::filesystem::path& folder, const PictureForm& form);
 
     void sheet(const host::Sheet& event) override;
     void failure(const host::Failure& event) override;
     void end(const host::BatchEnd& event) override;
 
-    [[nodiscard]] const host::TextOutput& output() const { return *output_; }
+    /// The sentence about what could not be written; empty while all could.
+    [[nodiscard]] std::string problem() const;
 
 private:
     Progress progress_;
     std::optional<host::TextOutput> output_;
     std::unique_ptr<host::Events> lines_;
+    std::unique_ptr<PictureFolder> pictures_;
 };
 
 } // namespace kel

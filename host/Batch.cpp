@@ -90,7 +90,15 @@ public:
         iNumberQuestions = request_.answerKey ? request_.answerKey->questionsOn(iPage) : Int16{0};
     }
 
-    void AfterPrint() override { sheet_.printed = true; }
+    void AfterPrint() override
+    {
+        sheet_.printed = true;
+        for (const std::string& line :
+             {reader_.Printer()->Buffer1(), reader_.Printer()->Buffer2(), reader_.Printer()->Buffer3()}) {
+            if (!line.empty())
+                sheet_.printedLines.push_back(line);
+        }
+    }
 
     void AfterSheet(Boolean& bCancelScan) override
     {

@@ -37,7 +37,8 @@ struct Sheet {
     TextArray barcodes{}; ///< a byte a character, as they came
     bool rejected = false;
     bool printed = false;
-    std::optional<Dictionary> record{}; ///< the named fields, from readers that deliver such
+    std::vector<std::string> printedLines{}; ///< as they went over the line
+    std::optional<Dictionary> record{};      ///< the named fields, from readers that deliver such
 
     /// The marks of side 1 or 2, row by row.
     [[nodiscard]] KEL_PUBLIC std::vector<Mark> marks(int side = 1) const;

@@ -90,6 +90,11 @@ clsKELReader& Reader::object() noexcept
     return state_->reader;
 }
 
+const Form& Reader::form() const noexcept
+{
+    return state_->request.form;
+}
+
 void Reader::connect()
 {
     state_->connect();

@@ -67,6 +67,9 @@ public:
     [[nodiscard]] std::optional<Int16> locate(Int16 startPort = 0);
     [[nodiscard]] std::optional<std::string> firmware();
 
+    /// The form of the sheets: the request's, or once a simulated reader is connected that of its sheets.
+    [[nodiscard]] const Form& form() const noexcept;
+
     /// What was reported since the last batch, search or question began.
     [[nodiscard]] const std::vector<Failure>& failures() const noexcept;
 

@@ -5,7 +5,8 @@ set -euo pipefail
 
 build=(g++ cmake ninja-build ccache pkg-config python3
        libserialport-dev libgensio-dev libsqlite3-dev libcli11-dev nlohmann-json3-dev qt6-base-dev)
-test=(libgtest-dev libgmock-dev libbenchmark-dev fonts-dejavu-core ser2net openssl dpkg-dev file doxygen locales clang)
+test=(libgtest-dev libgmock-dev libbenchmark-dev fonts-dejavu-core ser2net openssl dpkg-dev file doxygen locales clang
+      chromium chromium-driver librsvg2-bin python3-selenium)
 coverage=(gcovr)
 fuzz=(clang libclang-rt-14-dev)
 windows=(g++-mingw-w64-x86-64-posix mingw-w64-tools wine64 wine googletest mono-mcs libmono-microsoft-csharp4.0-cil)

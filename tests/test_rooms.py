@@ -27,6 +27,7 @@ ORDER = (
     "formats",
     "recording",
     "simulators",
+    "pictures",
     "host",
     "com",
     "cli",
@@ -35,7 +36,7 @@ ORDER = (
 
 # What is built into the component, and so must stand without recordings and simulated readers.
 COMPONENT = ORDER[: ORDER.index("startup") + 1] + ("com",)
-OUTSIDE = ("formats", "recording", "simulators", "host", "cli", "station")
+OUTSIDE = ("formats", "recording", "simulators", "pictures", "host", "cli", "station")
 
 # A simulated reader is written from the wire alone: it knows what a line is, and nothing of the component above.
 GROUND = ("types", "platform")

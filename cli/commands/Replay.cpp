@@ -43,12 +43,12 @@ int run(const Arguments& arguments)
 
     ScanOutput output(arguments.outFile, arguments.format);
     const InterruptNote interrupt;
-    const host::Result result = replay.read(output, [&] { return InterruptNote::came() || output.output().failed(); });
+    const host::Result result = replay.read(output, [&] { return InterruptNote::came() || !output.problem().empty(); });
 
     if (InterruptNote::came())
         return kInterruptedStatus;
-    if (output.output().failed())
-        throw CommandFailure(output.output().problem());
+    if (const std::string problem = output.problem(); !problem.empty())
+        throw CommandFailure(problem);
     const bool asRecorded = tellDifferences(replay);
     return asRecorded && result.failures.empty() && result.end.started ? kDoneStatus : kFailedStatus;
 }

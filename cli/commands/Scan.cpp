@@ -2,13 +2,16 @@
 #include "cli/Commands.h"
 #include "cli/InterruptWatch.h"
 #include "cli/ScanOutput.h"
+#include "cli/SheetRecords.h"
 #include "cli/SimulatorArguments.h"
 #include "cli/UsageError.h"
 #include "host/LoadedSettings.h"
 #include "host/Reader.h"
 #include "platform/LineErrors.h"
+#include "profiles/ReaderModels.h"
 #include "types/Text.h"
 
+#include <ctime>
 #include <iostream>
 
 namespace kel {
@@ -28,12 +31,28 @@ struct Arguments {
     std::string format;
     std::string outFile;
     std::string traceFile;
+    std::string pictureFolder;
     std::string omrApiFile;
     bool rejectBlank = false;
     std::vector<Int32> rejectSheets;
     host::Print print;
     SimulatorArguments simulator;
 };
+
+std::string timeNow()
+{
+    const std::time_t now = std::time(nullptr);
+    std::tm local{};
+    localtime_r(&now, &local);
+    char text[sizeof "2024-01-31 12:00"];
+    return {text, std::strftime(text, sizeof text, "%Y-%m-%d %H:%M", &local)};
+}
+
+/// What a page of a batch is headed with.
+std::string pageTitle(kelReaderType model)
+{
+    return ReturnReaderName(model) + ", " + timeNow();
+}
 
 host::Request requestOf(const Arguments& arguments)
 {
@@ -103,7 +122,7 @@ void tellLineErrors(const clsKELReader& reader)
 /// Settings that do not fit leave the reader half set: nothing is read with it.
 int refuseSettings(const Arguments& arguments, const std::vector<host::Failure>& failures)
 {
-    ScanOutput output(arguments.outFile, arguments.format);
+    ScanOutput output(arguments.outFile, arguments.format, timeNow());
     for (const host::Failure& failure : failures)
         output.failure(failure);
     output.end({.started = false, .sheets = 0, .cancelScan = true, .result = false});
@@ -114,19 +133,23 @@ int read(host::Reader& reader, const Arguments& arguments)
 {
     demandLine(arguments, reader.object());
     reader.connect();
-    ScanOutput output(arguments.outFile, arguments.format);
+    const clsKELReader& object = reader.object();
+    const PictureForm form = pictureForm(reader.form(), object.ReaderType(), object.RecognitionThreshold());
+    ScanOutput output(arguments.outFile, arguments.format, pageTitle(object.ReaderType()), form);
+    if (!arguments.pictureFolder.empty())
+        output.addPictures(arguments.pictureFolder, form);
     const host::Result result = [&] {
         const InterruptWatch interrupt([&] { reader.object().CancelScan(True); });
         return reader.read(
-            output, [&] { return InterruptNote::came() || output.output().failed(); }, host::StopAsked::AtEachSheet);
+            output, [&] { return InterruptNote::came() || !output.problem().empty(); }, host::StopAsked::AtEachSheet);
     }();
     tellFaults(reader.simulatorErrors());
     tellLineErrors(reader.object());
 
     if (InterruptNote::came())
         return kInterruptedStatus;
-    if (output.output().failed())
-        throw CommandFailure(output.output().problem());
+    if (const std::string problem = output.problem(); !problem.empty())
+        throw CommandFailure(problem);
     if (!reader.traceProblem().empty())
         throw CommandFailure(reader.traceProblem());
     return result.failures.empty() && result.end.started ? kDoneStatus : kFailedStatus;
@@ -201,15 +224,19 @@ void addScanCommand(Commands& commands)
     CLI::App& command = commands.add("scan", "Reads a batch of sheets", [arguments] { return run(*arguments); });
     addReaderOptions(command, *arguments);
     addSheetOptions(command, *arguments);
-    addFormat(command, arguments->format, {"json", "csv", "table"});
+    addFormat(command, arguments->format, {"json", "csv", "table", "html"});
     command.add_option("--out", arguments->outFile, "Writes to a file in place of standard output")->type_name("FILE");
+    command.add_option("--pictures", arguments->pictureFolder, "Puts a picture of each sheet into a folder, as SVG")
+        ->type_name("FOLDER");
     command.add_option("--trace", arguments->traceFile, "Writes down what goes over the line, for 'kelreader replay'")
         ->type_name("FILE");
     arguments->simulator.addTo(command);
     command.footer(
         "json: a line an event, the last one is the end. csv: a heading and a row a sheet; side1 and side2 "
         "hold the marks as row:column=value, with blanks between. table: the sheets as grids for the eye, "
-        "a dot for no mark, A to Z for 10 to 35, # for more.\n"
+        "a dot for no mark, A to Z for 10 to 35, # for more. html: a page with the pictures of the sheets, a table "
+        "that "
+        "can be sorted and filtered, and what the marks of the batch say of the reader.\n"
         "Exit status: 0 nothing failed, 1 a failure was reported or the reader did not start, 2 wrong usage, "
         "130 interrupted.");
 }

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "host/Events.h"
+#include "pictures/Sheet.h"
+
+#include <filesystem>
+#include <string>
+
+namespace kel {
+
+/// Puts a picture of each sheet into a folder: 000001.svg for the first. When one cannot be written no others are.
+class PictureFolder final : public host::Events {
+public:
+    /// CommandFailure if there is no such folder and none can be made.
+    PictureFolder(std::filesystem::path folder, PictureForm form);
+
+    void sheet(const host::Sheet& event) override;
+    void failure(const host::Failure&) override {}
+    void end(const host::BatchEnd&) override {}
+
+    /// The sentence about a picture that could not be written; empty while all could.
+    [[nodiscard]] const std::string& problem() const { return problem_; }
+
+private:
+    std::filesystem::path folder_;
+    PictureForm form_;
+    std::string problem_;
+};
+
+} // namespace kel

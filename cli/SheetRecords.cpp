@@ -1,0 +1,73 @@
+#include "cli/SheetRecords.h"
+
+#include "cli/JsonLines.h"
+#include "pictures/MarkScale.h"
+#include "types/LineText.h"
+
+#include <algorithm>
+
+namespace kel {
+
+namespace {
+
+Int32 largest(const std::optional<std::vector<Int16>>& sizes)
+{
+    return sizes && !sizes->empty() ? *std::max_element(sizes->begin(), sizes->end()) : Int16{0};
+}
+
+/// Readers that send each window row by row, whatever its orientation.
+bool readsRowByRow(kelReaderType model)
+{
+    switch (model) {
+    case kelReaderTypeScanningSystemsSR601:
+    case kelReaderTypeScanningSystemsSR607:
+    case kelReaderTypeScanningSystemsSR700351:
+    case kelReaderTypeScanningSystemsSR700352: return true;
+    default: return false;
+    }
+}
+
+} // namespace
+
+PictureForm pictureForm(const host::Form& form)
+{
+    PictureForm picture;
+    picture.side1Rows = largest(form.side1Rows);
+    picture.side1Columns = largest(form.side1Cols);
+    picture.side2Rows = largest(form.side2Rows);
+    picture.side2Columns = largest(form.side2Cols);
+    picture.windows = form.windows;
+    picture.barcodes = form.barcodes;
+    return picture;
+}
+
+PictureForm pictureForm(const host::Form& form, kelReaderType model, Int16 threshold)
+{
+    PictureForm picture = pictureForm(form);
+    picture.scale = markScale(model, threshold);
+    picture.readsByOrientation = !readsRowByRow(model);
+    return picture;
+}
+
+PictureSheet pictureSheet(const host::Sheet& sheet)
+{
+    PictureSheet picture;
+    picture.sheet = sheet.number;
+    picture.side1 = sheet.side1;
+    picture.side2 = sheet.side2;
+    picture.side1TimingMarks = sheet.side1TimingMarks;
+    picture.side2TimingMarks = sheet.side2TimingMarks;
+    for (const std::string& barcode : sheet.barcodes.elements())
+        picture.barcodes.push_back(textOfLine(barcode));
+    picture.rejected = sheet.rejected;
+    picture.printed = sheet.printed;
+    for (const std::string& line : sheet.printedLines)
+        picture.printedLines.push_back(textOfLine(line));
+    if (sheet.record) {
+        for (const auto& [name, value] : jsonRecord(*sheet.record).items())
+            picture.record.emplace_back(name, value.is_string() ? value.get<std::string>() : value.dump());
+    }
+    return picture;
+}
+
+} // namespace kel

@@ -1,0 +1,69 @@
+#include "host/Form.h"
+#include "cli/CommandList.h"
+#include "cli/Commands.h"
+#include "cli/SheetRecords.h"
+#include "host/ModelLookup.h"
+#include "host/TextOutput.h"
+#include "pictures/SheetPicture.h"
+#include "profiles/clsKELReaderProfiles.h"
+#include "types/Text.h"
+
+#include <iostream>
+
+namespace kel {
+
+namespace {
+
+struct Arguments {
+    std::string formFile;
+    std::string pictureFile;
+    std::string model;
+};
+
+PictureForm formOf(const Arguments& arguments)
+{
+    const host::Form form = host::readFormFile(arguments.formFile);
+    if (arguments.model.empty())
+        return pictureForm(form);
+    const kelReaderType model = host::modelNamed(arguments.model);
+    return pictureForm(form, model, clsKELReaderProfiles().Item(CStr(model))->RecognitionThreshold());
+}
+
+std::string summaryOf(const PictureForm& form)
+{
+    std::string summary;
+    for (const SideLayout& side : layoutOf(form).sides)
+        summary += "Side " + CStr(side.side) + ": " + CStr(side.rows) + " rows, " + CStr(side.columns) + " columns\n";
+    return summary + "Read windows: " + CStr(form.windows.size()) + "\nBarcode zones: " + CStr(form.barcodes.size()) +
+           "\n";
+}
+
+int run(const Arguments& arguments)
+{
+    const PictureForm form = formOf(arguments);
+    if (!arguments.pictureFile.empty())
+        host::TextOutput(arguments.pictureFile).writeOrFail(formPicture(form));
+    host::TextOutput().writeOrFail(summaryOf(form));
+    const std::vector<std::string> faults = faultsOfForm(form);
+    for (const std::string& fault : faults)
+        std::cerr << "kelreader: " << fault << std::endl;
+    return faults.empty() ? kDoneStatus : kFailedStatus;
+}
+
+} // namespace
+
+void addFormCommand(Commands& commands)
+{
+    const auto arguments = std::make_shared<Arguments>();
+    CLI::App& command = commands.add("form", "Shows a form file, and what is wrong with its read windows",
+                                     [arguments] { return run(*arguments); });
+    command.add_option("file", arguments->formFile, "The form of the sheets, as JSON")->required()->type_name("FILE");
+    command
+        .add_option("--picture", arguments->pictureFile,
+                    "Draws the form as SVG: read windows with their cells in reading order, barcode zones")
+        ->type_name("FILE.svg");
+    command.add_option("--model", arguments->model, "The model that is to read it, by number or name");
+    command.footer("Exit status: 0 the windows lie on the form, 1 one does not, 2 wrong usage.");
+}
+
+} // namespace kel

@@ -1,0 +1,92 @@
+"""A headless Chromium for tests of pages."""
+
+import base64
+import json
+import tempfile
+from pathlib import Path
+
+from selenium import webdriver
+from selenium.webdriver.chrome.options import Options
+from selenium.webdriver.chrome.service import Service
+
+# How long anything may take before it counts as hung, in seconds.
+HUNG = 300
+
+# How much two screenshots differ: the share of pixels in which a colour is further off than smoothed edges are.
+COMPARE = """
+const [kept, taken, done] = arguments;
+const load = (data) => new Promise((loaded) => {
+  const image = new Image();
+  image.onload = () => {
+    const canvas = document.createElement("canvas");
+    [canvas.width, canvas.height] = [image.width, image.height];
+    const context = canvas.getContext("2d");
+    context.drawImage(image, 0, 0);
+    loaded(context.getImageData(0, 0, image.width, image.height));
+  };
+  image.src = "data:image/png;base64," + data;
+});
+Promise.all([load(kept), load(taken)]).then(([a, b]) => {
+  if (a.width !== b.width || a.height !== b.height) return done(`${a.width}x${a.height}, ${b.width}x${b.height}`);
+  let differing = 0;
+  for (let i = 0; i < a.data.length; i += 4)
+    if ([0, 1, 2].some((channel) => Math.abs(a.data[i + channel] - b.data[i + channel]) > 80)) ++differing;
+  done(differing / (a.data.length / 4));
+});
+"""
+
+
+class Browser:
+    def __init__(self):
+        options = Options()
+        self._profile = tempfile.TemporaryDirectory()
+        for argument in ("--headless=new", "--no-sandbox", "--disable-gpu", "--disable-dev-shm-usage",
+                         "--window-size=1400,1000", "--force-device-scale-factor=1", "--hide-scrollbars",
+                         f"--user-data-dir={self._profile.name}"):
+            options.add_argument(argument)
+        options.set_capability("goog:loggingPrefs", {"browser": "ALL"})
+        self.driver = webdriver.Chrome(service=Service("/usr/bin/chromedriver"), options=options)
+        self.driver.set_page_load_timeout(HUNG)
+        self.driver.set_script_timeout(HUNG)
+
+    def close(self):
+        self.driver.quit()
+        self._profile.cleanup()
+
+    def open(self, page):
+        self.driver.get_log("browser")
+        self.driver.get(Path(page).resolve().as_uri())
+
+    def run(self, script, *arguments):
+        return self.driver.execute_script(script, *arguments)
+
+    def complaints(self):
+        """What the console holds: errors, and whatever the page's policy has stopped."""
+        return [entry["message"] for entry in self.driver.get_log("browser")]
+
+    def emulate(self, media="", dark=False):
+        self.driver.execute_cdp_cmd("Emulation.setEmulatedMedia", {
+            "media": media,
+            "features": [{"name": "prefers-color-scheme", "value": "dark" if dark else "light"}]})
+
+    def pdf(self):
+        return base64.b64decode(self.driver.execute_cdp_cmd("Page.printToPDF", {})["data"])
+
+    def names(self, role):
+        """The names of all elements of a role, as a screen reader has them."""
+        self.driver.execute_cdp_cmd("Accessibility.enable", {})
+        nodes = self.driver.execute_cdp_cmd("Accessibility.getFullAXTree", {})["nodes"]
+        return [node.get("name", {}).get("value", "") for node in nodes
+                if not node.get("ignored") and node.get("role", {}).get("value") == role]
+
+    def difference(self, kept, taken):
+        """The share of differing pixels of two screenshots as base64, or their sizes if these differ."""
+        self.driver.get("about:blank")
+        return self.driver.execute_async_script(COMPARE, kept, taken)
+
+
+def data_of(page, kind):
+    """The data of a kind in a page."""
+    begin = f'<script type="application/json" data-is="{kind}">'
+    return [json.loads(line.removeprefix(begin).removesuffix("</script>"))
+            for line in page.split("\n") if line.startswith(begin)]
