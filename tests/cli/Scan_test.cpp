@@ -402,7 +402,7 @@ INSTANTIATE_TEST_SUITE_P(
                  "'\xE2\x82\xAC' does not fit Printer.Buffer1, which takes characters of Latin-1 only."},
         WrongUse{"UnknownFormat",
                  {"--model", "24", "--simulate", "--format", "xml"},
-                 "--format: xml not in {json,csv,table}; 'kelreader scan --help' tells what there is."},
+                 "--format: xml not in {json,csv,table,html}; 'kelreader scan --help' tells what there is."},
         WrongUse{"UnknownOption",
                  {"--model", "24", "--simulate", "--sheets-max", "1"},
                  "The following arguments were not expected: 1 --sheets-max; 'kelreader scan --help' tells what there "
