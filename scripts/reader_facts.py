@@ -11,9 +11,9 @@ import sys
 def text_parser(root):
     """The parser of the texts' own generator."""
     sys.dont_write_bytecode = True
-    spec = importlib.util.spec_from_file_location("generate_language_file", root / "strings/generate_language_file.py")
-    module = importlib.util.module_from_spec(spec)
-    spec.loader.exec_module(module)
+    description = importlib.util.spec_from_file_location("generate_language_file", root / "strings/generate_language_file.py")
+    module = importlib.util.module_from_spec(description)
+    description.loader.exec_module(module)
     return module
 
 
