@@ -1,4 +1,5 @@
 #include "tests/cli/CommandRun.h"
+#include "tests/support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
 
@@ -15,16 +16,7 @@ using testing::StartsWith;
 
 class Pictures : public testing::Test {
 protected:
-    void SetUp() override
-    {
-        std::string name = (std::filesystem::temp_directory_path() / "pictures-XXXXXX").string();
-        ASSERT_NE(::mkdtemp(name.data()), nullptr);
-        folder_ = name;
-    }
-
-    void TearDown() override { std::filesystem::remove_all(folder_); }
-
-    [[nodiscard]] std::filesystem::path inside(const std::string& name) const { return folder_ / name; }
+    [[nodiscard]] std::filesystem::path inside(const std::string& name) const { return folder_.path() / name; }
 
     [[nodiscard]] std::string textOf(const std::string& name) const
     {
@@ -33,7 +25,7 @@ protected:
         return text.str();
     }
 
-    std::filesystem::path folder_;
+    TemporaryFolder folder_;
 };
 
 TEST_F(Pictures, AScanPutsOneASheetIntoAFolder)

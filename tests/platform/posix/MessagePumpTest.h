@@ -23,6 +23,10 @@ protected:
 
     /// What a pump knows of itself.
     struct Inside : TurnPump {
+        static Moment wait(const TurnPump& pump, bool lineIsOpen)
+        {
+            return (pump.*&Inside::longestWait)(Moment::max(), lineIsOpen ? Watched::All : Watched::Nothing);
+        }
         static std::size_t openLines(const TurnPump& pump) { return (pump.*&Inside::lines)().size(); }
     };
 
