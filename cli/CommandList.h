@@ -7,6 +7,7 @@
     command(addModelCommand)     \
     command(addPortsCommand)     \
     command(addScanCommand)      \
+    command(addSheetsCommand)    \
     command(addFormCommand)      \
     command(addSimulateCommand)  \
     command(addSettingsCommand)  \

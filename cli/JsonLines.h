@@ -8,11 +8,10 @@
 
 namespace kel {
 
-/// The named fields of a record as a JSON object.
-[[nodiscard]] Json jsonRecord(const Dictionary& fields);
-
 /// The events of a scan as JSON, one line each and without the line end. Marks stand row by row from row 1; an array
 /// that was never dimensioned is `[]`.
+[[nodiscard]] Json jsonSheet(const host::Sheet& event);
+[[nodiscard]] Json jsonFailure(const host::Failure& event);
 [[nodiscard]] std::string jsonLine(const host::Sheet& event);
 [[nodiscard]] std::string jsonLine(const host::Failure& event);
 [[nodiscard]] std::string jsonLine(const host::BatchEnd& event);

@@ -2,6 +2,7 @@
 
 #include "host/Events.h"
 #include "pictures/Sheet.h"
+#include "store/Entry.h"
 
 #include <filesystem>
 #include <string>
@@ -25,6 +26,18 @@ private:
     std::filesystem::path folder_;
     PictureForm form_;
     std::string problem_;
+};
+
+/// The same for sheets of a store: READER-BATCH-000001.svg, each on the form that it was read with. CommandFailure as
+/// soon as one cannot be written.
+class EntryPictures {
+public:
+    explicit EntryPictures(std::filesystem::path folder);
+
+    void sheet(const Entry& entry);
+
+private:
+    std::filesystem::path folder_;
 };
 
 } // namespace kel

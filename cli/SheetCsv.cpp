@@ -1,7 +1,8 @@
 #include "cli/SheetCsv.h"
 
-#include "cli/JsonLines.h"
+#include "formats/JsonValue.h"
 #include "host/Failure.h"
+#include "store/SheetJson.h"
 #include "types/LineText.h"
 #include "types/Text.h"
 
@@ -55,21 +56,36 @@ std::string csvLine(const std::vector<std::string>& fields)
     return line + "\n";
 }
 
+std::vector<std::string> csvHeading()
+{
+    return {"sheet", "rejected", "printed", "side1TimingMarks", "side2TimingMarks", "barcodes",
+            "side1", "side2",    "record"};
+}
+
+std::vector<std::string> csvFields(const host::Sheet& sheet)
+{
+    return {CStr(sheet.number),
+            trueOrFalse(sheet.rejected),
+            trueOrFalse(sheet.printed),
+            CStr(sheet.side1TimingMarks),
+            CStr(sheet.side2TimingMarks),
+            joined(sheet.barcodes),
+            marksOnly(sheet.side1),
+            marksOnly(sheet.side2),
+            sheet.record ? jsonText(jsonRecord(*sheet.record)) : ""};
+}
+
 void SheetCsv::writeHeading()
 {
     if (!headingWritten_)
-        write_(csvLine({"sheet", "rejected", "printed", "side1TimingMarks", "side2TimingMarks", "barcodes", "side1",
-                        "side2", "record"}));
+        write_(csvLine(csvHeading()));
     headingWritten_ = true;
 }
 
 void SheetCsv::sheet(const host::Sheet& event)
 {
     writeHeading();
-    write_(csvLine({CStr(event.number), trueOrFalse(event.rejected), trueOrFalse(event.printed),
-                    CStr(event.side1TimingMarks), CStr(event.side2TimingMarks), joined(event.barcodes),
-                    marksOnly(event.side1), marksOnly(event.side2),
-                    event.record ? jsonText(jsonRecord(*event.record)) : ""}));
+    write_(csvLine(csvFields(event)));
 }
 
 void SheetCsv::failure(const host::Failure& event)

@@ -1,7 +1,7 @@
 #include "cli/SheetRecords.h"
 
-#include "cli/JsonLines.h"
 #include "pictures/MarkScale.h"
+#include "store/SheetJson.h"
 #include "types/LineText.h"
 
 #include <algorithm>
@@ -49,6 +49,12 @@ PictureForm pictureForm(const host::Form& form, kelReaderType model, Int16 thres
     return picture;
 }
 
+PictureForm pictureForm(const Setup& setup)
+{
+    const host::Form form = setup.form.empty() ? host::Form() : host::parseForm(setup.form, "the form of the sheet");
+    return pictureForm(form, setup.model, setup.threshold);
+}
+
 PictureSheet pictureSheet(const host::Sheet& sheet)
 {
     PictureSheet picture;
@@ -64,7 +70,8 @@ PictureSheet pictureSheet(const host::Sheet& sheet)
     for (const std::string& line : sheet.printedLines)
         picture.printedLines.push_back(textOfLine(line));
     if (sheet.record) {
-        for (const auto& [name, value] : jsonRecord(*sheet.record).items())
+        const Json record = jsonRecord(*sheet.record);
+        for (const auto& [name, value] : record.items())
             picture.record.emplace_back(name, value.is_string() ? value.get<std::string>() : value.dump());
     }
     return picture;

@@ -3,6 +3,7 @@
 #include "host/Events.h"
 #include "host/Form.h"
 #include "pictures/Sheet.h"
+#include "store/Entry.h"
 
 namespace kel {
 
@@ -11,6 +12,9 @@ namespace kel {
 
 /// The same for a model, whose marks and windows are its own.
 [[nodiscard]] PictureForm pictureForm(const host::Form& form, kelReaderType model, Int16 threshold);
+
+/// The same for a reader as it was set when a sheet was read.
+[[nodiscard]] PictureForm pictureForm(const Setup& setup);
 
 /// A sheet as pictures show it.
 [[nodiscard]] PictureSheet pictureSheet(const host::Sheet& sheet);

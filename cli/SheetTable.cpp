@@ -1,6 +1,6 @@
 #include "cli/SheetTable.h"
 
-#include "cli/JsonLines.h"
+#include "store/SheetJson.h"
 #include "host/Failure.h"
 #include "types/LineText.h"
 #include "types/Text.h"

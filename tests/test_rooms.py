@@ -29,14 +29,15 @@ ORDER = (
     "simulators",
     "pictures",
     "host",
+    "store",
+    "station",
     "com",
     "cli",
-    "station",
 )
 
 # What is built into the component, and so must stand without recordings and simulated readers.
 COMPONENT = ORDER[: ORDER.index("startup") + 1] + ("com",)
-OUTSIDE = ("formats", "recording", "simulators", "pictures", "host", "cli", "station")
+OUTSIDE = ("formats", "recording", "simulators", "pictures", "host", "store", "station", "cli")
 
 # A simulated reader is written from the wire alone: it knows what a line is, and nothing of the component above.
 GROUND = ("types", "platform")

@@ -9,10 +9,15 @@
 #include "host/Reader.h"
 #include "platform/LineErrors.h"
 #include "profiles/ReaderModels.h"
+#include "store/ReaderSetup.h"
+#include "store/StoreProblem.h"
+#include "store/StoringEvents.h"
 #include "types/Text.h"
 
+#include <chrono>
 #include <ctime>
 #include <iostream>
+#include <thread>
 
 namespace kel {
 
@@ -32,6 +37,9 @@ struct Arguments {
     std::string outFile;
     std::string traceFile;
     std::string pictureFolder;
+    std::string storeFile;
+    std::string readerName;
+    std::string batchName;
     std::string omrApiFile;
     bool rejectBlank = false;
     std::vector<Int32> rejectSheets;
@@ -97,6 +105,8 @@ void demandLine(const Arguments& arguments, const clsKELReader& reader)
         throw host::UsageError("A USB reader has no line that --trace could write down.");
     if (!arguments.traceFile.empty() && arguments.traceFile == arguments.outFile)
         throw host::UsageError("--out and --trace cannot share a file; name another one for either.");
+    if (arguments.storeFile.empty() && (!arguments.readerName.empty() || !arguments.batchName.empty()))
+        throw host::UsageError("--reader and --batch name what goes into a store; say --store FILE, too.");
     if (arguments.simulator.given() && !arguments.simulate)
         throw host::UsageError("The options of a simulated reader go with --simulate.");
 }
@@ -129,6 +139,55 @@ int refuseSettings(const Arguments& arguments, const std::vector<host::Failure>&
     return kFailedStatus;
 }
 
+/// What a sheet's origin is called in a store, unless somebody has said.
+Origin originOf(const Arguments& arguments)
+{
+    Origin origin{.station = hostName(), .reader = arguments.readerName, .batch = arguments.batchName};
+    if (origin.reader.empty() && arguments.port)
+        origin.reader = "port " + CStr(*arguments.port);
+    if (origin.reader.empty())
+        origin.reader = arguments.simulate ? "simulated" : arguments.device;
+    if (origin.reader.empty())
+        origin.reader = "reader";
+    if (origin.batch.empty())
+        origin.batch = batchName(std::chrono::system_clock::now());
+    return origin;
+}
+
+/// The store of a scan: `output` has what it has taken.
+class ScanStore {
+public:
+    ScanStore(const Arguments& arguments, host::Reader& reader, host::Events& output)
+        : store_(arguments.storeFile, "'kelreader scan'"),
+          events_(store_, originOf(arguments), setupOf(reader), output,
+                  {.tell = [](const std::string& sentence) { std::cerr << "kelreader: " << sentence << std::endl; },
+                   .pause = &pauseUnlessInterrupted})
+    {
+    }
+
+    [[nodiscard]] host::Events& events() { return events_; }
+
+    /// A sheet that went through the reader and is not there is what the person must know.
+    void demandAll() const
+    {
+        if (events_.lost() > 0)
+            throw CommandFailure("The store " + store_.file().string() +
+                                 " does not have the last sheet; feed it again.");
+    }
+
+private:
+    static bool pauseUnlessInterrupted(std::chrono::milliseconds pause)
+    {
+        constexpr std::chrono::milliseconds kLook{50};
+        for (auto left = pause; left.count() > 0 && !InterruptNote::came(); left -= kLook)
+            std::this_thread::sleep_for(kLook);
+        return !InterruptNote::came();
+    }
+
+    SheetStore store_;
+    StoringEvents events_;
+};
+
 int read(host::Reader& reader, const Arguments& arguments)
 {
     demandLine(arguments, reader.object());
@@ -138,13 +197,19 @@ int read(host::Reader& reader, const Arguments& arguments)
     ScanOutput output(arguments.outFile, arguments.format, pageTitle(object.ReaderType()), form);
     if (!arguments.pictureFolder.empty())
         output.addPictures(arguments.pictureFolder, form);
+    std::optional<ScanStore> store;
+    if (!arguments.storeFile.empty())
+        store.emplace(arguments, reader, output);
     const host::Result result = [&] {
         const InterruptWatch interrupt([&] { reader.object().CancelScan(True); });
         return reader.read(
-            output, [&] { return InterruptNote::came() || !output.problem().empty(); }, host::StopAsked::AtEachSheet);
+            store ? store->events() : output, [&] { return InterruptNote::came() || !output.problem().empty(); },
+            host::StopAsked::AtEachSheet);
     }();
     tellFaults(reader.simulatorErrors());
     tellLineErrors(reader.object());
+    if (store)
+        store->demandAll();
 
     if (InterruptNote::came())
         return kInterruptedStatus;
@@ -228,6 +293,13 @@ void addScanCommand(Commands& commands)
     command.add_option("--out", arguments->outFile, "Writes to a file in place of standard output")->type_name("FILE");
     command.add_option("--pictures", arguments->pictureFolder, "Puts a picture of each sheet into a folder, as SVG")
         ->type_name("FOLDER");
+    command
+        .add_option("--store", arguments->storeFile,
+                    "Keeps the sheets in a file, each before the next is fed ('kelreader sheets')")
+        ->type_name("FILE");
+    command.add_option("--reader", arguments->readerName, "What the store calls the reader")->type_name("NAME");
+    command.add_option("--batch", arguments->batchName, "What the store calls the batch; else it is the time")
+        ->type_name("NAME");
     command.add_option("--trace", arguments->traceFile, "Writes down what goes over the line, for 'kelreader replay'")
         ->type_name("FILE");
     arguments->simulator.addTo(command);

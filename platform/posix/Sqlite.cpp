@@ -41,6 +41,17 @@ bool SqliteFailure::isAccess() const noexcept
     return kind == SQLITE_CANTOPEN || kind == SQLITE_READONLY;
 }
 
+bool SqliteFailure::isBusy() const noexcept
+{
+    const int kind = code_ & 0xFF;
+    return kind == SQLITE_BUSY || kind == SQLITE_LOCKED;
+}
+
+bool SqliteFailure::isFull() const noexcept
+{
+    return (code_ & 0xFF) == SQLITE_FULL;
+}
+
 void SqliteDatabase::Close::operator()(sqlite3* database) const noexcept
 {
     sqlite3_close_v2(database);

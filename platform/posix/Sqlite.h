@@ -21,6 +21,10 @@ public:
     [[nodiscard]] bool isDamage() const noexcept;
     /// Whether a file that is needed cannot be made or written.
     [[nodiscard]] bool isAccess() const noexcept;
+    /// Whether another program holds the file.
+    [[nodiscard]] bool isBusy() const noexcept;
+    /// Whether the disk takes no more.
+    [[nodiscard]] bool isFull() const noexcept;
 
 private:
     int code_;

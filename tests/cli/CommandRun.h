@@ -35,6 +35,8 @@ public:
     /// Waits for a text on standard error; false when it never comes.
     bool waitForError(const std::string& text);
 
+    [[nodiscard]] pid_t process() const noexcept { return process_; }
+
     /// Sends a signal, and waits until the command has taken it.
     void signal(int number) const;
 

@@ -1,0 +1,139 @@
+#include "cli/CommandList.h"
+#include "cli/Commands.h"
+#include "cli/EntryOutput.h"
+#include "cli/InterruptWatch.h"
+#include "cli/PictureFolder.h"
+#include "cli/SheetRecords.h"
+#include "cli/UsageError.h"
+#include "host/TextOutput.h"
+#include "platform/posix/EventCall.h"
+#include "store/StoreWatch.h"
+#include "store/StoredSheets.h"
+
+#include <iostream>
+
+namespace kel {
+
+namespace {
+
+struct Arguments {
+    std::string storeFile;
+    std::string reader;
+    std::string batch;
+    std::string since;
+    std::string before;
+    std::string format;
+    std::string pictureFolder;
+    bool follow = false;
+    bool forget = false;
+};
+
+std::string timeNamed(const char* option, const std::string& text)
+{
+    if (text.empty())
+        return {};
+    if (const auto time = storeTimeOf(text))
+        return *time;
+    throw host::UsageError(std::string(option) + " has '" + text +
+                           "', which is no time; write 2024-01-31 or \"2024-01-31 12:00\", and a Z after it for UTC.");
+}
+
+int forget(const Arguments& arguments)
+{
+    if (arguments.before.empty())
+        throw host::UsageError("--forget needs --before T: what is older is gone for good.");
+    StoredSheets store(arguments.storeFile);
+    const std::int64_t forgotten = store.forget(timeNamed("--before", arguments.before));
+    std::cerr << "kelreader: " << forgotten << (forgotten == 1 ? " sheet" : " sheets") << " forgotten." << std::endl;
+    return kDoneStatus;
+}
+
+/// Where the sheets of a store go.
+class StoreOutput {
+public:
+    explicit StoreOutput(const Arguments& arguments)
+        : lines_(entryOutput(arguments.format, [this](const std::string& text) { output_.writeOrFail(text); }))
+    {
+        if (!arguments.pictureFolder.empty())
+            pictures_ = std::make_unique<EntryPictures>(arguments.pictureFolder);
+        lines_->begin();
+    }
+
+    void entry(const Entry& entry)
+    {
+        lines_->entry(entry);
+        if (pictures_ && entry.sheet())
+            pictures_->sheet(entry);
+    }
+
+private:
+    host::TextOutput output_;
+    std::unique_ptr<EntryOutput> lines_;
+    std::unique_ptr<EntryPictures> pictures_;
+};
+
+int show(const Arguments& arguments)
+{
+    if (!arguments.before.empty())
+        throw host::UsageError("--before goes with --forget.");
+    const StoreFilter filter{.reader = arguments.reader,
+                             .batch = arguments.batch,
+                             .since = timeNamed("--since", arguments.since),
+                             .failures = arguments.format == "json"};
+    StoredSheets store(arguments.storeFile);
+    StoreOutput output(arguments);
+    EventCall interrupted;
+    const InterruptWatch interrupt([&] { interrupted.call(); });
+    std::int64_t last = 0;
+    const auto take = [&](const Entry& entry) {
+        output.entry(entry);
+        return !InterruptNote::came();
+    };
+    if (!arguments.follow) {
+        store.read(filter, last, take);
+    } else {
+        const StoreWatch watch(arguments.storeFile);
+        do
+            last = store.read(filter, last, take);
+        while (!InterruptNote::came() && watch.wait(interrupted.handle()));
+    }
+    return InterruptNote::came() ? kInterruptedStatus : kDoneStatus;
+}
+
+int run(const Arguments& arguments)
+{
+    return arguments.forget ? forget(arguments) : show(arguments);
+}
+
+} // namespace
+
+void addSheetsCommand(Commands& commands)
+{
+    const auto arguments = std::make_shared<Arguments>();
+    CLI::App& command =
+        commands.add("sheets", "Shows the sheets that a store holds", [arguments] { return run(*arguments); });
+    command.add_option("store", arguments->storeFile, "The store that a scan or a station writes")
+        ->required()
+        ->type_name("FILE");
+    command.add_option("--reader", arguments->reader, "Those of a reader alone")->type_name("NAME");
+    command.add_option("--batch", arguments->batch, "Those of a batch alone")->type_name("NAME");
+    command
+        .add_option("--since", arguments->since,
+                    "Those from a time on, such as 2024-01-31 or \"2024-01-31 12:00\"; with a Z after it in UTC")
+        ->type_name("TIME");
+    command.add_flag("--follow", arguments->follow, "Goes on with sheets as they come, until Ctrl-C");
+    addFormat(command, arguments->format, {"json", "csv", "table"});
+    command.add_option("--pictures", arguments->pictureFolder, "Puts a picture of each sheet into a folder, as SVG")
+        ->type_name("FOLDER");
+    CLI::Option* forget = command.add_flag("--forget", arguments->forget, "Removes sheets and reports for good");
+    command.add_option("--before", arguments->before, "With --forget: those that are older than this time")
+        ->type_name("TIME");
+    for (const char* shows : {"--follow", "--reader", "--batch", "--since", "--pictures"})
+        forget->excludes(shows);
+    command.footer(
+        "json: a line a sheet or report, as a scan writes it, with station, reader, batch, time and id. csv: a "
+        "row a sheet, with its marks. table: a row a sheet, for the eye.\n"
+        "Exit status: 0 done, 1 the store cannot be read, 2 wrong usage, 130 interrupted.");
+}
+
+} // namespace kel

@@ -1,0 +1,264 @@
+#include "store/SheetStore.h"
+
+#include "formats/JsonValue.h"
+#include "platform/posix/Sqlite.h"
+#include "store/SheetJson.h"
+#include "store/StoreProblem.h"
+#include "store/StoreSchema.h"
+
+#include <array>
+#include <fcntl.h>
+#include <utility>
+
+namespace kel {
+
+namespace {
+
+// Nobody else writes but who forgets old sheets, a few at a time.
+constexpr int kPatience = 1000;
+constexpr mode_t kUserAndGroup = 0660;
+
+/// SQLite is to open what exists; a new file has the access rights of a store.
+void makeFile(const std::filesystem::path& file)
+{
+    const FileDescriptor made(
+        retrying([&] { return ::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, kUserAndGroup); }));
+}
+
+std::string textOrNothing(const Json& value)
+{
+    return value.is_null() ? std::string() : jsonText(value);
+}
+
+} // namespace
+
+std::string storeTime(std::chrono::system_clock::time_point moment)
+{
+    const auto whole = std::chrono::floor<std::chrono::seconds>(moment);
+    const auto rest = std::chrono::duration_cast<std::chrono::milliseconds>(moment - whole).count();
+    return storeTime(std::chrono::system_clock::to_time_t(whole), static_cast<int>(rest));
+}
+
+std::string storeTime(std::time_t seconds, int milliseconds)
+{
+    std::tm utc{};
+    gmtime_r(&seconds, &utc);
+    std::array<char, 64> text{};
+    const std::size_t length = std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%S", &utc);
+    constexpr int kThreeDigits = 1000;
+    return std::string(text.data(), length) + "." + std::to_string(kThreeDigits + milliseconds).substr(1) + "Z";
+}
+
+/// The open file, with what is written to it.
+class SheetStore::Writer {
+public:
+    explicit Writer(const std::filesystem::path& file)
+        : database_(file, SqliteDatabase::Mode::Shared, kPatience), tables_(prepared(database_, file)),
+          nextId_(database_, "UPDATE store SET last = last + 1 RETURNING last, identity"),
+          addSetup_(database_, "INSERT INTO setup (model, threshold, form) VALUES (?, ?, ?) ON CONFLICT DO UPDATE SET "
+                               "model = excluded.model RETURNING id"),
+          addBatch_(database_, "INSERT INTO batch (store, station, reader, name) VALUES (?, ?, ?, ?) ON CONFLICT DO "
+                               "UPDATE SET name = excluded.name RETURNING id, sheets"),
+          countSheet_(database_, "UPDATE batch SET sheets = max(sheets, ?) WHERE id = ?"),
+          addSheet_(database_, "INSERT INTO sheet VALUES (?, ?, ?, ?, ?, ?, nullif(?, ''), nullif(?, ''), ?, ?, ?, "
+                               "nullif(?, ''), ?, ?, ?) ON CONFLICT (identity) DO NOTHING"),
+          addFailure_(database_, "INSERT INTO failure VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?) "
+                                 "ON CONFLICT (identity) DO NOTHING")
+    {
+    }
+
+    void write(const std::vector<Waiting*>& group)
+    {
+        // What is written to a file that has lost its name would be gone with the program.
+        if (database_.hasMoved())
+            throw StoreProblem("The store's file is no longer in its place.");
+        SqliteTransaction transaction(database_);
+        for (const Waiting* waiting : group) {
+            isOwn_ = waiting->own;
+            for (Entry& entry : waiting->entries)
+                write(entry);
+        }
+        transaction.commit();
+    }
+
+private:
+    static bool prepared(SqliteDatabase& database, const std::filesystem::path& file)
+    {
+        prepareStore(database, file);
+        database.run("PRAGMA journal_mode = WAL; PRAGMA synchronous = FULL; PRAGMA foreign_keys = ON");
+        return true;
+    }
+
+    void write(Entry& entry)
+    {
+        identify(entry);
+        const std::int64_t batch = batchOf(entry);
+        if (auto* sheet = std::get_if<ReadSheetEntry>(&entry.what))
+            write(entry, *sheet, batch);
+        else
+            write(entry, std::get<ReportEntry>(entry.what), batch);
+    }
+
+    void identify(Entry& entry)
+    {
+        SqliteStatement::Run run(nextId_);
+        run.next();
+        entry.id = run.numberAt(0);
+        if (!isOwn_)
+            return;
+        entry.origin.store = run.textAt(1);
+        entry.identity = entry.origin.store + "-" + std::to_string(entry.id);
+        entry.time = storeTime(std::chrono::system_clock::now());
+    }
+
+    std::int64_t batchOf(const Entry& entry)
+    {
+        SqliteStatement::Run run(addBatch_);
+        run.text(entry.origin.store).text(entry.origin.station).text(entry.origin.reader).text(entry.origin.batch);
+        run.next();
+        lastSheet_ = static_cast<Int32>(run.numberAt(1));
+        return run.numberAt(0);
+    }
+
+    std::int64_t setupOf(const Setup& setup)
+    {
+        SqliteStatement::Run run(addSetup_);
+        run.number(setup.model).number(setup.threshold).text(setup.form).next();
+        return run.numberAt(0);
+    }
+
+    void write(const Entry& entry, ReadSheetEntry& read, std::int64_t batch)
+    {
+        host::Sheet& sheet = read.sheet;
+        if (isOwn_)
+            sheet.number = lastSheet_ + 1;
+        SqliteStatement::Run(countSheet_).number(sheet.number).number(batch).next();
+        const std::int64_t setup = setupOf(read.setup);
+        const std::string side1 = textOrNothing(jsonSide(sheet.side1));
+        const std::string side2 = textOrNothing(jsonSide(sheet.side2));
+        const std::string barcodes = jsonText(jsonTexts(sheet.barcodes.elements()));
+        const std::string record = sheet.record ? jsonText(jsonRecord(*sheet.record)) : std::string();
+        const std::string printedLines = jsonText(jsonTexts(sheet.printedLines));
+        SqliteStatement::Run(addSheet_)
+            .number(entry.id)
+            .text(entry.identity)
+            .number(batch)
+            .number(sheet.number)
+            .text(entry.time)
+            .number(setup)
+            .text(side1)
+            .text(side2)
+            .number(sheet.side1TimingMarks)
+            .number(sheet.side2TimingMarks)
+            .text(barcodes)
+            .text(record)
+            .number(sheet.rejected)
+            .number(sheet.printed)
+            .text(printedLines)
+            .next();
+    }
+
+    void write(const Entry& entry, ReportEntry& report, std::int64_t batch)
+    {
+        if (isOwn_)
+            report.afterSheet = lastSheet_;
+        const std::string description = validUtf8(report.failure.description);
+        const std::string source = validUtf8(report.failure.source);
+        const std::string title = validUtf8(report.failure.title);
+        SqliteStatement::Run(addFailure_)
+            .number(entry.id)
+            .text(entry.identity)
+            .number(batch)
+            .number(report.afterSheet)
+            .text(entry.time)
+            .number(report.failure.line)
+            .number(report.failure.number)
+            .number(report.failure.type)
+            .text(description)
+            .text(source)
+            .text(title)
+            .next();
+    }
+
+    SqliteDatabase database_;
+    bool tables_; // made before the statements that name them
+    SqliteStatement nextId_;
+    SqliteStatement addSetup_;
+    SqliteStatement addBatch_;
+    SqliteStatement countSheet_;
+    SqliteStatement addSheet_;
+    SqliteStatement addFailure_;
+    bool isOwn_ = true;
+    Int32 lastSheet_ = 0;
+};
+
+SheetStore::SheetStore(std::filesystem::path file, const std::string& owner)
+    : file_(std::move(file)), lock_(file_, owner)
+{
+    makeFile(file_);
+    onStore(file_, [&] { writer_ = std::make_unique<Writer>(file_); });
+}
+
+SheetStore::~SheetStore() = default;
+
+void SheetStore::add(Entry& entry)
+{
+    add(std::span(&entry, 1));
+}
+
+void SheetStore::add(std::span<Entry> entries)
+{
+    if (entries.empty())
+        return;
+    Waiting mine{.entries = entries, .own = entries.front().identity.empty()};
+    std::unique_lock lock(mutex_);
+    waiting_.push_back(&mine);
+    while (!mine.done) {
+        if (writing_) {
+            written_.wait(lock);
+            continue;
+        }
+        // This thread writes for all that wait now; whoever comes meanwhile waits for the next round.
+        const std::vector<Waiting*> group = std::exchange(waiting_, {});
+        writing_ = true;
+        lock.unlock();
+        std::exception_ptr problem;
+        try {
+            write(group);
+        } catch (...) {
+            problem = std::current_exception();
+        }
+        lock.lock();
+        writing_ = false;
+        for (Waiting* const waiting : group) {
+            waiting->problem = problem;
+            waiting->done = true;
+        }
+        written_.notify_all();
+    }
+    if (!mine.problem)
+        return;
+    for (Entry& entry : entries) {
+        if (mine.own)
+            entry.identity.clear();
+    }
+    std::rethrow_exception(mine.problem);
+}
+
+void SheetStore::write(const std::vector<Waiting*>& group)
+{
+    try {
+        onStore(file_, [&] {
+            if (!writer_) {
+                makeFile(file_);
+                writer_ = std::make_unique<Writer>(file_);
+            }
+            writer_->write(group);
+        });
+    } catch (...) {
+        writer_.reset();
+        throw;
+    }
+}
+
+} // namespace kel

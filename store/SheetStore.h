@@ -1,0 +1,64 @@
+#pragma once
+
+#include "store/Entry.h"
+#include "store/StoreLock.h"
+
+#include <chrono>
+#include <condition_variable>
+#include <ctime>
+#include <exception>
+#include <filesystem>
+#include <memory>
+#include <mutex>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace kel {
+
+/// Keeps sheets in a file, each safe on the disk before `add` returns. Any thread may call it: entries that wait for
+/// the disk at the same time go to it together.
+class SheetStore {
+public:
+    /// Opens the store for writing, and makes it if there is none. StoreProblem if that fails, or if somebody writes to
+    /// it already.
+    SheetStore(std::filesystem::path file, const std::string& owner);
+    ~SheetStore();
+    SheetStore(const SheetStore&) = delete;
+    SheetStore& operator=(const SheetStore&) = delete;
+
+    [[nodiscard]] const std::filesystem::path& file() const noexcept { return file_; }
+
+    /// Takes an entry, and fills in what the store gives it: id, identity, time, and the number of the sheet. An entry
+    /// with an identity comes from another store and keeps it with all the rest; one that is there already stays as it
+    /// is. StoreProblem if it cannot be kept; the next call opens the file anew.
+    void add(Entry& entry);
+
+    /// The same for several at once, which all come from readers or all from other stores: all of them or none.
+    void add(std::span<Entry> entries);
+
+private:
+    class Writer;
+    struct Waiting {
+        std::span<Entry> entries;
+        bool own = true; ///< they come from a reader, and not from another store
+        bool done = false;
+        std::exception_ptr problem = nullptr;
+    };
+
+    void write(const std::vector<Waiting*>& group);
+
+    std::filesystem::path file_;
+    StoreLock lock_;
+    std::mutex mutex_;
+    std::condition_variable written_;
+    std::vector<Waiting*> waiting_;
+    bool writing_ = false;
+    std::unique_ptr<Writer> writer_; // of the thread that is writing
+};
+
+/// A moment as the store writes it: UTC, 2024-01-31T12:00:00.000Z.
+[[nodiscard]] std::string storeTime(std::chrono::system_clock::time_point moment);
+[[nodiscard]] std::string storeTime(std::time_t seconds, int milliseconds);
+
+} // namespace kel

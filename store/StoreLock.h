@@ -1,0 +1,21 @@
+#pragma once
+
+#include "platform/FileDescriptor.h"
+
+#include <filesystem>
+#include <string>
+
+namespace kel {
+
+/// The right to write to a store, which one process has at a time: a lock on the file beside it. It ends with the
+/// process, however that ends.
+class StoreLock {
+public:
+    /// StoreProblem if another one has it, or if there can be no such file; `owner` is who it is told as.
+    StoreLock(const std::filesystem::path& store, const std::string& owner);
+
+private:
+    FileDescriptor file_;
+};
+
+} // namespace kel

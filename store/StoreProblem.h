@@ -1,0 +1,19 @@
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <stdexcept>
+#include <string>
+
+namespace kel {
+
+/// A store cannot do what it is to do. The text is a sentence for a person, with what to try.
+class StoreProblem : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// Runs work on a store's file, and makes a StoreProblem of what SQLite refuses.
+void onStore(const std::filesystem::path& file, const std::function<void()>& work);
+
+} // namespace kel

@@ -1,0 +1,209 @@
+#include "store/StoredSheets.h"
+
+#include "formats/JsonValue.h"
+#include "store/SheetJson.h"
+#include "store/SheetStore.h"
+#include "store/StoreProblem.h"
+#include "store/StoreSchema.h"
+
+#include <ctime>
+#include <utility>
+#include <vector>
+
+namespace kel {
+
+namespace {
+
+constexpr int kPatience = 30'000;
+
+// No transaction of a reader lasts longer than these take: a writer's log would grow meanwhile.
+constexpr int kAtOnce = 500;
+
+constexpr const char* kFind = R"(
+    SELECT sheet.id, 0 FROM sheet JOIN batch ON batch.id = sheet.batch
+    WHERE sheet.id > ?1 AND (?2 = '' OR reader = ?2) AND (?3 = '' OR name = ?3) AND time >= ?4
+    UNION ALL
+    SELECT failure.id, 1 FROM failure JOIN batch ON batch.id = failure.batch
+    WHERE failure.id > ?1 AND (?2 = '' OR reader = ?2) AND (?3 = '' OR name = ?3) AND time >= ?4 AND ?5
+    ORDER BY 1 LIMIT ?6)";
+
+constexpr const char* kSheet = R"(
+    SELECT identity, store, station, reader, name, time, model, threshold, form, number, side1, side2,
+           side1TimingMarks, side2TimingMarks, barcodes, record, rejected, printed, printedLines
+    FROM sheet JOIN batch ON batch.id = sheet.batch JOIN setup ON setup.id = sheet.setup WHERE sheet.id = ?)";
+
+constexpr const char* kFailure = R"(
+    SELECT identity, store, station, reader, name, time, afterSheet, line, number, type, description, source, title
+    FROM failure JOIN batch ON batch.id = failure.batch WHERE failure.id = ?)";
+
+std::filesystem::path existing(const std::filesystem::path& file)
+{
+    if (!std::filesystem::exists(file))
+        throw StoreProblem("There is no store " + file.string() + "; name one that a scan or a station writes.");
+    return file;
+}
+
+template <class Make>
+auto opened(const std::filesystem::path& file, Make&& make)
+{
+    std::optional<decltype(make())> result;
+    onStore(file, [&] { result.emplace(make()); });
+    return std::move(*result);
+}
+
+Entry entryOf(const SqliteStatement::Run& row, std::int64_t id)
+{
+    Entry entry;
+    entry.id = id;
+    entry.identity = row.textAt(0);
+    entry.origin = {.store = row.textAt(1), .station = row.textAt(2), .reader = row.textAt(3), .batch = row.textAt(4)};
+    entry.time = row.textAt(5);
+    return entry;
+}
+
+MarkArray sideAt(const SqliteStatement::Run& row, int column)
+{
+    const std::string text = row.textAt(column);
+    return text.empty() ? MarkArray() : sideOf(parseJson(text));
+}
+
+/// Reads a local time, or one of UTC.
+std::optional<std::time_t> pointOf(const std::string& text, const char* format, bool utc)
+{
+    std::tm parts{};
+    parts.tm_isdst = -1;
+    const char* const end = ::strptime(text.c_str(), format, &parts);
+    if (!end || *end != '\0')
+        return std::nullopt;
+    return utc ? ::timegm(&parts) : std::mktime(&parts);
+}
+
+} // namespace
+
+std::optional<std::string> storeTimeOf(const std::string& text)
+{
+    const bool utc = text.ends_with('Z');
+    std::string rest = utc ? text.substr(0, text.size() - 1) : text;
+    int milliseconds = 0;
+    constexpr std::size_t kFraction = 4; // ".123"
+    if (rest.size() > kFraction && rest[rest.size() - kFraction] == '.') {
+        const std::string digits = rest.substr(rest.size() - kFraction + 1);
+        if (digits.find_first_not_of("0123456789") != std::string::npos)
+            return std::nullopt;
+        milliseconds = std::stoi(digits);
+        rest.resize(rest.size() - kFraction);
+    }
+    for (const char* format :
+         {"%Y-%m-%d", "%Y-%m-%d %H:%M", "%Y-%m-%d %H:%M:%S", "%Y-%m-%dT%H:%M", "%Y-%m-%dT%H:%M:%S"}) {
+        if (const auto point = pointOf(rest, format, utc))
+            return storeTime(*point, milliseconds);
+    }
+    return std::nullopt;
+}
+
+StoredSheets::StoredSheets(const std::filesystem::path& file)
+    : file_(existing(file)),
+      database_(opened(file, [&] { return SqliteDatabase(file, SqliteDatabase::Mode::Shared, kPatience); }))
+{
+    onStore(file_, [&] { checkStore(database_, file_); });
+}
+
+std::int64_t StoredSheets::read(const StoreFilter& filter, std::int64_t after, const Take& take)
+{
+    onStore(file_, [&] {
+        SqliteStatement find(database_, kFind);
+        std::vector<std::pair<std::int64_t, bool>> found;
+        do {
+            found.clear();
+            SqliteStatement::Run rows(find);
+            rows.number(after).text(filter.reader).text(filter.batch).text(filter.since);
+            rows.number(filter.failures).number(kAtOnce);
+            while (rows.next())
+                found.emplace_back(rows.numberAt(0), rows.numberAt(1) != 0);
+            for (const auto& [id, isFailure] : found) {
+                after = id;
+                // Somebody may have had it forgotten just now.
+                const std::optional<Entry> entry = isFailure ? failureOf(id) : sheetOf(id);
+                if (entry && !take(*entry))
+                    return;
+            }
+        } while (found.size() == kAtOnce);
+    });
+    return after;
+}
+
+std::optional<Entry> StoredSheets::sheetOf(std::int64_t id)
+{
+    SqliteStatement statement(database_, kSheet);
+    SqliteStatement::Run row(statement);
+    if (!row.number(id).next())
+        return std::nullopt;
+    Entry entry = entryOf(row, id);
+    ReadSheetEntry read;
+    read.setup = {.model = static_cast<kelReaderType>(row.numberAt(6)),
+                  .threshold = static_cast<Int16>(row.numberAt(7)),
+                  .form = row.textAt(8)};
+    host::Sheet& sheet = read.sheet;
+    try {
+        sheet.number = static_cast<Int32>(row.numberAt(9));
+        sheet.side1 = sideAt(row, 10);
+        sheet.side2 = sideAt(row, 11);
+        sheet.side1TimingMarks = static_cast<Int16>(row.numberAt(12));
+        sheet.side2TimingMarks = static_cast<Int16>(row.numberAt(13));
+        sheet.barcodes = TextArray::of(1, lineTextsOf(parseJson(row.textAt(14))));
+        if (const std::string record = row.textAt(15); !record.empty())
+            sheet.record = recordOf(parseJson(record));
+        sheet.rejected = row.numberAt(16) != 0;
+        sheet.printed = row.numberAt(17) != 0;
+        sheet.printedLines = lineTextsOf(parseJson(row.textAt(18)));
+    } catch (const JsonRefusal& refusal) {
+        throw StoreProblem("The store " + file_.string() + " is damaged at sheet " + std::to_string(id) + ": " +
+                           validUtf8(refusal.what()) + ".");
+    }
+    entry.what = std::move(read);
+    return entry;
+}
+
+std::optional<Entry> StoredSheets::failureOf(std::int64_t id)
+{
+    SqliteStatement statement(database_, kFailure);
+    SqliteStatement::Run row(statement);
+    if (!row.number(id).next())
+        return std::nullopt;
+    Entry entry = entryOf(row, id);
+    ReportEntry report;
+    report.afterSheet = static_cast<Int32>(row.numberAt(6));
+    report.failure.line = static_cast<Int32>(row.numberAt(7));
+    report.failure.number = static_cast<Int32>(row.numberAt(8));
+    report.failure.type = static_cast<Int32>(row.numberAt(9));
+    report.failure.description = row.textAt(10);
+    report.failure.source = row.textAt(11);
+    report.failure.title = row.textAt(12);
+    entry.what = std::move(report);
+    return entry;
+}
+
+std::int64_t StoredSheets::forget(const std::string& before)
+{
+    std::int64_t forgotten = 0;
+    onStore(file_, [&] {
+        for (const char* table : {"sheet", "failure"}) {
+            const std::string removal = std::string("DELETE FROM ") + table + " WHERE id IN (SELECT id FROM " + table +
+                                        " WHERE time < ? LIMIT " + std::to_string(kAtOnce) + ")";
+            SqliteStatement statement(database_, removal.c_str());
+            int gone = 0;
+            do {
+                SqliteTransaction transaction(database_);
+                SqliteStatement::Run(statement).text(before).next();
+                gone = database_.changes();
+                transaction.commit();
+                if (table == std::string_view("sheet"))
+                    forgotten += gone;
+            } while (gone > 0);
+        }
+        database_.run("PRAGMA incremental_vacuum; PRAGMA wal_checkpoint(TRUNCATE)");
+    });
+    return forgotten;
+}
+
+} // namespace kel

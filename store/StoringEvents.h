@@ -1,0 +1,47 @@
+#pragma once
+
+#include "host/Events.h"
+#include "store/Entry.h"
+#include "store/SheetStore.h"
+
+#include <chrono>
+#include <functional>
+#include <string>
+
+namespace kel {
+
+/// What somebody does about a store that takes nothing.
+struct StoreTrouble {
+    std::function<void(const std::string& sentence)> tell; ///< what is wrong, once; and that it is over
+    /// Waits before the next attempt; false to give up.
+    std::function<bool(std::chrono::milliseconds pause)> pause;
+};
+
+/// Keeps each event of a batch in a store, and only then hands it on. While the store takes nothing, an event does not
+/// return, so that no further sheet is fed.
+class StoringEvents final : public host::Events {
+public:
+    StoringEvents(SheetStore& store, Origin origin, Setup setup, host::Events& next, StoreTrouble trouble)
+        : store_(store), origin_(std::move(origin)), setup_(std::move(setup)), next_(next), trouble_(std::move(trouble))
+    {
+    }
+
+    void sheet(const host::Sheet& event) override;
+    void failure(const host::Failure& event) override;
+    void end(const host::BatchEnd& event) override { next_.end(event); }
+
+    /// How many events the store has not taken before somebody gave up.
+    [[nodiscard]] int lost() const noexcept { return lost_; }
+
+private:
+    void keep(Entry entry);
+
+    SheetStore& store_;
+    Origin origin_;
+    Setup setup_;
+    host::Events& next_;
+    StoreTrouble trouble_;
+    int lost_ = 0;
+};
+
+} // namespace kel

@@ -1,0 +1,352 @@
+#include "store/SheetStore.h"
+
+#include "platform/posix/Sqlite.h"
+#include "store/StoreProblem.h"
+#include "store/StoredSheets.h"
+#include "store/StoringEvents.h"
+#include "tests/support/TemporaryFolder.h"
+
+#include <gmock/gmock.h>
+
+#include <set>
+#include <thread>
+
+namespace kel::test {
+namespace {
+
+using testing::AllOf;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::SizeIs;
+using testing::StartsWith;
+
+host::Sheet sheetWith(const std::string& barcode)
+{
+    host::Sheet sheet;
+    sheet.side1.ReDim(3, 4);
+    sheet.side1(1, 2) = 9;
+    sheet.side1(3, 4) = -1;
+    sheet.side1TimingMarks = 3;
+    sheet.barcodes = TextArray::of(1, {barcode, ""});
+    return sheet;
+}
+
+Entry entryWith(const std::string& barcode, const std::string& reader = "left", const std::string& batch = "monday")
+{
+    return {.origin = {.station = "hall", .reader = reader, .batch = batch},
+            .what = ReadSheetEntry{.setup = {.model = kelReaderTypeScantronScanMark2500, .threshold = 7, .form = "{}"},
+                                   .sheet = sheetWith(barcode)}};
+}
+
+template <class Call>
+std::string problemOf(Call&& call)
+{
+    try {
+        call();
+    } catch (const StoreProblem& problem) {
+        return problem.what();
+    }
+    return "no problem";
+}
+
+class Store : public testing::Test {
+protected:
+    [[nodiscard]] std::vector<Entry> entries(const StoreFilter& filter = {}) const
+    {
+        std::vector<Entry> found;
+        StoredSheets(file_).read(filter, 0, [&](const Entry& entry) {
+            found.push_back(entry);
+            return true;
+        });
+        return found;
+    }
+
+    [[nodiscard]] std::vector<Int32> numbers(const std::string& reader) const
+    {
+        std::vector<Int32> found;
+        for (const Entry& entry : entries({.reader = reader}))
+            found.push_back(entry.sheet()->sheet.number);
+        return found;
+    }
+
+    TemporaryFolder folder_;
+    std::filesystem::path file_ = folder_.path() / "hall.db";
+};
+
+TEST_F(Store, GivesASheetBackAsItCame)
+{
+    Entry entry = entryWith("\xE9\"<script>\x01");
+    host::Sheet& sheet = std::get<ReadSheetEntry>(entry.what).sheet;
+    sheet.rejected = true;
+    sheet.printed = true;
+    sheet.printedLines = {"caf\xE9", "2"};
+    sheet.record.emplace();
+    sheet.record->Add("Name", std::string("Zo\xEB"));
+    sheet.record->Add(12, Int32{3});
+    sheet.record->Add("Blank", std::monostate());
+    SheetStore(file_, "a test").add(entry);
+
+    const std::vector<Entry> found = entries();
+    ASSERT_THAT(found, SizeIs(1));
+    EXPECT_EQ(found[0].id, 1);
+    EXPECT_EQ(found[0].identity, entry.identity);
+    EXPECT_EQ(found[0].origin, entry.origin);
+    EXPECT_EQ(found[0].time, entry.time);
+    const ReadSheetEntry& read = *found[0].sheet();
+    EXPECT_EQ(read.setup.model, kelReaderTypeScantronScanMark2500);
+    EXPECT_EQ(read.setup.threshold, 7);
+    EXPECT_EQ(read.setup.form, "{}");
+    EXPECT_EQ(read.sheet.number, 1);
+    EXPECT_EQ(read.sheet.side1, sheet.side1);
+    EXPECT_FALSE(read.sheet.side2.isDimensioned());
+    EXPECT_EQ(read.sheet.side1TimingMarks, 3);
+    EXPECT_EQ(read.sheet.side2TimingMarks, -1);
+    EXPECT_EQ(read.sheet.barcodes, sheet.barcodes);
+    EXPECT_TRUE(read.sheet.rejected);
+    EXPECT_TRUE(read.sheet.printed);
+    EXPECT_EQ(read.sheet.printedLines, sheet.printedLines);
+    ASSERT_TRUE(read.sheet.record);
+    EXPECT_EQ(read.sheet.record->Keys(), sheet.record->Keys());
+    EXPECT_EQ(read.sheet.record->Items(), sheet.record->Items());
+}
+
+TEST_F(Store, HasTheReportsBetweenTheSheets)
+{
+    SheetStore store(file_, "a test");
+    Entry first = entryWith("1");
+    store.add(first);
+    Entry report{.origin = first.origin,
+                 .what = ReportEntry{.failure = {.line = 3,
+                                                 .number = 8020,
+                                                 .type = 2,
+                                                 .description = "no answer",
+                                                 .source = "basScantron.X",
+                                                 .title = "Read Error"}}};
+    store.add(report);
+    Entry second = entryWith("2");
+    store.add(second);
+
+    const std::vector<Entry> found = entries();
+    ASSERT_THAT(found, SizeIs(3));
+    ASSERT_NE(found[1].report(), nullptr);
+    EXPECT_EQ(found[1].report()->afterSheet, 1);
+    EXPECT_EQ(found[1].report()->failure.number, 8020);
+    EXPECT_EQ(found[1].report()->failure.description, "no answer");
+    EXPECT_EQ(found[1].report()->failure.source, "basScantron.X");
+    EXPECT_EQ(found[1].report()->failure.title, "Read Error");
+    EXPECT_EQ(found[2].sheet()->sheet.number, 2);
+    EXPECT_THAT(entries({.failures = false}), SizeIs(2));
+}
+
+TEST_F(Store, NumbersRunOnWithinABatchWhateverEndsMeanwhile)
+{
+    for (int session = 0; session < 2; ++session) {
+        SheetStore store(file_, "a test");
+        Entry left = entryWith("x");
+        Entry right = entryWith("x", "right");
+        store.add(left);
+        store.add(right);
+    }
+    EXPECT_EQ(StoredSheets(file_).forget("2999-01-01"), 4);
+    SheetStore store(file_, "a test");
+    Entry later = entryWith("x");
+    store.add(later);
+    EXPECT_THAT(numbers("left"), ElementsAre(3));
+    EXPECT_EQ(later.id, 5);
+    Entry otherBatch = entryWith("x", "left", "tuesday");
+    store.add(otherBatch);
+    EXPECT_THAT(numbers("left"), ElementsAre(3, 1));
+}
+
+TEST_F(Store, TakesSheetsOfManyThreadsAtOnce)
+{
+    constexpr int kReaders = 16;
+    constexpr int kSheets = 40;
+    {
+        SheetStore store(file_, "a test");
+        std::vector<std::jthread> readers;
+        for (int reader = 0; reader < kReaders; ++reader) {
+            readers.emplace_back([&store, reader] {
+                for (int sheet = 0; sheet < kSheets; ++sheet) {
+                    Entry entry = entryWith(std::to_string(sheet), std::to_string(reader));
+                    store.add(entry);
+                }
+            });
+        }
+    }
+    std::vector<Int32> expected;
+    for (int sheet = 1; sheet <= kSheets; ++sheet)
+        expected.push_back(sheet);
+    for (int reader = 0; reader < kReaders; ++reader)
+        EXPECT_EQ(numbers(std::to_string(reader)), expected) << reader;
+    std::set<std::string> identities;
+    for (const Entry& entry : entries())
+        identities.insert(entry.identity);
+    EXPECT_THAT(identities, SizeIs(kReaders * kSheets));
+}
+
+TEST_F(Store, KeepsASheetOfAnotherStoreOnceAndAsItWas)
+{
+    Entry entry = entryWith("x");
+    {
+        SheetStore first(folder_.path() / "first.db", "a test");
+        first.add(entry);
+        first.add(entry = entryWith("y"));
+    }
+    SheetStore store(file_, "a test");
+    Entry own = entryWith("z");
+    store.add(own);
+    Entry again = entry;
+    store.add(entry);
+    store.add(again);
+    const std::vector<Entry> found = entries();
+    ASSERT_THAT(found, SizeIs(2));
+    EXPECT_EQ(found[1].identity, again.identity);
+    EXPECT_EQ(found[1].time, again.time);
+    EXPECT_EQ(found[1].origin, again.origin);
+    EXPECT_EQ(found[1].sheet()->sheet.number, 2);
+}
+
+TEST_F(Store, HasOneWriter)
+{
+    const SheetStore store(file_, "station hall");
+    EXPECT_THAT(problemOf([&] { SheetStore(file_, "another"); }),
+                AllOf(StartsWith("The store " + file_.string() + " is in use by station hall, process "),
+                      HasSubstr("a store has one writer")));
+}
+
+TEST_F(Store, RefusesAStoreOfANewerVersionAndLeavesItAlone)
+{
+    {
+        const SheetStore store(file_, "a test");
+    }
+    SqliteDatabase(file_, SqliteDatabase::Mode::Shared, 0).run("PRAGMA user_version = 99");
+    const std::string sentence = "has version 99, and this program knows versions up to";
+    EXPECT_THAT(problemOf([&] { SheetStore(file_, "a test"); }), HasSubstr(sentence));
+    EXPECT_THAT(problemOf([&] { StoredSheets{file_}; }), HasSubstr(sentence));
+    SqliteDatabase database(file_, SqliteDatabase::Mode::Shared, 0);
+    SqliteStatement version(database, "PRAGMA user_version");
+    SqliteStatement::Run run(version);
+    ASSERT_TRUE(run.next());
+    EXPECT_EQ(run.numberAt(0), 99);
+}
+
+TEST_F(Store, RefusesWhatIsNoStore)
+{
+    const std::filesystem::path text = folder_.write("text", "no database, but long enough to be looked at as one");
+    EXPECT_THAT(problemOf([&] { SheetStore(text, "a test"); }), HasSubstr("is damaged"));
+    folder_.write("other.db", "");
+    SqliteDatabase(folder_.file("other.db"), SqliteDatabase::Mode::Shared, 0).run("CREATE TABLE theirs (x)");
+    EXPECT_THAT(problemOf([&] { SheetStore(folder_.file("other.db"), "a test"); }), HasSubstr("no store of sheets"));
+    EXPECT_THAT(problemOf([&] { StoredSheets(folder_.file("none.db")); }), StartsWith("There is no store "));
+    EXPECT_THAT(problemOf([&] { SheetStore("/nowhere/x.db", "a test"); }), HasSubstr("cannot be written"));
+}
+
+TEST_F(Store, WritesNothingToAFileThatIsGoneFromItsPlace)
+{
+    SheetStore store(file_, "a test");
+    Entry entry = entryWith("x");
+    store.add(entry);
+    std::filesystem::rename(file_, folder_.path() / "away.db");
+    Entry next = entryWith("y");
+    EXPECT_THAT(problemOf([&] { store.add(next); }), HasSubstr("no longer in its place"));
+    store.add(next);
+    EXPECT_THAT(entries(), SizeIs(1));
+    EXPECT_EQ(next.origin.store, entries()[0].origin.store);
+    EXPECT_NE(next.origin.store, entry.origin.store);
+}
+
+/// What is told and waited while a store is in trouble.
+struct Trouble {
+    std::vector<std::string> told{};
+    int pauses = 0;
+    std::function<bool()> onPause;
+
+    StoreTrouble calls()
+    {
+        return {.tell = [this](const std::string& sentence) { told.push_back(sentence); },
+                .pause =
+                    [this](std::chrono::milliseconds) {
+                        ++pauses;
+                        return onPause();
+                    }};
+    }
+};
+
+struct CountedEvents final : host::Events {
+    void sheet(const host::Sheet&) override { ++sheets; }
+    int sheets = 0;
+};
+
+TEST_F(Store, ASheetDoesNotReturnBeforeALockedStoreHasIt)
+{
+    SheetStore store(file_, "a test");
+    std::optional<SqliteDatabase> other(std::in_place, file_, SqliteDatabase::Mode::Shared, 0);
+    other->run("BEGIN IMMEDIATE");
+    CountedEvents next;
+    Trouble trouble;
+    trouble.onPause = [&] {
+        EXPECT_EQ(next.sheets, 0);
+        if (trouble.pauses == 2)
+            other->run("COMMIT");
+        return true;
+    };
+    StoringEvents events(store, {.station = "hall", .reader = "left", .batch = "monday"}, {}, next, trouble.calls());
+    events.sheet(sheetWith("x"));
+    EXPECT_EQ(trouble.pauses, 2);
+    EXPECT_THAT(trouble.told, ElementsAre(HasSubstr("is locked by another program"), HasSubstr("takes sheets again")));
+    EXPECT_EQ(next.sheets, 1);
+    EXPECT_EQ(events.lost(), 0);
+    EXPECT_THAT(numbers("left"), ElementsAre(1));
+}
+
+TEST_F(Store, AnOwnerWhoGivesUpLearnsWhatIsLost)
+{
+    SheetStore store(file_, "a test");
+    SqliteDatabase other(file_, SqliteDatabase::Mode::Shared, 0);
+    other.run("BEGIN IMMEDIATE");
+    CountedEvents next;
+    Trouble trouble;
+    trouble.onPause = [] { return false; };
+    StoringEvents events(store, {}, {}, next, trouble.calls());
+    events.sheet(sheetWith("x"));
+    EXPECT_EQ(events.lost(), 1);
+    EXPECT_EQ(next.sheets, 1);
+    other.run("COMMIT");
+    EXPECT_THAT(entries(), IsEmpty());
+}
+
+TEST_F(Store, ADamagedStoreIsToldAndAWholeOneInItsPlaceGoesOn)
+{
+    SheetStore store(file_, "a test");
+    CountedEvents next;
+    Trouble trouble;
+    trouble.onPause = [&] {
+        std::filesystem::remove(file_);
+        return true;
+    };
+    StoringEvents events(store, {.reader = "left"}, {}, next, trouble.calls());
+    events.sheet(sheetWith("x"));
+    std::filesystem::remove(file_.string() + "-wal");
+    std::filesystem::remove(file_);
+    folder_.write("hall.db", std::string(8192, 'x'));
+    events.sheet(sheetWith("y"));
+    EXPECT_THAT(trouble.told, ElementsAre(HasSubstr("no longer in its place"), HasSubstr("takes sheets again")));
+    EXPECT_EQ(next.sheets, 2);
+    EXPECT_THAT(numbers("left"), ElementsAre(1));
+}
+
+TEST(StoreTime, IsReadAsPeopleWriteIt)
+{
+    EXPECT_EQ(storeTimeOf("2024-01-31Z"), "2024-01-31T00:00:00.000Z");
+    EXPECT_EQ(storeTimeOf("2024-01-31 12:05Z"), "2024-01-31T12:05:00.000Z");
+    EXPECT_EQ(storeTimeOf("2024-01-31T12:05:09Z"), "2024-01-31T12:05:09.000Z");
+    EXPECT_EQ(storeTimeOf("2024-01-31T12:05:09.250Z"), "2024-01-31T12:05:09.250Z");
+    EXPECT_TRUE(storeTimeOf("2024-01-31"));
+    for (const char* wrong : {"", "yesterday", "2024-13-01", "2024-01-31 12", "2024-01-31T12:05:09.x5Z"})
+        EXPECT_FALSE(storeTimeOf(wrong)) << wrong;
+}
+
+} // namespace
+} // namespace kel::test
