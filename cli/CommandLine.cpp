@@ -123,14 +123,14 @@ void Commands::addLanguage(CLI::App& command)
 {
     command
         .add_option("--language", language_,
-                    "The language of reports and of the options window, such as German; /L=NAME too")
+                    "Language of reports and of the options window, such as German (also: /L=NAME)")
         ->type_name("NAME");
 }
 
 void addFormat(CLI::App& command, std::string& format, const std::vector<std::string>& formats)
 {
     format = formats.front();
-    command.add_option("--format", format, "How to write it")->check(CLI::IsMember(formats))->capture_default_str();
+    command.add_option("--format", format, "Output format")->check(CLI::IsMember(formats))->capture_default_str();
 }
 
 int runCommandLine(int argc, const char* const* argv)
@@ -162,7 +162,7 @@ int runCommandLine(int argc, const char* const* argv)
     } catch (const host::UsageError& error) {
         return complain(error.what(), kUsageStatus);
     } catch (const std::bad_alloc&) {
-        return complain("There is not enough memory; end other programs or raise the limit (ulimit -v).",
+        return complain("There is not enough memory; close other programs or raise the limit (ulimit -v).",
                         kFailedStatus);
     } catch (const std::exception& failure) {
         return complain(failure.what(), kFailedStatus);

@@ -13,16 +13,16 @@ constexpr std::uint64_t kMostSheets = 1'000'000;
 
 void SimulatorArguments::addTo(CLI::App& command)
 {
-    CLI::Option* sheets = command.add_option("--sheets", sheetsFile_, "The sheets in the feeder, from a file")
+    CLI::Option* sheets = command.add_option("--sheets", sheetsFile_, "File with the sheets in the feeder")
                               ->type_name("FILE")
                               ->group("Simulated reader");
     CLI::Option* seed =
-        command.add_option("--seed", simulation_.seed, "Makes the sheets up, the same for the same number")
+        command.add_option("--seed", simulation_.seed, "Seed for random sheets")
             ->capture_default_str()
             ->type_name("N")
             ->group("Simulated reader")
             ->excludes(sheets);
-    CLI::Option* count = command.add_option("--count", simulation_.count, "How many sheets to make up")
+    CLI::Option* count = command.add_option("--count", simulation_.count, "Number of random sheets")
                              ->capture_default_str()
                              ->check(CLI::Range(std::uint64_t{0}, kMostSheets))
                              ->type_name("N")
@@ -30,17 +30,17 @@ void SimulatorArguments::addTo(CLI::App& command)
                              ->excludes(sheets);
     CLI::Option* fault = command
                              .add_option("--fault", simulation_.faults,
-                                         "What goes wrong: jam@sheet=3, late=2500@sheet=1, drop@byte=120, "
+                                         "Simulates a fault: jam@sheet=3, late=2500@sheet=1, drop@byte=120, "
                                          "unplug@byte=64 ..., or one that 'kelreader simulate --list-faults' lists")
                              ->type_name("FAULT")
                              ->allow_extra_args(false)
                              ->group("Simulated reader");
-    CLI::Option* rate = command.add_option("--rate", rate_, "How fast the bytes come")
+    CLI::Option* rate = command.add_option("--rate", rate_, "Transmission speed: that of the line, or unlimited")
                             ->check(CLI::IsMember({"wire", "unlimited"}))
                             ->default_str("wire")
                             ->group("Simulated reader");
     CLI::Option* setting =
-        command.add_option("--setting", simulation_.settings, "What only this model has: NAME=VALUE")
+        command.add_option("--setting", simulation_.settings, "Model-specific option: NAME=VALUE")
             ->type_name("NAME=VALUE")
             ->allow_extra_args(false)
             ->group("Simulated reader");

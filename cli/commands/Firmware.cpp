@@ -52,13 +52,13 @@ int run(const Arguments& arguments)
 void addFirmwareCommand(Commands& commands)
 {
     const auto arguments = std::make_shared<Arguments>();
-    CLI::App& command = commands.add("firmware", "Asks a reader for its firmware version and writes it",
+    CLI::App& command = commands.add("firmware", "Asks a reader for its firmware version and prints it",
                                      [arguments] { return run(*arguments); });
-    command.add_option("--model", arguments->model, "The model: its number, its name, or a part of the name")
+    command.add_option("--model", arguments->model, "Model number, name, or part of the name")
         ->required();
-    CLI::Option* port = command.add_option("--port", arguments->port, "The reader's port, 1 to 16");
-    command.add_option("--device", arguments->device, "The reader's device, such as /dev/ttyUSB0")->excludes(port);
-    command.add_option("--set", arguments->assignments, "Sets a property of the reader, such as its line settings")
+    CLI::Option* port = command.add_option("--port", arguments->port, "Port number of the reader, 1 to 16");
+    command.add_option("--device", arguments->device, "Device of the reader, such as /dev/ttyUSB0")->excludes(port);
+    command.add_option("--set", arguments->assignments, "Sets a property of the reader, such as a line setting")
         ->type_name("Property=Value")
         ->allow_extra_args(false);
 }

@@ -55,15 +55,15 @@ int run(const Arguments& arguments)
 void addFormCommand(Commands& commands)
 {
     const auto arguments = std::make_shared<Arguments>();
-    CLI::App& command = commands.add("form", "Shows a form file, and what is wrong with its read windows",
+    CLI::App& command = commands.add("form", "Checks a form file and describes it",
                                      [arguments] { return run(*arguments); });
-    command.add_option("file", arguments->formFile, "The form of the sheets, as JSON")->required()->type_name("FILE");
+    command.add_option("file", arguments->formFile, "Form of the sheets (JSON)")->required()->type_name("FILE");
     command
         .add_option("--picture", arguments->pictureFile,
                     "Draws the form as SVG: read windows with their cells in reading order, barcode zones")
         ->type_name("FILE.svg");
-    command.add_option("--model", arguments->model, "The model that is to read it, by number or name");
-    command.footer("Exit status: 0 the windows lie on the form, 1 one does not, 2 wrong usage.");
+    command.add_option("--model", arguments->model, "Model that will read the form, by number or name");
+    command.footer("Exit status: 0 all windows lie on the form, 1 at least one does not, 2 wrong usage.");
 }
 
 } // namespace kel

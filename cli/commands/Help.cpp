@@ -44,8 +44,8 @@ void addHelpCommand(Commands& commands)
     const auto words = std::make_shared<std::vector<std::string>>();
     CLI::App& program = commands.program();
     CLI::App& command =
-        commands.add("help", "Tells what a command does and takes", [words, &program] { return run(program, *words); });
-    command.add_option("command", *words, "The command, such as scan, or 'ports set'");
+        commands.add("help", "Shows help for a command", [words, &program] { return run(program, *words); });
+    command.add_option("command", *words, "Name of a command, such as scan or 'ports set'");
 }
 
 } // namespace kel

@@ -37,7 +37,7 @@ void addModelCommand(Commands& commands)
     const auto arguments = std::make_shared<Arguments>();
     CLI::App& command =
         commands.add("model", "Shows all properties of one model", [arguments] { return run(*arguments); });
-    command.add_option("model", arguments->model, "Its number, its name, or a part of the name")->required();
+    command.add_option("model", arguments->model, "Model number, name, or part of the name")->required();
     addFormat(command, arguments->format, {"table", "json", "csv"});
 }
 

@@ -83,11 +83,11 @@ int run(const Arguments& arguments)
 void addOptionsCommand(Commands& commands)
 {
     const auto arguments = std::make_shared<Arguments>();
-    CLI::App& command = commands.add("options", "Opens the window with a reader's settings, and writes what was chosen",
+    CLI::App& command = commands.add("options", "Opens the options window and prints what the user chose",
                                      [arguments] { return run(*arguments); });
-    command.add_option("--model", arguments->model, "The model that is chosen at first, with its defaults");
+    command.add_option("--model", arguments->model, "Model to start with, with its defaults");
     command
-        .add_option("--settings", arguments->settings, "The key whose settings are shown, and that keeps the new ones")
+        .add_option("--settings", arguments->settings, "Key to load the settings from and save them to")
         ->type_name("HIVE\\SUBKEY");
     addFormat(command, arguments->format, {"table", "json"});
 }

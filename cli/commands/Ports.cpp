@@ -78,18 +78,18 @@ int clear(const Arguments& arguments)
 void addPortsCommand(Commands& commands)
 {
     const auto arguments = std::make_shared<Arguments>();
-    CLI::App& ports = commands.add("ports", "Lists the port numbers and the serial devices, and whether they open",
+    CLI::App& ports = commands.add("ports", "Lists port numbers and serial devices, and whether each one opens",
                                    [arguments] { return list(*arguments); });
     addFormat(ports, arguments->format, {"table", "json"});
 
     CLI::App& setPort =
-        commands.add(ports, "set", "Gives a port number to a device", [arguments] { return set(*arguments); });
-    setPort.add_option("number", arguments->port, "The port, 1 to 16")->required();
-    setPort.add_option("device", arguments->device, "Its device: /dev/serial/by-id/...")->required();
+        commands.add(ports, "set", "Assigns a port number to a device", [arguments] { return set(*arguments); });
+    setPort.add_option("number", arguments->port, "Port number, 1 to 16")->required();
+    setPort.add_option("device", arguments->device, "Device, such as /dev/serial/by-id/...")->required();
 
-    CLI::App& clearPort = commands.add(ports, "clear", "Takes the device of a port number away",
+    CLI::App& clearPort = commands.add(ports, "clear", "Removes a port number's device",
                                        [arguments] { return clear(*arguments); });
-    clearPort.add_option("number", arguments->port, "The port, 1 to 16")->required();
+    clearPort.add_option("number", arguments->port, "Port number, 1 to 16")->required();
 }
 
 } // namespace kel

@@ -58,19 +58,19 @@ int run(const Arguments& arguments)
 void addReplayCommand(Commands& commands)
 {
     const auto arguments = std::make_shared<Arguments>();
-    CLI::App& command = commands.add("replay", "Holds a recorded session again, without a reader",
+    CLI::App& command = commands.add("replay", "Replays a recorded session without a reader",
                                      [arguments] { return run(*arguments); });
-    command.add_option("file", arguments->file, "The transcript, as 'scan --trace' has written it")
+    command.add_option("file", arguments->file, "Transcript written by 'scan --trace'")
         ->required()
         ->type_name("FILE");
-    command.add_option("--form", arguments->formFile, "The form of the sheets, in the place of the recorded one")
+    command.add_option("--form", arguments->formFile, "Form to use instead of the recorded one")
         ->type_name("FILE");
-    command.add_option("--set", arguments->assignments, "Sets a property of the reader, behind the recorded settings")
+    command.add_option("--set", arguments->assignments, "Sets a property of the reader after the recorded settings")
         ->type_name("Property=Value")
         ->allow_extra_args(false);
     addFormat(command, arguments->format, {"json", "csv", "table"});
-    command.add_option("--out", arguments->outFile, "Writes to a file in place of standard output")->type_name("FILE");
-    command.footer("Time is the transcript's: a wait of ten seconds takes none. The exit status is that of a scan, and "
+    command.add_option("--out", arguments->outFile, "Writes to a file instead of standard output")->type_name("FILE");
+    command.footer("Recorded waits take no time. The exit status is that of a scan, and "
                    "1 as well if the session does not send what the transcript has.");
 }
 

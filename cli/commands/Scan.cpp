@@ -99,10 +99,10 @@ void demandLine(const Arguments& arguments, const clsKELReader& reader)
     const bool named = arguments.port || !arguments.device.empty() || arguments.simulate;
     if (!named && reader.Port() == 0 && !usb)
         throw host::UsageError(
-            "Where is the reader? Say --port N, --device PATH or --simulate ('kelreader ports' lists the "
+            "Where is the reader? Use --port N, --device PATH or --simulate ('kelreader ports' lists the "
             "devices that are there).");
     if (!arguments.traceFile.empty() && usb)
-        throw host::UsageError("A USB reader has no line that --trace could write down.");
+        throw host::UsageError("A USB reader has no line that --trace could record.");
     if (!arguments.traceFile.empty() && arguments.traceFile == arguments.outFile)
         throw host::UsageError("--out and --trace cannot share a file; name another one for either.");
     if (arguments.storeFile.empty() && (!arguments.readerName.empty() || !arguments.batchName.empty()))
@@ -233,51 +233,51 @@ int run(const Arguments& arguments)
 
 void addReaderOptions(CLI::App& command, Arguments& arguments)
 {
-    command.add_option("--model", arguments.model, "The model, by number or name; --settings may name it too");
+    command.add_option("--model", arguments.model, "Model, by number or name; not needed if --settings names one");
     command
         .add_option("--settings", arguments.settings,
-                    "Takes the settings that are kept under a key in place of the model's defaults")
+                    "Uses the settings saved under a key instead of the model's defaults")
         ->type_name("HIVE\\SUBKEY");
     CLI::Option* port =
-        command.add_option("--port", arguments.port, "The reader's port number ('kelreader ports')")->type_name("N");
+        command.add_option("--port", arguments.port, "Port number of the reader (see 'kelreader ports')")->type_name("N");
     CLI::Option* device =
-        command.add_option("--device", arguments.device, "The reader's device, or a remote line as rfc2217:HOST:PORT")
+        command.add_option("--device", arguments.device, "Device of the reader, or a remote line such as rfc2217:HOST:PORT")
             ->type_name("PATH")
             ->excludes(port);
     CLI::Option* simulate =
-        command.add_flag("--simulate", arguments.simulate, "A simulated reader")->excludes(port)->excludes(device);
-    command.add_option("--form", arguments.formFile, "The form of the sheets, as JSON")->type_name("FILE");
+        command.add_flag("--simulate", arguments.simulate, "Reads from a simulated reader")->excludes(port)->excludes(device);
+    command.add_option("--form", arguments.formFile, "Form of the sheets (JSON)")->type_name("FILE");
     command
         .add_option("--omrapi", arguments.omrApiFile,
-                    "The library of the USB readers' maker, in place of the usual one")
+                    "OMRAPI library of the USB readers' maker, if not in the usual place")
         ->type_name("FILE")
         ->excludes(simulate);
     command
         .add_option("--answer-key", arguments.answerKeyFile,
-                    "The right answers, as JSON, for a reader that grades by itself")
+                    "Answer key (JSON) for a reader that grades the sheets itself")
         ->type_name("FILE");
     command
         .add_option("--set", arguments.assignments,
-                    "Sets a property of the reader, or of its printer as Printer.Distance=10")
+                    "Sets a property of the reader or of its printer, such as Printer.Distance=10")
         ->type_name("Property=Value")
         ->allow_extra_args(false);
 }
 
 void addSheetOptions(CLI::App& command, Arguments& arguments)
 {
-    command.add_option("--max-sheets", arguments.maxSheets, "Ends after so many sheets; below 0: no limit")
+    command.add_option("--max-sheets", arguments.maxSheets, "Stops after N sheets; a negative number is no limit")
         ->capture_default_str()
         ->type_name("N");
     command.add_flag("--reject-blank", arguments.rejectBlank, "Rejects sheets without a mark or an answer");
-    command.add_option("--reject-sheets", arguments.rejectSheets, "Rejects these sheets, the first is 1")
+    command.add_option("--reject-sheets", arguments.rejectSheets, "Rejects these sheets; the first sheet is 1")
         ->delimiter(',')
         ->allow_extra_args(false)
         ->type_name("2,5");
     command.add_option("--print1", arguments.print.print1,
-                       "First line to print; {date}, {sheet} and {barcode} are filled in");
+                       "First line to print; may contain {date}, {sheet} and {barcode}");
     command.add_option("--print2", arguments.print.print2, "Second line to print");
     command.add_option("--print3", arguments.print.print3, "Third line to print");
-    command.add_option("--print-distance", arguments.print.distance, "Where along the sheet the print begins")
+    command.add_option("--print-distance", arguments.print.distance, "Position on the sheet where printing starts")
         ->type_name("N");
 }
 
@@ -290,25 +290,24 @@ void addScanCommand(Commands& commands)
     addReaderOptions(command, *arguments);
     addSheetOptions(command, *arguments);
     addFormat(command, arguments->format, {"json", "csv", "table", "html"});
-    command.add_option("--out", arguments->outFile, "Writes to a file in place of standard output")->type_name("FILE");
-    command.add_option("--pictures", arguments->pictureFolder, "Puts a picture of each sheet into a folder, as SVG")
+    command.add_option("--out", arguments->outFile, "Writes to a file instead of standard output")->type_name("FILE");
+    command.add_option("--pictures", arguments->pictureFolder, "Saves a picture of each sheet in a folder, as SVG")
         ->type_name("FOLDER");
     command
         .add_option("--store", arguments->storeFile,
-                    "Keeps the sheets in a file, each before the next is fed ('kelreader sheets')")
+                    "Stores each sheet in a file before the next one is fed (see 'kelreader sheets')")
         ->type_name("FILE");
-    command.add_option("--reader", arguments->readerName, "What the store calls the reader")->type_name("NAME");
-    command.add_option("--batch", arguments->batchName, "What the store calls the batch; else it is the time")
+    command.add_option("--reader", arguments->readerName, "Name of the reader in the store")->type_name("NAME");
+    command.add_option("--batch", arguments->batchName, "Name of the batch in the store; the default is the time")
         ->type_name("NAME");
-    command.add_option("--trace", arguments->traceFile, "Writes down what goes over the line, for 'kelreader replay'")
+    command.add_option("--trace", arguments->traceFile, "Records every byte on the line, for 'kelreader replay'")
         ->type_name("FILE");
     arguments->simulator.addTo(command);
     command.footer(
-        "json: a line an event, the last one is the end. csv: a heading and a row a sheet; side1 and side2 "
-        "hold the marks as row:column=value, with blanks between. table: the sheets as grids for the eye, "
-        "a dot for no mark, A to Z for 10 to 35, # for more. html: a page with the pictures of the sheets, a table "
-        "that "
-        "can be sorted and filtered, and what the marks of the batch say of the reader.\n"
+        "json: one line per event, the last one is the end. csv: a heading and one row per sheet; side1 and side2 "
+        "hold the marks as row:column=value, separated by blanks. table: one grid per side, with a dot for no mark, "
+        "A to Z for 10 to 35, # for more. html: a page with pictures of the sheets, a table to sort and filter, and "
+        "statistics of the marks.\n"
         "Exit status: 0 nothing failed, 1 a failure was reported or the reader did not start, 2 wrong usage, "
         "130 interrupted.");
 }

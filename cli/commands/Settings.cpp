@@ -164,7 +164,7 @@ std::vector<RegFileEntry> entriesOf(const std::string& file)
     try {
         return parseRegFile(host::readGivenFile(file, host::kRegistryFile));
     } catch (const RegFileError& refusal) {
-        throw host::UsageError("The registry file " + file + " cannot be taken. " + refusal.what());
+        throw host::UsageError("The registry file " + file + " cannot be imported. " + refusal.what());
     }
 }
 
@@ -191,7 +191,7 @@ void addSettingsCommand(Commands& commands)
 {
     const auto arguments = std::make_shared<Arguments>();
     CLI::App& settings =
-        commands.add("settings", "Shows and changes the settings that are kept", [] { return kUsageStatus; });
+        commands.add("settings", "Shows and changes saved settings", [] { return kUsageStatus; });
     settings.require_subcommand(1);
     settings.footer("KEY is HIVE\\SUBKEY: HKEY_CURRENT_USER\\Software\\Reader, or HKCU for short. The value of the key "
                     "itself has the name @.");
@@ -202,28 +202,28 @@ void addSettingsCommand(Commands& commands)
         command.add_option("key", arguments->key, "The key, HIVE\\SUBKEY")->required()->type_name("KEY");
     };
     const auto addName = [&](CLI::App& command) {
-        return command.add_option("name", arguments->name, "The value's name")->type_name("NAME");
+        return command.add_option("name", arguments->name, "Name of the value")->type_name("NAME");
     };
 
-    CLI::App& listing = add("list", "Lists the values of a key, and the keys directly below it", list);
+    CLI::App& listing = add("list", "Lists the values of a key and the keys directly below it", list);
     addKey(listing);
     addFormat(listing, arguments->format, {"table", "json"});
-    CLI::App& getting = add("get", "Writes one value", get);
+    CLI::App& getting = add("get", "Prints one value", get);
     addKey(getting);
     addName(getting)->required();
-    CLI::App& setting = add("set", "Keeps a text as a value; an empty one is kept as one blank", set);
+    CLI::App& setting = add("set", "Saves a text as a value; an empty text is saved as one blank", set);
     addKey(setting);
     addName(setting)->required();
     setting.add_option("value", arguments->value, "The text")->required()->type_name("VALUE");
-    CLI::App& deleting = add("delete", "Deletes a value, or a key with everything below it", remove);
+    CLI::App& deleting = add("delete", "Deletes a value, or a key and everything below it", remove);
     addKey(deleting);
     addName(deleting);
-    CLI::App& exporting = add("export", "Writes a key with everything below it into a .reg file", exportKey);
+    CLI::App& exporting = add("export", "Exports a key and everything below it to a .reg file", exportKey);
     addKey(exporting);
     exporting.add_option("file", arguments->file, "The file")->required()->type_name("FILE");
-    CLI::App& importing = add("import", "Takes over what a .reg file of version 5.00 says", import);
+    CLI::App& importing = add("import", "Imports a .reg file (version 5.00)", import);
     importing.add_option("file", arguments->file, "The file")->required()->type_name("FILE");
-    CLI::App& showing = add("show", "Shows the 19 properties that a reader takes from a key", show);
+    CLI::App& showing = add("show", "Shows the 19 properties that a reader loads from a key", show);
     addKey(showing);
     addFormat(showing, arguments->format, {"table", "json"});
 }

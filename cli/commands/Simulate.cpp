@@ -123,14 +123,14 @@ int run(const Arguments& arguments)
 void addSimulateCommand(Commands& commands)
 {
     const auto arguments = std::make_shared<Arguments>();
-    CLI::App& command = commands.add("simulate", "Plays a reader for other programs, until Ctrl-C",
+    CLI::App& command = commands.add("simulate", "Simulates a reader for other programs until Ctrl-C",
                                      [arguments] { return run(*arguments); });
-    command.add_option("--model", arguments->model, "The model, by number or name");
+    command.add_option("--model", arguments->model, "Model, by number or name");
     command.add_flag("--list-faults", arguments->listFaults,
-                     "Lists what can be wrong where a reader stands, for --fault; with --model, what applies to it");
-    command.add_option("--link", arguments->link, "Makes a symbolic link to the device, or to the library")
+                     "Lists the site faults that --fault can simulate; with --model, those of that model");
+    command.add_option("--link", arguments->link, "Creates a symbolic link to the device or library")
         ->type_name("PATH");
-    command.add_option("--form", arguments->formFile, "The form of the sheets")->type_name("FILE");
+    command.add_option("--form", arguments->formFile, "Form of the sheets (JSON)")->type_name("FILE");
     arguments->simulator.addTo(command);
     command.footer(
         "The first line of output names the device to open, or for a USB model the library to load ('kelreader scan "

@@ -354,7 +354,7 @@ INSTANTIATE_TEST_SUITE_P(
                  "'scantron 8' fits several models: Scantron 8000 (16) and Scantron 8400 (17)."},
         WrongUse{"NoLine",
                  {"--model", "24"},
-                 "Where is the reader? Say --port N, --device PATH or --simulate ('kelreader ports' lists the devices "
+                 "Where is the reader? Use --port N, --device PATH or --simulate ('kelreader ports' lists the devices "
                  "that are there)."},
         WrongUse{"TwoLines",
                  {"--model", "24", "--port", "1", "--device", "/dev/null"},

@@ -168,7 +168,7 @@ TEST(UsbScanCommand, RefusesWhatIsOfALineAndWhatIsNoSheet)
     const TextFile sheets(R"([{"side1":[[1]]},{"side1":[[1],[256]]}])");
     EXPECT_THAT(refusal({"--sheets", sheets.path()}), HasSubstr("sheet 2, side1"));
     EXPECT_EQ(refusal({"--trace", "/tmp/never"}),
-              "kelreader: A USB reader has no line that --trace could write down.\n");
+              "kelreader: A USB reader has no line that --trace could record.\n");
     EXPECT_THAT(refusal({"--omrapi", "/tmp/never"}), HasSubstr("--simulate excludes --omrapi"));
 }
 
