@@ -1,6 +1,6 @@
 #include "cli/ReaderAdvice.h"
 
-#include "strings/VBLMRTSModule.h"
+#include "strings/LanguageDatabase.h"
 
 #include <algorithm>
 #include <string_view>
@@ -32,7 +32,7 @@ bool isAbout(const AdviceRow& row, const host::Failure& failure)
         return row.failure == failure.number;
     if (failure.number != 0)
         return false;
-    return row.text != 0 ? isText(failure.description, VBLM_RTString(row.text)) : failure.description == row.words;
+    return row.text != 0 ? isText(failure.description, languageDatabase().RTString(row.text)) : failure.description == row.words;
 }
 
 } // namespace

@@ -26,7 +26,9 @@ set_target_properties(kelreader KELReader81U_host PROPERTIES INSTALL_RPATH "$ORI
 install(TARGETS kelreader RUNTIME DESTINATION ${folder} COMPONENT command)
 install(TARGETS KELReader81U KELReader81U_host EXPORT KELReader81UTargets
         LIBRARY DESTINATION ${folder} COMPONENT command NAMELINK_COMPONENT development)
-install(TARGETS KELReader81U_remote LIBRARY DESTINATION ${folder} COMPONENT command)
+if(TARGET KELReader81U_remote)
+    install(TARGETS KELReader81U_remote LIBRARY DESTINATION ${folder} COMPONENT command)
+endif()
 install(TARGETS OMRAPI_simulated LIBRARY DESTINATION ${folder} COMPONENT command)
 install(FILES ${CMAKE_BINARY_DIR}/bin/LKELReader81.txt DESTINATION ${folder} COMPONENT command)
 install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} RENAME copyright COMPONENT command)

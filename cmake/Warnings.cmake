@@ -2,7 +2,8 @@
 add_library(kel_options INTERFACE)
 target_compile_features(kel_options INTERFACE cxx_std_20)
 set(CMAKE_CXX_EXTENSIONS OFF)
-target_compile_options(kel_options INTERFACE -Wall -Wextra -Wconversion -Wshadow -Werror)
+target_compile_options(kel_options INTERFACE -Wall -Wextra -Wconversion -Wshadow
+                       $<$<BOOL:${KEL_WARNINGS_AS_ERRORS}>:-Werror>)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
     # g++ 12 takes "text" + std::string for an overlapping copy, or one beyond bounds, once it is inlined: its bugs
     # 105651 and 105329.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "types/Enumerations.h"
+#include "types/Export.h"
 
 #include <cstdint>
 #include <optional>
@@ -39,7 +40,7 @@ struct RegistryValue {
 /// A store of typed values by hive, subkey and name, with the rules of the Windows registry: subkeys and names are
 /// compared without regard to case, a subkey is a path with backslashes. Nothing here throws: a store that cannot be
 /// reached answers as one without access.
-class Registry {
+class KEL_INTERNAL Registry {
 public:
     virtual ~Registry() = default;
 

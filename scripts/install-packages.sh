@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that building, testing and the demo need. Does nothing when all are there.
-# Usage: scripts/install-packages.sh [build] [test] [coverage] [fuzz] [windows]   (default: build test)
+# Usage: scripts/install-packages.sh [demo] [build] [test] [coverage] [fuzz] [windows]   (default: build test)
 set -euo pipefail
 
-build=(g++ cmake ninja-build ccache pkg-config python3
-       libserialport-dev libgensio-dev libsqlite3-dev libcli11-dev nlohmann-json3-dev qt6-base-dev)
+demo=(g++ cmake ninja-build pkg-config python3 libserialport-dev libsqlite3-dev libcli11-dev nlohmann-json3-dev)
+build=("${demo[@]}" ccache libgensio-dev qt6-base-dev)
 test=(libgtest-dev libgmock-dev libbenchmark-dev fonts-dejavu-core ser2net openssl dpkg-dev file doxygen locales clang
       chromium chromium-driver librsvg2-bin python3-selenium)
 coverage=(gcovr)
@@ -15,12 +15,13 @@ wanted=()
 for group in "${@:-build test}"; do
     for name in $group; do
         case "$name" in
+            demo) wanted+=("${demo[@]}") ;;
             build) wanted+=("${build[@]}") ;;
             test) wanted+=("${test[@]}") ;;
             coverage) wanted+=("${coverage[@]}") ;;
             fuzz) wanted+=("${fuzz[@]}") ;;
             windows) wanted+=("${windows[@]}") ;;
-            *) echo "install-packages.sh: unknown group '$name'; try build, test, coverage, fuzz or windows" >&2; exit 2 ;;
+            *) echo "install-packages.sh: unknown group '$name'; try demo, build, test, coverage, fuzz or windows" >&2; exit 2 ;;
         esac
     done
 done

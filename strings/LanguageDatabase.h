@@ -1,6 +1,7 @@
 #pragma once
 
 #include "strings/LanguageLoad.h"
+#include "types/Export.h"
 
 #include <atomic>
 #include <mutex>
@@ -11,7 +12,7 @@ inline constexpr const char* kLanguageFileName = "LKELReader81.txt";
 
 /// The texts of a language file. The first text that is asked for loads them; a load that fails leaves nothing, and the
 /// next call repeats it. Safe from several threads.
-class LanguageDatabase {
+class KEL_INTERNAL LanguageDatabase {
 public:
     explicit LanguageDatabase(std::string fileName = kLanguageFileName) : fileName_(std::move(fileName)) {}
     LanguageDatabase(const LanguageDatabase&) = delete;
@@ -53,7 +54,7 @@ private:
 };
 
 /// The database of the process, which VBLM_RTString asks.
-[[nodiscard]] LanguageDatabase& languageDatabase();
+[[nodiscard]] KEL_INTERNAL LanguageDatabase& languageDatabase();
 
 /// Puts a fresh database in the place of the process's, for tests. No other thread may be using the old one.
 void renewLanguageDatabase(std::string fileName = kLanguageFileName);
