@@ -29,9 +29,9 @@ void Decode_ScantronPage(benchmark::State& state)
 {
     MarkArray marks(63, 48);
     for (auto _ : state) {
-        PageSideST side(marks);
+        PageSideST side;
         for (int i = 0; i < 63 * 48; ++i)
-            side.store(static_cast<Int16>(i % 10));
+            side.store(marks, static_cast<Int16>(i % 10));
         benchmark::DoNotOptimize(marks.elements().data());
     }
     state.SetBytesProcessed(state.iterations() * 63 * 48);
@@ -50,8 +50,8 @@ void Decode_ScantronWindow(benchmark::State& state)
     MarkArray marks(63, 48);
     for (auto _ : state) {
         WindowCellsST cells(window);
-        while (const auto cell = cells.next())
-            marks(cell->row, cell->column) = 3;
+        while (cells.next())
+            marks(cells.row(), cells.column()) = 3;
         benchmark::DoNotOptimize(marks.elements().data());
     }
     state.SetBytesProcessed(state.iterations() * 60 * 24);

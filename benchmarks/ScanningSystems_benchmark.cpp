@@ -33,9 +33,9 @@ void pageReplySS(benchmark::State& state)
     const std::string reply = pageReply(static_cast<Int32>(state.range(0)));
     MarkArray marks(kRows, kColumns);
     for (auto _ : state) {
-        PageReplySS page(marks);
+        PageReplySS page;
         for (const char byte : reply)
-            benchmark::DoNotOptimize(page.take(static_cast<Byte>(byte), ColumnLettersSS::Upwards));
+            benchmark::DoNotOptimize(page.take(marks, static_cast<Byte>(byte), ColumnLettersSS::Upwards));
         benchmark::ClobberMemory();
     }
     state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(reply.size()));

@@ -100,7 +100,9 @@ Reference<AnswerKey> keyOf(std::span<const Byte> bytes)
 
 void encodeKey(std::span<const Byte> bytes, Int16 iNumberQuestions, AnswerCodeAP code)
 {
-    EncodedKeyAP key = encodeKeyAP(*keyOf(bytes), code);
+    EncodedKeyAP key;
+    encodeKeyAP(
+        *keyOf(bytes), [&] { return code; }, key);
     demand(key.iNumKeys <= (code == AnswerCodeAP::Mask ? 1 : 4), "a reader stores so many versions");
     if (needsSimplexKeyAP(key, iNumberQuestions))
         cutToFirstPageAP(key, iNumberQuestions);

@@ -48,7 +48,9 @@ void takeKey(std::string_view text)
     const host::GradingKey answers = host::parseAnswerKey(text, "key");
     demand(answers.questionsOn(0) == 0, "pages are counted from 1");
     for (const AnswerCodeAP code : {AnswerCodeAP::Digits, AnswerCodeAP::Mask}) {
-        EncodedKeyAP key = encodeKeyAP(*answers.key, code);
+        EncodedKeyAP key;
+        encodeKeyAP(
+            *answers.key, [&] { return code; }, key);
         demand(key.sEssayScore.size() <= 4, "an essay has four digits");
         if (answers.questionsOn(1) > 0 && needsSimplexKeyAP(key, answers.questionsOn(1)))
             cutToFirstPageAP(key, answers.questionsOn(1));

@@ -41,11 +41,11 @@ void fuzzPage(Input input)
     const Int32 rows = 1 + (input.byte() & 0x3F);
     const auto letters = input.truth() ? ColumnLettersSS::SR430 : ColumnLettersSS::Upwards;
     MarkArray marks(rows, 48);
-    PageReplySS reply(marks);
+    PageReplySS reply;
     runs({FailureCode::SubscriptOutOfRange}, [&] {
         for (const Byte byte : input.rest()) {
             const Int16 before = reply.row();
-            static_cast<void>(reply.take(byte, letters));
+            static_cast<void>(reply.take(marks, byte, letters));
             demand(reply.row() == before || (byte == '\r' && reply.row() == before + 1), "a row ends with CR");
         }
     });

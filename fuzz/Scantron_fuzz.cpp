@@ -42,16 +42,15 @@ void fuzzCells(Input input)
         static_cast<void>(windowDefinitionST(1, *window, fields));
         WindowCellsST cells(window);
         for (const Byte byte : input.rest()) {
-            const auto cell = cells.next();
-            if (!cell)
+            if (!cells.next())
                 break;
-            marks(cell->row, cell->column) = byte;
+            marks(cells.row(), cells.column()) = byte;
         }
     });
     mayFail([&] {
-        PageSideST side(marks);
+        PageSideST side;
         for (const Byte byte : input.rest())
-            side.store(byte);
+            side.store(marks, byte);
     });
 }
 

@@ -104,10 +104,13 @@ std::string ReceivedInput::take(Int32 most)
 /// What the caller asks for is no news to it afterwards.
 void ReceivedInput::look()
 {
-    const Fetched fetched = canBringMore() ? readOnce() : Fetched();
-    old_ = fetched.more;
+    const std::size_t before = waiting();
+    Fetched last;
+    for (bool more = true; more && canBringMore(); more = last.more)
+        last = readOnce();
+    old_ = last.more;
     emptied_ = false;
-    lookedInVain_ = fetched.count == 0 && !hungUp_;
+    lookedInVain_ = waiting() == before && !hungUp_;
     lastLook_ = time();
 }
 

@@ -11,9 +11,10 @@ namespace kel {
 
 /// The input side of an open line: fetches what has arrived, and keeps it until it is taken.
 ///
-/// One read fetches all there is. The line is looked at when nothing is in the buffer, and otherwise only when what is
-/// known of it may be old: behind a pause or an output, or when a character could have come since the last look. So a
-/// loop that takes byte by byte costs no system call a byte, and one that waits for more bytes sees them come.
+/// A look fetches all there is, mostly with one read. The line is looked at when nothing is in the buffer, and
+/// otherwise only when what is known of it may be old: behind a pause or an output, or when a character could have come
+/// since the last look. So a loop that takes byte by byte costs no system call a byte, and one that waits for more
+/// bytes sees them come.
 ///
 /// A line that has hung up gives what came before, and fails with 8020 after that. So does one whose other side sends
 /// without end: loops that take what there is until nothing is left have no end of their own.

@@ -32,13 +32,13 @@ struct clsKELReaderProfiles::Fields {
                dumpOfValue("eProfileType", toVariant(static_cast<Int32>(eProfileType)));
     }
 
-    template <class Index>
-    [[nodiscard]] Reference<clsKELReaderProfile> itemOrNothing(Index vIndex) const
+    template <class KeyOrPosition>
+    [[nodiscard]] Reference<clsKELReaderProfile> itemOrNothing(KeyOrPosition Index) const
     {
         Reference<clsKELReaderProfile> cProfile;
-        guarded(kSourceItem, KEL_PARAMETERS(vIndex) + moduleOf(*this), [&] {
-            if (holds(kelProfiles, vIndex))
-                cProfile = kelProfiles.Item(vIndex);
+        guarded(kSourceItem, KEL_PARAMETERS(Index) + moduleOf(*this), [&] {
+            if (holds(kelProfiles, Index))
+                cProfile = kelProfiles.Item(Index);
         });
         return cProfile;
     }
@@ -103,15 +103,14 @@ void clsKELReaderProfiles::ProfileType(kelProfileType value)
     });
 }
 
-void clsKELReaderProfiles::Remove(std::string_view Key)
+void clsKELReaderProfiles::Remove(std::string_view Index)
 {
-    guarded(kSourceRemove, KEL_PARAMETERS(Key) + moduleOf(*fields_), [&] { fields_->kelProfiles.Remove(Key); });
+    guarded(kSourceRemove, KEL_PARAMETERS(Index) + moduleOf(*fields_), [&] { fields_->kelProfiles.Remove(Index); });
 }
 
-void clsKELReaderProfiles::Remove(Int32 Position)
+void clsKELReaderProfiles::Remove(Int32 Index)
 {
-    guarded(kSourceRemove, KEL_PARAMETERS(Position) + moduleOf(*fields_),
-            [&] { fields_->kelProfiles.Remove(Position); });
+    guarded(kSourceRemove, KEL_PARAMETERS(Index) + moduleOf(*fields_), [&] { fields_->kelProfiles.Remove(Index); });
 }
 
 void clsKELReaderProfiles::RemoveAll()

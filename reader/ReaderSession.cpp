@@ -68,9 +68,11 @@ Boolean ReaderSession::ReadPage(Boolean InitializePrinter)
     Boolean bResult = False;
     Boolean bInitialized = False;
     Boolean bReject = False;
+    Boolean bCancel = False;
+    Boolean bAbort = False;
     Boolean bCancelScan = False;
-    const auto variables =
-        KEL_PARAMETERS(InitializePrinter) + KEL_LOCALS(bInitialized, bReject, bCancelScan) + moduleOf(*this);
+    const auto variables = KEL_PARAMETERS(InitializePrinter) +
+                           KEL_LOCALS(bInitialized, bReject, bCancel, bAbort, bCancelScan) + moduleOf(*this);
     guarded("KELReader81 - clsKELReader.ReadPage", variables, [&] {
         stop_.waitHere();
         cPrinter_->Initialized(InitializePrinter);
@@ -87,7 +89,7 @@ Boolean ReaderSession::ReadPage(Boolean InitializePrinter)
         bSheetEjected_ = False;
         events_.raise([&](ReaderEvents& host) { host.ReadSheet(iSide1Arr_, iSide2Arr_, sBarcodeArr_, bReject); });
         if (cPrinter_->Initialized() && cPrinter_->Active())
-            printSheet(bReject);
+            printSheet(bReject, bCancel, bAbort);
 
         bCancelScan = CancelScan();
         events_.raise([&](ReaderEvents& host) { host.AfterSheet(bCancelScan); });
@@ -97,11 +99,11 @@ Boolean ReaderSession::ReadPage(Boolean InitializePrinter)
     return bResult;
 }
 
-void ReaderSession::printSheet(Boolean bReject)
+void ReaderSession::printSheet(Boolean bReject, Boolean& bCancel, Boolean& bAbort)
 {
-    Boolean bCancel = bReject;
+    bCancel = bReject;
     events_.raise([&](ReaderEvents& host) { host.BeforePrint(bCancel); });
-    const Boolean bAbort = !cPrinter_->Active() || bCancel;
+    bAbort = !cPrinter_->Active() || bCancel;
     if (ReaderPrint(*this, bAbort, bSheetEjected_))
         events_.raise([](ReaderEvents& host) { host.AfterPrint(); });
 }

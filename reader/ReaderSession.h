@@ -120,7 +120,7 @@ public:
 private:
     static constexpr const char* kNameAndKind = "clsKELReader,1";
 
-    void printSheet(Boolean bReject);
+    void printSheet(Boolean bReject, Boolean& bCancel, Boolean& bAbort);
 
     ObjectLife life_{kNameAndKind};
     kelReaderStruct uReader_;

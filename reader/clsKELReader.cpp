@@ -428,8 +428,12 @@ Boolean clsKELReader::SaveSettings(kelReaderRegistryKey lRegistryKey, const std:
 Boolean clsKELReader::ShowOptions(void* fParent)
 {
     Boolean bResult = False;
-    guarded("KELReader81 - clsKELReader.ShowOptions", moduleOf(*session_),
-            [&] { bResult = optionsDialog()(*this, fParent); });
+    const auto variables =
+        parametersFrom([&](VariableLines& lines) {
+            lines.add("fParent", fParent ? Variant(std::string(kExternalType)) : Variant(MissingValue{}));
+        }) +
+        moduleOf(*session_);
+    guarded("KELReader81 - clsKELReader.ShowOptions", variables, [&] { bResult = optionsDialog()(*this, fParent); });
     return bResult;
 }
 

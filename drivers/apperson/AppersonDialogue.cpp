@@ -25,24 +25,27 @@ bool isOKAP(std::string_view sData)
     return sData.starts_with("OK");
 }
 
-bool awaitOKAP(ReaderContract& oReader, const char* source, const ExchangeFaultsAP& faults, CollectRules rules)
+bool awaitOKAP(ReaderContract& oReader, const char* source, ExchangeAP& exchange, const ExchangeFaultsAP& faults,
+               CollectRules rules)
 {
     switch (waitForReply(oReader)) {
     case Wait::Cancelled: reportNumberedFault(source, faults.cancelled, text::kNotReadyTitle); return false;
     case Wait::TimedOut: reportNoReply(source, faults); return false;
     case Wait::Reply: break;
     }
-    if (isOKAP(collectText(oReader, rules)))
+    collectBytes(oReader, exchange.reply, rules);
+    if (isOKAP(exchange.reply.sData))
         return true;
     reportNumberedFault(source, faults.refused, text::kNotReadyTitle);
     return false;
 }
 
-bool exchangeAP(ReaderContract& oReader, const char* source, std::string_view scmd, const ExchangeFaultsAP& faults,
-                CollectRules rules)
+bool exchangeAP(ReaderContract& oReader, const char* source, ExchangeAP& exchange, std::string_view scmd,
+                const ExchangeFaultsAP& faults, CollectRules rules)
 {
-    oReader.fComm().mscComm().Output(scmd);
-    return awaitOKAP(oReader, source, faults, rules);
+    exchange.scmd = scmd;
+    oReader.fComm().mscComm().Output(exchange.scmd);
+    return awaitOKAP(oReader, source, exchange, faults, rules);
 }
 
 bool collectBlockAP(ReaderContract& oReader, RawBlockAP& block)

@@ -5,6 +5,7 @@
 #include "drivers/common/Dialogue.h"
 
 #include <optional>
+#include <string>
 #include <string_view>
 
 namespace kel {
@@ -25,14 +26,22 @@ struct ExchangeFaultsAP {
 [[nodiscard]] bool isOKAP(std::string_view sData);
 
 /// How a reply is collected: a slow reader gets a pause to add to it.
-inline constexpr CollectRules kReplyRulesAP = {.pauseWhenEmpty = true, .asBytes = true};
+inline constexpr CollectRules kReplyRulesAP = {.pauseWhenEmpty = true};
+
+/// The last command of a procedure, and what has come upon it.
+struct ExchangeAP {
+    std::string scmd;
+    ReplyBytes reply;
+
+    KEL_TELLS(scmd, reply)
+};
 
 /// Waits for the reader's "OK". A cancel, too, is reported.
-[[nodiscard]] bool awaitOKAP(ReaderContract& oReader, const char* source, const ExchangeFaultsAP& faults = {},
-                             CollectRules rules = kReplyRulesAP);
+[[nodiscard]] bool awaitOKAP(ReaderContract& oReader, const char* source, ExchangeAP& exchange,
+                             const ExchangeFaultsAP& faults = {}, CollectRules rules = kReplyRulesAP);
 
 /// Sends a command and waits for the reader's "OK".
-[[nodiscard]] bool exchangeAP(ReaderContract& oReader, const char* source, std::string_view scmd,
+[[nodiscard]] bool exchangeAP(ReaderContract& oReader, const char* source, ExchangeAP& exchange, std::string_view scmd,
                               const ExchangeFaultsAP& faults = {}, CollectRules rules = kReplyRulesAP);
 
 /// Takes the bytes of a block until its status byte; the reader may wait for its sheet as long as it likes. False when

@@ -14,6 +14,12 @@ constexpr Int16 kLongestWord = 4;
 
 LineEndAP BenchMarkLineAP::take(Byte byte)
 {
+    eEnd_ = endOf(byte);
+    return eEnd_;
+}
+
+LineEndAP BenchMarkLineAP::endOf(Byte byte)
+{
     fields_.take(byte, False);
     if (byte == kCarriageReturn)
         bEOF_ = true;
@@ -32,14 +38,15 @@ LineEndAP BenchMarkLineAP::take(Byte byte)
 bool Advantage1200LineAP::take(Byte byte, Boolean bReaderGrade)
 {
     fields_.take(byte, bReaderGrade);
-    if (bEOF_ && byte == kLineFeed)
-        return true;
-    bEOF_ = byte == kCarriageReturn;
-    return false;
+    bPageRead_ = bEOF_ && byte == kLineFeed;
+    if (!bPageRead_)
+        bEOF_ = byte == kCarriageReturn;
+    return bPageRead_;
 }
 
 void Advantage1200LineAP::next()
 {
+    bPageRead_ = false;
     fields_.countAnew();
     fields_.numberQuestionsAnew();
     oDataDict_.RemoveAll();

@@ -15,8 +15,18 @@ public:
 
     [[nodiscard]] LineEndAP take(Byte byte);
 
+    template <class Lines>
+    void tellVariables(Lines& lines) const
+    {
+        fields_.tellVariables(lines);
+        lines.add("bEOF, bContinueLoop, bPageRead", bEOF_, eEnd_ == LineEndAP::None, eEnd_ == LineEndAP::Sheet);
+    }
+
 private:
+    LineEndAP endOf(Byte byte);
+
     LineFieldsAP fields_;
+    LineEndAP eEnd_ = LineEndAP::None;
     bool bEOF_ = false; // a CR has come
 };
 
@@ -35,10 +45,18 @@ public:
     /// goes into the first field; an LF as the next byte ends the further line at once.
     void next();
 
+    template <class Lines>
+    void tellVariables(Lines& lines) const
+    {
+        fields_.tellVariables(lines);
+        lines.add("bEOF, bContinueLoop, bPageRead", bEOF_, !bPageRead_, bPageRead_);
+    }
+
 private:
     Dictionary& oDataDict_;
     LineFieldsAP fields_;
     bool bEOF_ = false; // the byte before was a CR
+    bool bPageRead_ = false;
 };
 
 } // namespace kel

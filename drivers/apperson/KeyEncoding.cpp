@@ -9,7 +9,6 @@ namespace kel {
 namespace {
 
 constexpr Int32 kDigits = 5;
-constexpr Int32 kPieceLength = 5;
 constexpr Int32 kShiftedColumns = 4;
 constexpr Int32 kHighestCharacter = 255;
 constexpr Int32 kEssayScoreLength = 4;
@@ -35,26 +34,42 @@ std::string essayScore(const std::string& sScore)
     return IsNumeric(sScore) ? Right("0000" + sScore, kEssayScoreLength) : "0000";
 }
 
+/// Adds the right answers to a question to the keys of all versions.
+void encodeVersions(const std::function<AnswerCodeAP()>& code, EncodedKeyAP& key)
+{
+    const Int32 lVersions = key.oCurrentQuestion->CorrectAnswersCount();
+    for (key.iAnswerCtr = 1; key.iAnswerCtr <= lVersions; key.iAnswerCtr = checkedAdd<Int16>(key.iAnswerCtr, 1)) {
+        const std::string sCorrectAnswers = key.oCurrentQuestion->CorrectAnswers(key.iAnswerCtr);
+        const Int32 lMask = answerMaskAP(*key.oCurrentQuestion, sCorrectAnswers, key.answers);
+        key.sTempCorrectAnswers = encodeAnswerAP(lMask, code());
+        key.sKeyStrArr(key.iAnswerCtr) += key.sTempCorrectAnswers;
+    }
+}
+
 } // namespace
 
-Int32 answerMaskAP(const AnswerKeyQuestion& oQuestion, std::string_view sCorrectAnswers)
+Int32 answerMaskAP(const AnswerKeyQuestion& oQuestion, std::string_view sCorrectAnswers, RightAnswersAP& answers)
 {
-    const Int32 lAnswerOffset = oQuestion.ChoiceColumns()->Count() == kShiftedColumns ? 1 : 0;
-    Int32 lTempCorrectAnswers = 0;
-    for (const std::string& sAnswer : split(sCorrectAnswers, ',')) {
-        const Int32 lTempAnswerIndex = oQuestion.Choices()->Position(sAnswer);
-        const Int32 lBit = checkedAdd(checkedSubtract(lTempAnswerIndex, 1), lAnswerOffset);
-        lTempCorrectAnswers = CLng(lTempCorrectAnswers + std::ldexp(1.0, lBit));
+    answers = {};
+    answers.lAnswerOffset = oQuestion.ChoiceColumns()->Count() == kShiftedColumns ? 1 : 0;
+    answers.sCorrectAnswerArr = TextArray::of(0, split(sCorrectAnswers, ','));
+    for (const std::string& sAnswer : answers.sCorrectAnswerArr.elements()) {
+        answers.lTempAnswerIndex = oQuestion.Choices()->Position(sAnswer);
+        const Int32 lBit = checkedAdd(checkedSubtract(answers.lTempAnswerIndex, 1), answers.lAnswerOffset);
+        answers.lTempCorrectAnswers = CLng(answers.lTempCorrectAnswers + std::ldexp(1.0, lBit));
     }
-    return lTempCorrectAnswers;
+    return answers.lTempCorrectAnswers;
 }
 
 std::string encodeAnswerAP(Int32 lTempCorrectAnswers, AnswerCodeAP code)
 {
-    if (code == AnswerCodeAP::Mask) {
+    switch (code) {
+    case AnswerCodeAP::None: return {};
+    case AnswerCodeAP::Mask:
         if (lTempCorrectAnswers < 0 || lTempCorrectAnswers > kHighestCharacter)
             throw RuntimeFailure(FailureCode::InvalidProcedureCall);
         return Chr(CInt(lTempCorrectAnswers));
+    case AnswerCodeAP::Digits: break;
     }
     std::string sTempCorrectAnswers;
     for (Int32 bit = 0; bit < kDigits; ++bit)
@@ -62,22 +77,17 @@ std::string encodeAnswerAP(Int32 lTempCorrectAnswers, AnswerCodeAP code)
     return sTempCorrectAnswers;
 }
 
-EncodedKeyAP encodeKeyAP(const AnswerKeyObject& oAnswerKey, AnswerCodeAP code)
+void encodeKeyAP(const AnswerKeyObject& oAnswerKey, const std::function<AnswerCodeAP()>& code, EncodedKeyAP& key)
 {
-    EncodedKeyAP key;
+    key = {};
     const Int32 lQuestions = oAnswerKey.QuestionsCount();
-    for (Int32 lQuestionCtr = 1; lQuestionCtr <= lQuestions; ++lQuestionCtr) {
-        const Reference<AnswerKeyQuestion> oCurrentQuestion = oAnswerKey.Questions(lQuestionCtr);
-        const std::string sName = oCurrentQuestion->Name();
-        if (sName.starts_with("Question")) {
-            const Int32 lVersions = oCurrentQuestion->CorrectAnswersCount();
-            for (Int32 iAnswerCtr = 1; iAnswerCtr <= lVersions; ++iAnswerCtr) {
-                const Int32 lMask = answerMaskAP(*oCurrentQuestion, oCurrentQuestion->CorrectAnswers(iAnswerCtr));
-                key.sKeyStrArr(iAnswerCtr) += encodeAnswerAP(lMask, code);
-            }
-        } else if (sName.starts_with("Essay Score") && oCurrentQuestion->CorrectAnswersCount() == 1) {
-            key.sEssayScore = essayScore(oCurrentQuestion->CorrectAnswers(1));
-        }
+    for (key.lQuestionCtr = 1; key.lQuestionCtr <= lQuestions; ++key.lQuestionCtr) {
+        key.oCurrentQuestion = oAnswerKey.Questions(key.lQuestionCtr);
+        const std::string sName = key.oCurrentQuestion->Name();
+        if (sName.starts_with("Question"))
+            encodeVersions(code, key);
+        else if (sName.starts_with("Essay Score") && key.oCurrentQuestion->CorrectAnswersCount() == 1)
+            key.sEssayScore = essayScore(key.oCurrentQuestion->CorrectAnswers(1));
     }
 
     for (std::string& sKey : key.sKeyStrArr.elements()) {
@@ -85,10 +95,9 @@ EncodedKeyAP encodeKeyAP(const AnswerKeyObject& oAnswerKey, AnswerCodeAP code)
             continue;
         sKey += 'Q';
         ++key.iNumKeys;
-        if (code == AnswerCodeAP::Mask)
+        if (code() == AnswerCodeAP::Mask)
             break;
     }
-    return key;
 }
 
 bool needsSimplexKeyAP(const EncodedKeyAP& key, Int16 iNumberQuestions)
@@ -110,8 +119,8 @@ std::vector<std::string> keyPiecesAP(const std::string& sKey)
 {
     std::vector<std::string> pieces;
     const auto lLength = static_cast<Int32>(sKey.size());
-    for (Int32 lKeyPosKeeper = 1; lKeyPosKeeper <= lLength; lKeyPosKeeper += kPieceLength)
-        pieces.push_back(Mid(sKey, lKeyPosKeeper, kPieceLength));
+    for (Int32 lKeyPosKeeper = 1; lKeyPosKeeper <= lLength; lKeyPosKeeper += kKeyPieceAP)
+        pieces.push_back(Mid(sKey, lKeyPosKeeper, kKeyPieceAP));
     return pieces;
 }
 

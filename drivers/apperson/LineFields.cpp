@@ -30,28 +30,19 @@ constexpr FieldEndAP kFieldsAdvantage1200[] = {
     {32, Discard, ""},
 };
 
-/// The letters that are marked for one question, with a tab between them.
-std::string lettersApart(const std::string& letters)
-{
-    std::string apart;
-    for (const char letter : letters) {
-        if (!apart.empty())
-            apart += '\t';
-        apart += letter;
-    }
-    return apart;
-}
-
 } // namespace
 
-constinit const LineLayoutAP kLayoutBenchMark3000AP = {kFieldsBenchMark3000, 120, std::numeric_limits<Int16>::max()};
-constinit const LineLayoutAP kLayoutAdvantage1200AP = {kFieldsAdvantage1200, 34, 10000};
+constinit const LineLayoutAP kLayoutBenchMark3000AP = {kFieldsBenchMark3000, 120, std::numeric_limits<Int16>::max(),
+                                                       false};
+constinit const LineLayoutAP kLayoutAdvantage1200AP = {kFieldsAdvantage1200, 34, 10000, true};
 
 void LineFieldsAP::take(Byte byte, Boolean bReaderGrade)
 {
     iCharCount_ = checkedAdd<Int16>(iCharCount_, 1);
     if (iCharCount_ > layout_.mostBytes)
         throw RuntimeFailure(FailureCode::SubscriptOutOfRange);
+    if (layout_.keepsBytes)
+        keep(byte);
     if (byte != ',')
         sData_ += static_cast<char>(byte);
 
@@ -87,11 +78,34 @@ void LineFieldsAP::endField(const FieldEndAP& field, Boolean bReaderGrade)
 
 void LineFieldsAP::endAnswer()
 {
-    const std::string sTempData = lettersApart(sData_);
-    if (!sTempData.empty())
-        oDataDict_.Add(Int32{iDataLines_}, sTempData);
+    // The letters that are marked for one question, with a tab between them.
+    sTempData_.clear();
+    const auto lLetters = static_cast<Int32>(sData_.size());
+    for (iCtr_ = 1; iCtr_ <= lLetters; ++iCtr_) {
+        if (iCtr_ > 1)
+            sTempData_ += '\t';
+        sTempData_ += Mid(sData_, iCtr_, 1);
+    }
+    if (!sTempData_.empty())
+        oDataDict_.Add(Int32{iDataLines_}, sTempData_);
     iDataLines_ = checkedAdd<Int16>(iDataLines_, 1);
     sData_.clear();
+}
+
+void LineFieldsAP::keep(Byte byte)
+{
+    const auto at = static_cast<std::size_t>(iCharCount_) - 1;
+    if (at >= bytes_.size())
+        bytes_.resize(at + 1);
+    bytes_[at] = static_cast<char>(byte);
+}
+
+TextArray LineFieldsAP::keptBytes() const
+{
+    TextArray kept(1, layout_.mostBytes);
+    for (std::size_t at = 0; at < bytes_.size(); ++at)
+        kept.elements()[at] = bytes_[at];
+    return kept;
 }
 
 } // namespace kel

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "contract/Dictionary.h"
+#include "types/Arrays.h"
 #include "types/Boolean.h"
 #include "types/Numbers.h"
 
@@ -25,6 +26,7 @@ struct LineLayoutAP {
     std::span<const FieldEndAP> fields; ///< in the order of their positions
     Int16 firstAnswer;                  ///< from this byte on each comma ends the answers to one question
     Int16 mostBytes;                    ///< one byte more is a failure
+    bool keepsBytes;                    ///< whether the bytes of a line are kept, for dumps alone
 };
 
 extern const LineLayoutAP kLayoutBenchMark3000AP;
@@ -49,16 +51,30 @@ public:
     void dropText() { sData_.clear(); }
     void numberQuestionsAnew() { iDataLines_ = 1; }
 
+    template <class Lines>
+    void tellVariables(Lines& lines) const
+    {
+        lines.add("sData, sTempData, iCharCount, iDataLines, iCtr", sData_, sTempData_, iCharCount_, iDataLines_,
+                  iCtr_);
+        if (layout_.keepsBytes)
+            lines.add("sdebugdataarr", keptBytes());
+    }
+
 private:
     void endField(const FieldEndAP& field, Boolean bReaderGrade);
     void endAnswer();
+    void keep(Byte byte);
+    [[nodiscard]] TextArray keptBytes() const;
 
     const LineLayoutAP& layout_;
     Dictionary& oDataDict_;
     std::string sData_;
+    std::string sTempData_;
+    std::string bytes_; // a further line is written over the one before
     std::size_t nextField_ = 0;
     Int16 iCharCount_ = 0;
     Int16 iDataLines_ = 1;
+    Int32 iCtr_ = 0;
 };
 
 } // namespace kel

@@ -38,12 +38,12 @@ Boolean ReadPageAPAdvantage1200(ReaderContract& oReader)
     MarkArray iSide2Arr;
     TextArray sBarcodeArr;
     Boolean bNeedsMoreData = False;
+    Advantage1200LineAP line(oDataDict);
     const auto variables =
-        KEL_PARAMETERS(oReader) + KEL_LOCALS(oDataDict, iSide1Arr, iSide2Arr, sBarcodeArr, bNeedsMoreData);
+        KEL_PARAMETERS(oReader) + KEL_LOCALS(oDataDict, line, iSide1Arr, iSide2Arr, sBarcodeArr, bNeedsMoreData);
     guarded(kReadPage, variables, [&] {
         oDataDict = newDictionary();
         oDataDict.CompareMode(kTextCompare);
-        Advantage1200LineAP line(oDataDict);
 
         // No command: the reader sends by itself once it has been started.
         oReader.fComm().mscComm().InputLen(1);

@@ -11,12 +11,13 @@ namespace {
 constexpr const char* kReadPage = "KELReader81 - basApperson.ReadPageAPAdvantageLink";
 
 /// Sends a command and collects the reader's reply. False when none came or the stop flag was set.
-bool ask(ReaderContract& oReader, std::string_view scmd, std::string& sData)
+bool ask(ReaderContract& oReader, ExchangeAP& exchange, std::string_view scmd)
 {
-    oReader.fComm().mscComm().Output(scmd);
+    exchange.scmd = scmd;
+    oReader.fComm().mscComm().Output(exchange.scmd);
     if (waitForReply(oReader) != Wait::Reply)
         return false;
-    sData = collectText(oReader, kReplyRulesAP);
+    collectBytes(oReader, exchange.reply, kReplyRulesAP);
     return true;
 }
 
@@ -32,14 +33,15 @@ Boolean ReadPageAPAdvantageLink(ReaderContract& oReader)
 {
     Boolean bResult = False;
     MarkArray iSide1Arr;
-    std::string sData;
+    ExchangeAP exchange;
     Int16 iErrCode = 0;
     RawBlockAP block = newBlockAdvantageLinkAP();
-    guarded(kReadPage, KEL_PARAMETERS(oReader) + KEL_LOCALS(block, iErrCode, iSide1Arr, sData), [&] {
-        if (!ask(oReader, "FB\r", sData) || !isOKAP(sData))
+    guarded(kReadPage, KEL_PARAMETERS(oReader) + KEL_LOCALS(exchange, block, iErrCode, iSide1Arr), [&] {
+        if (!ask(oReader, exchange, "FB\r") || !isOKAP(exchange.reply.sData))
             return;
 
-        oReader.fComm().mscComm().Output("FD\r");
+        exchange.scmd = "FD\r";
+        oReader.fComm().mscComm().Output(exchange.scmd);
         oReader.fComm().mscComm().InputLen(1);
         if (!collectBlockAP(oReader, block))
             return;
@@ -51,10 +53,10 @@ Boolean ReadPageAPAdvantageLink(ReaderContract& oReader)
         iSide1Arr.ReDim(oReader.LargestSide1Rows(), oReader.LargestSide1Cols());
         setMarksAdvantageLinkAP(iSide1Arr, block);
 
-        if (!ask(oReader, "FE\r", sData))
+        if (!ask(oReader, exchange, "FE\r"))
             return;
-        if (!isOKAP(sData)) {
-            iErrCode = Asc(sData);
+        if (!isOKAP(exchange.reply.sData)) {
+            iErrCode = Asc(exchange.reply.sData);
             reportAndDrain(oReader, iErrCode);
             return;
         }

@@ -55,14 +55,14 @@ Boolean ReadPageAPBenchMarkAdvantage(ReaderContract& oReader)
     MarkArray iSide2Arr;
     TextArray sBarcodeArr;
     Boolean bNeedsMoreData = False;
+    BenchMarkLineAP line(oDataDict);
     const auto variables =
-        KEL_PARAMETERS(oReader) + KEL_LOCALS(oDataDict, iSide1Arr, iSide2Arr, sBarcodeArr, bNeedsMoreData);
+        KEL_PARAMETERS(oReader) + KEL_LOCALS(oDataDict, line, iSide1Arr, iSide2Arr, sBarcodeArr, bNeedsMoreData);
     guarded(kReadPage, variables, [&] {
         oDataDict = newDictionary();
         oDataDict.CompareMode(kTextCompare);
         if (!bAPReaderStarted && !startSheets(oReader))
             return;
-        BenchMarkLineAP line(oDataDict);
         if (collectLine(oReader, line) == LineEndAP::NoMoreSheets) {
             bAPReaderStarted = False;
             return;

@@ -25,9 +25,9 @@ constexpr ExchangeFaultsAP kModeFaults = {.cancelled = text::kApSendToHostRefuse
 
 constexpr Int32 kModeReplyLength = 4;
 
-bool tell(ReaderContract& oReader, std::string_view scmd, const ExchangeFaultsAP& faults = {})
+bool tell(ReaderContract& oReader, ExchangeAP& exchange, std::string_view scmd, const ExchangeFaultsAP& faults = {})
 {
-    return exchangeAP(oReader, kInitReader, scmd, faults);
+    return exchangeAP(oReader, kInitReader, exchange, scmd, faults);
 }
 
 bool isLineReader(kelReaderType eReaderType)
@@ -36,23 +36,23 @@ bool isLineReader(kelReaderType eReaderType)
 }
 
 /// BenchMark 3000 and Advantage 1200: commands of two letters.
-bool startLineReader(ReaderContract& oReader)
+bool startLineReader(ReaderContract& oReader, ExchangeAP& exchange)
 {
-    if (!tell(oReader, "R1"))
+    if (!tell(oReader, exchange, "R1"))
         return false;
     if (oReader.AnswerKey() && !KeyReaderBenchMark3000Advantage1200(oReader))
         return false;
-    if (!oReader.ReaderGrade() && !tell(oReader, "M6", kDoNotGradeFaults))
+    if (!oReader.ReaderGrade() && !tell(oReader, exchange, "M6", kDoNotGradeFaults))
         return false;
     if (oReader.ReaderType() == kelReaderTypeAppersonBenchMark3000) {
         for (const char* scmd : {"I1", "A9", "R6", "S1"}) {
-            if (!tell(oReader, scmd))
+            if (!tell(oReader, exchange, scmd))
                 return false;
         }
     }
-    if (!tell(oReader, "M0"))
+    if (!tell(oReader, exchange, "M0"))
         return false;
-    return oReader.ReaderType() != kelReaderTypeAppersonAdvantage1200 || tell(oReader, "M8");
+    return oReader.ReaderType() != kelReaderTypeAppersonAdvantage1200 || tell(oReader, exchange, "M8");
 }
 
 /// Advantage Link and GradeMaster: their commands end in CR. This one has the marks sent to the host; nothing for the
@@ -66,22 +66,22 @@ const char* sendToHostCommand(kelReaderType eReaderType)
     }
 }
 
-bool sendToHost(ReaderContract& oReader)
+bool sendToHost(ReaderContract& oReader, ExchangeAP& exchange)
 {
     if (oReader.ReaderGrade())
         return true;
     const char* scmd = sendToHostCommand(oReader.ReaderType());
-    return scmd == nullptr || tell(oReader, scmd, kSendToHostFaults);
+    return scmd == nullptr || tell(oReader, exchange, scmd, kSendToHostFaults);
 }
 
-bool startGradeMaster(ReaderContract& oReader)
+bool startGradeMaster(ReaderContract& oReader, ExchangeAP& exchange)
 {
-    if (!tell(oReader, "S8\r", kSendToHostFaults))
+    if (!tell(oReader, exchange, "S8\r", kSendToHostFaults))
         return false;
     // What follows its "OK" is the beginning of the first block.
     CollectRules rules = kReplyRulesAP;
     rules.mostCharacters = kModeReplyLength;
-    return exchangeAP(oReader, kInitReader, "M3\r", kModeFaults, rules);
+    return exchangeAP(oReader, kInitReader, exchange, "M3\r", kModeFaults, rules);
 }
 
 const char* closeCommand(kelReaderType eReaderType)
@@ -100,12 +100,13 @@ const char* closeCommand(kelReaderType eReaderType)
 Boolean InitReaderAP(ReaderContract& oReader)
 {
     Boolean bResult = False;
-    guarded(kInitReader, KEL_PARAMETERS(oReader), [&] {
-        if (isLineReader(oReader.ReaderType()) && !startLineReader(oReader))
+    ExchangeAP exchange;
+    guarded(kInitReader, KEL_PARAMETERS(oReader) + KEL_LOCALS(exchange), [&] {
+        if (isLineReader(oReader.ReaderType()) && !startLineReader(oReader, exchange))
             return;
-        if (!sendToHost(oReader))
+        if (!sendToHost(oReader, exchange))
             return;
-        if (oReader.ReaderType() == kelReaderTypeAppersonGradeMaster && !startGradeMaster(oReader))
+        if (oReader.ReaderType() == kelReaderTypeAppersonGradeMaster && !startGradeMaster(oReader, exchange))
             return;
         bResult = True;
     });
@@ -115,14 +116,17 @@ Boolean InitReaderAP(ReaderContract& oReader)
 Boolean CloseReaderAP(ReaderContract& oReader)
 {
     Boolean bResult = False;
-    guarded(kCloseReader, KEL_PARAMETERS(oReader), [&] {
+    ExchangeAP exchange;
+    guarded(kCloseReader, KEL_PARAMETERS(oReader) + KEL_LOCALS(exchange), [&] {
         bAPReaderStarted = False;
-        oReader.fComm().mscComm().Output(closeCommand(oReader.ReaderType()));
+        exchange.scmd = closeCommand(oReader.ReaderType());
+        oReader.fComm().mscComm().Output(exchange.scmd);
         if (waitForReply(oReader, {.cancellable = false}) != Wait::Reply) {
             reportNumberedFault(kCloseReader, text::kApCloseUnanswered, text::kNotAnsweringTitle);
             return;
         }
-        bResult = isOKAP(collectText(oReader, {.asBytes = true}));
+        collectBytes(oReader, exchange.reply);
+        bResult = isOKAP(exchange.reply.sData);
     });
     return bResult;
 }

@@ -195,7 +195,7 @@ Boolean RejectPageCT(ReaderContract& oReader, Boolean bRejectHopper)
             reportNumberedFault(kRejectPage, text::kCtRejectUnanswered, text::kNotAnsweringTitle);
             return;
         }
-        exchange.sData = collectText(oReader, {.pauseWhenEmpty = true});
+        collectText(oReader, exchange.sData, {.pauseWhenEmpty = true});
         bResult = exchange.sData.find('\r') != std::string::npos;
     });
     return bResult;

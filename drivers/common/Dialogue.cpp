@@ -3,7 +3,24 @@
 #include "platform/Platform.h"
 #include "types/Text.h"
 
+#include <concepts>
+
 namespace kel {
+
+namespace {
+
+template <std::invocable Take>
+void collect(ReaderContract& oReader, const CollectRules& rules, Take&& take)
+{
+    oReader.fComm().mscComm().InputLen(1);
+    for (Int32 lTaken = 0; lTaken < rules.mostCharacters && oReader.fComm().mscComm().InBufferCount() > 0; ++lTaken) {
+        take();
+        if (rules.pauseWhenEmpty && oReader.fComm().mscComm().InBufferCount() == 0)
+            Sleep(oReader.SleepTime());
+    }
+}
+
+} // namespace
 
 void openLine(ReaderContract& oReader, std::optional<Int16> iPort)
 {
@@ -53,16 +70,20 @@ Byte takeByte(ReaderContract& oReader, SourceLocation where)
     return static_cast<Byte>(taken.front());
 }
 
-std::string collectText(ReaderContract& oReader, CollectRules rules)
+void collectText(ReaderContract& oReader, std::string& sData, CollectRules rules)
 {
-    oReader.fComm().mscComm().InputLen(1);
-    std::string text;
-    for (Int32 taken = 0; taken < rules.mostCharacters && oReader.fComm().mscComm().InBufferCount() > 0; ++taken) {
-        text += rules.asBytes ? Chr(takeByte(oReader)) : oReader.fComm().mscComm().Input();
-        if (rules.pauseWhenEmpty && oReader.fComm().mscComm().InBufferCount() == 0)
-            Sleep(oReader.SleepTime());
-    }
-    return text;
+    sData.clear();
+    collect(oReader, rules, [&] { sData += oReader.fComm().mscComm().Input(); });
+}
+
+void collectBytes(ReaderContract& oReader, ReplyBytes& reply, CollectRules rules)
+{
+    reply = {};
+    collect(oReader, rules, [&] {
+        reply.bDataArr[0] = takeByte(oReader);
+        reply.sData += Chr(reply.bDataArr[0]);
+        ++reply.iByteCount;
+    });
 }
 
 } // namespace kel

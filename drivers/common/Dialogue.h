@@ -1,7 +1,9 @@
 #pragma once
 
 #include "contract/ReaderContract.h"
+#include "failure/TellsVariables.h"
 
+#include <array>
 #include <limits>
 #include <optional>
 #include <string>
@@ -37,14 +39,25 @@ void drainInputWithPauses(ReaderContract& oReader);
 /// `InputLen` must be 1.
 [[nodiscard]] Byte takeByte(ReaderContract& oReader, SourceLocation where = SourceLocation::current());
 
-/// How a text reply is collected character by character.
+/// How a reply is collected character by character.
 struct CollectRules {
     bool pauseWhenEmpty = false; ///< sleep `SleepTime` whenever the buffer has just run empty, and look again
-    bool asBytes = false;        ///< take each character as `takeByte` does: one that does not come is failure 9
     Int32 mostCharacters = std::numeric_limits<Int32>::max();
 };
 
-/// Sets `InputLen` to 1 and takes what waits as one text.
-[[nodiscard]] std::string collectText(ReaderContract& oReader, CollectRules rules = {});
+/// Sets `InputLen` to 1 and takes what waits as one text. What has come before a failure stays in `sData`.
+void collectText(ReaderContract& oReader, std::string& sData, CollectRules rules = {});
+
+/// A reply that is collected byte by byte.
+struct ReplyBytes {
+    std::string sData;
+    std::array<Byte, 1> bDataArr{}; ///< the last of its bytes
+    Int32 iByteCount = 0;           ///< how many have been taken
+
+    KEL_TELLS(sData, bDataArr, iByteCount)
+};
+
+/// The same with each character taken as `takeByte` does: one that does not come is failure 9.
+void collectBytes(ReaderContract& oReader, ReplyBytes& reply, CollectRules rules = {});
 
 } // namespace kel

@@ -54,16 +54,16 @@ Boolean FirmwareVersionNCSEZ(ReaderContract& oReader, std::string& sReturn)
 {
     Boolean bResult = False;
     std::string sData;
-    std::size_t iLocate = 0;
+    Int32 iLocate = 0; // of the reply's end, from 1
     guarded(kFirmwareVersion, KEL_PARAMETERS(oReader, sReturn) + KEL_LOCALS(sData, iLocate), [&] {
         openLine(oReader);
         oReader.fComm().mscComm().Output(frameCommand("V"));
         Sleep(100);
         if (oReader.fComm().mscComm().InBufferCount() > 0) {
             sData = takeAll(oReader);
-            iLocate = sData.find(kProbeReply);
-            if (iLocate != std::string::npos) {
-                sReturn = Trim(sData.substr(0, iLocate));
+            iLocate = CLng(sData.find(kProbeReply) + 1);
+            if (iLocate > 0) {
+                sReturn = Trim(Left(sData, iLocate - 1));
                 bResult = True;
             }
         }

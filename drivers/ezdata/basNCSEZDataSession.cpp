@@ -195,23 +195,20 @@ Boolean SetValuesNCSEZ(ReaderContract& oReader, const std::string& sExecCmd, con
     Boolean bResult = False;
     std::string sCmd;
     std::string sData;
-    const auto send = [&](const std::string& sText) {
-        sCmd = frameCommand(sText);
-        oReader.fComm().mscComm().Output(sCmd);
-    };
-    guarded(kSetValues, KEL_PARAMETERS(oReader, sExecCmd, sReturn) + KEL_LOCALS(sCmd, sData), [&] {
+    guarded(kSetValues, KEL_PARAMETERS(oReader, sCmd, sExecCmd, sReturn) + KEL_LOCALS(sData), [&] {
         oReader.fComm().mscComm().InputLen(1);
-        send(sExecCmd);
+        sCmd = frameCommand(sExecCmd);
+        oReader.fComm().mscComm().Output(sCmd);
         Sleep(200);
         if (!takeChange(oReader, sReturn, text::kEzSettingUnanswered, text::kEzSettingEcho,
                         {.refused = text::kEzSettingRefused, .unknown = text::kEzSettingUnexpected}, sData))
             return;
-        send("CHECKSUM");
+        oReader.fComm().mscComm().Output(frameCommand("CHECKSUM"));
         Sleep(200);
         if (!takeChange(oReader, "P", text::kEzStoreUnanswered, text::kEzStoreEcho,
                         {.refused = text::kEzStoreRefused, .unknown = text::kEzStoreUnexpected}, sData))
             return;
-        send("RESET");
+        oReader.fComm().mscComm().Output(frameCommand("RESET"));
         Sleep(1500);
         bResult = True;
     });

@@ -48,7 +48,7 @@ std::optional<PageDecoderNCS::RowFault> PageDecoderNCS::take(Byte byte)
         if (bInBarcode_)
             appendToBarcode(byte, iNumCompress_);
         else
-            takePositions(byte, iNumCompress_);
+            takePositions(byte);
         return std::nullopt;
     case Run::None: break;
     }
@@ -65,8 +65,10 @@ std::optional<PageDecoderNCS::RowFault> PageDecoderNCS::take(Byte byte)
         bDone_ = true;
     else if (byte == kRun)
         eRun_ = Run::Count;
-    else
-        takePositions(byte, 1);
+    else {
+        iNumCompress_ = 1;
+        takePositions(byte);
+    }
     return std::nullopt;
 }
 
@@ -119,11 +121,11 @@ void PageDecoderNCS::appendToBarcode(Byte byte, Int16 iCount)
         sBarcodeArr_(iNumBarcodes_).append(static_cast<std::size_t>(iCount), static_cast<char>(byte));
 }
 
-void PageDecoderNCS::takePositions(Byte byte, Int16 iNumCompress)
+void PageDecoderNCS::takePositions(Byte byte)
 {
-    iNumBytes_ = checkedAdd(iNumBytes_, iNumCompress);
+    iNumBytes_ = checkedAdd(iNumBytes_, iNumCompress_);
     const bool bStored = iCurrentSide_ == 1 || (iCurrentSide_ == 2 && readsTwoSides_());
-    for (Int16 iCompressIndex = 0; bStored && iCompressIndex < iNumCompress; ++iCompressIndex)
+    for (iCompressIndex_ = 1; bStored && iCompressIndex_ <= iNumCompress_; ++iCompressIndex_)
         sides_[iCurrentSide_ - 1].put(byte);
 }
 

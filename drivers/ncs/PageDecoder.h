@@ -29,6 +29,8 @@ public:
     /// position of side 2 without room is failure 9.
     using ReadsTwoSides = std::function<bool()>;
     explicit PageDecoderNCS(ReadsTwoSides readsTwoSides);
+    /// Without room for anything.
+    PageDecoderNCS() = default;
 
     /// Takes the next byte; a row length fault is told and the decoding goes on.
     std::optional<RowFault> take(Byte byte);
@@ -48,6 +50,17 @@ public:
     /// From 1; a single "?" when the page held no barcodes.
     [[nodiscard]] const TextArray& barcodes() const { return sBarcodeArr_; }
 
+    template <class Lines>
+    void tellVariables(Lines& lines) const
+    {
+        const auto& [side1, side2] = sides_;
+        lines.add("iSide1Arr, iSide1Row, iSide1Count, iTim1", side1.marks, side1.row, side1.column, side1.timingMarks);
+        lines.add("iSide2Arr, iSide2Row, iSide2Count, iTim2", side2.marks, side2.row, side2.column, side2.timingMarks);
+        lines.add("iCurrentSide, iNumBytes, iNumCompress, iCompressIndex, bInBarcode, iNumBarcodes, sBarcodeArr, bDone",
+                  iCurrentSide_, iNumBytes_, iNumCompress_, iCompressIndex_, bInBarcode_, iNumBarcodes_, sBarcodeArr_,
+                  bDone_);
+    }
+
 private:
     enum class Run { None, Count, Value };
 
@@ -63,7 +76,7 @@ private:
     std::optional<RowFault> beginRow(int side);
     void beginBarcodes();
     void takeInBarcode(Byte byte);
-    void takePositions(Byte byte, Int16 iNumCompress);
+    void takePositions(Byte byte);
     void appendToBarcode(Byte byte, Int16 iCount);
 
     Side sides_[2];
@@ -72,6 +85,7 @@ private:
     Int16 iNumBytes_ = 48; // so that the first row marker passes its check
     Run eRun_ = Run::None;
     Int16 iNumCompress_ = 0;
+    Int16 iCompressIndex_ = 0;
     bool bInBarcode_ = false;
     bool bDone_ = false;
     Int16 iNumBarcodes_ = 0;

@@ -28,12 +28,12 @@ Boolean CloseReaderNCS(ReaderContract& oReader);
 /// hopper if the reader has one.
 Boolean CheckStatusNCS(ReaderContract& oReader);
 
-/// Asks for the reader's report: its driver status letter is kept, and its scan mode is stored in `eMode`. A mode
-/// letter that is none leaves `eMode` as it was.
-Boolean GetScanModeNCS(ReaderContract& oReader, eScanMode& eMode);
+/// Asks for the reader's report: its driver status letter is kept, and its scan mode is stored in `eScanMode`. A mode
+/// letter that is none leaves `eScanMode` as it was.
+Boolean GetScanModeNCS(ReaderContract& oReader, kel::eScanMode& eScanMode);
 
 /// Puts the reader into a scan mode; `eScanModeNone` is refused.
-Boolean SetScanModeNCS(ReaderContract& oReader, eScanMode eMode);
+Boolean SetScanModeNCS(ReaderContract& oReader, kel::eScanMode eScanMode);
 
 /// Reads one sheet, one or two sides of 150 rows of 48 columns, with its barcodes.
 Boolean ReadPageNCS(ReaderContract& oReader);

@@ -7,6 +7,8 @@
 #include "platform/Platform.h"
 #include "types/Text.h"
 
+#include <array>
+
 namespace kel {
 
 namespace {
@@ -45,16 +47,20 @@ void reportRowFault(const PageDecoderNCS::RowFault& fault)
     reportNumberedFault(kReadPage, message.value(), sText, VBLM_RTString(text::kNcsWrongRowTitle));
 }
 
+using LastByte = std::array<Byte, 1>;
+
 /// Takes bytes until the page ends. False when the reader has fallen silent within it.
-bool readPage(ReaderContract& oReader, PageDecoderNCS& page)
+bool readPage(ReaderContract& oReader, PageDecoderNCS& page, LastByte& bTempArr)
 {
     while (!page.isDone()) {
-        if (const auto fault = page.take(takeByte(oReader)))
+        bTempArr[0] = takeByte(oReader);
+        if (const auto fault = page.take(bTempArr[0]))
             reportRowFault(*fault);
         while (page.isInRun()) {
             if (!byteComes(oReader))
                 return false;
-            page.take(takeByte(oReader));
+            bTempArr[0] = takeByte(oReader);
+            page.take(bTempArr[0]);
         }
 
         // Behind the CR that ends the page too: the LF that comes with it lets the loop end.
@@ -77,15 +83,19 @@ bool readPage(ReaderContract& oReader, PageDecoderNCS& page)
 Boolean ReadPageNCS(ReaderContract& oReader)
 {
     Boolean bResult = False;
-    guarded(kReadPage, KEL_PARAMETERS(oReader), [&] {
+    std::string sCmd;
+    LastByte bTempArr{};
+    PageDecoderNCS page;
+    guarded(kReadPage, KEL_PARAMETERS(oReader) + KEL_LOCALS(sCmd, bTempArr, page), [&] {
         const auto readsTwoSides = [&] { return oReader.Duplex() && oReader.DuplexForm(); };
-        PageDecoderNCS page(readsTwoSides);
+        page = PageDecoderNCS(readsTwoSides);
         drainInput(oReader);
-        oReader.fComm().mscComm().Output(kStartOfSheet);
+        sCmd = kStartOfSheet;
+        oReader.fComm().mscComm().Output(sCmd);
         if (!sheetComes(oReader))
             return;
         oReader.fComm().mscComm().InputLen(1);
-        if (!readPage(oReader, page))
+        if (!readPage(oReader, page, bTempArr))
             return;
 
         oReader.Side1TimingMarks(page.timingMarks(1));

@@ -171,13 +171,13 @@ Boolean CheckStatusNCS(ReaderContract& oReader)
     return bResult;
 }
 
-Boolean GetScanModeNCS(ReaderContract& oReader, eScanMode& eMode)
+Boolean GetScanModeNCS(ReaderContract& oReader, kel::eScanMode& eScanMode)
 {
     Boolean bResult = False;
     ReportBytes bDataArr{};
     std::size_t lIndex = 0;
     std::string sLetter;
-    guarded(kGetScanMode, KEL_PARAMETERS(oReader, eMode) + KEL_LOCALS(bDataArr, lIndex, sLetter), [&] {
+    guarded(kGetScanMode, KEL_PARAMETERS(oReader, eScanMode) + KEL_LOCALS(bDataArr, lIndex, sLetter), [&] {
         if (!query(oReader, "s0", kReportLength, kGetScanMode))
             return;
         takeReport(oReader, bDataArr, lIndex, kReportMost);
@@ -185,7 +185,7 @@ Boolean GetScanModeNCS(ReaderContract& oReader, eScanMode& eMode)
         sLetter = lowerCase(Chr(bDataArr[kReportScanMode]));
         for (Int32 lMode = eScanModeI; lMode <= eScanModeS; ++lMode) {
             if (sLetter == kModeLetters[static_cast<std::size_t>(lMode)])
-                eMode = static_cast<eScanMode>(lMode);
+                eScanMode = static_cast<kel::eScanMode>(lMode);
         }
         drainInput(oReader);
         bResult = True;
@@ -193,19 +193,19 @@ Boolean GetScanModeNCS(ReaderContract& oReader, eScanMode& eMode)
     return bResult;
 }
 
-Boolean SetScanModeNCS(ReaderContract& oReader, eScanMode eMode)
+Boolean SetScanModeNCS(ReaderContract& oReader, kel::eScanMode eScanMode)
 {
     Boolean bResult = False;
     std::string sCmd;
-    guarded(kSetScanMode, KEL_PARAMETERS(oReader, eMode) + KEL_LOCALS(sCmd), [&] {
+    guarded(kSetScanMode, KEL_PARAMETERS(oReader, eScanMode) + KEL_LOCALS(sCmd), [&] {
         drainInput(oReader);
-        if (eMode == eScanModeNone) {
+        if (eScanMode == eScanModeNone) {
             reportNumberedFault(kSetScanMode, text::kNcsScanModeUnknown, text::kNcsScanModeUnknownTitle);
             return;
         }
         sCmd = "e";
-        if (eMode >= eScanModeI && eMode <= eScanModeS)
-            sCmd += kModeLetters[static_cast<std::size_t>(eMode)];
+        if (eScanMode >= eScanModeI && eScanMode <= eScanModeS)
+            sCmd += kModeLetters[static_cast<std::size_t>(eScanMode)];
         oReader.fComm().mscComm().Output(sCmd + kEndOfField);
         Sleep(200);
         if (sNCSAsyncCommDriverStatus.starts_with('A') || sNCSAsyncCommDriverStatus.starts_with('I'))

@@ -25,10 +25,10 @@ ColumnSS columnSS(ColumnLettersSS letters, Byte character, Int16 columnBefore)
     return {.column = columnBefore, .exists = character < ':' || character > '>'};
 }
 
-PageStepSS PageReplySS::take(Byte byte, ColumnLettersSS letters)
+PageStepSS PageReplySS::take(MarkArray& marks, Byte byte, ColumnLettersSS letters)
 {
     if (awaits_ == Awaits::Value) {
-        marks_(iRowIndex_, iColIndex_) = static_cast<Int16>(byte - kZero);
+        marks(iRowIndex_, iColIndex_) = static_cast<Int16>(byte - kZero);
         awaits_ = Awaits::Element;
         return PageStepSS::ElementDone;
     }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "failure/TellsVariables.h"
 #include "types/Arrays.h"
 
 namespace kel {
@@ -33,22 +34,20 @@ enum class PageStepSS {
 /// One blank may stand in front of a column or a CR: the byte behind it, whatever it is, takes its place.
 class PageReplySS {
 public:
-    /// Stores the marks into `marks` from row 1 on; it must outlive this.
-    explicit PageReplySS(MarkArray& marks) : marks_(marks) {}
-
-    /// The next byte, a column being named by `letters`. A mark outside the array is failure 9, a row that can no
-    /// longer be counted failure 6.
-    PageStepSS take(Byte byte, ColumnLettersSS letters);
+    /// The next byte, a column being named by `letters`; the marks go into `marks` from row 1 on. A mark outside the
+    /// array is failure 9, a row that can no longer be counted failure 6.
+    PageStepSS take(MarkArray& marks, Byte byte, ColumnLettersSS letters);
 
     /// The row under way, from 1.
     [[nodiscard]] Int16 row() const noexcept { return iRowIndex_; }
+
+    KEL_TELLS(iRowIndex_, iColIndex_)
 
 private:
     enum class Awaits { Element, ElementBehindBlank, Value };
 
     PageStepSS takeElement(Byte byte, ColumnLettersSS letters);
 
-    MarkArray& marks_;
     Awaits awaits_ = Awaits::Element;
     Int16 iRowIndex_ = 1;
     Int16 iColIndex_ = 1;

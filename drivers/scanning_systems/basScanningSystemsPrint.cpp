@@ -27,7 +27,7 @@ bool ask(ReaderContract& oReader, const char* command, const char* source, TextN
         reportReaderFault(source, onSilence, text::kNotAnsweringTitle);
         return false;
     }
-    sCmd = collectText(oReader, {.pauseWhenEmpty = true});
+    collectText(oReader, sCmd, {.pauseWhenEmpty = true});
     return true;
 }
 

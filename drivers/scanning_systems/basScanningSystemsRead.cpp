@@ -12,6 +12,9 @@
 #include "platform/Platform.h"
 #include "types/Text.h"
 
+#include <array>
+#include <utility>
+
 namespace kel {
 
 namespace {
@@ -32,6 +35,24 @@ bool readsBothSides(ReaderContract& oReader)
 {
     return oReader.Duplex() && oReader.DuplexForm();
 }
+
+/// What goes to the reader and comes from it before the marks of a sheet.
+struct SheetSS {
+    std::string sCmd;
+    std::string sData;
+    std::array<Byte, 1> bDataArr{};
+    TextArray sBarcodeArr;
+
+    /// Sends a query; True if a reply came into `sData`.
+    bool ask(ReaderContract& oReader, std::string sQuery, Boolean bUseByteArray)
+    {
+        sCmd = std::move(sQuery);
+        sData = SendCommandSS(oReader, sCmd, bUseByteArray);
+        return !sData.empty();
+    }
+
+    KEL_TELLS(sCmd, sData, bDataArr, sBarcodeArr)
+};
 
 /// Waits for the data of a sheet that is already under way, whatever the stop flag says. Silence is reported.
 bool dataComes(ReaderContract& oReader, const char* source)
@@ -59,30 +80,29 @@ bool statusIsGood(ReaderContract& oReader, const std::string& sData)
 }
 
 /// Asks for the timing marks. A side that does not reply is left uncounted, and side 2 is not asked behind it.
-void readTimingMarks(ReaderContract& oReader)
+void readTimingMarks(ReaderContract& oReader, SheetSS& sheet)
 {
-    std::string sData = SendCommandSS(oReader, querySS("T"), False);
-    if (sData.empty())
+    if (!sheet.ask(oReader, querySS("T"), False))
         return;
-    oReader.Side1TimingMarks(timingMarksSS(sData));
-    if (!readsBothSides(oReader))
-        return;
-    sData = SendCommandSS(oReader, std::string(kSide2SS) + querySS("T"), False);
-    if (!sData.empty())
-        oReader.Side2TimingMarks(timingMarksSS(sData));
+    oReader.Side1TimingMarks(timingMarksSS(sheet.sData));
+    if (readsBothSides(oReader) && sheet.ask(oReader, std::string(kSide2SS) + querySS("T"), False))
+        oReader.Side2TimingMarks(timingMarksSS(sheet.sData));
 }
 
 /// Fetches the barcode into element 1; the pause gives the rest of the frame time to arrive.
-bool readBarcode(ReaderContract& oReader, TextArray& sBarcodeArr)
+bool readBarcode(ReaderContract& oReader, SheetSS& sheet)
 {
-    oReader.fComm().mscComm().Output(settingSS("BA05"));
+    sheet.sCmd = settingSS("BA05");
+    oReader.fComm().mscComm().Output(sheet.sCmd);
     if (!dataComes(oReader, kReadPage))
         return false;
-    sBarcodeArr.ReDim(1, 1);
+    sheet.sBarcodeArr.ReDim(1, 1);
     Sleep(oReader.SleepTime());
-    while (oReader.fComm().mscComm().InBufferCount() > 0)
-        sBarcodeArr(1) += Chr(takeByte(oReader));
-    sBarcodeArr(1) = barcodeOfFrameSS(sBarcodeArr(1));
+    while (oReader.fComm().mscComm().InBufferCount() > 0) {
+        sheet.bDataArr[0] = takeByte(oReader);
+        sheet.sBarcodeArr(1) += Chr(sheet.bDataArr[0]);
+    }
+    sheet.sBarcodeArr(1) = barcodeOfFrameSS(sheet.sBarcodeArr(1));
     return true;
 }
 
@@ -101,21 +121,28 @@ constexpr PageSide kFront = {"", &ReaderContract::LargestSide1Rows, [](const Rea
 constexpr PageSide kBack = {kSide2SS, &ReaderContract::LargestSide2Rows,
                             [](const ReaderContract&) { return ColumnLettersSS::Upwards; }};
 
+/// The side of a page that is being read.
+struct PageReadSS {
+    std::string sRowCount;
+    PageReplySS reply;
+
+    KEL_TELLS(sRowCount, reply)
+};
+
 /// Fetches all marks of one side. The reply has no end of its own: it is over with the last row, or when nothing has
 /// come for one pause.
-bool readSide(ReaderContract& oReader, const PageSide& side, MarkArray& marks)
+bool readSide(ReaderContract& oReader, const PageSide& side, MarkArray& marks, PageReadSS& read)
 {
-    const std::string sRowCount = formatZeros((oReader.*side.rows)(), 3);
-    oReader.fComm().mscComm().Output(std::string(side.prefix) + readingSS("ED001" + sRowCount));
+    read = {.sRowCount = formatZeros((oReader.*side.rows)(), 3), .reply = {}};
+    oReader.fComm().mscComm().Output(std::string(side.prefix) + readingSS("ED001" + read.sRowCount));
     if (!dataComes(oReader, kReadEntirePage))
         return false;
     oReader.fComm().mscComm().InputLen(1);
-    PageReplySS reply(marks);
-    while (oReader.fComm().mscComm().InBufferCount() > 0 && reply.row() <= (oReader.*side.rows)()) {
+    while (oReader.fComm().mscComm().InBufferCount() > 0 && read.reply.row() <= (oReader.*side.rows)()) {
         PageStepSS step = PageStepSS::ElementOpen;
         while (step != PageStepSS::ElementDone) {
             const Byte bData = takeByte(oReader);
-            step = reply.take(bData, side.letters(oReader));
+            step = read.reply.take(marks, bData, side.letters(oReader));
             // The value that follows goes to the column before, and the read goes on.
             if (step == PageStepSS::WrongColumn)
                 reportReaderFault(kReadEntirePage, text::kSsWrongColumn, text::kSheetNotReadTitle);
@@ -147,10 +174,9 @@ bool readWindowsOfSide(ReaderContract& oReader, std::string_view prefix, std::st
 Boolean ReadPageSS(ReaderContract& oReader)
 {
     Boolean bResult = False;
-    TextArray sBarcodeArr;
-    std::string sData;
-    guarded(kReadPage, KEL_PARAMETERS(oReader) + KEL_LOCALS(sBarcodeArr, sData), [&] {
-        sBarcodeArr.ReDim(0, 0);
+    SheetSS sheet;
+    guarded(kReadPage, KEL_PARAMETERS(oReader) + KEL_LOCALS(sheet), [&] {
+        sheet.sBarcodeArr.ReDim(0, 0);
         drainInput(oReader);
         if (wantsBarcode(oReader))
             InitBarcodeSS(oReader);
@@ -158,13 +184,12 @@ Boolean ReadPageSS(ReaderContract& oReader)
             InitPrinterSS(oReader);
 
         // The reader replies when a sheet has passed: this is the wait for the sheet.
-        sData = SendCommandSS(oReader, "?\r", True);
-        if (sData.empty() || !statusIsGood(oReader, sData))
+        if (!sheet.ask(oReader, "?\r", True) || !statusIsGood(oReader, sheet.sData))
             return;
-        readTimingMarks(oReader);
-        if (wantsBarcode(oReader) && !readBarcode(oReader, sBarcodeArr))
+        readTimingMarks(oReader, sheet);
+        if (wantsBarcode(oReader) && !readBarcode(oReader, sheet))
             return;
-        oReader.BarcodeArray(sBarcodeArr);
+        oReader.BarcodeArray(sheet.sBarcodeArr);
         bResult =
             oReader.RecognitionMode() == kelRecognitionTypePage ? ReadEntirePageSS(oReader) : ReadWindowsSS(oReader);
     });
@@ -176,15 +201,16 @@ Boolean ReadEntirePageSS(ReaderContract& oReader)
     Boolean bResult = False;
     MarkArray iSide1Arr;
     MarkArray iSide2Arr;
-    guarded(kReadEntirePage, KEL_PARAMETERS(oReader) + KEL_LOCALS(iSide1Arr, iSide2Arr), [&] {
+    PageReadSS read;
+    guarded(kReadEntirePage, KEL_PARAMETERS(oReader) + KEL_LOCALS(read, iSide1Arr, iSide2Arr), [&] {
         drainInput(oReader);
         iSide1Arr.ReDim(oReader.LargestSide1Rows(), kPageColumns);
-        if (!readSide(oReader, kFront, iSide1Arr))
+        if (!readSide(oReader, kFront, iSide1Arr, read))
             return;
         if (readsBothSides(oReader)) {
             drainInput(oReader);
             iSide2Arr.ReDim(oReader.LargestSide2Rows(), kPageColumns);
-            if (!readSide(oReader, kBack, iSide2Arr))
+            if (!readSide(oReader, kBack, iSide2Arr, read))
                 return;
         }
         oReader.Side1Array(iSide1Arr);

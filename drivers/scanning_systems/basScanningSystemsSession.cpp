@@ -71,14 +71,14 @@ bool startInEmulationMode(ReaderContract& oReader, StartSS& start)
     oReader.fComm().mscComm().Output(querySS("OM"));
     if (!replyComes(oReader))
         return false;
-    start.sData = collectText(oReader);
+    collectText(oReader, start.sData);
     iEmulationMode = CInt(Val(start.sData));
 
     if (oReader.Rejecter()) {
         oReader.fComm().mscComm().Output(querySS("O"));
         if (!replyComes(oReader))
             return false;
-        start.sData = collectText(oReader);
+        collectText(oReader, start.sData);
         oReader.Rejecter(Mid(start.sData, kRejecterPosition, 1) == "1");
     }
 
@@ -105,7 +105,8 @@ Boolean InitReaderSS(ReaderContract& oReader)
         if (!replyComes(oReader))
             return;
         // The last byte is the reply, whatever else the reset has brought up.
-        start.sData = Right(collectText(oReader), 1);
+        collectText(oReader, start.sData);
+        start.sData = Right(start.sData, 1);
         if (Asc(start.sData) != kAckSS) {
             reportReaderFault(kInitReader, text::kSsResetUnconfirmed, text::kNotStartedTitle);
             return;

@@ -10,11 +10,20 @@ namespace {
 
 constexpr Int16 kPageColumns = 48;
 
+/// The low end of a window that runs towards lower numbers, and the gap seen from there.
+void beginAtLowEnd(Int16& iStart, Int16& iGap, Int16 count)
+{
+    if (iGap < 1) {
+        iStart = positionInWindow(iStart, iGap, count);
+        iGap = checkedAbs(iGap);
+    }
+}
+
 } // namespace
 
-void PageSideST::store(Int16 value)
+void PageSideST::store(MarkArray& marks, Int16 value)
 {
-    marks_(iRowCount_, iColCount_) = value;
+    marks(iRowCount_, iColCount_) = value;
     ++iColCount_;
     iLastRow_ = iRowCount_;
     if (iColCount_ > kPageColumns) {
@@ -23,25 +32,27 @@ void PageSideST::store(Int16 value)
     }
 }
 
-WindowCellsST::Direction::Direction(Int16 startAt, Int16 count, Int16 signedGap)
-    : start(signedGap < 1 ? positionInWindow(startAt, signedGap, count) : startAt),
-      gap(signedGap < 1 ? checkedAbs(signedGap) : signedGap)
-{
-}
-
 WindowCellsST::WindowCellsST(Reference<clsKELReaderWindow> cWindow)
-    : cWindow_(std::move(cWindow)), columns_(cWindow_->StartCol(), cWindow_->NumCols(), cWindow_->ColGap()),
-      rows_(cWindow_->StartRow(), cWindow_->NumRows(), cWindow_->RowGap()), byColumns_(cWindow_->Orientation() == 0),
+    : cWindow_(std::move(cWindow)), iStartCol_(cWindow_->StartCol()), iColGap_(cWindow_->ColGap()),
+      iStartRow_(cWindow_->StartRow()), iRowGap_(cWindow_->RowGap()), byColumns_(cWindow_->Orientation() == 0),
       lines_(byColumns_ ? cWindow_->NumCols() : cWindow_->NumRows())
 {
+    beginAtLowEnd(iStartCol_, iColGap_, cWindow_->NumCols());
+    beginAtLowEnd(iStartRow_, iRowGap_, cWindow_->NumRows());
 }
 
 bool WindowCellsST::beginLine()
 {
-    while (iOuter_ < lines_) {
-        outerAt_ = (byColumns_ ? columns_ : rows_).at(++iOuter_);
+    Int16& iLine = byColumns_ ? iColIndex_ : iRowIndex_;
+    Int16& iWithin = byColumns_ ? iRowIndex_ : iColIndex_;
+    while (iLine < lines_) {
+        ++iLine;
+        if (byColumns_)
+            goToColumn();
+        else
+            goToRow();
         lineLength_ = byColumns_ ? cWindow_->NumRows() : cWindow_->NumCols();
-        iInner_ = 0;
+        iWithin = 0;
         if (lineLength_ > 0)
             return true;
     }

@@ -1,10 +1,9 @@
 #pragma once
 
 #include "drivers/common/WindowPositions.h"
+#include "failure/TellsVariables.h"
 #include "types/Arrays.h"
 #include "types/Reference.h"
-
-#include <optional>
 
 namespace kel {
 
@@ -13,20 +12,19 @@ class clsKELReaderWindow;
 /// The byte that ends the transfer of a sheet.
 inline constexpr Byte kTransferEndST = 0x0D;
 
-/// Puts the values of a page transfer into the cells of one side, row after row of 48 columns, whatever the array's own
-/// width is: a narrower array is run out of its bounds, which is failure 9.
+/// The cells of one side in the order of a page transfer: row after row of 48 columns, whatever the array's own width
+/// is. A narrower array is run out of its bounds, which is failure 9.
 class PageSideST {
 public:
-    explicit PageSideST(MarkArray& marks) : marks_(marks) {}
-
-    void store(Int16 value);
+    void store(MarkArray& marks, Int16 value);
 
     /// The row of the next byte, and of the last one that was stored (0 before the first).
     [[nodiscard]] Int16 nextRow() const { return iRowCount_; }
     [[nodiscard]] Int16 lastRow() const { return iLastRow_; }
 
+    KEL_TELLS(iRowCount_, iColCount_)
+
 private:
-    MarkArray& marks_;
     Int16 iRowCount_ = 1;
     Int16 iColCount_ = 1;
     Int16 iLastRow_ = 0;
@@ -39,48 +37,56 @@ private:
 /// asked anew at the start of each line, since the host runs in between.
 class WindowCellsST {
 public:
-    struct Cell {
-        Int16 row;
-        Int16 column;
-    };
-
+    /// Without a window, and so without cells.
+    WindowCellsST() = default;
+    /// Numbers beyond 16 bits are failure 6, here and in `next`.
     explicit WindowCellsST(Reference<clsKELReaderWindow> cWindow);
 
-    /// The next cell, nothing behind the last one. Numbers beyond 16 bits are failure 6.
-    [[nodiscard]] std::optional<Cell> next();
+    /// Goes on to the next cell, at first to the first one; false behind the last one.
+    [[nodiscard]] bool next();
+
+    [[nodiscard]] Int16 row() const { return iRowCount_; }
+    [[nodiscard]] Int16 column() const { return iColCount_; }
+
+    KEL_TELLS(cWindow_, iStartCol_, iColGap_, iStartRow_, iRowGap_, iRowIndex_, iColIndex_, iRowCount_, iColCount_)
 
 private:
-    /// One direction of the window, from the lower number upwards.
-    struct Direction {
-        Direction(Int16 startAt, Int16 count, Int16 signedGap);
-        [[nodiscard]] Int16 at(Int16 index) const { return positionInWindow(start, gap, index); }
-
-        Int16 start;
-        Int16 gap;
-    };
-
     /// Goes on to the next row or column of cells; false after the last one.
     bool beginLine();
 
+    void goToRow() { iRowCount_ = positionInWindow(iStartRow_, iRowGap_, iRowIndex_); }
+    void goToColumn() { iColCount_ = positionInWindow(iStartCol_, iColGap_, iColIndex_); }
+
     Reference<clsKELReaderWindow> cWindow_;
-    Direction columns_;
-    Direction rows_;
-    bool byColumns_;
-    Int16 lines_;
-    Int16 iOuter_ = 0;
-    Int16 outerAt_ = 0;
+    // From the lower number upwards.
+    Int16 iStartCol_ = 0;
+    Int16 iColGap_ = 0;
+    Int16 iStartRow_ = 0;
+    Int16 iRowGap_ = 0;
+    // The cell within the window, counted from 1, and on the sheet.
+    Int16 iRowIndex_ = 0;
+    Int16 iColIndex_ = 0;
+    Int16 iRowCount_ = 0;
+    Int16 iColCount_ = 0;
+    bool byColumns_ = false;
+    Int16 lines_ = 0;
     Int16 lineLength_ = 0;
-    Int16 iInner_ = 0;
 };
 
 // In the header, so that the loop over a window's cells is one with its steps.
 
-inline std::optional<WindowCellsST::Cell> WindowCellsST::next()
+inline bool WindowCellsST::next()
 {
-    if (iInner_ >= lineLength_ && !beginLine())
-        return std::nullopt;
-    const Int16 innerAt = (byColumns_ ? rows_ : columns_).at(++iInner_);
-    return byColumns_ ? Cell{innerAt, outerAt_} : Cell{outerAt_, innerAt};
+    if ((byColumns_ ? iRowIndex_ : iColIndex_) >= lineLength_ && !beginLine())
+        return false;
+    if (byColumns_) {
+        ++iRowIndex_;
+        goToRow();
+    } else {
+        ++iColIndex_;
+        goToColumn();
+    }
+    return true;
 }
 
 } // namespace kel

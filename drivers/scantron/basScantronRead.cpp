@@ -8,6 +8,8 @@
 #include "failure/guarded.h"
 #include "platform/Platform.h"
 
+#include <array>
+
 namespace kel {
 
 namespace {
@@ -31,9 +33,8 @@ constexpr ReadStart kWindowsStart = {kReadWindows, [](const ReaderContract&) { r
                                      text::kStWindowsNotSent};
 
 /// Waits for a sheet in the feeder (one look) or in the hand of the operator (until the stop flag).
-bool sheetIsReady(ReaderContract& oReader)
+bool sheetIsReady(ReaderContract& oReader, ScantronReady& eReady)
 {
-    ScantronReady eReady = ScantronReady::NoSheet;
     if (oReader.Feeder()) {
         eReady = CheckStatusST(oReader);
     } else {
@@ -50,10 +51,10 @@ bool sheetIsReady(ReaderContract& oReader)
 
 /// Asks for the sheet and waits for its first byte. The timer then runs anew: the whole transfer has to fit into one
 /// time-out.
-bool startTransfer(ReaderContract& oReader, const ReadStart& start)
+bool startTransfer(ReaderContract& oReader, const ReadStart& start, ScantronReady& eReady)
 {
     ClearBufferST(oReader);
-    if (!sheetIsReady(oReader))
+    if (!sheetIsReady(oReader, eReady))
         return false;
     oReader.fComm().mscComm().Output(frameST(start.command(oReader)));
     const Wait wait = waitForReply(oReader);
@@ -92,24 +93,36 @@ Int16 cellValue(Byte bData)
     return checkedSubtract(Int16{bData}, iRecognitionOffset);
 }
 
+/// A transfer that is under way.
+struct TransferST {
+    ScantronReady eReady = ScantronReady::NoSheet; ///< stays at a sheet until the last byte
+    std::array<Byte, 1> bDataArr{};
+
+    [[nodiscard]] bool isUnderWay() const { return eReady == ScantronReady::Sheet; }
+
+    /// Takes a byte; true if it is the value of a cell, and not the end.
+    bool takeValue(ReaderContract& oReader)
+    {
+        bDataArr[0] = takeByte(oReader);
+        if (bDataArr[0] == kTransferEndST)
+            eReady = ScantronReady::NoSheet;
+        return isUnderWay();
+    }
+
+    KEL_TELLS(eReady, bDataArr)
+};
+
 using TimingMarksSetter = void (ReaderContract::*)(Int16);
 
-/// How the transfer of one side ended.
-enum class SideEnd { Full, TransferEnded, Failed };
-
 /// Takes one round of a page transfer: a byte if one is there, then the timer, then a pause if nothing is left.
-/// False when the transfer has failed; `bEnded` becomes true at its last byte.
-bool transferRound(ReaderContract& oReader, PageSideST& side, TimingMarksSetter setTimingMarks, bool& bEnded)
+/// False when the transfer has failed.
+bool transferRound(ReaderContract& oReader, TransferST& transfer, PageSideST& side, MarkArray& iSideArr,
+                   TimingMarksSetter setTimingMarks)
 {
     DoEvents();
-    if (oReader.fComm().mscComm().InBufferCount() > 0) {
-        const Byte bData = takeByte(oReader);
-        if (bData == kTransferEndST) {
-            bEnded = true;
-        } else {
-            side.store(cellValue(bData));
-            (oReader.*setTimingMarks)(side.lastRow());
-        }
+    if (oReader.fComm().mscComm().InBufferCount() > 0 && transfer.takeValue(oReader)) {
+        side.store(iSideArr, cellValue(transfer.bDataArr[0]));
+        (oReader.*setTimingMarks)(side.lastRow());
     }
     if (transferOutlasted(oReader, kReadPage))
         return false;
@@ -118,25 +131,21 @@ bool transferRound(ReaderContract& oReader, PageSideST& side, TimingMarksSetter 
     return true;
 }
 
-/// Side 1 ends when it is full or the transfer ends.
-SideEnd readSide1(ReaderContract& oReader, MarkArray& iSide1Arr)
+/// Side 1 ends when it is full or the transfer ends. False when the transfer has failed.
+bool readSide1(ReaderContract& oReader, TransferST& transfer, PageSideST& side, MarkArray& iSide1Arr)
 {
-    PageSideST side(iSide1Arr);
-    bool bEnded = false;
-    while (side.nextRow() <= oReader.LargestSide1Rows() && !bEnded) {
-        if (!transferRound(oReader, side, &ReaderContract::Side1TimingMarks, bEnded))
-            return SideEnd::Failed;
+    while (side.nextRow() <= oReader.LargestSide1Rows() && transfer.isUnderWay()) {
+        if (!transferRound(oReader, transfer, side, iSide1Arr, &ReaderContract::Side1TimingMarks))
+            return false;
     }
-    return bEnded ? SideEnd::TransferEnded : SideEnd::Full;
+    return true;
 }
 
 /// Side 2 ends with the transfer alone: a stream that is longer than the array runs out of its bounds.
-bool readSide2(ReaderContract& oReader, MarkArray& iSide2Arr)
+bool readSide2(ReaderContract& oReader, TransferST& transfer, PageSideST& side, MarkArray& iSide2Arr)
 {
-    PageSideST side(iSide2Arr);
-    bool bEnded = false;
-    while (!bEnded) {
-        if (!transferRound(oReader, side, &ReaderContract::Side2TimingMarks, bEnded))
+    while (transfer.isUnderWay()) {
+        if (!transferRound(oReader, transfer, side, iSide2Arr, &ReaderContract::Side2TimingMarks))
             return false;
     }
     return true;
@@ -156,19 +165,17 @@ bool byteComes(ReaderContract& oReader)
     return true;
 }
 
-/// Fills the cells of one window in the reader's order.
-SideEnd readWindow(ReaderContract& oReader, const Reference<clsKELReaderWindow>& cWindow, MarkArray& iSideArr)
+/// Fills the cells of one window in the reader's order, until the transfer ends. False when it has failed.
+bool readWindow(ReaderContract& oReader, TransferST& transfer, WindowCellsST& cells, MarkArray& iSideArr)
 {
-    WindowCellsST cells(cWindow);
-    while (const auto cell = cells.next()) {
+    while (cells.next()) {
         if (!byteComes(oReader))
-            return SideEnd::Failed;
-        const Byte bData = takeByte(oReader);
-        if (bData == kTransferEndST)
-            return SideEnd::TransferEnded;
-        iSideArr(cell->row, cell->column) = cellValue(bData);
+            return false;
+        if (!transfer.takeValue(oReader))
+            return true;
+        iSideArr(cells.row(), cells.column()) = cellValue(transfer.bDataArr[0]);
     }
-    return SideEnd::Full;
+    return true;
 }
 
 } // namespace
@@ -176,22 +183,24 @@ SideEnd readWindow(ReaderContract& oReader, const Reference<clsKELReaderWindow>&
 Boolean ReadPageST(ReaderContract& oReader)
 {
     Boolean bResult = False;
+    TransferST transfer;
+    PageSideST side;
     MarkArray iSide1Arr;
     MarkArray iSide2Arr;
-    guarded(kReadPage, KEL_PARAMETERS(oReader) + KEL_LOCALS(iSide1Arr, iSide2Arr), [&] {
-        if (!startTransfer(oReader, kPageStart))
+    guarded(kReadPage, KEL_PARAMETERS(oReader) + KEL_LOCALS(transfer, side, iSide1Arr, iSide2Arr), [&] {
+        if (!startTransfer(oReader, kPageStart, transfer.eReady))
             return;
 
         iSide1Arr.ReDim(oReader.LargestSide1Rows(), oReader.LargestSide1Cols());
         oReader.Side1TimingMarks(0);
         oReader.Side2TimingMarks(0);
-        const SideEnd eSide1 = readSide1(oReader, iSide1Arr);
-        if (eSide1 == SideEnd::Failed)
+        if (!readSide1(oReader, transfer, side, iSide1Arr))
             return;
-        if (eSide1 == SideEnd::Full) {
+        if (transfer.isUnderWay()) {
             if (oReader.DuplexForm() && oReader.LargestSide2Rows() >= 1) {
                 iSide2Arr.ReDim(oReader.LargestSide2Rows(), oReader.LargestSide2Cols());
-                if (!readSide2(oReader, iSide2Arr))
+                side = {};
+                if (!readSide2(oReader, transfer, side, iSide2Arr))
                     return;
             } else {
                 ClearBufferST(oReader);
@@ -210,34 +219,34 @@ Boolean ReadPageST(ReaderContract& oReader)
 Boolean ReadWindowsST(ReaderContract& oReader)
 {
     Boolean bResult = False;
-    Int32 lWindowCount = 0;
-    Int32 lWindowIndex = 0;
+    TransferST transfer;
+    Int16 iWindowCount = 0;
+    Int16 iWindowIndex = 0;
+    bool bSide2 = false;
+    WindowCellsST cells;
     MarkArray iSide1Arr;
     MarkArray iSide2Arr;
-    bool bSide2 = false;
-    bool bEnded = false;
     const auto variables =
-        KEL_PARAMETERS(oReader) + KEL_LOCALS(lWindowCount, lWindowIndex, iSide1Arr, iSide2Arr, bSide2, bEnded);
+        KEL_PARAMETERS(oReader) + KEL_LOCALS(transfer, iWindowCount, iWindowIndex, bSide2, cells, iSide1Arr, iSide2Arr);
     guarded(kReadWindows, variables, [&] {
-        lWindowCount = oReader.Windows()->Count();
-        if (!startTransfer(oReader, kWindowsStart))
+        iWindowCount = CInt(oReader.Windows()->Count());
+        if (!startTransfer(oReader, kWindowsStart, transfer.eReady))
             return;
 
         iSide1Arr.ReDim(oReader.LargestSide1Rows(), oReader.LargestSide1Cols());
-        for (lWindowIndex = 1; lWindowIndex <= lWindowCount && !bEnded; ++lWindowIndex) {
-            const Reference<clsKELReaderWindow> cWindow = oReader.Windows()->Item(lWindowIndex);
+        for (iWindowIndex = 1; iWindowIndex <= iWindowCount && transfer.isUnderWay();
+             iWindowIndex = checkedAdd(iWindowIndex, 1)) {
+            const Reference<clsKELReaderWindow> cWindow = oReader.Windows()->Item(iWindowIndex);
             // From the first window of another page on all bytes are side 2's.
             if (cWindow->Page() >= 2 && !bSide2) {
                 bSide2 = true;
                 iSide2Arr.ReDim(oReader.LargestSide2Rows(), oReader.LargestSide2Cols());
             }
-            switch (readWindow(oReader, cWindow, bSide2 ? iSide2Arr : iSide1Arr)) {
-            case SideEnd::Failed: return;
-            case SideEnd::TransferEnded: bEnded = true; break;
-            case SideEnd::Full: break;
-            }
+            cells = WindowCellsST(cWindow);
+            if (!readWindow(oReader, transfer, cells, bSide2 ? iSide2Arr : iSide1Arr))
+                return;
         }
-        if (!bEnded)
+        if (transfer.isUnderWay())
             ClearBufferST(oReader);
 
         if (!sheetIsGood(oReader))

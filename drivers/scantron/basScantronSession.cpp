@@ -83,8 +83,8 @@ Boolean ResetReaderST(ReaderContract& oReader)
 {
     Boolean bResult = False;
     std::string sCmd;
-    std::string sData;
-    guarded(kResetReader, KEL_PARAMETERS(oReader) + KEL_LOCALS(sCmd, sData), [&] {
+    ReplyBytes reply;
+    guarded(kResetReader, KEL_PARAMETERS(oReader) + KEL_LOCALS(sCmd, reply), [&] {
         if (!oReader.fComm().mscComm().PortOpen()) {
             bResult = True;
             return;
@@ -96,8 +96,8 @@ Boolean ResetReaderST(ReaderContract& oReader)
         case Wait::TimedOut: reportReaderFault(kResetReader, text::kStUnanswered, text::kNotAnsweringTitle); return;
         case Wait::Reply: break;
         }
-        sData = collectText(oReader, {.asBytes = true});
-        if (sData.starts_with('\r'))
+        collectBytes(oReader, reply);
+        if (reply.sData.starts_with('\r'))
             bResult = True;
         else
             reportReaderFault(kResetReader, text::kStResetUnconfirmed, text::kStResetTitle);
@@ -113,7 +113,7 @@ Boolean SendCommandST(ReaderContract& oReader, const std::string& sCmd)
         oReader.fComm().mscComm().Output(sCmd);
         if (waitForReply(oReader) != Wait::Reply)
             return;
-        sData = collectText(oReader);
+        collectText(oReader, sData);
         bResult = sData.starts_with('\r');
     });
     return bResult;

@@ -28,9 +28,15 @@ struct Outcome {
     friend bool operator==(const Outcome&, const Outcome&) = default;
 };
 
+/// A Scanmark sends pages of 48 columns, and no narrower array holds one.
+Int16 columnsOf(kelReaderType model)
+{
+    return simulatedFamily(model) == SimulatedFamily::Scanmark ? 48 : 12;
+}
+
 Outcome sessionOf(kelReaderType model, const std::vector<SiteFault>& faults)
 {
-    const FormDescription form{.side1Rows = {10}, .side1Cols = {12}};
+    const FormDescription form{.side1Rows = {10}, .side1Cols = {columnsOf(model)}};
     const std::unique_ptr<Simulator> device =
         makeSimulator(model, {.seeded = SeededSheets{.seed = 9, .count = kSheets}, .form = form, .siteFaults = faults});
     ReaderHost host;
@@ -41,7 +47,7 @@ Outcome sessionOf(kelReaderType model, const std::vector<SiteFault>& faults)
     host.reader().Side2Rows(pages({0}));
     host.reader().Side2Cols(pages({0}));
     host.reader().Side1Rows(pages({10}));
-    host.reader().Side1Cols(pages({12}));
+    host.reader().Side1Cols(pages({columnsOf(model)}));
     host.machine.at(host.machine.now() + 1h, [&] { host.reader().CancelScan(True); });
     Outcome outcome;
     outcome.read = host.reader().ReadBatch(False, kSheets, outcome.count) == True;
@@ -61,7 +67,7 @@ constexpr kelReaderType kModels[] = {kelReaderTypeAppersonAdvantageLink,
                                      kelReaderTypeNCSEZData,
                                      kelReaderTypeNCSOpScan5,
                                      kelReaderTypePDIVMR138,
-
+                                     kelReaderTypeScantronScanMark2500,
                                      kelReaderTypeScanningSystemsSR601};
 
 class SiteFaultSessions : public testing::TestWithParam<kelReaderType> {};

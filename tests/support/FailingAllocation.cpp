@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdlib>
+#include <cstring>
 #include <exception>
 #include <new>
 
@@ -12,19 +13,31 @@ namespace {
 thread_local constinit int granted = 0;
 thread_local constinit int failing = 0;
 thread_local constinit bool failsInHandler = false;
+thread_local constinit const void* dealtWith = nullptr; // when that was asked for
+
+/// The exception that is being dealt with, to be told from others; null when there is none.
+const void* currentException() noexcept
+{
+    const std::exception_ptr current = std::current_exception();
+    const void* object = nullptr;
+    static_assert(sizeof object == sizeof current);
+    std::memcpy(&object, &current, sizeof object);
+    return object;
+}
 
 /// Whether the allocation that is asked for is one of those that fail.
 bool fails() noexcept
 {
-    if (failsInHandler && std::current_exception()) {
+    bool result = false;
+    if (failsInHandler && currentException() != nullptr && currentException() != dealtWith) {
         failsInHandler = false;
-        return true;
+        result = true;
     }
     if (failing == 0)
-        return false;
+        return result;
     if (granted > 0) {
         --granted;
-        return false;
+        return result;
     }
     --failing;
     return true;
@@ -64,11 +77,13 @@ void FailingAllocation::disarm()
 {
     failing = 0;
     failsInHandler = false;
+    dealtWith = nullptr;
 }
 
 void FailingAllocation::armForHandlers()
 {
     failsInHandler = true;
+    dealtWith = currentException();
 }
 
 } // namespace kel::test

@@ -15,7 +15,8 @@ public:
     static void arm(int first = 1, int count = 1);
     static void disarm();
 
-    /// Lets the first allocation fail that is made while an exception is being dealt with.
+    /// Lets the first allocation fail that is made while an exception is being dealt with: one that is thrown after
+    /// this, where one is being dealt with now.
     static void armForHandlers();
 };
 

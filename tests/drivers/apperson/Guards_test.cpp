@@ -62,6 +62,18 @@ const GuardTable
                     bench.line->failsAtOutput("P\r");
                     EXPECT_EQ(ReadPageAPGradeMaster(bench.reader), False);
                 }},
+               {"basApperson.ReadPageAPBenchMarkAdvantage", FailsBy::Statement, 8020,
+                [](GuardBench& bench) {
+                    begin(bench, kelReaderTypeAppersonBenchMark3000);
+                    bench.line->failsAt(1);
+                    EXPECT_EQ(ReadPageAPBenchMarkAdvantage(bench.reader), False);
+                }},
+               {"basApperson.ReadPageAPAdvantage1200", FailsBy::Statement, 8020,
+                [](GuardBench& bench) {
+                    begin(bench, kelReaderTypeAppersonAdvantage1200);
+                    bench.line->failsAt(1);
+                    EXPECT_EQ(ReadPageAPAdvantage1200(bench.reader), False);
+                }},
                // The sheet is through the reader: it counts as read though the host fails with it.
                {"basApperson.ReadPageAPBenchMarkAdvantage", FailsBy::Caller, 13,
                 [](GuardBench& bench) {

@@ -30,7 +30,16 @@ Int32 failureOf(const std::function<void()>& body)
 Int32 mask(const std::vector<std::string>& choices, Int32 columns, const std::string& sCorrectAnswers)
 {
     const AnswerKeyEntry question("Question 1", choices, columns, {});
-    return answerMaskAP(question, sCorrectAnswers);
+    RightAnswersAP answers;
+    return answerMaskAP(question, sCorrectAnswers, answers);
+}
+
+EncodedKeyAP encoded(const AnswerKeyObject& key, AnswerCodeAP code)
+{
+    EncodedKeyAP result;
+    encodeKeyAP(
+        key, [code] { return code; }, result);
+    return result;
 }
 
 TEST(AnswerMaskAP, AChoiceIsABit)
@@ -93,7 +102,10 @@ private:
 
 TEST(AnswerMaskAP, PowersOfTwoBeyond32BitsOverflow)
 {
-    const auto at = [](Int32 position) { return answerMaskAP(PlacedQuestion(position), "x"); };
+    const auto at = [](Int32 position, const char* sCorrectAnswers = "x") {
+        RightAnswersAP answers;
+        return answerMaskAP(PlacedQuestion(position), sCorrectAnswers, answers);
+    };
     EXPECT_EQ(at(31), 0x40000000);
     EXPECT_EQ(failureOf([&] { static_cast<void>(at(32)); }), 6);
     EXPECT_EQ(failureOf([&] { static_cast<void>(at(5000)); }), 6);
@@ -101,7 +113,7 @@ TEST(AnswerMaskAP, PowersOfTwoBeyond32BitsOverflow)
     // Half an answer rounds to the even neighbour.
     EXPECT_EQ(at(0), 0);
     EXPECT_EQ(at(-7), 0);
-    EXPECT_EQ(answerMaskAP(PlacedQuestion(0), "x,x,x"), 0);
+    EXPECT_EQ(at(0, "x,x,x"), 0);
 }
 
 TEST(EncodeAnswerAP, DigitsSayTheBitsFromTheLowest)
@@ -129,8 +141,8 @@ TEST(EncodeKeyAP, AQuestionWithFourChoices)
 {
     AnswerKey key;
     key.AddQuestion("Question 1", kFour, {"A"});
-    EXPECT_EQ(encodeKeyAP(key, AnswerCodeAP::Mask).sKeyStrArr(1), "\x02Q");
-    EXPECT_EQ(encodeKeyAP(key, AnswerCodeAP::Digits).sKeyStrArr(1), "01000Q");
+    EXPECT_EQ(encoded(key, AnswerCodeAP::Mask).sKeyStrArr(1), "\x02Q");
+    EXPECT_EQ(encoded(key, AnswerCodeAP::Digits).sKeyStrArr(1), "01000Q");
 }
 
 TEST(EncodeKeyAP, VersionsAreKeysOfTheirOwn)
@@ -138,7 +150,7 @@ TEST(EncodeKeyAP, VersionsAreKeysOfTheirOwn)
     AnswerKey key;
     key.AddQuestion("Question 1", kFive, {"A", "B,C", "", "E"});
     key.AddQuestion("Question 2", kFive, {"B", "E", "A"});
-    const EncodedKeyAP digits = encodeKeyAP(key, AnswerCodeAP::Digits);
+    const EncodedKeyAP digits = encoded(key, AnswerCodeAP::Digits);
     EXPECT_EQ(digits.iNumKeys, 4);
     EXPECT_THAT(digits.sKeyStrArr.elements(), ElementsAre("1000001000Q", "0110000001Q", "0000010000Q", "00001Q"));
 }
@@ -148,9 +160,30 @@ TEST(EncodeKeyAP, AReaderWithMasksTakesTheFirstVersionOnly)
     AnswerKey key;
     key.AddQuestion("Question 1", kFive, {"A", "B", "C", "D"});
     key.AddQuestion("Question 2", kFive, {"E", "A", "B", "C"});
-    const EncodedKeyAP masks = encodeKeyAP(key, AnswerCodeAP::Mask);
+    const EncodedKeyAP masks = encoded(key, AnswerCodeAP::Mask);
     EXPECT_EQ(masks.iNumKeys, 1);
     EXPECT_EQ(masks.sKeyStrArr(1), "\x01\x10Q");
+}
+
+TEST(EncodeKeyAP, TheModelIsAskedWithEachAnswer)
+{
+    AnswerKey key;
+    key.AddQuestion("Question 1", kFive, {"A", "B"});
+    key.AddQuestion("Question 2", kFive, {"C"});
+    std::vector<AnswerCodeAP> codes = {AnswerCodeAP::Digits, AnswerCodeAP::None, AnswerCodeAP::Mask,
+                                       AnswerCodeAP::Digits};
+    EncodedKeyAP result;
+    encodeKeyAP(
+        key,
+        [&] {
+            const AnswerCodeAP code = codes.front();
+            codes.erase(codes.begin());
+            return code;
+        },
+        result);
+    EXPECT_EQ(result.sKeyStrArr(1), "10000\x04Q");
+    EXPECT_EQ(result.iNumKeys, 1);
+    EXPECT_THAT(codes, IsEmpty());
 }
 
 TEST(EncodeKeyAP, AQuestionWithoutAnswersMovesTheOthersUp)
@@ -159,16 +192,16 @@ TEST(EncodeKeyAP, AQuestionWithoutAnswersMovesTheOthersUp)
     key.AddQuestion("Question 1", kFive, {"A"});
     key.AddQuestion("Question 2", kFive, std::vector<std::string>{});
     key.AddQuestion("Question 3", kFive, {"C"});
-    EXPECT_EQ(encodeKeyAP(key, AnswerCodeAP::Digits).sKeyStrArr(1), "1000000100Q");
-    EXPECT_EQ(encodeKeyAP(key, AnswerCodeAP::Mask).sKeyStrArr(1), "\x01\x04Q");
+    EXPECT_EQ(encoded(key, AnswerCodeAP::Digits).sKeyStrArr(1), "1000000100Q");
+    EXPECT_EQ(encoded(key, AnswerCodeAP::Mask).sKeyStrArr(1), "\x01\x04Q");
 }
 
 TEST(EncodeKeyAP, ANoAnswerQuestionIsACharacterToo)
 {
     AnswerKey key;
     key.AddQuestion("Question 1", kFive, {""});
-    EXPECT_EQ(encodeKeyAP(key, AnswerCodeAP::Mask).sKeyStrArr(1), std::string("\0Q", 2));
-    EXPECT_EQ(encodeKeyAP(key, AnswerCodeAP::Digits).sKeyStrArr(1), "00000Q");
+    EXPECT_EQ(encoded(key, AnswerCodeAP::Mask).sKeyStrArr(1), std::string("\0Q", 2));
+    EXPECT_EQ(encoded(key, AnswerCodeAP::Digits).sKeyStrArr(1), "00000Q");
 }
 
 TEST(EncodeKeyAP, AFifthVersionFails)
@@ -176,7 +209,7 @@ TEST(EncodeKeyAP, AFifthVersionFails)
     AnswerKey key;
     key.AddQuestion("Question 1", kFive, {"A", "B", "C", "D", "E"});
     for (const AnswerCodeAP code : {AnswerCodeAP::Mask, AnswerCodeAP::Digits})
-        EXPECT_EQ(failureOf([&] { static_cast<void>(encodeKeyAP(key, code)); }), 9);
+        EXPECT_EQ(failureOf([&] { static_cast<void>(encoded(key, code)); }), 9);
 }
 
 TEST(EncodeKeyAP, NamesAreToldApartByTheirBeginning)
@@ -187,18 +220,18 @@ TEST(EncodeKeyAP, NamesAreToldApartByTheirBeginning)
     key.AddQuestion("Student", kFive, {"A"});
     key.AddQuestion("essay score", {}, {"7"});
     key.AddQuestion("Questionable", kFive, {"B"});
-    const EncodedKeyAP encoded = encodeKeyAP(key, AnswerCodeAP::Digits);
-    EXPECT_EQ(encoded.sKeyStrArr(1), "01000Q");
-    EXPECT_EQ(encoded.sEssayScore, "0000");
+    const EncodedKeyAP result = encoded(key, AnswerCodeAP::Digits);
+    EXPECT_EQ(result.sKeyStrArr(1), "01000Q");
+    EXPECT_EQ(result.sEssayScore, "0000");
 }
 
 TEST(EncodeKeyAP, AnEmptyKeyHasNoVersion)
 {
     AnswerKey key;
     key.AddQuestion("Essay Score", {}, {"7"});
-    const EncodedKeyAP encoded = encodeKeyAP(key, AnswerCodeAP::Digits);
-    EXPECT_EQ(encoded.iNumKeys, 0);
-    EXPECT_EQ(encoded.sKeyStrArr(1), "");
+    const EncodedKeyAP result = encoded(key, AnswerCodeAP::Digits);
+    EXPECT_EQ(result.iNumKeys, 0);
+    EXPECT_EQ(result.sKeyStrArr(1), "");
 }
 
 std::string essayScore(const std::vector<std::vector<std::string>>& entries)
@@ -206,7 +239,7 @@ std::string essayScore(const std::vector<std::vector<std::string>>& entries)
     AnswerKey key;
     for (const auto& correctAnswers : entries)
         key.AddQuestion("Essay Score", {}, correctAnswers);
-    return encodeKeyAP(key, AnswerCodeAP::Digits).sEssayScore;
+    return encoded(key, AnswerCodeAP::Digits).sEssayScore;
 }
 
 TEST(EssayScoreAP, IsFourDigits)

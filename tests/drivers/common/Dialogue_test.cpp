@@ -46,6 +46,13 @@ protected:
     /// What happens in the next turn of the message loop.
     void inTheNextTurn(std::function<void()> action) { machine.atDoEvents(1, std::move(action)); }
 
+    [[nodiscard]] std::string collected(CollectRules rules = {})
+    {
+        std::string sData = "before";
+        collectText(reader, sData, rules);
+        return sData;
+    }
+
     [[nodiscard]] std::vector<Int32> pauses() const
     {
         std::vector<Int32> result;
@@ -152,9 +159,9 @@ TEST_F(DialogueTest, ATextIsWhatIsThere)
 {
     leave("abc");
     reader.fComm().mscComm().InputLen(0);
-    EXPECT_EQ(collectText(reader, {.mostCharacters = 2}), "ab");
-    EXPECT_EQ(collectText(reader), "c");
-    EXPECT_EQ(collectText(reader), "");
+    EXPECT_EQ(collected({.mostCharacters = 2}), "ab");
+    EXPECT_EQ(collected(), "c");
+    EXPECT_EQ(collected(), "");
     EXPECT_EQ(reader.fComm().mscComm().InputLen(), 1);
     EXPECT_THAT(pauses(), ElementsAre(1));
 }
@@ -164,8 +171,19 @@ TEST_F(DialogueTest, ATextWithPausesEndsWithOneThatBringsNothing)
     leave("a");
     device.sendUnasked(machine.now() + 49ms, "bc");
     device.sendUnasked(machine.now() + 49ms + 52ms, "d");
-    EXPECT_EQ(collectText(reader, {.pauseWhenEmpty = true}), "abc");
+    EXPECT_EQ(collected({.pauseWhenEmpty = true}), "abc");
     EXPECT_THAT(pauses(), ElementsAre(1, kPause, kPause));
+}
+
+TEST_F(DialogueTest, BytesAreCountedAndTheLastOneIsKept)
+{
+    leave("ab\xFFz");
+    ReplyBytes reply{.sData = "before", .bDataArr = {}, .iByteCount = 7};
+    collectBytes(reader, reply, {.mostCharacters = 3});
+    EXPECT_EQ(reply.sData, "ab\xFF");
+    EXPECT_EQ(reply.bDataArr[0], 0xFF);
+    EXPECT_EQ(reply.iByteCount, 3);
+    EXPECT_EQ(reader.fComm().mscComm().InBufferCount(), 1);
 }
 
 TEST_F(DialogueTest, AByteThatIsNotThereIsASubscriptFailure)

@@ -11,20 +11,20 @@ namespace {
 
 constexpr Int32 kColumns = 48;
 
-std::vector<PageStepSS> steps(PageReplySS& reply, std::string_view bytes,
+std::vector<PageStepSS> steps(PageReplySS& reply, MarkArray& marks, std::string_view bytes,
                               ColumnLettersSS letters = ColumnLettersSS::Upwards)
 {
     std::vector<PageStepSS> result;
     for (const char byte : bytes)
-        result.push_back(reply.take(static_cast<Byte>(byte), letters));
+        result.push_back(reply.take(marks, static_cast<Byte>(byte), letters));
     return result;
 }
 
 MarkArray marksOf(std::string_view bytes, ColumnLettersSS letters = ColumnLettersSS::Upwards, Int32 rows = 5)
 {
     MarkArray marks(rows, kColumns);
-    PageReplySS reply(marks);
-    steps(reply, bytes, letters);
+    PageReplySS reply;
+    steps(reply, marks, bytes, letters);
     return marks;
 }
 
@@ -74,9 +74,9 @@ TEST(PageReplySS, StoresPairsRowByRow)
 TEST(PageReplySS, TellsWhatEachByteHasBrought)
 {
     MarkArray marks(5, kColumns);
-    PageReplySS reply(marks);
+    PageReplySS reply;
     EXPECT_EQ(reply.row(), 1);
-    EXPECT_EQ(steps(reply, "01\r \r 23"),
+    EXPECT_EQ(steps(reply, marks, "01\r \r 23"),
               (std::vector{PageStepSS::ElementOpen, PageStepSS::ElementDone, PageStepSS::ElementDone,
                            PageStepSS::ElementOpen, PageStepSS::ElementDone, PageStepSS::ElementOpen,
                            PageStepSS::ElementOpen, PageStepSS::ElementDone}));
@@ -126,8 +126,8 @@ TEST(PageReplySS, AWrongColumnKeepsTheOneBefore)
 {
     for (const char wrong : {':', ';', '<', '=', '>'}) {
         MarkArray marks(5, kColumns);
-        PageReplySS reply(marks);
-        EXPECT_EQ(steps(reply, std::string("81") + wrong + "5", ColumnLettersSS::SR430),
+        PageReplySS reply;
+        EXPECT_EQ(steps(reply, marks, std::string("81") + wrong + "5", ColumnLettersSS::SR430),
                   (std::vector{PageStepSS::ElementOpen, PageStepSS::ElementDone, PageStepSS::WrongColumn,
                                PageStepSS::ElementDone}));
         EXPECT_EQ(marks(1, 2), 5);
@@ -139,10 +139,10 @@ TEST(PageReplySS, AWrongColumnKeepsTheOneBefore)
 TEST(PageReplySS, ARowThatCannotBeCountedFails)
 {
     MarkArray marks(1, 1);
-    PageReplySS reply(marks);
+    PageReplySS reply;
     while (reply.row() < 32767)
-        static_cast<void>(reply.take('\r', ColumnLettersSS::Upwards));
-    EXPECT_THROW(static_cast<void>(reply.take('\r', ColumnLettersSS::Upwards)), RuntimeFailure);
+        static_cast<void>(reply.take(marks, '\r', ColumnLettersSS::Upwards));
+    EXPECT_THROW(static_cast<void>(reply.take(marks, '\r', ColumnLettersSS::Upwards)), RuntimeFailure);
 }
 
 /// Where a reply stops makes no difference to what stands before it: each mark is stored with its last byte.
@@ -150,14 +150,14 @@ TEST(PageReplySS, IsTheSameAtEverySplit)
 {
     const std::string_view bytes = " 01 23\r\r A5;6\r 9\x7F\r";
     MarkArray whole(5, kColumns);
-    PageReplySS wholeReply(whole);
-    const std::vector<PageStepSS> all = steps(wholeReply, bytes);
+    PageReplySS wholeReply;
+    const std::vector<PageStepSS> all = steps(wholeReply, whole, bytes);
     for (std::size_t cut = 0; cut <= bytes.size(); ++cut) {
         MarkArray marks(5, kColumns);
-        PageReplySS reply(marks);
-        std::vector<PageStepSS> found = steps(reply, bytes.substr(0, cut));
+        PageReplySS reply;
+        std::vector<PageStepSS> found = steps(reply, marks, bytes.substr(0, cut));
         EXPECT_EQ(marks, marksOf(bytes.substr(0, cut))) << cut;
-        const std::vector<PageStepSS> rest = steps(reply, bytes.substr(cut));
+        const std::vector<PageStepSS> rest = steps(reply, marks, bytes.substr(cut));
         found.insert(found.end(), rest.begin(), rest.end());
         EXPECT_EQ(found, all) << cut;
         EXPECT_EQ(marks, whole) << cut;

@@ -40,8 +40,8 @@ Places placesOf(Along rows, Along columns, Int16 orientation)
 {
     Places places;
     WindowCellsST cells(windowOf(rows, columns, orientation));
-    while (const auto cell = cells.next())
-        places.emplace_back(cell->row, cell->column);
+    while (cells.next())
+        places.emplace_back(cells.row(), cells.column());
     EXPECT_FALSE(cells.next()) << "behind the last one there is none";
     return places;
 }
@@ -92,9 +92,9 @@ TEST(WindowCells, ALineIsAsLongAsTheWindowSaysWhenItBegins)
     const auto window = windowOf({.count = 3}, {.count = 2}, 1);
     WindowCellsST cells(window);
     Places places;
-    while (const auto cell = cells.next()) {
-        places.emplace_back(cell->row, cell->column);
-        if (cell->row == 1) {
+    while (cells.next()) {
+        places.emplace_back(cells.row(), cells.column());
+        if (cells.row() == 1) {
             window->NumCols(1);  // from row 2 on
             window->NumRows(2);  // settled when the window began
             window->StartCol(9); // so is where it lies
@@ -107,23 +107,23 @@ TEST(WindowCells, ALineIsAsLongAsTheWindowSaysWhenItBegins)
 TEST(PageSide, RowsHave48ColumnsWhateverTheArrayHas)
 {
     MarkArray marks(2, 50);
-    PageSideST side(marks);
+    PageSideST side;
     EXPECT_EQ(side.lastRow(), 0);
     for (int i = 0; i < 48; ++i)
-        side.store(1);
+        side.store(marks, 1);
     EXPECT_EQ(side.lastRow(), 1);
     EXPECT_EQ(side.nextRow(), 2);
-    side.store(-16);
+    side.store(marks, -16);
     EXPECT_EQ(side.lastRow(), 2);
     EXPECT_EQ(marks(1, 48), 1);
     EXPECT_EQ(marks(1, 49), 0);
     EXPECT_EQ(marks(2, 1), -16);
 
     MarkArray narrow(2, 3);
-    PageSideST narrowSide(narrow);
+    PageSideST narrowSide;
     for (int i = 0; i < 3; ++i)
-        narrowSide.store(255);
-    EXPECT_EQ(failureOf([&] { narrowSide.store(255); }), FailureCode::SubscriptOutOfRange);
+        narrowSide.store(narrow, 255);
+    EXPECT_EQ(failureOf([&] { narrowSide.store(narrow, 255); }), FailureCode::SubscriptOutOfRange);
     EXPECT_EQ(narrow(1, 3), 255);
 }
 

@@ -245,7 +245,7 @@ TEST_F(PosixMessagePumpTest, APauseOfLessThanNothingIsNone)
 TEST_F(PosixMessagePumpTest, LongPausesCollectMoreThanTheSystemHasRoomFor)
 {
     // A pseudo-terminal takes some 22,000 bytes that nobody reads.
-    const std::string much(40000, 'x');
+    const std::string much(60000, 'x');
     Pty pty;
     const auto line = openControl(pty);
     std::atomic<std::size_t> written{0};

@@ -44,7 +44,7 @@ public:
 
     std::string barcode()
     {
-        constexpr std::string_view characters = "0000123456789ABCDEFGXYZabdefgxyz -.$/+%";
+        constexpr std::string_view characters = "0000123456789ABCDEFGXYZabcdefgxyz -.$/+%";
         std::string text;
         for (int left = number(0, 20); left > 0; --left)
             text += characters[static_cast<std::size_t>(number(0, static_cast<int>(characters.size()) - 1))];
