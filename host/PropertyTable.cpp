@@ -74,11 +74,9 @@ Boolean parsed(std::string_view text)
 }
 
 template <>
-std::string parsed(std::string_view text) // each of these texts goes over the line
+std::string parsed(std::string_view text)
 {
-    if (const auto line = lineOfText(text))
-        return *line;
-    throw DoesNotFit{"characters of Latin-1 only"};
+    return std::string(text);
 }
 
 template <class Enum>
@@ -124,8 +122,21 @@ kelRecognitionType parsed(std::string_view text)
     return parsedMember<kelRecognitionType>(text, recognitionTypes());
 }
 
+// The texts of the printer go over the line.
+
 template <class T>
-Json jsonProperty(const T& value)
+T parsedOfPrinter(std::string_view text)
+{
+    if constexpr (!std::is_same_v<T, std::string>)
+        return parsed<T>(text);
+    else if (const auto line = lineOfText(text))
+        return *line;
+    else
+        throw DoesNotFit{"characters of Latin-1 only"};
+}
+
+template <class T>
+Json jsonOfPrinter(const T& value)
 {
     if constexpr (std::is_same_v<T, std::string>)
         return textOfLine(value);
@@ -135,16 +146,16 @@ Json jsonProperty(const T& value)
 
 #define KEL_READER_PROPERTY(Name)                                                                                      \
     {                                                                                                                  \
-#Name, [](const clsKELReader& reader) { return jsonProperty(reader.Name()); },                                    \
+#Name, [](const clsKELReader& reader) { return jsonValue(reader.Name()); },                                       \
             [](clsKELReader& reader, std::string_view text) {                                                          \
                 reader.Name(parsed<decltype(reader.Name())>(text));                                                    \
             }    \
     }
 #define KEL_PRINTER_PROPERTY(Name)                                                                                     \
     {                                                                                                                  \
-        "Printer." #Name, [](const clsKELReader& reader) { return jsonProperty(reader.Printer()->Name()); },           \
+        "Printer." #Name, [](const clsKELReader& reader) { return jsonOfPrinter(reader.Printer()->Name()); },          \
             [](clsKELReader& reader, std::string_view text) {                                                          \
-                reader.Printer()->Name(parsed<decltype(reader.Printer()->Name())>(text));                              \
+                reader.Printer()->Name(parsedOfPrinter<decltype(reader.Printer()->Name())>(text));                     \
             }                                                                                                          \
     }
 

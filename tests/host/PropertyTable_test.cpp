@@ -58,6 +58,27 @@ INSTANTIATE_TEST_SUITE_P(
                     Case{"Printer.Buffer1=a=b", "\"a=b\""}, Case{"Printer.Buffer2=", "\"\""},
                     Case{"Printer.Buffer3=x", "\"x\""}, Case{"printer.distance=12", "12"}));
 
+TEST(PropertyTable, PrintLinesHoldAByteACharacterAndOtherTextsAreTheSettings)
+{
+    SimulatedPlatform machine;
+    const PlatformScope scope(machine);
+    clsKELReader reader;
+    const auto json = [&](const char* name) { return jsonText(host::propertyNamed(name).get(reader)); };
+    host::applyAssignment(reader, "Printer.Buffer1=ä");
+    EXPECT_EQ(reader.Printer()->Buffer1(), "\xE4");
+    EXPECT_EQ(json("Printer.Buffer1"), "\"ä\"");
+    EXPECT_EQ(refusal("Printer.Buffer1=€"),
+              "'€' does not fit Printer.Buffer1, which takes characters of Latin-1 only.");
+
+    const std::string wrong = "ä€";
+    host::applyAssignment(reader, "Parity=" + wrong);
+    EXPECT_EQ(reader.Parity(), wrong);
+    EXPECT_EQ(json("Parity"), "\"ä€\"");
+    EXPECT_TRUE(reader.SaveSettings(kelReaderRegistryKeyCurrentUser, "Key"));
+    EXPECT_TRUE(reader.LoadSettings(kelReaderRegistryKeyCurrentUser, "Key"));
+    EXPECT_EQ(json("Parity"), "\"ä€\"");
+}
+
 TEST(PropertyTable, EveryRowIsFoundByItsName)
 {
     for (const host::PropertyRow& row : host::readerProperties())

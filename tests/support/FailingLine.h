@@ -14,7 +14,7 @@ namespace kel::test {
 
 /// A carrier as a host may bring its own: an open line that answers what the test lays out, and whose device goes away
 /// when it is told to. The timer is the platform's.
-class FailingLine final : public Carrier, public SerialControl {
+class FailingLine : public Carrier, public SerialControl {
 public:
     FailingLine() : timer_(platform().newScanTimer()) {}
 
