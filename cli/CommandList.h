@@ -6,6 +6,7 @@
     command(addModelsCommand)    \
     command(addModelCommand)     \
     command(addPortsCommand)     \
+    command(addCheckCommand)     \
     command(addScanCommand)      \
     command(addSheetsCommand)    \
     command(addFormCommand)      \

@@ -1,10 +1,12 @@
 #include "cli/JsonLines.h"
 #include "cli/UsageError.h"
+#include "cli/check/ReportText.h"
 #include "fuzz/Input.h"
 #include "host/Batch.h"
 #include "host/TraceHead.h"
 #include "recording/ReplayCarrier.h"
 #include "recording/ReplayPlatform.h"
+#include "recording/ReportSections.h"
 #include "simulators/platform/SimulatedPlatform.h"
 
 #include <nlohmann/json.hpp>
@@ -69,11 +71,13 @@ extern "C" int LLVMFuzzerTestOneInput(const Byte* data, std::size_t size)
 {
     const std::string text(Input(data, size).text());
     try {
-        const Transcript transcript = parseTranscript(text);
+        if (isReport(text))
+            static_cast<void>(parseReport(text, "report"));
+        const Transcript transcript = parseTranscript(sessionOfReport(text));
         const Transcript again = parseTranscript(writeTranscript(transcript));
         demand(again.lines == transcript.lines && again.head == transcript.head,
                "a transcript is written as it is read");
-        const host::Request request = host::requestOfTranscript(transcript, text, "transcript");
+        const host::Request request = host::requestOfTranscript(transcript, sessionOfReport(text), "transcript");
         if (isModest(request))
             replay(transcript, request);
     } catch (const TranscriptError& error) {

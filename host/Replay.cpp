@@ -4,6 +4,8 @@
 #include "host/TraceHead.h"
 #include "host/UsageError.h"
 #include "recording/ReplayPlatform.h"
+#include "recording/ReportSections.h"
+#include "recording/WatchfulPlatform.h"
 
 namespace kel::host {
 
@@ -22,16 +24,18 @@ Transcript parseOrRefuse(const std::string& text, const std::string& fileName)
 
 struct Replay::State {
     State(const Transcript& transcript, const std::string& text, const std::string& fileName)
-        : request(requestOfTranscript(transcript, text, fileName)), carrier(std::make_shared<ReplayCarrier>(transcript))
+        : request(requestOfTranscript(transcript, text, fileName)),
+          carrier(std::make_shared<ReplayCarrier>(transcript)), ofReport(isReport(text))
     {
     }
 
     Request request;
     std::shared_ptr<ReplayCarrier> carrier;
+    bool ofReport; ///< its host has looked at the line within its pauses
 };
 
 Replay::Replay(const std::string& text, const std::string& fileName)
-    : state_(std::make_unique<State>(parseOrRefuse(text, fileName), text, fileName))
+    : state_(std::make_unique<State>(parseOrRefuse(sessionOfReport(text), fileName), text, fileName))
 {
 }
 
@@ -45,7 +49,8 @@ Request& Replay::request() noexcept
 Result Replay::read(Events& events, const std::function<bool()>& stopWanted)
 {
     ReplayPlatform machine(platform(), *state_->carrier);
-    const PlatformScope scope(machine);
+    WatchfulPlatform watchful(machine, lookingAt(Reference<Carrier>(state_->carrier)));
+    const PlatformScope scope(state_->ofReport ? static_cast<Platform&>(watchful) : machine);
     clsKELReader reader;
     reader.fComm(Reference<Carrier>(state_->carrier));
     prepareReader(reader, state_->request);

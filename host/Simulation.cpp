@@ -99,7 +99,7 @@ SimulatorOptions optionsOf(const Simulation& simulation, const Form& form)
     if (!simulation.sheets.empty())
         options.sheets = SheetFeeder::fromFile(simulation.sheets);
     else
-        options.seeded = SeededSheets{simulation.seed, simulation.count};
+        options.seeded = SeededSheets{simulation.seed, simulation.count, simulation.copies};
     return options;
 }
 

@@ -17,6 +17,7 @@ struct Simulation {
     std::filesystem::path sheets{};      ///< the sheets in the feeder, as JSON; random ones if it is empty
     std::uint64_t seed = 1;              ///< of random sheets
     std::uint64_t count = 10;            ///< how many random sheets
+    bool copies = false;                 ///< whether all of them are copies of the first
     std::vector<std::string> faults{};   ///< what goes wrong: "jam@sheet=3", "late=2500@sheet=1", "unplug@byte=64"
     bool unlimited = false;              ///< the bytes come at once, not at the speed of the line
     std::vector<std::string> settings{}; ///< model-specific options: "NAME=VALUE"

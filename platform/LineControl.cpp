@@ -95,6 +95,11 @@ LineErrors LineControl::lineErrors()
     return open_ ? errorsBefore_ + open_->input().errors() : errorsBefore_;
 }
 
+std::optional<ModemLines> LineControl::modemLines()
+{
+    return open_ ? open_->modemLines() : std::nullopt;
+}
+
 void LineControl::Output(std::string_view bytes)
 {
     line().send(bytes);

@@ -2,6 +2,7 @@
 
 #include "platform/LineDevice.h"
 #include "platform/LineErrors.h"
+#include "platform/ModemLines.h"
 #include "platform/SerialControl.h"
 
 #include <memory>
@@ -22,10 +23,13 @@ public:
 
     /// Sends all bytes; fails as `SerialControl::Output` does.
     virtual void send(std::string_view bytes) = 0;
+
+    /// The wires of the far end, where there are any.
+    [[nodiscard]] virtual std::optional<ModemLines> modemLines() { return std::nullopt; }
 };
 
 /// A serial control on the lines of some system: the properties, and the line while it is open.
-class LineControl : public SerialControl, public CountsLineErrors {
+class LineControl : public SerialControl, public CountsLineErrors, public TellsModemLines {
 public:
     [[nodiscard]] Int16 CommPort() const override { return port_; }
     void CommPort(Int16 value) override;
@@ -46,6 +50,7 @@ public:
     void Output(std::string_view bytes) override;
 
     [[nodiscard]] LineErrors lineErrors() override;
+    [[nodiscard]] std::optional<ModemLines> modemLines() override;
 
 protected:
     /// Closed, set to 9600,N,8,1 without handshaking. Fewer data bits than the least are refused with 380.

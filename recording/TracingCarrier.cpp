@@ -95,6 +95,12 @@ LineErrors TracingCarrier::Control::lineErrors()
     return counting ? counting->lineErrors() : LineErrors();
 }
 
+std::optional<ModemLines> TracingCarrier::Control::modemLines()
+{
+    auto* const telling = dynamic_cast<TellsModemLines*>(&inner());
+    return telling ? telling->modemLines() : std::nullopt;
+}
+
 /// Behind a reply, or what should have been one.
 void TracingCarrier::Control::noteLineErrors()
 {

@@ -2,6 +2,7 @@
 
 #include "platform/Carrier.h"
 #include "platform/LineErrors.h"
+#include "platform/ModemLines.h"
 #include "recording/TraceLog.h"
 #include "types/Reference.h"
 #include "types/RuntimeFailure.h"
@@ -21,7 +22,7 @@ public:
     [[nodiscard]] ScanTimer& tmrScan() override { return traced_->tmrScan(); }
 
 private:
-    class Control final : public SerialControl, public CountsLineErrors {
+    class Control final : public SerialControl, public CountsLineErrors, public TellsModemLines {
     public:
         Control(TracingCarrier& carrier, TraceLog::Write write) : carrier_(carrier), log_(std::move(write)) {}
 
@@ -42,6 +43,7 @@ private:
         void Output(std::string_view bytes) override;
 
         [[nodiscard]] LineErrors lineErrors() override;
+        [[nodiscard]] std::optional<ModemLines> modemLines() override;
 
     private:
         [[nodiscard]] SerialControl& inner() const { return carrier_.traced_->mscComm(); }

@@ -183,11 +183,21 @@ def message_text(message, texts, failures):
     return f"{quoted}\n\n- **When:** {message.when}\n- **Cause:** {message.cause}\n- **What to do:** {message.do}"
 
 
-def page_text(advice, tables, texts, failures):
+def first_of_all(models):
+    """What every page of a family begins with."""
+    where = "" if all(map(is_usb, models)) else " --port 1"
+    return (
+        f"**First, run `kelreader check --model {models[0]['ReaderType']}{where}`.** It says whether the reader can be "
+        "used and, if not, what is wrong. [More](common.md#first-of-all)"
+    )
+
+
+def page_text(advice, tables, texts, failures, lead=""):
     parts = [
         f"<!-- Made by scripts/generate_reader_pages.py from the catalogue, the texts and {Path(advice.path).name} in\n"
         "     docs/readers/advice. Change these, and run the script. -->",
         f"# {advice.title}",
+        lead,
         advice.about,
         *tables,
     ]
@@ -282,15 +292,16 @@ def make_pages(root, models, problems):
 
     pages = {"README.md": page_text(advised.pop("index"), (page_table(advised, models_of),), texts, failures)}
     for name, advice in advised.items():
-        tables = family_tables(models_of[name], lines) if name in models_of else ()
-        pages[f"{name}.md"] = page_text(advice, tables, texts, failures)
+        models = models_of.get(name, ())
+        tables = family_tables(models, lines) if models else ()
+        pages[f"{name}.md"] = page_text(advice, tables, texts, failures, first_of_all(models) if models else "")
     problems += broken_links(pages)
     return pages
 
 
 def broken_links(pages):
     """Links from a page to a place that no page has."""
-    places = {}
+    places = {"faults.md": {""}}  # the tests make that page
     for name, page in pages.items():
         headings = re.findall(r"^#+ (.*)$", page, re.MULTILINE)
         slugs = {re.sub(r"[^\w -]", "", heading.lower()).replace(" ", "-") for heading in headings}

@@ -190,7 +190,7 @@ std::unique_ptr<Simulator> makeSimulator(kelReaderType model, SimulatorOptions o
     if (options.seeded) {
         const SheetShape shape = sheetShape(model, options.form);
         for (std::uint64_t place = 0; place < options.seeded->count; ++place)
-            options.sheets.put(randomSheet(shape, options.seeded->seed, place));
+            options.sheets.put(randomSheet(shape, options.seeded->seed, options.seeded->copies ? 0 : place));
     }
     std::unique_ptr<Simulator> reader = family->make(std::move(options));
     if (const std::vector<std::string> unknown = reader->unknownSettings(); !unknown.empty())

@@ -2,6 +2,7 @@
 
 #include "platform/LineDevice.h"
 #include "platform/LineErrors.h"
+#include "platform/ModemLines.h"
 
 #include <optional>
 #include <string>
@@ -21,6 +22,9 @@ public:
 
     /// What the system has counted on the device up to now; nothing where it does not count.
     [[nodiscard]] virtual std::optional<LineErrors> countedErrors() const noexcept { return std::nullopt; }
+
+    /// The wires of the far end; nothing for a line that has none.
+    [[nodiscard]] virtual std::optional<ModemLines> modemLines() const noexcept { return std::nullopt; }
 
     /// Drops the input that has arrived.
     virtual void dropInput() noexcept = 0;

@@ -172,6 +172,16 @@ std::optional<LineErrors> LocalLine::countedErrors() const noexcept
                       .overrun = number(counts.overrun) + number(counts.buf_overrun)};
 }
 
+std::optional<ModemLines> LocalLine::modemLines() const noexcept
+{
+    int bits = 0;
+    if (::ioctl(handle_, TIOCMGET, &bits) != 0)
+        return std::nullopt;
+    return ModemLines{.clearToSend = (bits & TIOCM_CTS) != 0,
+                      .dataSetReady = (bits & TIOCM_DSR) != 0,
+                      .carrierDetect = (bits & TIOCM_CAR) != 0};
+}
+
 void LocalLine::setThroughLibrary(const LineParameters& line)
 {
     sp_port_config* made = nullptr;

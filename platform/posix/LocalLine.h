@@ -37,6 +37,7 @@ public:
 
     [[nodiscard]] bool marksParity() const noexcept override { return marksParity_; }
     [[nodiscard]] std::optional<LineErrors> countedErrors() const noexcept override;
+    [[nodiscard]] std::optional<ModemLines> modemLines() const noexcept override;
 
     /// Drops the input that has arrived.
     void dropInput() noexcept override;

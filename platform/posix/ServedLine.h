@@ -37,6 +37,7 @@ public:
 
     [[nodiscard]] LineInput& input() override { return input_; }
     void send(std::string_view bytes) override { writeAll(input_, bytes); }
+    [[nodiscard]] std::optional<ModemLines> modemLines() override { return device_->modemLines(); }
 
 private:
     std::unique_ptr<LineEnd> device_;

@@ -62,6 +62,14 @@ void Cable::opened(const LineParameters& host)
     atReader_.clear();
     atHost_.clear();
     lastAt_ = Moment::min();
+    errors_ = {};
+}
+
+ModemLines Cable::modemLines() const
+{
+    if (isOff())
+        return {};
+    return {.clearToSend = !unwired_, .dataSetReady = true, .carrierDetect = !unwired_};
 }
 
 bool Cable::swallows(Byte byte) const
@@ -101,15 +109,20 @@ void Cable::settle(Moment now)
 {
     while (const std::optional<Uart::Received> found = toReader_.receive(now))
         atReader_.push_back({found->at, found->byte});
-    while (const std::optional<Uart::Received> found = toHost_.receive(now))
+    while (const std::optional<Uart::Received> found = toHost_.receive(now)) {
+        errors_.parity += found->parityError ? 1 : 0;
+        errors_.framing += found->framingError ? 1 : 0;
         deliver(found->at, found->parityError ? kWrongParity : found->byte);
+    }
 }
 
 /// A byte has come through the wire to the host's port.
 void Cable::deliver(Moment at, Byte byte)
 {
-    if (overruns(at))
+    if (overruns(at)) {
+        ++errors_.overrun;
         return;
+    }
     if (adapterTime_)
         at = (at / *adapterTime_ + 1) * *adapterTime_;
     atHost_.push_back({atHost_.empty() ? at : std::max(at, atHost_.back().at), byte});

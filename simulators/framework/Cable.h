@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/LineErrors.h"
+#include "platform/ModemLines.h"
 #include "simulators/framework/SiteFault.h"
 #include "simulators/framework/Uart.h"
 
@@ -34,6 +36,12 @@ public:
     /// The next byte that has arrived at the other.
     [[nodiscard]] std::optional<Byte> forReader(Moment now);
     [[nodiscard]] std::optional<Byte> forHost(Moment now);
+
+    /// What the host's port has counted since it was opened.
+    [[nodiscard]] const LineErrors& errors() const noexcept { return errors_; }
+
+    /// A reader that is on raises them all; without the wires for handshaking DSR alone gets through.
+    [[nodiscard]] ModemLines modemLines() const;
 
     /// When something arrives at either end.
     [[nodiscard]] std::optional<Moment> nextEvent() const;
@@ -70,6 +78,7 @@ private:
     std::deque<Arrival> atHost_;
     Moment lastAt_ = Moment::min();
     Int32 stretch_ = 0;
+    LineErrors errors_;
 };
 
 } // namespace kel

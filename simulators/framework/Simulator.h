@@ -1,6 +1,8 @@
 #pragma once
 
 #include "platform/LineDevice.h"
+#include "platform/LineErrors.h"
+#include "platform/ModemLines.h"
 #include "simulators/framework/Cable.h"
 #include "simulators/framework/OutputFaults.h"
 #include "simulators/framework/SheetLog.h"
@@ -28,7 +30,7 @@ namespace kel {
 ///             }
 ///         }
 ///     };
-class Simulator : public LineDevice {
+class Simulator : public LineDevice, public CountsLineErrors, public TellsModemLines {
 public:
     explicit Simulator(SimulatorOptions options);
     Simulator(const Simulator&) = delete;
@@ -40,6 +42,10 @@ public:
     [[nodiscard]] std::optional<Moment> nextEvent() const final;
     [[nodiscard]] std::optional<Byte> takeByte(Moment now) final;
     [[nodiscard]] bool hungUp() const final { return hungUp_; }
+
+    /// What the host's port has counted since the line was opened, and what it sees on the wires of their own.
+    [[nodiscard]] LineErrors lineErrors() final { return cable_.errors(); }
+    [[nodiscard]] std::optional<ModemLines> modemLines() final { return cable_.modemLines(); }
 
     /// What the host did wrongly so far, in order; a test fails if anything stands here.
     [[nodiscard]] const std::vector<std::string>& errors() const noexcept { return errors_; }

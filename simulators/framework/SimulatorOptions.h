@@ -21,6 +21,7 @@ enum class Rate {
 struct SeededSheets {
     std::uint64_t seed = 1;
     std::uint64_t count = 1;
+    bool copies = false; ///< all of them are copies of the first
 };
 
 /// All that can be said about a simulated reader.

@@ -42,6 +42,7 @@ public:
     explicit SimulatedLine(SimulatedClock& clock) : clock_(clock) {}
 
     void attach(LineDevice& device);
+    [[nodiscard]] LineDevice* device() const noexcept { return device_; }
     void state(PortState state) { state_ = state; }
     void hostPace(HostPace pace) { pace_ = pace; }
 

@@ -47,6 +47,7 @@ void SimulatedSerialControl::Handshaking(Int32 value)
 void SimulatedSerialControl::PortOpen(Boolean value)
 {
     if (!value) {
+        errors_ = lineErrors();
         if (open_)
             open_->close();
         open_ = nullptr;
@@ -95,6 +96,19 @@ void SimulatedSerialControl::Output(std::string_view bytes)
     if (line.hungUp())
         failHungUp();
     line.output(bytes);
+}
+
+/// Those of a line that is closed are kept.
+LineErrors SimulatedSerialControl::lineErrors()
+{
+    auto* const counting = open_ ? dynamic_cast<CountsLineErrors*>(open_->device()) : nullptr;
+    return counting ? errors_ + counting->lineErrors() : errors_;
+}
+
+std::optional<ModemLines> SimulatedSerialControl::modemLines()
+{
+    auto* const telling = open_ ? dynamic_cast<TellsModemLines*>(open_->device()) : nullptr;
+    return telling ? telling->modemLines() : std::nullopt;
 }
 
 SimulatedLine& SimulatedSerialControl::openLine() const

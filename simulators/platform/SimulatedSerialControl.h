@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/LineErrors.h"
+#include "platform/ModemLines.h"
 #include "platform/SerialControl.h"
 #include "simulators/platform/SimulatedLine.h"
 
@@ -8,7 +10,7 @@
 namespace kel {
 
 /// A serial control on the lines of a simulated platform.
-class SimulatedSerialControl final : public SerialControl {
+class SimulatedSerialControl final : public SerialControl, public CountsLineErrors, public TellsModemLines {
 public:
     /// The lines of the ports from 1 on.
     SimulatedSerialControl(std::span<SimulatedLine> lines, SimulatedClock& clock) : lines_(lines), clock_(clock) {}
@@ -30,6 +32,10 @@ public:
     [[nodiscard]] std::string Input() override;
     void Output(std::string_view bytes) override;
 
+    /// Those that the device at the far end has, if it has any: a simulated reader does.
+    [[nodiscard]] LineErrors lineErrors() override;
+    [[nodiscard]] std::optional<ModemLines> modemLines() override;
+
 private:
     [[nodiscard]] SimulatedLine& openLine() const;
     void record(HostAction::Kind kind, const std::string& text);
@@ -40,6 +46,7 @@ private:
     Int16 port_ = 1;
     std::string settings_ = "9600,n,8,1";
     LineParameters parameters_;
+    LineErrors errors_;
     Int32 inputLen_ = 0;
 };
 

@@ -183,7 +183,8 @@ OmrSimulationState omrSimulationState(const SimulatorOptions& options)
     for (SheetFeeder sheets = options.sheets; !sheets.empty();)
         state.sheets.push_back(sheets.take());
     for (std::uint64_t place = 0; options.seeded && place < options.seeded->count; ++place)
-        state.sheets.push_back(randomSheet(omrSheetShape(options.form), options.seeded->seed, place));
+        state.sheets.push_back(
+            randomSheet(omrSheetShape(options.form), options.seeded->seed, options.seeded->copies ? 0 : place));
     for (const Fault& fault : options.faults)
         state.feedCodes.push_back(feedCodeOf(fault));
     for (const auto& [name, value] : options.settings) {

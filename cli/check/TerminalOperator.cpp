@@ -1,0 +1,83 @@
+#include "cli/check/TerminalOperator.h"
+
+#include "cli/Interrupt.h"
+#include "cli/UsageError.h"
+
+#include <cerrno>
+#include <iostream>
+#include <poll.h>
+#include <unistd.h>
+
+namespace kel {
+
+namespace {
+
+// How often a wait for the keyboard looks whether the check was stopped.
+constexpr int kLook = 100;
+
+} // namespace
+
+TerminalOperator::TerminalOperator() : shown_(::isatty(STDERR_FILENO) == 1) {}
+
+void TerminalOperator::tell(const std::string& what)
+{
+    if (!shown_)
+        return;
+    clear();
+    std::cerr << what << " ..." << std::flush;
+    onScreen_ = true;
+}
+
+void TerminalOperator::clear()
+{
+    if (onScreen_)
+        std::cerr << "\r\x1B[K" << std::flush;
+    onScreen_ = false;
+}
+
+/// A line from the keyboard. CheckStopped when the check is stopped meanwhile.
+std::string TerminalOperator::readLine()
+{
+    for (;;) {
+        if (InterruptNote::came())
+            throw CheckStopped();
+        if (const std::size_t end = typed_.find('\n'); end != std::string::npos) {
+            std::string line = typed_.substr(0, end);
+            typed_.erase(0, end + 1);
+            return line;
+        }
+        pollfd keyboard{STDIN_FILENO, POLLIN, 0};
+        if (::poll(&keyboard, 1, kLook) <= 0)
+            continue;
+        char text[256];
+        const ssize_t count = ::read(STDIN_FILENO, text, sizeof text);
+        if (count == 0 || (count < 0 && errno != EINTR))
+            throw host::UsageError("Nobody is there to answer; say --yes when the sheets lie in the feeder, and leave "
+                                   "--interactive out.");
+        if (count > 0)
+            typed_.append(text, static_cast<std::size_t>(count));
+    }
+}
+
+bool TerminalOperator::doThis(const std::string& what)
+{
+    clear();
+    std::cerr << what << " Then press Enter." << std::endl;
+    static_cast<void>(readLine());
+    return true;
+}
+
+bool TerminalOperator::confirms(const std::string& question)
+{
+    for (;;) {
+        clear();
+        std::cerr << question << " [y/n] " << std::flush;
+        const std::string answer = readLine();
+        if (answer.starts_with('y') || answer.starts_with('Y'))
+            return true;
+        if (answer.starts_with('n') || answer.starts_with('N'))
+            return false;
+    }
+}
+
+} // namespace kel

@@ -1,0 +1,135 @@
+#include "tests/cli/CommandRun.h"
+
+#include <csignal>
+#include <filesystem>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace kel::test {
+namespace {
+
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
+
+std::string verdictOf(const CommandOutcome& outcome)
+{
+    const std::vector<std::string> lines = outcome.lines();
+    return lines.empty() ? "" : lines.back();
+}
+
+class CheckOverAPseudoTerminal : public testing::TestWithParam<const char*> {};
+
+/// What the times say of the line depends on the machine here, and is never more than a warning.
+TEST_P(CheckOverAPseudoTerminal, AHealthyReaderCanBeUsedAndItsReportHoldsTheCheckAgain)
+{
+    const TextFile report("");
+    const CommandOutcome outcome = runCommand(
+        {"check", "--model", GetParam(), "--simulate", "--sheets", "2", "--report", report.path(), "--format", "json"});
+    EXPECT_EQ(outcome.status, 0) << outcome.output << outcome.errors;
+    EXPECT_THAT(verdictOf(outcome), HasSubstr(R"("usable":true)"));
+    EXPECT_THAT(report.text(), StartsWith("# report: kelreader check "));
+    EXPECT_THAT(report.text(), EndsWith("# end of report\n"));
+
+    const CommandOutcome again = runCommand({"check", "--replay", report.path(), "--format", "json"});
+    EXPECT_EQ(again.status, 0) << again.output << again.errors;
+    EXPECT_EQ(verdictOf(again), verdictOf(outcome));
+    EXPECT_EQ(again.errors, "");
+
+    const CommandOutcome session = runCommand({"replay", report.path()});
+    EXPECT_EQ(session.status, 0) << session.errors;
+    EXPECT_THAT(verdictOf(session), HasSubstr(R"("sheets":2)"));
+}
+
+INSTANTIATE_TEST_SUITE_P(Models, CheckOverAPseudoTerminal, testing::Values("1", "5", "7", "13", "23", "24", "35"),
+                         [](const auto& model) { return "Model" + std::string(model.param); });
+
+class CheckFaultsOverAPseudoTerminal : public testing::TestWithParam<std::tuple<const char*, const char*>> {};
+
+TEST_P(CheckFaultsOverAPseudoTerminal, AreNamed)
+{
+    const auto& [fault, cause] = GetParam();
+    const CommandOutcome outcome =
+        runCommand({"check", "--model", "13", "--simulate", "--sheets", "2", "--fault", fault, "--format", "json"});
+    EXPECT_EQ(outcome.status, 1) << outcome.output;
+    EXPECT_THAT(verdictOf(outcome), HasSubstr("\"cause\":\"" + std::string(cause) + "\""));
+}
+
+INSTANTIATE_TEST_SUITE_P(Faults, CheckFaultsOverAPseudoTerminal,
+                         testing::Values(std::tuple{"echo", "echo"}, std::tuple{"switched-off:0", "no-answer"},
+                                         std::tuple{"jam", "jam"}, std::tuple{"empty-feeder", "empty-feeder"}),
+                         [](const auto& fault) {
+                             std::string name = std::get<0>(fault.param);
+                             std::erase_if(name, [](char c) { return c == '-' || c == ':'; });
+                             return name;
+                         });
+
+TEST(CheckCommandOverAPseudoTerminal, StopsInOrderAndWritesTheReportAsFarAsItWent)
+{
+    const TextFile report("");
+    RunningCommand check({"check", "--model", "24", "--simulate", "--sheets", "3", "--report", report.path()});
+    EXPECT_EQ(check.readLine(), "line");
+    check.signal(SIGINT);
+    const CommandOutcome outcome = check.finish();
+    EXPECT_EQ(outcome.status, 130);
+    EXPECT_THAT(outcome.output, HasSubstr("it was stopped here"));
+    EXPECT_THAT(report.text(), EndsWith("# end of report\n"));
+}
+
+TEST(CheckCommandOverAPseudoTerminal, LeavesTheSheetsOutOfAMaskedReport)
+{
+    const TextFile report("");
+    const CommandOutcome outcome =
+        runCommand({"check", "--model", "24", "--simulate", "--sheets", "1", "--report", report.path(), "--mask"});
+    EXPECT_EQ(outcome.status, 0) << outcome.output;
+    EXPECT_THAT(report.text(), HasSubstr("# masked: true\n"));
+    const CommandOutcome session = runCommand({"replay", report.path(), "--format", "csv"});
+    EXPECT_THAT(session.output, Not(HasSubstr("=241")));
+}
+
+TEST(CheckCommand, RefusesWhatMakesNoSense)
+{
+    const auto refusal = [](const std::vector<std::string>& arguments) {
+        std::vector<std::string> all{"check"};
+        all.insert(all.end(), arguments.begin(), arguments.end());
+        const CommandOutcome outcome = runCommand(all);
+        EXPECT_EQ(outcome.status, 2) << outcome.errors;
+        EXPECT_EQ(std::ranges::count(outcome.errors, '\n'), 1) << outcome.errors;
+        EXPECT_EQ(outcome.output, "");
+        return outcome.errors;
+    };
+    EXPECT_THAT(refusal({}), HasSubstr("--model is required"));
+    EXPECT_THAT(refusal({"--model", "30", "--port", "1"}), HasSubstr("USB model, which has no line"));
+    EXPECT_THAT(refusal({"--model", "13", "--omrapi", "x.so"}), HasSubstr("--omrapi is for USB models"));
+    EXPECT_THAT(refusal({"--model", "13"}), HasSubstr("Where is the reader?"));
+    EXPECT_THAT(refusal({"--model", "13", "--port", "1", "--fault", "echo"}), HasSubstr("go with --simulate"));
+    EXPECT_THAT(refusal({"--model", "13", "--simulate", "--mask"}), HasSubstr("--report FILE"));
+    EXPECT_THAT(refusal({"--model", "13", "--simulate", "--fault", "nonsense"}), HasSubstr("nonsense"));
+    EXPECT_THAT(refusal({"--model", "13", "--simulate", "--set", "Nothing=1"}), HasSubstr("Nothing"));
+    EXPECT_THAT(refusal({"--replay", "/no/such/file"}), HasSubstr("/no/such/file"));
+    const TextFile trace("# model: 13\n> 41\n");
+    EXPECT_THAT(refusal({"--replay", trace.path()}), HasSubstr("is no report of 'kelreader check'"));
+    EXPECT_THAT(refusal({"--model", "13", "--simulate", "--sheets", "-1"}), HasSubstr("--sheets"));
+}
+
+TEST(CheckCommand, SaysWhyALineDoesNotOpen)
+{
+    const CommandOutcome outcome = runCommand({"check", "--model", "13", "--device", "/dev/no_such_line"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.output, HasSubstr("The line is not there."));
+    EXPECT_THAT(outcome.output, HasSubstr("skipped"));
+}
+
+TEST(CheckCommand, ChecksAUsbReader)
+{
+    const CommandOutcome outcome = runCommand({"check", "--model", "30", "--simulate", "--sheets", "2"});
+    EXPECT_EQ(outcome.status, 0) << outcome.output << outcome.errors;
+    EXPECT_THAT(outcome.output, HasSubstr("The reader can be used."));
+    const CommandOutcome missing = runCommand({"check", "--model", "30", "--omrapi", "/no/such/library.so"});
+    EXPECT_EQ(missing.status, 1);
+    EXPECT_THAT(missing.output, HasSubstr("The library of the readers' maker cannot be loaded."));
+}
+
+} // namespace
+} // namespace kel::test
