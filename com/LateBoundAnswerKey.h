@@ -2,7 +2,9 @@
 
 #include "com/ComPtr.h"
 #include "com/LateBound.h"
+#include "com/TypeName.h"
 #include "contract/AnswerKeyObject.h"
+#include "failure/TypeName.h"
 
 #include <oaidl.h>
 
@@ -27,11 +29,12 @@ private:
 
 /// A host's answer key by the names of its members: `FormIDs`, `NumberOfPages` and `Questions`; a question's `Name`,
 /// `Choices`, `ChoiceColumns` and `CorrectAnswers`. The choices may have a `Position` that finds an answer's text.
-class LateBoundAnswerKey final : public AnswerKeyObject {
+class LateBoundAnswerKey final : public AnswerKeyObject, public StandsForAnother {
 public:
     explicit LateBoundAnswerKey(ComPtr<IDispatch> object) : object_(std::move(object)) {}
 
     [[nodiscard]] IDispatch* object() const noexcept { return object_.get(); }
+    [[nodiscard]] std::string TypeName() const override { return typeName(*object_.get()); }
 
     [[nodiscard]] std::string FormIDs() const override;
     [[nodiscard]] Int32 NumberOfPages() const override;

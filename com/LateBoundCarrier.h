@@ -2,6 +2,8 @@
 
 #include "com/ComPtr.h"
 #include "com/LateBound.h"
+#include "com/TypeName.h"
+#include "failure/TypeName.h"
 #include "platform/Carrier.h"
 
 #include <optional>
@@ -47,11 +49,12 @@ private:
 
 /// A host's object in the place of a reader's carrier: any object that has the members `mscComm` and `tmrScan`. Both
 /// are fetched anew for every access.
-class LateBoundCarrier final : public Carrier {
+class LateBoundCarrier final : public Carrier, public StandsForAnother {
 public:
     explicit LateBoundCarrier(ComPtr<IDispatch> object) : object_(std::move(object)) {}
 
     [[nodiscard]] IDispatch* object() const noexcept { return object_.get(); }
+    [[nodiscard]] std::string TypeName() const override { return typeName(*object_.get()); }
     [[nodiscard]] SerialControl& mscComm() override;
     [[nodiscard]] ScanTimer& tmrScan() override;
 

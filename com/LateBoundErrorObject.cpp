@@ -63,6 +63,11 @@ LateBound LateBoundErrorObject::object() const
     return LateBound(object);
 }
 
+std::string LateBoundErrorObject::TypeName() const
+{
+    return typeName(*object().object().get());
+}
+
 Boolean LateBoundErrorObject::Silent()
 {
     return object().get(L"Silent").asBoolean();

@@ -6,18 +6,6 @@
 
 namespace kel {
 
-namespace {
-
-/// Where a procedure failed. A line of another file would lead whoever reads the report astray. None at all is that of
-/// a fault of the processor.
-unsigned lineWithin(SourceLocation procedure, const SourceLocation& failed)
-{
-    const bool isElsewhere = failed.line() != 0 && failed.file_name() != std::string_view(procedure.file_name());
-    return isElsewhere ? procedure.line() : failed.line();
-}
-
-} // namespace
-
 void reportRuntimeFailure(const char* source, const RuntimeFailure& failure, SourceLocation procedure)
 {
     ErrorReport report;
@@ -31,6 +19,12 @@ void reportRuntimeFailure(const char* source, const RuntimeFailure& failure, Sou
     report.ErrorCause = failure.port().cause;
     report.ErrorRemedy = failure.port().remedy;
     DisplayError(std::move(report));
+}
+
+unsigned lineWithin(SourceLocation procedure, const SourceLocation& failed)
+{
+    const bool isHere = failed.line() != 0 && failed.file_name() == std::string_view(procedure.file_name());
+    return isHere ? failed.line() : procedure.line();
 }
 
 namespace detail {

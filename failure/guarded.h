@@ -2,6 +2,7 @@
 
 #include "failure/ProcedureVariables.h"
 #include "platform/FaultCapture.h"
+#include "platform/WayBack.h"
 #include "types/RuntimeFailure.h"
 
 #include <exception>
@@ -11,33 +12,57 @@
 namespace kel {
 
 /// Reports a run-time failure under a procedure's source: number, text and line, type 0. The line is that of the
-/// failing statement, or, if that stands in the file of something that the procedure uses, that of the procedure.
+/// failing statement, or that of the procedure, if the statement is not known or stands in the file of something that
+/// the procedure uses.
 void reportRuntimeFailure(const char* source, const RuntimeFailure& failure, SourceLocation procedure);
+
+/// That line. One of another file would lead whoever reads the report astray.
+[[nodiscard]] unsigned lineWithin(SourceLocation procedure, const SourceLocation& failed);
 
 namespace detail {
 
 /// The common first trap of a procedure, called by its handler: reports what is being caught.
 [[gnu::cold, gnu::noinline]] void reportCaught(const char* source, SourceLocation procedure);
 
-/// What a procedure of a module does about the thread's faults: nothing, since an object's procedure has called it.
+/// What an object's procedure does about the thread's faults.
+struct CalledByHost : ComponentCode {
+    template <class Body>
+    decltype(auto) run(Body&& body) const
+    {
+        return withWayBack(std::forward<Body>(body), isFromHost());
+    }
+};
+/// What a procedure of a module does: an object's procedure has called it. Where no exception goes through the frames
+/// of another module, it needs a way back of its own for what fails in there.
 struct CalledCode {
     CalledCode() noexcept {}
+    template <class Body>
+    decltype(auto) run(Body&& body) const
+    {
+#if defined(_WIN32) && !defined(_WIN64)
+        return withWayBack(std::forward<Body>(body));
+#else
+        return std::forward<Body>(body)();
+#endif
+    }
 };
 template <StatedVariables Stated>
-using CodeOf = std::conditional_t<Stated::kIsOfAnObject, ComponentCode, CalledCode>;
+using CodeOf = std::conditional_t<Stated::kIsOfAnObject, CalledByHost, CalledCode>;
 
 /// How a cold function asks for a procedure's variables.
 using TellVariables = void (*)(const void* stated, ProcedureDump& dump);
 
 /// The second trap of a procedure, called by its handler: captures what is being caught, reports it with the
 /// variables, and raises it once more.
-[[noreturn, gnu::cold]] void captureAndRaise(const char* source, TellVariables tell, const void* stated);
+[[noreturn, gnu::cold]] void captureAndRaise(const char* source, SourceLocation procedure, TellVariables tell,
+                                             const void* stated);
 
 template <StatedVariables Stated>
-[[noreturn]] void captureAndRaise(const char* source, const Stated& stated)
+[[noreturn]] void captureAndRaise(const char* source, SourceLocation procedure, const Stated& stated)
 {
     captureAndRaise(
-        source, [](const void* what, ProcedureDump& dump) { static_cast<const Stated*>(what)->tell(dump); }, &stated);
+        source, procedure, [](const void* what, ProcedureDump& dump) { static_cast<const Stated*>(what)->tell(dump); },
+        &stated);
 }
 
 } // namespace detail
@@ -62,12 +87,12 @@ void guarded(const char* source, const Stated& stated, Body&& body,
     const detail::CodeOf<Stated> running;
     try {
         try {
-            std::forward<Body>(body)();
+            running.run(body);
         } catch (const std::exception&) {
             detail::reportCaught(source, procedure);
         }
     } catch (const std::exception&) {
-        detail::captureAndRaise(source, stated);
+        detail::captureAndRaise(source, procedure, stated);
     }
 }
 
@@ -82,7 +107,7 @@ void guarded(const char* source, const Stated& stated, Body&& body, OnFailure&& 
     const detail::CodeOf<Stated> running;
     try {
         try {
-            std::forward<Body>(body)();
+            running.run(body);
         } catch (const std::exception&) {
             faultCaught();
             const RuntimeFailure failure = caughtFailure();
@@ -90,7 +115,7 @@ void guarded(const char* source, const Stated& stated, Body&& body, OnFailure&& 
                 reportRuntimeFailure(source, failure, procedure);
         }
     } catch (const std::exception&) {
-        detail::captureAndRaise(source, stated);
+        detail::captureAndRaise(source, procedure, stated);
     }
 }
 
@@ -110,28 +135,29 @@ requires(!StatedVariables<Body> && std::is_invocable_r_v<bool, OnFailure, const 
 /// The second trap alone: for accessors, and for helpers that report nothing themselves. A failure goes on to the
 /// caller, who reports it, or to the host. `source` has the form "clsKELReader.HelpID". The result is the body's.
 template <StatedVariables Stated, class Body>
-decltype(auto) captured(const char* source, const Stated& stated, Body&& body)
+decltype(auto) captured(const char* source, const Stated& stated, Body&& body,
+                        SourceLocation procedure = SourceLocation::current())
 {
     const detail::CodeOf<Stated> running;
     try {
-        return std::forward<Body>(body)();
+        return running.run(body);
     } catch (const std::exception&) {
-        detail::captureAndRaise(source, stated);
+        detail::captureAndRaise(source, procedure, stated);
     }
 }
 template <class Body>
-decltype(auto) captured(const char* source, Body&& body)
+decltype(auto) captured(const char* source, Body&& body, SourceLocation procedure = SourceLocation::current())
 {
-    return captured(source, NothingStated(), std::forward<Body>(body));
+    return captured(source, NothingStated(), std::forward<Body>(body), procedure);
 }
 
 /// Runs a body that is allowed to fail without anybody being told. True if it came to its end.
 template <class Body>
 bool ignoringFailures(Body&& body)
 {
-    const ComponentCode running;
+    const detail::CalledByHost running;
     try {
-        std::forward<Body>(body)();
+        running.run(body);
         return true;
     } catch (const std::exception&) {
         faultCaught();

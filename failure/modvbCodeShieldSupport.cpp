@@ -1,6 +1,7 @@
 #include "failure/modvbCodeShieldSupport.h"
 
 #include "failure/ExceptionNames.h"
+#include "failure/TypeName.h"
 #include "failure/basError.h"
 #include "failure/guarded.h"
 #include "platform/NamedObjects.h"
@@ -137,10 +138,10 @@ void vbcsExceptionFilter(const FaultRecord& record)
                          "vbcsExceptionFilter", SourceLocation());
 }
 
-void captureFailure()
+void captureFailure(SourceLocation procedure)
 {
     const RuntimeFailure failure = caughtFailure();
-    capturedFailure() = {failure.number(), failure.text(), static_cast<Int32>(failure.where().line()),
+    capturedFailure() = {failure.number(), failure.text(), static_cast<Int32>(lineWithin(procedure, failure.where())),
                          failure.source()};
 }
 
@@ -148,7 +149,7 @@ std::string dumpOfGlobals()
 {
     VariableLines lines;
     ignoringFailures([&] {
-        const Variant oError = errorObject() ? ObjectValue{"ErrorObject"} : ObjectValue{};
+        const Variant oError = byTypeName(errorObject().get());
         const CapturedFailure failure = capturedFailure();
         const auto& [vbcsErrorNumber, vbcsErrorDescription, vbcsErrorLine, vbcsErrorSource] = failure;
         lines.add("oError, bOpCancelled, vbcsComponentID, vbcsHasInitialised", oError, bOpCancelled(),
@@ -197,10 +198,10 @@ Int32 vbcsSend(Int32 lCode, const std::string& sText, const Variant& vData, Int3
 
 namespace detail {
 
-void captureAndRaise(const char* source, TellVariables tell, const void* stated)
+void captureAndRaise(const char* source, SourceLocation procedure, TellVariables tell, const void* stated)
 {
     faultCaught();
-    captureFailure();
+    captureFailure(procedure);
     // The host's code may run meanwhile, and capture failures of its own.
     const CapturedFailure failure = capturedFailure();
     ProcedureDump variables;

@@ -42,7 +42,7 @@ void vbcsForgetInitialisation();
 [[noreturn]] void vbcsExceptionFilter(const FaultRecord& record);
 
 /// Copies what is being caught into the captured failure. For use in a handler.
-void captureFailure();
+void captureFailure(SourceLocation procedure);
 
 /// The lines of the process's variables.
 [[nodiscard]] std::string dumpOfGlobals();

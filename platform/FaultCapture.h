@@ -26,9 +26,8 @@ using FaultFilter = void (*)(const FaultRecord& record);
 /// An implementation tells the thread with `faultTaken` before it calls the filter, so that a fault of the unwinding
 /// itself does not come here again and again; the trap that catches the exception goes on from there.
 ///
-/// Limits: a stack overflow, a fault within a function that is `noexcept` (destructors are), and a fault that leaves
-/// the heap locked still end or hold up the process. Only code compiled with `-fnon-call-exceptions` can be left in
-/// this way at any statement.
+/// Only code compiled with `-fnon-call-exceptions` can be left in this way at any statement. Where an exception cannot
+/// go, a fault takes the way back (`platform/WayBack.h`). A fault that leaves the heap locked holds up the process.
 class FaultCapture {
 public:
     virtual ~FaultCapture() = default;
@@ -54,6 +53,12 @@ enum class ThreadRuns : std::uint8_t {
 #if defined(_WIN32)
 [[nodiscard]] ThreadRuns readThreadRuns() noexcept;
 void writeThreadRuns(ThreadRuns runs) noexcept;
+
+/// Hosts have the processor find faults in numbers that the component computes without: Delphi and Borland's C++ do.
+/// These stand between the host's code and the component's, and keep for each what it had.
+void leaveHost() noexcept;
+void returnToHost() noexcept;
+void maskNumericFaults() noexcept;
 #else
 // A signal handler reads it and every procedure of an object writes it: no function may stand between.
 [[gnu::tls_model("initial-exec")]] KEL_INTERNAL extern constinit thread_local ThreadRuns whatThreadRuns;
@@ -66,6 +71,8 @@ void writeThreadRuns(ThreadRuns runs) noexcept;
 {
     whatThreadRuns = runs;
 }
+[[gnu::always_inline]] inline void leaveHost() noexcept {}
+[[gnu::always_inline]] inline void returnToHost() noexcept {}
 #endif
 
 /// It is read in the midst of any statement: nothing may be moved across a write of it.
@@ -103,6 +110,8 @@ class ComponentCode {
 public:
     ComponentCode() noexcept : before_(detail::readThreadRuns())
     {
+        if (isFromHost())
+            detail::leaveHost();
         if (before_ != detail::ThreadRuns::Component)
             detail::setThreadRuns(detail::ThreadRuns::Component);
     }
@@ -110,9 +119,14 @@ public:
     {
         if (before_ != detail::ThreadRuns::Component)
             detail::setThreadRuns(before_);
+        if (isFromHost())
+            detail::returnToHost();
     }
     ComponentCode(const ComponentCode&) = delete;
     ComponentCode& operator=(const ComponentCode&) = delete;
+
+    /// Whether it was the host that called.
+    [[nodiscard]] bool isFromHost() const noexcept { return before_ == detail::ThreadRuns::Host; }
 
 private:
     detail::ThreadRuns before_;
@@ -122,12 +136,24 @@ private:
 /// the host's error object, its pump, its answer key and its carrier.
 class HostCode {
 public:
-    HostCode() noexcept : before_(detail::readThreadRuns()) { detail::setThreadRuns(detail::ThreadRuns::Host); }
-    ~HostCode() { detail::setThreadRuns(before_); }
+    HostCode() noexcept : before_(detail::readThreadRuns())
+    {
+        detail::setThreadRuns(detail::ThreadRuns::Host);
+        if (isFromComponent())
+            detail::returnToHost();
+    }
+    ~HostCode()
+    {
+        if (isFromComponent())
+            detail::leaveHost();
+        detail::setThreadRuns(before_);
+    }
     HostCode(const HostCode&) = delete;
     HostCode& operator=(const HostCode&) = delete;
 
 private:
+    [[nodiscard]] bool isFromComponent() const noexcept { return before_ != detail::ThreadRuns::Host; }
+
     detail::ThreadRuns before_;
 };
 

@@ -1,5 +1,7 @@
 #include "platform/OmrApiBinding.h"
 
+#include "platform/WayBack.h"
+
 #include <string>
 
 // The library does not share our types' names, only their layout.
@@ -69,16 +71,31 @@ void* OmrApiBinding::find(OmrFunction function)
     return entry;
 }
 
+void* OmrApiBinding::find(OmrFunction function, std::size_t argumentCount)
+{
+    constexpr std::size_t kBytesOfArgument = 4; // also of one that is narrower
+    void*& entry = found_[static_cast<std::size_t>(function)];
+    if (!find(function))
+        entry = library_.findDecorated(omrFunctionName(function), argumentCount * kBytesOfArgument);
+    return entry;
+}
+
+template <class Entry, class... Arguments>
+KEL_CALLS_FOREIGN_CODE Int32 callForeign(Entry entry, Arguments... arguments)
+{
+    return entry(arguments...);
+}
+
 template <class... Arguments>
-KEL_CALLS_FOREIGN_CODE Int32 OmrApiBinding::call(OmrFunction function, Arguments... arguments)
+Int32 OmrApiBinding::call(OmrFunction function, Arguments... arguments)
 {
     using Entry = Int32(KEL_OMR_CALL*)(Arguments...);
-    void* const entry = find(function);
+    void* const entry = find(function, sizeof...(arguments));
     if (!entry)
         throw RuntimeFailure(FailureCode::LibraryFunctionNotFound, std::string("Can't find DLL entry point ") +
                                                                        omrFunctionName(function) + " in " +
                                                                        kOmrLibraryName);
-    return reinterpret_cast<Entry>(entry)(arguments...);
+    return withWayBack([&] { return callForeign(reinterpret_cast<Entry>(entry), arguments...); });
 }
 
 Int32 OmrApiBinding::OMR_OpenDeviceUSB()

@@ -65,6 +65,15 @@ public:
     /// The address of a function, null if the library has none of that name. Loads the library if that has not been
     /// done; 53 "File not found: OMRAPI.DLL" when there is none, 48 when the file is there and cannot be loaded.
     [[nodiscard]] virtual void* find(const char* name) = 0;
+
+    /// The same for a function under the name that a compiler of the library's makes of it, with the bytes of its
+    /// arguments: "_OMR_EjectSheet@4". Only a 32-bit Windows edition has any.
+    [[nodiscard]] virtual void* findDecorated(const char* name, std::size_t argumentBytes)
+    {
+        static_cast<void>(name);
+        static_cast<void>(argumentBytes);
+        return nullptr;
+    }
 };
 
 /// The library as it was loaded. A function is looked for at its first call and then kept.
@@ -105,6 +114,7 @@ private:
     Int32 call(OmrFunction function, Arguments... arguments);
 
     [[nodiscard]] void* find(OmrFunction function);
+    [[nodiscard]] void* find(OmrFunction function, std::size_t argumentCount);
 
     SymbolSource& library_;
     std::array<void*, kOmrFunctionCount> found_{};

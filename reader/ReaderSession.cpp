@@ -3,6 +3,7 @@
 #include "contract/AnswerKeyObject.h"
 #include "contract/DictionaryVariant.h"
 #include "dispatch/basRead.h"
+#include "failure/TypeName.h"
 #include "failure/guarded.h"
 #include "reader/HostAnswerKey.h"
 #include "reader/HostCarrier.h"
@@ -22,13 +23,6 @@ Int16 largestEntry(const PageArray& entries)
             iLargest = entries(lPage);
     }
     return iLargest;
-}
-
-/// An object that the component knows by what it asks of it: its type has no other name here.
-template <class T>
-Variant lateBound(const Reference<T>& object)
-{
-    return object ? ObjectValue{"Object"} : ObjectValue{};
 }
 
 } // namespace
@@ -217,8 +211,8 @@ std::string ReaderSession::dumpMembers() const
 {
     VariableLines lines;
     lines.add("Barcodes, Windows, Profiles, Printer", cBarcodes_, cWindows_, cProfiles_, cPrinter_);
-    lines.add("fComm, AnswerKey, fPComm", lateBound(fComm_), lateBound(oAnswerKey_),
-              Variant(fPComm_ ? ObjectValue{"frmComm"} : ObjectValue{}));
+    lines.add("fComm, AnswerKey, fPComm", byTypeName(fComm_.shared().get()), byTypeName(oAnswerKey_.shared().get()),
+              byTypeName(fPComm_.shared().get()));
     lines.add("uReader, lHelpIDArr, bSheetEjected", Variant(RecordValue{"kelReaderStruct"}), lHelpIDArr_,
               bSheetEjected_);
     lines.add("iLargestSide1Rows, iLargestSide1Cols, iLargestSide2Rows, iLargestSide2Cols", iLargestSide1Rows_,

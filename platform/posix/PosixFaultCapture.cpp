@@ -1,5 +1,6 @@
 #include "platform/posix/PosixFaultCapture.h"
 
+#include "platform/WayBack.h"
 #include "platform/posix/FaultContext.h"
 
 #include <array>
@@ -82,10 +83,12 @@ extern "C" void kelOnFault(int signalNumber, siginfo_t* info, void* context)
 {
     const FaultFilter filter = filterInUse;
     if (componentRuns() && filter && isOfTheProcessor(*info)) {
+        const std::uint32_t code = faultCode(signalNumber, info->si_code);
+        detail::expectFault({code, filter});
         faultTaken();
         if (signalNumber == SIGSEGV || signalNumber == SIGBUS)
             moveToCaller(context, info->si_addr);
-        filter({faultCode(signalNumber, info->si_code)});
+        filter({code});
     }
     passOn(signalNumber, info, context);
 }
@@ -119,6 +122,7 @@ void PosixFaultCapture::install(FaultFilter filter)
         ::sigemptyset(&action.sa_mask);
         ::sigaction(signalNumber, &action, nullptr);
     }
+    detail::goBackInsteadOfTerminating();
 }
 
 std::uint32_t faultCode(int signalNumber, int signalCode)

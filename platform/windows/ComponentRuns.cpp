@@ -1,56 +1,74 @@
 #include "platform/FaultCapture.h"
 
-#include <windows.h>
+#include "platform/windows/ThreadSlot.h"
+
+#include <xmmintrin.h>
 
 namespace kel::detail {
 
 namespace {
 
-/// What each thread runs, in a slot of the system: a handler of faults may read it on any thread at any time, which
-/// the compiler's own thread variables, made at their first use, would not allow.
-class Slot {
-public:
-    Slot() : number_(::TlsAlloc()) {}
-    ~Slot() { ::TlsFree(number_); }
-    Slot(const Slot&) = delete;
-    Slot& operator=(const Slot&) = delete;
-
-    [[nodiscard]] DWORD number() const noexcept { return number_; }
-
-private:
-    DWORD number_;
-};
-
-DWORD slot() noexcept
+const ThreadSlot& runsSlot() noexcept
 {
-    static const Slot one;
-    return one.number();
+    static const ThreadSlot one;
+    return one;
 }
 
-/// Looking into the slot is no call whose failure anybody asks for.
-class SameLastError {
-public:
-    SameLastError() : error_(::GetLastError()) {}
-    ~SameLastError() { ::SetLastError(error_); }
-    SameLastError(const SameLastError&) = delete;
-    SameLastError& operator=(const SameLastError&) = delete;
+// How the host computes, while its own code does not run: MXCSR above the control word of the x87.
+const ThreadSlot& hostsNumbersSlot() noexcept
+{
+    static const ThreadSlot one;
+    return one;
+}
 
-private:
-    DWORD error_;
-};
+constexpr unsigned kMxCsrStatus = 0x3F;
+constexpr std::uint32_t kOwnNumbers = (std::uint32_t{0x1F80} << 16) | 0x037F; // nothing is a fault
+
+std::uint32_t readNumbers() noexcept
+{
+    std::uint16_t controlWord = 0;
+    asm volatile("fnstcw %0" : "=m"(controlWord));
+    return ((_mm_getcsr() & ~kMxCsrStatus) << 16) | controlWord;
+}
+
+void writeNumbers(std::uint32_t numbers) noexcept
+{
+    const auto controlWord = static_cast<std::uint16_t>(numbers);
+    // A fault that is pending would come up at once.
+    asm volatile("fnclex\n\tfldcw %0" : : "m"(controlWord));
+    _mm_setcsr(numbers >> 16);
+}
 
 } // namespace
 
 void writeThreadRuns(ThreadRuns runs) noexcept
 {
-    const SameLastError same;
-    ::TlsSetValue(slot(), reinterpret_cast<void*>(static_cast<std::uintptr_t>(runs)));
+    runsSlot().write(static_cast<std::uintptr_t>(runs));
 }
 
 ThreadRuns readThreadRuns() noexcept
 {
-    const SameLastError same;
-    return static_cast<ThreadRuns>(reinterpret_cast<std::uintptr_t>(::TlsGetValue(slot())));
+    return static_cast<ThreadRuns>(runsSlot().read());
+}
+
+void leaveHost() noexcept
+{
+    const std::uint32_t hosts = readNumbers();
+    hostsNumbersSlot().write(hosts);
+    if (hosts != kOwnNumbers)
+        writeNumbers(kOwnNumbers);
+}
+
+void returnToHost() noexcept
+{
+    const auto hosts = static_cast<std::uint32_t>(hostsNumbersSlot().read());
+    if (hosts != kOwnNumbers)
+        writeNumbers(hosts);
+}
+
+void maskNumericFaults() noexcept
+{
+    writeNumbers(kOwnNumbers);
 }
 
 } // namespace kel::detail

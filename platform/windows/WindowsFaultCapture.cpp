@@ -1,34 +1,12 @@
 #include "platform/windows/WindowsFaultCapture.h"
 
 #include "platform/windows/ComponentInstance.h"
+#include "platform/windows/FaultContext.h"
+#include "platform/windows/WindowsWayBack.h"
 
 #include <atomic>
 #include <cstdlib>
-#include <cstring>
-
-// On entry the stack holds what the processor leaves there at an interrupt:
-//
-//     RSP + 0  RIP   just behind the beginning of the failing statement
-//         + 8  CS
-//         +16  EFLAGS
-//         +24  RSP   at the failing statement
-//         +32  SS
-asm(R"(
-    .text
-    .globl  kelFaultStub
-    .def    kelFaultStub; .scl 2; .type 32; .endef
-    .seh_proc kelFaultStub
-kelFaultStub:
-    .seh_pushframe
-    subq    $40, %rsp
-    .seh_stackalloc 40
-    .seh_endprologue
-    call    kelThrowFault
-    nop
-    .seh_endproc
-)");
-
-extern "C" void kelFaultStub();
+#include <malloc.h>
 
 namespace kel {
 
@@ -58,92 +36,154 @@ struct Image {
 
 Image ownImage;
 
-/// What the processor finds wrong. Exceptions that programs raise, and a stack that is full, are not among them.
-bool isFault(DWORD code)
+/// The flags of an exception's record while the frames are taken down for another handler: EXCEPTION_UNWINDING,
+/// EXCEPTION_EXIT_UNWIND, EXCEPTION_TARGET_UNWIND and EXCEPTION_COLLIDED_UNWIND.
+constexpr DWORD kUnwindFlags = 0x66;
+
+/// Whether a code is one by which this compiler's run time carries its exceptions through the system's handlers: "GCC"
+/// under a byte that says what is going on. These find their own way.
+bool isOfThisCompiler(DWORD code)
 {
-    switch (code) {
-    case EXCEPTION_ACCESS_VIOLATION:
-    case EXCEPTION_IN_PAGE_ERROR:
-    case EXCEPTION_DATATYPE_MISALIGNMENT:
-    case EXCEPTION_ARRAY_BOUNDS_EXCEEDED:
-    case EXCEPTION_ILLEGAL_INSTRUCTION:
-    case EXCEPTION_PRIV_INSTRUCTION:
-    case EXCEPTION_INT_DIVIDE_BY_ZERO:
-    case EXCEPTION_INT_OVERFLOW:
-    case EXCEPTION_FLT_DENORMAL_OPERAND:
-    case EXCEPTION_FLT_DIVIDE_BY_ZERO:
-    case EXCEPTION_FLT_INEXACT_RESULT:
-    case EXCEPTION_FLT_INVALID_OPERATION:
-    case EXCEPTION_FLT_OVERFLOW:
-    case EXCEPTION_FLT_STACK_CHECK:
-    case EXCEPTION_FLT_UNDERFLOW:
-    case EXCEPTION_BREAKPOINT:
-    case EXCEPTION_SINGLE_STEP: return true;
-    default: return false;
-    }
+    return (code & 0x20FFFFFF) == 0x20474343;
 }
 
-/// A call to an address that is no code.
-bool isLostCall(const EXCEPTION_POINTERS& fault)
+/// Whether a fault is to become an exception of the component's.
+bool isOurs()
 {
-    const EXCEPTION_RECORD& record = *fault.ExceptionRecord;
-    return record.ExceptionCode == static_cast<DWORD>(EXCEPTION_ACCESS_VIOLATION) && record.NumberParameters >= 2 &&
-           record.ExceptionInformation[1] == fault.ContextRecord->Rip;
+    return filterInUse.load() && componentRuns();
 }
 
-/// Sends the thread on at the stub; the stub's arguments are the codes.
-void redirect(const EXCEPTION_POINTERS& fault)
+void take(std::uint32_t code)
 {
-    CONTEXT& context = *fault.ContextRecord;
-    // An exception is looked for at the statement before the return address.
-    DWORD64 rip = context.Rip + 1;
-    DWORD64 rsp = context.Rsp;
-    if (isLostCall(fault)) {
-        std::memcpy(&rip, reinterpret_cast<const void*>(rsp), sizeof rip);
-        rsp += sizeof rip;
-    }
-    const DWORD64 frame[] = {rip, context.SegCs, context.EFlags, rsp, context.SegSs};
-    // The stub calls with a stack that is aligned.
-    constexpr DWORD64 kGap = 256;
-    context.Rsp = ((rsp - kGap) & ~DWORD64{15}) - sizeof frame;
-    std::memcpy(reinterpret_cast<void*>(context.Rsp), frame, sizeof frame);
-    const EXCEPTION_RECORD* nested = fault.ExceptionRecord->ExceptionRecord;
-    context.Rip = reinterpret_cast<DWORD64>(&kelFaultStub);
-    context.Rcx = fault.ExceptionRecord->ExceptionCode;
-    context.Rdx = nested ? nested->ExceptionCode : 0;
-    context.EFlags &= ~DWORD{0x500}; // no single step, and strings go forward
+    detail::expectFault({code, filterInUse});
     faultTaken();
 }
 
+/// What an exception and its report need of the stack, and the least to try it with.
+constexpr std::uintptr_t kRoomForReport = std::uintptr_t{128} * 1024;
+constexpr std::uintptr_t kLeastRoom = std::uintptr_t{16} * 1024;
+
+std::uintptr_t stackOf(const CONTEXT& context)
+{
+#if defined(_WIN64)
+    return context.Rsp;
+#else
+    return context.Esp;
+#endif
+}
+
+/// Whether an exception means that the stack is full. Somebody may as well have raised it who only says so.
+bool isFullStack(const EXCEPTION_POINTERS& fault)
+{
+    if (fault.ExceptionRecord->ExceptionCode != static_cast<DWORD>(EXCEPTION_STACK_OVERFLOW))
+        return false;
+    const std::uintptr_t stack = stackOf(*fault.ContextRecord);
+    MEMORY_BASIC_INFORMATION memory{};
+    ::VirtualQuery(reinterpret_cast<const void*>(stack), &memory, sizeof memory);
+    return stack - reinterpret_cast<std::uintptr_t>(memory.AllocationBase) < kRoomForReport;
+}
+
+/// A full stack is given back as far as to a way back that leaves room for the report, and yet not beyond the host's
+/// code. Null if there is none.
+detail::WayBack* wayOutOfFullStack(const CONTEXT& context)
+{
+    for (detail::WayBack* place = detail::innermostWayBack(); place; place = place->outer) {
+        const std::uintptr_t room = reinterpret_cast<std::uintptr_t>(place) - stackOf(context);
+        if (room >= kRoomForReport || (place->fromHost && room >= kLeastRoom))
+            return place;
+        if (place->fromHost)
+            return nullptr;
+    }
+    return nullptr;
+}
+
+/// False if there is no way out.
+bool leaveFullStack(const EXCEPTION_POINTERS& fault)
+{
+    detail::WayBack* const place = wayOutOfFullStack(*fault.ContextRecord);
+    if (!place)
+        return false;
+    faultTaken();
+    place->fault = {innermostCode(*fault.ExceptionRecord), filterInUse};
+    continueAtWayBack(*fault.ContextRecord, *place);
+    return true;
+}
+
+/// Makes an exception of the statement's out of a fault.
+void throwOurs(const EXCEPTION_POINTERS& fault)
+{
+    const std::uint32_t code = innermostCode(*fault.ExceptionRecord);
+    take(code);
+    throwAtStatement(fault, code);
+}
+
+/// A full stack has no room left in which the handlers of a library could be looked for: it is given back first.
 LONG CALLBACK onException(EXCEPTION_POINTERS* fault)
 {
-    if (!isFault(fault->ExceptionRecord->ExceptionCode) || !filterInUse.load() || !componentRuns())
+    if (!isOurs())
         return EXCEPTION_CONTINUE_SEARCH;
-    const std::uintptr_t place = fault->ContextRecord->Rip;
-    if (!ownImage.holds(place) && !isLostCall(*fault))
+    if (isFullStack(*fault))
+        return leaveFullStack(*fault) ? EXCEPTION_CONTINUE_EXECUTION : EXCEPTION_CONTINUE_SEARCH;
+    if (!ownImage.holds(placeOf(*fault->ContextRecord)) && !isLostCall(*fault))
         return EXCEPTION_CONTINUE_SEARCH;
-    redirect(*fault);
+    throwOurs(*fault);
     return EXCEPTION_CONTINUE_EXECUTION;
+}
+
+/// What a library's own handlers have not taken. False if it is not the component's; where the system would not let the
+/// thread go on, this does not come back.
+bool takeFromLibrary(const EXCEPTION_POINTERS& fault)
+{
+    if (!isOurs() || isFullStack(fault))
+        return false;
+#if defined(_WIN64)
+    throwOurs(fault);
+    if ((fault.ExceptionRecord->ExceptionFlags & EXCEPTION_NONCONTINUABLE) != 0)
+        ::RtlRestoreContext(fault.ContextRecord, nullptr);
+#else
+    // There are no tables of a library's frames by which an exception could pass them.
+    detail::WayBack* const place = detail::innermostWayBack();
+    if (!place)
+        return false;
+    take(innermostCode(*fault.ExceptionRecord));
+    detail::takeWayBack(*place);
+#endif
+    return true;
 }
 
 LONG WINAPI onUnhandled(EXCEPTION_POINTERS* fault)
 {
-    if (isFault(fault->ExceptionRecord->ExceptionCode) && filterInUse.load() && componentRuns()) {
-        redirect(*fault);
+    if (takeFromLibrary(*fault))
         return EXCEPTION_CONTINUE_EXECUTION;
-    }
     const LPTOP_LEVEL_EXCEPTION_FILTER before = unhandledBefore;
     return before ? before(fault) : EXCEPTION_CONTINUE_SEARCH;
 }
 
 } // namespace
 
-extern "C" [[noreturn, gnu::used]] void kelThrowFault(std::uint32_t code, std::uint32_t nested)
+extern "C" [[noreturn, gnu::used]] void kelThrowFault(std::uint32_t code)
 {
-    const FaultRecord cause{nested, nullptr};
     if (const FaultFilter filter = filterInUse)
-        filter({code, nested != 0 ? &cause : nullptr});
+        filter({code, nullptr});
     std::abort();
+}
+
+extern "C" [[noreturn, gnu::used]] void __fastcall kelTakeWayBack(detail::WayBack* place)
+{
+    // The page that warns of the next full stack. Without it that one ends the process.
+    static_cast<void>(::_resetstkoflw());
+    detail::forgetHandlersWithin(*place);
+    detail::takeWayBack(*place);
+}
+
+extern "C" [[gnu::used]] EXCEPTION_DISPOSITION kelWayBackHandler(EXCEPTION_RECORD* record, void*, CONTEXT* context,
+                                                                 void*)
+{
+    EXCEPTION_POINTERS fault{record, context};
+    const bool isUnwinding = (record->ExceptionFlags & kUnwindFlags) != 0;
+    if (isUnwinding || isOfThisCompiler(record->ExceptionCode) || !takeFromLibrary(fault))
+        return ExceptionContinueSearch;
+    return ExceptionContinueExecution;
 }
 
 WindowsFaultCapture& WindowsFaultCapture::instance()
@@ -174,6 +214,7 @@ void WindowsFaultCapture::install(FaultFilter filter)
     const LPTOP_LEVEL_EXCEPTION_FILTER before = ::SetUnhandledExceptionFilter(&onUnhandled);
     if (before != &onUnhandled)
         unhandledBefore = before;
+    detail::goBackInsteadOfTerminating();
 }
 
 } // namespace kel

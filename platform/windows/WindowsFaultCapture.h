@@ -7,15 +7,16 @@
 
 namespace kel {
 
-/// The faults that the system tells as exceptions of its own.
+/// The faults that the system tells as exceptions of its own, of whatever code.
 ///
 /// A vectored handler takes what fails in this module, or at an address that is no code. A fault in any other module
-/// may be its own affair, which it handles in its own way; only if nobody does, the filter for unhandled exceptions
-/// takes it. What is not the component's goes to the handlers that were there before. A fault in a function of the C
-/// run time that is declared to throw nothing, such as `memcpy`, still ends the process.
+/// may be its own affair, which it handles in its own way; only if nobody between it and the component does, a handler
+/// at the way back takes it (`withWayBack`), and last of all the filter for unhandled exceptions. What is not the
+/// component's goes to the handlers that were there before.
 ///
-/// A thread is sent on at a stub whose frame looks like that of an interrupt, with the failing statement below it: what
-/// the filter throws from there unwinds as if the statement had called the filter.
+/// What is taken is thrown as if the failing statement had thrown it. Where that cannot be, it is thrown from the way
+/// back: in 32 bits from within another module, whose frames no table describes, and everywhere from a function that
+/// throws nothing and from a stack that is full.
 class WindowsFaultCapture final : public FaultCapture {
 public:
     /// The one of this process.

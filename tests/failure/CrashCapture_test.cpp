@@ -112,6 +112,7 @@ TEST_F(CrashCapture, TellsTheErrorLibraryOfEveryVariable)
     const std::string sReply_("F\0", 2);
     const kelRecognitionType eMode = kelRecognitionTypePage;
     const RuntimeFailure original(380, "Invalid property value", "MSComm", SourceLocation());
+    const int procedure = __LINE__ + 2;
     raised([&] {
         captured("KELReader81 - basScantron.SendCommandST",
                  KEL_PARAMETERS(lSleepTime, eMode) + KEL_LOCALS(iSide1Arr, sReply_), [&] { throw original; });
@@ -122,7 +123,7 @@ TEST_F(CrashCapture, TellsTheErrorLibraryOfEveryVariable)
     EXPECT_EQ(reports[0].module, "basScantron");
     EXPECT_EQ(reports[0].procedure, "SendCommandST");
     EXPECT_EQ(reports[0].description, "Invalid property value");
-    EXPECT_EQ(reports[0].line, 0);
+    EXPECT_EQ(reports[0].line, procedure);
     EXPECT_EQ(reports[0].version, "8.1.0");
     EXPECT_EQ(reports[0].variables, "<Variables>\r\n"
                                     "<LocalVariables>\r\n"
@@ -134,20 +135,22 @@ TEST_F(CrashCapture, TellsTheErrorLibraryOfEveryVariable)
                                     "<ModuleVariables>\r\n"
                                     "{None}</ModuleVariables>\r\n"
                                     "<GlobalVariables>\r\n"
-                                    "    <oError>{ErrorObject}</oError>\r\n"
+                                    "    <oError>{RecordingErrorObject}</oError>\r\n"
                                     "    <bOpCancelled>False</bOpCancelled>\r\n"
                                     "    <vbcsComponentID>0</vbcsComponentID>\r\n"
                                     "    <vbcsHasInitialised>False</vbcsHasInitialised>\r\n"
                                     "    <vbcsErrorNumber>380</vbcsErrorNumber>\r\n"
                                     "    <vbcsErrorDescription>Invalid property value</vbcsErrorDescription>\r\n"
-                                    "    <vbcsErrorLine>0</vbcsErrorLine>\r\n"
-                                    "    <vbcsErrorSource>MSComm</vbcsErrorSource>\r\n"
-                                    "</GlobalVariables>\r\n"
-                                    "</Variables>\r\n"
-                                    "<Parameters>\r\n"
-                                    "    <lSleepTime>50</lSleepTime>\r\n"
-                                    "    <eMode>{Cannot dump external UDTs}</eMode>\r\n"
-                                    "</Parameters>");
+                                    "    <vbcsErrorLine>" +
+                                        std::to_string(procedure) +
+                                        "</vbcsErrorLine>\r\n"
+                                        "    <vbcsErrorSource>MSComm</vbcsErrorSource>\r\n"
+                                        "</GlobalVariables>\r\n"
+                                        "</Variables>\r\n"
+                                        "<Parameters>\r\n"
+                                        "    <lSleepTime>50</lSleepTime>\r\n"
+                                        "    <eMode>{Cannot dump external UDTs}</eMode>\r\n"
+                                        "</Parameters>");
     EXPECT_EQ(RecordingLibrary::actionsRead, 1);
     EXPECT_TRUE(boxes().empty());
     EXPECT_TRUE(oError->reports.empty());

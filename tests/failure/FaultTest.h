@@ -4,6 +4,7 @@
 #include "failure/modvbCodeShieldSupport.h"
 #include "platform/posix/PosixFaultCapture.h"
 #include "simulators/SimulatorTable.h"
+#include "strings/VBLMRTSModule.h"
 #include "tests/failure/Faults.h"
 #include "tests/support/ReaderHost.h"
 
@@ -31,6 +32,10 @@ void procedureOfAnObject(Body&& body)
 {
     const Object object;
     guarded(kSource, moduleOf(object), std::forward<Body>(body));
+}
+inline Int32 procedureLine()
+{
+    return __LINE__ - 4;
 }
 
 inline void installCapture()
@@ -61,11 +66,14 @@ protected:
         witness->reports.clear();
         procedureOfAnObject(body);
         EXPECT_EQ(componentRuns(), false);
+        EXPECT_EQ(std::current_exception(), nullptr);
+        EXPECT_EQ(std::uncaught_exceptions(), 0);
         if (witness->reports.size() != 1)
             return std::to_string(witness->reports.size()) + " reports";
         const ErrorReport& report = witness->reports[0];
-        EXPECT_EQ(report.ErrorSource, "m.p");
-        EXPECT_EQ(report.LineNumber, 0);
+        // The failing statement is not known: the line is the procedure's.
+        EXPECT_EQ(report.LineNumber, procedureLine());
+        EXPECT_EQ(report.ErrorSource, "m.p" + VBLM_RTString(244) + std::to_string(procedureLine()));
         EXPECT_EQ(report.ErrorType, kErrorTypeRunTime);
         return std::to_string(report.ErrorNumber) + " " + report.ErrorDescription;
     }

@@ -58,6 +58,14 @@ KEL_FAULTY inline void breakpoint()
 }
 #endif
 
+KEL_FAULTY inline void faultThatThrowsNothing() noexcept
+{
+    static_cast<void>(readNullAddress());
+}
+
+/// In a function that the compiler has made no table of, as in a library of C.
+void faultWithoutTables();
+
 #undef KEL_FAULTY
 
 } // namespace kel::test

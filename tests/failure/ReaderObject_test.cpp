@@ -105,7 +105,7 @@ TEST_F(ReaderObject, ReportsAnAccessorThatFailsWithItsVariables)
                                                 "    <Windows>{clsKELReaderWindows}</Windows>\r\n"
                                                 "    <Profiles>{clsKELReaderProfiles}</Profiles>\r\n"
                                                 "    <Printer>{clsKELReaderPrinter}</Printer>\r\n"
-                                                "    <fComm>{Object}</fComm>\r\n"
+                                                "    <fComm>{frmComm}</fComm>\r\n"
                                                 "    <AnswerKey>{Nothing}</AnswerKey>\r\n"
                                                 "    <fPComm>{frmComm}</fPComm>\r\n"
                                                 "    <uReader>{UDT - kelReaderStruct}</uReader>\r\n"
