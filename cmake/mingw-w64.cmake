@@ -1,7 +1,7 @@
-# The Windows edition of the component, cross-compiled with mingw-w64. The -posix compiler has C++ threads.
+# The Windows edition of the component, cross-compiled with mingw-w64. What both widths share: mingw-w64-x86_64.cmake and
+# mingw-w64-i686.cmake name the processor. The -posix compiler has C++ threads.
 set(CMAKE_SYSTEM_NAME Windows)
-set(CMAKE_SYSTEM_PROCESSOR x86_64)
-set(mingw_target x86_64-w64-mingw32)
+set(mingw_target ${CMAKE_SYSTEM_PROCESSOR}-w64-mingw32)
 set(CMAKE_C_COMPILER ${mingw_target}-gcc-posix)
 set(CMAKE_CXX_COMPILER ${mingw_target}-g++-posix)
 set(CMAKE_RC_COMPILER ${mingw_target}-windres)
@@ -13,7 +13,7 @@ set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 set(CMAKE_CROSSCOMPILING_EMULATOR wine)
 
 # A fault of the processor passes through the frames as an exception does, also through those that call nothing.
-set(CMAKE_CXX_FLAGS_INIT -fnon-call-exceptions)
+string(APPEND CMAKE_CXX_FLAGS_INIT " -fnon-call-exceptions")
 # No DLL but the system's: the compiler's run time and the threads are linked in.
 foreach(kind EXE SHARED MODULE)
     set(CMAKE_${kind}_LINKER_FLAGS_INIT -static)

@@ -25,9 +25,21 @@ constexpr wchar_t kDualMarshaller[] = L"{00020424-0000-0000-C000-000000000046}";
 constexpr wchar_t kDispatchMarshaller[] = L"{00020420-0000-0000-C000-000000000046}";
 #ifdef _WIN64
 constexpr wchar_t kPlatform[] = L"win64";
+constexpr REGSAM kOtherView = KEY_WOW64_32KEY;
 #else
 constexpr wchar_t kPlatform[] = L"win32";
+constexpr REGSAM kOtherView = KEY_WOW64_64KEY;
 #endif
+
+bool is64BitSystem()
+{
+#ifdef _WIN64
+    return true;
+#else
+    BOOL emulated = FALSE;
+    return IsWow64Process(GetCurrentProcess(), &emulated) && emulated;
+#endif
+}
 
 /// A key below the hive's classes and one of its values; the default value has no name.
 struct Entry {
@@ -36,9 +48,12 @@ struct Entry {
     std::wstring text;
 };
 
-/// What registration writes: the keys that are the server's own, with everything below them, and their values.
+/// What registration writes: the keys that are the server's own, with everything below them, and their values. Of these
+/// the classes and interfaces are those of one width of programs; the names of classes and the type library are seen by
+/// both, and are needed as long as a server of either is there.
 struct Plan {
     std::vector<std::wstring> ownKeys;
+    std::vector<std::wstring> sharedKeys;
     std::vector<Entry> entries;
 
     void add(std::wstring key, std::wstring text) { entries.push_back({std::move(key), {}, std::move(text)}); }
@@ -81,7 +96,7 @@ void planClass(Plan& plan, const TypeNames& names, REFCLSID classID)
     plan.add(key + L"\\Programmable", L"");
     plan.add(key + L"\\TypeLib", textOfGuid(LIBID_KELReader81U));
     plan.add(key + L"\\VERSION", kLibraryVersion);
-    plan.ownKeys.push_back(progID);
+    plan.sharedKeys.push_back(progID);
     plan.add(progID, names.description);
     plan.add(progID + L"\\CLSID", id);
 }
@@ -102,7 +117,8 @@ void planLibrary(Plan& plan, ITypeLib& library)
     demand(library.GetDocumentation(-1, nullptr, description.out(), nullptr, nullptr));
     const std::wstring path = modulePath();
     const std::wstring key = L"TypeLib\\" + textOfGuid(LIBID_KELReader81U) + L"\\" + kLibraryVersion;
-    plan.ownKeys.push_back(key);
+    plan.ownKeys.push_back(key + L"\\0\\" + kPlatform);
+    plan.sharedKeys.push_back(key);
     plan.add(key, std::wstring(description.view()));
     plan.add(key + L"\\0\\" + kPlatform, path);
     plan.add(key + L"\\FLAGS", L"0");
@@ -181,15 +197,34 @@ LSTATUS remove(HKEY hive, const std::wstring& key)
     }
 }
 
-HRESULT removeAll(HKEY hive, const Plan& plan)
+/// Whether the server of the other width is registered: in the other view of the registry, which a system of 32 bits
+/// does not have.
+bool isOtherWidthThere(HKEY hive)
+{
+    const std::wstring path = pathOf(L"CLSID\\" + textOfGuid(CLSID_clsKELReader) + L"\\InprocServer32");
+    HKEY key = nullptr;
+    if (RegOpenKeyExW(hive, path.c_str(), 0, KEY_READ | kOtherView, &key) != ERROR_SUCCESS)
+        return false;
+    RegCloseKey(key);
+    return is64BitSystem();
+}
+
+HRESULT removeKeys(HKEY hive, const std::vector<std::wstring>& keys)
 {
     HRESULT result = S_OK;
-    for (const std::wstring& key : plan.ownKeys) {
+    for (const std::wstring& key : keys) {
         const LSTATUS status = remove(hive, key);
         if (status != ERROR_SUCCESS)
             result = HRESULT_FROM_WIN32(static_cast<DWORD>(status));
     }
     return result;
+}
+
+HRESULT removeAll(HKEY hive, const Plan& plan)
+{
+    const HRESULT own = removeKeys(hive, plan.ownKeys);
+    const HRESULT shared = isOtherWidthThere(hive) ? S_OK : removeKeys(hive, plan.sharedKeys);
+    return FAILED(own) ? own : shared;
 }
 
 } // namespace

@@ -9,7 +9,8 @@ test=(libgtest-dev libgmock-dev libbenchmark-dev fonts-dejavu-core ser2net opens
       chromium chromium-driver librsvg2-bin python3-selenium)
 coverage=(gcovr)
 fuzz=(clang libclang-rt-14-dev)
-windows=(g++-mingw-w64-x86-64-posix mingw-w64-tools wine64 wine googletest mono-mcs libmono-microsoft-csharp4.0-cil)
+windows=(g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix mingw-w64-tools wine64 wine googletest xvfb debootstrap nsis
+         mono-mcs libmono-microsoft-csharp4.0-cil)
 
 wanted=()
 for group in "${@:-build test}"; do

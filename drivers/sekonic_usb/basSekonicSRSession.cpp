@@ -26,6 +26,9 @@ bool toldMissingLibrary(const RuntimeFailure& failure)
         return false;
     std::string sText = VBLM_RTString(text::kSrLibraryMissing);
     sText.append(kLineEnd).append(kLineEnd).append(VBLM_RTString(text::kSrLibraryAdvice));
+    if (const Int32 lBits = platform().omrApiLoader().widthNeeded(); lBits != 0)
+        sText.append(kLineEnd).append(kLineEnd).append(
+            replaceAll(VBLM_RTString(text::kSrLibraryWidth), "%1", CStr(lBits)));
     platform().screen().MsgBox(sText, BoxIcon::Exclamation, BoxButtons::Ok, VBLM_RTString(text::kSrLibraryTitle));
     return true;
 }

@@ -3,6 +3,8 @@
 #include "platform/windows/WindowsText.h"
 #include "types/RuntimeFailure.h"
 
+#include <fstream>
+#include <string>
 #include <system_error>
 #include <windows.h>
 
@@ -18,6 +20,11 @@ bool isThere(const std::filesystem::path& file)
     return std::filesystem::exists(file, ignored);
 }
 
+void* entryOf(void* module, const char* name)
+{
+    return reinterpret_cast<void*>(::GetProcAddress(static_cast<HMODULE>(module), name));
+}
+
 [[noreturn]] void failMissing()
 {
     throw RuntimeFailure(FailureCode::FileNotFound, failureText(FailureCode::FileNotFound) + ": " + kOmrLibraryName);
@@ -30,13 +37,29 @@ bool isThere(const std::filesystem::path& file)
                                                                kOmrLibraryName + ": " + systemErrorText(error));
 }
 
-/// What the library itself needs is looked for beside it.
-HMODULE open(const std::filesystem::path& file)
+/// The kind of processor that a library is for, 0 if the file is no library.
+WORD processorOf(const std::filesystem::path& file)
 {
-    const HMODULE module = ::LoadLibraryExW(file.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
-    if (!module)
-        failToLoad(::GetLastError());
-    return module;
+    std::ifstream stream(file, std::ios::binary);
+    IMAGE_DOS_HEADER head{};
+    if (!stream.read(reinterpret_cast<char*>(&head), sizeof head) || head.e_magic != IMAGE_DOS_SIGNATURE)
+        return 0;
+    DWORD signature = 0;
+    IMAGE_FILE_HEADER image{};
+    stream.seekg(head.e_lfanew);
+    if (!stream.read(reinterpret_cast<char*>(&signature), sizeof signature) || signature != IMAGE_NT_SIGNATURE ||
+        !stream.read(reinterpret_cast<char*>(&image), sizeof image))
+        return 0;
+    return image.Machine;
+}
+
+bool isOfOtherWidth(const std::filesystem::path& file)
+{
+#if defined(_WIN64)
+    return processorOf(file) == IMAGE_FILE_MACHINE_I386;
+#else
+    return processorOf(file) == IMAGE_FILE_MACHINE_AMD64;
+#endif
 }
 
 } // namespace
@@ -54,9 +77,45 @@ void WindowsOmrApiLoader::libraryFile(const std::filesystem::path& file)
 
 void* WindowsOmrApiLoader::Library::find(const char* name)
 {
+    isUnfit_ = false;
     if (!module_)
         module_ = load();
-    return reinterpret_cast<void*>(::GetProcAddress(static_cast<HMODULE>(module_), name));
+    void* const entry = entryOf(module_, name);
+#if defined(_WIN64)
+    if (!entry)
+        failUnfit();
+#endif
+    return entry;
+}
+
+void* WindowsOmrApiLoader::Library::findDecorated(const char* name, std::size_t argumentBytes)
+{
+#if defined(_WIN64)
+    static_cast<void>(name);
+    static_cast<void>(argumentBytes);
+    return nullptr;
+#else
+    const std::string decorated = std::string("_") + name + "@" + std::to_string(argumentBytes);
+    void* const entry = entryOf(module_, decorated.c_str());
+    return entry ? entry : entryOf(module_, decorated.c_str() + 1); // some compilers do without the underscore
+#endif
+}
+
+void WindowsOmrApiLoader::Library::failUnfit()
+{
+    isUnfit_ = true;
+    failMissing();
+}
+
+/// What the library itself needs is looked for beside it.
+void* WindowsOmrApiLoader::Library::open(const std::filesystem::path& file)
+{
+    if (const HMODULE module = ::LoadLibraryExW(file.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH))
+        return module;
+    const DWORD error = ::GetLastError();
+    if (isOfOtherWidth(file))
+        failUnfit();
+    failToLoad(error);
 }
 
 void WindowsOmrApiLoader::Library::file(const std::filesystem::path& file)
@@ -66,7 +125,7 @@ void WindowsOmrApiLoader::Library::file(const std::filesystem::path& file)
     module_ = nullptr;
 }
 
-void* WindowsOmrApiLoader::Library::load() const
+void* WindowsOmrApiLoader::Library::load()
 {
     if (!file_.empty()) {
         if (!isThere(file_))
@@ -78,6 +137,8 @@ void* WindowsOmrApiLoader::Library::load() const
     if (const HMODULE module = ::LoadLibraryW(kLibraryFile))
         return module;
     const DWORD error = ::GetLastError();
+    if (error == ERROR_BAD_EXE_FORMAT)
+        failUnfit();
     if (error != ERROR_MOD_NOT_FOUND && error != ERROR_DLL_NOT_FOUND && error != ERROR_FILE_NOT_FOUND)
         failToLoad(error);
     failMissing();

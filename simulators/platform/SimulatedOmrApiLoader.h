@@ -18,8 +18,13 @@ public:
     /// The library from now on; must outlive its use. Nothing takes it away again.
     void set(OmrApi* api) noexcept { api_ = api; }
 
+    /// A library was found that is of no use to a host of so many bits.
+    void widthNeeded(Int32 bits) noexcept { widthNeeded_ = bits; }
+    [[nodiscard]] Int32 widthNeeded() const override { return widthNeeded_; }
+
 private:
     OmrApi* api_ = nullptr;
+    Int32 widthNeeded_ = 0;
 };
 
 } // namespace kel

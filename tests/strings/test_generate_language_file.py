@@ -18,7 +18,7 @@ LANGUAGES = ("English", "German", "French", "Spanish")
 SOURCES = [str(TEXTS / f"{name}.txt") for name in LANGUAGES]
 
 # Every number that the component asks for.
-NUMBERS = [number for number in range(102, 558, 2) if number not in (178, 180, 504)]
+NUMBERS = [number for number in range(102, 560, 2) if number not in (178, 180, 504)]
 
 sys.dont_write_bytecode = True
 module = importlib.util.spec_from_file_location("generate_language_file", GENERATOR)
@@ -378,10 +378,12 @@ class TextTest(unittest.TestCase):
         for name, texts in self.texts.items():
             self.assertEqual(list(texts), NUMBERS, name)
 
-    def test_only_the_port_message_has_a_placeholder(self):
+    def test_only_the_messages_of_port_and_width_have_a_placeholder(self):
         for name, texts in self.texts.items():
-            self.assertEqual([number for number, text in texts.items() if "%" in text], [368], name)
+            self.assertEqual([number for number, text in texts.items() if "%" in text], [368, 558], name)
             self.assertEqual(texts[368].count("%1"), 1, name)
+            self.assertIn("%1", texts[558], name)
+            self.assertEqual(texts[558].count("%"), texts[558].count("%1"), name)
 
     def test_the_texts_are_parted_alike_in_every_language(self):
         edge = re.compile(r"^[\s~,.]*|[\s~]*$")

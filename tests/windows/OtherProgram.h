@@ -17,22 +17,22 @@ public:
     {
         const auto end = std::chrono::steady_clock::now() + std::chrono::minutes(10);
         while (std::chrono::steady_clock::now() < end) {
-            ::EnumWindows(
-                [](HWND window, LPARAM self) -> BOOL {
-                    DWORD process = 0;
-                    ::GetWindowThreadProcessId(window, &process);
-                    wchar_t kind[32] = {};
-                    ::GetClassNameW(window, kind, 32);
-                    if (process == ::GetCurrentProcessId() && ::IsWindowVisible(window) &&
-                        std::wstring_view(kind) == L"#32770")
-                        reinterpret_cast<OtherProgram*>(self)->dialog = window;
-                    return TRUE;
-                },
-                reinterpret_cast<LPARAM>(this));
+            ::EnumWindows(&look, reinterpret_cast<LPARAM>(this));
             if (dialog)
                 return;
             ::Sleep(10);
         }
+    }
+
+    static BOOL CALLBACK look(HWND window, LPARAM self)
+    {
+        DWORD process = 0;
+        ::GetWindowThreadProcessId(window, &process);
+        wchar_t kind[32] = {};
+        ::GetClassNameW(window, kind, 32);
+        if (process == ::GetCurrentProcessId() && ::IsWindowVisible(window) && std::wstring_view(kind) == L"#32770")
+            reinterpret_cast<OtherProgram*>(self)->dialog = window;
+        return TRUE;
     }
 
     [[nodiscard]] HWND control(int number) const { return ::GetDlgItem(dialog, number); }

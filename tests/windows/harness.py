@@ -17,6 +17,7 @@ import tty
 import unittest
 
 BIN = pathlib.Path(os.environ["KEL_WINDOWS_BIN"])  # the programs and DLLs of the Windows edition
+WIDTH = int(os.environ["KEL_WINDOWS_WIDTH"])  # 32 or 64 bits, theirs
 READER_PROGRAM = os.environ["KEL_READER_PROGRAM"]  # the command kelreader of this system, for its simulated readers
 PREFIX = pathlib.Path(os.environ["WINEPREFIX"])
 PORTS = PREFIX / "ports"
@@ -27,27 +28,35 @@ FILE_BEHIND = 16     # a port that leads to a file
 
 PATIENCE = 600  # seconds: a program that has not ended after so long does not end
 
+# Where Wine is: on this system, or in a root of its own (scripts/wine-root.sh).
+_ROOT = os.environ.get("KEL_WINE_ROOT")
+_IN_ROOT = [str(pathlib.Path(__file__).resolve().parents[2] / "scripts/wine-root.sh"), "run", _ROOT] if _ROOT else []
+_LOADERS = {64: "/usr/lib/wine/wine64", 32: "/usr/lib/wine/wine"}
 _WINESERVER = "/usr/lib/wine/wineserver"
+_DISPLAY = PREFIX.with_name(PREFIX.name + ".display")  # the number of the display, and the process that has it
 _NO_STREAMS = {"stdin": subprocess.DEVNULL, "stdout": subprocess.DEVNULL, "stderr": subprocess.DEVNULL}
 
 
-def environment(**more):
-    """The environment of a program under Wine: no display, no Mono, no browser."""
+def environment(width=WIDTH, **more):
+    """The environment of a program under Wine: a display of its own, no Mono, no browser, no debugger."""
     result = dict(os.environ)
     result.pop("DISPLAY", None)
-    result.update(WINEDEBUG="-all", WINEARCH="win64", WINEPREFIX=str(PREFIX), LC_ALL="C.UTF-8",
-                  WINEDLLOVERRIDES="mscoree,mshtml=;winemenubuilder.exe=d")
+    with contextlib.suppress(FileNotFoundError):
+        result["DISPLAY"] = ":" + _DISPLAY.read_text().split()[0]
+    result.update(WINEDEBUG="-all", WINEARCH="win64", WINEPREFIX=str(PREFIX), WINELOADER=_LOADERS[width], LC_ALL="C.UTF-8",
+                  WINEDLLOVERRIDES="mscoree,mshtml=;winemenubuilder.exe=d;winedbg.exe=d")
     result.update(more)
     return result
 
 
-def wine(*arguments, timeout=PATIENCE, check=False, cwd=BIN, env=None):
-    """Runs a program under Wine to its end; its output is text."""
+def wine(*arguments, timeout=PATIENCE, check=False, cwd=BIN, env=None, width=WIDTH):
+    """Runs a program under Wine to its end; its output is text. The system's own programs are those of the width."""
     # Not a pipe: Wine's own processes inherit it, and live longer.
     with tempfile.TemporaryFile("w+", errors="replace") as output:
         try:
-            done = subprocess.run(["wine", *map(str, arguments)], cwd=cwd, env=env or environment(), timeout=timeout,
-                                  stdin=subprocess.DEVNULL, stdout=output, stderr=subprocess.STDOUT)
+            done = subprocess.run([*_IN_ROOT, _LOADERS[width], *map(str, arguments)], cwd=cwd,
+                                  env=env or environment(width), timeout=timeout, stdin=subprocess.DEVNULL,
+                                  stdout=output, stderr=subprocess.STDOUT)
         except subprocess.TimeoutExpired as late:
             output.seek(0)
             raise RuntimeError(f"{late}; its output:\n{output.read()}") from None
@@ -65,17 +74,34 @@ def windows_path(path):
 
 def start_server():
     """Starts Wine, with a program that keeps its services running from one test to the next."""
-    subprocess.run([_WINESERVER, "-p"], env=environment(), check=True, **_NO_STREAMS)
-    subprocess.Popen(["wine", "keep_alive.exe"], cwd=BIN, env=environment(), start_new_session=True, **_NO_STREAMS)
+    subprocess.run([*_IN_ROOT, _WINESERVER, "-p"], env=environment(), check=True, **_NO_STREAMS)
+    subprocess.Popen([*_IN_ROOT, _LOADERS[WIDTH], "keep_alive.exe"], cwd=BIN, env=environment(),
+                     start_new_session=True, **_NO_STREAMS)
 
 
 def stop_server():
     for option in ("-k", "-w"):
-        subprocess.run([_WINESERVER, option], env=environment(), check=False, **_NO_STREAMS)
+        subprocess.run([*_IN_ROOT, _WINESERVER, option], env=environment(), check=False, **_NO_STREAMS)
+
+
+def start_display():
+    """A display that nobody looks at."""
+    reading, writing = os.pipe()
+    server = subprocess.Popen(["Xvfb", "-displayfd", str(writing), "-screen", "0", "1280x1024x24", "-nolisten", "tcp"],
+                              pass_fds=[writing], start_new_session=True, **_NO_STREAMS)
+    os.close(writing)
+    with os.fdopen(reading) as told:
+        _DISPLAY.write_text(f"{told.readline().strip()} {server.pid}\n")
+
+
+def stop_display():
+    with contextlib.suppress(FileNotFoundError, ProcessLookupError):
+        os.kill(int(_DISPLAY.read_text().split()[1]), signal.SIGTERM)
+    _DISPLAY.unlink(missing_ok=True)
 
 
 def make_prefix():
-    """A new prefix with its dialogs on no display, and COM1 to COM16 mapped to links that tests make and remove."""
+    """A new prefix with COM1 to COM16 mapped to links that tests make and remove."""
     if PREFIX.exists():
         stop_server()
         shutil.rmtree(PREFIX)
@@ -83,13 +109,12 @@ def make_prefix():
     wine("wineboot", "--init", cwd="/", timeout=PATIENCE)
     PORTS.mkdir()
     (PORTS / "file").write_text("no serial device")
-    keys = ["REGEDIT4", "", r"[HKEY_CURRENT_USER\Software\Wine\Drivers]", '"Graphics"="null"', "",
-            r"[HKEY_LOCAL_MACHINE\Software\Wine\Ports]"]
+    keys = ["REGEDIT4", "", r"[HKEY_LOCAL_MACHINE\Software\Wine\Ports]"]
     keys += [f'"COM{number}"="{port_link(number)}"' for number in range(1, 17)]
     file = PREFIX / "prefix.reg"
     file.write_text("\r\n".join(keys) + "\r\n")
     wine("regedit", "/S", file, check=True)
-    # Both keys are read at the start.
+    # The key is read at the start.
     stop_server()
 
 
@@ -97,17 +122,23 @@ def port_link(number):
     return PORTS / ("file" if number == FILE_BEHIND else f"com{number}")
 
 
-def registry_values(key):
+def registry_values(key, width=WIDTH):
     """The values of a key as `reg query` shows them: name to (type, text)."""
-    answer = wine("reg", "query", key)
+    answer = wine("reg", "query", key, width=width)
     if answer.returncode != 0:
         return None
     rows = [line.split(None, 2) for line in answer.stdout.splitlines() if line.startswith("    ")]
     return {row[0]: (row[1], row[2] if len(row) > 2 else "") for row in rows}
 
 
-def registry_has(key):
-    return wine("reg", "query", key).returncode == 0
+def registry_has(key, width=WIDTH):
+    return wine("reg", "query", key, width=width).returncode == 0
+
+
+def class_keys(hive, width=WIDTH):
+    """All keys of a hive's classes, as programs of a width see them."""
+    answer = wine("reg", "query", hive + r"\Software\Classes", "/s", width=width)
+    return {line for line in answer.stdout.splitlines() if line.startswith("HKEY_")}
 
 
 class SimulatedReader:
@@ -221,10 +252,14 @@ class FarEnd:
 def main():
     """harness.py start|stop: before and after all tests."""
     if sys.argv[1] == "start":
+        stop_display()
+        PREFIX.parent.mkdir(parents=True, exist_ok=True)
+        start_display()
         make_prefix()
         start_server()
     else:
         stop_server()
+        stop_display()
 
 
 @contextlib.contextmanager

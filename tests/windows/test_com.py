@@ -9,9 +9,8 @@ import subprocess
 import tempfile
 import unittest
 
-from harness import (BIN, PATIENCE, READER_PROGRAM, FarEnd, SimulatedReader, WindowsTest, environment, machine_wide,
-                     registry_has, wine,
-                     windows_path)
+from harness import (BIN, PATIENCE, READER_PROGRAM, FarEnd, SimulatedReader, WindowsTest, class_keys, environment,
+                     machine_wide, registry_has, wine, windows_path)
 
 EVENTS_PORT = 3
 SHEETS_PORT = 12
@@ -35,14 +34,6 @@ READER_INTERFACE = r"\Interface\{872252CF-07E3-44D5-AB6C-AD1B55B5E3DE}"
 READER_NAME = r"\KELReader81U.clsKELReader"
 
 
-
-
-def class_keys(hive):
-    """All keys of a hive's classes."""
-    answer = wine("reg", "query", hive + r"\Software\Classes", "/s")
-    return {line for line in answer.stdout.splitlines() if line.startswith("HKEY_")}
-
-
 class Clients(WindowsTest):
     def test_surface(self):
         self.run_program("com_surface.exe")
@@ -64,6 +55,12 @@ class Clients(WindowsTest):
     def test_options(self):
         with SimulatedReader(model=21, port=SHEETS_PORT, count=1):
             self.run_program("com_options.exe", SHEETS_PORT)
+
+    def test_callers(self):
+        self.run_program("com_callers.exe")
+
+    def test_faults(self):
+        self.run_program(BIN / "com_faults.exe", cwd=BIN / "faulty")
 
     def test_reload(self):
         with SimulatedReader(model=21, port=EVENTS_PORT, count=1):

@@ -20,9 +20,12 @@
 // fields, arrays by their first byte, and texts that end with a zero.
 
 #if defined(_WIN32)
-#define OMR_EXPORT extern "C" __declspec(dllexport)
+// In 32 bits each function takes its arguments off the stack by itself; elsewhere there is one way only.
+#define OMR_EXPORT extern "C" __declspec(dllexport) __stdcall
+#define OMRSIM_EXPORT extern "C" __declspec(dllexport)
 #else
 #define OMR_EXPORT extern "C" __attribute__((visibility("default")))
+#define OMRSIM_EXPORT OMR_EXPORT
 #endif
 
 namespace {
@@ -115,7 +118,7 @@ std::int32_t give(const std::string& text, char* room, std::int32_t size)
 
 // --- What a test or a program says to the simulation itself
 
-OMR_EXPORT std::int32_t OMRSIM_Configure(const char* state, char* message, std::int32_t size)
+OMRSIM_EXPORT std::int32_t OMRSIM_Configure(const char* state, char* message, std::int32_t size)
 {
     try {
         place() = std::make_unique<kel::OmrDevice>(kel::omrStateFromJson(state));
@@ -127,7 +130,7 @@ OMR_EXPORT std::int32_t OMRSIM_Configure(const char* state, char* message, std::
     }
 }
 
-OMR_EXPORT std::int32_t OMRSIM_PutSheet(const OmrSimSheet* sheet)
+OMRSIM_EXPORT std::int32_t OMRSIM_PutSheet(const OmrSimSheet* sheet)
 {
     if (sheet->side[0].rows > kel::kOmrMostRows || sheet->side[1].rows > kel::kOmrMostRows)
         return 0;
@@ -138,7 +141,7 @@ OMR_EXPORT std::int32_t OMRSIM_PutSheet(const OmrSimSheet* sheet)
     return 1;
 }
 
-OMR_EXPORT std::int32_t OMRSIM_Report(char* text, std::int32_t size)
+OMRSIM_EXPORT std::int32_t OMRSIM_Report(char* text, std::int32_t size)
 {
     return give(toJson(device().report()), text, size);
 }

@@ -176,6 +176,20 @@ TEST_F(SekonicUsbInit, TellsAMissingLibraryInABoxOfItsOwn)
                                      BoxButtons::Ok, VBLM_RTString(492)}));
 }
 
+TEST_F(SekonicUsbInit, SaysWhichWidthTheLibraryMustHave)
+{
+    library.failures.insert(
+        {"OMR_OpenDeviceUSB", RuntimeFailure(FailureCode::FileNotFound, "File not found: OMRAPI.DLL")});
+    machine.omrApiLoader().widthNeeded(64);
+    EXPECT_EQ(InitReaderSR(reader), False);
+    ASSERT_EQ(machine.screen().boxes().size(), 1U);
+    const std::string width = replaceAll(VBLM_RTString(558), "%1", "64");
+    EXPECT_THAT(width, ::testing::HasSubstr("64"));
+    EXPECT_EQ(machine.screen().boxes()[0].text,
+              VBLM_RTString(488) + "\r\n\r\n" + VBLM_RTString(490) + "\r\n\r\n" + width);
+    EXPECT_THAT(reports(), IsEmpty());
+}
+
 TEST_F(SekonicUsbInit, ReportsAnyOtherFailureInTheCommonWay)
 {
     const RuntimeFailure failures[] = {

@@ -378,6 +378,16 @@ private:
             Sleep(5);
         }
     }
+    static BOOL CALLBACK read(HWND child, LPARAM self)
+    {
+        std::array<wchar_t, 4096> content{};
+        GetClassNameW(child, content.data(), static_cast<int>(content.size()));
+        if (std::wstring_view(content.data()) != L"Static")
+            return TRUE;
+        GetWindowTextW(child, content.data(), static_cast<int>(content.size()));
+        reinterpret_cast<BoxReader*>(self)->texts_ += content.data();
+        return TRUE;
+    }
     static BOOL CALLBACK answer(HWND window, LPARAM self)
     {
         std::array<wchar_t, 4096> text{};
@@ -385,18 +395,7 @@ private:
         if (std::wstring_view(text.data()) != L"#32770" || !IsWindowVisible(window))
             return TRUE;
         auto& reader = *reinterpret_cast<BoxReader*>(self);
-        EnumChildWindows(
-            window,
-            [](HWND child, LPARAM to) -> BOOL {
-                std::array<wchar_t, 4096> content{};
-                GetClassNameW(child, content.data(), static_cast<int>(content.size()));
-                if (std::wstring_view(content.data()) != L"Static")
-                    return TRUE;
-                GetWindowTextW(child, content.data(), static_cast<int>(content.size()));
-                reinterpret_cast<BoxReader*>(to)->texts_ += content.data();
-                return TRUE;
-            },
-            self);
+        EnumChildWindows(window, &read, self);
         reader.texts_ += L'\n';
         SendMessageW(window, WM_COMMAND, IDOK, 0);
         return TRUE;

@@ -113,6 +113,8 @@ TEST_F(Crash, IsToldToTheErrorLibraryByName)
     EXPECT_EQ(texts[4], L"Subscript out of range");
     EXPECT_GT(std::stoi(texts[5]), 0);
     EXPECT_TRUE(texts[6].starts_with(L"<Variables>\r\n<LocalVariables>\r\n")) << texts[6].size();
+    EXPECT_NE(texts[6].find(L"<fComm>{frmComm}</fComm>"), std::wstring::npos);
+    EXPECT_NE(texts[6].find(L"<oError>{Nothing}</oError>"), std::wstring::npos);
     EXPECT_TRUE(texts[6].ends_with(L"</eHelpIDType>\r\n</Parameters>"));
     EXPECT_EQ(std::count(texts[7].begin(), texts[7].end(), L'.'), 2);
 }

@@ -45,11 +45,11 @@ Usage usage()
     return now;
 }
 
-/// Runs a body often, and looks at what is in use after a first hundred and at the end.
+/// Runs a body often, and looks at what is in use after a tenth as many times and at the end.
 template <class Body>
 void leaksNothing(int times, Body&& body)
 {
-    for (int time = 0; time < 100; ++time)
+    for (int time = 0; time < times / 10; ++time)
         body();
     const Usage before = usage();
     for (int time = 0; time < times; ++time)
@@ -103,14 +103,14 @@ TEST_F(Lifetime, ObjectsOfAReaderLeaveNothing)
     });
 }
 
-TEST_F(Lifetime, AThousandSessionsLeaveNothing)
+TEST_F(Lifetime, AHundredSessionsLeaveNothing)
 {
     const auto reader = newReader();
     VARIANT_BOOL result = VARIANT_FALSE;
     reader->LoadDefaults(kelReaderTypeChatsworthOMR2000, &result);
     reader->put_Port(static_cast<short>(portUnderTest));
     reader->put_SleepTime(0);
-    leaksNothing(1000, [&] {
+    leaksNothing(100, [&] {
         ASSERT_EQ(reader->StartReader(&result), S_OK);
         ASSERT_EQ(result, VARIANT_TRUE);
         ASSERT_EQ(reader->EndReader(&result), S_OK);

@@ -75,7 +75,11 @@ LONG CALLBACK onFault(EXCEPTION_POINTERS* fault)
     if (fault->ExceptionRecord->ExceptionCode != static_cast<DWORD>(EXCEPTION_ACCESS_VIOLATION))
         return EXCEPTION_CONTINUE_SEARCH;
     faultHeard = true;
+#if defined(_WIN64)
     fault->ContextRecord->Rip += 2;
+#else
+    fault->ContextRecord->Eip += 2;
+#endif
     return EXCEPTION_CONTINUE_EXECUTION;
 }
 
@@ -95,7 +99,11 @@ TEST(Reload, LeavesTheHostsFaultsToTheHost)
     ASSERT_NO_FATAL_FAILURE(workOnAThread());
     // Behind all others: the server's own handler is asked first.
     void* const handler = AddVectoredExceptionHandler(0, &onFault);
+#if defined(_WIN64)
     asm volatile("xor %%eax, %%eax\n\tmovl %%eax, (%%rax)" ::: "rax", "memory");
+#else
+    asm volatile("xor %%eax, %%eax\n\tmovl %%eax, (%%eax)" ::: "eax", "memory");
+#endif
     RemoveVectoredExceptionHandler(handler);
     EXPECT_TRUE(faultHeard);
 }

@@ -55,15 +55,17 @@ TEST_F(WindowsMessagePumpTest, AWaitLooksAtTheLineOnceAMillisecond)
     EXPECT_LE(machine.pump().waits(), 1100U);
 }
 
+LRESULT CALLBACK addUp(HWND window, UINT message, WPARAM first, LPARAM second)
+{
+    if (message == WM_APP)
+        *reinterpret_cast<int*>(second) += static_cast<int>(first);
+    return ::DefWindowProcW(window, message, first, second);
+}
+
 TEST_F(WindowsMessagePumpTest, ATurnRunsTheMessagesOfTheThread)
 {
-    const auto procedure = [](HWND window, UINT message, WPARAM first, LPARAM second) -> LRESULT {
-        if (message == WM_APP)
-            *reinterpret_cast<int*>(second) += static_cast<int>(first);
-        return ::DefWindowProcW(window, message, first, second);
-    };
     WNDCLASSW kind{};
-    kind.lpfnWndProc = procedure;
+    kind.lpfnWndProc = &addUp;
     kind.lpszClassName = L"KELReader81U pump test";
     kind.hInstance = ::GetModuleHandleW(nullptr);
     ASSERT_NE(::RegisterClassW(&kind), 0);
