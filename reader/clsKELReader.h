@@ -25,10 +25,10 @@ class ReaderSession;
 /// an error object; `StartReader`; `ReadPage` repeatedly, or `ReadBatch` alone, which starts and ends by itself;
 /// `EndReader`.
 ///
-/// Everything runs on the thread of the caller. A wait lets the host run (`setHostPump`), and that is how a host stops
-/// it: through `CancelScan`. No method throws for a failure of the reader: a failure is reported to the
-/// error object or in a message box, and the method returns False, or ends, with what it had done by then.
-/// No property checks its value: what does not fit is refused where it is used.
+/// A reader belongs to the thread that made it: methods, events and the host's pump (`setHostPump`) run there. Only
+/// `CancelScan` may be set from any thread, and from a signal handler; it ends a wait. No method throws for a failure
+/// of the reader: a failure is reported to the error object or in a message box, and the method returns False, or ends,
+/// with what it had done by then. No property checks its value: what does not fit is refused where it is used.
 class KEL_PUBLIC clsKELReader {
 public:
     /// The class's name, as dumps of variables tell it.
@@ -133,7 +133,7 @@ public:
     [[nodiscard]] Int16 Port() const;
     void Port(Int16 value);
     /// The stop flag. True on a new object; `StartReader` clears it; a failed start or read, the end of a batch and the
-    /// host set it.
+    /// host set it: the host from any thread, and from a signal handler.
     [[nodiscard]] Boolean CancelScan() const;
     void CancelScan(Boolean value);
     /// The reader model; the printer object learns it too.
