@@ -37,10 +37,19 @@ bool hasAnswer(const Dictionary& fields)
                        [](const DictionaryKey& key) { return std::holds_alternative<Int32>(key); });
 }
 
+/// The longest printer of them all prints 135 characters; in a text, what stands for the barcode is longer than that.
+constexpr std::size_t kLongestPrintText = 1000;
+
 /// A text to print, as it goes over the line.
 std::string printText(const std::string& text)
 {
-    if (const auto line = lineOfText(text))
+    const auto line = lineOfText(text);
+    const std::size_t length = line ? line->size() : text.size();
+    if (length > kLongestPrintText)
+        throw UsageError("A text to print has " + CStr(static_cast<std::int64_t>(length)) +
+                         " characters, and at most " + CStr(static_cast<std::int64_t>(kLongestPrintText)) +
+                         " are taken.");
+    if (line)
         return *line;
     throw UsageError("'" + text + "' cannot be printed: a reader takes the characters of Latin-1 only.");
 }

@@ -10,6 +10,9 @@ namespace kel::host {
 
 namespace {
 
+/// As much of a name as is shown where it is longer than a device's can be.
+constexpr std::size_t kBeginning = 40;
+
 /// Why a line does not open. A device that has no number yet is not told of one.
 std::string reasonOf(const RuntimeFailure& failure, const PortState& state)
 {
@@ -49,6 +52,8 @@ PortState stateOfNumber(const PortMap& map, Int16 port)
     state.device = map.get(port);
     if (state.device)
         tryToOpen(port, state);
+    if (state.device && state.device->size() > PortMap::kLongestDevice)
+        state.device = state.device->substr(0, kBeginning) + "...";
     return state;
 }
 

@@ -16,7 +16,7 @@ inline constexpr Int16 kLastPort = 16;
 /// A port number, a serial device, or both, and whether it can be opened.
 struct PortState {
     std::optional<Int16> port{};         ///< 1 to 16
-    std::optional<std::string> device{}; ///< a device file or a remote line
+    std::optional<std::string> device{}; ///< a device file or a remote line; of a name that is too long its beginning
     std::string description{};           ///< what the device says of itself
     bool opens = false;
     std::string reason{}; ///< why it does not open and what to do; empty when it does
@@ -29,7 +29,8 @@ struct PortState {
 [[nodiscard]] KEL_PUBLIC std::optional<std::string> deviceOf(Int16 port);
 
 /// Maps a port number to a device or a remote line, or takes its device away. False for a number outside 1 to 16, for
-/// an empty device, for a port that has none to take away, and if the settings cannot be written.
+/// a device whose name is empty or longer than 4,096 bytes, for a port that has none to take away, and if the settings
+/// cannot be written.
 KEL_PUBLIC bool mapPort(Int16 port, const std::string& device);
 KEL_PUBLIC bool unmapPort(Int16 port);
 

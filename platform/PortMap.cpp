@@ -36,7 +36,7 @@ std::optional<std::string> PortMap::get(Int16 port) const
 
 bool PortMap::set(Int16 port, const std::string& device)
 {
-    return isPort(port) && !device.empty() &&
+    return isPort(port) && !device.empty() && device.size() <= kLongestDevice &&
            registry_.write(kHive, kSubKey, std::to_string(port), {RegistryType::Text, device});
 }
 

@@ -4,6 +4,7 @@
 #include "types/Export.h"
 #include "types/Numbers.h"
 
+#include <cstddef>
 #include <map>
 #include <optional>
 #include <string>
@@ -17,14 +18,18 @@ public:
     static constexpr Int16 kFirstPort = 1;
     static constexpr Int16 kLastPort = 16;
 
+    /// The longest name of a device, in bytes, as long as a path may be. What others have put into the registry may be
+    /// longer; it opens nothing.
+    static constexpr std::size_t kLongestDevice = 4096;
+
     explicit PortMap(Registry& registry) : registry_(registry) {}
 
     /// The device of a port: the one that this thread has put in its place, or else the mapped one; nothing if there
     /// is none.
     [[nodiscard]] std::optional<std::string> get(Int16 port) const;
 
-    /// Maps a port to a device, or takes its device away. False for a number outside 1 to 16, for an empty device,
-    /// for a port that has none to take away, and when the registry refuses it.
+    /// Maps a port to a device, or takes its device away. False for a number outside 1 to 16, for a device
+    /// whose name is empty or too long, for a port that has none to take away, and when the registry refuses it.
     bool set(Int16 port, const std::string& device);
     bool clear(Int16 port);
 

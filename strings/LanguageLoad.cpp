@@ -25,11 +25,11 @@ bool namesItsFolder(const std::string& fileName)
            (kFolderSeparator == '/' && fileName.starts_with('/'));
 }
 
+/// A pipe or a device is no language file: it has no size, and no place to go back to.
 bool isThere(const std::string& fileName)
 {
     std::error_code error;
-    const auto status = std::filesystem::status(filePath(fileName), error);
-    return std::filesystem::exists(status) && !std::filesystem::is_directory(status);
+    return std::filesystem::is_regular_file(filePath(fileName), error);
 }
 
 BoxAnswer askAboutFailure(const RuntimeFailure& failure)

@@ -4,6 +4,7 @@
 #include "cli/UsageError.h"
 #include "host/SerialDevices.h"
 #include "host/TextOutput.h"
+#include "platform/PortMap.h"
 #include "types/Text.h"
 
 #include <filesystem>
@@ -49,6 +50,10 @@ int set(const Arguments& arguments)
     if (arguments.device.empty())
         throw host::UsageError("The name of the device is empty; 'kelreader ports' lists the devices that are there.");
     const std::string device = wholeName(arguments.device);
+    if (device.size() > PortMap::kLongestDevice)
+        throw host::UsageError("The name of the device is " + CStr(static_cast<std::int64_t>(device.size())) +
+                               " bytes long, and at most " + CStr(static_cast<std::int64_t>(PortMap::kLongestDevice)) +
+                               " are taken.");
     if (!host::mapPort(iPort, device))
         throw CommandFailure("The settings store cannot be written, so port " + CStr(iPort) + " stays as it was.");
 

@@ -97,4 +97,14 @@ RuntimeFailure unmappedPortFailure(Int16 port)
     return failure(FailureCode::InvalidPortNumber, {port, {}, "has no device", "Map it to one" + mapTo(port)});
 }
 
+RuntimeFailure overlongDeviceFailure(Int16 port, std::size_t length)
+{
+    return failure(FailureCode::InvalidPortNumber,
+                   {port,
+                    {},
+                    "has a device whose name is " + std::to_string(length) + " bytes long, and at most " +
+                        std::to_string(PortMap::kLongestDevice) + " are taken",
+                    "Map it to another one" + mapTo(port)});
+}
+
 } // namespace kel

@@ -3,6 +3,7 @@
 #include "types/Numbers.h"
 #include "types/RuntimeFailure.h"
 
+#include <cstddef>
 #include <string>
 
 namespace kel {
@@ -19,5 +20,8 @@ namespace kel {
 
 /// The failure of a port number that no device is mapped to.
 [[nodiscard]] RuntimeFailure unmappedPortFailure(Int16 port);
+
+/// The failure of a device whose name is longer than one can be; its text leaves the name out.
+[[nodiscard]] RuntimeFailure overlongDeviceFailure(Int16 port, std::size_t length);
 
 } // namespace kel

@@ -34,6 +34,8 @@ std::unique_ptr<OpenLine> PosixSerialControl::open(Int16 port, const LineParamet
     const std::optional<std::string> device = PortMap(*registry_).get(port);
     if (!device)
         throw unmappedPortFailure(port);
+    if (device->size() > PortMap::kLongestDevice)
+        throw overlongDeviceFailure(port, device->size());
     return std::make_unique<ServedLine>(lineEnd(port, *device, *pump_), parameters, pump_);
 }
 

@@ -17,6 +17,8 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
 
+using Words = std::vector<std::string>;
+
 constexpr const char* kHeading = "Windows Registry Editor Version 5.00\r\n\r\n";
 
 std::string repeated(const std::string& text, std::size_t count)
@@ -156,6 +158,47 @@ TEST(HugeTranscript, IsRefusedBeyondItsLargestSize)
     expectRefused(runCommand({"replay", file.path()}), "is larger than 32 MB, the most that is taken");
     expectRefused(runCommand({"replay", TextFile("# model: 13\n# form: " + repeated("[", 500'000) + "\n").path()}),
                   "line 2: the form is not JSON: its arrays and objects are nested more than 64 deep.");
+}
+
+TEST(HugePortName, IsRefused)
+{
+    expectRefused(runCommand({"ports", "set", "3", std::string(70'000, 'x')}),
+                  "The name of the device is 70000 bytes long, and at most 4096 are taken.");
+    EXPECT_EQ(runCommand({"settings", "list", R"(HKCU\Software\KELReader81U\Ports)"}).status, 1);
+}
+
+/// A registry file can say what the command would not.
+TEST(HugePortName, InTheRegistryOpensNothing)
+{
+    const std::string key = R"(HKEY_CURRENT_USER\Software\KELReader81U\Ports)";
+    EXPECT_EQ(imported("[" + key + "]\r\n\"3\"=\"" + std::string(1'000'000, 'x') + "\"\r\n").errors, "");
+    const std::string sentence = "Port 3 has a device whose name is 1000000 bytes long, and at most 4096 are taken. "
+                                 "Map it to another one: kelreader ports set 3 DEVICE";
+
+    const CommandOutcome scan = runCommand({"scan", "--model", "13", "--port", "3"});
+    EXPECT_EQ(scan.status, 1);
+    EXPECT_THAT(scan.output, HasSubstr(sentence));
+    EXPECT_LT(scan.output.size() + scan.errors.size(), 2000U);
+
+    const CommandOutcome ports = runCommand({"ports"});
+    EXPECT_THAT(ports.output, HasSubstr(std::string(40, 'x') + "...  Invalid port number: " + sentence));
+    EXPECT_LT(ports.output.size(), 10'000U);
+    EXPECT_EQ(runCommand({"ports", "clear", "3"}).status, 0);
+    EXPECT_EQ(runCommand({"settings", "delete", key}).status, 0);
+}
+
+TEST(HugePrintText, IsRefused)
+{
+    const Words words = {"scan", "--model", "13", "--simulate", "--count", "1", "--max-sheets", "1", "--print1"};
+    const auto printed = [&](const std::string& text) {
+        Words all = words;
+        all.push_back(text);
+        return runCommand(all);
+    };
+    expectRefused(printed(repeated("{barcode}", 10'000)),
+                  "A text to print has 90000 characters, and at most 1000 are taken.");
+    expectRefused(printed(repeated("\u20ac", 10'000)), "at most 1000 are taken.");
+    EXPECT_THAT(printed(repeated("\u00e4", 1000)).output, HasSubstr("{\"event\":\"end\""));
 }
 
 } // namespace

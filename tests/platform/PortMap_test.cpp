@@ -65,6 +65,13 @@ TEST_F(PortMapTest, HasPortsOneToSixteen)
     EXPECT_TRUE(map.all().empty());
 }
 
+TEST_F(PortMapTest, TakesNamesAsLongAsAPathMayBe)
+{
+    EXPECT_TRUE(map.set(1, std::string(4096, 'x')));
+    EXPECT_FALSE(map.set(1, std::string(4097, 'y')));
+    EXPECT_EQ(map.get(1), std::string(4096, 'x'));
+}
+
 TEST_F(PortMapTest, WhatIsNoTextIsNoDevice)
 {
     ASSERT_TRUE(

@@ -247,6 +247,11 @@ TEST_F(LanguageDatabaseTest, TakesNoFileOfMoreThan16Megabytes)
     EXPECT_EQ(fresh().RTString(1), "one");
 }
 
+TEST_F(LanguageDatabaseTest, TakesNoDeviceForAFile)
+{
+    EXPECT_EQ(fresh("/dev/zero").RTString(1), "Language database file /dev/zero not found.");
+}
+
 TEST_F(LanguageDatabaseTest, PutsTheComponentsFolderInFrontOfABareName)
 {
     folder.write("other.txt", twoLanguages().text());
