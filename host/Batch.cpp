@@ -3,6 +3,7 @@
 #include "host/LoadedSettings.h"
 #include "host/PropertyTable.h"
 #include "host/Reports.h"
+#include "host/StopCarrier.h"
 #include "host/UsageError.h"
 #include "platform/Platform.h"
 #include "types/LineText.h"
@@ -207,6 +208,10 @@ public:
                                                       }),
           pumps_(stopWanted != nullptr && asked == StopAsked::InEachTurn)
     {
+        if (stopWanted) {
+            carrier_ = reader.fComm();
+            reader.fComm(makeReference<StopCarrier>(carrier_, stopWanted));
+        }
         if (pumps_)
             platform().pump().hostPump([listener = listener_] { listener->stopIfWanted(); });
     }
@@ -215,6 +220,8 @@ public:
     {
         if (pumps_)
             platform().pump().hostPump({});
+        if (carrier_)
+            reader_.fComm(carrier_);
         reader_.Unadvise(cookie_);
     }
 
@@ -231,6 +238,7 @@ private:
     std::vector<Failure> failures_;
     Reports reports_;
     bool pumps_;
+    Reference<Carrier> carrier_; // the one that the reader gets back
 };
 
 Result runScan(clsKELReader& reader, const Request& request, Events& sink, const std::function<bool()>& stopWanted,

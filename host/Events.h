@@ -15,7 +15,7 @@ namespace kel::host {
 /// When a batch asks whether it is to stop.
 enum class StopAsked {
     InEachTurn,  ///< in every turn of its waits, so that these have a clock
-    AtEachSheet, ///< before and after a sheet; waits end by `CancelScan` alone, which somebody else sets
+    AtEachSheet, ///< before and after a sheet; `CancelScan`, which somebody else sets, is what ends or hurries a wait
 };
 
 /// A mark on a sheet: its row and column from 1, and its value, never 0.

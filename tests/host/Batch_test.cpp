@@ -284,5 +284,32 @@ TEST(PrintText, PlaceholdersAreFilledIn)
     EXPECT_EQ(host::filledIn("{other} {barcode}", 7, "{sheet}"), "{other} {sheet}");
 }
 
+/// A Sekonic reader's first wait does not look at the stop flag, and lasts as long as the host has said.
+TEST(StoppedBatch, DoesNotWaitForASilentReaderToTheEndOfItsTime)
+{
+    using namespace std::chrono_literals;
+    SimulatedPlatform machine;
+    const PlatformScope scope(machine);
+    SimulatorOptions options;
+    options.faults = {Fault{.kind = Fault::Kind::Silent, .byte = 1}};
+    const auto device = makeSimulator(kelReaderTypeScanningSystemsSR601, std::move(options));
+    machine.attach(1, *device);
+    bool stopped = false;
+    machine.at(5s, [&] { stopped = true; });
+
+    host::Request request;
+    request.model = kelReaderTypeScanningSystemsSR601;
+    request.port = Int16{1};
+    request.assignments = {"Timeout=600"};
+    clsKELReader reader;
+    const Reference<Carrier> carrier = reader.fComm();
+    JsonLines nobody([](const std::string&) {});
+    host::prepareReader(reader, request);
+    EXPECT_TRUE(host::runScan(reader, request, nobody, [&] { return stopped; }).end.cancelScan);
+    EXPECT_LT(machine.now(), 60s);
+    EXPECT_EQ(reader.fComm(), carrier);
+    EXPECT_FALSE(machine.line(1).isOpen());
+}
+
 } // namespace
 } // namespace kel::test
