@@ -4,6 +4,7 @@
 #include "cli/Commands.h"
 #include "cli/UsageError.h"
 #include "formats/NearestNames.h"
+#include "startup/Main.h"
 #include "strings/LanguageDatabase.h"
 #include "strings/LetterCase.h"
 #include "types/Text.h"
@@ -12,6 +13,7 @@
 #include <csignal>
 #include <fcntl.h>
 #include <iostream>
+#include <system_error>
 #include <unistd.h>
 
 namespace kel {
@@ -105,6 +107,29 @@ void endOutOfTime(int)
     ::_exit(kFailedStatus);
 }
 
+int parseAndRun(int argc, const char* const* argv)
+{
+    CLI::App app("Reads sheets with optical mark readers.", "kelreader");
+    app.set_version_flag("--version", "kelreader " KEL_VERSION);
+    app.require_subcommand(1);
+    Commands commands(app);
+#define KEL_ADD_COMMAND(add) add(commands);
+    KEL_COMMANDS(KEL_ADD_COMMAND)
+#undef KEL_ADD_COMMAND
+
+    try {
+        std::vector<std::string> arguments = argumentsOf(argc, argv);
+        demandKnownCommand(app, arguments.empty() ? "" : arguments.front());
+        std::reverse(arguments.begin(), arguments.end()); // as the parser takes them from the end
+        app.parse(std::move(arguments));
+        demandValues(app);
+        chooseLanguage(commands.language());
+        return commands.runChosen();
+    } catch (const CLI::ParseError& error) {
+        return answerParser(app, error);
+    }
+}
+
 } // namespace
 
 CLI::App& Commands::add(CLI::App& parent, const std::string& name, const std::string& description, Run run)
@@ -140,30 +165,20 @@ int runCommandLine(int argc, const char* const* argv)
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);
     std::signal(SIGXCPU, &endOutOfTime);
-
-    CLI::App app("Reads sheets with optical mark readers.", "kelreader");
-    app.set_version_flag("--version", "kelreader " KEL_VERSION);
-    app.require_subcommand(1);
-    Commands commands(app);
-#define KEL_ADD_COMMAND(add) add(commands);
-    KEL_COMMANDS(KEL_ADD_COMMAND)
-#undef KEL_ADD_COMMAND
-
     try {
-        std::vector<std::string> arguments = argumentsOf(argc, argv);
-        demandKnownCommand(app, arguments.empty() ? "" : arguments.front());
-        std::reverse(arguments.begin(), arguments.end()); // as the parser takes them from the end
-        app.parse(std::move(arguments));
-        demandValues(app);
-        chooseLanguage(commands.language());
-        return commands.runChosen();
-    } catch (const CLI::ParseError& error) {
-        return answerParser(app, error);
+        Main(); // reads a setting, and may meet each of these
+        return parseAndRun(argc, argv);
     } catch (const host::UsageError& error) {
         return complain(error.what(), kUsageStatus);
     } catch (const std::bad_alloc&) {
         return complain("There is not enough memory; close other programs or raise the limit (ulimit -v).",
                         kFailedStatus);
+    } catch (const std::system_error& failure) {
+        if (failure.code() == std::errc::resource_unavailable_try_again)
+            return complain("The system gives this process no further thread; end other programs or raise the limit "
+                            "(ulimit -u).",
+                            kFailedStatus);
+        return complain(failure.what(), kFailedStatus);
     } catch (const std::exception& failure) {
         return complain(failure.what(), kFailedStatus);
     }
