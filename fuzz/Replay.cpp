@@ -1,3 +1,4 @@
+#include "tests/support/LongRun.h"
 #include "types/Numbers.h"
 
 #include <gtest/gtest.h>
@@ -63,13 +64,18 @@ std::vector<std::filesystem::path> inputsOf(const Target& target)
     return files;
 }
 
+std::string contentOf(const std::filesystem::path& file)
+{
+    std::ifstream input(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(input), {}};
+}
+
 /// Nothing may come out of a target, no exception either. The copy has the very size: what is read behind its end is
 /// found.
-void run(const Target& target, const std::filesystem::path& file) noexcept
+void run(const Target& target, const std::string& name, const std::string& input) noexcept
 {
-    underWay = file.string();
-    std::ifstream input(file, std::ios::binary);
-    const std::vector<char> content(std::istreambuf_iterator<char>(input), {});
+    underWay = name;
+    const std::vector<char> content(input.begin(), input.end());
     target.run(reinterpret_cast<const Byte*>(content.data()), content.size());
 }
 
@@ -91,10 +97,37 @@ TEST_P(Corpus, IsTaken)
     const auto files = inputsOf(GetParam());
     EXPECT_FALSE(files.empty()) << "there are no inputs in " << kCorpus / GetParam().name;
     for (const auto& file : files)
-        run(GetParam(), file);
+        run(GetParam(), file.string(), contentOf(file));
 }
 
 INSTANTIATE_TEST_SUITE_P(Targets, Corpus, testing::ValuesIn(kTargets), nameOf);
+
+/// The longest input, as scripts/check-release.sh has it too; by default a sixteenth of it.
+const std::size_t kLongest = sampled(1U << 20, 1U << 16);
+
+/// Deep, long and many: a target has to end with each.
+class Longest : public testing::TestWithParam<Target> {};
+
+TEST_P(Longest, InputsAreTaken)
+{
+    tellInputAtTheEnd();
+    std::vector<std::string> pieces = {
+        std::string(1, '\0'), "\xFF", "[", "{\"a\":", "\r\n", "< 0D\n", "+ 1\n", "\\a", "=", "0,"};
+    // What a target knows, again and again.
+    const auto files = inputsOf(GetParam());
+    for (std::size_t place = 0; place < std::min<std::size_t>(files.size(), 3); ++place)
+        pieces.push_back(contentOf(files[place * files.size() / 3]));
+    for (const std::string& piece : pieces) {
+        for (const char first : {'\0', '\1', '\2'}) { // some targets choose by the first byte
+            std::string input(1, first);
+            while (!piece.empty() && input.size() + piece.size() <= kLongest)
+                input += piece;
+            run(GetParam(), "what is as long as can be: " + testing::PrintToString(piece.substr(0, 40)), input);
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Targets, Longest, testing::ValuesIn(kTargets), nameOf);
 
 TEST(Corpora, BelongToTargets)
 {

@@ -92,8 +92,8 @@ void addPortsCommand(Commands& commands)
     setPort.add_option("number", arguments->port, "Port number, 1 to 16")->required();
     setPort.add_option("device", arguments->device, "Device, such as /dev/serial/by-id/...")->required();
 
-    CLI::App& clearPort = commands.add(ports, "clear", "Removes a port number's device",
-                                       [arguments] { return clear(*arguments); });
+    CLI::App& clearPort =
+        commands.add(ports, "clear", "Removes a port number's device", [arguments] { return clear(*arguments); });
     clearPort.add_option("number", arguments->port, "Port number, 1 to 16")->required();
 }
 

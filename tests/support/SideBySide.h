@@ -25,15 +25,21 @@ private:
 };
 
 /// Runs the parts of a test, 0 to `parts` - 1, in a thread each, and waits for all. Dialogues with fixed pauses mostly
-/// sleep: side by side they cost no more time than the longest. None of them may report anything.
-inline void sideBySide(std::size_t parts, const std::function<void(std::size_t part)>& body)
+/// sleep: in parallel they cost no more time than the longest.
+inline void inParallel(std::size_t parts, const std::function<void(std::size_t part)>& body)
 {
-    setErrorObject(std::make_shared<NoReports>());
     std::vector<std::thread> threads;
     for (std::size_t part = 0; part < parts; ++part)
         threads.emplace_back(body, part);
     for (std::thread& thread : threads)
         thread.join();
+}
+
+/// The same for parts none of which may report anything.
+inline void sideBySide(std::size_t parts, const std::function<void(std::size_t part)>& body)
+{
+    setErrorObject(std::make_shared<NoReports>());
+    inParallel(parts, body);
     setErrorObject(nullptr);
 }
 

@@ -1,0 +1,91 @@
+#!/usr/bin/env bash
+# What is too long for every run of the tests, before a release. Each part prints what it counted, and ends the script
+# when it fails.
+# Usage: scripts/check-release.sh [pty] [sweep] [cycles] [scarce] [threads] [fuzz]   (default: all)
+#
+#   pty      all sessions over a pseudo-terminal and with hostile servers; the tests run a sample of them
+#   sweep    a reader that is unplugged, falls silent or sends a wrong byte, at every byte of a short session
+#   cycles   ten thousand starts and ends of a session a family, under the leak checker
+#   scarce   the command with little memory, no room for files, no threads, no descriptors, no processor time
+#   threads  64 threads at once under the thread sanitizer
+#   fuzz     the replay with inputs of a megabyte; ten minutes of each fuzz target, or KEL_FUZZ_SECONDS, with limits of
+#            length, time and memory
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+fail() { echo "check-release.sh: $*" >&2; exit 1; }
+parts=("$@")
+[ ${#parts[@]} -gt 0 ] || parts=(pty sweep cycles scarce threads fuzz)
+
+# Configures a preset, and builds some of its targets.
+build() {
+    local preset=$1 log=build/check-release-$1.log
+    shift
+    mkdir -p build
+    { cmake --preset "$preset" && cmake --build --preset "$preset" --parallel "$(nproc)" --target "$@"; } >"$log" 2>&1 ||
+        { tail -n 40 "$log" >&2; fail "$preset does not build"; }
+}
+
+# Runs tests in full and in shards side by side, and adds up what they counted.
+long_tests() {
+    local filter=$1 shards=$2 logs failed=0 processes=()
+    build asan kel_tests
+    logs=$(mktemp -d)
+    for ((shard = 0; shard < shards; ++shard)); do
+        KEL_LONG_TESTS=1 GTEST_TOTAL_SHARDS=$shards GTEST_SHARD_INDEX=$shard build/asan/bin/kel_tests \
+            --gtest_brief=1 --gtest_filter="$filter" >"$logs/$shard" 2>&1 &
+        processes+=($!)
+    done
+    for process in "${processes[@]}"; do wait "$process" || failed=1; done
+    [ $failed -eq 0 ] || { grep -hv '^counted: ' "$logs"/* >&2; fail "$filter failed; the logs are in $logs"; }
+    cat "$logs"/* | awk '
+        /^\[  PASSED  \]/ { tests += $4 }
+        /^counted: /      { n = $2; $1 = $2 = ""; counts[$0] += n }
+        END { print "  " tests " tests"; for (what in counts) print "  " counts[what] what }'
+    rm -r "$logs"
+}
+
+# Sessions over a pseudo-terminal mostly wait: there are more shards than cores.
+check_pty() { long_tests '*OverAPseudoTerminal*:*Hostile*:-*FaultSweep*' 8; }
+check_sweep() { long_tests '*FaultSweep*' 8; }
+check_cycles() { long_tests '*StartAndEndCycles*' "$(nproc)"; }
+check_scarce() {
+    build release kelreader
+    python3 -B scripts/check_scarce_systems.py build/release/bin/kelreader
+}
+check_threads() {
+    build tsan kel_thread_stress
+    TSAN_OPTIONS=halt_on_error=1 build/tsan/bin/kel_thread_stress
+}
+check_fuzz() {
+    scripts/install-packages.sh fuzz
+    local found name
+    found=$(mktemp -d)
+    build asan fuzz_replay
+    KEL_LONG_TESTS=1 build/asan/bin/fuzz_replay --gtest_brief=1 >"$found/replay.log" 2>&1 ||
+        { tail -n 40 "$found/replay.log" >&2; fail "the replay fails; its log is in $found"; }
+    echo "  $(grep -o 'PASSED.*' "$found/replay.log") of the replay"
+    build fuzz all
+    for target in fuzz/*_fuzz.cpp; do
+        name=$(basename "$target" .cpp)
+        mkdir -p "$found/$name"
+        # An input of a megabyte takes its time under the sanitizers; one that takes minutes is a find.
+        build/fuzz/bin/"$name" -max_total_time="${KEL_FUZZ_SECONDS:-600}" -max_len=1048576 -timeout=120 \
+            -rss_limit_mb=2048 -detect_leaks=0 -artifact_prefix="$found/$name-" "$found/$name" \
+            "fuzz/corpus/${name%_fuzz}" >"$found/$name.log" 2>&1 ||
+            { tail -n 40 "$found/$name.log" >&2; fail "$name has found something; it is in $found"; }
+        echo "  $name: $(grep -o 'Done [0-9]* runs' "$found/$name.log" | tail -n 1)"
+    done
+    rm -r "$found"
+}
+
+for part in "${parts[@]}"; do
+    declare -F "check_$part" >/dev/null ||
+        fail "there is no part '$part'; there are pty, sweep, cycles, scarce, threads and fuzz"
+done
+scripts/install-packages.sh build test
+for part in "${parts[@]}"; do
+    echo "$part:"
+    "check_$part"
+done
+echo "all of it is well"
