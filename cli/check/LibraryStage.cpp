@@ -53,33 +53,13 @@ bool wantsBarcodes(const CheckRun& run)
     return static_cast<bool>(reader.Barcode());
 }
 
-/// Whether the reader opens; asks it how it is set, and closes it.
-void askReader(CheckRun& run, OmrApi& library)
-{
-    CheckResult result{.stage = kStage, .name = "the reader opens", .status = CheckStatus::Pass};
-    if (library.OMR_OpenDeviceUSB() != 0) {
-        result.status = CheckStatus::Fail;
-        result.seen = "error " + std::to_string(library.OMR_GetLastError());
-        result.cause = Cause::NotConnected;
-        run.reachable = false;
-        run.whyNot = "the reader does not open";
-    }
-    run.add(result);
-    if (run.reachable) {
-        checkState(run, library);
-        checkBarcodeUnit(run, library, wantsBarcodes(run));
-    }
-    library.OMR_CloseDevice();
-}
-
-} // namespace
-
-void libraryStage(CheckRun& run)
+/// Opens the reader; nothing if its library is not there.
+std::optional<Int32> open(CheckRun& run)
 {
     CheckResult result{.stage = kStage, .name = "the maker's library is there", .status = CheckStatus::Pass};
-    OmrApi* library = nullptr;
+    std::optional<Int32> opened;
     try {
-        library = &omrApi();
+        opened = omrApi().OMR_OpenDeviceUSB();
     } catch (const RuntimeFailure& failure) {
         result.status = CheckStatus::Fail;
         result.seen = failure.text();
@@ -88,8 +68,30 @@ void libraryStage(CheckRun& run)
         run.whyNot = "there is no library";
     }
     run.add(result);
-    if (library)
-        askReader(run, *library);
+    return opened;
+}
+
+} // namespace
+
+void libraryStage(CheckRun& run)
+{
+    const std::optional<Int32> opened = open(run);
+    if (!opened)
+        return;
+    CheckResult result{.stage = kStage, .name = "the reader opens", .status = CheckStatus::Pass};
+    if (*opened != 0) {
+        result.status = CheckStatus::Fail;
+        result.seen = "error " + std::to_string(omrApi().OMR_GetLastError());
+        result.cause = Cause::NotConnected;
+        run.reachable = false;
+        run.whyNot = "the reader does not open";
+    }
+    run.add(result);
+    if (run.reachable) {
+        checkState(run, omrApi());
+        checkBarcodeUnit(run, omrApi(), wantsBarcodes(run));
+    }
+    omrApi().OMR_CloseDevice();
 }
 
 } // namespace kel

@@ -319,7 +319,9 @@ Cause causeOfPace(const Pace& pace, double character)
 
 CheckResults judgeSheets(const SheetsSeen& seen)
 {
-    CheckResults results{checkCount(seen), checkStatus(seen)};
+    CheckResults results{checkCount(seen)};
+    if (const CheckResult status = checkStatus(seen); status.status != CheckStatus::NotApplicable)
+        results.push_back(status);
     if (seen.sheets.empty())
         return results;
     for (const auto check : {checkErrors, checkTimingMarks, checkHead, checkSame, checkRange, checkBarcodes, checkPace})
