@@ -109,7 +109,28 @@ Cause causeOfFailure(const SheetsSeen& seen)
     return Cause::Jam;
 }
 
+/// LF, two bytes a row, CR.
+bool isOddPage(const std::string& reply)
+{
+    const std::size_t begin = reply.find('\n');
+    return begin != std::string::npos && reply.ends_with('\r') && (reply.size() - begin) % 2 != 0;
+}
+
 } // namespace
+
+bool missesXon(const SheetsSeen& seen, bool rowsAreMissing)
+{
+    if (seen.usb || dialectOf(seen.model).dialect != Dialect::PeripheralDynamics)
+        return false;
+    bool odd = false;
+    for (const Exchange& exchange : seen.dialogue.exchanges) {
+        const std::string reply = exchange.reply();
+        if (reply.find_first_of("\x11\x13") != std::string::npos)
+            return false;
+        odd = odd || (exchange.sent == "8" && isOddPage(reply));
+    }
+    return odd || rowsAreMissing;
+}
 
 Cause causeOfMissing(const SheetsSeen& seen)
 {
@@ -117,7 +138,7 @@ Cause causeOfMissing(const SheetsSeen& seen)
         return seen.errors.parity + seen.errors.framing > 0 ? Cause::Garbled : Cause::BytesLost;
     if (seen.behind && judgeReplies(dialectOf(seen.model).dialect, *seen.behind) == ReplyKind::Silence)
         return Cause::SwitchedOff;
-    if (seen.swallowsXon)
+    if (seen.swallowsXon || missesXon(seen, false))
         return Cause::BytesSwallowed;
     if (statusIsMissing(seen))
         return Cause::StatusShorter;

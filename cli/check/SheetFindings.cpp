@@ -78,14 +78,6 @@ CheckResult checkErrors(const SheetsSeen& seen)
     return result;
 }
 
-/// Whether a byte of those that a port may take for XON or XOFF has come at all.
-bool hasXon(const Dialogue& dialogue)
-{
-    return std::ranges::any_of(dialogue.exchanges, [](const Exchange& exchange) {
-        return exchange.reply().find_first_of("\x11\x13") != std::string::npos;
-    });
-}
-
 /// Rows that sheets have less than others, or than the form.
 CheckResult checkTimingMarks(const SheetsSeen& seen)
 {
@@ -97,6 +89,11 @@ CheckResult checkTimingMarks(const SheetsSeen& seen)
         result.seen += (result.seen.empty() ? "" : ", ") + std::to_string(each);
     if (seen.formRows)
         result.expected = std::to_string(*seen.formRows);
+    if (missesXon(seen, false)) {
+        result.status = CheckStatus::Fail;
+        result.cause = Cause::BytesSwallowed;
+        return result;
+    }
     const std::vector<SheetRows> sides = sidesOf(seen, 1);
     for (std::size_t at = 0; at < sides.size(); ++at)
         for (std::size_t other = 0; other < sides.size(); ++other) {
@@ -114,8 +111,7 @@ CheckResult checkTimingMarks(const SheetsSeen& seen)
     if (!allShort)
         return result;
     result.status = CheckStatus::Warn;
-    const bool swallowed = dialectOf(seen.model).dialect == Dialect::PeripheralDynamics && !hasXon(seen.dialogue);
-    result.cause = swallowed ? Cause::BytesSwallowed : Cause::SkewedSheet;
+    result.cause = missesXon(seen, true) ? Cause::BytesSwallowed : Cause::SkewedSheet;
     return result;
 }
 

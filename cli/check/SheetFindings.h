@@ -44,6 +44,10 @@ using SheetRows = std::vector<std::vector<Int16>>;
 /// Why fewer sheets came than were put in.
 [[nodiscard]] Cause causeOfMissing(const SheetsSeen& seen);
 
+/// Whether a VMR138's sheets lack bytes, and all bytes that did come are none of those that a port may take for XON or
+/// XOFF. It sends two a row: an odd number has lost one. `rowsAreMissing` if an even number did not.
+[[nodiscard]] bool missesXon(const SheetsSeen& seen, bool rowsAreMissing);
+
 /// What the pace of the reader's bytes says of the line. None if it is as it should be.
 [[nodiscard]] Cause causeOfPace(const Pace& pace, double character);
 

@@ -126,7 +126,7 @@ std::string pageText()
            "Faults of a reader's site, each made in a simulated reader of each family, and what a check with `--search "
            "--sheets 3` says of it. [All readers](common.md) has what to do first.\n";
     for (const SimulatedFamily family : kSimulatedFamilies) {
-        page << "\n## " << nameOf(family) << "\n\nA " << ReturnReaderName(representative(family))
+        page << "\n## " << nameOf(family) << "\n\nSimulated: " << ReturnReaderName(representative(family))
              << ".\n\n| Fault | Named | The operator reads |\n|---|---|---|\n";
         for (const Row& row : table()) {
             if (row.family != family)
