@@ -1,6 +1,7 @@
 #pragma once
 
 #include "profiles/CatalogueModel.h"
+#include "types/Export.h"
 
 #include <span>
 
@@ -13,7 +14,7 @@ struct CatalogueGroup {
 };
 
 /// The makers and their models, in the order in which records and the dialog's list have them.
-[[nodiscard]] std::span<const CatalogueGroup> catalogue();
+[[nodiscard]] KEL_INTERNAL std::span<const CatalogueGroup> catalogue();
 
 /// What stands before them in every choice: no reader.
 [[nodiscard]] const CatalogueModel& noReader();
