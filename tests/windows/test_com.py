@@ -9,7 +9,7 @@ import subprocess
 import tempfile
 import unittest
 
-from harness import (BIN, PATIENCE, READER_PROGRAM, FarEnd, SimulatedReader, WindowsTest, class_keys, environment,
+from harness import (BIN, PATIENCE, READER_PROGRAM, WIDTH, FarEnd, SimulatedReader, WindowsTest, class_keys, environment,
                      machine_wide, registry_has, wine, windows_path)
 
 EVENTS_PORT = 3
@@ -34,6 +34,10 @@ READER_INTERFACE = r"\Interface\{872252CF-07E3-44D5-AB6C-AD1B55B5E3DE}"
 READER_NAME = r"\KELReader81U.clsKELReader"
 
 
+# For what has no width: its programs are made for one.
+once = unittest.skipUnless(WIDTH == 64, "run in 64 bits")
+
+
 class Clients(WindowsTest):
     def test_surface(self):
         self.run_program("com_surface.exe")
@@ -46,6 +50,7 @@ class Clients(WindowsTest):
             self.run_program("com_events.exe", EVENTS_PORT)
         self.assertNotIn("fault", [event["event"] for event in reader.events])
 
+    @once
     def test_records(self):
         # The reader feeds by itself: a sheet more than the host asks for would come in place of the last answer.
         with SimulatedReader(model=40, port=RECORDS_PORT, seed=5, count=2) as reader:
@@ -62,10 +67,12 @@ class Clients(WindowsTest):
     def test_faults(self):
         self.run_program(BIN / "com_faults.exe", cwd=BIN / "faulty")
 
+    @once
     def test_reload(self):
         with SimulatedReader(model=21, port=EVENTS_PORT, count=1):
             self.run_program("com_reload.exe", EVENTS_PORT)
 
+    @once
     def test_lifetime(self):
         with SimulatedReader(model=21, port=SHEETS_PORT, count=1):
             print(self.run_program("com_lifetime.exe", SHEETS_PORT, timeout=PATIENCE))
@@ -88,6 +95,7 @@ class Texts(WindowsTest):
         file.write_text(json.dumps(content))
         return file
 
+    @once
     def test_code_pages(self):
         for page, (language, text) in CODE_PAGES.items():
             with self.subTest(page):

@@ -6,7 +6,7 @@ import time
 import unittest
 
 from both_widths import BINS, BothWidths
-from harness import PREFIX, registry_has, registry_values, wine
+from harness import PATIENCE, PREFIX, registry_has, registry_values, wine
 
 PROJECT = pathlib.Path(__file__).resolve().parents[2]
 UNINSTALL = r"\Software\Microsoft\Windows\CurrentVersion\Uninstall\KELReader81U"
@@ -33,12 +33,12 @@ class Installer(BothWidths):
         return output
 
     def install(self, program, *arguments):
-        self.run_program(program, "/S", *arguments, cwd=self.folder, width=32, timeout=120)
+        self.run_program(program, "/S", *arguments, cwd=self.folder, width=32)
 
     def uninstall(self, place, *arguments):
         """The uninstaller goes on in a copy of its own: it has ended when the folder is gone."""
         wine(place / "uninstall.exe", "/S", *arguments, cwd=self.folder, width=32, check=True)
-        end = time.monotonic() + 120
+        end = time.monotonic() + PATIENCE
         while place.exists() and time.monotonic() < end:
             time.sleep(0.1)
         self.assertFalse(place.exists(), list(place.rglob("*")) if place.exists() else "")
@@ -60,7 +60,8 @@ class Installer(BothWidths):
         self.assertEqual(self.entry("HKLM", "Publisher"), "The KELReader81U developers")
         self.assertEqual(len(links()), 4)
 
-        wine("reg", "add", HOSTS_KEY, "/v", "ScannerType", "/d", "13", check=True)
+        self.addCleanup(wine, "reg", "delete", HOSTS_KEY, "/f")
+        wine("reg", "add", HOSTS_KEY, "/v", "ScannerType", "/d", "13", "/f", check=True)
         (MACHINE / "docs" / "of the old version.md").write_text("")
         self.install(new, "/AllUsers")
         self.assertEqual(self.entry("HKLM", "DisplayVersion"), "8.1.0")
