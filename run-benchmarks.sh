@@ -6,7 +6,7 @@ cd "$(dirname "$0")"
 
 scripts/install-packages.sh build test windows
 cmake --preset release >/dev/null
-cmake --build --preset release --parallel "$(nproc)" --target kel_benchmarks kelreader
+cmake --build --preset release --parallel "$(nproc)" --target kel_benchmarks kel_python kelreader
 results=build/release/benchmarks.json
 build/release/bin/kel_benchmarks --benchmark_counters_tabular=true --benchmark_out="$results" \
     --benchmark_out_format=json "$@"
@@ -19,5 +19,12 @@ if [ $# -eq 0 ]; then
     cmake --build --preset windows --parallel "$(nproc)" --target com_lifetime >/dev/null
     python3 benchmarks/com_calls.py build/windows build/release/bin/kelreader "$com_results"
 fi
+
+# What a host in Python pays.
+python_results=build/release/python_sheets.json
+rm -f "$python_results"
+if [ $# -eq 0 ]; then
+    PYTHONPATH=build/release/python /usr/bin/python3 benchmarks/python_sheets.py --out "$python_results"
+fi
 echo
-python3 benchmarks/goals.py "$results" $(find "$com_results" 2>/dev/null || true)
+python3 benchmarks/goals.py "$results" $(find "$com_results" "$python_results" 2>/dev/null || true)

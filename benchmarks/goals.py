@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Prints the measured figures beside what they are to reach, and beside the nearest thing that a host would write.
 
-Usage: goals.py RESULTS.json...    (as kel_benchmarks --benchmark_out and com_calls.py write them)
+Usage: goals.py RESULTS.json...    (as kel_benchmarks --benchmark_out, com_calls.py and python_sheets.py write them)
 """
 
 import json
@@ -45,6 +45,10 @@ GOALS = [
     ("COM: property by vtable", "Com_PropertyByVtable", "time_ns", 1, "ns", "< 50", None),
     ("COM: property by IDispatch", "Com_PropertyByIDispatch", "time_ns", 1e-3, "us", "< 2", None),
     ("COM: property by name", "Com_PropertyByName", "time_ns", 1e-3, "us", None, None),
+    ("Python: a sheet from the event to its array", "Python_EventToArray", "us_p50", 1, "us", "< 20", None),
+    ("Python: the same, p99", "Python_EventToArray", "us_p99", 1, "us", None, None),
+    ("Python: 64 readers, event to array", "Python_SixtyFourReaders", "us_p50", 1, "us", None, None),
+    ("Python: memory that 1,000 sessions leave", "Python_Sessions", "kB", 1, "kB", None, None),
     ("COM: a reader made and released", "Com_Creation", "time_ns", 1e-6, "ms", "< 1", None),
 ]
 

@@ -19,6 +19,15 @@ Json jsonMarks(const MarkArray& marks)
     return rows;
 }
 
+struct JsonOfValue {
+    Json operator()(std::monostate) const { return nullptr; }
+    template <class Value>
+    Json operator()(const Value& value) const
+    {
+        return value;
+    }
+};
+
 } // namespace
 
 Json jsonSheet(const host::Sheet& event)
@@ -51,6 +60,16 @@ Json jsonFailure(const host::Failure& event)
 std::string jsonLine(const host::Sheet& event)
 {
     return jsonText(jsonSheet(event));
+}
+
+std::string jsonLine(const host::Sheet& event, const std::vector<host::Field>& fields)
+{
+    const std::vector<std::string> columns = host::columnsOf(fields);
+    const std::vector<host::FieldValue> row = host::rowOf(fields, event);
+    Json line = {{"event", "sheet"}};
+    for (std::size_t i = 0; i < columns.size(); ++i)
+        line[columns[i]] = std::visit(JsonOfValue{}, row[i]);
+    return jsonText(line);
 }
 
 std::string jsonLine(const host::Failure& event)

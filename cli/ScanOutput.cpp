@@ -4,6 +4,7 @@
 #include "cli/SheetCsv.h"
 #include "cli/SheetPage.h"
 #include "cli/SheetTable.h"
+#include "host/UsageError.h"
 
 #include <iostream>
 #include <sys/ioctl.h>
@@ -21,8 +22,19 @@ std::size_t terminalWidth()
 
 } // namespace
 
+std::optional<std::vector<host::Field>> wantedFields(bool wanted, const host::Form& form, const std::string& format)
+{
+    if (!wanted)
+        return std::nullopt;
+    if (format != "json" && format != "csv")
+        throw host::UsageError("--fields goes with --format json and csv only; leave it out for " + format + ".");
+    if (form.fields.empty())
+        throw host::UsageError("--fields needs names for what is on a sheet: give a --form FILE that has \"fields\".");
+    return form.fields;
+}
+
 ScanOutput::ScanOutput(const std::string& outFile, const std::string& format, const std::string& title,
-                       const PictureForm& form)
+                       const PictureForm& form, const std::optional<std::vector<host::Field>>& fields)
 {
     if (!outFile.empty())
         output_.emplace(outFile);
@@ -37,13 +49,13 @@ ScanOutput::ScanOutput(const std::string& outFile, const std::string& format, co
         std::cerr << "kelreader: " << text << std::flush;
     };
     if (format == "csv")
-        lines_ = std::make_unique<SheetCsv>(write, tell);
+        lines_ = std::make_unique<SheetCsv>(write, tell, fields);
     else if (format == "table")
         lines_ = std::make_unique<TableText>(write, tell, terminalWidth());
     else if (format == "html")
         lines_ = std::make_unique<SheetPage>(write, tell, title, form);
     else
-        lines_ = std::make_unique<JsonLines>(write, tell);
+        lines_ = std::make_unique<JsonLines>(write, tell, fields);
 }
 
 void ScanOutput::addPictures(const std::filesystem::path& folder, const PictureForm& form)

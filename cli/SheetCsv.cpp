@@ -40,6 +40,13 @@ std::string trueOrFalse(bool value)
     return value ? "true" : "false";
 }
 
+struct TextOfValue {
+    std::string operator()(std::monostate) const { return {}; }
+    std::string operator()(bool value) const { return trueOrFalse(value); }
+    std::string operator()(Int32 value) const { return CStr(value); }
+    std::string operator()(const std::string& value) const { return value; }
+};
+
 } // namespace
 
 std::string csvLine(const std::vector<std::string>& fields)
@@ -78,14 +85,21 @@ std::vector<std::string> csvFields(const host::Sheet& sheet)
 void SheetCsv::writeHeading()
 {
     if (!headingWritten_)
-        write_(csvLine(csvHeading()));
+        write_(csvLine(fields_ ? host::columnsOf(*fields_) : csvHeading()));
     headingWritten_ = true;
 }
 
 void SheetCsv::sheet(const host::Sheet& event)
 {
     writeHeading();
-    write_(csvLine(csvFields(event)));
+    if (!fields_) {
+        write_(csvLine(csvFields(event)));
+        return;
+    }
+    std::vector<std::string> row;
+    for (const host::FieldValue& value : host::rowOf(*fields_, event))
+        row.push_back(std::visit(TextOfValue{}, value));
+    write_(csvLine(row));
 }
 
 void SheetCsv::failure(const host::Failure& event)

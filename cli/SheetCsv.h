@@ -1,8 +1,10 @@
 #pragma once
 
 #include "host/Events.h"
+#include "host/Fields.h"
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -17,12 +19,15 @@ namespace kel {
 
 /// The scan as a table for a spreadsheet: a heading, then one row a sheet. `side1` and `side2` hold the marks alone,
 /// as row:column=value with blanks between; several barcodes stand with blanks between. Failures are no rows: they go
-/// to `tell`, as the end does not.
+/// to `tell`, as the end does not. With fields a row has their columns in the place of the marks.
 class SheetCsv final : public host::Events {
 public:
     using Write = std::function<void(const std::string& text)>;
 
-    SheetCsv(Write write, Write tell) : write_(std::move(write)), tell_(std::move(tell)) {}
+    SheetCsv(Write write, Write tell, std::optional<std::vector<host::Field>> fields = {})
+        : write_(std::move(write)), tell_(std::move(tell)), fields_(std::move(fields))
+    {
+    }
 
     void sheet(const host::Sheet& event) override;
     void failure(const host::Failure& event) override;
@@ -33,6 +38,7 @@ private:
 
     Write write_;
     Write tell_;
+    std::optional<std::vector<host::Field>> fields_;
     bool headingWritten_ = false;
 };
 

@@ -1,8 +1,8 @@
 #include "cli/SheetPage.h"
 
-#include "cli/ReaderAdvice.h"
 #include "cli/SheetRecords.h"
 #include "formats/JsonValue.h"
+#include "host/ReaderAdvice.h"
 
 namespace kel {
 
@@ -13,7 +13,7 @@ void SheetPage::sheet(const host::Sheet& event)
 
 void SheetPage::failure(const host::Failure& event)
 {
-    const AdviceRow* const advice = adviceOn(event);
+    const host::AdviceRow* const advice = host::adviceOn(event);
     page_.failure({.title = validUtf8(event.title),
                    .description = validUtf8(event.description),
                    .source = validUtf8(event.source),

@@ -43,11 +43,14 @@ set(KEL_HOST_HEADERS
     host/AnswerKeyFile.h
     host/Events.h
     host/Failure.h
+    host/Fields.h
     host/Form.h
     host/ModelLookup.h
     host/Ports.h
     host/Reader.h
+    host/ReaderAdvice.h
     host/Replay.h
+    host/Reports.h
     host/Request.h
     host/Simulation.h
     host/UsageError.h

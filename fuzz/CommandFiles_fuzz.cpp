@@ -33,6 +33,12 @@ void takeForm(std::string_view text)
     const host::Form again = host::parseForm(host::sizesText(form), "form");
     demand(again.side1Rows == form.side1Rows && again.side2Cols == form.side2Cols,
            "sizes are written as they are read");
+    for (const host::Field& field : form.fields) {
+        demand(!field.name.empty() && !field.cells.empty(), "a field has a name and cells");
+        demand(field.labels.size() == field.cells.size() || (field.labels.empty() && field.cells.size() == 1),
+               "a field has a label a cell");
+    }
+    demand(host::rowOf(form.fields, {}).size() == host::columnsOf(form.fields).size(), "a row has all columns");
     SimulatedPlatform machine;
     const PlatformScope scope(machine);
     clsKELReader reader;

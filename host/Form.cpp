@@ -1,6 +1,7 @@
 #include "host/Form.h"
 
 #include "formats/JsonValue.h"
+#include "host/FieldFile.h"
 #include "host/JsonFile.h"
 
 #include <limits>
@@ -97,6 +98,7 @@ kelRecognitionType readRecognitionMode(const Json& value, const JsonPlace& place
 Form formOf(const Json& root)
 {
     Form form;
+    std::optional<std::pair<const Json*, JsonPlace>> fields; // they need what may stand after them
     readJsonObject(
         root, {},
         {{"recognitionMode",
@@ -111,12 +113,16 @@ Form formOf(const Json& root)
                   value, place, kMostWindows, "windows",
                   [&](const Json& window, const JsonPlace& here) { form.windows.push_back(readWindow(window, here)); });
           }},
-         {"barcodes", [&](const Json& value, const JsonPlace& place) {
+         {"barcodes",
+          [&](const Json& value, const JsonPlace& place) {
               readBoundedJsonArray(value, place, kMostBarcodes, "barcode zones",
                                    [&](const Json& barcode, const JsonPlace& here) {
                                        form.barcodes.push_back(readBarcode(barcode, here));
                                    });
-          }}});
+          }},
+         {"fields", [&](const Json& value, const JsonPlace& place) { fields.emplace(&value, place); }}});
+    if (fields)
+        form.fields = readFields(*fields->first, fields->second, form);
     return form;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/Fields.h"
 #include "reader/clsKELReader.h"
 #include "types/Export.h"
 
@@ -22,7 +23,8 @@ struct Form {
     std::optional<std::vector<Int16>> side2Cols{};
     std::vector<clsKELReaderWindow> windows{};
     std::vector<clsKELReaderBarcode> barcodes{};
-    std::string source{}; ///< the JSON text that it was read from, on one line; empty if it was made otherwise
+    std::vector<Field> fields{}; ///< names for what is on a sheet; the reader is not told of them
+    std::string source{};        ///< the JSON text that it was read from, on one line; empty if it was made otherwise
 
     /// Whether nothing of a form is said.
     [[nodiscard]] bool empty() const
@@ -38,7 +40,22 @@ struct Form {
 ///      "side1Rows": [63], "side1Cols": [48], "side2Rows": [], "side2Cols": [],
 ///      "windows": [{"StartRow": 2, "NumRows": 5, "RowGap": 1, "StartCol": 3, "NumCols": 4, "ColGap": 1, "Page": 1,
 ///                   "Orientation": 1}],
-///      "barcodes": [{"Page": 1, "Distance": 100, "Length": 50, "Symbology": 1, "Orientation": 1}]}
+///      "barcodes": [{"Page": 1, "Distance": 100, "Length": 50, "Symbology": 1, "Orientation": 1}],
+///      "fields": [{"name": "Q", "rows": [3, 22], "columns": [5, 9], "labels": "ABCDE", "multiple": "mark"}]}
+///
+/// A field names cells:
+///
+/// - `name`: of its column. Where the cells are several lines of choices each line is a column, with a number behind
+///   the name: "Q1" to "Q20". `first` is the first of these numbers, 1 if it is left out.
+/// - `side`: 1 or 2; `row` or `rows` and `column` or `columns`: where the cells are. [5, 9] is from 5 to 9, [9, 5] the
+///   same the other way round. `rowGap` and `colGap` are the distances from one to the next.
+/// - `window`: in place of all these, the number of a read window from 1.
+/// - `choices`: "across" if each row is a line of choices, "down" if each column is one. Without it a single line of
+///   cells is read along itself, a window by its orientation, any other block across.
+/// - `labels`: a character a choice, or an array of texts; "1", "2" ... if it is left out. A single cell without labels
+///   gives the value of its mark.
+/// - `multiple`: "mark" has several marks give "*", "all" has them give all their labels.
+/// - `blank`: what no mark gives, "-" if it is left out.
 ///
 /// UsageError, one sentence with `fileName` and the place, for text that is no JSON, a key that is unknown, a value of
 /// another type, a number that does not fit and a size below zero.

@@ -2,6 +2,7 @@
 
 #include "host/Failure.h"
 #include "reader/clsKELReader.h"
+#include "types/Export.h"
 
 #include <functional>
 #include <vector>
@@ -11,10 +12,12 @@ namespace kel::host {
 /// Takes the reports of the calling thread's readers for as long as it lives; of several on a thread the latest has
 /// them. While any lives on any thread, the process's error object is this room's; what a thread without one reports
 /// goes to standard error. Afterwards there is no error object. It ends on the thread that made it.
-class Reports {
+class KEL_PUBLIC Reports {
 public:
+    /// Takes one report.
     using Take = std::function<void(const Failure& failure)>;
 
+    /// Takes those of the calling thread; `reader` is any reader object.
     explicit Reports(clsKELReader& reader, Take take);
     ~Reports();
     Reports(const Reports&) = delete;

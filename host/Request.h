@@ -23,9 +23,10 @@ struct Print {
     std::optional<std::string> print2{}; ///< the second
     std::optional<std::string> print3{}; ///< the third
     std::optional<Int16> distance{};     ///< where the print begins, in the model's own steps
+    bool ownTexts = false;               ///< the host fills in the texts itself, in `ReadSheet`
 
     /// Whether anything is to be printed.
-    [[nodiscard]] bool wanted() const { return print1 || print2 || print3 || distance; }
+    [[nodiscard]] bool wanted() const { return print1 || print2 || print3 || distance || ownTexts; }
 };
 
 /// A model by its enumerator, its number, its name, or a part of a name that only one model has. UsageError for none

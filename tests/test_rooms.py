@@ -32,12 +32,16 @@ ORDER = (
     "store",
     "station",
     "com",
+    "python",
     "cli",
 )
 
 # What is built into the component, and so must stand without recordings and simulated readers.
 COMPONENT = ORDER[: ORDER.index("startup") + 1] + ("com",)
-OUTSIDE = ("formats", "recording", "simulators", "pictures", "host", "store", "station", "cli")
+OUTSIDE = ("formats", "recording", "simulators", "pictures", "host", "store", "station", "python", "cli")
+
+# What binds another language to the libraries as a host has them.
+BINDINGS = ("python",)
 
 # A simulated reader is written from the wire alone: it knows what a line is, and nothing of the component above.
 GROUND = ("types", "platform")
@@ -92,6 +96,8 @@ def fault(source, target):
         return f"{other}/ is no part of the component"
     if room in WITHOUT_COMPONENT and other not in GROUND + WITHOUT_COMPONENT:
         return f"{room}/ stands without the component"
+    if room in BINDINGS and other != room:
+        return f"{room}/ sees what hosts see: the public headers"
     here, there = "/".join(source.parts[:2]), "/".join(target.parts[:2])
     if here == there or room in JOINS:
         return None
@@ -128,6 +134,7 @@ class RoomsTest(unittest.TestCase):
             ("platform/Platform.h", "recording/Transcript.h"),
             ("com/Exports.cpp", "recording/Transcript.h"),
             ("types/Text.h", "platform/Platform.h"),
+            ("python/Module.cpp", "host/Batch.h"),
             ("reader/clsKELReader.cpp", "tests/support/ReaderHost.h"),
         ):
             self.assertIsNotNone(fault(Path(source), Path(target)), f"{source} {target}")

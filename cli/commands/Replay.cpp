@@ -17,6 +17,7 @@ struct Arguments {
     std::string formFile;
     std::vector<std::string> assignments;
     std::string format;
+    bool fields = false;
     std::string outFile;
 };
 
@@ -41,7 +42,8 @@ int run(const Arguments& arguments)
     std::vector<std::string>& assignments = replay.request().assignments;
     assignments.insert(assignments.end(), arguments.assignments.begin(), arguments.assignments.end());
 
-    ScanOutput output(arguments.outFile, arguments.format);
+    ScanOutput output(arguments.outFile, arguments.format, {}, {},
+                      wantedFields(arguments.fields, replay.request().form, arguments.format));
     const InterruptNote interrupt;
     const host::Result result = replay.read(output, [&] { return InterruptNote::came() || !output.problem().empty(); });
 
@@ -58,17 +60,16 @@ int run(const Arguments& arguments)
 void addReplayCommand(Commands& commands)
 {
     const auto arguments = std::make_shared<Arguments>();
-    CLI::App& command = commands.add("replay", "Replays a recorded session without a reader",
-                                     [arguments] { return run(*arguments); });
-    command.add_option("file", arguments->file, "Transcript written by 'scan --trace'")
-        ->required()
-        ->type_name("FILE");
-    command.add_option("--form", arguments->formFile, "Form to use instead of the recorded one")
-        ->type_name("FILE");
+    CLI::App& command =
+        commands.add("replay", "Replays a recorded session without a reader", [arguments] { return run(*arguments); });
+    command.add_option("file", arguments->file, "Transcript written by 'scan --trace'")->required()->type_name("FILE");
+    command.add_option("--form", arguments->formFile, "Form to use instead of the recorded one")->type_name("FILE");
     command.add_option("--set", arguments->assignments, "Sets a property of the reader after the recorded settings")
         ->type_name("Property=Value")
         ->allow_extra_args(false);
     addFormat(command, arguments->format, {"json", "csv", "table"});
+    command.add_flag("--fields", arguments->fields,
+                     "Prints the columns that the form names instead of the marks; with json and csv");
     command.add_option("--out", arguments->outFile, "Writes to a file instead of standard output")->type_name("FILE");
     command.footer("Recorded waits take no time. The exit status is that of a scan, and "
                    "1 as well if the session does not send what the transcript has.");

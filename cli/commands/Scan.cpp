@@ -34,6 +34,7 @@ struct Arguments {
     std::vector<std::string> assignments;
     Int32 maxSheets = -1;
     std::string format;
+    bool fields = false;
     std::string outFile;
     std::string traceFile;
     std::string pictureFolder;
@@ -191,10 +192,12 @@ private:
 int read(host::Reader& reader, const Arguments& arguments)
 {
     demandLine(arguments, reader.object());
+    const std::optional<std::vector<host::Field>> fields =
+        wantedFields(arguments.fields, reader.form(), arguments.format);
     reader.connect();
     const clsKELReader& object = reader.object();
     const PictureForm form = pictureForm(reader.form(), object.ReaderType(), object.RecognitionThreshold());
-    ScanOutput output(arguments.outFile, arguments.format, pageTitle(object.ReaderType()), form);
+    ScanOutput output(arguments.outFile, arguments.format, pageTitle(object.ReaderType()), form, fields);
     if (!arguments.pictureFolder.empty())
         output.addPictures(arguments.pictureFolder, form);
     std::optional<ScanStore> store;
@@ -239,13 +242,16 @@ void addReaderOptions(CLI::App& command, Arguments& arguments)
                     "Uses the settings saved under a key instead of the model's defaults")
         ->type_name("HIVE\\SUBKEY");
     CLI::Option* port =
-        command.add_option("--port", arguments.port, "Port number of the reader (see 'kelreader ports')")->type_name("N");
-    CLI::Option* device =
-        command.add_option("--device", arguments.device, "Device of the reader, or a remote line such as rfc2217:HOST:PORT")
-            ->type_name("PATH")
-            ->excludes(port);
-    CLI::Option* simulate =
-        command.add_flag("--simulate", arguments.simulate, "Reads from a simulated reader")->excludes(port)->excludes(device);
+        command.add_option("--port", arguments.port, "Port number of the reader (see 'kelreader ports')")
+            ->type_name("N");
+    CLI::Option* device = command
+                              .add_option("--device", arguments.device,
+                                          "Device of the reader, or a remote line such as rfc2217:HOST:PORT")
+                              ->type_name("PATH")
+                              ->excludes(port);
+    CLI::Option* simulate = command.add_flag("--simulate", arguments.simulate, "Reads from a simulated reader")
+                                ->excludes(port)
+                                ->excludes(device);
     command.add_option("--form", arguments.formFile, "Form of the sheets (JSON)")->type_name("FILE");
     command
         .add_option("--omrapi", arguments.omrApiFile,
@@ -290,6 +296,8 @@ void addScanCommand(Commands& commands)
     addReaderOptions(command, *arguments);
     addSheetOptions(command, *arguments);
     addFormat(command, arguments->format, {"json", "csv", "table", "html"});
+    command.add_flag("--fields", arguments->fields,
+                     "Prints the columns that the form names instead of the marks; with json and csv");
     command.add_option("--out", arguments->outFile, "Writes to a file instead of standard output")->type_name("FILE");
     command.add_option("--pictures", arguments->pictureFolder, "Saves a picture of each sheet in a folder, as SVG")
         ->type_name("FOLDER");

@@ -75,6 +75,19 @@ device=$(sed -n 's/.*"device":"\([^"]*\)".*/\1/p' "$work/simulate.log" | head -n
 "$work/host-g++/read_sheets" 24 simulated 2 >"$work/range.txt" || fail "the range of sheets ended with an error"
 [ "$(grep -c '^Sheet ' "$work/range.txt")" = 2 ] || fail "the range of sheets gave: $(cat "$work/range.txt")"
 
+# The Python package, if it was built. What is under the sanitizers needs them loaded first.
+read_with_python() {
+    preload=
+    [ -z "$flags" ] || preload="$(g++ -print-file-name=libasan.so) $(g++ -print-file-name=libstdc++.so.6)"
+    LD_PRELOAD=$preload ASAN_OPTIONS=detect_leaks=0 PYTHONPATH=$1 /usr/bin/python3 -B -c '
+import kelreader
+with kelreader.simulate("VMR138", count=2, options=["feed-ms=0"]) as simulated, simulated.reader() as reader:
+    assert [sheet.side1.shape for sheet in reader] == [(500, 14)] * 2
+assert kelreader.__file__.startswith("'"$1"'"), kelreader.__file__'
+}
+packages=lib/python3/dist-packages
+[ ! -d "$build/python/kelreader" ] || read_with_python "$work/root/$packages" || fail "the installed Python package"
+
 # The Debian packages: what they bring works from where they put it.
 (cd "$build" && cpack -G DEB -B "$work/packages" >"$work/cpack.log") || { cat "$work/cpack.log" >&2; exit 1; }
 for package in "$work"/packages/*.deb; do
@@ -82,5 +95,6 @@ for package in "$work"/packages/*.deb; do
 done
 "$work/debian/usr/bin/kelreader" models --format csv | grep -q 'Scantron Scanmark 2500' || fail "the packaged command"
 [ -f "$work/debian/usr/lib/kelreader81u/libKELReader81U_options_qt.so" ] || fail "the options window is in no package"
+[ ! -d "$build/python/kelreader" ] || read_with_python "$work/debian/usr/$packages" || fail "the packaged Python package"
 dpkg-deb -I "$work"/packages/kelreader81u_*.deb triggers | grep -q ldconfig || fail "the linker would not be told"
 echo "installed, built against, packaged and read"

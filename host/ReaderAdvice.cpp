@@ -1,11 +1,11 @@
-#include "cli/ReaderAdvice.h"
+#include "host/ReaderAdvice.h"
 
 #include "strings/LanguageDatabase.h"
 
 #include <algorithm>
 #include <string_view>
 
-namespace kel {
+namespace kel::host {
 
 namespace {
 
@@ -23,7 +23,7 @@ bool isText(const std::string& description, const std::string& text)
     return description.starts_with(text.substr(0, place)) && description.find(end, place) != std::string::npos;
 }
 
-bool isAbout(const AdviceRow& row, const host::Failure& failure)
+bool isAbout(const AdviceRow& row, const Failure& failure)
 {
     const std::string_view module = row.module;
     if (!module.empty() && failure.source.find(std::string(module) + ".") == std::string::npos)
@@ -32,12 +32,13 @@ bool isAbout(const AdviceRow& row, const host::Failure& failure)
         return row.failure == failure.number;
     if (failure.number != 0)
         return false;
-    return row.text != 0 ? isText(failure.description, languageDatabase().RTString(row.text)) : failure.description == row.words;
+    return row.text != 0 ? isText(failure.description, languageDatabase().RTString(row.text))
+                         : failure.description == row.words;
 }
 
 } // namespace
 
-const AdviceRow* adviceOn(const host::Failure& failure)
+const AdviceRow* adviceOn(const Failure& failure)
 {
     const AdviceRow* const end = kAdviceRows + kAdviceCount;
     const AdviceRow* const found =
@@ -45,4 +46,4 @@ const AdviceRow* adviceOn(const host::Failure& failure)
     return found == end ? nullptr : found;
 }
 
-} // namespace kel
+} // namespace kel::host

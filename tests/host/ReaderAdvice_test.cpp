@@ -1,4 +1,4 @@
-#include "cli/ReaderAdvice.h"
+#include "host/ReaderAdvice.h"
 
 #include "simulators/platform/SimulatedPlatform.h"
 #include "strings/VBLMRTSModule.h"
@@ -9,6 +9,8 @@
 namespace kel {
 namespace {
 
+using host::adviceOn;
+using host::AdviceRow;
 using testing::HasSubstr;
 using testing::StartsWith;
 

@@ -1,0 +1,44 @@
+"""The catalogue of models."""
+
+import collections
+import enum
+import re
+
+from . import _core
+
+
+class FlowControl(enum.IntEnum):
+    """Handshaking of the line."""
+
+    NONE = 0
+    XON_XOFF = 1
+    HARDWARE = 2
+    BOTH = 3
+
+
+class RecognitionMode(enum.IntEnum):
+    """What is read of a sheet."""
+
+    PAGE = 1
+    WINDOW = 2
+
+
+def _spelling(name):
+    """A name of the catalogue in Python's spelling: RecognitionThreshold is recognition_threshold."""
+    return re.sub(r"(?<=[a-z])(?=[A-Z])", "_", name.replace("TimeOut", "Timeout")).lower()
+
+
+Model = collections.namedtuple("Model", [_spelling(name) for name, _ in _core.models("")[0]])  # type: ignore[misc]
+Model.__doc__ = "What a model can do, with its defaults: the catalogue's record."
+
+
+def models(maker=None):
+    """The models, in the order of the catalogue; of one maker: "apperson", "chatsworth", "pdi", "scantron" or
+    "sekonic"."""
+    return [Model(*(value for _, value in record)) for record in _core.models(maker or "")]
+
+
+def model(name):
+    """A model, by its number, its name, or a part of a name that only one model has."""
+    number = _core.model_number(str(name))
+    return next(model for model in models() if model.reader_type == number)
