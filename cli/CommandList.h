@@ -8,6 +8,7 @@
     command(addPortsCommand)     \
     command(addCheckCommand)     \
     command(addScanCommand)      \
+    command(addStationCommand)   \
     command(addSheetsCommand)    \
     command(addFormCommand)      \
     command(addSimulateCommand)  \

@@ -2,7 +2,9 @@
 
 #include "store/SheetStore.h"
 
+#include <algorithm>
 #include <array>
+#include <cctype>
 #include <unistd.h>
 
 namespace kel {
@@ -20,12 +22,15 @@ std::string batchName(std::chrono::system_clock::time_point begin)
     return storeTime(begin).substr(0, sizeof "2024-01-31T12:00:00" - 1) + "Z";
 }
 
-std::string hostName()
+std::string stationName()
 {
-    std::array<char, 256> name{};
-    if (::gethostname(name.data(), name.size() - 1) != 0)
+    std::array<char, 65> host{};
+    if (::gethostname(host.data(), host.size() - 1) != 0 || host[0] == '\0')
         return "station";
-    return name.data();
+    std::string name = host.data();
+    std::replace_if(
+        name.begin(), name.end(), [](char c) { return !std::isalnum(static_cast<unsigned char>(c)) && c != '-'; }, '_');
+    return name;
 }
 
 } // namespace kel

@@ -14,7 +14,7 @@ namespace kel {
 /// What a batch is called that nobody has named: the second in which it began, in UTC.
 [[nodiscard]] std::string batchName(std::chrono::system_clock::time_point begin);
 
-/// What this machine is called.
-[[nodiscard]] std::string hostName();
+/// What a station is called that nobody has named: the machine's name, with "_" for what is no letter, digit or "-".
+[[nodiscard]] std::string stationName();
 
 } // namespace kel

@@ -143,7 +143,7 @@ int refuseSettings(const Arguments& arguments, const std::vector<host::Failure>&
 /// What a sheet's origin is called in a store, unless somebody has said.
 Origin originOf(const Arguments& arguments)
 {
-    Origin origin{.station = hostName(), .reader = arguments.readerName, .batch = arguments.batchName};
+    Origin origin{.station = stationName(), .reader = arguments.readerName, .batch = arguments.batchName};
     if (origin.reader.empty() && arguments.port)
         origin.reader = "port " + CStr(*arguments.port);
     if (origin.reader.empty())

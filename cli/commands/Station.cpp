@@ -1,0 +1,200 @@
+#include "station/Station.h"
+#include "cli/CommandList.h"
+#include "cli/Commands.h"
+#include "cli/ReaderAdvice.h"
+#include "cli/UsageError.h"
+#include "formats/JsonValue.h"
+#include "host/TextOutput.h"
+#include "station/ServiceNotice.h"
+#include "station/StateSocket.h"
+#include "station/StateText.h"
+
+#include <csignal>
+#include <iostream>
+#include <mutex>
+#include <poll.h>
+#include <sys/signalfd.h>
+
+namespace kel {
+
+namespace {
+
+constexpr const char* kUsualFile = "/etc/kelreader/station.json";
+
+struct Arguments {
+    std::string file = kUsualFile;
+    bool check = false;
+    bool state = false;
+    std::string format;
+};
+
+/// To standard error, where a person or the journal of the system reads; from any thread.
+void tell(const std::string& sentence)
+{
+    static std::mutex mutex;
+    const std::lock_guard lock(mutex);
+    std::cerr << "kelreader: " << sentence << std::endl;
+}
+
+std::string adviceText(const host::Failure& failure)
+{
+    const AdviceRow* const advice = adviceOn(failure);
+    return advice ? advice->remedy : failure.remedy;
+}
+
+/// Whether nothing is wrong with a file; what is wrong is told.
+bool isSound(const StationFile& file, const std::string& name)
+{
+    for (const std::string& fault : file.faults)
+        tell(name + ": " + fault);
+    return file.faults.empty();
+}
+
+int check(const Arguments& arguments)
+{
+    const StationFile file = readStationFile(arguments.file);
+    if (!isSound(file, arguments.file))
+        return kUsageStatus;
+    host::TextOutput().writeOrFail(arguments.file + ": station " + file.plan.station + ", " +
+                                   std::to_string(file.plan.readers.size()) +
+                                   (file.plan.readers.size() == 1 ? " reader" : " readers") + ", nothing is wrong.\n");
+    return kDoneStatus;
+}
+
+int showState(const Arguments& arguments)
+{
+    const StationFile file = readStationFile(arguments.file);
+    if (file.plan.socket.empty()) {
+        isSound(file, arguments.file);
+        return kUsageStatus;
+    }
+    const std::string answer = askStation(file.plan.socket);
+    const auto text = [&] {
+        if (arguments.format == "json")
+            return answer;
+        const Json state = parseJson(answer);
+        return arguments.format == "metrics" ? stateMetrics(state) : stateTable(state);
+    };
+    host::TextOutput().writeOrFail(text());
+    return kDoneStatus;
+}
+
+/// The signals that steer a station, as something to wait for. They are blocked in all threads that are made while it
+/// lives.
+class Signals {
+public:
+    Signals()
+    {
+        sigset_t wanted;
+        sigemptyset(&wanted);
+        for (const int number : {SIGTERM, SIGINT, SIGHUP})
+            sigaddset(&wanted, number);
+        ::pthread_sigmask(SIG_BLOCK, &wanted, &before_);
+        handle_ = FileDescriptor(::signalfd(-1, &wanted, SFD_CLOEXEC | SFD_NONBLOCK));
+    }
+    ~Signals() { letGo(); }
+    Signals(const Signals&) = delete;
+    Signals& operator=(const Signals&) = delete;
+
+    /// From now on they do what they usually do.
+    void letGo() const { ::pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
+
+    [[nodiscard]] int handle() const { return handle_.number(); }
+
+    /// The next one that has come, or 0.
+    [[nodiscard]] int next() const
+    {
+        signalfd_siginfo signal{};
+        return ::read(handle_.number(), &signal, sizeof signal) == sizeof signal ? static_cast<int>(signal.ssi_signo)
+                                                                                 : 0;
+    }
+
+private:
+    sigset_t before_{};
+    FileDescriptor handle_;
+};
+
+void readAgain(Station& station, const std::string& name)
+{
+    tellServiceManager("RELOADING=1");
+    StationFile file = readStationFile(name);
+    if (isSound(file, name))
+        station.change(std::move(file.plan));
+    else
+        tell("The station goes on as it was; correct " + name + " and send SIGHUP again.");
+    tellServiceManager("READY=1");
+}
+
+/// Serves whoever asks, until a signal ends the station.
+void lookAfter(Station& station, const StateSocket& socket, const Signals& signals, const std::string& name)
+{
+    const std::optional<std::chrono::milliseconds> watchdog = watchdogPeriod();
+    for (;;) {
+        pollfd handles[] = {{signals.handle(), POLLIN, 0}, {socket.handle(), POLLIN, 0}};
+        retrying(
+            [&] { return ::poll(handles, std::size(handles), watchdog ? static_cast<int>(watchdog->count()) : -1); });
+        // A station whose state cannot be had is stuck, and does not say that it lives.
+        const std::string state = jsonText(jsonState(station.state())) + "\n";
+        tellServiceManager("WATCHDOG=1");
+        if (handles[1].revents != 0)
+            socket.answer(state);
+        while (const int signal = signals.next()) {
+            if (signal != SIGHUP)
+                return;
+            readAgain(station, name);
+        }
+    }
+}
+
+int runStation(const Arguments& arguments)
+{
+    const Signals signals;
+    StationFile file = readStationFile(arguments.file);
+    if (!isSound(file, arguments.file))
+        return kUsageStatus;
+    const std::filesystem::path socketFile = file.plan.socket;
+    {
+        Station station(std::move(file.plan), &tell, &adviceText);
+        const StateSocket socket(socketFile);
+        tellServiceManager("READY=1");
+        lookAfter(station, socket, signals, arguments.file);
+        tellServiceManager("STOPPING=1");
+        signals.letGo(); // a second one does not wait for the sheets that come out
+    }
+    return kDoneStatus;
+}
+
+int run(const Arguments& arguments)
+{
+    if (arguments.check)
+        return check(arguments);
+    return arguments.state ? showState(arguments) : runStation(arguments);
+}
+
+} // namespace
+
+void addStationCommand(Commands& commands)
+{
+    const auto arguments = std::make_shared<Arguments>();
+    CLI::App& command = commands.add("station", "Reads with many readers at once and keeps the sheets in a store",
+                                     [arguments] { return run(*arguments); });
+    command.add_option("file", arguments->file, "The station: its store and its readers, as JSON")
+        ->type_name("FILE")
+        ->capture_default_str();
+    CLI::Option* check =
+        command.add_flag("--check", arguments->check, "Tells all that is wrong with the file, and reads nothing");
+    CLI::Option* state = command.add_flag("--state", arguments->state, "Shows how the station at work does");
+    state->excludes(check);
+    arguments->format = "table";
+    command.add_option("--format", arguments->format, "How to write the state")
+        ->check(CLI::IsMember({"table", "json", "metrics"}))
+        ->capture_default_str()
+        ->needs(state);
+    command.footer(
+        "Ctrl-C and SIGTERM end every session in order: the sheet in a reader comes out and is stored. SIGHUP "
+        "reads the file again and touches only the readers that have changed.\n"
+        "Exit status: 0 ended, or nothing is wrong, 1 the store or the socket cannot be used, 2 something is "
+        "wrong with the file.");
+}
+
+} // namespace kel

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "platform/FileDescriptor.h"
+
+#include <filesystem>
+#include <string>
+
+namespace kel {
+
+/// A socket in the file system that tells a station's state to whoever opens it: the user who runs the station and the
+/// group of its file.
+class StateSocket {
+public:
+    /// host::OperationError if it cannot be made. One that nobody serves any more is replaced.
+    explicit StateSocket(std::filesystem::path file);
+    /// Takes the file away.
+    ~StateSocket();
+    StateSocket(const StateSocket&) = delete;
+    StateSocket& operator=(const StateSocket&) = delete;
+
+    /// Can be read while somebody asks.
+    [[nodiscard]] int handle() const noexcept { return listening_.number(); }
+
+    /// Gives the next one who asks an answer. Somebody who does not take it loses it.
+    void answer(const std::string& text) const;
+
+private:
+    std::filesystem::path file_;
+    FileDescriptor listening_;
+};
+
+/// Asks the station at a socket. host::OperationError, a sentence, if there is none.
+[[nodiscard]] std::string askStation(const std::filesystem::path& socket);
+
+} // namespace kel

@@ -1,0 +1,60 @@
+#pragma once
+
+#include "station/ReaderState.h"
+#include "station/StationFile.h"
+#include "station/StationReader.h"
+#include "store/SheetStore.h"
+
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+namespace kel {
+
+/// A station at a moment.
+struct StationState {
+    std::string station{};
+    ReaderState::Time since{};
+    std::string store{};
+    std::string storeProblem{}; ///< empty while the store takes sheets
+    std::vector<ReaderState> readers{};
+};
+
+/// All readers of a station's file, each in a thread of its own, and the store that keeps what they read.
+class Station {
+public:
+    using Tell = std::function<void(const std::string& sentence)>;
+    using Advice = std::function<std::string(const host::Failure& failure)>;
+
+    /// Opens the store and starts the readers. StoreProblem if the store cannot be opened. `tell` and `advice` may be
+    /// called in any thread.
+    Station(StationPlan plan, Tell tell, Advice advice);
+    /// Ends every session in order.
+    ~Station();
+    Station(const Station&) = delete;
+    Station& operator=(const Station&) = delete;
+
+    /// Goes over to another plan: stops the readers that are gone or changed, starts those that are new or changed, and
+    /// leaves the others alone. What concerns the station as a whole stays as it is.
+    void change(StationPlan plan);
+
+    [[nodiscard]] StationState state() const;
+
+private:
+    void start(ReaderPlan plan);
+    void tellOfStore(const std::string& sentence);
+    static void end(std::vector<std::unique_ptr<StationReader>> readers);
+
+    StationPlan plan_;
+    Tell tell_;
+    ReaderState::Time since_;
+    SheetStore store_;
+    StationCalls calls_;
+    mutable std::mutex mutex_;
+    std::string toldOfStore_;
+    std::vector<std::unique_ptr<StationReader>> readers_;
+};
+
+} // namespace kel

@@ -1,0 +1,305 @@
+#include "station/StationFile.h"
+
+#include "formats/JsonValue.h"
+#include "host/JsonFile.h"
+#include "host/LoadedSettings.h"
+#include "host/PropertyTable.h"
+#include "host/Reader.h"
+#include "station/JsonFaults.h"
+#include "store/ReaderSetup.h"
+#include "types/Text.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <map>
+#include <sys/un.h>
+
+namespace kel {
+
+namespace {
+
+constexpr FileKind kStationFile{"station file", 4};
+constexpr std::size_t kMostReaders = 1000;
+constexpr std::size_t kLongestName = 64;
+constexpr std::size_t kLongestSocket = sizeof(sockaddr_un::sun_path) - 1;
+constexpr double kLongestSeconds = 86'400;
+constexpr double kMillisecondsPerSecond = 1000;
+
+/// A name that may stand in a subject, in the name of a file and on a terminal.
+std::string readName(const Json& value, const JsonPlace& place)
+{
+    const std::string name = readJsonText(value, place);
+    const auto isPlain = [](char c) {
+        return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' || c == '_';
+    };
+    if (name.empty() || name.size() > kLongestName || !std::all_of(name.begin(), name.end(), isPlain))
+        place.refuse("has to be 1 to 64 letters, digits, \"-\" and \"_\" of ASCII");
+    return name;
+}
+
+std::string readFilled(const Json& value, const JsonPlace& place)
+{
+    std::string text = readJsonText(value, place);
+    if (text.empty())
+        place.refuse("is empty; leave it out, or say what it is to be");
+    return text;
+}
+
+Pauses::Time readSeconds(const Json& value, const JsonPlace& place)
+{
+    if (!value.is_number())
+        place.refuse("has to be a number of seconds");
+    const auto seconds = value.get<double>();
+    if (!(seconds >= 0.01 && seconds <= kLongestSeconds))
+        place.refuse("has to be 0.01 to 86400 seconds");
+    return Pauses::Time(std::llround(seconds * kMillisecondsPerSecond));
+}
+
+/// A value of "set" as `--set` has it.
+std::string assignedText(const Json& value, const JsonPlace& place)
+{
+    if (value.is_string())
+        return value.get<std::string>();
+    if (value.is_boolean() || value.is_number())
+        return jsonText(value);
+    place.refuse("has to be a text, a number, true or false");
+}
+
+/// Reads one file and all that it names.
+class Reading {
+public:
+    explicit Reading(const std::filesystem::path& file) : folder_(file.parent_path()) {}
+
+    void read(const Json& root)
+    {
+        faults_.readObject(root, {}, stationReaders());
+        if (!faults_.all().empty() && !root.is_object())
+            return;
+        plan_.content = contentOfAllButReaders(root);
+        if (!root.contains("store"))
+            faults_.add({}, "names no \"store\"");
+        if (!root.contains("readers"))
+            faults_.add({}, "names no \"readers\"");
+        if (plan_.socket.empty())
+            plan_.socket = plan_.store.string() + "-socket";
+        if (plan_.socket.native().size() > kLongestSocket)
+            faults_.add({"socket"}, "is longer than a socket's name may be (" + std::to_string(kLongestSocket) +
+                                        " bytes); give it a shorter one");
+        if (plan_.firstPause > plan_.longestPause)
+            faults_.add({"retry.first"}, "is longer than \"longest\"");
+    }
+
+    [[nodiscard]] StationFile result() && { return {std::move(plan_), faults_.all()}; }
+
+    JsonFaults& faults() { return faults_; }
+
+    JsonKeyReaders stationReaders()
+    {
+        return {{"station", [this](const Json& v, const JsonPlace& p) { plan_.station = readName(v, p); }},
+                {"store", [this](const Json& v, const JsonPlace& p) { plan_.store = path(v, p); }},
+                {"socket", [this](const Json& v, const JsonPlace& p) { plan_.socket = path(v, p); }},
+                {"batch", [this](const Json& v, const JsonPlace& p) { batch_ = readFilled(v, p); }},
+                {"retry", [this](const Json& v, const JsonPlace& p) { readRetry(v, p); }},
+                {"readers", [this](const Json& v, const JsonPlace& p) { readReaders(v, p); }}};
+    }
+
+    JsonKeyReaders readerReaders(ReaderPlan& plan)
+    {
+        host::Request& request = plan.request;
+        const auto text = [](std::optional<std::string>& target) {
+            return [&target](const Json& v, const JsonPlace& p) { target = readJsonText(v, p); };
+        };
+        return {
+            {"name", [&](const Json& v, const JsonPlace& p) { plan.name = readName(v, p); }},
+            {"batch", [&](const Json& v, const JsonPlace& p) { plan.batch = readFilled(v, p); }},
+            {"model",
+             [&](const Json& v, const JsonPlace& p) {
+                 request.model = v.is_number_integer() ? host::Model(jsonText(v)) : host::Model(readJsonText(v, p));
+             }},
+            {"settings",
+             [&](const Json& v, const JsonPlace& p) { request.settings = host::keyNamed(readJsonText(v, p)); }},
+            {"port", [&](const Json& v, const JsonPlace& p) { request.port = readJsonNumber(v, p, 1, 16); }},
+            {"device", [&](const Json& v, const JsonPlace& p) { request.device = readFilled(v, p); }},
+            {"simulate", [&](const Json& v, const JsonPlace& p) { readSimulation(v, p, request.simulated.emplace()); }},
+            {"form",
+             [&](const Json& v, const JsonPlace& p) {
+                 request.form = host::readFormFile(named(v, p, plan, host::kFormFile));
+             }},
+            {"answerKey",
+             [&](const Json& v, const JsonPlace& p) {
+                 request.answerKey = host::readAnswerKeyFile(named(v, p, plan, host::kAnswerKeyFile));
+             }},
+            {"set", [&](const Json& v, const JsonPlace& p) { readAssignments(v, p, request); }},
+            {"omrapi", [&](const Json& v, const JsonPlace& p) { request.usbLibrary = path(v, p); }},
+            {"trace", [&](const Json& v, const JsonPlace& p) { request.traceFile = path(v, p); }},
+            {"rejectBlank", [&](const Json& v, const JsonPlace& p) { request.rejectBlank = readJsonTruth(v, p); }},
+            {"print1", text(request.print.print1)},
+            {"print2", text(request.print.print2)},
+            {"print3", text(request.print.print3)},
+            {"printDistance", [&](const Json& v, const JsonPlace& p) {
+                 using Limits = std::numeric_limits<Int16>;
+                 request.print.distance = readJsonNumber(v, p, Limits::min(), Limits::max());
+             }}};
+    }
+
+private:
+    [[nodiscard]] std::filesystem::path path(const Json& value, const JsonPlace& place) const
+    {
+        return folder_ / readFilled(value, place);
+    }
+
+    /// A file that is read now: what it holds is a part of what the reader is.
+    std::filesystem::path named(const Json& value, const JsonPlace& place, ReaderPlan& plan, const FileKind& kind) const
+    {
+        std::filesystem::path file = path(value, place);
+        plan.content += host::readGivenFile(file, kind);
+        return file;
+    }
+
+    void readRetry(const Json& value, const JsonPlace& place)
+    {
+        readJsonObject(
+            value, place,
+            {{"first", [this](const Json& v, const JsonPlace& p) { plan_.firstPause = readSeconds(v, p); }},
+             {"longest", [this](const Json& v, const JsonPlace& p) { plan_.longestPause = readSeconds(v, p); }}});
+    }
+
+    void readSimulation(const Json& value, const JsonPlace& place, host::Simulation& simulation) const
+    {
+        const auto texts = [](std::vector<std::string>& target) {
+            return [&target](const Json& v, const JsonPlace& p) {
+                readJsonArray(
+                    v, p, [&](const Json& text, const JsonPlace& here) { target.push_back(readJsonText(text, here)); });
+            };
+        };
+        const auto number = [](std::uint64_t& target) {
+            return [&target](const Json& v, const JsonPlace& p) {
+                constexpr Int32 kMost = 1'000'000;
+                target = static_cast<std::uint64_t>(readJsonLongNumber(v, p, 0, kMost));
+            };
+        };
+        readJsonObject(
+            value, place,
+            {{"sheets", [&](const Json& v, const JsonPlace& p) { simulation.sheets = path(v, p); }},
+             {"seed", number(simulation.seed)},
+             {"count", number(simulation.count)},
+             {"faults", texts(simulation.faults)},
+             {"settings", texts(simulation.settings)},
+             {"unlimited", [&](const Json& v, const JsonPlace& p) { simulation.unlimited = readJsonTruth(v, p); }}});
+    }
+
+    void readAssignments(const Json& value, const JsonPlace& place, host::Request& request)
+    {
+        JsonKeyReaders readers;
+        if (!value.is_object())
+            readJsonObject(value, place, readers);
+        for (const auto& [name, assigned] : value.items()) {
+            const JsonPlace here = place.key(name);
+            faults_.attempt(here, [&, &assigned = assigned, &name = name] {
+                const std::string assignment = name + "=" + assignedText(assigned, here);
+                clsKELReader probe;
+                host::applyAssignment(probe, assignment);
+                request.assignments.push_back(assignment);
+            });
+        }
+    }
+
+    void readReaders(const Json& value, const JsonPlace& place)
+    {
+        readBoundedJsonArray(value, place, kMostReaders, "readers",
+                             [&](const Json& reader, const JsonPlace& here) { readReader(reader, here); });
+        if (plan_.readers.empty())
+            place.refuse("holds none");
+    }
+
+    void readReader(const Json& value, const JsonPlace& place)
+    {
+        ReaderPlan plan;
+        plan.content = jsonText(value);
+        const std::size_t before = faults_.all().size();
+        faults_.readObject(value, place, readerReaders(plan));
+        if (value.is_object() && !value.contains("name"))
+            faults_.add(place, "has no \"name\"");
+        if (faults_.all().size() == before)
+            checkReader(plan, place);
+        plan_.readers.push_back(std::move(plan));
+    }
+
+    /// What can be wrong although each of its values is right.
+    void checkReader(const ReaderPlan& plan, const JsonPlace& place)
+    {
+        const host::Request& request = plan.request;
+        const int lines = (request.port ? 1 : 0) + (request.device.empty() ? 0 : 1) + (request.simulated ? 1 : 0);
+        const bool isUsb = request.model && host::isUsbModel(*request.model);
+        if (!request.model && !request.settings)
+            faults_.add(place, "names neither \"model\" nor \"settings\"");
+        else if (lines > 1)
+            faults_.add(place, "names more than one of \"port\", \"device\" and \"simulate\"");
+        else if (lines == 0 && !isUsb && !request.settings)
+            faults_.add(place, "does not say where it is: name its \"port\" or its \"device\"");
+        const auto taken = std::find_if(plan_.readers.begin(), plan_.readers.end(),
+                                        [&](const ReaderPlan& other) { return other.name == plan.name; });
+        if (taken != plan_.readers.end())
+            faults_.add(place.key("name"), "is \"" + plan.name + "\", as that of another reader");
+        const std::string line = request.port ? "port " + CStr(*request.port) : request.device;
+        if (const auto [other, isNew] = lines_.emplace(line, plan.name); !line.empty() && !isNew)
+            faults_.add(place, "has " + line + ", as the reader \"" + other->second + "\"");
+        if (request.model || request.settings)
+            faults_.attempt(place, [&] { const host::Reader probe(request); });
+    }
+
+    [[nodiscard]] static std::string contentOfAllButReaders(Json root)
+    {
+        root.erase("readers");
+        root.erase("batch"); // the readers take it
+        return jsonText(root);
+    }
+
+    std::filesystem::path folder_;
+    StationPlan plan_;
+    JsonFaults faults_;
+    std::map<std::string, std::string> lines_;
+
+public:
+    std::string batch_; ///< of the readers that have none of their own
+};
+
+std::vector<std::string> names(const JsonKeyReaders& readers)
+{
+    std::vector<std::string> known;
+    for (const auto& entry : readers)
+        known.push_back(entry.first);
+    return known;
+}
+
+} // namespace
+
+StationFile readStationFile(const std::filesystem::path& file)
+{
+    Reading reading(std::filesystem::absolute(file));
+    reading.faults().attempt({}, [&] { reading.read(parseJson(host::readGivenFile(file, kStationFile))); });
+    const std::string batch = reading.batch_;
+    StationFile result = std::move(reading).result();
+    if (result.plan.station.empty())
+        result.plan.station = stationName();
+    for (ReaderPlan& reader : result.plan.readers) {
+        if (reader.batch.empty())
+            reader.batch = batch;
+        reader.content += "\n" + reader.batch;
+    }
+    return result;
+}
+
+std::vector<std::string> stationKeys()
+{
+    return names(Reading({}).stationReaders());
+}
+
+std::vector<std::string> stationReaderKeys()
+{
+    ReaderPlan plan;
+    return names(Reading({}).readerReaders(plan));
+}
+
+} // namespace kel

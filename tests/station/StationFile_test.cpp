@@ -1,0 +1,120 @@
+#include "station/StationFile.h"
+
+#include "station/Pauses.h"
+#include "tests/support/BuiltFiles.h"
+#include "tests/support/TemporaryFolder.h"
+
+#include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
+
+#include <fstream>
+
+namespace kel::test {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::SizeIs;
+using testing::UnorderedElementsAreArray;
+
+TEST(Pauses, GrowToTheLongestAndBeginAnew)
+{
+    Pauses pauses(1s, 5s);
+    std::vector<Pauses::Time> taken;
+    for (int i = 0; i < 5; ++i)
+        taken.push_back(pauses.next());
+    EXPECT_THAT(taken, ElementsAre(1s, 2s, 4s, 5s, 5s));
+    pauses.reset();
+    EXPECT_EQ(pauses.next(), 1s);
+}
+
+class AStationFile : public testing::Test {
+protected:
+    [[nodiscard]] StationFile read(const std::string& text) const
+    {
+        return readStationFile(folder_.write("station.json", text));
+    }
+
+    TemporaryFolder folder_;
+};
+
+TEST_F(AStationFile, SaysWhatTheReadersAre)
+{
+    folder_.write("form.json", R"({"side1Rows": [63], "side1Cols": [48]})");
+    const StationFile file = read(R"({"station": "hall", "store": "hall.db", "batch": "monday",
+        "retry": {"first": 0.5, "longest": 4},
+        "readers": [
+            {"name": "left", "model": 13, "device": "/dev/ttyUSB0", "form": "form.json",
+             "set": {"SleepTime": 7, "Printer.Enabled": true}, "rejectBlank": true, "print1": "{sheet}",
+             "printDistance": 12},
+            {"name": "right", "model": "GradeMaster", "port": 2, "batch": "tuesday"}]})");
+    EXPECT_THAT(file.faults, IsEmpty());
+    EXPECT_EQ(file.plan.station, "hall");
+    EXPECT_EQ(file.plan.store, folder_.path() / "hall.db");
+    EXPECT_EQ(file.plan.socket, folder_.path() / "hall.db-socket");
+    EXPECT_EQ(file.plan.firstPause, 500ms);
+    EXPECT_EQ(file.plan.longestPause, 4s);
+    ASSERT_THAT(file.plan.readers, SizeIs(2));
+    const ReaderPlan& left = file.plan.readers[0];
+    EXPECT_EQ(left.batch, "monday");
+    EXPECT_EQ(left.request.device, "/dev/ttyUSB0");
+    EXPECT_EQ(left.request.form.side1Rows, std::vector<Int16>{63});
+    EXPECT_THAT(left.request.assignments, ElementsAre("SleepTime=7", "Printer.Enabled=true"));
+    EXPECT_TRUE(left.request.rejectBlank);
+    EXPECT_EQ(left.request.print.print1, "{sheet}");
+    EXPECT_EQ(left.request.print.distance, 12);
+    EXPECT_EQ(file.plan.readers[1].batch, "tuesday");
+    EXPECT_EQ(file.plan.readers[1].request.port, 2);
+}
+
+TEST_F(AStationFile, IsToldAllThatIsWrongAtOnce)
+{
+    const StationFile file = read(R"({"station": "hall x", "stor": "hall.db", "retry": {"first": 2, "longest": 1},
+        "readers": [
+            {"name": "left", "model": 99, "simulate": {"count": -3}, "set": {"SleepTim": 1, "Port": "x"}},
+            {"name": "a", "model": 13, "device": "/dev/nothing", "port": 17},
+            {"name": "b", "model": 13, "device": "/dev/nothing", "port": 1},
+            {"name": "b", "model": 13}, 7,
+            {"name": "c", "model": 13, "port": 2}, {"name": "d", "model": 13, "port": 2},
+            {"model": 13, "form": "none.json"}]})");
+    EXPECT_THAT(file.faults,
+                ElementsAre(HasSubstr("station has to be 1 to 64 letters"),
+                            "the file has a key \"stor\" that is not known; the nearest is store.",
+                            HasSubstr("readers[0].model: There is no model '99'"),
+                            HasSubstr("readers[0].simulate.count has to be a whole number"),
+                            HasSubstr("readers[0].set.SleepTim: The reader has no property 'SleepTim'"),
+                            HasSubstr("readers[0].set.Port: 'x' does not fit Port"),
+                            HasSubstr("readers[1].port has to be a whole number from 1 to 16"),
+                            HasSubstr("readers[2] names more than one of \"port\", \"device\" and \"simulate\""),
+                            HasSubstr("readers[3] does not say where it is"),
+                            "readers[3].name is \"b\", as that of another reader.",
+                            "readers[4] has to be an object and is a number.",
+                            "readers[6] has port 2, as the reader \"c\".", HasSubstr("readers[7].form: The form file "),
+                            "readers[7] has no \"name\".", "the file names no \"store\".",
+                            "retry.first is longer than \"longest\"."));
+}
+
+TEST_F(AStationFile, ThatIsNoneIsOneSentence)
+{
+    EXPECT_THAT(read("{").faults, ElementsAre(HasSubstr("the file is not JSON: ")));
+    EXPECT_THAT(read("[]").faults, ElementsAre("the file has to be an object and is an array."));
+    EXPECT_THAT(readStationFile(folder_.file("none")).faults, ElementsAre(HasSubstr("The station file ")));
+}
+
+TEST_F(AStationFile, HasASchemaWithTheSameWords)
+{
+    const nlohmann::json schema = nlohmann::json::parse(std::ifstream(testData() + "/../station/station.schema.json"));
+    const auto keysOf = [](const nlohmann::json& properties) {
+        std::vector<std::string> keys;
+        for (const auto& [key, value] : properties.items())
+            keys.push_back(key);
+        return keys;
+    };
+    EXPECT_THAT(stationKeys(), UnorderedElementsAreArray(keysOf(schema["properties"])));
+    EXPECT_THAT(stationReaderKeys(), UnorderedElementsAreArray(keysOf(schema["$defs"]["reader"]["properties"])));
+}
+
+} // namespace
+} // namespace kel::test
