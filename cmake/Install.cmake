@@ -35,6 +35,11 @@ install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} RENAME copyright COMPO
 install(DIRECTORY docs/readers DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT command
         FILES_MATCHING PATTERN "*.md" PATTERN "advice" EXCLUDE)
 install(FILES docs/kelreader.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT command)
+install(FILES docs/station.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT command)
+install(FILES station/station.schema.json DESTINATION ${CMAKE_INSTALL_DATADIR}/kelreader COMPONENT command)
+# Stations as services.
+install(FILES service/kelreader-station@.service DESTINATION lib/systemd/system COMPONENT command)
+install(FILES service/kelreader.sysusers DESTINATION lib/sysusers.d RENAME kelreader.conf COMPONENT command)
 set(shared_object libKELReader81U.so.${PROJECT_VERSION_MAJOR})
 kel_install_link(${CMAKE_INSTALL_BINDIR}/kelreader kelreader command)
 kel_install_link(${CMAKE_INSTALL_LIBDIR}/${shared_object} ${shared_object} command)
@@ -99,7 +104,10 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_BINARY_DIR}/bin)
 set(CPACK_DEBIAN_PACKAGE_SECTION misc)
 set(CPACK_DEBIAN_COMMAND_PACKAGE_NAME kelreader81u)
 set(CPACK_DEBIAN_COMMAND_PACKAGE_RECOMMENDS kelreader81u-options)
-set(CPACK_DEBIAN_COMMAND_PACKAGE_CONTROL_EXTRA ${CMAKE_CURRENT_SOURCE_DIR}/cmake/triggers)
+set(CPACK_DEBIAN_COMMAND_PACKAGE_CONTROL_EXTRA
+    ${CMAKE_CURRENT_SOURCE_DIR}/cmake/triggers ${CMAKE_CURRENT_SOURCE_DIR}/cmake/debian/postinst
+    ${CMAKE_CURRENT_SOURCE_DIR}/cmake/debian/prerm)
+set(CPACK_DEBIAN_COMMAND_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 set(CPACK_DEBIAN_COMMAND_DESCRIPTION "the command kelreader and the component for optical mark readers")
 set(CPACK_DEBIAN_OPTIONS_PACKAGE_NAME kelreader81u-options)
 set(CPACK_DEBIAN_OPTIONS_PACKAGE_DEPENDS "kelreader81u (= ${PROJECT_VERSION})")

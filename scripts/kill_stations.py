@@ -1,0 +1,191 @@
+#!/usr/bin/env python3
+"""Kills a station again and again while simulated readers feed, and counts what its store holds.
+
+Each sheet is made up, and no two are the same. A reader is told to feed the next sheet once the store has the last one:
+so a sheet may be missing only if it was the last that was fed when the station was killed, or was fed because the
+station had asked for it by then. The store is read without
+the program that wrote it.
+
+Usage: kill_stations.py KELREADER [--readers N] [--sheets N] [--kills N] [--seed N]
+"""
+
+import argparse
+import collections
+import json
+import os
+import random
+import signal
+import sqlite3
+import subprocess
+import sys
+import tempfile
+import time
+from pathlib import Path
+
+MODEL = "13"
+FORM = {"side1Rows": [63], "side1Cols": [48]}
+# What has not happened after so long does not happen any more.
+PATIENCE = 600
+
+
+def marks_of(side):
+    """The marks of a side as the store has it, or as a line of JSON has it."""
+    if isinstance(side, dict):
+        return tuple(tuple(mark) for mark in side["marks"])
+    return tuple(
+        (row, column, value)
+        for row, cells in enumerate(side, 1)
+        for column, value in enumerate(cells, 1)
+        if value != 0
+    )
+
+
+class Reader:
+    """A simulated reader that outlives the station."""
+
+    def __init__(self, program, folder, number, sheets):
+        self.name = f"reader{number}"
+        self.sheets = sheets
+        self.device = folder / self.name
+        made_up = ["--model", MODEL, "--seed", str(1000 + number), "--count", str(sheets), "--rate", "unlimited"]
+        self.log = folder / f"{self.name}.log"
+        self.expected = self.read_once(program, made_up)
+        with open(self.log, "w", encoding="utf-8") as log:
+            self.process = subprocess.Popen([program, "simulate", *made_up, "--link", self.device], stdout=log)
+
+    def read_once(self, program, made_up):
+        """What the sheets hold, from a scan that nobody disturbs."""
+        scan = subprocess.run(
+            [program, "scan", "--simulate", *made_up, "--set", "SleepTime=1", "--max-sheets", str(self.sheets)],
+            capture_output=True, text=True, check=True, timeout=PATIENCE * 10)
+        lines = [json.loads(line) for line in scan.stdout.splitlines()]
+        found = {marks_of(line["side1"]): line["sheet"] for line in lines if line["event"] == "sheet"}
+        assert len(found) == self.sheets, "sheets that are not all there, or not all different"
+        return found
+
+    def last_fed(self):
+        fed = 0
+        for line in self.log.read_text(encoding="utf-8").splitlines():
+            event = json.loads(line)
+            if event["event"] == "fed":
+                fed = event["sheet"]
+        return fed
+
+
+def write_file(folder, readers):
+    (folder / "form.json").write_text(json.dumps(FORM), encoding="utf-8")
+    file = folder / "station.json"
+    file.write_text(json.dumps({
+        "station": "killed", "store": "store.db", "batch": "all", "retry": {"first": 0.02, "longest": 0.1},
+        "readers": [{"name": reader.name, "model": int(MODEL), "device": str(reader.device), "form": "form.json",
+                     "set": {"SleepTime": 1}} for reader in readers]}), encoding="utf-8")
+    return file
+
+
+def stored(folder):
+    """How many sheets the store holds."""
+    store = folder / "store.db"
+    if not store.exists():
+        return 0
+    with sqlite3.connect(store, timeout=30) as database:
+        try:
+            return database.execute("SELECT count(*) FROM sheet").fetchone()[0]
+        except sqlite3.OperationalError:
+            return 0 # it is being made
+
+
+def wait_for(condition, what):
+    end = time.monotonic() + PATIENCE
+    while not condition():
+        if time.monotonic() > end:
+            sys.exit(f"kill_stations.py: {what} does not happen any more")
+        time.sleep(0.01)
+
+
+def kill_again_and_again(program, folder, readers, kills, chance):
+    """Kills the station at random moments, and notes which sheets were on their way."""
+    file = write_file(folder, readers)
+    total = sum(reader.sheets for reader in readers)
+    on_their_way = collections.defaultdict(set)
+    done = 0
+    for _ in range(kills):
+        before = stored(folder)
+        if sum(reader.last_fed() for reader in readers) >= total:
+            break
+        station = subprocess.Popen([program, "station", file], stderr=subprocess.DEVNULL)
+        wanted = before + chance.randrange(1, max(2, 2 * total // (kills + 1)))
+        wait_for(lambda: stored(folder) >= wanted or sum(r.last_fed() for r in readers) >= total, "reading")
+        time.sleep(chance.random() * 0.3)
+        station.send_signal(signal.SIGKILL)
+        station.wait()
+        done += 1
+        # The reader may still find a command in its line.
+        for reader in readers:
+            last = reader.last_fed()
+            on_their_way[reader.name] |= {last, last + 1}
+    station = subprocess.Popen([program, "station", file], stderr=subprocess.DEVNULL)
+    wait_for(lambda: all(reader.last_fed() == reader.sheets for reader in readers), "feeding the last sheet")
+    # Its last sheets are in the store; one a kill may have been on its way in each reader.
+    missing = done * len(readers)
+    wait_for(lambda: stored(folder) >= total - missing, "storing the last sheet")
+    station.terminate()
+    station.wait()
+    return done, on_their_way
+
+
+def count(folder, readers, on_their_way):
+    """What is wrong with the store, and how many sheets were on their way."""
+    with sqlite3.connect(folder / "store.db") as database:
+        rows = database.execute("SELECT reader, number, side1 FROM sheets ORDER BY id").fetchall()
+    faults = []
+    lost = 0
+    for reader in readers:
+        mine = [(number, marks_of(json.loads(side))) for name, number, side in rows if name == reader.name]
+        numbers = [number for number, _ in mine]
+        if numbers != list(range(1, len(numbers) + 1)):
+            faults.append(f"{reader.name}: the numbers are not 1 to {len(numbers)}, each once")
+        found = [reader.expected.get(marks) for _, marks in mine]
+        if None in found:
+            faults.append(f"{reader.name}: {found.count(None)} sheets that nobody has fed")
+        if len(set(found)) != len(found):
+            faults.append(f"{reader.name}: {len(found) - len(set(found))} sheets are there more than once")
+        missing = set(reader.expected.values()) - set(found)
+        lost += len(missing)
+        if wrongly := missing - on_their_way[reader.name]:
+            faults.append(f"{reader.name}: sheets {sorted(wrongly)} are missing, and were not on their way at a kill")
+    return len(rows), lost, faults
+
+
+def main():
+    arguments = argparse.ArgumentParser(description=__doc__.splitlines()[0])
+    arguments.add_argument("program", type=Path)
+    arguments.add_argument("--readers", type=int, default=8)
+    arguments.add_argument("--sheets", type=int, default=10_000, help="of all readers together")
+    arguments.add_argument("--kills", type=int, default=200)
+    arguments.add_argument("--seed", type=int, default=1)
+    options = arguments.parse_args()
+    program = options.program.resolve()
+    with tempfile.TemporaryDirectory() as name:
+        folder = Path(name)
+        os.environ["KELREADER_REGISTRY_DIR"] = str(folder / "settings")
+        each = options.sheets // options.readers
+        readers = []
+        try:
+            for number in range(options.readers):
+                readers.append(Reader(program, folder, number, each))
+            wait_for(lambda: all(reader.device.exists() for reader in readers), "making the lines")
+            kills, ways = kill_again_and_again(program, folder, readers, options.kills, random.Random(options.seed))
+        finally:
+            for reader in readers:
+                reader.process.kill()
+                reader.process.wait()
+        rows, lost, faults = count(folder, readers, ways)
+    print(f"{each * len(readers)} sheets fed by {len(readers)} readers, {kills} kills: {rows} sheets stored, "
+          f"{lost} were on their way at a kill, {len(faults)} faults")
+    for fault in faults:
+        print(fault)
+    return 1 if faults else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
