@@ -172,6 +172,10 @@ void StationReader::readOnce(std::optional<host::Reader>& reader, Pauses& pauses
         reader->connect();
         readWith(*reader, pauses);
     } catch (const std::exception& error) {
+        {
+            const std::lock_guard lock(mutex_);
+            object_ = nullptr;
+        }
         reader.reset();
         static_cast<void>(failed(error.what(), {}));
     }
