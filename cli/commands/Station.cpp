@@ -1,9 +1,9 @@
 #include "station/Station.h"
 #include "cli/CommandList.h"
 #include "cli/Commands.h"
-#include "cli/ReaderAdvice.h"
 #include "cli/UsageError.h"
 #include "formats/JsonValue.h"
+#include "host/ReaderAdvice.h"
 #include "host/TextOutput.h"
 #include "station/ServiceNotice.h"
 #include "station/StateSocket.h"
@@ -38,7 +38,7 @@ void tell(const std::string& sentence)
 
 std::string adviceText(const host::Failure& failure)
 {
-    const AdviceRow* const advice = adviceOn(failure);
+    const host::AdviceRow* const advice = host::adviceOn(failure);
     return advice ? advice->remedy : failure.remedy;
 }
 
