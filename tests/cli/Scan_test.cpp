@@ -21,8 +21,8 @@ using Words = std::vector<std::string>;
 /// A scan of a simulated VMR138 that loses no time, with more words behind.
 Words simulatedScan(const Words& more)
 {
-    Words words = {"scan",      "--model",   "24",    "--simulate",   "--rate", "unlimited",
-                   "--setting", "feed-ms=0", "--set", "SleepTime=40", "--set",  "RecognitionThreshold=198"};
+    Words words = {"scan",      "--model",   "24",    "--simulate",    "--rate", "unlimited",
+                   "--setting", "feed-ms=0", "--set", "SleepTime=250", "--set",  "RecognitionThreshold=198"};
     words.insert(words.end(), more.begin(), more.end());
     return words;
 }
@@ -130,7 +130,7 @@ TEST(ScanCommand, ReaderThatHangsUpInTheMiddleOfAPageIsReported)
         withoutNumbers(outcome.output),
         sheetLine(1, {{1, 1}, {2, 2}}) + "\n" + R"({"event":"failure","line":N,"number":0,"type":2,"description":")" +
             tooManyRows +
-            R"(\r\n\r\n\tSystem pause (ms): 40","source":"basPeripheralDynamics.ReadPagePD","title":"Sheet Not Read"})"
+            R"(\r\n\r\n\tSystem pause (ms): 250","source":"basPeripheralDynamics.ReadPagePD","title":"Sheet Not Read"})"
             "\n"
             R"({"event":"failure","line":N,"number":8020,"type":0,"description":")" +
             hungUp +
@@ -143,7 +143,7 @@ TEST(ScanCommand, ReaderThatHangsUpInTheMiddleOfAPageIsReported)
             R"({"event":"end","started":true,"sheets":1,"cancelScan":true,"result":true})"
             "\n");
     EXPECT_EQ(withoutNumbers(outcome.errors), "kelreader: Sheet Not Read: " + tooManyRows +
-                                                  " System pause (ms): 40 (basPeripheralDynamics.ReadPagePD)\n"
+                                                  " System pause (ms): 250 (basPeripheralDynamics.ReadPagePD)\n"
                                                   "kelreader: " +
                                                   hungUp +
                                                   " (8020, basPeripheralDynamics.EjectPagePD, line N)\n"
@@ -212,8 +212,8 @@ TEST(ScanCommand, AnAnswerKeyGoesIntoTheReader)
     const TextFile key(R"({"formIds":["0001","0002"],"questionsOnPage":[1,1],"questions":[
         {"name":"Question 1","choices":["A","B"],"correctAnswers":["A","B"]},
         {"name":"Question 2","choices":["A","B"],"correctAnswers":["B","A"]}]})");
-    const Words words = {"scan",      "--model",  "40",          "--simulate",   "--set",    "SleepTime=40", "--form",
-                         form.path(), "--sheets", sheets.path(), "--answer-key", key.path(), "--max-sheets", "1"};
+    const Words words = {"scan",      "--model",  "40",          "--simulate",   "--set",    "SleepTime=250", "--form",
+                         form.path(), "--sheets", sheets.path(), "--answer-key", key.path(), "--max-sheets",  "1"};
     const CommandOutcome outcome = runCommand(words);
     EXPECT_THAT(
         outcome.lines(),

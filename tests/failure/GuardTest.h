@@ -6,6 +6,7 @@
 #include "tests/support/SteppedFault.h"
 
 #include "reader/ReaderSession.h"
+#include "strings/VBLMRTSModule.h"
 
 #include <gtest/gtest.h>
 
@@ -27,6 +28,8 @@ public:
     GuardBench() : scope_(machine)
     {
         setErrorObject(host);
+        // The texts are there before memory fails: a load without memory leaves nothing, and is no failure.
+        static_cast<void>(VBLM_RTString(text::kNotReadyTitle));
         line = std::make_shared<FailingLine>();
         reader.carrier(line);
         reader.events().add(host);
