@@ -37,7 +37,7 @@ Cause causeOf(const Answer& answer)
     if (answer.echoed)
         return Cause::Echo;
     if (!answer.refused.empty())
-        return Cause::LineAbsent;
+        return Cause::LineHungUp;
     if (answer.section.errors.any())
         return causeOf(answer.section.errors);
     if (answer.kind != ReplyKind::Silence)
@@ -160,7 +160,7 @@ void failed(CheckRun& run, const Answer& answer)
     run.add(result);
     run.reachable = false;
     run.whyNot = "the reader does not answer";
-    if (cause != Cause::Echo && cause != Cause::LineAbsent && cause != Cause::BytesLost)
+    if (cause != Cause::Echo && cause != Cause::LineHungUp && cause != Cause::BytesLost)
         lookElsewhere(run);
 }
 

@@ -13,6 +13,7 @@ enum class Cause {
     LineNotPermitted,
     LineBusy,
     LineRefused,
+    LineHungUp,
     LibraryMissing,
     NotConnected,
     Echo,

@@ -42,7 +42,8 @@ struct Question {
     std::vector<Ask> asks;
     std::string settings;
     Int32 handshaking = 0;
-    Int32 listen = 0; ///< milliseconds before it
+    Int32 listen = 0;     ///< milliseconds before it
+    bool patient = false; ///< waits longer than a reader needs: what answers late must not count as silent
 };
 
 /// What came of it.
@@ -56,6 +57,10 @@ struct Answer {
     Section section{};
     Dialogue dialogue{};
 };
+
+/// Whether a report, or one of several, is that of a line that is gone.
+[[nodiscard]] bool tellsHangUp(Int32 number);
+[[nodiscard]] bool tellsHangUp(const std::vector<host::Failure>& failures);
 
 /// What came of a session.
 struct SessionSeen {
@@ -106,7 +111,8 @@ public:
         return {.dialect = dialect().dialect,
                 .asks = std::move(asks),
                 .settings = lineSettings_,
-                .handshaking = handshaking_};
+                .handshaking = handshaking_,
+                .patient = true};
     }
 
     /// Milliseconds that a character takes on the line.

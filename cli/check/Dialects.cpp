@@ -67,7 +67,7 @@ const std::vector<DialectEntry>& table()
         {Dialect::PeripheralDynamics,
          "a VMR138",
          kelReaderTypePDIVMR138,
-         {{"0", 500}, {"Q"}, {"9", 50}},
+         {{"0", 500, false}, {"Q"}, {"9", 50, false}},
          "a status of 3 bytes",
          {}},
         {Dialect::EZData,

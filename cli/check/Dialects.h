@@ -37,6 +37,7 @@ enum class ReplyKind {
 struct Ask {
     std::string bytes;
     Int32 milliseconds = 300;
+    bool replies = true; ///< whether a reply comes upon them at all
 };
 
 struct DialectEntry {

@@ -14,6 +14,9 @@ using namespace std::chrono_literals;
 
 // A reply is over when nothing has come for so long.
 constexpr Moment kQuiet = 60ms;
+// On a machine that is busy bytes are seen late: who is patient waits for so long.
+constexpr Moment kPatientQuiet = 300ms;
+constexpr Moment kPatience = 2s;
 constexpr Int32 kLook = 2; // milliseconds between looks at the line
 
 // A session is ended when no sheet has come for its time-out, or for so long if that is more, and this besides.
@@ -51,7 +54,7 @@ private:
 };
 
 /// What comes up to the end of a reply, or of the time.
-std::string collect(SerialControl& line, Moment most, const std::function<bool()>& stopped)
+std::string collect(SerialControl& line, Moment most, Moment quiet, const std::function<bool()>& stopped)
 {
     std::string bytes;
     MessagePump& pump = platform().pump();
@@ -61,7 +64,7 @@ std::string collect(SerialControl& line, Moment most, const std::function<bool()
         if (line.InBufferCount() > 0) {
             bytes += line.Input();
             last = pump.now();
-        } else if (!bytes.empty() && pump.now() - last >= kQuiet) {
+        } else if (!bytes.empty() && pump.now() - last >= quiet) {
             break;
         }
         pump.Sleep(kLook);
@@ -101,6 +104,17 @@ bool isEcho(const std::vector<Ask>& asks, const std::vector<std::string>& replie
 
 } // namespace
 
+bool tellsHangUp(Int32 number)
+{
+    const auto code = static_cast<FailureCode>(number);
+    return code == FailureCode::ErrorReadingDevice || code == FailureCode::InvalidPortNumber;
+}
+
+bool tellsHangUp(const std::vector<host::Failure>& failures)
+{
+    return std::ranges::any_of(failures, [](const host::Failure& failure) { return tellsHangUp(failure.number); });
+}
+
 Answer CheckRun::ask(const std::string& name, const Question& question)
 {
     if (stopWanted())
@@ -117,10 +131,13 @@ Answer CheckRun::ask(const std::string& name, const Question& question)
         line.Settings(question.settings);
         line.PortOpen(True);
         bench().lookAtModemLines();
-        answer.unasked = collect(line, std::chrono::milliseconds(question.listen), stopped);
+        answer.unasked = collect(line, std::chrono::milliseconds(question.listen), kQuiet, stopped);
         for (const Ask& ask : question.asks) {
             line.Output(ask.bytes);
-            answer.replies.push_back(collect(line, std::chrono::milliseconds(ask.milliseconds), stopped));
+            const Moment usual = std::chrono::milliseconds(ask.milliseconds);
+            answer.replies.push_back(question.patient && ask.replies
+                                         ? collect(line, std::max(usual, kPatience), kPatientQuiet, stopped)
+                                         : collect(line, usual, kQuiet, stopped));
         }
         line.PortOpen(False);
     } catch (const RuntimeFailure& failure) {

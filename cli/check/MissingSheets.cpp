@@ -1,3 +1,4 @@
+#include "cli/check/CheckRun.h"
 #include "cli/check/PaperGuard.h"
 #include "cli/check/SheetFindings.h"
 
@@ -16,12 +17,13 @@ enum class PathState { Unknown, Empty, Fault };
 
 PathState scanmarkPath(const Dialogue& dialogue)
 {
+    constexpr std::size_t kStatusLength = 12;
     constexpr std::size_t kFlags = 8;
     constexpr char kFaults = 0x50;
     // The end of the session resets the reader: the last status before it counts.
     const Exchange* const status = dialogue.last("\x1BQSTS");
     const std::string reply = status ? status->reply() : "";
-    if (reply.size() <= kFlags)
+    if (reply.size() != kStatusLength)
         return PathState::Unknown;
     return (reply[kFlags] & kFaults) != 0 ? PathState::Fault : PathState::Empty;
 }
@@ -87,26 +89,24 @@ bool statusIsMissing(const SheetsSeen& seen)
            !seen.behind->back().starts_with("000");
 }
 
-/// Whether nothing came upon the last command that moves paper.
-bool readIsUnanswered(const SheetsSeen& seen)
+/// Whether anything came upon the last command that moves paper; nothing if none was sent.
+std::optional<bool> readIsAnswered(const SheetsSeen& seen)
 {
-    bool unanswered = true;
+    std::optional<bool> answered;
     std::string before;
     for (const Exchange& exchange : seen.dialogue.exchanges) {
         if (!movesNoPaper(seen.model, exchange.sent, before))
-            unanswered = exchange.arrivals.empty();
+            answered = !exchange.arrivals.empty();
         before = exchange.sent;
     }
-    return unanswered;
+    return answered;
 }
 
 Cause causeOfFailure(const SheetsSeen& seen)
 {
     // The library's own number: 20 07 and 25 07 are about the connection.
     const std::string number = std::to_string(seen.failures.front().number);
-    if (seen.usb && (number.starts_with("2007") || number.starts_with("2507")))
-        return Cause::SwitchedOff;
-    return Cause::Jam;
+    return number.starts_with("2007") || number.starts_with("2507") ? Cause::SwitchedOff : Cause::Jam;
 }
 
 /// LF, two bytes a row, CR.
@@ -134,6 +134,8 @@ bool missesXon(const SheetsSeen& seen, bool rowsAreMissing)
 
 Cause causeOfMissing(const SheetsSeen& seen)
 {
+    if (tellsHangUp(seen.failures))
+        return Cause::LineHungUp;
     if (seen.errors.any())
         return seen.errors.parity + seen.errors.framing > 0 ? Cause::Garbled : Cause::BytesLost;
     if (seen.behind && judgeReplies(dialectOf(seen.model).dialect, *seen.behind) == ReplyKind::Silence)
@@ -146,8 +148,10 @@ Cause causeOfMissing(const SheetsSeen& seen)
     case PathState::Fault: return Cause::Jam;
     case PathState::Empty: break;
     case PathState::Unknown:
-        if (!seen.failures.empty() && (seen.usb || !readIsUnanswered(seen)))
+        if (!seen.failures.empty() && seen.usb)
             return causeOfFailure(seen);
+        if (!seen.failures.empty() && readIsAnswered(seen) != false)
+            return readIsAnswered(seen) ? Cause::Jam : Cause::Reported;
         break;
     }
     const bool oneShort = !seen.sheets.empty() && seen.sheets.size() + 1 == static_cast<std::size_t>(seen.wanted);

@@ -112,7 +112,7 @@ void PaperGuard::endIfStopped()
     const Moment now = platform().pump().now();
     stoppedAt_ = stoppedAt_.value_or(now);
     if (now - *stoppedAt_ > kGrace)
-        throw RuntimeFailure(FailureCode::ErrorReadingDevice, "The check has ended this wait.");
+        throw RuntimeFailure(FailureCode::InvalidProcedureCall, "The check has ended this wait.");
 }
 
 Int32 PaperGuard::Control::InBufferCount()
@@ -128,7 +128,7 @@ void PaperGuard::Control::Output(std::string_view bytes)
     if (!guard_.rules_.paperMayMove && !movesNoPaper(guard_.rules_.model, bytes, guard_.before_)) {
         if (guard_.withheld_.empty())
             guard_.withheld_ = transcriptBytes(bytes);
-        throw RuntimeFailure(FailureCode::ErrorReadingDevice,
+        throw RuntimeFailure(FailureCode::InvalidProcedureCall,
                              "Withheld until sheets may move: " + transcriptBytes(bytes));
     }
     guard_.before_ = bytes;

@@ -121,8 +121,10 @@ CheckReport parseReport(const std::string& text, const std::string& fileName)
     if (!isReport(text))
         throw host::UsageError(fileName + " is no report of 'kelreader check'; --report FILE writes one.");
     CheckReport report;
+    // A file that was cut off may end in the middle of a line.
+    const std::string_view whole = std::string_view(text).substr(0, text.rfind('\n') + 1);
     try {
-        for (const ReportSection& part : reportSections(text)) {
+        for (const ReportSection& part : reportSections(whole)) {
             if (part.name.empty())
                 report.head = part.text;
             else

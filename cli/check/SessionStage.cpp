@@ -30,6 +30,8 @@ bool refusesSetup(const host::Failure& failure)
 
 Cause causeOf(const SessionSeen& seen)
 {
+    if (tellsHangUp(seen.failures))
+        return Cause::LineHungUp;
     return std::ranges::any_of(seen.failures, refusesSetup) ? Cause::SetupRefused : Cause::Reported;
 }
 
@@ -46,6 +48,10 @@ void checkStarts(CheckRun& run, const Starts& starts)
     const auto good = static_cast<std::size_t>(std::ranges::count_if(starts, went));
     const auto* const bad = std::ranges::find_if_not(starts, went);
     if (bad != starts.end()) {
+        if (tellsHangUp(bad->failures)) {
+            run.reachable = false;
+            run.whyNot = "the line has hung up";
+        }
         const bool onlyFirst = good == kStarts - 1 && bad == starts.begin();
         result.status = onlyFirst ? CheckStatus::Warn : CheckStatus::Fail;
         result.seen = std::to_string(good) + " of 3; " + whyNot(*bad);

@@ -43,7 +43,8 @@ bool opScanMissesXon(CheckRun& run, const Answer& behind)
     const std::string mode(1, before[kModeAt]);
     const std::string other = mode == "w" ? "i" : "w";
     const Answer answer =
-        run.ask("mode with 11", run.question({{"e\x11" + other + "\x04", 200}, {"s0"}, {"e" + mode + "\x04", 200}}));
+        run.ask("mode with 11",
+                run.question({{"e\x11" + other + "\x04", 200, false}, {"s0"}, {"e" + mode + "\x04", 200, false}}));
     const std::string& report = answer.replies[1];
     return report.size() > kModeAt && report.substr(kModeAt, 1) == other;
 }

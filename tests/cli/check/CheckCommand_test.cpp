@@ -77,6 +77,16 @@ TEST(CheckCommandOverAPseudoTerminal, StopsInOrderAndWritesTheReportAsFarAsItWen
     EXPECT_THAT(report.text(), EndsWith("# end of report\n"));
 }
 
+TEST(CheckCommandOverAPseudoTerminal, SaysThatTheReaderHasHungUp)
+{
+    for (const char* fault : {"unplug@byte=5", "unplug@byte=20", "unplug@byte=300"}) {
+        const CommandOutcome outcome =
+            runCommand({"check", "--model", "13", "--simulate", "--sheets", "2", "--fault", fault, "--format", "json"});
+        EXPECT_EQ(outcome.status, 1) << fault;
+        EXPECT_THAT(verdictOf(outcome), HasSubstr(R"("cause":"line-hung-up")")) << fault;
+    }
+}
+
 TEST(CheckCommandOverAPseudoTerminal, LeavesTheSheetsOutOfAMaskedReport)
 {
     const TextFile report("");

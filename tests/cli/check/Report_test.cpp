@@ -147,6 +147,9 @@ TEST(CheckReport, CutOffIsHeldAsFarAsItGoes)
     EXPECT_EQ(again.results.back().cause, Cause::Interrupted);
     EXPECT_EQ(again.results.front().status, CheckStatus::Pass);
     EXPECT_TRUE(parseReport(text, "report.txt").whole);
+    // In the middle of a line, wherever.
+    for (std::size_t length = half.size() / 2; length < half.size(); length += 97)
+        EXPECT_FALSE(parseReport(half.substr(0, length), "report.txt").whole);
 }
 
 TEST(CheckReport, ATextThatIsNoneIsRefused)
