@@ -117,8 +117,8 @@ TEST(ScanCommand, FormAndPropertiesReachTheReader)
 TEST(ScanCommand, ReaderThatHangsUpInTheMiddleOfAPageIsReported)
 {
     const TextFile sheets(kTwoSheets);
-    const CommandOutcome outcome =
-        runCommand(simulatedScan({"--sheets", sheets.path(), "--fault", "unplug@sheet=2,byte=3"}));
+    const CommandOutcome outcome = runCommand(
+        simulatedScan({"--sheets", sheets.path(), "--fault", "unplug@sheet=2,byte=3", "--set", "SleepTime=40"}));
     const std::string hungUp =
         "Error reading comm device: Port 1 (/dev/pts/N) has hung up: the reader was disconnected "
         "or switched off. Connect it and start anew.";
@@ -130,7 +130,7 @@ TEST(ScanCommand, ReaderThatHangsUpInTheMiddleOfAPageIsReported)
         withoutNumbers(outcome.output),
         sheetLine(1, {{1, 1}, {2, 2}}) + "\n" + R"({"event":"failure","line":N,"number":0,"type":2,"description":")" +
             tooManyRows +
-            R"(\r\n\r\n\tSystem pause (ms): 250","source":"basPeripheralDynamics.ReadPagePD","title":"Sheet Not Read"})"
+            R"(\r\n\r\n\tSystem pause (ms): 40","source":"basPeripheralDynamics.ReadPagePD","title":"Sheet Not Read"})"
             "\n"
             R"({"event":"failure","line":N,"number":8020,"type":0,"description":")" +
             hungUp +
@@ -143,7 +143,7 @@ TEST(ScanCommand, ReaderThatHangsUpInTheMiddleOfAPageIsReported)
             R"({"event":"end","started":true,"sheets":1,"cancelScan":true,"result":true})"
             "\n");
     EXPECT_EQ(withoutNumbers(outcome.errors), "kelreader: Sheet Not Read: " + tooManyRows +
-                                                  " System pause (ms): 250 (basPeripheralDynamics.ReadPagePD)\n"
+                                                  " System pause (ms): 40 (basPeripheralDynamics.ReadPagePD)\n"
                                                   "kelreader: " +
                                                   hungUp +
                                                   " (8020, basPeripheralDynamics.EjectPagePD, line N)\n"

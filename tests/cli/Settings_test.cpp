@@ -198,11 +198,11 @@ TEST_F(SettingsCommand, FileThatIsNoneChangesNothing)
     const TextFile none("ScannerBaud=9600\n");
     refuse({"import", none.path()}, 2,
            "The registry file " + none.path() +
-               " cannot be taken. Line 1: this is no registry file, whose first "
+               " cannot be imported. Line 1: this is no registry file, whose first "
                "line is \"Windows Registry Editor Version 5.00\".");
     const TextFile half(kHeading + std::string("[HKCU\\Software\\Reader]\r\n\"a\"=\"1\"\r\n\"b\"=\"2\r\n"));
     refuse({"import", half.path()}, 2,
-           "The registry file " + half.path() + " cannot be taken. Line 5: the text has no quote at its end.");
+           "The registry file " + half.path() + " cannot be imported. Line 5: the text has no quote at its end.");
     EXPECT_EQ(settings({"import", "/no/such/file"}).status, 2);
     EXPECT_FALSE(std::filesystem::exists(store_));
 }

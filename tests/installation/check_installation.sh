@@ -23,7 +23,7 @@ library=$(dirname "$(find "$work/root" -name 'libKELReader81U.so.*.*.*' -print -
 [ -f "$work/root/share/kelreader/station.schema.json" ] || fail "the schema of a station's file is missing"
 if command -v systemd-analyze >/dev/null; then
     # The program is not where the unit looks for it, and all else has to be right.
-    wrong=$(systemd-analyze verify "$work/root/lib/systemd/system/kelreader-station@.service" 2>&1 |
+    wrong=$(systemd-analyze --man=no verify "$work/root/lib/systemd/system/kelreader-station@.service" 2>&1 |
             grep 'kelreader-station' | grep -v 'is not executable' || true)
     [ -z "$wrong" ] || fail "the unit of a station is wrong: $wrong"
 fi

@@ -1,7 +1,6 @@
 #include "tests/cli/check/VirtualCheck.h"
 
 #include "cli/check/ReportText.h"
-#include "host/ModelLookup.h"
 #include "profiles/Catalogue.h"
 
 namespace kel::test {
@@ -87,7 +86,7 @@ std::vector<kelReaderType> modelsOfCatalogue(bool usb)
     std::vector<kelReaderType> models;
     for (const CatalogueGroup& group : catalogue())
         for (const CatalogueModel& model : group.Models)
-            if (host::isUsbModel(model.ReaderType) == usb)
+            if ((model.Link.InterfaceType == kelReaderInterfaceTypeUSB) == usb)
                 models.push_back(model.ReaderType);
     return models;
 }
