@@ -9,6 +9,9 @@
 
 namespace kel {
 
+// The file changes before the commit is there to be read, and nothing is heard of the commit itself.
+constexpr int kCommitIsSeen = 500;
+
 StoreWatch::StoreWatch(const std::filesystem::path& store) : changes_(::inotify_init1(IN_CLOEXEC | IN_NONBLOCK))
 {
     const std::filesystem::path folder = store.has_parent_path() ? store.parent_path() : std::filesystem::path(".");
@@ -21,7 +24,7 @@ StoreWatch::StoreWatch(const std::filesystem::path& store) : changes_(::inotify_
 bool StoreWatch::wait(int other) const
 {
     pollfd handles[] = {{changes_.number(), POLLIN, 0}, {other, POLLIN, 0}};
-    retrying([&] { return ::poll(handles, 2, -1); });
+    retrying([&] { return ::poll(handles, 2, kCommitIsSeen); });
     std::array<char, 65536> dropped;
     while (::read(changes_.number(), dropped.data(), dropped.size()) > 0) {
     }

@@ -31,7 +31,7 @@ def simulated():
 
     def make(sheets, **more):
         one = kelreader.simulate("VMR138", sheets=sheets, **{**QUICK, **more})
-        one.reader = functools.partial(one.reader, sleep_time=40)
+        one.reader = functools.partial(one.reader, sleep_time=60)
         made.append(one)
         return one.__enter__()
 

@@ -40,7 +40,7 @@ def test_every_model_can_be_simulated_and_read():
     for model in kelreader.models():
         with kelreader.simulate(model.reader_type, count=1) as simulation:
             # The VMR138 feeds at its own pace, whatever it is asked.
-            with simulation.reader(sleep_time=40 if model.reader_type == 24 else 1) as reader:
+            with simulation.reader(sleep_time=60 if model.reader_type == 24 else 1) as reader:
                 (sheet,) = list(reader)
                 assert sheet.side1 is not None or sheet.record is not None, model.reader_name
         assert simulation.errors == [], model.reader_name

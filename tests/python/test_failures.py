@@ -59,12 +59,12 @@ def test_an_error_can_be_sent_to_another_process():
 def test_locate_and_firmware_answer_or_raise():
     with kelreader.simulate("EZData") as simulation:
         kelreader.map_port(2, simulation.device)
-        with simulation.reader(sleep_time=1) as reader:
-            assert reader.firmware()
         with kelreader.Reader("EZData", port=1, sleep_time=1, timeout=1) as reader, warnings.catch_warnings():
             warnings.simplefilter("ignore")
             assert reader.locate() == 2
             assert reader.port == 2
+        with simulation.reader(sleep_time=1) as reader:
+            assert reader.firmware()
     with kelreader.Reader("VMR138", port=5) as reader:
         assert reader.locate() is None, "a model that cannot be searched for"
 
