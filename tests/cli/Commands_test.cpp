@@ -239,7 +239,7 @@ TEST(SimulateCommand, TwoProcessesReadABatch)
     EXPECT_THAT(ready, testing::MatchesRegex(R"(\{"event":"ready","device":"/dev/pts/[0-9]+"\})"));
     EXPECT_EQ(std::filesystem::read_symlink(link).string(), Json::parse(ready)["device"]);
 
-    const CommandOutcome scan = runCommand({"scan", "--model", "VMR138", "--device", link, "--set", "SleepTime=250",
+    const CommandOutcome scan = runCommand({"scan", "--model", "VMR138", "--device", link, "--set", "SleepTime=40",
                                             "--set", "RecognitionThreshold=198", "--max-sheets", "2"});
     EXPECT_EQ(scan.status, 0) << scan.errors;
     EXPECT_EQ(scan.lines().size(), 3U);

@@ -19,8 +19,8 @@ constexpr const char* kSheets = R"([{"side1":[[1,0,0],[0,1,1]]},{"side1":[[0,0,0
 /// A scan of a simulated VMR138 that loses no time, with more words behind.
 Words simulatedScan(const Words& more)
 {
-    Words words = {"scan",      "--model",   "24",    "--simulate",    "--rate",       "unlimited",
-                   "--setting", "feed-ms=0", "--set", "SleepTime=250", "--max-sheets", "2"};
+    Words words = {"scan",      "--model",   "24",    "--simulate",   "--rate",       "unlimited",
+                   "--setting", "feed-ms=0", "--set", "SleepTime=40", "--max-sheets", "2"};
     words.insert(words.end(), more.begin(), more.end());
     return words;
 }

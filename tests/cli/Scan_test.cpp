@@ -21,8 +21,8 @@ using Words = std::vector<std::string>;
 /// A scan of a simulated VMR138 that loses no time, with more words behind.
 Words simulatedScan(const Words& more)
 {
-    Words words = {"scan",      "--model",   "24",    "--simulate",    "--rate", "unlimited",
-                   "--setting", "feed-ms=0", "--set", "SleepTime=250", "--set",  "RecognitionThreshold=198"};
+    Words words = {"scan",      "--model",   "24",    "--simulate",   "--rate", "unlimited",
+                   "--setting", "feed-ms=0", "--set", "SleepTime=40", "--set",  "RecognitionThreshold=198"};
     words.insert(words.end(), more.begin(), more.end());
     return words;
 }
@@ -212,8 +212,8 @@ TEST(ScanCommand, AnAnswerKeyGoesIntoTheReader)
     const TextFile key(R"({"formIds":["0001","0002"],"questionsOnPage":[1,1],"questions":[
         {"name":"Question 1","choices":["A","B"],"correctAnswers":["A","B"]},
         {"name":"Question 2","choices":["A","B"],"correctAnswers":["B","A"]}]})");
-    const Words words = {"scan",      "--model",  "40",          "--simulate",   "--set",    "SleepTime=250", "--form",
-                         form.path(), "--sheets", sheets.path(), "--answer-key", key.path(), "--max-sheets",  "1"};
+    const Words words = {"scan",      "--model",  "40",          "--simulate",   "--set",    "SleepTime=40", "--form",
+                         form.path(), "--sheets", sheets.path(), "--answer-key", key.path(), "--max-sheets", "1"};
     const CommandOutcome outcome = runCommand(words);
     EXPECT_THAT(
         outcome.lines(),

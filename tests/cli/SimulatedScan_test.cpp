@@ -21,7 +21,7 @@ using Words = std::vector<std::string>;
 std::vector<Json> sheetsOf(kelReaderType model, const Words& more)
 {
     Words words = {"scan",   "--simulate", "--model", std::to_string(model),
-                   "--rate", "unlimited",  "--set",   "SleepTime=250"};
+                   "--rate", "unlimited",  "--set",   "SleepTime=40"};
     words.insert(words.end(), more.begin(), more.end());
     const CommandOutcome outcome = runCommand(words);
     EXPECT_EQ(outcome.errors, "");
@@ -124,8 +124,8 @@ TEST(SimulateCommand, ListsTheFaultsOfTheSite)
 TEST(SimulatedScan, IsHeldAgainFromItsTrace)
 {
     const TextFile trace("");
-    const Words words = {"scan", "--simulate", "--model",       "18",      "--rate",    "unlimited", "--max-sheets",
-                         "2",    "--set",      "SleepTime=250", "--trace", trace.path()};
+    const Words words = {"scan",         "--simulate", "--model", "18",           "--rate",  "unlimited",
+                         "--max-sheets", "2",          "--set",   "SleepTime=40", "--trace", trace.path()};
     const CommandOutcome scan = runCommand(words);
     EXPECT_EQ(scan.status, 0);
     EXPECT_THAT(trace.text(), HasSubstr("# form: {\"side1Rows\":[100],\"side1Cols\":[5],\"side2Rows\":[0],"

@@ -125,8 +125,8 @@ INSTANTIATE_TEST_SUITE_P(Sessions, TraceAndReplay, testing::ValuesIn(sessions())
 /// A scan over a pseudo-terminal in real time, traced.
 CommandOutcome tracedScan(const TextFile& trace, const Words& more)
 {
-    Words words = {"scan",      "--model",   "24",    "--simulate",    "--rate", "unlimited",
-                   "--setting", "feed-ms=0", "--set", "SleepTime=250", "--set",  "RecognitionThreshold=198",
+    Words words = {"scan",      "--model",   "24",    "--simulate",   "--rate", "unlimited",
+                   "--setting", "feed-ms=0", "--set", "SleepTime=40", "--set",  "RecognitionThreshold=198",
                    "--trace",   trace.path()};
     words.insert(words.end(), more.begin(), more.end());
     return runCommand(words);
@@ -149,7 +149,7 @@ TEST(ReplayCommand, HoldsATracedSessionAgain)
     const CommandOutcome scan = tracedScan(trace, {"--sheets", sheets.path(), "--max-sheets", "2", "--reject-blank"});
     ASSERT_EQ(scan.status, 0) << scan.errors;
     EXPECT_THAT(trace.text(), StartsWith("# model: 24\n# form: "));
-    EXPECT_THAT(trace.text(), HasSubstr("\n# set: SleepTime=250\n"));
+    EXPECT_THAT(trace.text(), HasSubstr("\n# set: SleepTime=40\n"));
     EXPECT_THAT(trace.text(), HasSubstr("# line: 9600,N,8,1\n"));
     const CommandOutcome replay = runCommand({"replay", trace.path()});
     EXPECT_EQ(replay.output, scan.output);

@@ -58,11 +58,11 @@ def test_an_error_can_be_sent_to_another_process():
 
 def test_locate_and_firmware_answer_or_raise():
     with kelreader.simulate("EZData") as simulation:
-        kelreader.map_port(2, simulation.device)
-        with kelreader.Reader("EZData", port=1, sleep_time=1, timeout=1) as reader, warnings.catch_warnings():
+        kelreader.map_port(3, simulation.device)
+        with kelreader.Reader("EZData", port=3, sleep_time=1, timeout=1) as reader, warnings.catch_warnings():
             warnings.simplefilter("ignore")
-            assert reader.locate() == 2
-            assert reader.port == 2
+            assert reader.locate() == 3
+            assert reader.port == 3
         with simulation.reader(sleep_time=1) as reader:
             assert reader.firmware()
     with kelreader.Reader("VMR138", port=5) as reader:
