@@ -12,8 +12,8 @@ public:
     /// StoreProblem if the system refuses to watch.
     explicit StoreWatch(const std::filesystem::path& store);
 
-    /// Waits until something may have changed since the last wait, or until `other` can be read, if it is a handle
-    /// (0 or above). False if it is `other`.
+    /// Waits until something may have changed since the last wait, half a second at most, or until `other` can be read,
+    /// if it is a handle (0 or above). False if it is `other`.
     [[nodiscard]] bool wait(int other) const;
 
 private:

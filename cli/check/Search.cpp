@@ -43,18 +43,13 @@ private:
     std::vector<Place> places_;
 };
 
-/// The line of a model in the catalogue; nothing if it has none.
-std::string usualLineOf(kelReaderType wanted)
+/// The line that a model of the catalogue starts from; nothing if it has none.
+std::string usualLineOf(const CatalogueModel& model)
 {
-    for (const CatalogueGroup& group : catalogue()) {
-        for (const CatalogueModel& model : group.Models) {
-            if (model.ReaderType != wanted || !model.Link.Defaults)
-                continue;
-            const LineDefaults line = *model.Link.Defaults;
-            return settingsText(static_cast<Int32>(line.BaudRate), {line.Parity[0], line.DataBits}, line.StopBits);
-        }
-    }
-    return {};
+    if (!model.Link.Defaults)
+        return {};
+    const LineDefaults line = *model.Link.Defaults;
+    return settingsText(static_cast<Int32>(line.BaudRate), {line.Parity[0], line.DataBits}, line.StopBits);
 }
 
 /// The model itself, with one thing of its line set otherwise, then with several.
@@ -86,7 +81,7 @@ std::vector<Place> placesFor(kelReaderType model, const std::string& lineSetting
     for (const DialectEntry& dialect : dialects())
         for (const CatalogueGroup& group : catalogue())
             for (const CatalogueModel& other : group.Models) {
-                const std::string line = usualLineOf(other.ReaderType);
+                const std::string line = usualLineOf(other);
                 if (!line.empty() && dialectOf(other.ReaderType).dialect == dialect.dialect)
                     places.add(dialect.dialect, line);
             }
