@@ -31,6 +31,10 @@ constexpr DWORD kFarewell = 500;
 /// How often a wait for output looks after the input.
 constexpr DWORD kOutputSlice = 20;
 
+/// How long a port may take to become free after its program's end, and how often that is looked at, in milliseconds.
+constexpr Moment kClaimPatience = seconds(5);
+constexpr DWORD kClaimSlice = 10;
+
 BYTE parityCode(char letter)
 {
     switch (letter) {
@@ -100,7 +104,7 @@ PortLine::Output::Output() : done(::CreateEventW(nullptr, TRUE, TRUE, nullptr))
 }
 
 PortLine::PortLine(Int16 port, const LineParameters& parameters, std::shared_ptr<WindowsMessagePump> pump)
-    : name_(portName(port)), claim_(claim(port)), port_(open(port)), hasModemLines_(hasModemLines(port_.get())),
+    : name_(portName(port)), port_(open(port)), claim_(claim(port)), hasModemLines_(hasModemLines(port_.get())),
       input_(port_.get(), name_, hasModemLines_), output_(std::make_unique<Output>()), pump_(std::move(pump))
 {
     PortLine::set(parameters);
@@ -116,13 +120,17 @@ PortLine::~PortLine()
         dropOutput();
 }
 
-/// Takes the port for this object alone. The system does so too when it opens it, but for Wine, which lets anybody in.
+/// Takes the open port for this object alone. A serial driver has let in nobody else by now. Wine lets anybody in, and
+/// keeps what a program had for a moment after its end.
 SystemHandle PortLine::claim(Int16 port)
 {
-    SystemHandle mutex(::CreateMutexW(nullptr, FALSE, (L"KELReader81U.COM" + std::to_wstring(port)).c_str()));
-    if (::GetLastError() == ERROR_ALREADY_EXISTS)
-        throw portOpenFailure(port, ERROR_ACCESS_DENIED);
-    return mutex;
+    const std::wstring name = L"KELReader81U.COM" + std::to_wstring(port);
+    for (const Moment end = steadyTime() + kClaimPatience; steadyTime() < end; ::Sleep(kClaimSlice)) {
+        SystemHandle mutex(::CreateMutexW(nullptr, FALSE, name.c_str()));
+        if (::GetLastError() != ERROR_ALREADY_EXISTS)
+            return mutex;
+    }
+    throw portOpenFailure(port, ERROR_ACCESS_DENIED);
 }
 
 SystemHandle PortLine::open(Int16 port)

@@ -36,8 +36,8 @@ private:
         OVERLAPPED state{};
     };
 
-    [[nodiscard]] static SystemHandle claim(Int16 port);
     [[nodiscard]] static SystemHandle open(Int16 port);
+    [[nodiscard]] static SystemHandle claim(Int16 port);
     [[nodiscard]] bool takesPlainCharacters(DCB state) const;
     [[noreturn]] void refuse(const std::string& why) const;
     void awaitOutput();
@@ -46,8 +46,8 @@ private:
     void dropOutput();
 
     std::string name_;
-    SystemHandle claim_;
     SystemHandle port_;
+    SystemHandle claim_;
     bool hasModemLines_ = false;
     PortInput input_;
     std::unique_ptr<Output> output_;

@@ -46,7 +46,7 @@ class Clients(WindowsTest):
         self.run_program("com_arrays.exe")
 
     def test_events(self):
-        with SimulatedReader(model=24, port=EVENTS_PORT, seed=5, count=50) as reader:
+        with SimulatedReader(model=21, port=EVENTS_PORT, seed=5, count=50) as reader:
             self.run_program("com_events.exe", EVENTS_PORT)
         self.assertNotIn("fault", [event["event"] for event in reader.events])
 
@@ -186,10 +186,10 @@ class Sheets(WindowsTest):
 
     def test_script_hosts(self):
         for script in ("ReadSheets.vbs", "ReadSheets.js"):
-            with self.subTest(script), SimulatedReader(24, port=SHEETS_PORT, seed=7, count=SHEETS):
-                output = self.run_program("cscript", "//nologo", windows_path(EXAMPLES / script), 24, SHEETS_PORT, SHEETS,
-                                          20, 14, status=SHEETS)
-                self.assertEqual(output.split("\n")[:3], ["Peripheral Dynamics Inc. VMR138", "Sheet 1: 40 timing marks",
+            with self.subTest(script), SimulatedReader(21, port=SHEETS_PORT, seed=7, count=SHEETS):
+                output = self.run_program("cscript", "//nologo", windows_path(EXAMPLES / script), 21, SHEETS_PORT, SHEETS,
+                                          20, 12, status=SHEETS)
+                self.assertEqual(output.split("\n")[:3], ["Chatsworth Data OMR2000", "Sheet 1: 40 timing marks",
                                                           "Sheet 2: 40 timing marks"])
         # A host's failure object hears what goes wrong.
         for script in ("ReadSheets.vbs", "ReadSheets.js"):

@@ -42,15 +42,15 @@ class Package(WindowsTest):
     def test_works_without_and_with_registration(self):
         self.enterContext(machine_wide())  # until the last clean-up is done
         self.assertFalse(registry_has(READER_NAME))
-        with SimulatedReader(24, port=PORT, seed=7, count=SHEETS):
-            output = self.run_program(self.root / "ReadBatch.exe", 24, PORT, SHEETS, 20, 14, cwd=self.root)
+        with SimulatedReader(21, port=PORT, seed=7, count=SHEETS):
+            output = self.run_program(self.root / "ReadBatch.exe", 21, PORT, SHEETS, 20, 12, cwd=self.root)
         self.assertEqual([line.rstrip() for line in output.splitlines() if line.startswith("Sheet")], ["Sheet 1", "Sheet 2"])
 
         self.run_program("regsvr32", "/s", "KELReader81U.dll", cwd=self.root)
         self.addCleanup(wine, "regsvr32", "/s", "/u", "KELReader81U.dll", cwd=self.root)
         self.assertTrue(registry_has(READER_NAME))
-        with SimulatedReader(24, port=PORT, seed=7, count=SHEETS):
-            output = self.run_program("cscript", "//nologo", "ReadSheets.vbs", 24, PORT, SHEETS,
+        with SimulatedReader(21, port=PORT, seed=7, count=SHEETS):
+            output = self.run_program("cscript", "//nologo", "ReadSheets.vbs", 21, PORT, SHEETS,
                                       cwd=self.root / "examples", status=SHEETS)
         self.assertIn("Sheet 2: 40 timing marks", output)
         self.run_program("regsvr32", "/s", "/u", "KELReader81U.dll", cwd=self.root)
