@@ -41,5 +41,6 @@ if [ "$(id -u)" -ne 0 ]; then
 fi
 echo "Installing ${missing[*]}" >&2
 export DEBIAN_FRONTEND=noninteractive
-"${as_root[@]}" apt-get update -qq
+# A mirror that changes its index meanwhile is no reason to stop: what it has had before is there.
+"${as_root[@]}" apt-get update -qq || echo "install-packages.sh: the index of packages is not up to date" >&2
 "${as_root[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null

@@ -33,7 +33,12 @@ make() {
     chmod +x "$root/usr/sbin/policy-rc.d"
     (in_root sh -c '
         export DEBIAN_FRONTEND=noninteractive LC_ALL=C.UTF-8
-        dpkg --add-architecture amd64 && apt-get -qq update &&
+        dpkg --add-architecture amd64 || exit
+        # An index that a mirror replaces meanwhile does not fit its checksum.
+        for pause in 10 20 40 end; do
+            ! apt-get -qq update --error-on=any || break
+            [ "$pause" != end ] && sleep "$pause" || exit 1
+        done
         apt-get -qq install -y --no-install-recommends wine wine32:i386 wine64:amd64 && apt-get clean')
     touch "$root/made"
 }
