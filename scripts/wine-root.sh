@@ -26,7 +26,7 @@ make() {
     [ "$(id -u)" -eq 0 ] || { echo "wine-root.sh: only root makes a root" >&2; return 1; }
     rm -rf "$root"
     mkdir -p "$root"
-    mirror=$(grep -rhsoE 'https?://[^ ]*debian\.org/debian/?( |$)' /etc/apt/sources.list /etc/apt/sources.list.d | head -n 1)
+    mirror=$(grep -rhsoE 'https?://[^ ]*debian\.org/debian/?( |$)' /etc/apt/sources.list /etc/apt/sources.list.d | head -n 1 || true)
     debootstrap --arch=i386 --variant=minbase bookworm "$root" "${mirror:-http://deb.debian.org/debian}"
     cp /etc/resolv.conf "$root/etc/"
     printf '#!/bin/sh\nexit 101\n' >"$root/usr/sbin/policy-rc.d" # no service starts
