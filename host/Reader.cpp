@@ -8,6 +8,7 @@
 #include "platform/Platform.h"
 #include "platform/PortMap.h"
 #include "recording/TracingCarrier.h"
+#include "recording/TracingLibrary.h"
 
 #include <utility>
 
@@ -66,17 +67,24 @@ struct Reader::State {
 
 namespace {
 
-/// The device in the place of the reader's port, if one is named.
-class DeviceInPlace {
+/// What a session ties to the thread: the device in the place of the reader's port, if one is named, and the trace of
+/// what a USB reader's library is called for.
+class Joined {
 public:
-    DeviceInPlace(const clsKELReader& reader, const std::string& device)
+    Joined(const clsKELReader& reader, const std::string& device, const std::shared_ptr<TextOutput>& trace = {})
     {
         if (!device.empty())
             override_.emplace(reader.Port(), device);
+        if (trace) {
+            library_.emplace(platform(), [trace](const std::string& line) { static_cast<void>(trace->write(line)); });
+            scope_.emplace(*library_);
+        }
     }
 
 private:
     std::optional<PortOverride> override_;
+    std::optional<TracingLibrary> library_;
+    std::optional<PlatformScope> scope_;
 };
 
 } // namespace
@@ -108,7 +116,7 @@ std::string Reader::traceProblem() const
 Result Reader::read(Events& events, const std::function<bool()>& stopWanted, StopAsked asked)
 {
     state_->connect();
-    const DeviceInPlace device(state_->reader, state_->device());
+    const Joined joined(state_->reader, state_->device(), state_->trace);
     Result result = runScan(state_->reader, state_->request, events, stopWanted, asked);
     state_->failures = result.failures;
     return result;
@@ -137,7 +145,7 @@ void Reader::stop()
 std::optional<Int16> Reader::locate(Int16 startPort)
 {
     state_->failures.clear();
-    const DeviceInPlace device(state_->reader, state_->device());
+    const Joined joined(state_->reader, state_->device());
     const Reports reports(state_->reader, [this](const Failure& failure) { state_->failures.push_back(failure); });
     if (!state_->reader.Locate(startPort))
         return std::nullopt;
@@ -147,7 +155,7 @@ std::optional<Int16> Reader::locate(Int16 startPort)
 std::optional<std::string> Reader::firmware()
 {
     state_->failures.clear();
-    const DeviceInPlace device(state_->reader, state_->device());
+    const Joined joined(state_->reader, state_->device());
     const Reports reports(state_->reader, [this](const Failure& failure) { state_->failures.push_back(failure); });
     std::string version;
     if (!state_->reader.Firmware(version))
@@ -177,7 +185,7 @@ struct Sheets::Batch {
     {
         state.connect();
         state.failures.clear();
-        device.emplace(state.reader, state.device());
+        joined.emplace(state.reader, state.device(), state.trace);
         session.emplace(state.reader, state.request, last);
     }
 
@@ -197,13 +205,13 @@ struct Sheets::Batch {
         session->end();
         state.failures = session->failures();
         session.reset();
-        device.reset();
+        joined.reset();
     }
 
     Reader::State& state;
     OnFailure onFailure;
     Last last;
-    std::optional<DeviceInPlace> device;
+    std::optional<Joined> joined;
     std::optional<Session> session;
 };
 

@@ -25,13 +25,15 @@ Transcript parseOrRefuse(const std::string& text, const std::string& fileName)
 struct Replay::State {
     State(const Transcript& transcript, const std::string& text, const std::string& fileName)
         : request(requestOfTranscript(transcript, text, fileName)),
-          carrier(std::make_shared<ReplayCarrier>(transcript)), ofReport(isReport(text))
+          carrier(std::make_shared<ReplayCarrier>(transcript)), library(transcript), ofReport(isReport(text))
     {
     }
 
     Request request;
     std::shared_ptr<ReplayCarrier> carrier;
-    bool ofReport; ///< its host has looked at the line within its pauses
+    ReplayLibrary library;
+    std::vector<std::string> differences{}; ///< of both
+    bool ofReport;                          ///< its host has looked at the line within its pauses
 };
 
 Replay::Replay(const std::string& text, const std::string& fileName)
@@ -48,24 +50,29 @@ Request& Replay::request() noexcept
 
 Result Replay::read(Events& events, const std::function<bool()>& stopWanted)
 {
-    ReplayPlatform machine(platform(), *state_->carrier);
+    ReplayPlatform machine(platform(), *state_->carrier, state_->library);
     WatchfulPlatform watchful(machine, lookingAt(Reference<Carrier>(state_->carrier)));
     const PlatformScope scope(state_->ofReport ? static_cast<Platform&>(watchful) : machine);
     clsKELReader reader;
     reader.fComm(Reference<Carrier>(state_->carrier));
     prepareReader(reader, state_->request);
-    return runScan(reader, state_->request, events,
-                   [&] { return (stopWanted && stopWanted()) || state_->carrier->stopped(); });
+    Result result = runScan(reader, state_->request, events, [&] {
+        return (stopWanted && stopWanted()) || state_->carrier->stopped() || state_->library.feedsNoMore();
+    });
+    state_->differences = state_->carrier->differences();
+    state_->differences.insert(state_->differences.end(), state_->library.differences().begin(),
+                               state_->library.differences().end());
+    return result;
 }
 
 const std::vector<std::string>& Replay::differences() const noexcept
 {
-    return state_->carrier->differences();
+    return state_->differences;
 }
 
 std::string Replay::unsent() const
 {
-    return state_->carrier->unsent();
+    return state_->carrier->unsent() + state_->library.unsent();
 }
 
 } // namespace kel::host

@@ -1,27 +1,35 @@
 #pragma once
 
-#include "platform/Platform.h"
+#include "recording/PlatformAround.h"
 #include "recording/ReplayCarrier.h"
+#include "recording/ReplayLibrary.h"
 
 namespace kel {
 
-/// A platform on which the time of a replay passes; everything else is another platform's. Both that one and the
-/// carrier must outlive it.
-class ReplayPlatform final : public Platform {
+/// A platform on which the time of a replay passes and whose USB library is the replay's; everything else is another
+/// platform's. That one, the carrier and the library must outlive it.
+class ReplayPlatform final : public PlatformAround {
 public:
-    ReplayPlatform(Platform& machine, ReplayCarrier& replay) : machine_(machine), replay_(replay) {}
+    ReplayPlatform(Platform& machine, ReplayCarrier& replay, ReplayLibrary& library)
+        : PlatformAround(machine), replay_(replay), loader_(library)
+    {
+    }
 
-    [[nodiscard]] std::unique_ptr<SerialControl> newSerialControl() override { return machine_.newSerialControl(); }
-    [[nodiscard]] std::unique_ptr<ScanTimer> newScanTimer() override { return machine_.newScanTimer(); }
     [[nodiscard]] MessagePump& pump() override { return replay_.pump(); }
-    [[nodiscard]] Registry& registry() override { return machine_.registry(); }
-    [[nodiscard]] Screen& screen() override { return machine_.screen(); }
-    [[nodiscard]] Process& process() override { return machine_.process(); }
-    [[nodiscard]] OmrApiLoader& omrApiLoader() override { return machine_.omrApiLoader(); }
+    [[nodiscard]] OmrApiLoader& omrApiLoader() override { return loader_; }
 
 private:
-    Platform& machine_;
+    class Loader final : public OmrApiLoader {
+    public:
+        explicit Loader(ReplayLibrary& library) : library_(library) {}
+        [[nodiscard]] OmrApi& omrApi() override { return library_; }
+
+    private:
+        ReplayLibrary& library_;
+    };
+
     ReplayCarrier& replay_;
+    Loader loader_;
 };
 
 } // namespace kel

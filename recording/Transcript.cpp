@@ -80,6 +80,62 @@ double parsePause(std::string_view text, int line)
     return value;
 }
 
+/// Where a character stands outside of the texts in quotes.
+std::size_t findUnquoted(std::string_view text, char wanted)
+{
+    bool inQuotes = false;
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        if (text[at] == '"')
+            inQuotes = !inQuotes;
+        else if (text[at] == wanted && !inQuotes)
+            return at;
+    }
+    return std::string_view::npos;
+}
+
+/// Numbers with blanks between them.
+std::vector<Int32> parseNumbers(std::string_view text, int line)
+{
+    std::vector<Int32> numbers;
+    for (text = trimmed(text); !text.empty(); text = trimmed(text)) {
+        Int32 number = 0;
+        const auto [stopped, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+        if (error != std::errc{} || (stopped != text.data() + text.size() && *stopped != ' '))
+            throw TranscriptError(line, "\"" + std::string(text) + "\" begins with no number that fits");
+        numbers.push_back(number);
+        text.remove_prefix(static_cast<std::size_t>(stopped - text.data()));
+    }
+    return numbers;
+}
+
+/// `OMR_GetMarks 0 30 63 48 = 1 63 48 : 00 0C`, or `... = failure 53 : "File not found"`.
+void parseCall(std::string_view text, TranscriptLine& line)
+{
+    constexpr std::string_view kFailure = "failure ";
+    const std::size_t sign = findUnquoted(text, '=');
+    line.call = trimmed(text.substr(0, sign));
+    if (sign == std::string_view::npos || !line.call.starts_with("OMR_"))
+        throw TranscriptError(line.number, "a call is as: OMR_CloseDevice = 0");
+    std::string_view answer = trimmed(text.substr(sign + 1));
+    line.failed = answer.starts_with(kFailure);
+    if (line.failed)
+        answer.remove_prefix(kFailure.size());
+    const std::size_t colon = findUnquoted(answer, ':');
+    line.results = parseNumbers(answer.substr(0, colon), line.number);
+    if (line.results.empty())
+        throw TranscriptError(line.number, "a call without a result");
+    if (colon != std::string_view::npos)
+        line.bytes = parseBytes(answer.substr(colon + 1), line.number);
+}
+
+std::string writeCall(const TranscriptLine& line)
+{
+    std::string text = line.call + " =" + (line.failed ? " failure" : "");
+    for (const Int32 number : line.results)
+        text += " " + std::to_string(number);
+    return line.bytes.empty() ? text : text + " : " + transcriptBytes(line.bytes);
+}
+
 std::string noteOf(std::string_view text)
 {
     const std::size_t comment = text.find('#');
@@ -123,9 +179,13 @@ TranscriptLine parseDialogueLine(std::string_view text, int number)
         line.kind = TranscriptLine::Kind::Unplug;
         line.note = noteOf(rest);
         break;
+    case '@':
+        line.kind = TranscriptLine::Kind::Call;
+        parseCall(rest, line);
+        break;
     default:
         throw TranscriptError(number,
-                              "a line begins with #, >, <, + or !, not with \"" + std::string(1, text[0]) + "\"");
+                              "a line begins with #, >, <, +, ! or @, not with \"" + std::string(1, text[0]) + "\"");
     }
     return line;
 }
@@ -220,6 +280,7 @@ std::string writeTranscriptLine(const TranscriptLine& line)
     case TranscriptLine::Kind::FromReader: return "< " + transcriptBytes(line.bytes);
     case TranscriptLine::Kind::Pause: return "+ " + numberText(line.milliseconds) + note;
     case TranscriptLine::Kind::Unplug: return "! unplug" + note;
+    case TranscriptLine::Kind::Call: return "@ " + writeCall(line);
     }
     return {};
 }

@@ -18,6 +18,7 @@ struct TranscriptLine {
         FromReader, ///< `< 0D`
         Pause,      ///< `+ 3.5`: milliseconds between the line above and the line below
         Unplug,     ///< `! unplug`: the line hangs up
+        Call,       ///< `@ OMR_GetMarks 0 30 63 48 = 1 63 48 : 00 0C`: a call of the USB readers' library
     };
 
     Kind kind{};
@@ -26,9 +27,14 @@ struct TranscriptLine {
     int number = 0;        ///< of the line in its text, from 1; 0 if it was not parsed
     std::string note = {}; ///< of a pause or an unplug: what stands behind a #; see TraceLog for what it may say
 
+    std::string call = {};           ///< the function's name and what it is given, a blank between two of them
+    std::vector<Int32> results = {}; ///< what it returns, and then the numbers that it sets; its bytes are in `bytes`
+    bool failed = false;             ///< it was not there: the result is the failure's number, the bytes are its text
+
     friend bool operator==(const TranscriptLine& a, const TranscriptLine& b)
     {
-        return a.kind == b.kind && a.bytes == b.bytes && a.milliseconds == b.milliseconds;
+        return a.kind == b.kind && a.bytes == b.bytes && a.milliseconds == b.milliseconds && a.call == b.call &&
+               a.results == b.results && a.failed == b.failed;
     }
 };
 
@@ -42,7 +48,8 @@ struct Transcript {
     [[nodiscard]] std::vector<std::string> values(std::string_view key) const;
 };
 
-/// A text that is no transcript, or one of more than a million lines; the text of the error begins with the number of the line: "line 7: ...".
+/// A text that is no transcript, or one of more than a million lines; the text of the error begins with the number of
+/// the line: "line 7: ...".
 class TranscriptError : public std::runtime_error {
 public:
     TranscriptError(int line, const std::string& what)

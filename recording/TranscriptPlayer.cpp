@@ -44,7 +44,7 @@ TranscriptPlayer::TranscriptPlayer(Transcript transcript)
             const bool early = recorded_ && line.note.starts_with(kNotBefore);
             least = lastPause_ + duration(early ? Val(line.note.substr(kNotBefore.size())) : line.milliseconds);
             lastPause_ += duration(line.milliseconds);
-        } else {
+        } else if (line.kind != TranscriptLine::Kind::Call) {
             steps_.push_back({line, lastPause_, least});
             lastPause_ = least = {};
         }

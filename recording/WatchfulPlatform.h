@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/Platform.h"
+#include "recording/PlatformAround.h"
 #include "types/Reference.h"
 #include "types/RuntimeFailure.h"
 
@@ -25,19 +25,14 @@ namespace kel {
 
 /// A platform whose pauses look at the line all the while, so that a trace tells when bytes came and not when a driver
 /// got round to them. Everything else is another platform's.
-class WatchfulPlatform final : public Platform {
+class WatchfulPlatform final : public PlatformAround {
 public:
-    WatchfulPlatform(Platform& machine, std::function<void()> look) : machine_(machine), pump_(machine, std::move(look))
+    WatchfulPlatform(Platform& machine, std::function<void()> look)
+        : PlatformAround(machine), pump_(machine, std::move(look))
     {
     }
 
-    [[nodiscard]] std::unique_ptr<SerialControl> newSerialControl() override { return machine_.newSerialControl(); }
-    [[nodiscard]] std::unique_ptr<ScanTimer> newScanTimer() override { return machine_.newScanTimer(); }
     [[nodiscard]] MessagePump& pump() override { return pump_; }
-    [[nodiscard]] Registry& registry() override { return machine_.registry(); }
-    [[nodiscard]] Screen& screen() override { return machine_.screen(); }
-    [[nodiscard]] Process& process() override { return machine_.process(); }
-    [[nodiscard]] OmrApiLoader& omrApiLoader() override { return machine_.omrApiLoader(); }
 
 private:
     class Pump final : public MessagePump {
@@ -65,7 +60,6 @@ private:
         std::function<void()> look_;
     };
 
-    Platform& machine_;
     Pump pump_;
 };
 

@@ -19,11 +19,13 @@ Reference<Carrier> LineBench::begin(const std::string& name, const Reference<Car
     open_ = std::make_unique<Open>();
     open_->name = name;
     write_(sectionLine(name));
-    open_->carrier = makeReference<TracingCarrier>(own, head, [this](const std::string& line) {
+    const TraceLog::Write write = [this](const std::string& line) {
         open_->text += line;
         write_(line);
-    });
-    open_->machine = std::make_unique<WatchfulPlatform>(platform(), lookingAt(open_->carrier));
+    };
+    open_->carrier = makeReference<TracingCarrier>(own, head, write);
+    open_->watchful = std::make_unique<WatchfulPlatform>(platform(), lookingAt(open_->carrier));
+    open_->machine = std::make_unique<TracingLibrary>(*open_->watchful, write);
     open_->scope = std::make_unique<PlatformScope>(*open_->machine);
     return open_->carrier;
 }
@@ -62,7 +64,8 @@ Reference<Carrier> ReportBench::begin(const std::string& name, const Reference<C
         throw SectionMissing(name);
     at_ = static_cast<std::size_t>(found - sections_.begin());
     carrier_ = std::make_shared<ReplayCarrier>(found->trace);
-    machine_ = std::make_unique<ReplayPlatform>(platform(), *carrier_);
+    library_ = std::make_unique<ReplayLibrary>(found->trace);
+    machine_ = std::make_unique<ReplayPlatform>(platform(), *carrier_, *library_);
     watchful_ = std::make_unique<WatchfulPlatform>(*machine_, lookingAt(Reference<Carrier>(carrier_)));
     scope_ = std::make_unique<PlatformScope>(*watchful_);
     return Reference<Carrier>(carrier_);
@@ -73,8 +76,9 @@ Section ReportBench::end()
     scope_.reset();
     watchful_.reset();
     machine_.reset();
-    for (const std::string& difference : carrier_->differences())
-        differences_.push_back(difference);
+    for (const auto* differences : {&carrier_->differences(), &library_->differences()})
+        differences_.insert(differences_.end(), differences->begin(), differences->end());
+    library_.reset();
     carrier_.reset();
     return sections_[at_];
 }

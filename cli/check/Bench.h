@@ -2,8 +2,10 @@
 
 #include "platform/LineErrors.h"
 #include "platform/ModemLines.h"
+#include "reader/clsKELReader.h"
 #include "recording/ReplayPlatform.h"
 #include "recording/TracingCarrier.h"
+#include "recording/TracingLibrary.h"
 #include "recording/Transcript.h"
 #include "recording/WatchfulPlatform.h"
 #include "types/Reference.h"
@@ -24,7 +26,7 @@ struct Section {
     std::optional<ModemLines> modem{};
 };
 
-/// What a check's sessions are held on: a line, or the report of another check.
+/// What a check's sessions are held on: a line or a USB reader's library, or the report of another check.
 class Bench {
 public:
     virtual ~Bench() = default;
@@ -67,7 +69,8 @@ private:
         std::string text;
         Reference<TracingCarrier> carrier;
         std::optional<ModemLines> modem;
-        std::unique_ptr<WatchfulPlatform> machine;
+        std::unique_ptr<WatchfulPlatform> watchful;
+        std::unique_ptr<TracingLibrary> machine;
         std::unique_ptr<PlatformScope> scope;
     };
 
@@ -107,10 +110,40 @@ private:
     Facts facts_;
     std::size_t at_ = 0;
     std::shared_ptr<ReplayCarrier> carrier_;
+    std::unique_ptr<ReplayLibrary> library_;
     std::unique_ptr<ReplayPlatform> machine_;
     std::unique_ptr<WatchfulPlatform> watchful_;
     std::unique_ptr<PlatformScope> scope_;
     std::vector<std::string> differences_;
+};
+
+/// A section of a bench, ended whatever happens.
+class OpenSection {
+public:
+    OpenSection(Bench& bench, const std::string& name, const clsKELReader& reader, const TraceLog::Head& head = {})
+        : bench_(bench), carrier_(bench.begin(name, reader.fComm(), head))
+    {
+    }
+    ~OpenSection()
+    {
+        if (open_)
+            static_cast<void>(end());
+    }
+    OpenSection(const OpenSection&) = delete;
+    OpenSection& operator=(const OpenSection&) = delete;
+
+    [[nodiscard]] const Reference<Carrier>& carrier() const { return carrier_; }
+
+    [[nodiscard]] Section end()
+    {
+        open_ = false;
+        return bench_.end();
+    }
+
+private:
+    Bench& bench_;
+    Reference<Carrier> carrier_;
+    bool open_ = true;
 };
 
 } // namespace kel

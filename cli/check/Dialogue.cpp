@@ -169,7 +169,8 @@ Dialogue dialogueOf(const Transcript& trace)
             (dialogue.exchanges.empty() ? dialogue.unasked : dialogue.exchanges.back().arrivals)
                 .push_back({.notBefore = notBefore, .at = now, .bytes = line.bytes});
             break;
-        case Kind::Unplug: break;
+        case Kind::Unplug:
+        case Kind::Call: break;
         }
         notBefore = now;
     }

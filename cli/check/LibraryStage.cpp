@@ -75,6 +75,8 @@ std::optional<Int32> open(CheckRun& run)
 
 void libraryStage(CheckRun& run)
 {
+    clsKELReader reader;
+    OpenSection section(run.bench(), "library", reader);
     const std::optional<Int32> opened = open(run);
     if (!opened)
         return;

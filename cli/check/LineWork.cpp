@@ -24,35 +24,6 @@ constexpr Moment kLongestSheet = 10s;
 // Somebody who puts sheets in by hand takes longer.
 constexpr Moment kByHand = 60s;
 
-/// A section of a bench, ended whatever happens.
-class OpenSection {
-public:
-    OpenSection(Bench& bench, const std::string& name, clsKELReader& reader, const TraceLog::Head& head = {})
-        : bench_(bench), carrier_(bench.begin(name, reader.fComm(), head))
-    {
-    }
-    ~OpenSection()
-    {
-        if (open_)
-            static_cast<void>(end());
-    }
-    OpenSection(const OpenSection&) = delete;
-    OpenSection& operator=(const OpenSection&) = delete;
-
-    [[nodiscard]] const Reference<Carrier>& carrier() const { return carrier_; }
-
-    [[nodiscard]] Section end()
-    {
-        open_ = false;
-        return bench_.end();
-    }
-
-private:
-    Bench& bench_;
-    Reference<Carrier> carrier_;
-    bool open_ = true;
-};
-
 /// What comes up to the end of a reply, or of the time.
 std::string collect(SerialControl& line, Moment most, Moment quiet, const std::function<bool()>& stopped)
 {

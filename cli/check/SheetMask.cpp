@@ -55,6 +55,17 @@ std::string maskedHalfRows(std::string bytes)
     return bytes;
 }
 
+/// What a USB reader's library delivers of a sheet.
+std::string maskedCall(const std::string& line)
+{
+    TranscriptLine call = parseTranscript(line).lines.front();
+    if (call.call.starts_with("OMR_GetMarks"))
+        call.bytes.clear();
+    else if (call.call.starts_with("OMR_GetBarcodeData"))
+        call.bytes.assign(call.bytes.size(), '0');
+    return writeTranscriptLine(call) + "\n";
+}
+
 } // namespace
 
 std::string maskedSheet(kelReaderType model, const std::string& sent, std::string bytes)
@@ -145,6 +156,8 @@ std::string SheetMask::masked(const std::string& line)
         inSheets_ = name == kSheetsSection || name.starts_with("confirm");
         before_.clear();
         ofSheet_ = true; // some send by themselves
+    } else if (inSheets_ && line[0] == '@') {
+        return reply + maskedCall(line);
     } else if (inSheets_ && line[0] == '>') {
         const std::string sent = parseTranscript(line).lines.front().bytes;
         ofSheet_ = bringsSheet(sent);

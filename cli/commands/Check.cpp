@@ -179,7 +179,6 @@ int checkReport(const Arguments& arguments)
     const CheckReport report =
         parseReport(host::readGivenFile(arguments.replayFile, host::kTranscriptFile), arguments.replayFile);
     const CheckPlan plan = planOfReport(report, arguments.replayFile);
-    const bool usb = host::isUsbModel(*plan.request.model);
     ReportBench bench(report.sections, report.facts);
     AbsentOperator person;
     CheckOutput output(arguments.format == "json");
@@ -191,7 +190,7 @@ int checkReport(const Arguments& arguments)
                         .recorded = report.results,
                         .isRecorded =
                             [&](CheckStage stage) {
-                                return usb || stoppedIn(report, stage) || stage == CheckStage::Confirm ||
+                                return stoppedIn(report, stage) || stage == CheckStage::Confirm ||
                                        (report.masked && stage == CheckStage::Sheets);
                             }});
     const CheckResults results = run.run();

@@ -102,8 +102,6 @@ void demandLine(const Arguments& arguments, const clsKELReader& reader)
         throw host::UsageError(
             "Where is the reader? Use --port N, --device PATH or --simulate ('kelreader ports' lists the "
             "devices that are there).");
-    if (!arguments.traceFile.empty() && usb)
-        throw host::UsageError("A USB reader has no line that --trace could record.");
     if (!arguments.traceFile.empty() && arguments.traceFile == arguments.outFile)
         throw host::UsageError("--out and --trace cannot share a file; name another one for either.");
     if (arguments.storeFile.empty() && (!arguments.readerName.empty() || !arguments.batchName.empty()))
@@ -308,7 +306,7 @@ void addScanCommand(Commands& commands)
     command.add_option("--reader", arguments->readerName, "Name of the reader in the store")->type_name("NAME");
     command.add_option("--batch", arguments->batchName, "Name of the batch in the store; the default is the time")
         ->type_name("NAME");
-    command.add_option("--trace", arguments->traceFile, "Records every byte on the line, for 'kelreader replay'")
+    command.add_option("--trace", arguments->traceFile, "Records every byte on the line, or every call of a USB reader's library, for 'kelreader replay'")
         ->type_name("FILE");
     arguments->simulator.addTo(command);
     command.footer(

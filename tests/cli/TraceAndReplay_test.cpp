@@ -58,7 +58,8 @@ Replayed replay(const std::string& text)
     const host::Request request = host::requestOfTranscript(transcript, text, "trace");
     SimulatedPlatform machine;
     const auto carrier = std::make_shared<ReplayCarrier>(transcript);
-    ReplayPlatform times(machine, *carrier);
+    ReplayLibrary library(transcript);
+    ReplayPlatform times(machine, *carrier, library);
     const PlatformScope scope(times);
     clsKELReader reader;
     reader.fComm(Reference<Carrier>(carrier));

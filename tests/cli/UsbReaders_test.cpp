@@ -167,9 +167,61 @@ TEST(UsbScanCommand, RefusesWhatIsOfALineAndWhatIsNoSheet)
               "kelreader: unknown setting feed-ms; this model knows barcodeUnit, columns.\n");
     const TextFile sheets(R"([{"side1":[[1]]},{"side1":[[1],[256]]}])");
     EXPECT_THAT(refusal({"--sheets", sheets.path()}), HasSubstr("sheet 2, side1"));
-    EXPECT_EQ(refusal({"--trace", "/tmp/never"}),
-              "kelreader: A USB reader has no line that --trace could record.\n");
     EXPECT_THAT(refusal({"--omrapi", "/tmp/never"}), HasSubstr("--simulate excludes --omrapi"));
+}
+
+/// A scan with a trace; the trace's text.
+std::string traced(const Words& more, CommandOutcome& scan)
+{
+    const TextFile trace("");
+    Words words = {"scan", "--simulate", "--model", "30", "--trace", trace.path()};
+    words.insert(words.end(), more.begin(), more.end());
+    scan = runCommand(words);
+    return trace.text();
+}
+
+TEST(UsbScanCommand, IsReplayedFromTheCallsOfItsLibrary)
+{
+    const TextFile form(kForm);
+    for (const Words& more : {Words{"--count", "2", "--form", form.path(), "--set", "Barcode=True"},
+                              Words{"--count", "9", "--max-sheets", "2", "--print1", "sheet = {sheet}: \"#1\""},
+                              Words{"--count", "3", "--fault", "jam@sheet=2"},
+                              Words{"--count", "2", "--setting", "columns=40"}, Words{"--count", "0"}}) {
+        CommandOutcome scan;
+        const TextFile trace(traced(more, scan));
+        const CommandOutcome replay = runCommand({"replay", trace.path()});
+        EXPECT_EQ(replay.output, scan.output);
+        EXPECT_EQ(replay.errors, scan.errors);
+        EXPECT_EQ(replay.status, scan.status);
+    }
+}
+
+TEST(UsbScanCommand, ATraceHasEachCallWithWhatCameOfIt)
+{
+    CommandOutcome scan;
+    const TextFile sheets(R"([{"side1":[[0,0,12]]}])");
+    const std::string trace = traced({"--sheets", sheets.path()}, scan);
+    EXPECT_THAT(trace, StartsWith("# model: 30\n"));
+    EXPECT_THAT(trace, HasSubstr("@ OMR_OpenDeviceUSB = 0\n"));
+    EXPECT_THAT(trace, HasSubstr("@ OMR_SetBackSensorUnit 0 = 1\n"));
+    EXPECT_THAT(trace, HasSubstr("@ OMR_GetSheetFeedMode = 1 0 0\n"));
+    EXPECT_THAT(trace, testing::ContainsRegex("@ OMR_GetMarks 0 [0-9]+ 200 48 = 1 1 48 : 00 00 0C\n"));
+    EXPECT_THAT(trace, testing::EndsWith("@ OMR_CloseDevice = 1\n"));
+}
+
+TEST(UsbScanCommand, AReplaySaysWhereItLeavesItsTranscript)
+{
+    CommandOutcome scan;
+    std::string text = traced({"--count", "1"}, scan);
+    const std::string sensor = "OMR_SetBackSensorUnit 0";
+    text.replace(text.find(sensor), sensor.size(), "OMR_SetBackSensorUnit 1");
+    const CommandOutcome other = runCommand({"replay", TextFile(text).path()});
+    EXPECT_EQ(other.status, 1);
+    EXPECT_THAT(other.errors, HasSubstr("the host called OMR_SetBackSensorUnit 0 where the transcript has "
+                                        "OMR_SetBackSensorUnit 1.\n"));
+    const CommandOutcome broken = runCommand({"replay", TextFile("# model: 30\n@ OMR_FeedSheet\n").path()});
+    EXPECT_EQ(broken.status, 2);
+    EXPECT_THAT(broken.errors, HasSubstr("line 2: a call is as: OMR_CloseDevice = 0"));
 }
 
 TEST(UsbScanSession, AStopThatComesDuringAReadIsKnownWhenTheSheetIsRejected)

@@ -67,6 +67,22 @@ TEST(Transcript, TakesBytesAndTextsWithoutBlanksBetween)
                                                         "A#\rA");
 }
 
+TEST(Transcript, CallsOfALibraryAreReadAndWritten)
+{
+    const std::string text = "@ OMR_CloseDevice = 1\n"
+                             "@ OMR_GetMarks 0 5 200 48 = 1 63 48 : 00 0C \"=:\"\n"
+                             "@ OMR_SetPrintString 1 \"a = b : c\" = 0\n"
+                             "@ OMR_OpenDeviceUSB = failure 53 : \"File not found\"\n";
+    const Transcript transcript = parseTranscript(text);
+    ASSERT_EQ(transcript.lines.size(), 4U);
+    EXPECT_EQ(transcript.lines[1].call, "OMR_GetMarks 0 5 200 48");
+    EXPECT_EQ(transcript.lines[1].results, (std::vector<Int32>{1, 63, 48}));
+    EXPECT_EQ(transcript.lines[1].bytes, std::string("\0\x0C=:", 4));
+    EXPECT_EQ(transcript.lines[2].call, "OMR_SetPrintString 1 \"a = b : c\"");
+    EXPECT_TRUE(transcript.lines[3].failed);
+    EXPECT_EQ(writeTranscript(transcript), text);
+}
+
 TEST(Transcript, MistakesAreToldWithTheirLine)
 {
     EXPECT_EQ(errorOf("\n> 1B 4\n"), "line 2: \"4\" is neither two hexadecimal digits nor a text in quotes");
@@ -80,7 +96,13 @@ TEST(Transcript, MistakesAreToldWithTheirLine)
     EXPECT_EQ(errorOf("+ nan\n"), "line 1: \"nan\" is no number of milliseconds");
     EXPECT_EQ(errorOf("+ 1e12\n"), "line 1: \"1e12\" is no number of milliseconds");
     EXPECT_EQ(errorOf("! explode\n"), "line 1: \"explode\" is no event; there is: unplug");
-    EXPECT_EQ(errorOf("41 42\n"), "line 1: a line begins with #, >, <, + or !, not with \"4\"");
+    EXPECT_EQ(errorOf("@ OMR_FeedSheet\n"), "line 1: a call is as: OMR_CloseDevice = 0");
+    EXPECT_EQ(errorOf("@ Format = 1\n"), "line 1: a call is as: OMR_CloseDevice = 0");
+    EXPECT_EQ(errorOf("@ OMR_FeedSheet =\n"), "line 1: a call without a result");
+    EXPECT_EQ(errorOf("@ OMR_FeedSheet = 1 x\n"), "line 1: \"x\" begins with no number that fits");
+    EXPECT_EQ(errorOf("@ OMR_FeedSheet = 1x\n"), "line 1: \"1x\" begins with no number that fits");
+    EXPECT_EQ(errorOf("@ OMR_FeedSheet = 99999999999\n"), "line 1: \"99999999999\" begins with no number that fits");
+    EXPECT_EQ(errorOf("41 42\n"), "line 1: a line begins with #, >, <, +, ! or @, not with \"4\"");
     try {
         static_cast<void>(parseTranscript("> 41\n\n\n? 42\n"));
         FAIL();

@@ -141,5 +141,33 @@ TEST(CheckCommand, ChecksAUsbReader)
     EXPECT_THAT(missing.output, HasSubstr("The library of the readers' maker cannot be loaded."));
 }
 
+class CheckCommandUsb : public testing::TestWithParam<const char*> {};
+
+TEST_P(CheckCommandUsb, ComesToTheSameVerdictsFromItsReport)
+{
+    const TextFile report("");
+    std::vector<std::string> words{"check", "--model", "30", "--simulate", "--sheets", "2", "--report", report.path()};
+    if (*GetParam() != '\0')
+        words.insert(words.end(), {"--fault", GetParam()});
+    const CommandOutcome check = runCommand(words);
+    EXPECT_THAT(report.text(), HasSubstr("# section: library\n"));
+    const CommandOutcome again = runCommand({"check", "--replay", report.path()});
+    EXPECT_EQ(again.output, check.output);
+    EXPECT_EQ(again.errors, "");
+    EXPECT_EQ(again.status, check.status);
+}
+
+INSTANTIATE_TEST_SUITE_P(Faults, CheckCommandUsb, testing::Values("", "jam@sheet=2", "empty@sheet=1"));
+
+TEST(CheckCommand, LeavesTheSheetsOfAUsbReaderOutOfAMaskedReport)
+{
+    const TextFile report("");
+    const CommandOutcome outcome =
+        runCommand({"check", "--model", "30", "--simulate", "--sheets", "1", "--report", report.path(), "--mask"});
+    EXPECT_EQ(outcome.status, 0) << outcome.output;
+    EXPECT_THAT(report.text(), HasSubstr("@ OMR_GetMarks "));
+    EXPECT_THAT(report.text(), Not(testing::ContainsRegex("@ OMR_GetMarks [^\n]* : ")));
+}
+
 } // namespace
 } // namespace kel::test
