@@ -50,6 +50,9 @@ void NumberEdit::changed()
 /// A click places the cursor after this; the selection comes last.
 void NumberEdit::enter()
 {
+    // A window that was away gives back the focus in the midst of typing; the text from before still counts.
+    if (std::exchange(inside_, true))
+        return;
     if (edit_.Number())
         textOnEntry_ = edit_.Text();
     edit_.GotFocus();
@@ -72,6 +75,8 @@ bool NumberEdit::leave()
     const bool isNumber = edit_.Number().has_value();
     if (isNumber)
         textOnEntry_ = edit_.Text();
+    // A default button works while the field keeps the focus.
+    inside_ = ::GetFocus() == field_;
     after_();
     return isNumber;
 }

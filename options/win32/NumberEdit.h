@@ -50,6 +50,7 @@ private:
     Action after_;
     std::function<void(const Action&)> contain_;
     std::string textOnEntry_;
+    bool inside_ = false; // between coming in and leaving; not while another window has the focus
     bool refreshing_ = false;
 };
 

@@ -20,6 +20,31 @@ constexpr int kRowsInView = 20;
 /// it goes.
 constexpr UINT kNoNumber = WM_APP;
 
+/// Shows or hides a control and enables or disables it. True if that is new.
+bool takeState(HWND window, const Control& control)
+{
+    const bool seen = control.Seen();
+    const bool enabled = control.Enabled() != False;
+    const bool wasSeen = (::GetWindowLongW(window, GWL_STYLE) & WS_VISIBLE) != 0;
+    if (seen == wasSeen && enabled == (::IsWindowEnabled(window) != FALSE))
+        return false;
+    ::EnableWindow(window, enabled ? TRUE : FALSE);
+    ::ShowWindow(window, seen ? SW_SHOWNA : SW_HIDE);
+    return true;
+}
+
+/// Puts a control in its place, without painting. True if it stood elsewhere.
+bool takePlace(HWND window, const RECT& place)
+{
+    RECT now{};
+    ::GetWindowRect(window, &now);
+    ::MapWindowPoints(nullptr, ::GetParent(window), reinterpret_cast<POINT*>(&now), 2);
+    if (::EqualRect(&now, &place))
+        return false;
+    ::MoveWindow(window, place.left, place.top, place.right - place.left, place.bottom - place.top, FALSE);
+    return true;
+}
+
 /// A dialog without controls, which come when it begins.
 struct alignas(DWORD) EmptyDialog {
     DLGTEMPLATE head{};
@@ -51,7 +76,8 @@ OptionsDialogWindow::~OptionsDialogWindow()
 bool OptionsDialogWindow::run(HWND owner)
 {
     EmptyDialog dialog;
-    dialog.head.style = WS_POPUP | WS_CAPTION | WS_SYSMENU | DS_MODALFRAME | WS_CLIPCHILDREN;
+    // Without WS_CLIPCHILDREN: the inside of a group box shows the dialog's own background.
+    dialog.head.style = WS_POPUP | WS_CAPTION | WS_SYSMENU | DS_MODALFRAME;
     dialog.head.dwExtendedStyle = WS_EX_CONTROLPARENT;
     const INT_PTR result = [&] {
         // The loop is the host's as much as ours.
@@ -180,24 +206,27 @@ void OptionsDialogWindow::refresh()
     if (!window_ || shown_.empty())
         return;
     refreshing_ = true;
+    bool isNew = false;
     ::SetWindowTextW(window_, wideText(form_.Caption()).c_str());
     for (const Shown& each : shown_) {
         if (!each.window)
             continue;
         each.refresh();
-        ::EnableWindow(each.window, each.control->Enabled() ? TRUE : FALSE);
-        ::ShowWindow(each.window, each.control->Seen() ? SW_SHOWNA : SW_HIDE);
-        if (const NumberEdit* number = numberEdit(each.window)) {
-            ::EnableWindow(number->spinner(), each.control->Enabled() ? TRUE : FALSE);
-            ::ShowWindow(number->spinner(), each.control->Seen() ? SW_SHOWNA : SW_HIDE);
-        }
+        isNew |= takeState(each.window, *each.control);
+        if (const NumberEdit* number = numberEdit(each.window))
+            isNew |= takeState(number->spinner(), *each.control);
     }
-    arrange();
+    isNew |= arrange();
+    // The controls lie over one another while they change places; only all of them together are right.
+    if (isNew)
+        ::RedrawWindow(window_, nullptr, nullptr, RDW_ERASE | RDW_INVALIDATE | RDW_ALLCHILDREN);
     refreshing_ = false;
 }
 
-void OptionsDialogWindow::arrange()
+/// Brings the window and its controls into place. True if something has moved.
+bool OptionsDialogWindow::arrange()
 {
+    bool moved = false;
     layout_ = dialogLayout(form_, fonts_.metrics());
     RECT client{};
     ::GetClientRect(window_, &client);
@@ -209,7 +238,7 @@ void OptionsDialogWindow::arrange()
                              static_cast<DWORD>(::GetWindowLongW(window_, GWL_EXSTYLE)));
         ::SetWindowPos(window_, nullptr, 0, 0, outer.right - outer.left, outer.bottom - outer.top,
                        SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
-        ::InvalidateRect(window_, nullptr, TRUE);
+        moved = true;
     }
     const int spinnerWidth = ::GetSystemMetrics(SM_CXVSCROLL);
     for (const Shown& each : shown_) {
@@ -222,18 +251,33 @@ void OptionsDialogWindow::arrange()
         const int fieldHeight = fonts_.pixels(place->second.height);
         if (const NumberEdit* number = numberEdit(each.window)) {
             fieldWidth -= spinnerWidth;
-            ::MoveWindow(number->spinner(), left + fieldWidth, top, spinnerWidth, fieldHeight, TRUE);
+            moved |= takePlace(number->spinner(),
+                               {left + fieldWidth, top, left + fieldWidth + spinnerWidth, top + fieldHeight});
         }
-        if (dynamic_cast<const PowerCombo*>(each.control)) {
-            // The height of the field itself is that of its row; what is set is that of the list that drops down.
-            const auto row = static_cast<LPARAM>(fonts_.pixels(fonts_.metrics().line * 1.25));
-            ::SendMessageW(each.window, CB_SETITEMHEIGHT, static_cast<WPARAM>(-1), row);
-            ::SendMessageW(each.window, CB_SETITEMHEIGHT, 0, row);
-            ::MoveWindow(each.window, left, top, fieldWidth, fieldHeight + static_cast<int>(row) * kRowsInView, TRUE);
-        } else {
-            ::MoveWindow(each.window, left, top, fieldWidth, fieldHeight, TRUE);
-        }
+        if (dynamic_cast<const PowerCombo*>(each.control))
+            moved |= placeList(each.window, {left, top, left + fieldWidth, top + fieldHeight});
+        else
+            moved |= takePlace(each.window, {left, top, left + fieldWidth, top + fieldHeight});
     }
+    return moved;
+}
+
+/// A list has the height of its row. What is set beyond that is the height to which it drops down, which the system
+/// does not give back; setting it closes an open list.
+bool OptionsDialogWindow::placeList(HWND list, const RECT& place)
+{
+    const auto row = static_cast<LPARAM>(fonts_.pixels(fonts_.metrics().line * 1.25));
+    RECT now{};
+    ::GetWindowRect(list, &now);
+    ::MapWindowPoints(nullptr, window_, reinterpret_cast<POINT*>(&now), 2);
+    if (::SendMessageW(list, CB_GETITEMHEIGHT, 0, 0) == row && now.left == place.left && now.top == place.top &&
+        now.right == place.right)
+        return false;
+    ::SendMessageW(list, CB_SETITEMHEIGHT, static_cast<WPARAM>(-1), row);
+    ::SendMessageW(list, CB_SETITEMHEIGHT, 0, row);
+    ::MoveWindow(list, place.left, place.top, place.right - place.left,
+                 place.bottom - place.top + static_cast<int>(row) * kRowsInView, FALSE);
+    return true;
 }
 
 void OptionsDialogWindow::paintBackground(HDC screen)
@@ -295,8 +339,11 @@ void OptionsDialogWindow::command(int number, int notice)
     } else if (auto* list = dynamic_cast<PowerCombo*>(&control)) {
         if (notice == CBN_SETFOCUS)
             list->SetFocus();
-        else if (notice == CBN_SELCHANGE)
-            act([&] { list->CurrentRow(static_cast<Int32>(::SendMessageW(found->window, CB_GETCURSEL, 0, 0))); });
+        else if (notice == CBN_SELENDCANCEL)
+            // Also when the list is left for another control: nothing was chosen.
+            ::SendMessageW(found->window, CB_SETCURSEL, static_cast<WPARAM>(list->CurrentRow()), 0);
+        else if (notice == CBN_CLOSEUP || notice == CBN_SELCHANGE)
+            takeSelection(found->window, *list);
     } else if (NumberEdit* edit = numberEdit(found->window)) {
         if (notice == EN_SETFOCUS) {
             control.SetFocus();
@@ -323,6 +370,16 @@ void OptionsDialogWindow::returnTo(HWND field)
         return;
     static_cast<void>(edit->leave());
     ::SetFocus(field);
+}
+
+/// While a list is open, the keys only move about in it; what was chosen counts when it closes.
+void OptionsDialogWindow::takeSelection(HWND window, PowerCombo& list)
+{
+    if (::SendMessageW(window, CB_GETDROPPEDSTATE, 0, 0) != 0)
+        return;
+    const auto row = static_cast<Int32>(::SendMessageW(window, CB_GETCURSEL, 0, 0));
+    if (row != list.CurrentRow())
+        act([&] { list.CurrentRow(row); });
 }
 
 /// The spin buttons step the model; they have no number of their own.

@@ -59,11 +59,13 @@ private:
     void create(Frame& frame);
 
     void refresh();
-    void arrange();
+    [[nodiscard]] bool arrange();
+    [[nodiscard]] bool placeList(HWND list, const RECT& place);
     void act(const Action& what);
 
     void command(int number, int notice);
     void returnTo(HWND field);
+    void takeSelection(HWND window, PowerCombo& list);
     [[nodiscard]] bool spin(const NMHDR& notice);
     void drawList(const DRAWITEMSTRUCT& item);
     void paintBackground(HDC screen);

@@ -12,9 +12,10 @@
 /// while the dialog runs on the test's.
 class OtherProgram {
 public:
-    /// The dialog, as soon as it is visible.
+    /// The dialog, as soon as it is visible. The mouse is out of the way: a list selects the row beneath it.
     OtherProgram()
     {
+        ::SetCursorPos(0, 0);
         const auto end = std::chrono::steady_clock::now() + std::chrono::minutes(10);
         while (std::chrono::steady_clock::now() < end) {
             ::EnumWindows(&look, reinterpret_cast<LPARAM>(this));
@@ -67,6 +68,15 @@ public:
         settle();
     }
 
+    /// The control of the dialog that has the focus; nothing while another window has it.
+    [[nodiscard]] HWND focus() const
+    {
+        GUITHREADINFO state{};
+        state.cbSize = sizeof state;
+        ::GetGUIThreadInfo(::GetWindowThreadProcessId(dialog, nullptr), &state);
+        return state.hwndFocus;
+    }
+
     [[nodiscard]] std::wstring text(int number) const { return textOf(control(number)); }
 
     [[nodiscard]] static std::wstring textOf(HWND window)
@@ -86,5 +96,27 @@ public:
         }
     }
 
+    /// Until nothing is left to paint: of the dialog, or of another window.
+    void waitUntilPainted() const { waitUntilPainted(dialog); }
+    void waitUntilPainted(HWND window) const
+    {
+        const auto end = std::chrono::steady_clock::now() + std::chrono::minutes(10);
+        do
+            settle();
+        while (hasToPaint(window) && std::chrono::steady_clock::now() < end);
+    }
+
     HWND dialog = nullptr;
+
+private:
+    [[nodiscard]] static bool hasToPaint(HWND window)
+    {
+        if (::GetUpdateRect(window, nullptr, FALSE))
+            return true;
+        for (HWND each = ::GetWindow(window, GW_CHILD); each; each = ::GetWindow(each, GW_HWNDNEXT)) {
+            if (hasToPaint(each))
+                return true;
+        }
+        return false;
+    }
 };

@@ -87,7 +87,7 @@ def stop_server():
 def start_display():
     """A display that nobody looks at."""
     reading, writing = os.pipe()
-    server = subprocess.Popen(["Xvfb", "-displayfd", str(writing), "-screen", "0", "1280x1024x24", "-nolisten", "tcp"],
+    server = subprocess.Popen(["Xvfb", "-displayfd", str(writing), "-screen", "0", "2560x1600x24", "-nolisten", "tcp"],
                               pass_fds=[writing], start_new_session=True, **_NO_STREAMS)
     os.close(writing)
     with os.fdopen(reading) as told:

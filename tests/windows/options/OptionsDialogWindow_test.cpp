@@ -1,57 +1,12 @@
-#include "options/win32/OptionsDialogWindow.h"
-
-#include "options/OptionsPresenter.h"
-#include "platform/windows/WindowsPlatform.h"
-#include "reader/clsKELReader.h"
-#include "startup/Main.h"
-#include "tests/windows/OtherProgram.h"
-
-#include <gtest/gtest.h>
+#include "tests/windows/options/DialogTest.h"
 
 #include <set>
 #include <string>
-#include <thread>
 
 namespace kel {
 namespace {
 
-class OptionsDialogWindowTest : public ::testing::Test {
-protected:
-    OptionsDialogWindowTest()
-    {
-        Main();
-        const frmOptions form;
-        for (std::size_t i = 0; i < form.Controls().size(); ++i)
-            numbers_.emplace(form.Controls()[i]->Name(), OptionsDialogWindow::kFirstControl + static_cast<int>(i));
-        numbers_["cmdOK"] = IDOK;
-        numbers_["cmdCancel"] = IDCANCEL;
-    }
-
-    [[nodiscard]] int number(std::string_view name) const { return numbers_.at(name); }
-
-    /// Shows the options while the actions of the user run.
-    template <class Actions>
-    Boolean show(Actions actions)
-    {
-        std::thread user([&] {
-            const OtherProgram other;
-            ASSERT_NE(other.dialog, nullptr);
-            actions(other);
-            if (::IsWindow(other.dialog))
-                ::PostMessageW(other.dialog, WM_CLOSE, 0, 0);
-        });
-        const Boolean result = reader.ShowOptions();
-        user.join();
-        return result;
-    }
-
-    WindowsPlatform machine;
-    PlatformScope scope{machine};
-    clsKELReader reader;
-
-private:
-    std::map<std::string_view, int> numbers_;
-};
+class OptionsDialogWindowTest : public OptionsDialogTest {};
 
 TEST_F(OptionsDialogWindowTest, TheChosenModelIsTheReaders)
 {
@@ -168,6 +123,74 @@ TEST_F(OptionsDialogWindowTest, WhatIsNoNumberKeepsTheFocusAndIsNotSaved)
     EXPECT_EQ(texts, (std::vector<std::wstring>(3, L"soon")));
     EXPECT_EQ(errors->numbers, (std::vector<Int32>(3, 13))) << "nobody who cancels is told";
     EXPECT_EQ(reader.SleepTime(), 70);
+}
+
+TEST_F(OptionsDialogWindowTest, AnOpenListIsForTheKeysUntilItIsClosed)
+{
+    reader.LoadDefaults(kelReaderTypeScantronScanMark2500);
+    const int models = number("cboReaderType");
+    bool staysOpen = false;
+    bool isOpen = true;
+    std::wstring chosen[2];
+    EXPECT_EQ(show([&](const OtherProgram& user) {
+                  const HWND list = user.control(models);
+                  chosen[0] = user.text(models);
+                  ::SendMessageW(list, CB_SHOWDROPDOWN, TRUE, 0);
+                  user.press(models, VK_DOWN);
+                  user.press(models, VK_DOWN);
+                  staysOpen = ::SendMessageW(list, CB_GETDROPPEDSTATE, 0, 0) != 0;
+                  user.press(models, VK_ESCAPE);
+                  isOpen = ::SendMessageW(list, CB_GETDROPPEDSTATE, 0, 0) != 0;
+                  ASSERT_TRUE(::IsWindowVisible(user.dialog)) << "Escape was for the list";
+                  chosen[1] = user.text(models);
+
+                  ::SendMessageW(list, CB_SHOWDROPDOWN, TRUE, 0);
+                  user.press(models, VK_DOWN);
+                  user.press(models, VK_RETURN);
+                  ASSERT_TRUE(::IsWindowVisible(user.dialog)) << "Enter was for the list";
+                  user.click(IDOK);
+              }),
+              True);
+    EXPECT_TRUE(staysOpen);
+    EXPECT_FALSE(isOpen);
+    EXPECT_EQ(chosen[0], chosen[1]) << "nothing was chosen";
+    EXPECT_EQ(reader.ReaderType(), kelReaderTypeScantronScanMark4000);
+}
+
+TEST_F(OptionsDialogWindowTest, AWindowThatWasAwayHasWhatWasTyped)
+{
+    reader.LoadDefaults(kelReaderTypeScantronScanMark2500);
+    reader.SleepTime(70);
+    const int pause = number("txtSystemPause");
+    std::wstring typed;
+    std::wstring left;
+    show([&](const OtherProgram& user) {
+        const HWND other = ::CreateWindowW(L"STATIC", L"other", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 100, 100,
+                                           nullptr, nullptr, nullptr, nullptr);
+        const auto lookElsewhere = [&] {
+            ASSERT_EQ(user.focus(), user.control(pause));
+            ::SetForegroundWindow(other);
+            user.settle();
+            ASSERT_EQ(user.focus(), nullptr);
+            ::SetForegroundWindow(user.dialog);
+            user.settle();
+            ASSERT_EQ(user.focus(), user.control(pause));
+        };
+        ::SetForegroundWindow(user.dialog);
+        user.enter(pause);
+        user.type(pause, L"1");
+        lookElsewhere();
+        user.type(pause, L"2");
+        typed = user.text(pause);
+        ::SendMessageW(user.control(pause), EM_SETSEL, 0, -1);
+        user.type(pause, L"\b");
+        lookElsewhere();
+        user.enter(number("txtReaderTimeout"));
+        left = user.text(pause);
+        ::DestroyWindow(other);
+    });
+    EXPECT_EQ(typed, L"12") << "the typing goes on where it was";
+    EXPECT_EQ(left, L"70") << "an empty field gets back the number from before the typing";
 }
 
 TEST_F(OptionsDialogWindowTest, ABoxIsTickedByAClick)
