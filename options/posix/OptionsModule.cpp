@@ -18,7 +18,7 @@ std::shared_ptr<OptionsPresenter> loadOptionsModule()
                                  std::string(kOptionsModuleName) +
                                  " beside the component: " + (reason ? reason : file.string()) + ".");
     }
-    return std::shared_ptr<OptionsPresenter>(reinterpret_cast<NewOptionsPresenter>(make)());
+    return std::shared_ptr<OptionsPresenter>(reinterpret_cast<NewOptionsPresenter>(make)(registeredWindowPlace()));
 }
 
 } // namespace kel

@@ -2,7 +2,7 @@
 
 #include "options/qt/QtOptionsPresenter.h"
 
-extern "C" __attribute__((visibility("default"))) kel::OptionsPresenter* kelNewOptionsPresenter()
+extern "C" __attribute__((visibility("default"))) kel::OptionsPresenter* kelNewOptionsPresenter(kel::WindowPlace& place)
 {
-    return new kel::QtOptionsPresenter;
+    return new kel::QtOptionsPresenter(place);
 }

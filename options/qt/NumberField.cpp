@@ -1,5 +1,6 @@
 #include "options/qt/NumberField.h"
 
+#include <QAccessible>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QStyle>
@@ -22,6 +23,9 @@ NumberField::NumberField(PowerEdit& edit, std::function<void()> after, QWidget* 
 {
     setFocusPolicy(Qt::StrongFocus);
     setInputMethodHints(Qt::ImhPreferNumbers);
+    // A few digits need no menu, and Qt's own is in English.
+    setContextMenuPolicy(Qt::NoContextMenu);
+    lineEdit()->setContextMenuPolicy(Qt::NoContextMenu);
     lineEdit()->setAlignment(Qt::AlignRight);
     connect(lineEdit(), &QLineEdit::textChanged, this, [this](const QString& text) { edit_.Text(text.toStdString()); });
 }
@@ -29,8 +33,11 @@ NumberField::NumberField(PowerEdit& edit, std::function<void()> after, QWidget* 
 void NumberField::refresh()
 {
     const QString text = QString::fromStdString(edit_.Text());
-    if (lineEdit()->text() != text)
+    if (lineEdit()->text() != text) {
         lineEdit()->setText(text);
+        QAccessibleValueChangeEvent changed(this, text.toInt());
+        QAccessible::updateAccessibility(&changed);
+    }
     setToolTip(QString("%1 – %2").arg(edit_.Minimum()).arg(edit_.Maximum()));
     update();
 }
@@ -46,6 +53,12 @@ bool NumberField::leave()
         textOnEntry_ = edit_.Text();
     after_();
     return isNumber;
+}
+
+void NumberField::type(const QString& text)
+{
+    lineEdit()->setText(text);
+    static_cast<void>(leave());
 }
 
 /// Page Up and the control key would make ten steps of one.

@@ -22,6 +22,13 @@ public:
     /// no number in it, which the user has been told.
     [[nodiscard]] bool leave();
 
+    /// What stands in the field, the bounds, and another text as if it were typed and the field left; for programs that
+    /// assist the user.
+    [[nodiscard]] QString shownText() const { return text(); }
+    [[nodiscard]] int minimum() const { return edit_.Minimum(); }
+    [[nodiscard]] int maximum() const { return edit_.Maximum(); }
+    void type(const QString& text);
+
     void stepBy(int steps) override;
     QValidator::State validate(QString&, int&) const override { return QValidator::Acceptable; }
     [[nodiscard]] QSize sizeHint() const override;

@@ -1,12 +1,15 @@
 #include "options/qt/OptionsWindow.h"
 
+#include "options/qt/FieldAccess.h"
+
 #include <QApplication>
 #include <QDesktopServices>
 #include <QFrame>
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QKeyEvent>
-#include <QListView>
+#include <QScreen>
+#include <QScrollArea>
 #include <QToolButton>
 #include <QUrl>
 #include <QVBoxLayout>
@@ -15,8 +18,8 @@ namespace kel {
 
 namespace {
 
-/// How many models the list shows at a time.
-constexpr int kModelsInView = 20;
+/// What a window manager may put around a window.
+constexpr QSize kFrame(16, 40);
 
 /// The title against the other texts.
 constexpr double kTitleSize = 1.4;
@@ -34,6 +37,20 @@ QFrame* line(QWidget* parent)
     return result;
 }
 
+/// Asks for as much room as what is in it.
+class ScrolledBody final : public QScrollArea {
+public:
+    ScrolledBody(QWidget* content, QWidget* parent) : QScrollArea(parent)
+    {
+        setObjectName("body");
+        setFrameShape(QFrame::NoFrame);
+        setFocusPolicy(Qt::NoFocus);
+        setWidgetResizable(true);
+        setWidget(content);
+    }
+    [[nodiscard]] QSize sizeHint() const override { return widget()->sizeHint(); }
+};
+
 /// Gives a list the rows of the model, if it has others.
 void takeRows(QComboBox& box, const PowerCombo& list)
 {
@@ -49,7 +66,8 @@ void takeRows(QComboBox& box, const PowerCombo& list)
 
 } // namespace
 
-OptionsWindow::OptionsWindow(frmOptions& form, QWidget* parent) : QDialog(parent), form_(form)
+OptionsWindow::OptionsWindow(frmOptions& form, WindowPlace& place, QWidget* parent)
+    : QDialog(parent), form_(form), place_(place)
 {
     setObjectName("frmOptions");
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);
@@ -61,13 +79,13 @@ OptionsWindow::OptionsWindow(frmOptions& form, QWidget* parent) : QDialog(parent
     page->addWidget(header());
     page->addWidget(line(this));
 
-    auto* const body = new QVBoxLayout;
+    auto* const content = new QWidget;
+    auto* const body = new QVBoxLayout(content);
     const int margin = fontMetrics().height();
     body->setContentsMargins(margin, margin, margin, margin);
     body->setSpacing(margin);
     auto* const model = new QHBoxLayout;
-    QComboBox* const models = put(form_.cboReaderType);
-    models->setMaxVisibleItems(kModelsInView);
+    ListBox* const models = put(form_.cboReaderType);
     model->addWidget(put(form_.lblReaderType, models));
     model->addWidget(models, 1);
     body->addLayout(model);
@@ -76,13 +94,20 @@ OptionsWindow::OptionsWindow(frmOptions& form, QWidget* parent) : QDialog(parent
     boxes->addWidget(readerBox(), 1);
     boxes->addWidget(portBox(), 1);
     body->addLayout(boxes, 1);
-    page->addLayout(body, 1);
+    body_ = new ScrolledBody(content, this);
+    page->addWidget(body_, 1);
 
     page->addWidget(line(this));
     page->addWidget(buttons());
 
     connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) { followFocus(now); });
     form_.onHide = [this] { done(0); };
+    describeNumberFields();
+}
+
+OptionsWindow::~OptionsWindow()
+{
+    form_.onHide = nullptr;
 }
 
 template <class Widget>
@@ -120,13 +145,15 @@ QGroupBox* OptionsWindow::readerBox()
     for (CheckBox* const box : {&form_.chkFeeder, &form_.chkDuplex, &form_.chkRejecter, &form_.chkReaderGrade,
                                 &form_.chkBarcode, &form_.chkPrinter, &form_.chkWindowing})
         grid->addWidget(put(*box), row++, 0, 1, 2);
-    const int gap = row++;
-    updates_.emplace_back([this, grid, gap] {
+    auto* const gap = new QWidget(frame);
+    gap->setFixedHeight(fontMetrics().height() / 2);
+    updates_.emplace_back([grid, gap, options = row] {
         bool any = false;
-        for (int option = 0; option < gap; ++option)
+        for (int option = 0; option < options; ++option)
             any = any || !grid->itemAtPosition(option, 0)->widget()->isHidden();
-        grid->setRowMinimumHeight(gap, any ? fontMetrics().height() / 2 : 0);
+        gap->setVisible(any);
     });
+    grid->addWidget(gap, row++, 0);
     addLine(*grid, row++, form_.lblRecognitionThreshold, put(form_.txtRecognitionThreshold));
     addLine(*grid, row++, form_.lblMarkDiscrimination, put(form_.txtMarkDiscrimination));
     addLine(*grid, row++, form_.lblMarkCutOff, put(form_.txtMarkCutOff));
@@ -141,20 +168,12 @@ QGroupBox* OptionsWindow::portBox()
 {
     QGroupBox* const frame = put(form_.frmComPort);
     auto* const grid = new QGridLayout(frame);
-    auto* const port = new QWidget(frame);
-    auto* const portLine = new QHBoxLayout(port);
-    portLine->setContentsMargins(0, 0, 0, 0);
-    QComboBox* const ports = put(form_.cboPort);
-    portLine->addWidget(ports, 1);
-    QPushButton* const locate = put(form_.cmdLocate);
-    locate->setAutoDefault(false);
-    portLine->addWidget(locate);
-    // There is room for the button, whether or not the model has it, so that the window keeps its size.
-    updates_.emplace_back([port, portLine, ports, locate] {
-        port->setMinimumWidth(ports->minimumSizeHint().width() + portLine->spacing() + locate->sizeHint().width());
-    });
+    auto* const port = new QHBoxLayout;
+    ListBox* const ports = put(form_.cboPort);
+    port->addWidget(ports, 1);
+    port->addWidget(put(form_.cmdLocate));
     grid->addWidget(put(form_.lblPort, ports), 0, 0);
-    grid->addWidget(port, 0, 1);
+    grid->addLayout(port, 0, 1);
     addLine(*grid, 1, form_.lblBaud, put(form_.cboBaud));
     addLine(*grid, 2, form_.lblDataBits, put(form_.cboDataBits));
     addLine(*grid, 3, form_.lblParity, put(form_.cboParity));
@@ -171,9 +190,7 @@ QWidget* OptionsWindow::buttons()
     auto* const row = new QHBoxLayout(bar);
     const int margin = fontMetrics().height();
     row->setContentsMargins(margin, margin * 3 / 4, margin, margin * 3 / 4);
-    QPushButton* const defaults = put(form_.cmdDefaults);
-    defaults->setAutoDefault(false);
-    row->addWidget(defaults);
+    row->addWidget(put(form_.cmdDefaults));
     help_ = new QToolButton(bar);
     help_->setObjectName("help");
     help_->setText("?");
@@ -185,9 +202,7 @@ QWidget* OptionsWindow::buttons()
     QPushButton* const ok = put(form_.cmdOK);
     ok->setDefault(true);
     row->addWidget(ok);
-    QPushButton* const cancel = put(form_.cmdCancel);
-    cancel->setAutoDefault(false);
-    row->addWidget(cancel);
+    row->addWidget(put(form_.cmdCancel));
     return bar;
 }
 
@@ -216,17 +231,15 @@ QCheckBox* OptionsWindow::put(CheckBox& box)
     return widget;
 }
 
-QComboBox* OptionsWindow::put(PowerCombo& list)
+ListBox* OptionsWindow::put(PowerCombo& list)
 {
-    auto* const widget = enlist(list, new QComboBox(this));
-    widget->setFocusPolicy(Qt::StrongFocus);
-    widget->installEventFilter(this);
+    auto* const widget = enlist(list, new ListBox(this));
     updates_.emplace_back([&list, widget] {
         takeRows(*widget, list);
         widget->setPlaceholderText(text(list.Prompt()));
         widget->setCurrentIndex(list.CurrentRow());
     });
-    connect(widget, &QComboBox::currentIndexChanged, this, [this, &list](int row) {
+    connect(widget, &ListBox::currentIndexChanged, this, [this, &list](int row) {
         if (!refreshing_)
             act([&list, row] { list.CurrentRow(row); });
     });
@@ -258,7 +271,7 @@ QPushButton* OptionsWindow::put(PowerButton& button)
 QGroupBox* OptionsWindow::put(Frame& frame)
 {
     auto* const widget = enlist(frame, new QGroupBox(this));
-    // The window keeps its size when a model hides the boxes.
+    // The window keeps its size when a model hides the boxes, as it does when one hides what is in them.
     QSizePolicy policy = widget->sizePolicy();
     policy.setRetainSizeWhenHidden(true);
     widget->setSizePolicy(policy);
@@ -270,12 +283,58 @@ void OptionsWindow::run()
 {
     refresh();
     enlargeTitle();
+    reserveRoom();
     help_->setVisible(!form_.HelpFile().empty());
-    // A little air, for captions that change with the model.
-    resize(sizeHint() + QSize(2 * fontMetrics().height(), 0));
+    takePlace();
     setWindowModality(Qt::ApplicationModal);
     if (form_.Visible())
         exec();
+    keepPlace();
+}
+
+/// The window is as large as all controls need, whichever of them the first model shows.
+void OptionsWindow::reserveRoom()
+{
+    const QList<QGroupBox*> frames = findChildren<QGroupBox*>();
+    for (QGroupBox* const frame : frames) {
+        for (QWidget* const each : frame->findChildren<QWidget*>(Qt::FindDirectChildrenOnly))
+            each->setVisible(true);
+    }
+    // Before the window is shown nobody asks the layouts to look again.
+    const auto measureAnew = [this] {
+        for (QLayout* const layout : findChildren<QLayout*>())
+            layout->invalidate();
+    };
+    measureAnew();
+    for (QGroupBox* const frame : frames)
+        frame->setMinimumSize(frame->sizeHint());
+    refresh();
+    measureAnew();
+}
+
+/// Goes where the window stood when it was last closed, as far as there is a screen now.
+void OptionsWindow::takePlace()
+{
+    const QStringList numbers = text(place_.recall()).split(',');
+    const QPoint place(numbers.value(0).toInt(), numbers.value(1).toInt());
+    const QScreen* there = numbers.size() >= 2 ? QGuiApplication::screenAt(place) : nullptr;
+    const QRect room = (there ? there : screen())->availableGeometry();
+    // A little air, for captions that change with the model.
+    usualSize_ = (sizeHint() + QSize(2 * fontMetrics().height(), 0)).boundedTo(room.size() - kFrame);
+    const QSize last(numbers.value(2).toInt(), numbers.value(3).toInt());
+    const QSize size = (numbers.size() == 4 ? last : usualSize_).boundedTo(room.size() - kFrame);
+    resize(size);
+    if (there)
+        move(std::min(place.x(), room.right() - size.width()), std::min(place.y(), room.bottom() - size.height()));
+}
+
+/// The size is the user's wish only if the user has changed it.
+void OptionsWindow::keepPlace()
+{
+    QString place = QString("%1,%2").arg(x()).arg(y());
+    if (size() != usualSize_)
+        place += QString(",%1,%2").arg(width()).arg(height());
+    place_.keep(place.toStdString());
 }
 
 void OptionsWindow::refresh()
@@ -303,8 +362,11 @@ void OptionsWindow::act(const std::function<void()>& what)
 void OptionsWindow::followFocus(QWidget* now)
 {
     const auto found = controls_.find(now);
-    if (found != controls_.end())
-        found->second->SetFocus();
+    if (found == controls_.end())
+        return;
+    found->second->SetFocus();
+    if (body_->isAncestorOf(now))
+        body_->ensureWidgetVisible(now);
 }
 
 void OptionsWindow::reject()
@@ -314,7 +376,8 @@ void OptionsWindow::reject()
 
 void OptionsWindow::keyPressEvent(QKeyEvent* event)
 {
-    if (event->matches(QKeySequence::HelpContents))
+    const bool isEnter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (event->matches(QKeySequence::HelpContents) || (isEnter && help_->hasFocus()))
         openHelp();
     else
         QDialog::keyPressEvent(event);
@@ -325,16 +388,6 @@ void OptionsWindow::changeEvent(QEvent* event)
     QDialog::changeEvent(event);
     if (event->type() == QEvent::FontChange)
         enlargeTitle();
-}
-
-bool OptionsWindow::eventFilter(QObject* watched, QEvent* event)
-{
-    // The wheel is for scrolling past, unless the user is in the list.
-    if (event->type() == QEvent::Wheel && !static_cast<QWidget*>(watched)->hasFocus()) {
-        event->ignore();
-        return true;
-    }
-    return QDialog::eventFilter(watched, event);
 }
 
 void OptionsWindow::enlargeTitle()

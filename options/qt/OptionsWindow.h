@@ -1,10 +1,11 @@
 #pragma once
 
+#include "options/WindowPlace.h"
 #include "options/frmOptions.h"
+#include "options/qt/ListBox.h"
 #include "options/qt/NumberField.h"
 
 #include <QCheckBox>
-#include <QComboBox>
 #include <QDialog>
 #include <QGroupBox>
 #include <QLabel>
@@ -15,15 +16,18 @@
 #include <vector>
 
 class QGridLayout;
+class QScrollArea;
 class QToolButton;
 
 namespace kel {
 
 /// The options form as a window. Each control of the form is a widget of the same name; the layout is Qt's own, so
-/// that every text has its room in any language and at any size of type.
+/// that every text has its room in any language and at any size of type. On a small screen what is between the title
+/// and the buttons is scrolled.
 class OptionsWindow final : public QDialog {
 public:
-    OptionsWindow(frmOptions& form, QWidget* parent);
+    OptionsWindow(frmOptions& form, WindowPlace& place, QWidget* parent);
+    ~OptionsWindow() override;
 
     /// Shows the window and comes back when the form has been hidden.
     void run();
@@ -39,7 +43,6 @@ public:
 protected:
     void keyPressEvent(QKeyEvent* event) override;
     void changeEvent(QEvent* event) override;
-    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     QWidget* header();
@@ -49,7 +52,7 @@ private:
 
     QLabel* put(Label& label, QWidget* buddy);
     QCheckBox* put(CheckBox& box);
-    QComboBox* put(PowerCombo& list);
+    ListBox* put(PowerCombo& list);
     NumberField* put(PowerEdit& edit);
     QPushButton* put(PowerButton& button);
     QGroupBox* put(Frame& frame);
@@ -60,14 +63,20 @@ private:
     void act(const std::function<void()>& what);
     void followFocus(QWidget* now);
     void enlargeTitle();
+    void reserveRoom();
+    void takePlace();
+    void keepPlace();
     void openHelp();
 
     frmOptions& form_;
+    WindowPlace& place_;
     std::map<QWidget*, Control*> controls_;
     std::vector<std::function<void()>> updates_;
+    QScrollArea* body_ = nullptr;
     QLabel* title_ = nullptr;
     QToolButton* help_ = nullptr;
     bool refreshing_ = false;
+    QSize usualSize_;
 };
 
 } // namespace kel

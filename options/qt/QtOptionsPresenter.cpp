@@ -67,7 +67,7 @@ bool QtOptionsPresenter::show(frmOptions& form, void* parent, std::string& reaso
 
 void QtOptionsPresenter::showWindow(frmOptions& form, QWidget* parent)
 {
-    OptionsWindow window(form, parent);
+    OptionsWindow window(form, place_, parent);
     CaptionMeasure measure(window);
     const WindowScreen::Use use(screen_, window);
     form.Measure(&measure);

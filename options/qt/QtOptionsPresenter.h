@@ -1,6 +1,7 @@
 #pragma once
 
 #include "options/OptionsPresenter.h"
+#include "options/WindowPlace.h"
 #include "options/qt/WindowScreen.h"
 
 class QWidget;
@@ -13,12 +14,16 @@ namespace kel {
 /// application is made for the call, and `parent` is not looked at.
 class QtOptionsPresenter final : public OptionsPresenter {
 public:
+    /// `place` is to outlive it.
+    explicit QtOptionsPresenter(WindowPlace& place) : place_(place) {}
+
     bool show(frmOptions& form, void* parent, std::string& reason) override;
     [[nodiscard]] Screen* screen() override { return &screen_; }
 
 private:
     void showWindow(frmOptions& form, QWidget* parent);
 
+    WindowPlace& place_;
     WindowScreen screen_;
 };
 

@@ -106,8 +106,9 @@ class DrivenDialog final : public OptionsPresenter, public std::enable_shared_fr
 public:
     using Steps = std::function<void(OpenWindow&)>;
 
-    static Boolean run(OptionsHost& host, Steps steps, void* parent = nullptr,
-                       std::shared_ptr<OptionsPresenter> shownBy = std::make_shared<QtOptionsPresenter>())
+    static Boolean
+    run(OptionsHost& host, Steps steps, void* parent = nullptr,
+        std::shared_ptr<OptionsPresenter> shownBy = std::make_shared<QtOptionsPresenter>(registeredWindowPlace()))
     {
         const auto dialog = std::make_shared<DrivenDialog>();
         dialog->steps_ = std::move(steps);
@@ -126,7 +127,9 @@ public:
             // The window stands as soon as its own event loop runs.
             QTimer::singleShot(0, qApp, [this] { work(); });
         };
-        return shownBy_->show(form, parent, reason);
+        const bool shown = shownBy_->show(form, parent, reason);
+        EXPECT_FALSE(form.onHide) << "the window is gone, and the form lives on";
+        return shown;
     }
     Screen* screen() override { return shownBy_->screen(); }
 

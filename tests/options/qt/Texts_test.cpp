@@ -1,11 +1,13 @@
-// What the window looks like in the language of the process ("/L=German"): no text is cut off, the columns line up,
-// and pictures for a person to look at.
+// What the window looks like in the language of the process ("/L=German"): no text is cut off, and the columns line up.
+// test_screenshots.py compares the screenshots with those that are kept.
 
 #include "tests/options/qt/DrivenDialog.h"
 
 #include "platform/posix/PosixProcess.h"
 
-#include <filesystem>
+#include <QAbstractItemView>
+
+#include <cstdlib>
 #include <set>
 
 namespace kel::test {
@@ -14,14 +16,6 @@ namespace {
 class TextsTest : public testing::Test {
 protected:
     TextsTest() { host.machine.process().commandLine(PosixProcess().CommandLine()); }
-
-    /// The language of the process, as the pictures are named after it.
-    static std::string language()
-    {
-        const std::string line = PosixProcess().CommandLine();
-        const std::size_t option = line.find("/L=");
-        return option == std::string::npos ? "English" : line.substr(option + 3, line.find(' ', option) - option - 3);
-    }
 
     OptionsHost host{1, 3};
 };
@@ -68,20 +62,47 @@ TEST_F(TextsTest, NoneIsCutOffWhateverTheModel)
     });
 }
 
-TEST_F(TextsTest, Pictures)
+/// Puts what a widget shows into the folder that KEL_SCREENSHOTS names; nothing without one.
+void save(QWidget& widget, const std::string& name)
 {
-    const std::filesystem::path folder = KEL_PICTURES;
-    std::filesystem::create_directories(folder);
+    QCoreApplication::processEvents();
+    const QPixmap shown = widget.grab();
+    if (const char* const folder = std::getenv("KEL_SCREENSHOTS")) {
+        const QString file = QString("%1/%2.bmp").arg(folder, name.c_str());
+        EXPECT_TRUE(shown.toImage().convertToFormat(QImage::Format_RGB32).save(file)) << name;
+    }
+}
+
+TEST_F(TextsTest, FirstShown)
+{
+    host.reader().LoadDefaults(kelReaderTypeNCSOpScan4);
+    DrivenDialog::run(host, [](OpenWindow& window) { save(window.window(), "first"); });
+}
+
+TEST_F(TextsTest, Models)
+{
+    host.reader().LoadDefaults(kelReaderTypeScantronScanMark4000);
     DrivenDialog::run(host, [&](OpenWindow& window) {
         auto& models = window.get<QComboBox>("cboReaderType");
+        for (const auto model : {kelReaderTypeNCSOpScan4, kelReaderTypeNCSEZData, kelReaderTypeSekonicSR3500,
+                                 kelReaderTypeNone, kelReaderTypePDIVMR138}) {
+            models.setCurrentText(
+                QString::fromStdString(host.reader().Profiles()->Item(std::to_string(model))->ReaderName()));
+            save(window.window(), "model" + std::to_string(model));
+        }
+    });
+}
+
+TEST_F(TextsTest, OpenLists)
+{
+    host.reader().LoadDefaults(kelReaderTypeScantronScanMark4000);
+    DrivenDialog::run(host, [&](OpenWindow& window) {
         for (const char* const name :
-             {"Scantron Scanmark 4000", "Scantron OpScan 4/4U", "Scantron EZData", "Sekonic SR3500 (USB)"}) {
-            models.setCurrentText(name);
-            models.setFocus();
-            QCoreApplication::processEvents();
-            const std::string file = QString(name).replace('/', '-').replace(' ', '_').toStdString();
-            const std::filesystem::path picture = folder / (file + "_" + language() + ".png");
-            EXPECT_TRUE(window.window().grab().save(QString::fromStdString(picture.string())));
+             {"cboReaderType", "cboPort", "cboBaud", "cboDataBits", "cboParity", "cboStopBits", "cboFlowControl"}) {
+            auto& list = window.get<QComboBox>(name);
+            list.showPopup();
+            save(*list.view()->window(), name);
+            list.hidePopup();
         }
     });
 }
