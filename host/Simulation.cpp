@@ -36,12 +36,13 @@ FormDescription simulatedForm(const Form& form)
     return result;
 }
 
-std::pair<std::string, std::string> nameAndValue(const std::string& text)
+/// NAME=VALUE; the last value of a name is the one that counts.
+void set(std::map<std::string, std::string>& settings, const std::string& text)
 {
     const std::size_t sign = text.find('=');
     if (sign == std::string::npos)
         throw UsageError("'" + text + "' sets nothing; write NAME=VALUE.");
-    return {text.substr(0, sign), text.substr(sign + 1)};
+    settings.insert_or_assign(text.substr(0, sign), text.substr(sign + 1));
 }
 
 /// Has what is wrong with the options told in a sentence.
@@ -87,7 +88,7 @@ SimulatorOptions optionsOf(const Simulation& simulation, const Form& form)
     options.form = simulatedForm(form);
     options.rate = simulation.unlimited ? Rate::Unlimited : Rate::Wire;
     for (const std::string& setting : simulation.settings)
-        options.settings.insert(nameAndValue(setting));
+        set(options.settings, setting);
     // The parity and the data bits of a pseudo-terminal do not show.
     options.wireShows = false;
     for (const std::string& fault : simulation.faults) {

@@ -14,9 +14,11 @@ using namespace std::chrono_literals;
 
 // A reply is over when nothing has come for so long.
 constexpr Moment kQuiet = 60ms;
-// On a machine that is busy bytes are seen late: who is patient waits for so long.
+// On a machine that is busy bytes are seen late: who is patient waits for so long, and longer for a reader that has
+// been given a long time-out.
 constexpr Moment kPatientQuiet = 300ms;
 constexpr Moment kPatience = 2s;
+constexpr int kPartOfTimeout = 5;
 constexpr Int32 kLook = 2; // milliseconds between looks at the line
 
 // A session is ended when no sheet has come for its time-out, or for so long if that is more, and this besides.
@@ -106,8 +108,9 @@ Answer CheckRun::ask(const std::string& name, const Question& question)
         for (const Ask& ask : question.asks) {
             line.Output(ask.bytes);
             const Moment usual = std::chrono::milliseconds(ask.milliseconds);
+            const Moment patience = std::max<Moment>(kPatience, std::chrono::seconds(timeout_) / kPartOfTimeout);
             answer.replies.push_back(question.patient && ask.replies
-                                         ? collect(line, std::max(usual, kPatience), kPatientQuiet, stopped)
+                                         ? collect(line, std::max(usual, patience), kPatientQuiet, stopped)
                                          : collect(line, usual, kQuiet, stopped));
         }
         line.PortOpen(False);

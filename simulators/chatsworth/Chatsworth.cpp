@@ -2,6 +2,8 @@
 
 #include "recording/Transcript.h"
 
+#include <algorithm>
+
 namespace kel {
 
 namespace {
@@ -171,7 +173,8 @@ void Chatsworth::startRead(const std::string& command, const std::string& taken,
     }
     underWay_ = true;
     sendAfter(kReplyTime, asStatus(taken));
-    schedule(feedTime_, [this] { takeSheet(); });
+    // However soon the page comes, the reply stands before it.
+    schedule(std::max(feedTime_, kReplyTime), [this] { takeSheet(); });
 }
 
 void Chatsworth::takeSheet()

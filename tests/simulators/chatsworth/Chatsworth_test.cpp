@@ -209,6 +209,19 @@ TEST(ChatsworthWaits, ForASheetSentOutIgnoresACancel)
     }
 }
 
+TEST(ChatsworthSimulator, SendsAPageThatComesAtOnceAfterTheReplyToItsCommand)
+{
+    for (const Model& model : kModels) {
+        if (model.sheet.empty())
+            continue; // it sends by itself
+        SCOPED_TRACE(model.type);
+        const std::vector<SimulatedSheet> sheets = randomSheets(5, kRows, 12);
+        PackedReader bench(model.type, sheets, {{"feed-ms", "0"}}, {});
+        bench.reader().Feeder(model.feeder ? True : False);
+        expectRoundTrip(bench, sheets, kRows);
+    }
+}
+
 TEST(ChatsworthSimulator, ComplainsOfWhatAHostMustNotDo)
 {
     struct Mistake {
