@@ -1,6 +1,9 @@
 #include "tests/cli/CommandRun.h"
 
+#include "cli/Commands.h"
 #include "tests/support/Patience.h"
+
+#include <gtest/gtest.h>
 
 #include <array>
 #include <csignal>
@@ -211,6 +214,30 @@ CommandOutcome RunningCommand::finish()
 CommandOutcome runCommand(const std::vector<std::string>& arguments)
 {
     return RunningCommand(arguments).finish();
+}
+
+CommandOutcome runWithin(void (*addCommand)(Commands& commands), const std::vector<std::string>& arguments)
+{
+    CLI::App app;
+    Commands commands(app);
+    addCommand(commands);
+    testing::internal::CaptureStdout();
+    testing::internal::CaptureStderr();
+    app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
+    CommandOutcome outcome{.status = commands.runChosen(), .output = {}, .errors = {}};
+    outcome.output = testing::internal::GetCapturedStdout();
+    outcome.errors = testing::internal::GetCapturedStderr();
+    return outcome;
+}
+
+std::vector<std::string> simulatedScan(const std::vector<std::string>& more, const std::string& model)
+{
+    std::vector<std::string> words = {"scan",      "--simulate", "--rate", "unlimited",
+                                      "--setting", "feed-ms=0",  "--set",  "Timeout=600"};
+    if (!model.empty())
+        words.insert(words.end(), {"--model", model});
+    words.insert(words.end(), more.begin(), more.end());
+    return words;
 }
 
 TextFile::TextFile(const std::string& text) : path_(newName("file"))

@@ -7,6 +7,10 @@
 #include <sys/types.h>
 #include <vector>
 
+namespace kel {
+class Commands;
+}
+
 namespace kel::test {
 
 /// How a run of the command came out.
@@ -54,6 +58,16 @@ private:
 
 /// Runs the command to its end.
 CommandOutcome runCommand(const std::vector<std::string>& arguments);
+
+/// Runs one command to its end within this process, on its platform: under a virtual clock a pause of the dialogue
+/// takes no time, and nothing is late.
+CommandOutcome runWithin(void (*addCommand)(Commands& commands), const std::vector<std::string>& arguments);
+
+/// The words of a scan of a simulated reader that loses no time, with more words at the end. The model is an ALS
+/// AccelScan unless another one is given; with an empty one the words do not name it. Its driver waits for each reply
+/// and for each sheet however late they come, as they do on a busy machine: a test about another model asks first what
+/// fixed pauses that one's dialogue has.
+std::vector<std::string> simulatedScan(const std::vector<std::string>& more, const std::string& model = "22");
 
 /// A file with a text, for as long as the object lives.
 class TextFile {

@@ -233,14 +233,14 @@ TEST(PortsCommand, NumberOutsideTheRangeIsWrongUse)
 TEST(SimulateCommand, TwoProcessesReadABatch)
 {
     const std::string link = TextFile("").path();
-    RunningCommand simulator({"simulate", "--model", "VMR138", "--link", link, "--seed", "5", "--count", "2", "--rate",
-                              "unlimited", "--setting", "feed-ms=0"});
+    RunningCommand simulator({"simulate", "--model", "AccelScan", "--link", link, "--seed", "5", "--count", "2",
+                              "--rate", "unlimited", "--setting", "feed-ms=0"});
     const std::string ready = simulator.readLine();
     EXPECT_THAT(ready, testing::MatchesRegex(R"(\{"event":"ready","device":"/dev/pts/[0-9]+"\})"));
     EXPECT_EQ(std::filesystem::read_symlink(link).string(), Json::parse(ready)["device"]);
 
-    const CommandOutcome scan = runCommand({"scan", "--model", "VMR138", "--device", link, "--set", "SleepTime=40",
-                                            "--set", "RecognitionThreshold=198", "--max-sheets", "2"});
+    const CommandOutcome scan =
+        runCommand({"scan", "--model", "AccelScan", "--device", link, "--set", "Timeout=600", "--max-sheets", "2"});
     EXPECT_EQ(scan.status, 0) << scan.errors;
     EXPECT_EQ(scan.lines().size(), 3U);
 
@@ -248,8 +248,7 @@ TEST(SimulateCommand, TwoProcessesReadABatch)
     while (log.empty() || log.back() != R"({"event":"ejected","sheet":2})")
         log.push_back(simulator.readLine());
     EXPECT_THAT(log, ElementsAre(R"({"event":"fed","sheet":1})", R"({"event":"read","sheet":1})",
-                                 R"({"event":"ended","sheet":1})", R"({"event":"fed","sheet":2})",
-                                 R"({"event":"read","sheet":2})", R"({"event":"ended","sheet":2})",
+                                 R"({"event":"fed","sheet":2})", R"({"event":"read","sheet":2})",
                                  R"({"event":"ejected","sheet":2})"));
     simulator.signal(SIGINT);
     const CommandOutcome outcome = simulator.finish();
@@ -261,9 +260,9 @@ TEST(SimulateCommand, TwoProcessesReadABatch)
 
 TEST(SimulateCommand, EndsWhenTheReaderIsUnplugged)
 {
-    RunningCommand simulator({"simulate", "--model", "24", "--fault", "unplug@byte=1"});
+    RunningCommand simulator({"simulate", "--model", "13", "--fault", "unplug@byte=1"});
     const std::string device = Json::parse(simulator.readLine())["device"];
-    EXPECT_EQ(runCommand({"scan", "--model", "24", "--device", device}).status, 1);
+    EXPECT_EQ(runCommand({"scan", "--model", "13", "--device", device, "--set", "Timeout=600"}).status, 1);
     const CommandOutcome outcome = simulator.finish();
     EXPECT_EQ(outcome.errors, "kelreader: The simulated reader was unplugged.\n");
     EXPECT_EQ(outcome.status, 0);

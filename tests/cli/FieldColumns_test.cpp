@@ -16,49 +16,44 @@ constexpr const char* kForm = R"({"side1Rows":[2],"side1Cols":[3],"fields":[
     {"name":"last","row":2,"column":3}]})";
 constexpr const char* kSheets = R"([{"side1":[[1,0,0],[0,1,1]]},{"side1":[[0,0,0],[0,0,1]]}])";
 
-/// A scan of a simulated VMR138 that loses no time, with more words behind.
-Words simulatedScan(const Words& more)
+/// A scan of the two sheets with more words at the end.
+CommandOutcome scanned(const Words& more)
 {
-    Words words = {"scan",      "--model",   "24",    "--simulate",   "--rate",       "unlimited",
-                   "--setting", "feed-ms=0", "--set", "SleepTime=40", "--max-sheets", "2"};
+    const TextFile sheets(kSheets);
+    Words words = simulatedScan({"--max-sheets", "2", "--sheets", sheets.path()});
     words.insert(words.end(), more.begin(), more.end());
-    return words;
+    return runCommand(words);
 }
 
 TEST(FieldColumns, CsvHasTheColumnsOfTheForm)
 {
-    const TextFile sheets(kSheets);
     const TextFile form(kForm);
-    const CommandOutcome outcome =
-        runCommand(simulatedScan({"--sheets", sheets.path(), "--form", form.path(), "--fields", "--format", "csv"}));
+    const CommandOutcome outcome = scanned({"--form", form.path(), "--fields", "--format", "csv"});
     EXPECT_EQ(outcome.output, "sheet,barcodes,rejected,printed,Q1,Q2,back,last\n"
-                              "1,,false,false,A,*,,241\n"
-                              "2,,false,false,-,C,,241\n");
+                              "1,,false,false,A,*,,2\n"
+                              "2,,false,false,-,C,,2\n");
     EXPECT_EQ(outcome.errors, "");
     EXPECT_EQ(outcome.status, 0);
 }
 
 TEST(FieldColumns, JsonHasTheSameAndTheOtherEvents)
 {
-    const TextFile sheets(kSheets);
     const TextFile form(kForm);
-    const CommandOutcome outcome = runCommand(
-        simulatedScan({"--sheets", sheets.path(), "--form", form.path(), "--fields", "--reject-sheets", "2"}));
+    const CommandOutcome outcome = scanned({"--form", form.path(), "--fields", "--reject-sheets", "2"});
     EXPECT_THAT(outcome.lines(),
                 ElementsAre(R"({"event":"sheet","sheet":1,"barcodes":"","rejected":false,"printed":false,)"
-                            R"("Q1":"A","Q2":"*","back":null,"last":241})",
+                            R"("Q1":"A","Q2":"*","back":null,"last":2})",
                             R"({"event":"sheet","sheet":2,"barcodes":"","rejected":true,"printed":false,)"
-                            R"("Q1":"-","Q2":"C","back":null,"last":241})",
+                            R"("Q1":"-","Q2":"C","back":null,"last":2})",
                             R"({"event":"end","started":true,"sheets":2,"cancelScan":true,"result":true})"));
 }
 
 TEST(FieldColumns, AReplayHasThemToo)
 {
-    const TextFile sheets(kSheets);
     const TextFile form(kForm);
     const TextFile trace("");
-    const CommandOutcome scan = runCommand(simulatedScan(
-        {"--sheets", sheets.path(), "--form", form.path(), "--fields", "--format", "csv", "--trace", trace.path()}));
+    const CommandOutcome scan =
+        scanned({"--form", form.path(), "--fields", "--format", "csv", "--trace", trace.path()});
     ASSERT_EQ(scan.status, 0) << scan.errors;
     const CommandOutcome replay = runCommand({"replay", trace.path(), "--fields", "--format", "csv"});
     EXPECT_EQ(replay.output, scan.output);
@@ -79,7 +74,7 @@ TEST(FieldColumns, AFormWithoutFieldsAndAFormatWithoutColumnsAreRefused)
          {Case{{"--fields"}, kNoFields}, Case{{"--fields", "--form", bare.path()}, kNoFields},
           Case{{"--fields", "--form", form.path(), "--format", "table"},
                "--fields goes with --format json and csv only; leave it out for table."}}) {
-        const CommandOutcome outcome = runCommand(simulatedScan(words));
+        const CommandOutcome outcome = scanned(words);
         EXPECT_THAT(outcome.errors, HasSubstr(sentence));
         EXPECT_EQ(outcome.output, "");
         EXPECT_EQ(outcome.status, 2);

@@ -17,8 +17,6 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-using Words = std::vector<std::string>;
-
 constexpr const char* kHeading = "Windows Registry Editor Version 5.00\r\n\r\n";
 
 std::string repeated(const std::string& text, std::size_t count)
@@ -189,11 +187,8 @@ TEST(HugePortName, InTheRegistryOpensNothing)
 
 TEST(HugePrintText, IsRefused)
 {
-    const Words words = {"scan", "--model", "13", "--simulate", "--count", "1", "--max-sheets", "1", "--print1"};
-    const auto printed = [&](const std::string& text) {
-        Words all = words;
-        all.push_back(text);
-        return runCommand(all);
+    const auto printed = [](const std::string& text) {
+        return runCommand(simulatedScan({"--count", "1", "--max-sheets", "1", "--print1", text}, "13"));
     };
     expectRefused(printed(repeated("{barcode}", 10'000)),
                   "A text to print has 90000 characters, and at most 1000 are taken.");

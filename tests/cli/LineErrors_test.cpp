@@ -36,8 +36,8 @@ bool hostSends(Pty& pty, char byte)
 CommandOutcome scanOneSheet(std::vector<std::string> words, std::string_view sheet)
 {
     Pty pty;
-    words.insert(words.begin(),
-                 {"scan", "--model", "21", "--device", pty.name(), "--set", "Parity=E", "--max-sheets", "1"});
+    words.insert(words.begin(), {"scan", "--model", "21", "--device", pty.name(), "--set", "Parity=E", "--set",
+                                 "Timeout=600", "--max-sheets", "1"});
     RunningCommand scan(words);
     EXPECT_TRUE(hostSends(pty, '\x11'));
     // A pseudo-terminal that is told to mark would mark the marks.

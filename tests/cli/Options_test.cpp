@@ -4,7 +4,6 @@
 #include "tests/options/OptionsHost.h"
 
 #include "cli/CommandList.h"
-#include "cli/Commands.h"
 #include "options/OptionsPresenter.h"
 #include "reader/SettingsStore.h"
 
@@ -38,18 +37,12 @@ protected:
     int run(const std::vector<std::string>& arguments, std::function<void(frmOptions&)> steps)
     {
         script_->steps = std::move(steps);
-        CLI::App app;
-        Commands commands(app);
-        addOptionsCommand(commands);
-        std::vector<std::string> reversed(arguments.rbegin(), arguments.rend());
-        reversed.emplace_back("options");
-        testing::internal::CaptureStdout();
-        testing::internal::CaptureStderr();
-        app.parse(reversed);
-        const int status = commands.runChosen();
-        output = testing::internal::GetCapturedStdout();
-        errors = testing::internal::GetCapturedStderr();
-        return status;
+        std::vector<std::string> words = {"options"};
+        words.insert(words.end(), arguments.begin(), arguments.end());
+        const CommandOutcome outcome = runWithin(addOptionsCommand, words);
+        output = outcome.output;
+        errors = outcome.errors;
+        return outcome.status;
     }
 
     OptionsHost host{1, 3};

@@ -30,9 +30,9 @@ protected:
 
 TEST_F(Pictures, AScanPutsOneASheetIntoAFolder)
 {
-    const CommandOutcome outcome =
-        runCommand({"scan", "--model", "13", "--simulate", "--count", "3", "--max-sheets", "3", "--rate", "unlimited",
-                    "--reject-sheets", "2", "--pictures", inside("new/folder").string()});
+    const CommandOutcome outcome = runCommand(simulatedScan(
+        {"--count", "3", "--max-sheets", "3", "--reject-sheets", "2", "--pictures", inside("new/folder").string()},
+        "13"));
     ASSERT_EQ(outcome.status, 0) << outcome.errors;
     std::vector<std::string> names;
     for (const auto& entry : std::filesystem::directory_iterator(inside("new/folder")))
@@ -55,8 +55,8 @@ TEST_F(Pictures, WithoutAFolderNothingIsRead)
 
 TEST_F(Pictures, ABatchIsAPageOfHtml)
 {
-    const CommandOutcome outcome = runCommand({"scan", "--model", "13", "--simulate", "--count", "2", "--rate",
-                                               "unlimited", "--max-sheets", "2", "--format", "html"});
+    const CommandOutcome outcome =
+        runCommand(simulatedScan({"--count", "2", "--max-sheets", "2", "--format", "html"}, "13"));
     ASSERT_EQ(outcome.status, 0) << outcome.errors;
     EXPECT_THAT(outcome.output, StartsWith("<!DOCTYPE html>"));
     EXPECT_THAT(outcome.lines().back(),

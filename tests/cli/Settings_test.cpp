@@ -296,21 +296,13 @@ TEST_F(SettingsCommand, ShowTellsTheTextThatDoesNotFit)
     EXPECT_EQ(outcome.status, 1);
 }
 
-Words simulatedScan(const Words& more)
-{
-    Words words = {"scan", "--simulate", "--rate", "unlimited", "--setting", "feed-ms=0", "--max-sheets", "1"};
-    words.insert(words.end(), more.begin(), more.end());
-    return words;
-}
-
 TEST_F(SettingsCommand, ScanTakesTheKeptSettings)
 {
-    set("ScannerType", "24");
-    set("ScannerDataBits", "8");
+    set("ScannerType", "22");
     set("RecognitionThreshold", "198");
-    set("SleepTime", "40");
     const TextFile sheets(R"([{"side1":[[1,0,0],[0,1,0]]}])");
-    const CommandOutcome outcome = run(simulatedScan({"--settings", kKey, "--sheets", sheets.path()}));
+    const CommandOutcome outcome =
+        run(simulatedScan({"--settings", kKey, "--sheets", sheets.path(), "--max-sheets", "1"}, ""));
     EXPECT_EQ(outcome.errors, "");
     EXPECT_EQ(outcome.status, 0);
     ASSERT_EQ(outcome.lines().size(), 2U);
@@ -323,11 +315,10 @@ TEST_F(SettingsCommand, ScanTakesTheKeptSettings)
 TEST_F(SettingsCommand, ScanWithAModelOfItsOwnTakesTheRest)
 {
     set("ScannerType", "13");
-    set("ScannerDataBits", "8");
     set("RecognitionThreshold", "198");
-    set("SleepTime", "40");
     const TextFile sheets(R"([{"side1":[[1,0,0],[0,1,0]]}])");
-    const CommandOutcome outcome = run(simulatedScan({"--settings", kKey, "--model", "24", "--sheets", sheets.path()}));
+    const CommandOutcome outcome =
+        run(simulatedScan({"--settings", kKey, "--sheets", sheets.path(), "--max-sheets", "1"}));
     EXPECT_EQ(outcome.errors, "");
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(Json::parse(outcome.lines().at(0))["side1"][0][0], 199);
@@ -337,7 +328,7 @@ TEST_F(SettingsCommand, ScanWithSettingsThatDoNotFitReadsNothing)
 {
     set("ScannerType", "24");
     set("Duplex", "perhaps");
-    const CommandOutcome outcome = run(simulatedScan({"--settings", kKey}));
+    const CommandOutcome outcome = run(simulatedScan({"--settings", kKey}, ""));
     ASSERT_EQ(outcome.lines().size(), 2U);
     const Json failure = Json::parse(outcome.lines()[0]);
     EXPECT_EQ(failure["event"], "failure");
@@ -353,7 +344,7 @@ TEST_F(SettingsCommand, ScanWantsAModelOrSettings)
     EXPECT_EQ(neither.status, 2);
     EXPECT_EQ(run({"scan", "--settings", "Software\\Reader", "--port", "1"}).status, 2);
     // Settings that name no model.
-    EXPECT_EQ(run(simulatedScan({"--settings", kKey})).status, 2);
+    EXPECT_EQ(run(simulatedScan({"--settings", kKey}, "")).status, 2);
 }
 
 TEST_F(SettingsCommand, ScanAtThePortThatIsKept)

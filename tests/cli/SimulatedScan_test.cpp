@@ -1,6 +1,9 @@
 #include "cli/JsonLines.h"
+#include "host/Reader.h"
+#include "host/SimulatorParts.h"
 #include "simulators/SimulatorTable.h"
 #include "simulators/framework/SiteFault.h"
+#include "simulators/platform/SimulatedPlatform.h"
 #include "tests/cli/CommandRun.h"
 
 #include <gmock/gmock.h>
@@ -20,10 +23,7 @@ using Words = std::vector<std::string>;
 /// A scan that loses no time and in which nothing goes wrong; the lines of its sheets.
 std::vector<Json> sheetsOf(kelReaderType model, const Words& more)
 {
-    Words words = {"scan",   "--simulate", "--model", std::to_string(model),
-                   "--rate", "unlimited",  "--set",   "SleepTime=40"};
-    words.insert(words.end(), more.begin(), more.end());
-    const CommandOutcome outcome = runCommand(words);
+    const CommandOutcome outcome = runCommand(simulatedScan(more, std::to_string(model)));
     EXPECT_EQ(outcome.errors, "");
     EXPECT_EQ(outcome.status, 0);
     std::vector<Json> sheets;
@@ -46,9 +46,36 @@ TEST_P(ScanWithoutForm, ReadsMadeUpSheets)
 
 INSTANTIATE_TEST_SUITE_P(Models, ScanWithoutForm,
                          testing::Values(kelReaderTypeAppersonAdvantageLink, kelReaderTypeAppersonGradeMaster,
-                                         kelReaderTypeAppersonBenchMark3000, kelReaderTypeAppersonAdvantage1200,
-                                         kelReaderTypeScanningSystemsSR607, kelReaderTypeSekonicSR430,
-                                         kelReaderTypeScantronScanMark2500, kelReaderTypeNCSOpScan5),
+                                         kelReaderTypeAppersonBenchMark3000, kelReaderTypeScantronScanMark2500,
+                                         kelReaderTypeNCSOpScan5),
+                         [](const auto& model) { return "Model" + std::to_string(model.param); });
+
+/// The same for readers whose dialogue has pauses, under a virtual clock.
+class ReadWithoutForm : public testing::TestWithParam<kelReaderType> {};
+
+TEST_P(ReadWithoutForm, ReadsMadeUpSheets)
+{
+    const host::Simulation simulation{.seed = 5, .count = 2};
+    host::Request request{.model = std::to_string(GetParam()), .port = Int16{1}};
+    request.form = host::formOfSheets(simulation, GetParam());
+    request.maxSheets = 2;
+    const std::unique_ptr<Simulator> device = host::makeSimulator(simulation, GetParam(), request.form);
+    SimulatedPlatform machine;
+    const PlatformScope scope(machine);
+    machine.attach(1, *device);
+    host::Reader reader(request);
+    int sheets = 0;
+    for (const host::Sheet& sheet : reader.sheets()) {
+        EXPECT_GE(sheet.side1.rows(), sheetShape(GetParam()).side1Rows);
+        ++sheets;
+    }
+    EXPECT_EQ(sheets, 2);
+    EXPECT_THAT(device->errors(), testing::IsEmpty());
+}
+
+INSTANTIATE_TEST_SUITE_P(Models, ReadWithoutForm,
+                         testing::Values(kelReaderTypeAppersonAdvantage1200, kelReaderTypeScanningSystemsSR607,
+                                         kelReaderTypeSekonicSR430, kelReaderTypeNCSEZData, kelReaderTypePDIVMR138),
                          [](const auto& model) { return "Model" + std::to_string(model.param); });
 
 TEST(SimulatedScan, GivesTheMarksOfRawReadersAsTheyAre)
@@ -124,9 +151,7 @@ TEST(SimulateCommand, ListsTheFaultsOfTheSite)
 TEST(SimulatedScan, IsHeldAgainFromItsTrace)
 {
     const TextFile trace("");
-    const Words words = {"scan",         "--simulate", "--model", "18",           "--rate",  "unlimited",
-                         "--max-sheets", "2",          "--set",   "SleepTime=40", "--trace", trace.path()};
-    const CommandOutcome scan = runCommand(words);
+    const CommandOutcome scan = runCommand(simulatedScan({"--max-sheets", "2", "--trace", trace.path()}, "18"));
     EXPECT_EQ(scan.status, 0);
     EXPECT_THAT(trace.text(), HasSubstr("# form: {\"side1Rows\":[100],\"side1Cols\":[5],\"side2Rows\":[0],"
                                         "\"side2Cols\":[0]}\n"));

@@ -41,7 +41,7 @@ protected:
     static std::string simulated(const std::string& name, int count)
     {
         return R"({"name": ")" + name + R"(", "model": 13, "simulate": {"unlimited": true, "count": )" +
-               std::to_string(count) + R"(}, "set": {"SleepTime": 1}})";
+               std::to_string(count) + R"(}, "set": {"SleepTime": 1, "Timeout": 600}})";
     }
 
     [[nodiscard]] std::vector<Int32> numbers(const std::string& reader) const
@@ -87,7 +87,7 @@ TEST_F(StationCommand, TellsAReaderThatIsNotThereOnceAndReadsWhenItComes)
     const std::string device = folder_.file("reader");
     folder_.write("form.json", R"({"side1Rows": [63], "side1Cols": [48]})");
     RunningCommand station({"station", file(R"({"name": "left", "model": 13, "form": "form.json",
-        "set": {"SleepTime": 1}, "device": ")" +
+        "set": {"SleepTime": 1, "Timeout": 600}, "device": ")" +
                                             device + R"("})")});
     ASSERT_TRUE(station.waitForError("left: Invalid port number"));
     // Two attempts later, or more, it is still told once.

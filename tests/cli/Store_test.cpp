@@ -24,12 +24,8 @@ class StoreCommand : public testing::Test {
 protected:
     [[nodiscard]] CommandOutcome scan(int sheets, const Words& more = {}) const
     {
-        Words words = {"scan",         "--model",
-                       "13",           "--simulate",
-                       "--count",      std::to_string(sheets),
-                       "--max-sheets", std::to_string(sheets),
-                       "--rate",       "unlimited",
-                       "--store",      store_};
+        const std::string count = std::to_string(sheets);
+        Words words = simulatedScan({"--count", count, "--max-sheets", count, "--store", store_}, "13");
         words.insert(words.end(), more.begin(), more.end());
         return runCommand(words);
     }
@@ -146,7 +142,7 @@ TEST_F(StoreCommand, FeedsNoSheetWhileTheDiskTakesNone)
     ASSERT_THAT(simulated.readLine(), HasSubstr("ready"));
     const TextFile form(R"({"side1Rows": [63], "side1Cols": [48]})");
     RunningCommand scanning({"scan", "--model", "13", "--device", device, "--form", form.path(), "--set", "SleepTime=1",
-                             "--max-sheets", std::to_string(kSheets), "--store", store_});
+                             "--set", "Timeout=600", "--max-sheets", std::to_string(kSheets), "--store", store_});
     ASSERT_THAT(scanning.readLine(), StartsWith(R"({"event":"sheet")"));
     constexpr rlim_t kRoom = 30'000; // for a few sheets
     limitFiles(scanning.process(), std::filesystem::file_size(store_ + "-wal") + kRoom);

@@ -126,9 +126,7 @@ INSTANTIATE_TEST_SUITE_P(Sessions, TraceAndReplay, testing::ValuesIn(sessions())
 /// A scan over a pseudo-terminal in real time, traced.
 CommandOutcome tracedScan(const TextFile& trace, const Words& more)
 {
-    Words words = {"scan",      "--model",   "24",    "--simulate",   "--rate", "unlimited",
-                   "--setting", "feed-ms=0", "--set", "SleepTime=40", "--set",  "RecognitionThreshold=198",
-                   "--trace",   trace.path()};
+    Words words = simulatedScan({"--trace", trace.path()});
     words.insert(words.end(), more.begin(), more.end());
     return runCommand(words);
 }
@@ -149,9 +147,9 @@ TEST(ReplayCommand, HoldsATracedSessionAgain)
     const TextFile sheets(R"([{"side1":[[1,0,0],[0,1,0]]},{"side1":[[0],[0]]}])");
     const CommandOutcome scan = tracedScan(trace, {"--sheets", sheets.path(), "--max-sheets", "2", "--reject-blank"});
     ASSERT_EQ(scan.status, 0) << scan.errors;
-    EXPECT_THAT(trace.text(), StartsWith("# model: 24\n# form: "));
-    EXPECT_THAT(trace.text(), HasSubstr("\n# set: SleepTime=40\n"));
-    EXPECT_THAT(trace.text(), HasSubstr("# line: 9600,N,8,1\n"));
+    EXPECT_THAT(trace.text(), StartsWith("# model: 22\n# form: "));
+    EXPECT_THAT(trace.text(), HasSubstr("\n# set: Timeout=600\n"));
+    EXPECT_THAT(trace.text(), HasSubstr("# line: 9600,E,7,1\n"));
     const CommandOutcome replay = runCommand({"replay", trace.path()});
     EXPECT_EQ(replay.output, scan.output);
     EXPECT_EQ(replay.errors, "");

@@ -12,8 +12,19 @@ os.environ["KELREADER_REGISTRY_DIR"] = _settings.name
 import kelreader
 import pytest
 
-# No pauses: neither of the reader nor of the dialogue with it.
-QUICK = {"options": ["feed-ms=0"]}
+_simulate = kelreader.simulate
+
+
+FOREVER = 300  # seconds: what has not happened after so long does not happen any more
+
+
+def quick(model="AccelScan", sheets=None, **more):
+    """A simulated reader that makes no pauses, and whose host is patient. Unless another one is asked for it is an ALS
+    AccelScan: its dialogue waits for each reply and each sheet, however late they come on a busy machine. It reads marks
+    as 2."""
+    simulation = _simulate(model, sheets=sheets, **{"options": ["feed-ms=0"], **more})
+    simulation.reader = functools.partial(simulation.reader, sleep_time=1, timeout=600)
+    return simulation
 
 
 @pytest.fixture(autouse=True)
@@ -24,16 +35,22 @@ def warnings_are_errors():
         yield
 
 
+@pytest.fixture(autouse=True)
+def ports_of_its_own():
+    """What one test maps is not there for the next: a pseudo-terminal may come to have the number of an earlier one."""
+    yield
+    for port in range(1, 17):
+        kelreader.unmap_port(port)
+
+
 @pytest.fixture
 def simulated():
-    """Makes a simulated VMR138 with these sheets in its feeder."""
+    """Makes quick simulated readers with these sheets in their feeders."""
     made = []
 
     def make(sheets, **more):
-        one = kelreader.simulate("VMR138", sheets=sheets, **{**QUICK, **more})
-        one.reader = functools.partial(one.reader, sleep_time=60)
-        made.append(one)
-        return one.__enter__()
+        made.append(quick(sheets=sheets, **more))
+        return made[-1].__enter__()
 
     yield make
     for one in made:

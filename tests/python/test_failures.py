@@ -1,10 +1,12 @@
 """Tests of what is raised and what is warned of."""
 
 import pickle
+import time
 import warnings
 
 import kelreader
 import pytest
+from conftest import FOREVER, quick
 
 
 def test_a_start_that_fails_is_raised_with_its_report_and_its_advice():
@@ -56,15 +58,26 @@ def test_an_error_can_be_sent_to_another_process():
     assert (again.reports, str(again), again.number) == (raised.value.reports, str(raised.value), 8002)
 
 
+def patiently(ask):
+    """The answer to what a reader has a tenth of a second to answer: on a busy machine it is asked again."""
+    latest = time.monotonic() + FOREVER
+    while time.monotonic() < latest:
+        try:
+            if (answer := ask()) is not None:
+                return answer
+        except kelreader.ReaderError:
+            pass
+    return None
+
+
 def test_locate_and_firmware_answer_or_raise():
-    with kelreader.simulate("EZData") as simulation:
+    with quick("EZData") as simulation:
         kelreader.map_port(3, simulation.device)
-        with kelreader.Reader("EZData", port=3, sleep_time=1, timeout=1) as reader, warnings.catch_warnings():
+        with kelreader.Reader("EZData", port=1) as reader, warnings.catch_warnings():
             warnings.simplefilter("ignore")
-            assert reader.locate() == 3
+            assert patiently(reader.locate) == 3
             assert reader.port == 3
-        with simulation.reader(sleep_time=1) as reader:
-            assert reader.firmware()
+            assert patiently(reader.firmware) == "EZData 4.10"
     with kelreader.Reader("VMR138", port=5) as reader:
         assert reader.locate() is None, "a model that cannot be searched for"
 

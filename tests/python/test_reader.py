@@ -7,6 +7,7 @@ import weakref
 import kelreader
 import numpy
 import pytest
+from conftest import quick
 
 SHEETS = [[[1, 0, 0], [0, 1, 0]], [[0, 0, 0], [0, 0, 0]], [[0, 0, 1], [0, 0, 0]]]
 
@@ -18,9 +19,9 @@ def test_each_sheet_is_an_array(simulated):
     side = sheets[0].side1
     assert isinstance(side, numpy.ndarray)
     assert side.dtype == numpy.int16
-    assert side.shape == (500, 14)
-    assert side[:2, :3].tolist() == [[241, 0, 0], [0, 241, 0]]
-    assert side.sum() == 2 * 241
+    assert side.shape == (128, 12)
+    assert side[:2, :3].tolist() == [[2, 0, 0], [0, 2, 0]]
+    assert side.sum() == 4
     assert not sheets[1].side1.any()
     assert numpy.argwhere(sheets[2].side1).tolist() == [[0, 2]]
     assert sheets[0].side2 is None
@@ -38,17 +39,17 @@ def test_an_array_is_the_sheets_own_memory_and_outlives_it(simulated):
         side[0, 0] = 1
     del sheet, reader
     gc.collect()
-    assert side[0, 0] == 241
+    assert side[0, 0] == 2
     changed = side.copy()
     changed[0, 0] = 7
-    assert side[0, 0] == 241
+    assert side[0, 0] == 2
 
 
 def test_both_sides_and_barcodes(simulated):
     sheet = {"side1": [[1, 2], [3, 4]], "side2": [[5, 6], [7, 0]], "barcodes": ["4711"]}
     form = {"side1Rows": [2], "side1Cols": [2], "side2Rows": [2], "side2Cols": [2]}
-    with kelreader.simulate("OpScan 5", sheets=[sheet], form=form) as simulation:
-        with simulation.reader(duplex=True, duplex_form=True, barcode=True, sleep_time=1) as reader:
+    with quick("OpScan 5", [sheet], form=form) as simulation:
+        with simulation.reader(duplex=True, duplex_form=True, barcode=True) as reader:
             (read,) = list(reader)
     assert read.side1[:2, :2].tolist() == [[1, 2], [3, 4]]
     assert read.side2[:2, :2].tolist() == [[5, 6], [7, 0]]
@@ -75,8 +76,8 @@ def test_a_sheet_is_rejected_while_it_is_in_the_reader(simulated):
 
 def test_a_sheet_is_printed_on_with_its_own_text():
     sheets = [{"side1": [[1, 0]]}, {"side1": [[0, 1]]}, {"side1": [[1, 1]]}]
-    with kelreader.simulate("Scanmark 2500", sheets=sheets) as simulation:
-        with simulation.reader(printing=True, sleep_time=1) as reader:
+    with quick("Scanmark 2500", sheets) as simulation:
+        with simulation.reader(printing=True) as reader:
             read = []
             for sheet in reader:
                 if sheet.number == 1:
@@ -90,8 +91,8 @@ def test_a_sheet_is_printed_on_with_its_own_text():
 
 
 def test_a_text_that_cannot_be_printed_is_refused(simulated):
-    with kelreader.simulate("Scanmark 2500", sheets=[[[1]]]) as simulation:
-        with simulation.reader(printing=True, sleep_time=1) as reader:
+    with quick("Scanmark 2500", [[[1]]]) as simulation:
+        with simulation.reader(printing=True) as reader:
             for sheet in reader:
                 with pytest.raises(kelreader.UsageError, match="a line to print has to be a text of the characters"):
                     sheet.print("\u20ac")
@@ -103,33 +104,36 @@ def test_a_text_that_cannot_be_printed_is_refused(simulated):
                 sheet.print("a")
 
 
-def test_leaving_the_loop_ends_the_batch_and_the_next_goes_on(simulated):
-    simulation = simulated(SHEETS)
-    with simulation.reader() as reader:
-        for sheet in reader:
-            break
-        assert not sheet.in_reader
-        assert sheet.side1.sum() == 2 * 241
-        rest = list(itertools.islice(reader, 2))
-        assert [sheet.number for sheet in rest] == [1, 2]
-        assert [sheet.side1.sum() for sheet in rest] == [0, 241]
-    simulation.__exit__()
+# Of one row each: in page mode a Scanmark sends 48 columns a row.
+ROWS = [[[1, 1, 0]], [[0, 0, 0]], [[0, 0, 1]]]
+
+
+# A Scanmark is told when a session begins. Others see it in the line, which a busy machine may have closed and opened again
+# before they look.
+def test_leaving_the_loop_ends_the_batch_and_the_next_goes_on():
+    with quick("Scanmark 2500", ROWS) as simulation:
+        with simulation.reader() as reader:
+            for sheet in reader:
+                break
+            assert not sheet.in_reader
+            assert sheet.side1.sum() == 2
+            rest = list(itertools.islice(reader, 2))
+            assert [sheet.number for sheet in rest] == [1, 2]
+            assert [sheet.side1.sum() for sheet in rest] == [0, 1]
     assert simulation.errors == []
 
 
-def test_an_exception_in_the_loop_ends_the_batch_in_order(simulated):
-    simulation = simulated(SHEETS)
-
+def test_an_exception_in_the_loop_ends_the_batch_in_order():
     def judge(sheet):
         raise LookupError(sheet.number)
 
-    with simulation.reader() as reader:
-        with pytest.raises(LookupError) as raised:
-            reader.read(judge)
-        assert raised.value.args == (1,)
-        assert raised.traceback[-1].name == "judge"
-        assert [sheet.side1.sum() for sheet in itertools.islice(reader, 1)] == [0]
-    simulation.__exit__()
+    with quick("Scanmark 2500", ROWS) as simulation:
+        with simulation.reader() as reader:
+            with pytest.raises(LookupError) as raised:
+                reader.read(judge)
+            assert raised.value.args == (1,)
+            assert raised.traceback[-1].name == "judge"
+            assert [sheet.side1.sum() for sheet in itertools.islice(reader, 1)] == [0]
     assert simulation.errors == []
 
 
@@ -178,8 +182,8 @@ def test_settings_have_the_catalogues_words(simulated):
         assert reader.stop_bits == 1.5
         reader.duplex = True
         assert reader.duplex is True
-        assert reader.reader_type == 24
-        assert reader.reader_name == "Peripheral Dynamics Inc. VMR138"
+        assert reader.reader_type == 22
+        assert reader.reader_name == "Chatsworth Data ALS AccelScan OMR"
         with pytest.raises(AttributeError):
             reader.reader_type = 3
 
@@ -228,17 +232,17 @@ def test_the_published_object_is_there_for_the_rest(simulated):
         assert raw.HelpFile == "help.chm"
         assert raw.Printer.BufferCount == 0
         list(reader)
-        assert raw.Side1Array.shape == (500, 14)
+        assert raw.Side1Array.shape == (128, 12)
         assert raw.CancelScan is True
         assert not hasattr(raw, "RecognitionThreshold"), "that is recognition_threshold"
 
 
-def test_settings_are_kept_and_loaded(simulated):
-    key = r"HKCU\Software\Acme"
+def test_settings_are_kept_and_loaded(simulated, tmp_path):
+    key = rf"HKCU\Software\{tmp_path.name}"
     with simulated(SHEETS).reader(recognition_threshold=9, port=3) as reader:
         reader.save(key)
     with kelreader.Reader(settings=key) as reader:
-        assert (reader.reader_type, reader.recognition_threshold, reader.port) == (24, 9, 3)
+        assert (reader.reader_type, reader.recognition_threshold, reader.port) == (22, 9, 3)
         reader.recognition_threshold = 1
         reader.load(key)
         assert reader.recognition_threshold == 9
@@ -253,14 +257,14 @@ def test_answer_keys_may_be_written_in_python():
 
 
 def test_records_are_dictionaries():
-    with kelreader.simulate("Advantage 1200", count=2) as simulation:
+    with quick("BenchMark 3000", count=2) as simulation:
         seen = []
 
         def needs_more(record):
             seen.append(record)
             return False
 
-        with simulation.reader(needs_more=needs_more, sleep_time=1) as reader:
+        with simulation.reader(needs_more=needs_more) as reader:
             sheets = list(reader)
     assert len(sheets) == 2
     assert [sheet.record for sheet in sheets] == seen
@@ -269,12 +273,12 @@ def test_records_are_dictionaries():
 
 
 def test_a_callback_that_raises_ends_the_batch_and_arrives_with_its_traceback():
-    with kelreader.simulate("Advantage 1200", count=3) as simulation:
+    with quick("BenchMark 3000", count=3) as simulation:
 
         def needs_more(record):
             raise LookupError("no such student")
 
-        with simulation.reader(needs_more=needs_more, sleep_time=1) as reader:
+        with simulation.reader(needs_more=needs_more) as reader:
             with pytest.raises(LookupError, match="no such student") as raised:
                 list(reader)
         assert raised.traceback[-1].name == "needs_more"

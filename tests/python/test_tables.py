@@ -23,8 +23,8 @@ FORM = {
 SHEETS = [[[1, 0, 0], [0, 1, 1]], [[0, 0, 0], [0, 0, 1]]]
 COLUMNS = ["sheet", "barcodes", "rejected", "printed", "Q1", "Q2", "back", "last"]
 ROWS = [
-    [1, "", False, False, "A", kelreader.DOUBLE_MARK, None, 241],
-    [2, "", False, False, kelreader.BLANK, "C", None, 241],
+    [1, "", False, False, "A", kelreader.DOUBLE_MARK, None, 2],
+    [2, "", False, False, kelreader.BLANK, "C", None, 2],
 ]
 
 
@@ -60,8 +60,8 @@ def test_the_command_gives_the_same(simulated, tmp_path):
     form, sheets = tmp_path / "form.json", tmp_path / "sheets.json"
     form.write_text(json.dumps(FORM))
     sheets.write_text(json.dumps([{"side1": side} for side in SHEETS]))
-    scan = [os.environ["KELREADER"], "scan", "--model", "VMR138", "--simulate", "--rate", "unlimited", "--setting"]
-    scan += ["feed-ms=0", "--sheets", sheets, "--form", form, "--max-sheets", "2", "--fields", "--format"]
+    scan = [os.environ["KELREADER"], "scan", "--model", "AccelScan", "--simulate", "--rate", "unlimited", "--setting"]
+    scan += ["feed-ms=0", "--set", "Timeout=600", "--sheets", sheets, "--form", form, "--max-sheets", "2", "--fields", "--format"]
     clean = {name: value for name, value in os.environ.items() if name != "LD_PRELOAD"}
 
     def lines(format):

@@ -1,3 +1,7 @@
+#include "cli/CommandList.h"
+#include "host/SimulatorParts.h"
+#include "simulators/platform/SimulatedPlatform.h"
+#include "simulators/pseudo_terminal/Pty.h"
 #include "tests/cli/CommandRun.h"
 
 #include <csignal>
@@ -19,14 +23,39 @@ std::string verdictOf(const CommandOutcome& outcome)
     return lines.empty() ? "" : lines.back();
 }
 
-class CheckOverAPseudoTerminal : public testing::TestWithParam<const char*> {};
+/// The command with a simulated reader at port 1, under a virtual clock: a check is about time, and a busy machine has
+/// another one than its readers.
+class CheckInTime {
+public:
+    CheckInTime(const std::string& model, host::Simulation simulation) : model_(model)
+    {
+        simulation.count = 2;
+        simulation.copies = true;
+        const auto type = static_cast<kelReaderType>(std::stoi(model));
+        device_ = host::makeSimulator(simulation, type, host::formOfSheets(simulation, type));
+        machine_.attach(1, *device_);
+    }
 
-/// What the times say of the line depends on the machine here, and is never more than a warning.
-TEST_P(CheckOverAPseudoTerminal, AHealthyReaderCanBeUsedAndItsReportHoldsTheCheckAgain)
+    [[nodiscard]] CommandOutcome check(const std::vector<std::string>& more) const
+    {
+        std::vector<std::string> words = {"check", "--model", model_, "--port", "1", "--sheets", "2", "--yes"};
+        words.insert(words.end(), more.begin(), more.end());
+        return runWithin(addCheckCommand, words);
+    }
+
+private:
+    std::string model_;
+    SimulatedPlatform machine_;
+    PlatformScope scope_{machine_};
+    std::unique_ptr<Simulator> device_;
+};
+
+class HealthyReader : public testing::TestWithParam<const char*> {};
+
+TEST_P(HealthyReader, CanBeUsedAndItsReportHoldsTheCheckAgain)
 {
     const TextFile report("");
-    const CommandOutcome outcome = runCommand(
-        {"check", "--model", GetParam(), "--simulate", "--sheets", "2", "--report", report.path(), "--format", "json"});
+    const CommandOutcome outcome = CheckInTime(GetParam(), {}).check({"--report", report.path(), "--format", "json"});
     EXPECT_EQ(outcome.status, 0) << outcome.output << outcome.errors;
     EXPECT_THAT(verdictOf(outcome), HasSubstr(R"("usable":true)"));
     EXPECT_THAT(report.text(), StartsWith("# report: kelreader check "));
@@ -42,21 +71,20 @@ TEST_P(CheckOverAPseudoTerminal, AHealthyReaderCanBeUsedAndItsReportHoldsTheChec
     EXPECT_THAT(verdictOf(session), HasSubstr(R"("sheets":2)"));
 }
 
-INSTANTIATE_TEST_SUITE_P(Models, CheckOverAPseudoTerminal, testing::Values("1", "5", "7", "13", "23", "24", "35"),
+INSTANTIATE_TEST_SUITE_P(Models, HealthyReader, testing::Values("1", "5", "7", "13", "23", "24", "35"),
                          [](const auto& model) { return "Model" + std::string(model.param); });
 
-class CheckFaultsOverAPseudoTerminal : public testing::TestWithParam<std::tuple<const char*, const char*>> {};
+class FaultOfTheSite : public testing::TestWithParam<std::tuple<const char*, const char*>> {};
 
-TEST_P(CheckFaultsOverAPseudoTerminal, AreNamed)
+TEST_P(FaultOfTheSite, IsNamed)
 {
     const auto& [fault, cause] = GetParam();
-    const CommandOutcome outcome =
-        runCommand({"check", "--model", "13", "--simulate", "--sheets", "2", "--fault", fault, "--format", "json"});
+    const CommandOutcome outcome = CheckInTime("13", {.faults = {fault}}).check({"--format", "json"});
     EXPECT_EQ(outcome.status, 1) << outcome.output;
     EXPECT_THAT(verdictOf(outcome), HasSubstr("\"cause\":\"" + std::string(cause) + "\""));
 }
 
-INSTANTIATE_TEST_SUITE_P(Faults, CheckFaultsOverAPseudoTerminal,
+INSTANTIATE_TEST_SUITE_P(Faults, FaultOfTheSite,
                          testing::Values(std::tuple{"echo", "echo"}, std::tuple{"switched-off:0", "no-answer"},
                                          std::tuple{"jam", "jam"}, std::tuple{"empty-feeder", "empty-feeder"}),
                          [](const auto& fault) {
@@ -65,10 +93,39 @@ INSTANTIATE_TEST_SUITE_P(Faults, CheckFaultsOverAPseudoTerminal,
                              return name;
                          });
 
-TEST(CheckCommandOverAPseudoTerminal, StopsInOrderAndWritesTheReportAsFarAsItWent)
+TEST(CheckCommand, WaitsLongerForAReaderWithALongTimeOut)
+{
+    const host::Simulation slow{.settings = {"reply-ms=3000"}};
+    EXPECT_EQ(CheckInTime("13", slow).check({}).status, 1);
+    const CommandOutcome patient = CheckInTime("13", slow).check({"--set", "Timeout=60"});
+    EXPECT_EQ(patient.status, 0) << patient.output;
+    EXPECT_THAT(patient.output, HasSubstr("The reader can be used."));
+}
+
+TEST(CheckCommand, LeavesTheSheetsOutOfAMaskedReport)
 {
     const TextFile report("");
-    RunningCommand check({"check", "--model", "24", "--simulate", "--sheets", "3", "--report", report.path()});
+    const CommandOutcome outcome = CheckInTime("24", {}).check({"--report", report.path(), "--mask"});
+    EXPECT_EQ(outcome.status, 0) << outcome.output;
+    EXPECT_THAT(report.text(), HasSubstr("# masked: true\n"));
+    const CommandOutcome session = runCommand({"replay", report.path(), "--format", "csv"});
+    EXPECT_THAT(session.output, HasSubstr("\n2,"));
+    EXPECT_THAT(session.output, Not(HasSubstr("=241")));
+}
+
+TEST(CheckCommandOverAPseudoTerminal, ChecksASimulatedReader)
+{
+    const CommandOutcome outcome = runCommand({"check", "--model", "13", "--simulate", "--fault", "switched-off:0"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.output, HasSubstr("The reader cannot be used. Nothing answers"));
+}
+
+TEST(CheckCommandOverAPseudoTerminal, StopsInOrderAndWritesTheReportAsFarAsItWent)
+{
+    Pty line; // says nothing
+    const TextFile report("");
+    RunningCommand check(
+        {"check", "--model", "13", "--device", line.name(), "--set", "Timeout=600", "--report", report.path()});
     EXPECT_EQ(check.readLine(), "line");
     check.signal(SIGINT);
     const CommandOutcome outcome = check.finish();
@@ -80,22 +137,11 @@ TEST(CheckCommandOverAPseudoTerminal, StopsInOrderAndWritesTheReportAsFarAsItWen
 TEST(CheckCommandOverAPseudoTerminal, SaysThatTheReaderHasHungUp)
 {
     for (const char* fault : {"unplug@byte=5", "unplug@byte=20", "unplug@byte=300"}) {
-        const CommandOutcome outcome =
-            runCommand({"check", "--model", "13", "--simulate", "--sheets", "2", "--fault", fault, "--format", "json"});
+        const CommandOutcome outcome = runCommand({"check", "--model", "13", "--simulate", "--sheets", "2", "--fault",
+                                                   fault, "--set", "Timeout=600", "--format", "json"});
         EXPECT_EQ(outcome.status, 1) << fault;
         EXPECT_THAT(verdictOf(outcome), HasSubstr(R"("cause":"line-hung-up")")) << fault;
     }
-}
-
-TEST(CheckCommandOverAPseudoTerminal, LeavesTheSheetsOutOfAMaskedReport)
-{
-    const TextFile report("");
-    const CommandOutcome outcome =
-        runCommand({"check", "--model", "24", "--simulate", "--sheets", "1", "--report", report.path(), "--mask"});
-    EXPECT_EQ(outcome.status, 0) << outcome.output;
-    EXPECT_THAT(report.text(), HasSubstr("# masked: true\n"));
-    const CommandOutcome session = runCommand({"replay", report.path(), "--format", "csv"});
-    EXPECT_THAT(session.output, Not(HasSubstr("=241")));
 }
 
 TEST(CheckCommand, RefusesWhatMakesNoSense)
