@@ -5,7 +5,7 @@
 set -euo pipefail
 cd "$(dirname "$0")"
 sheets=12
-model=24
+model=13
 while [ $# -gt 0 ]; do
     case "$1" in
         --model) model=${2:?--model needs a number or a name}; shift 2 ;;

@@ -93,14 +93,14 @@ def commands(folder, flood, scarce):
         [*scan, "--model", "13", "--device", flood.device],
     ]
     if scarce == PROCESSOR_TIME:
-        sample.append([*simulated, "--model", "24", "--count", "1000000"])
+        sample.append([*simulated, "--model", "22", "--count", "1000000"])
     others = [
         ["models"],
         ["ports"],
         ["settings", "set", "HKCU\\Scarce", "x", "1"],
         ["settings", "list", "HKCU\\Scarce"],
         ["settings", "export", "HKCU\\Scarce", folder / "out.reg"],
-        [*simulated, "--model", "24", "--out", folder / "out.json"],
+        [*simulated, "--model", "22", "--out", folder / "out.json"],
         [*simulated, "--model", "5", "--trace", folder / "trace.txt"],
         [*simulated, "--model", "5", "--pictures", folder / "pictures", "--format", "html"],
         ["replay", transcript],

@@ -68,19 +68,21 @@ for compiler in g++ clang++; do
     done
 done
 
-"$kelreader" simulate --model 24 --seed 5 --count 3 --rate unlimited >"$work/simulate.log" &
+# An ALS AccelScan: its driver waits for what comes, however late that is on a busy machine.
+"$kelreader" simulate --model 22 --seed 5 --count 3 --rate unlimited >"$work/simulate.log" &
 simulator=$!
-for _ in $(seq 100); do
+for _ in $(seq 6000); do
     grep -q '"ready"' "$work/simulate.log" && break
+    kill -0 "$simulator" 2>/dev/null || break
     sleep 0.1
 done
 device=$(sed -n 's/.*"device":"\([^"]*\)".*/\1/p' "$work/simulate.log" | head -n 1)
 [ -n "$device" ] || fail "the simulated reader did not start"
 "$kelreader" ports set 1 "$device" >/dev/null
-"$work/host-g++/read_batch" 24 3 >"$work/sheets.txt" || fail "the host program ended with an error"
+"$work/host-g++/read_batch" 22 3 >"$work/sheets.txt" || fail "the host program ended with an error"
 [ "$(grep -c '^Sheet ' "$work/sheets.txt")" = 3 ] || fail "the host program read: $(cat "$work/sheets.txt")"
 
-"$work/host-g++/read_sheets" 24 simulated 2 >"$work/range.txt" || fail "the range of sheets ended with an error"
+"$work/host-g++/read_sheets" 22 simulated 2 >"$work/range.txt" || fail "the range of sheets ended with an error"
 [ "$(grep -c '^Sheet ' "$work/range.txt")" = 2 ] || fail "the range of sheets gave: $(cat "$work/range.txt")"
 
 # The Python package, if it was built. What is under the sanitizers needs them loaded first.
@@ -89,8 +91,9 @@ read_with_python() {
     [ -z "$flags" ] || preload="$(g++ -print-file-name=libasan.so) $(g++ -print-file-name=libstdc++.so.6)"
     LD_PRELOAD=$preload ASAN_OPTIONS=detect_leaks=0 PYTHONPATH=$1 /usr/bin/python3 -B -c '
 import kelreader
-with kelreader.simulate("VMR138", count=2, options=["feed-ms=0"]) as simulated, simulated.reader() as reader:
-    assert [sheet.side1.shape for sheet in reader] == [(500, 14)] * 2
+with kelreader.simulate("AccelScan", count=2, options=["feed-ms=0"]) as simulated:
+    with simulated.reader(timeout=600) as reader:
+        assert [sheet.side1.shape for sheet in reader] == [(128, 12)] * 2
 assert kelreader.__file__.startswith("'"$1"'"), kelreader.__file__'
 }
 packages=lib/python3/dist-packages
