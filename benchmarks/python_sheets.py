@@ -78,7 +78,8 @@ def sessions(count):
                     assert len(list(session)) == 1
                 if number % 100 == 0:
                     live()
-            return {"name": "Python_Sessions", "kB": kilobytes() - before}
+            after = kilobytes()
+            return {"name": "Python_Sessions", "kB": after - before, "kB_before": before, "kB_after": after}
 
 
 def main():
@@ -87,8 +88,10 @@ def main():
     parser.add_argument("--sessions", type=int)
     arguments = parser.parse_args()
     if arguments.sessions:
-        left = sessions(arguments.sessions)["kB"]
-        print(f"{arguments.sessions} sessions leave {left} kB")
+        memory = sessions(arguments.sessions)
+        left = memory["kB"]
+        print(f"{arguments.sessions} sessions leave {left} kB: {memory['kB_before']} kB in use after the first tenth, "
+              f"{memory['kB_after']} kB at the end")
         sys.exit(0 if left < MOST_KILOBYTES else "python_sheets.py: sessions leave memory behind")
     figures = [event_to_array(), sixty_four_readers(), sessions(1000)]
     for figure in figures:

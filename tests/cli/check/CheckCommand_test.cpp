@@ -3,6 +3,7 @@
 #include "simulators/platform/SimulatedPlatform.h"
 #include "simulators/pseudo_terminal/Pty.h"
 #include "tests/cli/CommandRun.h"
+#include "tests/support/Patience.h"
 
 #include <csignal>
 #include <filesystem>
@@ -126,7 +127,7 @@ TEST(CheckCommandOverAPseudoTerminal, StopsInOrderAndWritesTheReportAsFarAsItWen
     const TextFile report("");
     RunningCommand check(
         {"check", "--model", "13", "--device", line.name(), "--set", "Timeout=600", "--report", report.path()});
-    EXPECT_EQ(check.readLine(), "line");
+    ASSERT_TRUE(waitUntil([&] { return !line.read().empty(); }));
     check.signal(SIGINT);
     const CommandOutcome outcome = check.finish();
     EXPECT_EQ(outcome.status, 130);
