@@ -97,8 +97,10 @@ def test_many_readers_in_as_many_threads():
     assert read_by == [(number, [number % 12 + 1] * 3, []) for number in range(count)]
 
 
+# Whoever runs the tests may ignore an interrupt; the program is not to.
 INTERRUPTED = """
-import kelreader, sys
+import kelreader, signal
+signal.signal(signal.SIGINT, signal.default_int_handler)
 with kelreader.simulate("AccelScan", sheets=[[[1]]], options=["feed-ms=0"]) as simulation:
     try:
         with simulation.reader(max_sheets=-1, timeout=600) as reader:
