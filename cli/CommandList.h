@@ -10,6 +10,7 @@
     command(addScanCommand)      \
     command(addStationCommand)   \
     command(addSheetsCommand)    \
+    command(addCollectCommand)   \
     command(addFormCommand)      \
     command(addSimulateCommand)  \
     command(addSettingsCommand)  \

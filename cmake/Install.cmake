@@ -29,6 +29,9 @@ install(TARGETS KELReader81U KELReader81U_host EXPORT KELReader81UTargets
 if(TARGET KELReader81U_remote)
     install(TARGETS KELReader81U_remote LIBRARY DESTINATION ${folder} COMPONENT command)
 endif()
+if(TARGET KELReader81U_stream)
+    install(TARGETS KELReader81U_stream LIBRARY DESTINATION ${folder} COMPONENT command)
+endif()
 install(TARGETS OMRAPI_simulated LIBRARY DESTINATION ${folder} COMPONENT command)
 install(FILES ${CMAKE_BINARY_DIR}/bin/LKELReader81.txt DESTINATION ${folder} COMPONENT command)
 install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} RENAME copyright COMPONENT command)
@@ -36,7 +39,7 @@ install(DIRECTORY docs/readers DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT com
         FILES_MATCHING PATTERN "*.md" PATTERN "advice" EXCLUDE)
 install(FILES docs/kelreader.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT command)
 install(FILES docs/station.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT command)
-install(FILES station/station.schema.json DESTINATION ${CMAKE_INSTALL_DATADIR}/kelreader COMPONENT command)
+install(FILES station/station.schema.json stream/message.schema.json DESTINATION ${CMAKE_INSTALL_DATADIR}/kelreader COMPONENT command)
 # Stations as services.
 install(FILES service/kelreader-station@.service DESTINATION lib/systemd/system COMPONENT command)
 install(FILES service/kelreader.sysusers DESTINATION lib/sysusers.d RENAME kelreader.conf COMPONENT command)

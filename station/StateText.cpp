@@ -54,6 +54,22 @@ std::string padded(std::string text, std::size_t width)
     return text;
 }
 
+/// Null for a station that has no stream.
+Json jsonStream(const std::optional<StreamState>& stream)
+{
+    if (!stream)
+        return nullptr;
+    return {{"up", stream->isUp}, {"unsent", stream->unsent}, {"problem", validUtf8(stream->problem)}};
+}
+
+std::string streamLine(const Json& stream)
+{
+    const auto problem = stream.at("problem").get<std::string>();
+    return std::string("Stream: ") + (stream.at("up").get<bool>() ? "up" : "down") + ", " +
+           std::to_string(stream.at("unsent").get<std::int64_t>()) + " not sent yet" +
+           (problem.empty() ? "" : "\n    " + problem) + "\n";
+}
+
 } // namespace
 
 Json jsonState(const StationState& state)
@@ -73,11 +89,9 @@ Json jsonState(const StationState& state)
         row["advice"] = validUtf8(reader.advice);
         readers.push_back(std::move(row));
     }
-    return {{"station", state.station},
-            {"since", storeTime(state.since)},
-            {"store", validUtf8(state.store)},
-            {"storeProblem", validUtf8(state.storeProblem)},
-            {"readers", std::move(readers)}};
+    return {{"station", state.station},           {"since", storeTime(state.since)},
+            {"store", validUtf8(state.store)},    {"storeProblem", validUtf8(state.storeProblem)},
+            {"stream", jsonStream(state.stream)}, {"readers", std::move(readers)}};
 }
 
 std::string stateTable(const Json& state)
@@ -87,6 +101,8 @@ std::string stateTable(const Json& state)
                        state.at("since").get<std::string>() + ", store " + state.at("store").get<std::string>() + "\n";
     if (const auto problem = state.at("storeProblem").get<std::string>(); !problem.empty())
         text += problem + "\n";
+    if (const Json& stream = state.at("stream"); !stream.is_null())
+        text += streamLine(stream);
     const auto row = [&](const std::array<std::string, 6>& fields) {
         std::string line;
         for (std::size_t i = 0; i < fields.size(); ++i)
@@ -133,6 +149,13 @@ std::string stateMetrics(const Json& state)
     }
     Metric(text, "kelreader_store_problem", "gauge", "1 while the store takes no sheets.")
         .value(station, state.at("storeProblem").get<std::string>().empty() ? 0 : 1);
+    if (const Json& stream = state.at("stream"); !stream.is_null()) {
+        Metric(text, "kelreader_stream_up", "gauge", "1 while the stream takes sheets.")
+            .value(station, stream.at("up").get<bool>() ? 1 : 0);
+        Metric(text, "kelreader_stream_unsent", "gauge",
+               "Sheets and reports of the store that the stream does not have.")
+            .value(station, stream.at("unsent").get<std::int64_t>());
+    }
     return text;
 }
 

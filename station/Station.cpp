@@ -14,8 +14,19 @@ Station::Station(StationPlan plan, Tell tell, Advice advice)
                                                                   },
                                                               .adviceOn = std::move(advice)}
 {
+    startSending();
     for (ReaderPlan& reader : std::exchange(plan_.readers, {}))
         start(std::move(reader));
+}
+
+/// Sheets that the stream is to have are not forgotten before it has them.
+void Station::startSending()
+{
+    SentMark(plan_.store).want(plan_.stream.has_value());
+    if (!plan_.stream)
+        return;
+    plan_.stream->client = "kelreader station " + plan_.station;
+    sender_.emplace(plan_.store, *plan_.stream, Pauses(plan_.firstPause, plan_.longestPause), tell_);
 }
 
 Station::~Station()
@@ -65,14 +76,20 @@ void Station::change(StationPlan plan)
 StationState Station::state() const
 {
     const std::lock_guard lock(mutex_);
-    StationState state{
-        .station = plan_.station, .since = since_, .store = store_.file().string(), .storeProblem = {}, .readers = {}};
+    StationState state{.station = plan_.station,
+                       .since = since_,
+                       .store = store_.file().string(),
+                       .storeProblem = {},
+                       .stream = {},
+                       .readers = {}};
     for (const auto& reader : readers_)
         state.readers.push_back(reader->state());
     const bool isStoring = std::any_of(state.readers.begin(), state.readers.end(),
                                        [](const ReaderState& reader) { return reader.activity == Activity::Storing; });
     if (isStoring)
         state.storeProblem = toldOfStore_;
+    if (sender_)
+        state.stream = sender_->state();
     return state;
 }
 

@@ -4,6 +4,7 @@
 #include "station/StationFile.h"
 #include "station/StationReader.h"
 #include "store/SheetStore.h"
+#include "stream/StreamSender.h"
 
 #include <functional>
 #include <memory>
@@ -19,6 +20,7 @@ struct StationState {
     ReaderState::Time since{};
     std::string store{};
     std::string storeProblem{}; ///< empty while the store takes sheets
+    std::optional<StreamState> stream{};
     std::vector<ReaderState> readers{};
 };
 
@@ -44,6 +46,7 @@ public:
 
 private:
     void start(ReaderPlan plan);
+    void startSending();
     void tellOfStore(const std::string& sentence);
     static void end(std::vector<std::unique_ptr<StationReader>> readers);
 
@@ -55,6 +58,7 @@ private:
     mutable std::mutex mutex_;
     std::string toldOfStore_;
     std::vector<std::unique_ptr<StationReader>> readers_;
+    std::optional<StreamSender> sender_;
 };
 
 } // namespace kel

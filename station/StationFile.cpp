@@ -7,6 +7,7 @@
 #include "host/Reader.h"
 #include "station/JsonFaults.h"
 #include "store/ReaderSetup.h"
+#include "stream/StreamFiles.h"
 #include "types/Text.h"
 
 #include <algorithm>
@@ -69,7 +70,7 @@ std::string assignedText(const Json& value, const JsonPlace& place)
 /// Reads one file and all that it names.
 class Reading {
 public:
-    explicit Reading(const std::filesystem::path& file) : folder_(file.parent_path()) {}
+    explicit Reading(std::filesystem::path file) : file_(std::move(file)), folder_(file_.parent_path()) {}
 
     void read(const Json& root)
     {
@@ -101,6 +102,7 @@ public:
                 {"socket", [this](const Json& v, const JsonPlace& p) { plan_.socket = path(v, p); }},
                 {"batch", [this](const Json& v, const JsonPlace& p) { batch_ = readFilled(v, p); }},
                 {"retry", [this](const Json& v, const JsonPlace& p) { readRetry(v, p); }},
+                {"stream", [this](const Json& v, const JsonPlace& p) { readStream(v, p); }},
                 {"readers", [this](const Json& v, const JsonPlace& p) { readReaders(v, p); }}};
     }
 
@@ -163,6 +165,44 @@ private:
             value, place,
             {{"first", [this](const Json& v, const JsonPlace& p) { plan_.firstPause = readSeconds(v, p); }},
              {"longest", [this](const Json& v, const JsonPlace& p) { plan_.longestPause = readSeconds(v, p); }}});
+    }
+
+    void readStream(const Json& value, const JsonPlace& place)
+    {
+        StreamAddress& stream = plan_.stream.emplace();
+        constexpr Int16 kMostReplicas = 5;
+        const auto text = [](std::string& target) {
+            return [&target](const Json& v, const JsonPlace& p) { target = readFilled(v, p); };
+        };
+        const auto file = [this](std::filesystem::path& target) {
+            return [this, &target](const Json& v, const JsonPlace& p) { target = path(v, p); };
+        };
+        const std::size_t before = faults_.all().size();
+        faults_.readObject(
+            value, place,
+            {{"servers",
+              [&](const Json& v, const JsonPlace& p) {
+                  readJsonArray(v, p, [&](const Json& server, const JsonPlace& here) {
+                      stream.servers.push_back(readFilled(server, here));
+                  });
+              }},
+             {"name", text(stream.stream)},
+             {"subject", text(stream.subject)},
+             {"replicas",
+              [&](const Json& v, const JsonPlace& p) { stream.replicas = readJsonNumber(v, p, 1, kMostReplicas); }},
+             {"authority", file(stream.authority)},
+             {"certificate", file(stream.certificate)},
+             {"key", file(stream.key)},
+             {"credentials", file(stream.credentials)}});
+        if (stream.certificate.empty() != stream.key.empty())
+            faults_.add(place, "has one of \"certificate\" and \"key\"; it needs both");
+        if (faults_.all().size() != before)
+            return;
+        std::string fault = faultOf(stream);
+        if (fault.empty() && hasSecrets(stream))
+            fault = exposureOf(file_);
+        if (!fault.empty())
+            faults_.add(place, "cannot be used: " + fault.substr(0, fault.size() - 1));
     }
 
     void readSimulation(const Json& value, const JsonPlace& place, host::Simulation& simulation) const
@@ -256,6 +296,7 @@ private:
         return jsonText(root);
     }
 
+    std::filesystem::path file_;
     std::filesystem::path folder_;
     StationPlan plan_;
     JsonFaults faults_;

@@ -1,7 +1,8 @@
 #pragma once
 
 #include "host/Request.h"
-#include "station/Pauses.h"
+#include "store/Pauses.h"
+#include "stream/StreamLink.h"
 
 #include <filesystem>
 #include <optional>
@@ -25,6 +26,7 @@ struct StationPlan {
     std::filesystem::path socket{};
     Pauses::Time firstPause{1000};
     Pauses::Time longestPause{30'000};
+    std::optional<StreamAddress> stream{}; ///< where the sheets go from the store
     std::vector<ReaderPlan> readers{};
     std::string content{}; ///< what the file says of all but the readers
 };

@@ -51,4 +51,11 @@ struct Entry {
     [[nodiscard]] const ReportEntry* report() const { return std::get_if<ReportEntry>(&what); }
 };
 
+/// A message from a stream that holds no entry.
+struct UnreadMessage {
+    std::string subject{};
+    std::string reason{}; ///< why not, a sentence
+    std::string content{};
+};
+
 } // namespace kel

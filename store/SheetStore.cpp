@@ -5,6 +5,7 @@
 #include "store/SheetJson.h"
 #include "store/StoreProblem.h"
 #include "store/StoreSchema.h"
+#include "types/Text.h"
 
 #include <array>
 #include <fcntl.h>
@@ -63,7 +64,9 @@ public:
           addSheet_(database_, "INSERT INTO sheet VALUES (?, ?, ?, ?, ?, ?, nullif(?, ''), nullif(?, ''), ?, ?, ?, "
                                "nullif(?, ''), ?, ?, ?) ON CONFLICT (identity) DO NOTHING"),
           addFailure_(database_, "INSERT INTO failure VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?) "
-                                 "ON CONFLICT (identity) DO NOTHING")
+                                 "ON CONFLICT (identity) DO NOTHING"),
+          addUnread_(database_, "INSERT INTO unread (time, subject, reason, content) VALUES (?, ?, ?, ?) "
+                                "ON CONFLICT DO NOTHING")
     {
     }
 
@@ -77,6 +80,8 @@ public:
             isOwn_ = waiting->own;
             for (Entry& entry : waiting->entries)
                 write(entry);
+            for (const UnreadMessage& message : waiting->unread)
+                write(message);
         }
         transaction.commit();
     }
@@ -93,10 +98,17 @@ private:
     {
         identify(entry);
         const std::int64_t batch = batchOf(entry);
-        if (auto* sheet = std::get_if<ReadSheetEntry>(&entry.what))
+        auto* const sheet = std::get_if<ReadSheetEntry>(&entry.what);
+        if (!sheet)
+            return write(entry, std::get<ReportEntry>(entry.what), batch);
+        try {
             write(entry, *sheet, batch);
-        else
-            write(entry, std::get<ReportEntry>(entry.what), batch);
+        } catch (const SqliteFailure& failure) {
+            if (!failure.isConflict())
+                throw;
+            throw EntryRefused("Sheet " + CStr(sheet->sheet.number) + " of the batch " + entry.origin.batch +
+                               " of the reader " + entry.origin.reader + " is there already, and is another sheet.");
+        }
     }
 
     void identify(Entry& entry)
@@ -158,6 +170,14 @@ private:
             .next();
     }
 
+    void write(const UnreadMessage& message)
+    {
+        const std::string time = storeTime(std::chrono::system_clock::now());
+        const std::string reason = validUtf8(message.reason);
+        const std::string subject = validUtf8(message.subject);
+        SqliteStatement::Run(addUnread_).text(time).text(subject).text(reason).blob(message.content).next();
+    }
+
     void write(const Entry& entry, ReportEntry& report, std::int64_t batch)
     {
         if (isOwn_)
@@ -188,6 +208,7 @@ private:
     SqliteStatement countSheet_;
     SqliteStatement addSheet_;
     SqliteStatement addFailure_;
+    SqliteStatement addUnread_;
     bool isOwn_ = true;
     Int32 lastSheet_ = 0;
 };
@@ -211,6 +232,26 @@ void SheetStore::add(std::span<Entry> entries)
     if (entries.empty())
         return;
     Waiting mine{.entries = entries, .own = entries.front().identity.empty()};
+    waitFor(mine);
+    if (!mine.problem)
+        return;
+    for (Entry& entry : entries) {
+        if (mine.own)
+            entry.identity.clear();
+    }
+    std::rethrow_exception(mine.problem);
+}
+
+void SheetStore::setAside(std::span<const UnreadMessage> messages)
+{
+    Waiting mine{.unread = messages};
+    waitFor(mine);
+    if (mine.problem)
+        std::rethrow_exception(mine.problem);
+}
+
+void SheetStore::waitFor(Waiting& mine)
+{
     std::unique_lock lock(mutex_);
     waiting_.push_back(&mine);
     while (!mine.done) {
@@ -236,13 +277,6 @@ void SheetStore::add(std::span<Entry> entries)
         }
         written_.notify_all();
     }
-    if (!mine.problem)
-        return;
-    for (Entry& entry : entries) {
-        if (mine.own)
-            entry.identity.clear();
-    }
-    std::rethrow_exception(mine.problem);
 }
 
 void SheetStore::write(const std::vector<Waiting*>& group)

@@ -35,17 +35,23 @@ public:
     void add(Entry& entry);
 
     /// The same for several at once, which all come from readers or all from other stores: all of them or none.
+    /// EntryRefused for one from another store that contradicts what is there.
     void add(std::span<Entry> entries);
+
+    /// Keeps messages that hold no entry, each once.
+    void setAside(std::span<const UnreadMessage> messages);
 
 private:
     class Writer;
     struct Waiting {
-        std::span<Entry> entries;
+        std::span<Entry> entries{};
+        std::span<const UnreadMessage> unread{};
         bool own = true; ///< they come from a reader, and not from another store
         bool done = false;
         std::exception_ptr problem = nullptr;
     };
 
+    void waitFor(Waiting& mine);
     void write(const std::vector<Waiting*>& group);
 
     std::filesystem::path file_;

@@ -13,6 +13,12 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+/// An entry of another store contradicts one that is there: the same number of the same batch, but not the same sheet.
+class EntryRefused final : public StoreProblem {
+public:
+    using StoreProblem::StoreProblem;
+};
+
 /// Runs work on a store's file, and makes a StoreProblem of what SQLite refuses.
 void onStore(const std::filesystem::path& file, const std::function<void()>& work);
 

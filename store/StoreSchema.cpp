@@ -75,6 +75,18 @@ constexpr const char* kSteps[] = {
                sheet.rejected, sheet.printed
         FROM sheet JOIN batch ON batch.id = sheet.batch JOIN setup ON setup.id = sheet.setup;
     )",
+    R"(
+    ALTER TABLE store ADD COLUMN sends INTEGER NOT NULL DEFAULT 0; -- whether a stream is to have what the store holds
+    ALTER TABLE store ADD COLUMN sent INTEGER NOT NULL DEFAULT 0; -- the stream has all up to this id
+    CREATE TABLE unread ( -- messages from a stream that hold no entry
+        id INTEGER PRIMARY KEY,
+        time TEXT NOT NULL,
+        subject TEXT NOT NULL,
+        reason TEXT NOT NULL,
+        content BLOB NOT NULL,
+        UNIQUE (subject, content)
+    );
+    )",
 };
 static_assert(std::size(kSteps) == kStoreVersion);
 

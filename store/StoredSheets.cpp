@@ -183,23 +183,31 @@ std::optional<Entry> StoredSheets::failureOf(std::int64_t id)
     return entry;
 }
 
-std::int64_t StoredSheets::forget(const std::string& before)
+StoredSheets::Forgotten StoredSheets::forget(const std::string& before, Forget which)
 {
-    std::int64_t forgotten = 0;
+    Forgotten forgotten;
     onStore(file_, [&] {
-        for (const char* table : {"sheet", "failure"}) {
-            const std::string removal = std::string("DELETE FROM ") + table + " WHERE id IN (SELECT id FROM " + table +
-                                        " WHERE time < ? LIMIT " + std::to_string(kAtOnce) + ")";
+        for (const std::string table : {"sheet", "failure"}) {
+            // The mark may move meanwhile.
+            const std::string old = " FROM " + table + " WHERE time < ?1";
+            const std::string sent =
+                old + " AND (?2 OR id <= (SELECT CASE WHEN sends THEN sent ELSE last END FROM store))";
+            const std::string removal =
+                "DELETE FROM " + table + " WHERE id IN (SELECT id" + sent + " LIMIT " + std::to_string(kAtOnce) + ")";
             SqliteStatement statement(database_, removal.c_str());
             int gone = 0;
             do {
                 SqliteTransaction transaction(database_);
-                SqliteStatement::Run(statement).text(before).next();
+                SqliteStatement::Run(statement).text(before).number(which == Forget::All).next();
                 gone = database_.changes();
                 transaction.commit();
-                if (table == std::string_view("sheet"))
-                    forgotten += gone;
+                if (table == "sheet")
+                    forgotten.sheets += gone;
             } while (gone > 0);
+            SqliteStatement rest(database_, ("SELECT count(*)" + old).c_str());
+            SqliteStatement::Run row(rest);
+            row.text(before).next();
+            forgotten.kept += row.numberAt(0);
         }
         database_.run("PRAGMA incremental_vacuum; PRAGMA wal_checkpoint(TRUNCATE)");
     });

@@ -29,8 +29,20 @@ public:
     /// Hands out the entries after an id, in their order, until `take` answers false. The id of the last.
     std::int64_t read(const StoreFilter& filter, std::int64_t after, const Take& take);
 
-    /// Removes what is older than a time, a little at a time so that a writer does not wait. How many sheets went.
-    std::int64_t forget(const std::string& before);
+    /// What became of old entries.
+    struct Forgotten {
+        std::int64_t sheets = 0; ///< that are gone
+        std::int64_t kept = 0;   ///< sheets and reports that are old too, and that the stream does not have yet
+    };
+
+    /// Which old entries go.
+    enum class Forget {
+        SentAlone, ///< those that a stream is to have, and does not have yet, stay
+        All,
+    };
+
+    /// Removes what is older than a time, a little at a time so that a writer does not wait.
+    Forgotten forget(const std::string& before, Forget which);
 
 private:
     [[nodiscard]] std::optional<Entry> sheetOf(std::int64_t id);

@@ -30,6 +30,7 @@ ORDER = (
     "pictures",
     "host",
     "store",
+    "stream",
     "station",
     "com",
     "python",
@@ -38,7 +39,7 @@ ORDER = (
 
 # What is built into the component, and so must stand without recordings and simulated readers.
 COMPONENT = ORDER[: ORDER.index("startup") + 1] + ("com",)
-OUTSIDE = ("formats", "recording", "simulators", "pictures", "host", "store", "station", "python", "cli")
+OUTSIDE = ("formats", "recording", "simulators", "pictures", "host", "store", "stream", "station", "python", "cli")
 
 # What binds another language to the libraries as a host has them.
 BINDINGS = ("python",)
@@ -50,6 +51,7 @@ WITHOUT_COMPONENT = ("formats", "recording", "simulators")
 # Folders of one system, which do not know each other, and which the interfaces beside them do not know.
 APART = (
     {"platform/posix", "platform/windows", "platform/remote_line"},
+    {"stream/nats"},
     {"options/posix", "options/qt", "options/win32"},
 )
 

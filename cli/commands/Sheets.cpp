@@ -26,6 +26,7 @@ struct Arguments {
     std::string pictureFolder;
     bool follow = false;
     bool forget = false;
+    bool force = false;
 };
 
 std::string timeNamed(const char* option, const std::string& text)
@@ -43,8 +44,16 @@ int forget(const Arguments& arguments)
     if (arguments.before.empty())
         throw host::UsageError("--forget needs --before T: what is older is gone for good.");
     StoredSheets store(arguments.storeFile);
-    const std::int64_t forgotten = store.forget(timeNamed("--before", arguments.before));
-    std::cerr << "kelreader: " << forgotten << (forgotten == 1 ? " sheet" : " sheets") << " forgotten." << std::endl;
+    using Forget = StoredSheets::Forget;
+    const auto forgotten =
+        store.forget(timeNamed("--before", arguments.before), arguments.force ? Forget::All : Forget::SentAlone);
+    std::cerr << "kelreader: " << forgotten.sheets << (forgotten.sheets == 1 ? " sheet" : " sheets") << " forgotten."
+              << std::endl;
+    if (forgotten.kept > 0)
+        std::cerr << "kelreader: " << forgotten.kept
+                  << (forgotten.kept == 1 ? " sheet or report stays" : " sheets and reports stay")
+                  << ": the stream does not have them yet. Let the station send them first, or say --force."
+                  << std::endl;
     return kDoneStatus;
 }
 
@@ -128,6 +137,8 @@ void addSheetsCommand(Commands& commands)
     CLI::Option* forget = command.add_flag("--forget", arguments->forget, "Removes sheets and reports for good");
     command.add_option("--before", arguments->before, "With --forget: those that are older than this time")
         ->type_name("TIME");
+    command.add_flag("--force", arguments->force, "With --forget: also what the stream does not have yet")
+        ->needs(forget);
     for (const char* shows : {"--follow", "--reader", "--batch", "--since", "--pictures"})
         forget->excludes(shows);
     command.footer(

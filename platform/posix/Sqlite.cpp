@@ -52,6 +52,11 @@ bool SqliteFailure::isFull() const noexcept
     return (code_ & 0xFF) == SQLITE_FULL;
 }
 
+bool SqliteFailure::isConflict() const noexcept
+{
+    return (code_ & 0xFF) == SQLITE_CONSTRAINT;
+}
+
 void SqliteDatabase::Close::operator()(sqlite3* database) const noexcept
 {
     sqlite3_close_v2(database);

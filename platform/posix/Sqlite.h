@@ -25,6 +25,8 @@ public:
     [[nodiscard]] bool isBusy() const noexcept;
     /// Whether the disk takes no more.
     [[nodiscard]] bool isFull() const noexcept;
+    /// Whether a row contradicts one that is there.
+    [[nodiscard]] bool isConflict() const noexcept;
 
 private:
     int code_;

@@ -21,6 +21,7 @@ library=$(dirname "$(find "$work/root" -name 'libKELReader81U.so.*.*.*' -print -
 [ -f "$work/root/share/doc/KELReader81U/hosts.md" ] || fail "the hosts' page is missing"
 [ -f "$work/root/lib/systemd/system/kelreader-station@.service" ] || fail "the unit of a station is missing"
 [ -f "$work/root/share/kelreader/station.schema.json" ] || fail "the schema of a station's file is missing"
+[ -f "$work/root/share/kelreader/message.schema.json" ] || fail "the schema of a stream's messages is missing"
 if command -v systemd-analyze >/dev/null; then
     # The program is not where the unit looks for it, and all else has to be right.
     wrong=$(systemd-analyze --man=no verify "$work/root/lib/systemd/system/kelreader-station@.service" 2>&1 |

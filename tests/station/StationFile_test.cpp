@@ -1,6 +1,6 @@
 #include "station/StationFile.h"
 
-#include "station/Pauses.h"
+#include "store/Pauses.h"
 #include "tests/support/BuiltFiles.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -67,6 +67,54 @@ TEST_F(AStationFile, SaysWhatTheReadersAre)
     EXPECT_EQ(left.request.print.distance, 12);
     EXPECT_EQ(file.plan.readers[1].batch, "tuesday");
     EXPECT_EQ(file.plan.readers[1].request.port, 2);
+}
+
+TEST_F(AStationFile, SaysWhereTheSheetsGo)
+{
+    for (const char* name : {"ca.pem", "cert.pem", "key.pem", "hall.creds"})
+        std::filesystem::permissions(folder_.write(name, "x"), std::filesystem::perms(0640));
+    const auto text = [](const std::string& stream) {
+        return R"({"store": "hall.db", "stream": )" + stream +
+               R"(, "readers": [{"name": "left", "model": 13, "device": "/dev/x"}]})";
+    };
+    const std::string secure = text(R"({"servers": ["tls://a:4222", "b"], "name": "HALLS", "subject": "north.halls",
+        "replicas": 3, "authority": "ca.pem", "certificate": "cert.pem", "key": "key.pem",
+        "credentials": "hall.creds"})");
+    // A file that names secrets is one.
+    EXPECT_THAT(read(secure).faults,
+                ElementsAre(HasSubstr("stream cannot be used: The file " + folder_.file("station.json") +
+                                      " may be read by everybody")));
+    std::filesystem::permissions(folder_.file("station.json"), std::filesystem::perms(0640));
+    const StationFile file = readStationFile(folder_.file("station.json"));
+    EXPECT_THAT(file.faults, IsEmpty());
+    ASSERT_TRUE(file.plan.stream);
+    EXPECT_THAT(file.plan.stream->servers, ElementsAre("tls://a:4222", "b"));
+    EXPECT_EQ(file.plan.stream->stream, "HALLS");
+    EXPECT_EQ(file.plan.stream->subject, "north.halls");
+    EXPECT_EQ(file.plan.stream->replicas, 3);
+    EXPECT_EQ(file.plan.stream->authority, folder_.path() / "ca.pem");
+    EXPECT_EQ(file.plan.stream->certificate, folder_.path() / "cert.pem");
+    EXPECT_EQ(file.plan.stream->key, folder_.path() / "key.pem");
+    EXPECT_EQ(file.plan.stream->credentials, folder_.path() / "hall.creds");
+
+    std::filesystem::permissions(folder_.file("key.pem"), std::filesystem::perms(0644));
+    EXPECT_THAT(readStationFile(folder_.file("station.json")).faults,
+                ElementsAre(HasSubstr("key.pem may be read by everybody")));
+    std::filesystem::remove(folder_.file("station.json"));
+    EXPECT_THAT(read(text(R"({"servers": ["nats://me:secret@a:4222"]})")).faults,
+                ElementsAre(HasSubstr("may be read by everybody")));
+    EXPECT_THAT(read(text(R"({"servers": []})")).faults, ElementsAre(HasSubstr("No server of the stream is named")));
+    EXPECT_THAT(read(text(R"({"servers": ["http://a"]})")).faults, ElementsAre(HasSubstr("'http://a' is no server")));
+    EXPECT_THAT(read(text(R"({"servers": ["a"], "name": "a.b"})")).faults,
+                ElementsAre(HasSubstr("cannot be the name of a stream")));
+    EXPECT_THAT(read(text(R"({"servers": ["a"], "subject": "a.*"})")).faults,
+                ElementsAre(HasSubstr("cannot begin a subject")));
+    EXPECT_THAT(read(text(R"({"servers": ["a"], "credentials": "none"})")).faults,
+                ElementsAre(HasSubstr("none cannot be read")));
+    EXPECT_THAT(read(text(R"({"servers": ["a"], "certificate": "cert.pem"})")).faults,
+                ElementsAre(HasSubstr("it needs both")));
+    EXPECT_THAT(read(text(R"({"servers": ["a"], "replicas": 7})")).faults, ElementsAre(HasSubstr("stream.replicas")));
+    EXPECT_THAT(read(text(R"({"server": "a"})")).faults, ElementsAre(HasSubstr("the nearest is servers")));
 }
 
 TEST_F(AStationFile, IsToldAllThatIsWrongAtOnce)

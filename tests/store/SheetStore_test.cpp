@@ -1,6 +1,7 @@
 #include "store/SheetStore.h"
 
 #include "platform/posix/Sqlite.h"
+#include "store/SentMark.h"
 #include "store/StoreProblem.h"
 #include "store/StoredSheets.h"
 #include "store/StoringEvents.h"
@@ -148,7 +149,7 @@ TEST_F(Store, NumbersRunOnWithinABatchWhateverEndsMeanwhile)
         store.add(left);
         store.add(right);
     }
-    EXPECT_EQ(StoredSheets(file_).forget("2999-01-01"), 4);
+    EXPECT_EQ(StoredSheets(file_).forget("2999-01-01", StoredSheets::Forget::SentAlone).sheets, 4);
     SheetStore store(file_, "a test");
     Entry later = entryWith("x");
     store.add(later);
@@ -206,6 +207,86 @@ TEST_F(Store, KeepsASheetOfAnotherStoreOnceAndAsItWas)
     EXPECT_EQ(found[1].time, again.time);
     EXPECT_EQ(found[1].origin, again.origin);
     EXPECT_EQ(found[1].sheet()->sheet.number, 2);
+}
+
+TEST_F(Store, RefusesASheetOfAnotherStoreThatContradictsOneThatIsThere)
+{
+    Entry entry = entryWith("x");
+    SheetStore(folder_.path() / "first.db", "a test").add(entry);
+    SheetStore store(file_, "a test");
+    std::vector<Entry> both = {entry, entry};
+    both[1].identity += "0";
+    EXPECT_THROW(store.add(both), EntryRefused);
+    EXPECT_THAT(entries(), IsEmpty());
+    store.add(entry);
+    EXPECT_THROW(store.add(both[1]), EntryRefused);
+    Entry own = entryWith("y");
+    store.add(own);
+    EXPECT_THAT(entries(), SizeIs(2));
+}
+
+TEST_F(Store, KeepsAMessageThatHoldsNoSheetOnce)
+{
+    const UnreadMessage message{.subject = "k.sheet.a.b", .reason = "no\xFF", .content = std::string("\0\xFF{", 3)};
+    {
+        SheetStore store(file_, "a test");
+        store.setAside({&message, 1});
+        store.setAside({&message, 1});
+    }
+    SqliteDatabase database(file_, SqliteDatabase::Mode::Shared, 0);
+    SqliteStatement query(database, "SELECT subject, reason, content FROM unread");
+    SqliteStatement::Run row(query);
+    ASSERT_TRUE(row.next());
+    EXPECT_EQ(row.textAt(0), message.subject);
+    EXPECT_EQ(row.textAt(1), "no\xC3\xBF");
+    EXPECT_EQ(row.textAt(2), message.content);
+    EXPECT_FALSE(row.next());
+}
+
+TEST_F(Store, ForgetsNothingThatTheStreamDoesNotHave)
+{
+    using Forget = StoredSheets::Forget;
+    {
+        SheetStore store(file_, "a test");
+        for (const char* barcode : {"1", "2", "3"}) {
+            Entry entry = entryWith(barcode);
+            store.add(entry);
+        }
+    }
+    SentMark mark(file_);
+    EXPECT_EQ(mark.unsent(), 3);
+    mark.want(true);
+    mark.move(1);
+    EXPECT_EQ(mark.last(), 1);
+    EXPECT_EQ(mark.unsent(), 2);
+    auto forgotten = StoredSheets(file_).forget("2999-01-01", Forget::SentAlone);
+    EXPECT_EQ(forgotten.sheets, 1);
+    EXPECT_EQ(forgotten.kept, 2);
+    EXPECT_THAT(numbers("left"), ElementsAre(2, 3));
+    mark.want(false);
+    mark.want(true);
+    EXPECT_EQ(StoredSheets(file_).forget("2999-01-01", Forget::SentAlone).sheets, 0);
+    forgotten = StoredSheets(file_).forget("2999-01-01", Forget::All);
+    EXPECT_EQ(forgotten.sheets, 2);
+    EXPECT_EQ(forgotten.kept, 0);
+}
+
+TEST_F(Store, BringsAStoreOfTheFirstVersionUpToDate)
+{
+    {
+        SheetStore store(file_, "a test");
+        Entry entry = entryWith("x");
+        store.add(entry);
+        SqliteDatabase(file_, SqliteDatabase::Mode::Shared, 0)
+            .run("ALTER TABLE store DROP COLUMN sends; ALTER TABLE store DROP COLUMN sent; DROP TABLE unread; "
+                 "PRAGMA user_version = 1");
+    }
+    EXPECT_THAT(problemOf([&] { StoredSheets{file_}; }), HasSubstr("has version 1, which a scan or a station brings"));
+    SheetStore store(file_, "a test");
+    Entry next = entryWith("y");
+    store.add(next);
+    EXPECT_THAT(numbers("left"), ElementsAre(1, 2));
+    EXPECT_EQ(SentMark(file_).unsent(), 2);
 }
 
 TEST_F(Store, HasOneWriter)

@@ -1,0 +1,177 @@
+#!/usr/bin/env python3
+"""Kills, freezes and stops the servers of a stream while a station sends, and counts what comes out at its other end.
+
+Three servers keep the stream; simulated readers feed all the while. A server is killed, then the one that leads, then the
+one at which the station is connected is frozen, so that the connection hangs and does not close, then all three are
+stopped and started. At the end each sheet of the station's store is in the collector's store, once, and in the stream
+once. The stores are read without the program that wrote them.
+
+Usage: kill_streams.py KELREADER [--readers N] [--sheets N] [--rounds N]
+"""
+
+import argparse
+import json
+import os
+import sqlite3
+import subprocess
+import sys
+import tempfile
+import urllib.request
+from pathlib import Path
+
+from stream_servers import PATIENCE, Servers, wait_for
+
+STREAM = "KELREADER"
+# How many sheets come through between two blows.
+BETWEEN = 5
+
+
+class Run:
+    """The station, the collector and their stores."""
+
+    def __init__(self, program, folder, servers, readers, sheets):
+        self.folder = folder
+        self.servers = servers
+        self.total = readers * sheets
+        file = folder / "hall.json"
+        file.write_text(json.dumps({
+            "station": "hall", "store": "hall.db", "batch": "all", "retry": {"first": 0.05, "longest": 0.5},
+            "stream": {"servers": servers.urls, "replicas": 3},
+            "readers": [{"name": f"reader{number}", "model": 13, "set": {"SleepTime": 1},
+                         "simulate": {"unlimited": True, "count": sheets, "seed": number}}
+                        for number in range(readers)]}), encoding="utf-8")
+        self.logs = [open(folder / name, "w", encoding="utf-8") for name in ("station.log", "collect.log")]
+        self.processes = [
+            subprocess.Popen([program, "station", file], stderr=self.logs[0]),
+            subprocess.Popen([program, "collect", "--from", ",".join(servers.urls), "--store", folder / "all.db"],
+                             stderr=self.logs[1])]
+
+    def rows(self, store, query):
+        path = self.folder / store
+        if not path.exists():
+            return []
+        with sqlite3.connect(path, timeout=PATIENCE) as database:
+            try:
+                return database.execute(query).fetchall()
+            except sqlite3.OperationalError:
+                return [] # it is being made
+
+    def collected(self):
+        return (self.rows("all.db", "SELECT count(*) FROM sheet") or [(0,)])[0][0]
+
+    def wait_progress(self):
+        """Until some more sheets have come through, or all have."""
+        wanted = min(self.total, self.collected() + BETWEEN)
+        wait_for(lambda: self.alive() and self.collected() >= wanted, "collecting")
+
+    def alive(self):
+        for process, log in zip(self.processes, self.logs):
+            if process.poll() is not None:
+                raise RuntimeError(Path(log.name).read_text(encoding="utf-8"))
+        return True
+
+    def told(self, text):
+        return (self.folder / "station.log").read_text(encoding="utf-8").count(text)
+
+    def end(self):
+        for process in self.processes:
+            process.terminate()
+        status = [process.wait(PATIENCE) for process in self.processes]
+        for log in self.logs:
+            log.close()
+        return status
+
+
+def server_of_station(servers):
+    """The server at which the station is connected."""
+    for server in servers.all:
+        with urllib.request.urlopen(f"http://127.0.0.1:{server.monitor}/connz", timeout=PATIENCE) as answer:
+            for connection in json.load(answer)["connections"]:
+                if connection.get("name", "").startswith("kelreader station"):
+                    return server
+    return None
+
+
+def strike(run, servers):
+    """One round of blows."""
+    for name, choose in (("a server", lambda: next(one for one in servers.all if one is not servers.leader(STREAM))),
+                         ("the leader", lambda: servers.leader(STREAM))):
+        server = wait_for(choose, "a leader")
+        server.kill()
+        run.wait_progress()
+        server.start()
+        servers.wait_ready()
+        print(f"killed {name}", flush=True)
+
+    server = wait_for(lambda: server_of_station(servers), "the station being connected")
+    lost = run.told("is lost") + run.told("does not acknowledge")
+    server.freeze()
+    wait_for(lambda: run.alive() and run.told("is lost") + run.told("does not acknowledge") > lost, "giving up a connection")
+    run.wait_progress()
+    server.thaw()
+    servers.wait_ready()
+    print("froze the server of the station", flush=True)
+
+    for server in servers.all:
+        server.stop()
+    for server in servers.all:
+        server.start()
+    servers.wait_ready()
+    run.wait_progress()
+    print("stopped and started all servers", flush=True)
+
+
+def faults_of(run, servers):
+    sent = run.rows("hall.db", "SELECT reader, number, side1, time FROM sheets ORDER BY reader, number")
+    found = run.rows("all.db", "SELECT reader, number, side1, time FROM sheets ORDER BY reader, number")
+    faults = []
+    if len(found) != run.total:
+        faults.append(f"{run.total} sheets were fed, and {len(found)} were collected")
+    if found != sent:
+        faults.append("the sheets that were collected are not those that were stored")
+    for reader in sorted({row[0] for row in found}):
+        numbers = [row[1] for row in found if row[0] == reader]
+        if numbers != list(range(1, len(numbers) + 1)):
+            faults.append(f"{reader}: the numbers are not 1 to {len(numbers)}, each once")
+    entries = run.rows("hall.db", "SELECT last FROM store")[0][0]
+    messages = wait_for(lambda: servers.messages(STREAM), "the servers agreeing")
+    if messages != entries:
+        faults.append(f"{entries} sheets and reports were sent, and the stream has {messages} messages")
+    if aside := run.rows("all.db", "SELECT count(*) FROM unread")[0][0]:
+        faults.append(f"{aside} messages could not be read")
+    return faults
+
+
+def main():
+    arguments = argparse.ArgumentParser(description=__doc__.splitlines()[0])
+    arguments.add_argument("program", type=Path)
+    arguments.add_argument("--readers", type=int, default=16)
+    arguments.add_argument("--sheets", type=int, default=500, help="of each reader")
+    arguments.add_argument("--rounds", type=int, default=10)
+    options = arguments.parse_args()
+    with tempfile.TemporaryDirectory() as name, Servers(name, 3) as servers:
+        folder = Path(name)
+        os.environ["KELREADER_REGISTRY_DIR"] = str(folder / "settings")
+        servers.start()
+        run = Run(options.program.resolve(), folder, servers, options.readers, options.sheets)
+        try:
+            run.wait_progress()
+            for _ in range(options.rounds):
+                strike(run, servers)
+            wait_for(lambda: run.alive() and run.collected() >= run.total, "collecting all sheets")
+            wait_for(lambda: run.rows("hall.db", "SELECT last - sent FROM store") == [(0,)], "sending all")
+            faults = faults_of(run, servers)
+            collected = run.collected()
+        finally:
+            status = run.end()
+    if status != [0, 130]:
+        faults.append(f"station and collector ended with {status}")
+    print(f"{run.total} sheets of {options.readers} readers, {options.rounds} rounds of blows to three servers: "
+          f"{collected} sheets collected, {len(faults)} faults")
+    for fault in faults:
+        print(fault)
+    return 1 if faults else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "platform/posix/Sqlite.h"
+
+#include <cstdint>
+#include <filesystem>
+
+namespace kel {
+
+/// Up to where a stream has what a store holds. Every failure is a StoreProblem.
+class SentMark {
+public:
+    /// The store exists.
+    explicit SentMark(std::filesystem::path store);
+
+    /// Whether a stream is to have what the store holds, so that nothing is forgotten that it does not have.
+    void want(bool wanted);
+
+    /// The stream has everything up to this id; 0 if it has nothing.
+    [[nodiscard]] std::int64_t last();
+
+    /// Moves the mark. It may come back to an earlier place if the power fails, and is never too far on.
+    void move(std::int64_t id);
+
+    /// How many entries the stream does not have yet.
+    [[nodiscard]] std::int64_t unsent();
+
+    /// Whether another file has taken the store's place.
+    [[nodiscard]] bool hasMoved() const noexcept { return database_.hasMoved(); }
+
+private:
+    [[nodiscard]] std::int64_t number(const char* query);
+    void change(const char* statement, std::int64_t value);
+
+    std::filesystem::path store_;
+    SqliteDatabase database_;
+};
+
+} // namespace kel
