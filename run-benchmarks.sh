@@ -26,5 +26,12 @@ rm -f "$python_results"
 if [ $# -eq 0 ]; then
     PYTHONPATH=build/release/python /usr/bin/python3 benchmarks/python_sheets.py --out "$python_results"
 fi
+
+# What goes out of a store.
+stream_results=build/release/stream_sheets.json
+rm -f "$stream_results"
+if [ $# -eq 0 ]; then
+    python3 benchmarks/stream_sheets.py build/release/bin/kelreader --out "$stream_results"
+fi
 echo
-python3 benchmarks/goals.py "$results" $(find "$com_results" "$python_results" 2>/dev/null || true)
+python3 benchmarks/goals.py "$results" $(find "$com_results" "$python_results" "$stream_results" 2>/dev/null || true)

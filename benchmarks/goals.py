@@ -49,6 +49,9 @@ GOALS = [
     ("Python: the same, p99", "Python_EventToArray", "us_p99", 1, "us", None, None),
     ("Python: 64 readers, event to array", "Python_SixtyFourReaders", "us_p50", 1, "us", None, None),
     ("Python: memory that 1,000 sessions leave", "Python_Sessions", "kB", 1, "kB", None, None),
+    ("sheets from a store into one server", "Stream_OneServer", "sheets_per_second", 1, "a second", "> 5000", None),
+    ("sheets from a store into three replicas", "Stream_ThreeReplicas", "sheets_per_second", 1, "a second", "> 1500",
+     "Stream_ThreeReplicasOneReader"),
     ("COM: a reader made and released", "Com_Creation", "time_ns", 1e-6, "ms", "< 1", None),
 ]
 
