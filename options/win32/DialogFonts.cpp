@@ -36,9 +36,9 @@ private:
 
 } // namespace
 
-DialogFonts::DialogFonts() : screen_(::CreateCompatibleDC(nullptr))
+DialogFonts::DialogFonts() : screen_(::CreateCompatibleDC(nullptr)), wanted_(messageFont())
 {
-    make(messageFont());
+    make();
 }
 
 DialogFonts::~DialogFonts()
@@ -52,12 +52,22 @@ void DialogFonts::use(HFONT font)
     LOGFONTW wanted{};
     if (::GetObjectW(font, sizeof wanted, &wanted) == 0)
         return;
+    wanted_ = wanted;
     drop();
-    make(wanted);
+    make();
 }
 
-void DialogFonts::make(LOGFONTW font)
+void DialogFonts::scale(double factor)
 {
+    scale_ = factor;
+    drop();
+    make();
+}
+
+void DialogFonts::make()
+{
+    LOGFONTW font = wanted_;
+    font.lfHeight = static_cast<LONG>(std::lround(font.lfHeight * scale_));
     text_ = ::CreateFontIndirectW(&font);
     font.lfWeight = FW_BOLD;
     bold_ = ::CreateFontIndirectW(&font);

@@ -19,6 +19,10 @@ public:
     /// Takes a typeface of the host's, which stays the host's.
     void use(HFONT font);
 
+    /// Makes all typefaces smaller or larger than those that were asked for.
+    void scale(double factor);
+    [[nodiscard]] double scale() const noexcept { return scale_; }
+
     [[nodiscard]] double TextWidth(const std::string& text, const Font& font) override;
 
     [[nodiscard]] HFONT text() const noexcept { return text_; }
@@ -29,13 +33,15 @@ public:
     [[nodiscard]] double twips(int pixels) const;
 
 private:
-    void make(LOGFONTW font);
+    void make();
     void drop();
     /// The height of a line.
     [[nodiscard]] int lineOf(HFONT font) const;
     [[nodiscard]] int widthOf(const std::string& text, HFONT font) const;
 
     HDC screen_;
+    LOGFONTW wanted_{};
+    double scale_ = 1;
     HFONT text_ = nullptr;
     HFONT bold_ = nullptr;
     HFONT title_ = nullptr;

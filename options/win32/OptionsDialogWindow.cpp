@@ -13,9 +13,6 @@ namespace kel {
 
 namespace {
 
-/// How many rows a list shows at a time.
-constexpr int kRowsInView = 20;
-
 /// To the dialog itself: a number field was left with something else in it. It waits until the focus has arrived where
 /// it goes.
 constexpr UINT kNoNumber = WM_APP;
@@ -33,18 +30,6 @@ bool takeState(HWND window, const Control& control)
     return true;
 }
 
-/// Puts a control in its place, without painting. True if it stood elsewhere.
-bool takePlace(HWND window, const RECT& place)
-{
-    RECT now{};
-    ::GetWindowRect(window, &now);
-    ::MapWindowPoints(nullptr, ::GetParent(window), reinterpret_cast<POINT*>(&now), 2);
-    if (::EqualRect(&now, &place))
-        return false;
-    ::MoveWindow(window, place.left, place.top, place.right - place.left, place.bottom - place.top, FALSE);
-    return true;
-}
-
 /// A dialog without controls, which come when it begins.
 struct alignas(DWORD) EmptyDialog {
     DLGTEMPLATE head{};
@@ -55,7 +40,8 @@ struct alignas(DWORD) EmptyDialog {
 
 } // namespace
 
-OptionsDialogWindow::OptionsDialogWindow(frmOptions& form, DialogScreen& screen) : form_(form), screen_(screen)
+OptionsDialogWindow::OptionsDialogWindow(frmOptions& form, DialogScreen& screen, WindowPlace& place)
+    : form_(form), screen_(screen), place_(place)
 {
     const INITCOMMONCONTROLSEX wanted{sizeof wanted, ICC_STANDARD_CLASSES | ICC_UPDOWN_CLASS};
     ::InitCommonControlsEx(&wanted);
@@ -132,16 +118,8 @@ void OptionsDialogWindow::begin(HWND window)
     }
     createControls();
     refresh();
-    RECT owner{};
-    RECT own{};
-    const HWND parent = ::GetWindow(window_, GW_OWNER);
-    if (!parent || !::IsWindowVisible(parent) || !::GetWindowRect(parent, &owner))
-        ::SystemParametersInfoW(SPI_GETWORKAREA, 0, &owner, 0);
-    ::GetWindowRect(window_, &own);
-    const int left = (owner.left + owner.right - (own.right - own.left)) / 2;
-    const int top = (owner.top + owner.bottom - (own.bottom - own.top)) / 2;
-    ::SetWindowPos(window_, nullptr, std::max(left, 0), std::max(top, 0), 0, 0, SWP_NOZORDER | SWP_NOSIZE);
-    ::SendMessageW(window_, DM_REPOSITION, 0, 0);
+    fit();
+    goToPlace();
     const Shown* active = form_.ActiveControl() ? shown(*form_.ActiveControl()) : shown(form_.cboReaderType);
     if (active)
         ::SetFocus(active->window);
@@ -180,6 +158,7 @@ INT_PTR OptionsDialogWindow::handle(UINT message, WPARAM first, LPARAM second)
     case WM_HELP: openHelp(); return TRUE;
     case kNoNumber: returnTo(reinterpret_cast<HWND>(second)); return TRUE;
     case WM_DESTROY:
+        keepPlace();
         // Its controls live a little longer than this; their fields do not.
         numbers_.clear();
         window_ = nullptr;
@@ -192,6 +171,12 @@ INT_PTR OptionsDialogWindow::handle(UINT message, WPARAM first, LPARAM second)
 void OptionsDialogWindow::takeFont(HFONT font)
 {
     fonts_.use(font);
+    showFonts();
+    fit();
+}
+
+void OptionsDialogWindow::showFonts()
+{
     for (const Shown& each : shown_) {
         if (each.window)
             ::SendMessageW(each.window, WM_SETFONT, reinterpret_cast<WPARAM>(fontOf(*each.control)), TRUE);
@@ -221,63 +206,6 @@ void OptionsDialogWindow::refresh()
     if (isNew)
         ::RedrawWindow(window_, nullptr, nullptr, RDW_ERASE | RDW_INVALIDATE | RDW_ALLCHILDREN);
     refreshing_ = false;
-}
-
-/// Brings the window and its controls into place. True if something has moved.
-bool OptionsDialogWindow::arrange()
-{
-    bool moved = false;
-    layout_ = dialogLayout(form_, fonts_.metrics());
-    RECT client{};
-    ::GetClientRect(window_, &client);
-    const int width = fonts_.pixels(layout_.width);
-    const int height = fonts_.pixels(layout_.height);
-    if (client.right != width || client.bottom != height) {
-        RECT outer{0, 0, width, height};
-        ::AdjustWindowRectEx(&outer, static_cast<DWORD>(::GetWindowLongW(window_, GWL_STYLE)), FALSE,
-                             static_cast<DWORD>(::GetWindowLongW(window_, GWL_EXSTYLE)));
-        ::SetWindowPos(window_, nullptr, 0, 0, outer.right - outer.left, outer.bottom - outer.top,
-                       SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
-        moved = true;
-    }
-    const int spinnerWidth = ::GetSystemMetrics(SM_CXVSCROLL);
-    for (const Shown& each : shown_) {
-        const auto place = layout_.places.find(each.control);
-        if (!each.window || place == layout_.places.end())
-            continue;
-        const int left = fonts_.pixels(place->second.left);
-        const int top = fonts_.pixels(place->second.top);
-        int fieldWidth = fonts_.pixels(place->second.width);
-        const int fieldHeight = fonts_.pixels(place->second.height);
-        if (const NumberEdit* number = numberEdit(each.window)) {
-            fieldWidth -= spinnerWidth;
-            moved |= takePlace(number->spinner(),
-                               {left + fieldWidth, top, left + fieldWidth + spinnerWidth, top + fieldHeight});
-        }
-        if (dynamic_cast<const PowerCombo*>(each.control))
-            moved |= placeList(each.window, {left, top, left + fieldWidth, top + fieldHeight});
-        else
-            moved |= takePlace(each.window, {left, top, left + fieldWidth, top + fieldHeight});
-    }
-    return moved;
-}
-
-/// A list has the height of its row. What is set beyond that is the height to which it drops down, which the system
-/// does not give back; setting it closes an open list.
-bool OptionsDialogWindow::placeList(HWND list, const RECT& place)
-{
-    const auto row = static_cast<LPARAM>(fonts_.pixels(fonts_.metrics().line * 1.25));
-    RECT now{};
-    ::GetWindowRect(list, &now);
-    ::MapWindowPoints(nullptr, window_, reinterpret_cast<POINT*>(&now), 2);
-    if (::SendMessageW(list, CB_GETITEMHEIGHT, 0, 0) == row && now.left == place.left && now.top == place.top &&
-        now.right == place.right)
-        return false;
-    ::SendMessageW(list, CB_SETITEMHEIGHT, static_cast<WPARAM>(-1), row);
-    ::SendMessageW(list, CB_SETITEMHEIGHT, 0, row);
-    ::MoveWindow(list, place.left, place.top, place.right - place.left,
-                 place.bottom - place.top + static_cast<int>(row) * kRowsInView, FALSE);
-    return true;
 }
 
 void OptionsDialogWindow::paintBackground(HDC screen)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "options/WindowPlace.h"
 #include "options/frmOptions.h"
 #include "options/win32/DialogFonts.h"
 #include "options/win32/DialogScreen.h"
@@ -22,7 +23,7 @@ class OptionsDialogWindow {
 public:
     static constexpr int kFirstControl = 1000;
 
-    OptionsDialogWindow(frmOptions& form, DialogScreen& screen);
+    OptionsDialogWindow(frmOptions& form, DialogScreen& screen, WindowPlace& place);
     ~OptionsDialogWindow();
     OptionsDialogWindow(const OptionsDialogWindow&) = delete;
     OptionsDialogWindow& operator=(const OptionsDialogWindow&) = delete;
@@ -48,6 +49,10 @@ private:
     void begin(HWND window);
     void end();
     void takeFont(HFONT font);
+    void showFonts();
+    void fit();
+    void goToPlace();
+    void keepPlace();
     [[nodiscard]] HFONT fontOf(const Control& control) const;
     void createControls();
     [[nodiscard]] HWND create(Control& control, const wchar_t* kind, DWORD style, DWORD extendedStyle = 0);
@@ -78,6 +83,7 @@ private:
 
     frmOptions& form_;
     DialogScreen& screen_;
+    WindowPlace& place_;
     DialogFonts fonts_;
     HWND window_ = nullptr;
     std::vector<Shown> shown_;

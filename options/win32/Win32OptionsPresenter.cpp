@@ -7,7 +7,7 @@ namespace kel {
 
 bool Win32OptionsPresenter::show(frmOptions& form, void* parent, std::string& reason)
 {
-    OptionsDialogWindow dialog(form, screen_);
+    OptionsDialogWindow dialog(form, screen_, place_);
     const auto owner = static_cast<HWND>(parent);
     if (dialog.run(owner && ::IsWindow(owner) ? owner : ::GetActiveWindow()))
         return true;
@@ -17,7 +17,7 @@ bool Win32OptionsPresenter::show(frmOptions& form, void* parent, std::string& re
 
 std::shared_ptr<OptionsPresenter> makeWin32OptionsPresenter()
 {
-    return std::make_shared<Win32OptionsPresenter>();
+    return std::make_shared<Win32OptionsPresenter>(registeredWindowPlace());
 }
 
 } // namespace kel

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "options/OptionsPresenter.h"
+#include "options/WindowPlace.h"
 #include "options/win32/DialogScreen.h"
 
 namespace kel {
@@ -9,10 +10,14 @@ namespace kel {
 /// window that the thread works in.
 class Win32OptionsPresenter final : public OptionsPresenter {
 public:
+    /// `place` is to outlive it.
+    explicit Win32OptionsPresenter(WindowPlace& place) : place_(place) {}
+
     bool show(frmOptions& form, void* parent, std::string& reason) override;
     [[nodiscard]] Screen* screen() override { return &screen_; }
 
 private:
+    WindowPlace& place_;
     DialogScreen screen_;
 };
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "options/win32/OptionsDialogWindow.h"
+#include "options/win32/Win32OptionsPresenter.h"
 #include "platform/windows/WindowsPlatform.h"
 #include "reader/clsKELReader.h"
 #include "startup/Main.h"
@@ -53,6 +54,14 @@ private:
     WindowsPlatform machine_;
 };
 
+/// Keeps the place of the window for one test.
+class PlaceOfATest final : public WindowPlace {
+    [[nodiscard]] std::string recall() override { return place_; }
+    void keep(const std::string& place) override { place_ = place; }
+
+    std::string place_;
+};
+
 /// The options dialog, and another program that works it.
 class OptionsDialogTest : public ::testing::Test {
 protected:
@@ -61,12 +70,15 @@ protected:
         // As a host says in its manifest that it knows of resolutions; it is for the whole process.
         ::SetProcessDPIAware();
         Main();
+        setOptionsPresenter(std::make_shared<Win32OptionsPresenter>(place_));
         const frmOptions form;
         for (std::size_t i = 0; i < form.Controls().size(); ++i)
             numbers_.emplace(form.Controls()[i]->Name(), OptionsDialogWindow::kFirstControl + static_cast<int>(i));
         numbers_["cmdOK"] = IDOK;
         numbers_["cmdCancel"] = IDCANCEL;
     }
+
+    ~OptionsDialogTest() override { setOptionsPresenter(nullptr); }
 
     [[nodiscard]] int number(std::string_view name) const { return numbers_.at(name); }
 
@@ -91,6 +103,7 @@ protected:
     clsKELReader reader;
 
 private:
+    PlaceOfATest place_;
     std::map<std::string_view, int> numbers_;
 };
 

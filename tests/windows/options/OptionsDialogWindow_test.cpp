@@ -204,6 +204,43 @@ TEST_F(OptionsDialogWindowTest, ABoxIsTickedByAClick)
     EXPECT_NE(reader.Rejecter(), before);
 }
 
+TEST_F(OptionsDialogWindowTest, ItComesBackWhereItWas)
+{
+    RECT first{};
+    RECT second{};
+    show([&](const OtherProgram& user) {
+        ::SetWindowPos(user.dialog, nullptr, 321, 123, 0, 0, SWP_NOZORDER | SWP_NOSIZE);
+        ::GetWindowRect(user.dialog, &first);
+    });
+    show([&](const OtherProgram& user) { ::GetWindowRect(user.dialog, &second); });
+    EXPECT_EQ(first.left, 321);
+    EXPECT_EQ(second.left, first.left);
+    EXPECT_EQ(second.top, first.top);
+}
+
+TEST_F(OptionsDialogWindowTest, WhatIsTooLargeForTheScreenGetsSmallerLetters)
+{
+    reader.LoadDefaults(kelReaderTypeScantronScanMark2500);
+    LOGFONTW large{};
+    large.lfHeight = -::GetSystemMetrics(SM_CYSCREEN) / 36; // its lines and what is between them do not fit
+    const HFONT font = ::CreateFontIndirectW(&large);
+    RECT place{};
+    RECT buttons{};
+    show([&](const OtherProgram& user) {
+        ::SendMessageW(user.dialog, WM_SETFONT, reinterpret_cast<WPARAM>(font), TRUE);
+        ::GetWindowRect(user.dialog, &place);
+        ::GetWindowRect(user.control(IDCANCEL), &buttons);
+    });
+    ::DeleteObject(font);
+    const RECT screen{0, 0, ::GetSystemMetrics(SM_CXSCREEN), ::GetSystemMetrics(SM_CYSCREEN)};
+    for (const RECT& each : {place, buttons}) {
+        RECT common{};
+        ::IntersectRect(&common, &each, &screen);
+        EXPECT_TRUE(::EqualRect(&common, &each)) << each.right << ", " << each.bottom;
+    }
+    EXPECT_GT(place.bottom - place.top, screen.bottom / 2) << "no smaller than need be";
+}
+
 TEST_F(OptionsDialogWindowTest, AnOwnerIsHeldUpMeanwhile)
 {
     const HWND owner = ::CreateWindowW(L"STATIC", L"owner", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 100, 100, nullptr,
