@@ -35,10 +35,26 @@ ListBox::ListBox(QWidget* parent) : QComboBox(parent)
     setFocusPolicy(Qt::StrongFocus);
     setMaxVisibleItems(kRowsInView);
     view()->installEventFilter(this);
-    // What stands in the field of a list that cannot be worked is as grey as a value there.
+    takeColors();
+}
+
+/// What stands in the field of a list that cannot be worked is as grey as a value there.
+void ListBox::takeColors()
+{
     QPalette colors = palette();
-    colors.setColor(QPalette::Disabled, QPalette::PlaceholderText, colors.color(QPalette::Disabled, QPalette::Text));
+    const QColor grey = colors.color(QPalette::Disabled, QPalette::Text);
+    if (colors.color(QPalette::Disabled, QPalette::PlaceholderText) == grey)
+        return;
+    colors.setColor(QPalette::Disabled, QPalette::PlaceholderText, grey);
     setPalette(colors);
+}
+
+/// A user may change to dark colours at any time.
+void ListBox::changeEvent(QEvent* event)
+{
+    QComboBox::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange)
+        takeColors();
 }
 
 /// Qt remembers the size that it finds at first, when there are no rows yet.

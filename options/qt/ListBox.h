@@ -18,9 +18,11 @@ public:
 protected:
     void keyPressEvent(QKeyEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
+    void changeEvent(QEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    void takeColors();
     [[nodiscard]] bool types(const QKeyEvent& event);
     [[nodiscard]] int rowOf(const QString& text, int from) const;
 

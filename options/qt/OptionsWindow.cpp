@@ -132,8 +132,11 @@ QWidget* OptionsWindow::header()
     const int margin = fontMetrics().height();
     column->setContentsMargins(margin, margin * 3 / 4, margin, margin * 3 / 4);
     title_ = put(form_.lblTitle, nullptr);
-    column->addWidget(title_);
-    column->addWidget(put(form_.lblSubtitle, nullptr));
+    QLabel* const subtitle = put(form_.lblSubtitle, nullptr);
+    for (QLabel* const label : {title_, subtitle}) {
+        label->setForegroundRole(QPalette::Text);
+        column->addWidget(label);
+    }
     return band;
 }
 

@@ -9,6 +9,8 @@
 #include <QAccessible>
 #include <QScreen>
 
+#include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <fstream>
 #include <map>
@@ -232,6 +234,128 @@ TEST(OptionsWindowLifeTest, AWindowThatSomethingElseHidesIsCancelled)
                                 }),
               False);
     EXPECT_EQ(host.reader().MarkCutOff(), 250);
+}
+
+/// Colours in which what is meant for a background stands out from that background alone.
+QPalette colorsOf(QColor window, QColor windowText, QColor field, QColor fieldText, QColor grey)
+{
+    QPalette colors(windowText, window, window.lighter(), window.darker(), window, fieldText, Qt::white, field, window);
+    colors.setColor(QPalette::Button, window);
+    colors.setColor(QPalette::Highlight, "#204a87");
+    colors.setColor(QPalette::ButtonText, windowText);
+    for (const auto role : {QPalette::Text, QPalette::WindowText, QPalette::ButtonText})
+        colors.setColor(QPalette::Disabled, role, grey);
+    return colors;
+}
+
+/// How much a colour stands out from another, from 1 to 21.
+double contrast(QColor one, QColor other)
+{
+    const auto light = [](QColor color) {
+        const auto part = [](double level) {
+            return level <= 0.03928 ? level / 12.92 : std::pow((level + 0.055) / 1.055, 2.4);
+        };
+        return 0.2126 * part(color.redF()) + 0.7152 * part(color.greenF()) + 0.0722 * part(color.blueF());
+    };
+    const auto [dark, bright] = std::minmax({light(one), light(other)});
+    return (bright + 0.05) / (dark + 0.05);
+}
+
+/// How much the text of a widget stands out from what most of the widget shows.
+double contrastOfText(QWidget& widget)
+{
+    const QImage shown = widget.window()->grab(QRect(widget.mapTo(widget.window(), QPoint()), widget.size())).toImage();
+    std::map<QRgb, int> count;
+    for (int y = 0; y < shown.height(); ++y) {
+        for (int x = 0; x < shown.width(); ++x)
+            ++count[shown.pixel(x, y)];
+    }
+    const auto most =
+        std::max_element(count.begin(), count.end(), [](auto& a, auto& b) { return a.second < b.second; });
+    double best = 1;
+    for (const auto& [color, times] : count) {
+        if (times >= 3)
+            best = std::max(best, contrast(QColor(color), QColor(most->first)));
+    }
+    return best;
+}
+
+TEST(OptionsWindowColorsTest, EveryTextCanBeReadInDarkAndInHighContrast)
+{
+    int count = 0;
+    QApplication application(count, nullptr);
+    const QPalette dark = colorsOf("#202020", "#e8e8e8", "#101010", "#f0f0f0", "#909090");
+    const QPalette highContrast = colorsOf(Qt::black, Qt::yellow, Qt::white, Qt::black, "#606060");
+    application.setPalette(dark);
+    OptionsHost host({1, 3});
+    host.reader().LoadDefaults(kelReaderTypeScantronScanMark4000);
+    DrivenDialog::run(host, [&](OpenWindow& window) {
+        const auto look = [&](const char* colors) {
+            QCoreApplication::processEvents();
+            for (auto* const widget : window.window().findChildren<QWidget*>()) {
+                const bool hasText = widget->inherits("QLabel") || widget->inherits("QAbstractButton") ||
+                                     widget->inherits("QComboBox") || widget->inherits("QAbstractSpinBox");
+                if (hasText && widget->isVisible() && widget->isEnabled() && !widget->objectName().startsWith("qt_")) {
+                    EXPECT_GT(contrastOfText(*widget), 4.5) << colors << " " << widget->objectName().toStdString();
+                }
+            }
+        };
+        look("dark");
+        application.setPalette(highContrast);
+        look("high contrast");
+        window.choose("cboReaderType", "Sekonic SR3500 (USB)");
+        const QPalette list = window.get<QComboBox>("cboDataBits").palette();
+        EXPECT_EQ(list.color(QPalette::Disabled, QPalette::PlaceholderText), QColor("#606060"));
+    });
+}
+
+TEST(OptionsWindowDirectionTest, FromRightToLeftTheLabelsAreOnTheRight)
+{
+    int count = 0;
+    QApplication application(count, nullptr);
+    application.setLayoutDirection(Qt::RightToLeft);
+    OptionsHost host({1, 3});
+    host.reader().LoadDefaults(kelReaderTypeNCSEZData);
+    DrivenDialog::run(host, [](OpenWindow& window) {
+        for (const char* const model : {"Scantron EZData", "Scantron Scanmark 4000"}) {
+            window.choose("cboReaderType", model);
+            QCoreApplication::processEvents();
+            for (auto* const label : window.window().findChildren<QLabel*>()) {
+                if (!label->buddy() || !label->isVisible())
+                    continue;
+                const auto place = [&](QWidget& widget) {
+                    return QRect(widget.mapTo(&window.window(), QPoint()), widget.size());
+                };
+                EXPECT_GE(place(*label).left(), place(*label->buddy()).right()) << label->objectName().toStdString();
+                EXPECT_TRUE(window.window().rect().contains(place(*label->buddy())));
+            }
+        }
+    });
+}
+
+TEST(OptionsWindowKeysTest, TabReachesEverythingThatCanBeWorked)
+{
+    OptionsHost host({1, 3});
+    host.reader().HelpFile("/nowhere/help.html");
+    DrivenDialog::run(host, [](OpenWindow& window) {
+        auto& models = window.get<QComboBox>("cboReaderType");
+        for (int row = 0; row < models.count(); ++row) {
+            models.setCurrentIndex(row);
+            std::set<std::string> usable;
+            for (const auto* const widget : window.window().findChildren<QWidget*>()) {
+                const bool isWorked = widget->inherits("QAbstractButton") || widget->inherits("QComboBox") ||
+                                      widget->inherits("QAbstractSpinBox");
+                if (isWorked && widget->isVisible() && widget->isEnabled() && !widget->inherits("QScrollBar"))
+                    usable.insert(widget->objectName().toStdString());
+            }
+            std::set<std::string> reached;
+            models.setFocus();
+            while (reached.insert(QApplication::focusWidget()->objectName().toStdString()).second)
+                QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+            EXPECT_EQ(reached, usable) << models.currentText().toStdString();
+        }
+    });
+    host.reader().HelpFile("");
 }
 
 } // namespace
