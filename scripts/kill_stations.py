@@ -4,9 +4,10 @@
 Each sheet is made up, and no two are the same. A reader is told to feed the next sheet once the store has the last one:
 so a sheet may be missing only if it was the last that was fed when the station was killed, or was fed because the
 station had asked for it by then. The store is read without
-the program that wrote it.
+the program that wrote it. With --stream the station sends into a stream, too: what is in the store is in the stream once,
+and comes out of it once.
 
-Usage: kill_stations.py KELREADER [--readers N] [--sheets N] [--kills N] [--seed N]
+Usage: kill_stations.py KELREADER [--readers N] [--sheets N] [--kills N] [--seed N] [--stream]
 """
 
 import argparse
@@ -21,6 +22,8 @@ import sys
 import tempfile
 import time
 from pathlib import Path
+
+from stream_servers import Servers
 
 MODEL = "13"
 FORM = {"side1Rows": [63], "side1Cols": [48]}
@@ -72,19 +75,19 @@ class Reader:
         return fed
 
 
-def write_file(folder, readers):
+def write_file(folder, readers, stream):
     (folder / "form.json").write_text(json.dumps(FORM), encoding="utf-8")
     file = folder / "station.json"
     file.write_text(json.dumps({
-        "station": "killed", "store": "store.db", "batch": "all", "retry": {"first": 0.02, "longest": 0.1},
+        "station": "killed", "store": "store.db", "batch": "all", "retry": {"first": 0.02, "longest": 0.1}, **stream,
         "readers": [{"name": reader.name, "model": int(MODEL), "device": str(reader.device), "form": "form.json",
                      "set": {"SleepTime": 1}} for reader in readers]}), encoding="utf-8")
     return file
 
 
-def stored(folder):
-    """How many sheets the store holds."""
-    store = folder / "store.db"
+def stored(folder, name="store.db"):
+    """How many sheets a store holds."""
+    store = folder / name
     if not store.exists():
         return 0
     with sqlite3.connect(store, timeout=30) as database:
@@ -102,9 +105,15 @@ def wait_for(condition, what):
         time.sleep(0.01)
 
 
-def kill_again_and_again(program, folder, readers, kills, chance):
+def unsent(folder):
+    """How many sheets and reports of the store the stream does not have."""
+    with sqlite3.connect(folder / "store.db", timeout=30) as database:
+        return database.execute("SELECT last - sent FROM store").fetchone()[0]
+
+
+def kill_again_and_again(program, folder, readers, kills, chance, stream):
     """Kills the station at random moments, and notes which sheets were on their way."""
-    file = write_file(folder, readers)
+    file = write_file(folder, readers, stream)
     total = sum(reader.sheets for reader in readers)
     on_their_way = collections.defaultdict(set)
     done = 0
@@ -128,9 +137,31 @@ def kill_again_and_again(program, folder, readers, kills, chance):
     # Its last sheets are in the store; one a kill may have been on its way in each reader.
     missing = done * len(readers)
     wait_for(lambda: stored(folder) >= total - missing, "storing the last sheet")
+    if stream:
+        wait_for(lambda: unsent(folder) == 0, "sending the last sheet")
     station.terminate()
     station.wait()
     return done, on_their_way
+
+
+def faults_of_stream(program, folder, servers):
+    """What is wrong with the stream and with what comes out of it."""
+    sheets = stored(folder)
+    with subprocess.Popen([program, "collect", "--from", servers.all[0].url, "--store", folder / "all.db"],
+                          stderr=subprocess.DEVNULL) as collector:
+        wait_for(lambda: stored(folder, "all.db") >= sheets, "collecting the last sheet")
+        collector.terminate()
+    faults = []
+    with sqlite3.connect(folder / "store.db") as database:
+        database.execute("ATTACH ? AS other", (str(folder / "all.db"),))
+        differing = database.execute("SELECT count(*) FROM (SELECT identity, number, side1 FROM sheet EXCEPT "
+                                     "SELECT identity, number, side1 FROM other.sheet)").fetchone()[0]
+        entries = database.execute("SELECT (SELECT count(*) FROM sheet) + (SELECT count(*) FROM failure)").fetchone()[0]
+    if differing or stored(folder, "all.db") != sheets:
+        faults.append(f"{differing} of {sheets} sheets did not come out of the stream as they went in")
+    if (messages := servers.messages("KELREADER")) != entries:
+        faults.append(f"{entries} sheets and reports were stored, and the stream has {messages} messages")
+    return faults
 
 
 def count(folder, readers, on_their_way):
@@ -163,10 +194,13 @@ def main():
     arguments.add_argument("--sheets", type=int, default=10_000, help="of all readers together")
     arguments.add_argument("--kills", type=int, default=200)
     arguments.add_argument("--seed", type=int, default=1)
+    arguments.add_argument("--stream", action="store_true", help="send into a stream, too")
     options = arguments.parse_args()
     program = options.program.resolve()
-    with tempfile.TemporaryDirectory() as name:
+    with tempfile.TemporaryDirectory() as name, Servers(name, 1 if options.stream else 0) as servers:
         folder = Path(name)
+        servers.start()
+        stream = {"stream": {"servers": servers.urls}} if options.stream else {}
         os.environ["KELREADER_REGISTRY_DIR"] = str(folder / "settings")
         each = options.sheets // options.readers
         readers = []
@@ -174,12 +208,15 @@ def main():
             for number in range(options.readers):
                 readers.append(Reader(program, folder, number, each))
             wait_for(lambda: all(reader.device.exists() for reader in readers), "making the lines")
-            kills, ways = kill_again_and_again(program, folder, readers, options.kills, random.Random(options.seed))
+            kills, ways = kill_again_and_again(program, folder, readers, options.kills, random.Random(options.seed),
+                                               stream)
         finally:
             for reader in readers:
                 reader.process.kill()
                 reader.process.wait()
         rows, lost, faults = count(folder, readers, ways)
+        if options.stream:
+            faults += faults_of_stream(program, folder, servers)
     print(f"{each * len(readers)} sheets fed by {len(readers)} readers, {kills} kills: {rows} sheets stored, "
           f"{lost} were on their way at a kill, {len(faults)} faults")
     for fault in faults:

@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
 """Kills, freezes and stops the servers of a stream while a station sends, and counts what comes out at its other end.
 
-Three servers keep the stream; simulated readers feed all the while. A server is killed, then the one that leads, then the
-one at which the station is connected is frozen, so that the connection hangs and does not close, then all three are
-stopped and started. At the end each sheet of the station's store is in the collector's store, once, and in the stream
+Three servers keep the stream; simulated readers feed all the while. The collector is killed; a server is killed, then the
+one that leads; the one at which the station is connected is frozen, so that the connection hangs and does not close; all
+three are stopped and started. At the end each sheet of the station's store is in the collector's store, once, and in the stream
 once. The stores are read without the program that wrote them.
 
 Usage: kill_streams.py KELREADER [--readers N] [--sheets N] [--rounds N]
@@ -41,10 +41,9 @@ class Run:
                          "simulate": {"unlimited": True, "count": sheets, "seed": number}}
                         for number in range(readers)]}), encoding="utf-8")
         self.logs = [open(folder / name, "w", encoding="utf-8") for name in ("station.log", "collect.log")]
-        self.processes = [
-            subprocess.Popen([program, "station", file], stderr=self.logs[0]),
-            subprocess.Popen([program, "collect", "--from", ",".join(servers.urls), "--store", folder / "all.db"],
-                             stderr=self.logs[1])]
+        self.commands = [[program, "station", file],
+                         [program, "collect", "--from", ",".join(servers.urls), "--store", folder / "all.db"]]
+        self.processes = [subprocess.Popen(command, stderr=log) for command, log in zip(self.commands, self.logs)]
 
     def rows(self, store, query):
         path = self.folder / store
@@ -70,8 +69,17 @@ class Run:
                 raise RuntimeError(Path(log.name).read_text(encoding="utf-8"))
         return True
 
+    def is_up(self):
+        """Whether what the station said last of the stream is that it takes sheets."""
+        return self.told("takes sheets") > self.told("keeps the sheets meanwhile")
+
     def told(self, text):
         return (self.folder / "station.log").read_text(encoding="utf-8").count(text)
+
+    def kill_collector(self):
+        self.processes[1].kill()
+        self.processes[1].wait(PATIENCE)
+        self.processes[1] = subprocess.Popen(self.commands[1], stderr=self.logs[1])
 
     def end(self):
         for process in self.processes:
@@ -82,18 +90,22 @@ class Run:
         return status
 
 
-def server_of_station(servers):
-    """The server at which the station is connected."""
+def server_of_station(run, servers):
+    """The server at which the station is connected; nothing while it looks for another one."""
+    found = []
     for server in servers.all:
         with urllib.request.urlopen(f"http://127.0.0.1:{server.monitor}/connz", timeout=PATIENCE) as answer:
-            for connection in json.load(answer)["connections"]:
-                if connection.get("name", "").startswith("kelreader station"):
-                    return server
-    return None
+            found += [server for connection in json.load(answer)["connections"]
+                      if connection.get("name", "").startswith("kelreader station")]
+    return found[0] if len(found) == 1 and run.is_up() else None
 
 
 def strike(run, servers):
     """One round of blows."""
+    run.kill_collector()
+    run.wait_progress()
+    print("killed the collector", flush=True)
+
     for name, choose in (("a server", lambda: next(one for one in servers.all if one is not servers.leader(STREAM))),
                          ("the leader", lambda: servers.leader(STREAM))):
         server = wait_for(choose, "a leader")
@@ -103,10 +115,10 @@ def strike(run, servers):
         servers.wait_ready()
         print(f"killed {name}", flush=True)
 
-    server = wait_for(lambda: server_of_station(servers), "the station being connected")
-    lost = run.told("is lost") + run.told("does not acknowledge")
+    server = wait_for(lambda: server_of_station(run, servers), "the station being connected")
+    lost = run.told("keeps the sheets meanwhile")
     server.freeze()
-    wait_for(lambda: run.alive() and run.told("is lost") + run.told("does not acknowledge") > lost, "giving up a connection")
+    wait_for(lambda: run.alive() and run.told("keeps the sheets meanwhile") > lost, "giving up a connection")
     run.wait_progress()
     server.thaw()
     servers.wait_ready()
