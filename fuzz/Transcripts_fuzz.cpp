@@ -49,7 +49,8 @@ void replay(const Transcript& transcript, host::Request request)
     SimulatedPlatform machine;
     const PlatformScope simulated(machine);
     const auto carrier = std::make_shared<ReplayCarrier>(transcript);
-    ReplayPlatform replayed(platform(), *carrier);
+    ReplayLibrary library(transcript);
+    ReplayPlatform replayed(platform(), *carrier, library);
     const PlatformScope scope(replayed);
     clsKELReader reader;
     reader.fComm(Reference<Carrier>(carrier));
