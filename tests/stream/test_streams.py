@@ -142,8 +142,9 @@ class StreamsTest(unittest.TestCase):
         collector.end()
         for command, up in ((station, "The stream KELREADER takes sheets."), (collector, "Collecting from the stream")):
             said = "".join(command.lines)
-            self.assertEqual(said.count("No server of the stream can be reached"), 1, said)
-            self.assertEqual(said.count(up), 1, said)
+            # However often it was tried: the one is told when the other was over.
+            self.assertEqual(said.count(up), said.count("keeps the sheets meanwhile"), said)
+            self.assertLess(said.count("No server"), 4, said)
             self.assertLess(said.index("No server"), said.index(up))
 
     def test_what_is_sent_twice_is_there_once(self):
