@@ -36,7 +36,9 @@ private:
 
 } // namespace
 
-DialogFonts::DialogFonts() : screen_(::CreateCompatibleDC(nullptr)), wanted_(messageFont())
+DialogFonts::DialogFonts()
+    : screen_(::CreateCompatibleDC(nullptr)), wanted_(messageFont()), systemDots_(::GetDeviceCaps(screen_, LOGPIXELSX)),
+      dots_(systemDots_)
 {
     make();
 }
@@ -57,6 +59,13 @@ void DialogFonts::use(HFONT font)
     make();
 }
 
+void DialogFonts::resolution(int dots)
+{
+    dots_ = dots;
+    drop();
+    make();
+}
+
 void DialogFonts::scale(double factor)
 {
     scale_ = factor;
@@ -67,7 +76,7 @@ void DialogFonts::scale(double factor)
 void DialogFonts::make()
 {
     LOGFONTW font = wanted_;
-    font.lfHeight = static_cast<LONG>(std::lround(font.lfHeight * scale_));
+    font.lfHeight = static_cast<LONG>(std::lround(font.lfHeight * scale_ * dots_ / systemDots_));
     text_ = ::CreateFontIndirectW(&font);
     font.lfWeight = FW_BOLD;
     bold_ = ::CreateFontIndirectW(&font);
@@ -94,20 +103,25 @@ DialogMetrics DialogFonts::metrics() const
     result.titleLine = twips(lineOf(title_));
     // The title is measured as a plain text; this is how much wider its typeface is, with something to spare.
     result.titleScale = kTitleSize * 1.25;
-    result.tick = twips(::GetSystemMetrics(SM_CXMENUCHECK)) + line / 2;
-    result.arrow = twips(::GetSystemMetrics(SM_CXVSCROLL));
+    result.tick = twips(systemSize(SM_CXMENUCHECK)) + line / 2;
+    result.arrow = twips(systemSize(SM_CXVSCROLL));
     result.fieldHeight = line * 1.25 + twips(6);
     return result;
 }
 
+int DialogFonts::systemSize(int which) const
+{
+    return ::MulDiv(::GetSystemMetrics(which), dots_, systemDots_);
+}
+
 int DialogFonts::pixels(double twips) const
 {
-    return static_cast<int>(std::lround(twips * ::GetDeviceCaps(screen_, LOGPIXELSX) / kTwipsToTheInch));
+    return static_cast<int>(std::lround(twips * dots_ / kTwipsToTheInch));
 }
 
 double DialogFonts::twips(int pixels) const
 {
-    return pixels * kTwipsToTheInch / ::GetDeviceCaps(screen_, LOGPIXELSX);
+    return pixels * kTwipsToTheInch / dots_;
 }
 
 int DialogFonts::lineOf(HFONT font) const

@@ -19,6 +19,10 @@ public:
     /// Takes a typeface of the host's, which stays the host's.
     void use(HFONT font);
 
+    /// Takes the resolution of the screen that the dialog is on, in dots to the inch.
+    void resolution(int dots);
+    [[nodiscard]] int resolution() const noexcept { return dots_; }
+
     /// Makes all typefaces smaller or larger than those that were asked for.
     void scale(double factor);
     [[nodiscard]] double scale() const noexcept { return scale_; }
@@ -28,6 +32,9 @@ public:
     [[nodiscard]] HFONT text() const noexcept { return text_; }
     [[nodiscard]] HFONT title() const noexcept { return title_; }
     [[nodiscard]] DialogMetrics metrics() const;
+
+    /// A size of the system's, such as the width of a scroll bar, in pixels at this resolution.
+    [[nodiscard]] int systemSize(int which) const;
 
     [[nodiscard]] int pixels(double twips) const;
     [[nodiscard]] double twips(int pixels) const;
@@ -40,7 +47,9 @@ private:
     [[nodiscard]] int widthOf(const std::string& text, HFONT font) const;
 
     HDC screen_;
-    LOGFONTW wanted_{};
+    LOGFONTW wanted_{}; // for the system's resolution
+    int systemDots_;
+    int dots_;
     double scale_ = 1;
     HFONT text_ = nullptr;
     HFONT bold_ = nullptr;

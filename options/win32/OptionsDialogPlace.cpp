@@ -78,6 +78,26 @@ void OptionsDialogWindow::fit()
     moveTo(window_, {own.left, own.top});
 }
 
+/// The dots to the inch where a window stands. Only later systems have one for each screen.
+int OptionsDialogWindow::resolutionOf(HWND window) const
+{
+    using GetDpiForWindow = UINT(WINAPI*)(HWND);
+    const HMODULE user = ::GetModuleHandleW(L"user32.dll");
+    const auto dotsOf =
+        reinterpret_cast<GetDpiForWindow>(reinterpret_cast<void*>(::GetProcAddress(user, "GetDpiForWindow")));
+    const UINT dots = dotsOf ? dotsOf(window) : 0;
+    return dots != 0 ? static_cast<int>(dots) : fonts_.resolution();
+}
+
+/// The user has moved the dialog to a screen of another resolution.
+void OptionsDialogWindow::goToScreen(int dots, const RECT& wanted)
+{
+    fonts_.resolution(dots);
+    moveTo(window_, {wanted.left, wanted.top});
+    showFonts();
+    fit();
+}
+
 /// Where the dialog was when it was last closed, if there is a screen; else in the middle of its owner, or of the
 /// screen.
 void OptionsDialogWindow::goToPlace()
@@ -124,7 +144,7 @@ bool OptionsDialogWindow::arrange()
                        SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
         moved = true;
     }
-    const int spinnerWidth = ::GetSystemMetrics(SM_CXVSCROLL);
+    const int spinnerWidth = fonts_.systemSize(SM_CXVSCROLL);
     for (const Shown& each : shown_) {
         const auto place = layout_.places.find(each.control);
         if (!each.window || place == layout_.places.end())

@@ -110,6 +110,7 @@ void OptionsDialogWindow::contain(const Action& what)
 void OptionsDialogWindow::begin(HWND window)
 {
     window_ = window;
+    fonts_.resolution(resolutionOf(window));
     form_.Window(window);
     form_.Show();
     if (!form_.Visible()) {
@@ -155,6 +156,7 @@ INT_PTR OptionsDialogWindow::handle(UINT message, WPARAM first, LPARAM second)
         ::SetWindowLongPtrW(window_, DWLP_MSGRESULT, TRUE);
         return TRUE;
     case WM_SETFONT: takeFont(reinterpret_cast<HFONT>(first)); return TRUE;
+    case WM_DPICHANGED: goToScreen(LOWORD(first), *reinterpret_cast<const RECT*>(second)); return TRUE;
     case WM_HELP: openHelp(); return TRUE;
     case kNoNumber: returnTo(reinterpret_cast<HWND>(second)); return TRUE;
     case WM_DESTROY:

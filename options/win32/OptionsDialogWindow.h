@@ -51,6 +51,8 @@ private:
     void takeFont(HFONT font);
     void showFonts();
     void fit();
+    [[nodiscard]] int resolutionOf(HWND window) const;
+    void goToScreen(int dots, const RECT& wanted);
     void goToPlace();
     void keepPlace();
     [[nodiscard]] HFONT fontOf(const Control& control) const;

@@ -241,6 +241,32 @@ TEST_F(OptionsDialogWindowTest, WhatIsTooLargeForTheScreenGetsSmallerLetters)
     EXPECT_GT(place.bottom - place.top, screen.bottom / 2) << "no smaller than need be";
 }
 
+TEST_F(OptionsDialogWindowTest, OnAScreenOfAnotherResolutionAllOfItGrows)
+{
+    reader.LoadDefaults(kelReaderTypeScantronScanMark2500);
+    RECT before{};
+    RECT fine{};
+    RECT after{};
+    show([&](const OtherProgram& user) {
+        const HDC screen = ::GetDC(user.dialog);
+        const int usual = ::GetDeviceCaps(screen, LOGPIXELSX);
+        ::ReleaseDC(user.dialog, screen);
+        const auto moveTo = [&](int dots) {
+            RECT place{0, 0, 100, 100};
+            ::SendMessageW(user.dialog, WM_DPICHANGED, MAKEWPARAM(dots, dots), reinterpret_cast<LPARAM>(&place));
+        };
+        ::GetClientRect(user.dialog, &before);
+        moveTo(2 * usual);
+        ::GetClientRect(user.dialog, &fine);
+        moveTo(usual);
+        ::GetClientRect(user.dialog, &after);
+    });
+    // Letters do not grow evenly, and rims not at all.
+    EXPECT_NEAR(fine.right, 2 * before.right, before.right * 0.3);
+    EXPECT_NEAR(fine.bottom, 2 * before.bottom, before.bottom * 0.3);
+    EXPECT_TRUE(::EqualRect(&before, &after));
+}
+
 TEST_F(OptionsDialogWindowTest, AnOwnerIsHeldUpMeanwhile)
 {
     const HWND owner = ::CreateWindowW(L"STATIC", L"owner", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 100, 100, nullptr,
