@@ -263,11 +263,20 @@ def main():
 
 
 @contextlib.contextmanager
-def machine_wide():
-    """For tests that change what the whole prefix has, such as registration: one at a time."""
-    with open(PREFIX / "machine.lock", "w") as lock:
+def _one_at_a_time(what):
+    with open(PREFIX / f"{what}.lock", "w") as lock:
         fcntl.flock(lock, fcntl.LOCK_EX)
         yield
+
+
+def machine_wide():
+    """For tests that change what the whole prefix has, such as registration: one at a time."""
+    return _one_at_a_time("machine")
+
+
+def on_the_screen():
+    """For tests that show windows, which would take the focus from one another: one at a time. Innermost of both."""
+    return _one_at_a_time("screen")
 
 
 class WindowsTest(unittest.TestCase):

@@ -10,7 +10,7 @@ import tempfile
 import unittest
 
 from harness import (BIN, PATIENCE, READER_PROGRAM, WIDTH, FarEnd, SimulatedReader, WindowsTest, class_keys, environment,
-                     machine_wide, registry_has, wine, windows_path)
+                     machine_wide, on_the_screen, registry_has, wine, windows_path)
 
 EVENTS_PORT = 3
 SHEETS_PORT = 12
@@ -58,7 +58,7 @@ class Clients(WindowsTest):
         self.assertNotIn("fault", [event["event"] for event in reader.events])
 
     def test_options(self):
-        with SimulatedReader(model=21, port=SHEETS_PORT, count=1):
+        with SimulatedReader(model=21, port=SHEETS_PORT, count=1), on_the_screen():
             self.run_program("com_options.exe", SHEETS_PORT)
 
     def test_callers(self):

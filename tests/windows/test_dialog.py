@@ -5,7 +5,7 @@ import pathlib
 import subprocess
 import unittest
 
-from harness import PREFIX, WIDTH, WindowsTest, environment, machine_wide, windows_path, wine
+from harness import PREFIX, WIDTH, WindowsTest, environment, machine_wide, on_the_screen, windows_path, wine
 
 PROGRAM = "windows_platform_tests.exe"
 HERE = pathlib.Path(__file__).resolve().parent
@@ -36,8 +36,9 @@ class Dialog(WindowsTest):
         taken.mkdir(parents=True, exist_ok=True)
         for old in taken.iterdir():
             old.unlink()
-        output = self.run_program(PROGRAM, f"--gtest_filter={tests}", f"/L={language}",
-                                  env=environment(KEL_SCREENSHOTS=windows_path(taken)))
+        with on_the_screen():
+            output = self.run_program(PROGRAM, f"--gtest_filter={tests}", f"/L={language}",
+                                      env=environment(KEL_SCREENSHOTS=windows_path(taken)))
         self.assertIn("[  PASSED  ]", output)
         self.assertNotIn("Running 0 tests", output)
         if WIDTH == 64:  # the 32-bit edition has the same dialog, and perhaps other typefaces
