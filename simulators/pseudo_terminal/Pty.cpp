@@ -99,7 +99,7 @@ void Pty::dropUnread()
 
 void Pty::hangUp() noexcept
 {
-    slave_.close();
+    // The near end holds the number: a host that opens the line again meets none, and not somebody else's.
     master_.close();
     watch_.close();
 }

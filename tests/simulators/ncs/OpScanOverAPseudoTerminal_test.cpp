@@ -16,7 +16,7 @@ using testing::IsEmpty;
 using testing::StartsWith;
 
 // Long enough for a whole reply, which is there at once, to be through: a pause in it would end the barcodes.
-constexpr Int32 kSleepTime = 4;
+constexpr Int32 kSleepTime = 250;
 
 TEST(OpScanOverAPseudoTerminal, ThreeSheets)
 {

@@ -385,5 +385,13 @@ TEST_F(PtyDeviceHostTest, TakesNoFilesPlaceForALink)
     EXPECT_TRUE(std::filesystem::is_regular_file(file));
 }
 
+TEST(Pty, KeepsItsNameToItselfAfterHangingUp)
+{
+    Pty gone;
+    gone.hangUp();
+    const Pty next;
+    EXPECT_NE(next.name(), gone.name());
+}
+
 } // namespace
 } // namespace kel

@@ -12,6 +12,7 @@ constexpr std::size_t kSheets = 84;
 constexpr std::size_t kSample = 5;
 constexpr std::size_t kParts = 5;
 constexpr Int32 kPause = 25;
+constexpr Int32 kPauseOfABusyMachine = 250;
 
 /// What a round trip needs of a simulated reader behind a pseudo-terminal.
 class SekonicPtyReader {
@@ -20,7 +21,7 @@ public:
         : device_(makeSimulator(session.model, optionsWith(session, sheets))),
           line_(session.model, *device_, true, false)
     {
-        reader().SleepTime(kPause);
+        reader().SleepTime(longRun() ? kPause : kPauseOfABusyMachine);
         describeForm(reader(), session);
     }
 
