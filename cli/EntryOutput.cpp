@@ -2,7 +2,7 @@
 
 #include "cli/Columns.h"
 #include "cli/JsonLines.h"
-#include "cli/SheetCsv.h"
+#include "store/SheetRows.h"
 #include "types/LineText.h"
 #include "types/Text.h"
 
@@ -25,22 +25,10 @@ class CsvEntries final : public EntryOutput {
 public:
     explicit CsvEntries(Write write) : write_(std::move(write)) {}
 
-    void begin() override { write_(csvLine(joined({"station", "reader", "batch", "time"}, csvHeading()))); }
-
-    void entry(const Entry& entry) override
-    {
-        if (const ReadSheetEntry* read = entry.sheet())
-            write_(csvLine(joined({entry.origin.station, entry.origin.reader, entry.origin.batch, entry.time},
-                                  csvFields(read->sheet))));
-    }
+    void begin() override { write_(csvEntryHeading()); }
+    void entry(const Entry& entry) override { write_(csvEntry(entry)); }
 
 private:
-    static std::vector<std::string> joined(std::vector<std::string> fields, const std::vector<std::string>& more)
-    {
-        fields.insert(fields.end(), more.begin(), more.end());
-        return fields;
-    }
-
     Write write_;
 };
 

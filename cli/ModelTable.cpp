@@ -2,7 +2,7 @@
 
 #include "cli/Columns.h"
 #include "cli/ProfileRecord.h"
-#include "cli/SheetCsv.h"
+#include "store/SheetRows.h"
 #include "types/Text.h"
 
 #include <algorithm>

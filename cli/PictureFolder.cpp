@@ -1,9 +1,9 @@
 #include "cli/PictureFolder.h"
 
-#include "cli/SheetRecords.h"
 #include "cli/UsageError.h"
 #include "host/TextOutput.h"
 #include "pictures/SheetPicture.h"
+#include "store/SheetRecords.h"
 #include "types/Text.h"
 
 #include <algorithm>

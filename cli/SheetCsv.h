@@ -10,13 +10,6 @@
 
 namespace kel {
 
-/// Fields as one line of CSV, line end included: a field with a comma, a quote or a line end is quoted.
-[[nodiscard]] std::string csvLine(const std::vector<std::string>& fields);
-
-/// What a row of a sheet holds, and its heading.
-[[nodiscard]] std::vector<std::string> csvHeading();
-[[nodiscard]] std::vector<std::string> csvFields(const host::Sheet& sheet);
-
 /// The scan as a table for a spreadsheet: a heading, then one row a sheet. `side1` and `side2` hold the marks alone,
 /// as row:column=value with blanks between; several barcodes stand with blanks between. Failures are no rows: they go
 /// to `tell`, as the end does not. With fields a row has their columns in the place of the marks.

@@ -1,8 +1,8 @@
 #include "cli/SheetPage.h"
 
-#include "cli/SheetRecords.h"
 #include "formats/JsonValue.h"
 #include "host/ReaderAdvice.h"
+#include "store/SheetRecords.h"
 
 namespace kel {
 

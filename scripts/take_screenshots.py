@@ -12,9 +12,10 @@ import tempfile
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parents[1]
-sys.path.insert(0, str(ROOT / "tests" / "pictures"))
+sys.path[:0] = [str(ROOT / "tests" / "pictures"), str(ROOT / "tests" / "station")]
 
 from browser import Browser  # noqa: E402
+from station_run import Station, simulated  # noqa: E402
 
 SHOTS = ROOT / "docs" / "screenshots"
 ROWS, COLUMNS = 40, 48
@@ -43,8 +44,30 @@ def sheet(number, chance):
     return {"side1": marks, "barcodes": [] if number == 9 else [f"EXAM-{100200 + number * 37}"]}
 
 
+def take_station(browser, program, where):
+    """A station at work: readers of three makers, one of which does not answer."""
+    form = {"form": "form.json"}
+    station = Station(program, [
+        simulated("hall-left", model=7, **form, rejectBlank=True) |
+        {"set": {"Barcode": True, "Rejecter": True}, "simulate": {"sheets": "sheets.json"}},
+        simulated("hall-right", model=13, count=7, seed=5),
+        simulated("office", count=4, seed=8),
+        {"name": "rear", "model": "Scantron iNSIGHT 4 (OMR)", "device": "/dev/serial/by-id/usb-FTDI_0004"},
+    ], folder=where, station="hall-2")
+    try:
+        browser.driver.set_window_size(1280, 1150)
+        browser.visit(station.address() + "/")
+        station.wait(lambda: station.json("/state")["readers"][0]["sheets"] >= 13)
+        browser.wait_for("return document.querySelectorAll('#last li').length === 24")
+        browser.wait_for("return [...document.querySelectorAll('#last li')].slice(0, 16).every("
+                         "(item) => item.querySelector('img').naturalWidth > 0)")
+        browser.driver.save_screenshot(str(SHOTS / "station.png"))
+    finally:
+        station.close()
+
+
 def main():
-    program = sys.argv[1]
+    program = str(Path(sys.argv[1]).resolve())
     SHOTS.mkdir(exist_ok=True)
     chance = random.Random(81)
     browser = Browser()
@@ -63,6 +86,7 @@ def main():
         browser.run("document.querySelector('#rows button').click(); document.activeElement.blur()")
         picture = browser.driver.find_element("css selector", "#picture svg")
         (SHOTS / "sheet.png").write_bytes(base64.b64decode(picture.screenshot_as_base64))
+        take_station(browser, program, where)
     browser.close()
 
 

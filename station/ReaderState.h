@@ -36,8 +36,9 @@ struct ReaderState {
     std::int64_t rejected = 0;
     std::int64_t failures = 0;
     std::optional<Time> lastSheet{};
-    std::string problem{}; ///< the last failure, a sentence; stays when it is over
-    std::string advice{};  ///< what to do about it, may be empty
+    double sheetsPerMinute = 0; ///< of the last sheets; 0 if none has come for a minute
+    std::string problem{};      ///< the last failure, a sentence; stays when it is over
+    std::string advice{};       ///< what to do about it, may be empty
 };
 
 } // namespace kel

@@ -6,6 +6,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
+#include <ctime>
 
 namespace kel {
 
@@ -38,15 +40,25 @@ public:
         text_ += "# HELP " + name_ + " " + help + "\n# TYPE " + name_ + " " + type + "\n";
     }
 
-    void value(const std::string& labels, std::int64_t number)
+    void value(const std::string& labels, std::int64_t number) { value(labels, std::to_string(number)); }
+    void value(const std::string& labels, const std::string& number)
     {
-        text_ += name_ + "{" + labels + "} " + std::to_string(number) + "\n";
+        text_ += name_ + "{" + labels + "} " + number + "\n";
     }
 
 private:
     std::string& text_;
     std::string name_;
 };
+
+/// A time of the state, 2024-01-31T12:00:00.250Z, as seconds since 1970.
+std::string epochSeconds(const std::string& time)
+{
+    std::tm parts{};
+    const char* const fraction = ::strptime(time.c_str(), "%Y-%m-%dT%H:%M:%S", &parts);
+    const std::string milliseconds = fraction ? std::string(fraction).substr(0, sizeof ".250" - 1) : "";
+    return std::to_string(::timegm(&parts)) + milliseconds;
+}
 
 std::string padded(std::string text, std::size_t width)
 {
@@ -84,38 +96,40 @@ Json jsonState(const StationState& state)
                     {"sheets", reader.sheets},
                     {"rejected", reader.rejected},
                     {"failures", reader.failures}};
+        row["sheetsPerMinute"] = std::round(reader.sheetsPerMinute * 10) / 10;
         row["lastSheet"] = reader.lastSheet ? Json(storeTime(*reader.lastSheet)) : Json(nullptr);
         row["problem"] = validUtf8(reader.problem);
         row["advice"] = validUtf8(reader.advice);
         readers.push_back(std::move(row));
     }
-    return {{"station", state.station},           {"since", storeTime(state.since)},
-            {"store", validUtf8(state.store)},    {"storeProblem", validUtf8(state.storeProblem)},
-            {"stream", jsonStream(state.stream)}, {"readers", std::move(readers)}};
+    return {{"station", state.station},        {"since", storeTime(state.since)},
+            {"store", validUtf8(state.store)}, {"storeProblem", validUtf8(state.storeProblem)},
+            {"storeBytes", state.storeBytes},  {"stream", jsonStream(state.stream)},
+            {"watchers", state.watchers},      {"readers", std::move(readers)}};
 }
 
 std::string stateTable(const Json& state)
 {
-    constexpr std::size_t kWidths[] = {16, 26, 10, 26, 9, 10};
+    constexpr std::size_t kWidths[] = {16, 26, 10, 26, 9, 10, 10};
     std::string text = "Station " + state.at("station").get<std::string>() + ", since " +
                        state.at("since").get<std::string>() + ", store " + state.at("store").get<std::string>() + "\n";
     if (const auto problem = state.at("storeProblem").get<std::string>(); !problem.empty())
         text += problem + "\n";
     if (const Json& stream = state.at("stream"); !stream.is_null())
         text += streamLine(stream);
-    const auto row = [&](const std::array<std::string, 6>& fields) {
+    const auto row = [&](const std::array<std::string, 7>& fields) {
         std::string line;
         for (std::size_t i = 0; i < fields.size(); ++i)
             line += padded(fields[i], kWidths[i]);
         line.erase(line.find_last_not_of(' ') + 1);
         text += line + "\n";
     };
-    row({"READER", "MODEL", "STATE", "SINCE", "SHEETS", "REJECTED"});
+    row({"READER", "MODEL", "STATE", "SINCE", "SHEETS", "REJECTED", "A MINUTE"});
     for (const Json& reader : state.at("readers")) {
         row({reader.at("name").get<std::string>(), reader.at("model").get<std::string>(),
              reader.at("state").get<std::string>(), reader.at("since").get<std::string>(),
              std::to_string(reader.at("sheets").get<std::int64_t>()),
-             std::to_string(reader.at("rejected").get<std::int64_t>())});
+             std::to_string(reader.at("rejected").get<std::int64_t>()), reader.at("sheetsPerMinute").dump()});
         const auto problem = reader.at("problem").get<std::string>();
         const auto advice = reader.at("advice").get<std::string>();
         if (!problem.empty())
@@ -138,24 +152,36 @@ std::string stateMetrics(const Json& state)
         for (const Json& reader : state.at("readers"))
             metric.value(ofReader(reader), reader.at(field).get<std::int64_t>());
     };
+    const auto gauge = [&](const char* name, const char* help) { return Metric(text, name, "gauge", help); };
     count("kelreader_sheets_total", "sheets", "Sheets that were read and stored since the station began.");
     count("kelreader_rejected_total", "rejected", "Those of them that were rejected.");
     count("kelreader_failures_total", "failures", "Failures that were reported; one that lasts counts once.");
-    Metric states(text, "kelreader_reader_state", "gauge", "1 for the state in which the reader is.");
+    Metric states = gauge("kelreader_reader_state", "1 for the state in which the reader is.");
     for (const Json& reader : state.at("readers")) {
         for (const Activity activity : kActivities)
             states.value(ofReader(reader) + ",state=" + label(std::string(nameOf(activity))),
                          reader.at("state").get<std::string>() == nameOf(activity) ? 1 : 0);
     }
-    Metric(text, "kelreader_store_problem", "gauge", "1 while the store takes no sheets.")
+    Metric lastSheets =
+        gauge("kelreader_reader_last_sheet_timestamp_seconds", "When the reader's last sheet was stored.");
+    for (const Json& reader : state.at("readers")) {
+        if (reader.at("lastSheet").is_string())
+            lastSheets.value(ofReader(reader), epochSeconds(reader.at("lastSheet").get<std::string>()));
+    }
+    gauge("kelreader_station_start_timestamp_seconds", "When the station began.")
+        .value(station, epochSeconds(state.at("since").get<std::string>()));
+    gauge("kelreader_store_problem", "1 while the store takes no sheets.")
         .value(station, state.at("storeProblem").get<std::string>().empty() ? 0 : 1);
     if (const Json& stream = state.at("stream"); !stream.is_null()) {
-        Metric(text, "kelreader_stream_up", "gauge", "1 while the stream takes sheets.")
+        gauge("kelreader_stream_up", "1 while the stream takes sheets.")
             .value(station, stream.at("up").get<bool>() ? 1 : 0);
-        Metric(text, "kelreader_stream_unsent", "gauge",
-               "Sheets and reports of the store that the stream does not have.")
+        gauge("kelreader_stream_unsent", "Sheets and reports of the store that the stream does not have.")
             .value(station, stream.at("unsent").get<std::int64_t>());
     }
+    gauge("kelreader_store_size_bytes", "What the store takes on the disk.")
+        .value(station, state.at("storeBytes").get<std::int64_t>());
+    gauge("kelreader_page_watchers", "Pages that watch the station.")
+        .value(station, state.at("watchers").get<std::int64_t>());
     return text;
 }
 

@@ -5,6 +5,17 @@
 
 namespace kel {
 
+namespace {
+
+std::int64_t sizeOf(const std::filesystem::path& file)
+{
+    std::error_code error;
+    const std::uintmax_t size = std::filesystem::file_size(file, error);
+    return error ? 0 : static_cast<std::int64_t>(size);
+}
+
+} // namespace
+
 Station::Station(StationPlan plan, Tell tell, Advice advice)
     : plan_(std::move(plan)), tell_(std::move(tell)), since_(std::chrono::system_clock::now()),
       store_(plan_.store, "station " + plan_.station), calls_{.tell = tell_,
@@ -76,12 +87,11 @@ void Station::change(StationPlan plan)
 StationState Station::state() const
 {
     const std::lock_guard lock(mutex_);
-    StationState state{.station = plan_.station,
-                       .since = since_,
-                       .store = store_.file().string(),
-                       .storeProblem = {},
-                       .stream = {},
-                       .readers = {}};
+    StationState state;
+    state.station = plan_.station;
+    state.since = since_;
+    state.store = store_.file().string();
+    state.storeBytes = sizeOf(store_.file()) + sizeOf(store_.file().string() + "-wal");
     for (const auto& reader : readers_)
         state.readers.push_back(reader->state());
     const bool isStoring = std::any_of(state.readers.begin(), state.readers.end(),

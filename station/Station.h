@@ -19,7 +19,9 @@ struct StationState {
     std::string station{};
     ReaderState::Time since{};
     std::string store{};
-    std::string storeProblem{}; ///< empty while the store takes sheets
+    std::string storeProblem{};  ///< empty while the store takes sheets
+    std::int64_t storeBytes = 0; ///< with what is not in the file itself yet
+    int watchers = 0;            ///< pages that watch the station
     std::optional<StreamState> stream{};
     std::vector<ReaderState> readers{};
 };

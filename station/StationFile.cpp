@@ -5,6 +5,7 @@
 #include "host/LoadedSettings.h"
 #include "host/PropertyTable.h"
 #include "host/Reader.h"
+#include "station/IpAddress.h"
 #include "station/JsonFaults.h"
 #include "store/ReaderSetup.h"
 #include "stream/StreamFiles.h"
@@ -87,6 +88,8 @@ public:
         if (plan_.socket.native().size() > kLongestSocket)
             faults_.add({"socket"}, "is longer than a socket's name may be (" + std::to_string(kLongestSocket) +
                                         " bytes); give it a shorter one");
+        if (plan_.page && plan_.metrics && plan_.page->port != 0 && plan_.page->port == plan_.metrics->port)
+            faults_.add({"metrics.port"}, "is the port of the page; give it another one");
         if (plan_.firstPause > plan_.longestPause)
             faults_.add({"retry.first"}, "is longer than \"longest\"");
     }
@@ -103,6 +106,8 @@ public:
                 {"batch", [this](const Json& v, const JsonPlace& p) { batch_ = readFilled(v, p); }},
                 {"retry", [this](const Json& v, const JsonPlace& p) { readRetry(v, p); }},
                 {"stream", [this](const Json& v, const JsonPlace& p) { readStream(v, p); }},
+                {"page", [this](const Json& v, const JsonPlace& p) { readPage(v, p); }},
+                {"metrics", [this](const Json& v, const JsonPlace& p) { readMetrics(v, p); }},
                 {"readers", [this](const Json& v, const JsonPlace& p) { readReaders(v, p); }}};
     }
 
@@ -203,6 +208,53 @@ private:
             fault = exposureOf(file_);
         if (!fault.empty())
             faults_.add(place, "cannot be used: " + fault.substr(0, fault.size() - 1));
+    }
+
+    static Int32 readPort(const Json& value, const JsonPlace& place)
+    {
+        constexpr Int32 kHighestPort = 65'535;
+        return readJsonLongNumber(value, place, 0, kHighestPort);
+    }
+
+    void readPage(const Json& value, const JsonPlace& place)
+    {
+        WebPlan& page = plan_.page.emplace();
+        const auto file = [this](std::filesystem::path& target) {
+            return [this, &target](const Json& v, const JsonPlace& p) { target = path(v, p); };
+        };
+        const std::size_t before = faults_.all().size();
+        faults_.readObject(value, place,
+                           {{"port", [&](const Json& v, const JsonPlace& p) { page.port = readPort(v, p); }},
+                            {"address", [&](const Json& v, const JsonPlace& p) { page.address = readAddress(v, p); }},
+                            {"passwords", file(page.passwords)},
+                            {"certificate", file(page.certificate)},
+                            {"key", file(page.key)}});
+        if (value.is_object() && !value.contains("port"))
+            faults_.add(place, "has no \"port\"");
+        if (page.certificate.empty() != page.key.empty())
+            faults_.add(place, "has one of \"certificate\" and \"key\"; it needs both");
+        else if (!isLoopback(page.address) && (page.passwords.empty() || page.key.empty()))
+            faults_.add(place, "can be reached from other machines at " + page.address +
+                                   "; give it \"passwords\", \"certificate\" and \"key\", or leave the address out");
+        if (faults_.all().size() == before)
+            faults_.attempt(place, [&] { checkWebPlan(page); });
+    }
+
+    static std::string readAddress(const Json& value, const JsonPlace& place)
+    {
+        std::string address = readJsonText(value, place);
+        if (!isIpAddress(address))
+            place.refuse("has to be an IP address, such as 127.0.0.1, or 0.0.0.0 for all of this machine");
+        return address;
+    }
+
+    void readMetrics(const Json& value, const JsonPlace& place)
+    {
+        WebPlan& metrics = plan_.metrics.emplace();
+        faults_.readObject(value, place,
+                           {{"port", [&](const Json& v, const JsonPlace& p) { metrics.port = readPort(v, p); }}});
+        if (value.is_object() && !value.contains("port"))
+            faults_.add(place, "has no \"port\"");
     }
 
     void readSimulation(const Json& value, const JsonPlace& place, host::Simulation& simulation) const

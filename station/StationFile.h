@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/Request.h"
+#include "station/WebServer.h"
 #include "store/Pauses.h"
 #include "stream/StreamLink.h"
 
@@ -27,6 +28,8 @@ struct StationPlan {
     Pauses::Time firstPause{1000};
     Pauses::Time longestPause{30'000};
     std::optional<StreamAddress> stream{}; ///< where the sheets go from the store
+    std::optional<WebPlan> page{};
+    std::optional<WebPlan> metrics{};
     std::vector<ReaderPlan> readers{};
     std::string content{}; ///< what the file says of all but the readers
 };

@@ -113,7 +113,9 @@ StationReader::~StationReader()
 ReaderState StationReader::state() const
 {
     const std::lock_guard lock(mutex_);
-    return state_;
+    ReaderState state = state_;
+    state.sheetsPerMinute = speed_.perMinute(std::chrono::steady_clock::now());
+    return state;
 }
 
 bool StationReader::stopping() const
@@ -242,6 +244,7 @@ void StationReader::stored(const host::Sheet& sheet)
     if (sheet.rejected)
         ++state_.rejected;
     state_.lastSheet = std::chrono::system_clock::now();
+    speed_.count(std::chrono::steady_clock::now());
     needsSheet_ = false;
     failedNow_ = false;
     become(Activity::Reading, lock);

@@ -2,6 +2,7 @@
 
 #include "host/Reader.h"
 #include "station/ReaderState.h"
+#include "station/Speed.h"
 #include "station/StationFile.h"
 #include "store/SheetStore.h"
 
@@ -64,6 +65,7 @@ private:
     mutable std::mutex mutex_;
     std::condition_variable changed_;
     ReaderState state_;
+    Speed speed_;
     bool stopping_ = false;
     bool ended_ = false;
     bool reads_ = false;      ///< the session has come to its first sheet

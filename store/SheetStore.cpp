@@ -53,8 +53,8 @@ std::string storeTime(std::time_t seconds, int milliseconds)
 /// The open file, with what is written to it.
 class SheetStore::Writer {
 public:
-    explicit Writer(const std::filesystem::path& file)
-        : database_(file, SqliteDatabase::Mode::Shared, kPatience), tables_(prepared(database_, file)),
+    Writer(const std::filesystem::path& file, const Clock& clock)
+        : clock_(clock), database_(file, SqliteDatabase::Mode::Shared, kPatience), tables_(prepared(database_, file)),
           nextId_(database_, "UPDATE store SET last = last + 1 RETURNING last, identity"),
           addSetup_(database_, "INSERT INTO setup (model, threshold, form) VALUES (?, ?, ?) ON CONFLICT DO UPDATE SET "
                                "model = excluded.model RETURNING id"),
@@ -120,7 +120,7 @@ private:
             return;
         entry.origin.store = run.textAt(1);
         entry.identity = entry.origin.store + "-" + std::to_string(entry.id);
-        entry.time = storeTime(std::chrono::system_clock::now());
+        entry.time = storeTime(clock_());
     }
 
     std::int64_t batchOf(const Entry& entry)
@@ -200,6 +200,7 @@ private:
             .next();
     }
 
+    const Clock& clock_;
     SqliteDatabase database_;
     bool tables_; // made before the statements that name them
     SqliteStatement nextId_;
@@ -213,11 +214,11 @@ private:
     Int32 lastSheet_ = 0;
 };
 
-SheetStore::SheetStore(std::filesystem::path file, const std::string& owner)
-    : file_(std::move(file)), lock_(file_, owner)
+SheetStore::SheetStore(std::filesystem::path file, const std::string& owner, Clock clock)
+    : file_(std::move(file)), clock_(std::move(clock)), lock_(file_, owner)
 {
     makeFile(file_);
-    onStore(file_, [&] { writer_ = std::make_unique<Writer>(file_); });
+    onStore(file_, [&] { writer_ = std::make_unique<Writer>(file_, clock_); });
 }
 
 SheetStore::~SheetStore() = default;
@@ -285,7 +286,7 @@ void SheetStore::write(const std::vector<Waiting*>& group)
         onStore(file_, [&] {
             if (!writer_) {
                 makeFile(file_);
-                writer_ = std::make_unique<Writer>(file_);
+                writer_ = std::make_unique<Writer>(file_, clock_);
             }
             writer_->write(group);
         });

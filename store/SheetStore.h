@@ -8,6 +8,7 @@
 #include <ctime>
 #include <exception>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <span>
@@ -20,9 +21,11 @@ namespace kel {
 /// the disk at the same time go to it together.
 class SheetStore {
 public:
+    using Clock = std::function<std::chrono::system_clock::time_point()>;
+
     /// Opens the store for writing, and makes it if there is none. StoreProblem if that fails, or if somebody writes to
-    /// it already.
-    SheetStore(std::filesystem::path file, const std::string& owner);
+    /// it already. `clock` has the times of the sheets; it may be set back.
+    SheetStore(std::filesystem::path file, const std::string& owner, Clock clock = &std::chrono::system_clock::now);
     ~SheetStore();
     SheetStore(const SheetStore&) = delete;
     SheetStore& operator=(const SheetStore&) = delete;
@@ -55,6 +58,7 @@ private:
     void write(const std::vector<Waiting*>& group);
 
     std::filesystem::path file_;
+    Clock clock_;
     StoreLock lock_;
     std::mutex mutex_;
     std::condition_variable written_;

@@ -6,6 +6,7 @@
 #include "store/StoreProblem.h"
 #include "store/StoreSchema.h"
 
+#include <algorithm>
 #include <ctime>
 #include <utility>
 #include <vector>
@@ -26,6 +27,18 @@ constexpr const char* kFind = R"(
     SELECT failure.id, 1 FROM failure JOIN batch ON batch.id = failure.batch
     WHERE failure.id > ?1 AND (?2 = '' OR reader = ?2) AND (?3 = '' OR name = ?3) AND time >= ?4 AND ?5
     ORDER BY 1 LIMIT ?6)";
+
+// How many ids one query of a search goes through, and one search.
+constexpr std::int64_t kLookedAtOnce = 20'000;
+constexpr std::int64_t kLookedAtMost = 400'000;
+
+constexpr const char* kSearch = R"(
+    SELECT sheet.id FROM sheet JOIN batch ON batch.id = sheet.batch
+    WHERE sheet.id < ?1 AND sheet.id >= ?2 AND (?3 = '' OR reader = ?3) AND (?4 = '' OR name = ?4) AND time >= ?5
+          AND (?6 = '' OR instr(barcodes, ?6)) AND (NOT ?7 OR rejected)
+          AND (NOT ?8 OR (record IS NULL AND NOT ifnull(instr(side1, '"marks":[['), 0)
+                          AND NOT ifnull(instr(side2, '"marks":[['), 0)))
+    ORDER BY sheet.id DESC LIMIT ?9)";
 
 constexpr const char* kSheet = R"(
     SELECT identity, store, station, reader, name, time, model, threshold, form, number, side1, side2,
@@ -65,6 +78,13 @@ MarkArray sideAt(const SqliteStatement::Run& row, int column)
 {
     const std::string text = row.textAt(column);
     return text.empty() ? MarkArray() : sideOf(parseJson(text));
+}
+
+/// A part of a text as it stands within the JSON of the texts.
+std::string writtenPart(const std::string& part)
+{
+    const std::string text = jsonText(validUtf8(part));
+    return text.substr(1, text.size() - 2);
 }
 
 /// Reads a local time, or one of UTC.
@@ -130,6 +150,78 @@ std::int64_t StoredSheets::read(const StoreFilter& filter, std::int64_t after, c
         } while (found.size() == kAtOnce);
     });
     return after;
+}
+
+FoundSheets StoredSheets::find(const SheetSearch& search, std::int64_t before, std::size_t most)
+{
+    FoundSheets found;
+    onStore(file_, [&] {
+        if (before == 0)
+            before = numberOf("SELECT ifnull(max(id), 0) + 1 FROM sheet");
+        const std::int64_t end = std::max<std::int64_t>(before - kLookedAtMost, 1);
+        const std::string barcode = writtenPart(search.barcode);
+        SqliteStatement query(database_, kSearch);
+        while (before > end && found.sheets.size() < most) {
+            const std::int64_t from = std::max(before - kLookedAtOnce, end);
+            std::vector<std::int64_t> ids;
+            {
+                SqliteStatement::Run rows(query);
+                rows.number(before).number(from).text(search.reader).text(search.batch).text(search.since);
+                rows.text(barcode).number(search.rejected).number(search.blank);
+                rows.number(static_cast<std::int64_t>(most - found.sheets.size()));
+                while (rows.next())
+                    ids.push_back(rows.numberAt(0));
+            }
+            before = from;
+            for (const std::int64_t id : ids) {
+                if (std::optional<Entry> entry = sheetOf(id))
+                    found.sheets.push_back(std::move(*entry));
+                if (found.sheets.size() == most)
+                    before = id;
+            }
+        }
+        found.next = before > 1 ? before : 0;
+    });
+    return found;
+}
+
+std::optional<Entry> StoredSheets::sheet(std::int64_t id)
+{
+    std::optional<Entry> entry;
+    onStore(file_, [&] { entry = sheetOf(id); });
+    return entry;
+}
+
+std::int64_t StoredSheets::lastId()
+{
+    std::int64_t last = 0;
+    onStore(file_, [&] { last = numberOf("SELECT last FROM store"); });
+    return last;
+}
+
+std::vector<StoredBatch> StoredSheets::batches(std::size_t most)
+{
+    std::vector<StoredBatch> found;
+    onStore(file_, [&] {
+        SqliteStatement query(database_,
+                              "SELECT station, reader, name, sheets FROM batch WHERE sheets > 0 ORDER BY id DESC "
+                              "LIMIT ?");
+        SqliteStatement::Run rows(query);
+        rows.number(static_cast<std::int64_t>(most));
+        while (rows.next())
+            found.push_back({.station = rows.textAt(0),
+                             .reader = rows.textAt(1),
+                             .name = rows.textAt(2),
+                             .sheets = rows.numberAt(3)});
+    });
+    return found;
+}
+
+std::int64_t StoredSheets::numberOf(const char* query)
+{
+    SqliteStatement statement(database_, query);
+    SqliteStatement::Run row(statement);
+    return row.next() ? row.numberAt(0) : 0;
 }
 
 std::optional<Entry> StoredSheets::sheetOf(std::int64_t id)

@@ -8,6 +8,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace kel {
 
@@ -19,6 +20,30 @@ struct StoreFilter {
     bool failures = true; ///< the reports of the readers, too
 };
 
+/// Which sheets are looked for; an empty text, or false, is no condition.
+struct SheetSearch {
+    std::string reader{};
+    std::string batch{};
+    std::string since{};   ///< from this time on, as the store writes times
+    std::string barcode{}; ///< what one of the barcodes has in it
+    bool rejected = false;
+    bool blank = false;
+};
+
+/// What a search has found, newest first.
+struct FoundSheets {
+    std::vector<Entry> sheets{};
+    std::int64_t next = 0; ///< where to go on: the sheets before this id have not been looked at; 0 if there are none
+};
+
+/// A batch of a store.
+struct StoredBatch {
+    std::string station{};
+    std::string reader{};
+    std::string name{};
+    std::int64_t sheets = 0; ///< the number of its last sheet
+};
+
 /// Reads a store, also while somebody writes to it. Every failure is a StoreProblem.
 class StoredSheets {
 public:
@@ -28,6 +53,19 @@ public:
 
     /// Hands out the entries after an id, in their order, until `take` answers false. The id of the last.
     std::int64_t read(const StoreFilter& filter, std::int64_t after, const Take& take);
+
+    /// Looks for sheets with ids below `before`, or for the newest of all if it is 0: at most so many, and no longer
+    /// than somebody who looks at a page waits.
+    [[nodiscard]] FoundSheets find(const SheetSearch& search, std::int64_t before, std::size_t most);
+
+    /// The sheet of an id, if there is one.
+    [[nodiscard]] std::optional<Entry> sheet(std::int64_t id);
+
+    /// The id that was given last, to a sheet or a report.
+    [[nodiscard]] std::int64_t lastId();
+
+    /// The batches with sheets that began last, newest first.
+    [[nodiscard]] std::vector<StoredBatch> batches(std::size_t most);
 
     /// What became of old entries.
     struct Forgotten {
@@ -47,6 +85,7 @@ public:
 private:
     [[nodiscard]] std::optional<Entry> sheetOf(std::int64_t id);
     [[nodiscard]] std::optional<Entry> failureOf(std::int64_t id);
+    [[nodiscard]] std::int64_t numberOf(const char* query);
 
     std::filesystem::path file_;
     SqliteDatabase database_;

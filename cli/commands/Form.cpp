@@ -1,11 +1,11 @@
 #include "host/Form.h"
 #include "cli/CommandList.h"
 #include "cli/Commands.h"
-#include "cli/SheetRecords.h"
 #include "host/ModelLookup.h"
 #include "host/TextOutput.h"
 #include "pictures/SheetPicture.h"
 #include "profiles/clsKELReaderProfiles.h"
+#include "store/SheetRecords.h"
 #include "types/Text.h"
 
 #include <iostream>

@@ -3,10 +3,10 @@
 #include "cli/EntryOutput.h"
 #include "cli/InterruptWatch.h"
 #include "cli/PictureFolder.h"
-#include "cli/SheetRecords.h"
 #include "cli/UsageError.h"
 #include "host/TextOutput.h"
 #include "platform/posix/EventCall.h"
+#include "store/SheetRecords.h"
 #include "store/StoreWatch.h"
 #include "store/StoredSheets.h"
 

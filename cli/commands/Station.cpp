@@ -8,6 +8,7 @@
 #include "station/ServiceNotice.h"
 #include "station/StateSocket.h"
 #include "station/StateText.h"
+#include "station/StationServers.h"
 
 #include <csignal>
 #include <iostream>
@@ -126,7 +127,8 @@ void readAgain(Station& station, const std::string& name)
 }
 
 /// Serves whoever asks, until a signal ends the station.
-void lookAfter(Station& station, const StateSocket& socket, const Signals& signals, const std::string& name)
+void lookAfter(Station& station, const StationServers& servers, const StateSocket& socket, const Signals& signals,
+               const std::string& name)
 {
     const std::optional<std::chrono::milliseconds> watchdog = watchdogPeriod();
     for (;;) {
@@ -134,7 +136,7 @@ void lookAfter(Station& station, const StateSocket& socket, const Signals& signa
         retrying(
             [&] { return ::poll(handles, std::size(handles), watchdog ? static_cast<int>(watchdog->count()) : -1); });
         // A station whose state cannot be had is stuck, and does not say that it lives.
-        const std::string state = jsonText(jsonState(station.state())) + "\n";
+        const std::string state = jsonText(jsonState(servers.state())) + "\n";
         tellServiceManager("WATCHDOG=1");
         if (handles[1].revents != 0)
             socket.answer(state);
@@ -152,12 +154,13 @@ int runStation(const Arguments& arguments)
     StationFile file = readStationFile(arguments.file);
     if (!isSound(file, arguments.file))
         return kUsageStatus;
-    const std::filesystem::path socketFile = file.plan.socket;
     {
-        Station station(std::move(file.plan), &tell, &adviceText);
-        const StateSocket socket(socketFile);
+        StationPorts ports = takePorts(file.plan);
+        Station station(file.plan, &tell, &adviceText);
+        const StateSocket socket(file.plan.socket);
+        const StationServers servers(std::move(ports), file.plan, station, &tell);
         tellServiceManager("READY=1");
-        lookAfter(station, socket, signals, arguments.file);
+        lookAfter(station, servers, socket, signals, arguments.file);
         tellServiceManager("STOPPING=1");
         signals.letGo(); // a second one does not wait for the sheets that come out
     }

@@ -1,5 +1,6 @@
 #include "cli/SheetCsv.h"
 #include "cli/SheetTable.h"
+#include "store/SheetRows.h"
 
 #include <gtest/gtest.h>
 

@@ -1,3 +1,6 @@
+#include "platform/posix/Sqlite.h"
+#include "store/SheetStore.h"
+#include "store/StoreSchema.h"
 #include "store/StoredSheets.h"
 #include "tests/cli/CommandRun.h"
 #include "tests/support/Patience.h"
@@ -152,6 +155,51 @@ TEST_F(StationCommand, ShowsItsStateToItsUserAndGroup)
     EXPECT_EQ(station.finish().status, 0);
     EXPECT_FALSE(std::filesystem::exists(store_ + "-socket"));
     EXPECT_THAT(runCommand({"station", path, "--state"}).errors, HasSubstr("No station is at work at "));
+}
+
+TEST_F(StationCommand, IsRefusedOnTheStoreOfAnother)
+{
+    RunningCommand station({"station", file(simulated("left", 2))});
+    ASSERT_TRUE(station.waitForError("left: has no more sheets"));
+    const std::string other = folder_.write("other.json", R"({"station": "other", "store": "hall.db", "readers": [)" +
+                                                              simulated("right", 5) + "]}");
+    const CommandOutcome second = runCommand({"station", other});
+    EXPECT_EQ(second.status, 1);
+    EXPECT_EQ(second.errors, "kelreader: The store " + store_ + " is in use by station hall, process " +
+                                 std::to_string(station.process()) +
+                                 ", and a store has one writer; end that one, or name another store.\n");
+    EXPECT_THAT(numbers("right"), testing::IsEmpty());
+    // The first one's socket, lock and sheets are as they were.
+    EXPECT_EQ(state()["readers"][0]["sheets"], 2);
+    station.signal(SIGTERM);
+    EXPECT_EQ(station.finish().status, 0);
+    EXPECT_THAT(numbers("left"), testing::ElementsAre(1, 2));
+}
+
+TEST_F(StationCommand, LeavesAStoreOfANewerVersionAlone)
+{
+    {
+        const SheetStore store(store_, "a test");
+    }
+    SqliteDatabase(store_, SqliteDatabase::Mode::Shared, 0).run("PRAGMA user_version = 99");
+    const CommandOutcome refused = runCommand({"station", file(simulated("left", 2))});
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_EQ(countOf(refused.errors, "\n"), 1U);
+    EXPECT_THAT(refused.errors, HasSubstr("has version 99, and this program knows versions up to"));
+    EXPECT_FALSE(std::filesystem::exists(store_ + "-socket"));
+    SqliteDatabase(store_, SqliteDatabase::Mode::Shared, 0)
+        .run(("PRAGMA user_version = " + std::to_string(kStoreVersion)).c_str());
+    EXPECT_THAT(numbers("left"), testing::IsEmpty());
+}
+
+TEST_F(StationCommand, BringsAStoreOfAnOlderVersionUpToDate)
+{
+    folder_.write("hall.db", "");
+    RunningCommand station({"station", file(simulated("left", 2))});
+    ASSERT_TRUE(station.waitForError("left: has no more sheets"));
+    EXPECT_THAT(numbers("left"), testing::ElementsAre(1, 2));
+    station.signal(SIGTERM);
+    EXPECT_EQ(station.finish().status, 0);
 }
 
 TEST_F(StationCommand, ChecksAFile)

@@ -43,6 +43,12 @@ python3 -B "$source/tests/installation/interface.py" "$work/root/include" "$libr
 remote=$("$kelreader" scan --model 24 --device tcp:127.0.0.1:1 --max-sheets 1 2>&1 || true)
 case "$remote" in *'"number":80'*) ;; *) fail "a remote line is not tried: $remote" ;; esac
 
+# So is the module with a station's page, where it was built.
+if [ -e "$build/bin/libKELReader81U_web.so" ]; then
+    echo '{"store": "x.db", "page": {"port": 0}, "readers": [{"name": "a", "model": 13, "simulate": {}}]}' >"$work/station.json"
+    "$kelreader" station --check "$work/station.json" >/dev/null || fail "a station with a page is refused"
+fi
+
 # Hosts built against the package by each compiler, with nothing of ours on their path but one folder.
 for compiler in g++ clang++; do
     [ "$compiler" = g++ ] || [ -z "$flags" ] || continue # a sanitized library has its own compiler's sanitizers

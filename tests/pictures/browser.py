@@ -2,15 +2,20 @@
 
 import base64
 import json
+import os
 import tempfile
 from pathlib import Path
 
 from selenium import webdriver
 from selenium.webdriver.chrome.options import Options
 from selenium.webdriver.chrome.service import Service
+from selenium.webdriver.support.ui import WebDriverWait
 
 # How long anything may take before it counts as hung, in seconds.
 HUNG = 300
+
+# The share of pixels in which a screenshot may differ from the one that is kept.
+MOST_DIFFERENT = 0.01
 
 # How much two screenshots differ: the share of pixels in which a colour is further off than smoothed edges are.
 COMPARE = """
@@ -54,8 +59,15 @@ class Browser:
         self._profile.cleanup()
 
     def open(self, page):
+        self.visit(Path(page).resolve().as_uri())
+
+    def visit(self, address):
         self.driver.get_log("browser")
-        self.driver.get(Path(page).resolve().as_uri())
+        self.driver.get(address)
+
+    def wait_for(self, script, *arguments):
+        """Waits until a script returns something true, and returns it."""
+        return WebDriverWait(self.driver, HUNG, poll_frequency=0.05).until(lambda _: self.run(script, *arguments))
 
     def run(self, script, *arguments):
         return self.driver.execute_script(script, *arguments)
@@ -78,6 +90,15 @@ class Browser:
         nodes = self.driver.execute_cdp_cmd("Accessibility.getFullAXTree", {})["nodes"]
         return [node.get("name", {}).get("value", "") for node in nodes
                 if not node.get("ignored") and node.get("role", {}).get("value") == role]
+
+    def looks_like(self, kept, taken):
+        """Whether a screenshot, as base64, is one that is kept, which KEEP_SCREENSHOTS=1 takes anew; else what differs."""
+        if os.environ.get("KEEP_SCREENSHOTS"):
+            kept.write_bytes(base64.b64decode(taken))
+        different = self.difference(base64.b64encode(kept.read_bytes()).decode(), taken)
+        if isinstance(different, (int, float)) and different < MOST_DIFFERENT:
+            return True
+        return f"{kept}: {different}"
 
     def difference(self, kept, taken):
         """The share of differing pixels of two screenshots as base64, or their sizes if these differ."""

@@ -144,6 +144,37 @@ TEST_F(AStationFile, IsToldAllThatIsWrongAtOnce)
                             "retry.first is longer than \"longest\"."));
 }
 
+TEST_F(AStationFile, SaysWhereItsPageAndItsMetricsAre)
+{
+    const std::string readers = R"(, "readers": [{"name": "left", "model": 13, "port": 1}]})";
+    const StationFile file = read(R"({"store": "hall.db", "page": {"port": 8181}, "metrics": {"port": 0})" + readers);
+    EXPECT_THAT(file.faults, IsEmpty());
+    ASSERT_TRUE(file.plan.page && file.plan.metrics);
+    EXPECT_EQ(file.plan.page->port, 8181);
+    EXPECT_EQ(file.plan.page->address, "127.0.0.1");
+    EXPECT_EQ(file.plan.metrics->port, 0);
+    EXPECT_THAT(read(R"({"store": "x", "page": {"address": "localhost", "certificate": "a", "port": 70000},
+                         "metrics": {"address": "0.0.0.0"})" +
+                     readers)
+                    .faults,
+                ElementsAre(HasSubstr("page.address has to be an IP address"),
+                            HasSubstr("page.port has to be a whole number from 0 to 65535"),
+                            "page has one of \"certificate\" and \"key\"; it needs both.",
+                            HasSubstr("metrics has a key \"address\" that is not known"), "metrics has no \"port\"."));
+    EXPECT_THAT(read(R"({"store": "x", "page": {"port": 8181}, "metrics": {"port": 8181})" + readers).faults,
+                ElementsAre("metrics.port is the port of the page; give it another one."));
+    for (const char* address : {"0.0.0.0", "192.168.1.2", "::", "fe80::1"})
+        EXPECT_THAT(
+            read(R"({"store": "x", "page": {"port": 1, "address": ")" + std::string(address) + "\"}" + readers).faults,
+            ElementsAre(testing::StartsWith("page can be reached from other machines at ")))
+            << address;
+    for (const char* address : {"127.0.0.1", "127.1.2.3", "::1"})
+        EXPECT_THAT(
+            read(R"({"store": "x", "page": {"port": 1, "address": ")" + std::string(address) + "\"}" + readers).faults,
+            IsEmpty())
+            << address;
+}
+
 TEST_F(AStationFile, ThatIsNoneIsOneSentence)
 {
     EXPECT_THAT(read("{").faults, ElementsAre(HasSubstr("the file is not JSON: ")));

@@ -313,6 +313,90 @@ TEST_F(Store, RefusesAStoreOfANewerVersionAndLeavesItAlone)
     EXPECT_EQ(run.numberAt(0), 99);
 }
 
+TEST_F(Store, OfAnOlderVersionIsBroughtUpToDateByAWriter)
+{
+    folder_.write("hall.db", "");
+    const std::string sentence = "has version 0, which a scan or a station brings up to date when it opens it";
+    EXPECT_THAT(problemOf([&] { StoredSheets{file_}; }), HasSubstr(sentence));
+    EXPECT_EQ(std::filesystem::file_size(file_), 0U);
+    SheetStore store(file_, "a test");
+    Entry entry = entryWith("x");
+    store.add(entry);
+    EXPECT_THAT(entries(), SizeIs(1));
+}
+
+TEST_F(Store, HoldsOrderAndNumbersWhenTheClockIsSetBack)
+{
+    const auto noon = std::chrono::system_clock::now();
+    auto clock = noon;
+    SheetStore store(file_, "a test", [&] { return clock; });
+    for (const auto hours : {0, 1, -1, -2, 2}) {
+        clock = noon + std::chrono::hours(hours);
+        Entry entry = entryWith("x");
+        store.add(entry);
+        EXPECT_EQ(entry.time, storeTime(clock));
+    }
+    EXPECT_THAT(numbers("left"), ElementsAre(1, 2, 3, 4, 5));
+    const std::vector<Entry> found = entries();
+    for (std::size_t i = 0; i < found.size(); ++i)
+        EXPECT_EQ(found[i].id, static_cast<std::int64_t>(i) + 1);
+    // Whoever follows the store gets what comes, whatever the time says.
+    std::vector<std::int64_t> following;
+    EXPECT_EQ(StoredSheets(file_).read({}, 2,
+                                       [&](const Entry& entry) {
+                                           following.push_back(entry.id);
+                                           return true;
+                                       }),
+              5);
+    EXPECT_THAT(following, ElementsAre(3, 4, 5));
+    // Who asks for a time gets all that bears it.
+    EXPECT_THAT(entries({.since = storeTime(noon)}), SizeIs(3));
+}
+
+TEST_F(Store, IsSearchedFromTheNewestOn)
+{
+    SheetStore store(file_, "a test");
+    for (const char* barcode : {"EXAM-1", "EXAM-2", "\"quoted\"", "EXAM-3"}) {
+        Entry entry = entryWith(barcode, barcode == std::string("EXAM-3") ? "right" : "left");
+        std::get<ReadSheetEntry>(entry.what).sheet.rejected = barcode == std::string("EXAM-2");
+        store.add(entry);
+    }
+    Entry report{.origin = {.station = "hall", .reader = "left", .batch = "failed"}, .what = ReportEntry{}};
+    store.add(report);
+    Entry blank = entryWith("");
+    std::get<ReadSheetEntry>(blank.what).sheet.side1.ReDim(3, 4);
+    store.add(blank);
+
+    StoredSheets stored(file_);
+    const auto ids = [](const FoundSheets& found) {
+        std::vector<std::int64_t> all;
+        for (const Entry& entry : found.sheets)
+            all.push_back(entry.id);
+        return all;
+    };
+    const FoundSheets first = stored.find({}, 0, 2);
+    EXPECT_THAT(ids(first), ElementsAre(6, 4));
+    const FoundSheets second = stored.find({}, first.next, 2);
+    EXPECT_THAT(ids(second), ElementsAre(3, 2));
+    const FoundSheets third = stored.find({}, second.next, 2);
+    EXPECT_THAT(ids(third), ElementsAre(1));
+    EXPECT_EQ(third.next, 0);
+    EXPECT_THAT(ids(stored.find({.reader = "right"}, 0, 10)), ElementsAre(4));
+    EXPECT_THAT(ids(stored.find({.batch = "tuesday"}, 0, 10)), IsEmpty());
+    EXPECT_THAT(ids(stored.find({.barcode = "EXAM"}, 0, 10)), ElementsAre(4, 2, 1));
+    EXPECT_THAT(ids(stored.find({.barcode = "\"quoted"}, 0, 10)), ElementsAre(3));
+    EXPECT_THAT(ids(stored.find({.rejected = true}, 0, 10)), ElementsAre(2));
+    EXPECT_THAT(ids(stored.find({.blank = true}, 0, 10)), ElementsAre(6));
+    EXPECT_THAT(ids(stored.find({.since = "2999-01-01"}, 0, 10)), IsEmpty());
+    EXPECT_EQ(stored.lastId(), 6);
+    EXPECT_EQ(stored.sheet(4)->sheet()->sheet.barcodes(1), "EXAM-3");
+    EXPECT_FALSE(stored.sheet(5));
+    const std::vector<StoredBatch> batches = stored.batches(10);
+    ASSERT_THAT(batches, SizeIs(2));
+    EXPECT_EQ(batches[0].reader, "right");
+    EXPECT_EQ(batches[1].sheets, 4);
+}
+
 TEST_F(Store, RefusesWhatIsNoStore)
 {
     const std::filesystem::path text = folder_.write("text", "no database, but long enough to be looked at as one");

@@ -1,4 +1,4 @@
-#include "cli/SheetRecords.h"
+#include "store/SheetRecords.h"
 
 #include "pictures/MarkScale.h"
 #include "store/SheetJson.h"
