@@ -144,9 +144,18 @@ def kill_again_and_again(program, folder, readers, kills, chance, stream):
     return done, on_their_way
 
 
+# What the station knows the stream to have.
+SENT = "id <= (SELECT sent FROM main.store)"
+
+
+def number_in(database, rows):
+    return database.execute(f"SELECT count(*) FROM {rows}").fetchone()[0]
+
+
 def faults_of_stream(program, folder, servers):
     """What is wrong with the stream and with what comes out of it."""
-    sheets = stored(folder)
+    with sqlite3.connect(folder / "store.db") as database:
+        sheets = number_in(database, f"sheet WHERE {SENT}")
     with subprocess.Popen([program, "collect", "--from", servers.all[0].url, "--store", folder / "all.db"],
                           stderr=subprocess.DEVNULL) as collector:
         wait_for(lambda: stored(folder, "all.db") >= sheets, "collecting the last sheet")
@@ -154,13 +163,16 @@ def faults_of_stream(program, folder, servers):
     faults = []
     with sqlite3.connect(folder / "store.db") as database:
         database.execute("ATTACH ? AS other", (str(folder / "all.db"),))
-        differing = database.execute("SELECT count(*) FROM (SELECT identity, number, side1 FROM sheet EXCEPT "
-                                     "SELECT identity, number, side1 FROM other.sheet)").fetchone()[0]
-        entries = database.execute("SELECT (SELECT count(*) FROM sheet) + (SELECT count(*) FROM failure)").fetchone()[0]
-    if differing or stored(folder, "all.db") != sheets:
-        faults.append(f"{differing} of {sheets} sheets did not come out of the stream as they went in")
-    if (messages := servers.messages("KELREADER")) != entries:
-        faults.append(f"{entries} sheets and reports were stored, and the stream has {messages} messages")
+        rows = "SELECT identity, number, side1 FROM"
+        lost = number_in(database, f"({rows} sheet WHERE {SENT} EXCEPT {rows} other.sheet)")
+        others = number_in(database, f"({rows} other.sheet EXCEPT {rows} sheet)")
+        marked = number_in(database, f"sheet WHERE {SENT}") + number_in(database, f"failure WHERE {SENT}")
+        entries = number_in(database, "sheet") + number_in(database, "failure")
+    if lost or others:
+        faults.append(f"{lost} of {sheets} sheets did not come out of the stream as they went in, and {others} others did")
+    # The last ones may have been stored while the station ended.
+    if not marked <= (messages := servers.messages("KELREADER")) <= entries:
+        faults.append(f"{marked} of {entries} sheets and reports were sent, and the stream has {messages} messages")
     return faults
 
 
