@@ -94,7 +94,6 @@ protected:
     AppersonTest() : scope(machine)
     {
         machine.hostPace(HostPace::Instant);
-        bAPReaderStarted = False;
     }
 
     ~AppersonTest() override { setErrorObject(nullptr); }
