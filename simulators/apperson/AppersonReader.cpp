@@ -73,7 +73,7 @@ Int32 AppersonReader::fieldNumber(const std::string& name, Int32 fallback) const
     return value;
 }
 
-std::string padded(std::string text, std::size_t length)
+std::string cutOrPadded(std::string text, std::size_t length)
 {
     text.resize(length, ' ');
     return text;

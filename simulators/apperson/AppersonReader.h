@@ -66,6 +66,6 @@ private:
 };
 
 /// A text cut or filled up with blanks to a length.
-[[nodiscard]] std::string padded(std::string text, std::size_t length);
+[[nodiscard]] std::string cutOrPadded(std::string text, std::size_t length);
 
 } // namespace kel

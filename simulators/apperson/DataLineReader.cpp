@@ -332,15 +332,15 @@ void DataLineReader::sendAway(SheetEvent event)
 std::string DataLineReader::lineOf(const std::string& errorCode) const
 {
     const auto field = [&](const char* name, std::size_t length, const char* fallback = "") {
-        return padded(fieldOf(sheet(), name, fallback), length);
+        return cutOrPadded(fieldOf(sheet(), name, fallback), length);
     };
     std::string line;
     if (bench_) {
-        line = field("Student ID", 12) + unknown(4);                       // to 16
-        line += "," + field("Page 1 ID", 4, "0001") + unknown(5);          // to 26
-        line += "," + field("Test ID", 12) + "," + field("School ID", 12); // to 52
-        line += "," + field("Class ID", 12) + "," + padded(errorCode, 3);  // to 69
-        line += unknown(49);                                               // to 118
+        line = field("Student ID", 12) + unknown(4);                           // to 16
+        line += "," + field("Page 1 ID", 4, "0001") + unknown(5);              // to 26
+        line += "," + field("Test ID", 12) + "," + field("School ID", 12);     // to 52
+        line += "," + field("Class ID", 12) + "," + cutOrPadded(errorCode, 3); // to 69
+        line += unknown(49);                                                   // to 118
     } else {
         line = field("Student ID", 10) + field("Test Version", 1, "1") + unknown(3); // to 14
         line += field("Essay Score", 4, "0000");                                     // to 18
