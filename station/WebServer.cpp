@@ -1,24 +1,18 @@
 #include "station/WebServer.h"
 
 #include "host/UsageError.h"
-
-#include <dlfcn.h>
+#include "platform/posix/ProgramModule.h"
 
 namespace kel {
 
 namespace {
 
-/// The module lies beside the program, and stays loaded.
-void* moduleFunction(const char* name)
+void* webFunction(const char* name)
 {
-    const std::filesystem::path file = std::filesystem::read_symlink("/proc/self/exe").parent_path() / kWebModuleName;
-    void* const module = ::dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
-    void* const function = module ? ::dlsym(module, name) : nullptr;
-    if (function)
+    std::string reason;
+    if (void* const function = moduleFunction(kWebModuleName, name, reason))
         return function;
-    const char* const reason = ::dlerror();
-    throw host::OperationError(std::string("The module that answers browsers cannot be loaded: ") +
-                               (reason ? reason : file.string()) +
+    throw host::OperationError("The module that answers browsers cannot be loaded: " + reason +
                                ". Install cpp-httplib (libcpp-httplib0.11) and the module beside the program.");
 }
 
@@ -28,7 +22,7 @@ std::unique_ptr<WebServer> openWebServer(const WebPlan& plan, int most)
 {
     std::unique_ptr<WebServer> server;
     std::string problem;
-    reinterpret_cast<OpenWebServer>(moduleFunction(kOpenWebServerName))(plan, most, server, problem);
+    reinterpret_cast<OpenWebServer>(webFunction(kOpenWebServerName))(plan, most, server, problem);
     if (!server)
         throw host::OperationError(problem);
     return server;
@@ -37,7 +31,7 @@ std::unique_ptr<WebServer> openWebServer(const WebPlan& plan, int most)
 void checkWebPlan(const WebPlan& plan)
 {
     std::string problem;
-    reinterpret_cast<CheckWebPlan>(moduleFunction(kCheckWebPlanName))(plan, problem);
+    reinterpret_cast<CheckWebPlan>(webFunction(kCheckWebPlanName))(plan, problem);
     if (!problem.empty())
         throw host::OperationError(problem);
 }
