@@ -1,6 +1,6 @@
 #pragma once
 
-#include "recording/PlatformAround.h"
+#include "platform/PlatformAround.h"
 #include "recording/ReplayCarrier.h"
 #include "recording/ReplayLibrary.h"
 

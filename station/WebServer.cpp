@@ -1,7 +1,7 @@
 #include "station/WebServer.h"
 
 #include "host/UsageError.h"
-#include "platform/posix/ProgramModule.h"
+#include "platform/posix/Module.h"
 
 namespace kel {
 
@@ -10,7 +10,7 @@ namespace {
 void* webFunction(const char* name)
 {
     std::string reason;
-    if (void* const function = moduleFunction(kWebModuleName, name, reason))
+    if (void* const function = moduleFunction(besideProgram(kWebModuleName), name, reason))
         return function;
     throw host::OperationError("The module that answers browsers cannot be loaded: " + reason +
                                ". Install cpp-httplib (libcpp-httplib0.11) and the module beside the program.");

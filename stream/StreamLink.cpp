@@ -1,6 +1,6 @@
 #include "stream/StreamLink.h"
 
-#include "platform/posix/ProgramModule.h"
+#include "platform/posix/Module.h"
 
 namespace kel {
 
@@ -9,7 +9,7 @@ namespace {
 StreamOpener& loaded()
 {
     std::string reason;
-    void* const make = moduleFunction(kStreamModuleName, kMakeStreamOpenerName, reason);
+    void* const make = moduleFunction(besideProgram(kStreamModuleName), kMakeStreamOpenerName, reason);
     if (!make)
         throw StreamProblem("The module for streams cannot be loaded: " + reason +
                             ". Install the client library for NATS (libnats3.4) and the module beside the program.");

@@ -2,10 +2,10 @@
 
 #include "platform/FileDescriptor.h"
 #include "platform/posix/LineOpenFailure.h"
+#include "platform/posix/Module.h"
 #include "platform/posix/PosixProcess.h"
 
 #include <array>
-#include <dlfcn.h>
 #include <filesystem>
 
 namespace kel {
@@ -23,16 +23,13 @@ RuntimeFailure failure(FailureCode code, const std::string& text)
 OpenRemoteConnection loadModule(const std::string& line)
 {
     const std::filesystem::path file = PosixProcess().ComponentFolder() / kRemoteLineModuleName;
-    void* const module = ::dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
-    void* const open = module ? ::dlsym(module, kOpenRemoteConnectionName) : nullptr;
-    if (!open) {
-        const char* const reason = ::dlerror();
+    std::string reason;
+    void* const open = moduleFunction(file, kOpenRemoteConnectionName, reason);
+    if (!open)
         throw failure(FailureCode::HardwareNotAvailable,
-                      line + " is a remote line, and the module for these cannot be loaded: " +
-                          (reason ? reason : file.string()) +
+                      line + " is a remote line, and the module for these cannot be loaded: " + reason +
                           ". Install gensio (libgensio4) and the module beside the "
                           "component.");
-    }
     return reinterpret_cast<OpenRemoteConnection>(open);
 }
 

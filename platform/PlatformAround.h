@@ -17,9 +17,6 @@ public:
     [[nodiscard]] Process& process() override { return machine_.process(); }
     [[nodiscard]] OmrApiLoader& omrApiLoader() override { return machine_.omrApiLoader(); }
 
-protected:
-    [[nodiscard]] Platform& machine() const { return machine_; }
-
 private:
     Platform& machine_;
 };
