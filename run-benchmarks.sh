@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Installs what is missing, builds with optimisation and prints all measured figures, then those that have a goal beside
 # it. With arguments for Google Benchmark, such as --benchmark_filter=Decode, only what they choose.
 set -euo pipefail

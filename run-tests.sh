@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Installs what is missing, builds for Windows in both widths, builds under the address and undefined-behaviour sanitizers,
 # and runs all tests.
 # Usage: ./run-tests.sh [arguments of ctest]

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What a host would otherwise write by hand, on the same line: blocking reads of one byte through termios, and a loop
 // that asks without a pause how much has come.
 

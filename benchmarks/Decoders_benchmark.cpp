@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "contract/clsKELReaderWindow.h"
 #include "drivers/common/PackedMarks.h"
 #include "drivers/ncs/PageDecoder.h"

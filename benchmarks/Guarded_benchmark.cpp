@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the traps of a procedure cost while nothing fails: a call with and without them, with the variables stated and
 // without, and in a procedure of an object, where the host comes in.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What a reader on a real line costs: time of a page against its time on the wire, the way from the last byte to the
 // event, processor time while nothing comes, system calls a byte. The line is a pseudo-terminal, its far end a thread.
 

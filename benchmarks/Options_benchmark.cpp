@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The options dialog: from the call to the visible window, and a change of the model.
 
 #include "options/ShowOptions.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "benchmarks/ProcessCosts.h"
 
 #include <sys/ptrace.h>

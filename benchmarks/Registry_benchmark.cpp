@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Settings from the store, and a search over ports.
 
 #include "platform/PortMap.h"

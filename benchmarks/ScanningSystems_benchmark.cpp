@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // How fast the replies of the Sekonic serial readers become marks, in bytes a second.
 
 #include "drivers/scanning_systems/PageReply.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The component's own cost: a session on a line in memory, a text, the command.
 
 #include "benchmarks/ProcessCosts.h"

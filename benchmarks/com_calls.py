@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """Measures what calls of the COM server cost, under Wine, and writes them as benchmarks in JSON.
 
     com_calls.py WINDOWS_BUILD_FOLDER KELREADER OUTPUT

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """Prints the measured figures beside what they are to reach, and beside the nearest thing that a host would write.
 
 Usage: goals.py RESULTS.json...    (as kel_benchmarks --benchmark_out, com_calls.py and python_sheets.py write them)

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """Measures what a host in Python pays for a sheet, and whether sessions leave anything behind, with simulated readers.
 
     PYTHONPATH=build/release/python python_sheets.py [--out RESULTS.json] [--sessions N]

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """Measures how many sheets a second go out of a store into a stream, on one server and in three replicas on this machine.
 
     stream_sheets.py KELREADER [--out RESULTS.json] [--sheets N]

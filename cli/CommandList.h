@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
 // All commands of the program, a line each: each is one file in commands/, with the function that is named here.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cli/EntryOutput.h"
 
 #include "cli/Columns.h"

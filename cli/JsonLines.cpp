@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cli/JsonLines.h"
 
 #include "host/Failure.h"

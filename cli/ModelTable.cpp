@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cli/ModelTable.h"
 
 #include "cli/Columns.h"

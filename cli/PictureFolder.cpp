@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cli/PictureFolder.h"
 
 #include "cli/UsageError.h"

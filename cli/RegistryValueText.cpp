@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cli/RegistryValueText.h"
 
 #include "types/Text.h"

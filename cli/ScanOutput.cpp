@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cli/ScanOutput.h"
 
 #include "cli/JsonLines.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cli/SearchReports.h"
 
 #include <iostream>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cli/SettingsText.h"
 
 #include "formats/JsonValue.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cli/SheetPage.h"
 
 #include "formats/JsonValue.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cli/SheetTable.h"
 
 #include "store/SheetJson.h"

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 find_program(CCACHE_PROGRAM ccache)
 if(CCACHE_PROGRAM AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
     # Precompiled headers are kept too; a second checkout finds what the first one has compiled.

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # The component as a COM server: KELReader81U.dll, with the type library and the version in its resources.
 #
 #   com/KELReader81U.idl   the interfaces; widl makes KELReader81U.tlb, KELReader81U.h and KELReader81U_i.c of it,

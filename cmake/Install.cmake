@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # Where things go. The component, its language file and the modules that it loads lie in one folder, since it looks for
 # them beside itself; the usual places hold links to what others call by name.
 include(GNUInstallDirs)

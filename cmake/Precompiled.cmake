@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # The headers of the standard library that most sources take, read once a target. Headers of the project's own stay
 # out: a change of one would compile everything anew. With its own copy a target keeps its own flags.
 function(kel_precompile target)

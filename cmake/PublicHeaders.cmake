@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # The headers that a host sees. They include each other only. Hosts include them as <KELReader81U/clsKELReader.h>, or all
 # of them as <KELReader81U/KELReader81U.h>: cmake/public_headers.py lays them out that way.
 set(KEL_PUBLIC_HEADERS

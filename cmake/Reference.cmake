@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # Reference pages of the public headers: the target "reference" makes them in the folder "reference" of the build, and
 # fails on a warning.
 find_program(KEL_DOXYGEN doxygen)

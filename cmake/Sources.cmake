@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # All C++ sources of some folders, the folders below them included.
 function(kel_sources result)
     set(found)

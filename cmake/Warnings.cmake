@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # How everything here is compiled.
 add_library(kel_options INTERFACE)
 target_compile_features(kel_options INTERFACE cxx_std_20)

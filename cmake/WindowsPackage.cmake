@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # The zip for Windows: "cpack" in the build folder of the Windows edition makes it. What a host needs lies at its top;
 # nothing of it has to be installed.
 set(package_notes ${CMAKE_BINARY_DIR}/README.txt)

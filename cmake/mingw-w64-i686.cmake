@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # The Windows edition, 32 bits wide. Hosts call with a stack aligned to 4; numbers are computed as in 64 bits, without the
 # wider intermediates of the x87.
 set(CMAKE_SYSTEM_PROCESSOR i686)

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # The Windows edition of the component, cross-compiled with mingw-w64. What both widths share: mingw-w64-x86_64.cmake and
 # mingw-w64-i686.cmake name the processor. The -posix compiler has C++ threads.
 set(CMAKE_SYSTEM_NAME Windows)

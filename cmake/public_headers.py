@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """Lays the headers that a host sees into one folder, KELReader81U, under the names by which hosts include them.
 
 Usage: public_headers.py OUT-FOLDER HEADER...  (in the folder of the sources)

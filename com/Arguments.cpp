@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "com/Arguments.h"
 
 #include "com/Boundary.h"

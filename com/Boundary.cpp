@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "com/Boundary.h"
 
 #include "com/ComPtr.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "com/CarrierObjects.h"
 
 #include "com/LateBoundCarrier.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "com/ClassFactory.h"
 
 #include "com/FormObjects.h"

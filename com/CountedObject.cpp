@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "com/CountedObject.h"
 
 #include <map>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "com/Dispatch.h"
 
 #include "com/Arguments.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the system calls of the server. The names are told in KELReader81U.def.
 
 #include "com/ClassFactory.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "com/LateBound.h"
 
 #include "com/Boundary.h"

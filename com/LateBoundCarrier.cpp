@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "com/LateBoundCarrier.h"
 
 #include "com/SafeArrays.h"

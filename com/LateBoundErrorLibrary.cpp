@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "com/LateBoundErrorLibrary.h"
 
 #include "com/LateBound.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "com/LateBoundErrorObject.h"
 
 #include "com/Boundary.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "com/NamedObject.h"
 
 #include "com/Boundary.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "com/OleVariant.h"
 
 #include "com/Boundary.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "com/ProfileObjects.h"
 
 #include "com/CollectionIndex.h"

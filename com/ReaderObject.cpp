@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "com/ReaderObject.h"
 
 #include "com/CarrierObjects.h"

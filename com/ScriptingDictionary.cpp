@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "com/ScriptingDictionary.h"
 
 #include "com/LateBound.h"

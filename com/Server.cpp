@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "com/Server.h"
 
 #include <atomic>

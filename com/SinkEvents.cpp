@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "com/SinkEvents.h"
 
 #include "com/SafeArrays.h"

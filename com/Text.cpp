@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "com/Text.h"
 
 #include "platform/windows/WindowsText.h"

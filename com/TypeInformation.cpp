@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "com/TypeInformation.h"
 
 #include "com/Boundary.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "com/TypeName.h"
 
 #include "com/ComPtr.h"

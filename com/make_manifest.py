@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Makes the manifest by which programs use the server without registration, from the interfaces' own description.
 
 Usage: make_manifest.py IDL PROCESSOR MANIFEST, PROCESSOR as manifests call it (amd64, x86).

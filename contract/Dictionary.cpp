@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "contract/DictionaryObject.h"
 
 #include "types/Text.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "contract/clsKELReaderBarcode.h"
 
 #include "failure/ObjectLife.h"

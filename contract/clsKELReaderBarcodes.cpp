@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "contract/clsKELReaderBarcodes.h"
 
 #include "contract/OrderedCollection.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "contract/clsKELReaderPrinter.h"
 
 #include "failure/ObjectLife.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "contract/clsKELReaderWindow.h"
 
 #include "failure/ObjectLife.h"

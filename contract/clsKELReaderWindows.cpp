@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "contract/clsKELReaderWindows.h"
 
 #include "contract/OrderedCollection.h"

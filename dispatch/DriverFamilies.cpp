@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "dispatch/DriverFamilies.h"
 
 #include "drivers/apperson/basApperson.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "dispatch/basRead.h"
 
 #include "dispatch/DriverFamilies.h"

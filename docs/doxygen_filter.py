@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """Prints a header for Doxygen: declarations that stand together under one comment get it each.
 
     /// Serial port, 1 to 16.

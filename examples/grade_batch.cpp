@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Reads a batch from an Apperson BenchMark 3000 (39) or Advantage 1200 (40) at port 1, which get an answer key and send
 // a record a sheet: the host makes marks and barcodes of it.
 // Usage: grade_batch MODEL-NUMBER SHEETS; "kelreader ports set 1 DEVICE" says which device port 1 is.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Reads a batch of sheets from a reader at port 1 and prints the marks of each.
 // Usage: read_batch MODEL-NUMBER [SHEETS]; "kelreader ports set 1 DEVICE" says which device port 1 is.
 

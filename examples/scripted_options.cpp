@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Works the options dialog without a window, as a host with a window system of its own would, or a script: takes the
 // model and the settings from the command line and prints what the reader has then.
 // Usage: scripted_options MODEL-NUMBER [CONTROL=TEXT]...; "scripted_options 13 txtMarkCutOff=12 chkRejecter=1".

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "failure/ExceptionNames.h"
 
 #include <array>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "failure/ProcedureVariables.h"
 
 #include "failure/guarded.h"

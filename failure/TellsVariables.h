@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
 /// What an object that works for a procedure tells of the procedure's variables, which it holds: in a dump they stand

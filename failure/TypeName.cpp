@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "failure/TypeName.h"
 
 #include <cxxabi.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "failure/VariantDump.h"
 
 #include <optional>

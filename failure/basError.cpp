@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "failure/basError.h"
 
 #include "failure/guarded.h"

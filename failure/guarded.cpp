@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "failure/guarded.h"
 
 #include "failure/basError.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "failure/modvbCodeShieldSupport.h"
 
 #include "failure/ExceptionNames.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "failure/vbcsClient.h"
 
 #include "failure/CommandLineSplit.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "formats/Json.h"
 
 #include "types/LineText.h"

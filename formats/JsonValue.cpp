@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "formats/JsonValue.h"
 
 namespace kel {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "formats/RegFile.h"
 
 #include "formats/RegFileText.h"

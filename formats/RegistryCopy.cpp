@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "formats/RegistryCopy.h"
 
 #include "platform/RegistryTransaction.h"

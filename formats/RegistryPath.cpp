@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "formats/RegistryPath.h"
 
 #include "platform/RegistryTransaction.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "formats/Utf16.h"
 
 namespace kel {

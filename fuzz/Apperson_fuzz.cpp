@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "contract/AnswerKey.h"
 #include "contract/Dictionary.h"
 #include "drivers/apperson/DataLines.h"

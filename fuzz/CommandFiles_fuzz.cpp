@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cli/UsageError.h"
 #include "drivers/apperson/KeyEncoding.h"
 #include "formats/JsonValue.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Feeds damaged language files to the language database. Whatever the file holds, every call has an answer, the table
 // that came into being stays, and the mouse pointer is put back.
 

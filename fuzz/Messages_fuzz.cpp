@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "formats/Json.h"
 #include "fuzz/Input.h"
 #include "stream/EntryMessage.h"

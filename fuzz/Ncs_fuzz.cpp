@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "drivers/ncs/PageDecoder.h"
 #include "fuzz/Session.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "drivers/common/PackedMarks.h"
 #include "fuzz/Input.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Whole sessions with the EZData and Chatsworth readers, which judge their replies within the dialogue, and the port
 // search.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "drivers/peripheral_dynamics/HalfRow.h"
 #include "fuzz/Session.h"
 

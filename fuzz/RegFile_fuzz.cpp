@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "failure/basError.h"
 #include "formats/RegFile.h"
 #include "formats/RegistryCopy.h"

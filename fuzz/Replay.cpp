@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/support/LongRun.h"
 #include "types/Numbers.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Replies of the Sekonic serial readers, as a defective reader or a noisy line might send them, one by one and within a
 // session: whatever they hold, they end in marks or in one of the failures that are meant, and never outside the arrays
 // or the text.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "contract/clsKELReaderWindow.h"
 #include "drivers/scantron/FormCommands.h"
 #include "drivers/scantron/SheetCells.h"

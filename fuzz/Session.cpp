@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "fuzz/Session.h"
 
 #include "contract/AnswerKey.h"

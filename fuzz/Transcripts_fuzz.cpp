@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cli/JsonLines.h"
 #include "cli/UsageError.h"
 #include "cli/check/ReportText.h"

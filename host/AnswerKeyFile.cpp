@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/AnswerKeyFile.h"
 
 #include "formats/JsonValue.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/EnumeratorNames.h"
 
 #include "types/ModelRows.h"

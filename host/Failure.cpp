@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/Failure.h"
 
 #include "formats/JsonValue.h"

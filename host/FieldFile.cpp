@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/FieldFile.h"
 
 #include "pictures/WindowCells.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/Fields.h"
 
 #include "types/LineText.h"

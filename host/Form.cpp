@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/Form.h"
 
 #include "formats/JsonValue.h"

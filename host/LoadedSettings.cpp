@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/LoadedSettings.h"
 
 #include "host/Reports.h"

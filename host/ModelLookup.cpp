@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/ModelLookup.h"
 
 #include "formats/NearestNames.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/PropertyTable.h"
 
 #include "formats/NearestNames.h"

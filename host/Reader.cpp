@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/Reader.h"
 
 #include "host/Batch.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/Replay.h"
 
 #include "host/Batch.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/SimulatedLibraryHost.h"
 
 #include "host/SimulatorParts.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/Simulation.h"
 
 #include "host/ModelLookup.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/StopCarrier.h"
 
 #include <algorithm>

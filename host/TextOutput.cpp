@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/TextOutput.h"
 
 #include "host/UsageError.h"

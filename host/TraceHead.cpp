@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/TraceHead.h"
 
 #include "formats/JsonValue.h"

@@ -1,3 +1,4 @@
+; SPDX-License-Identifier: MIT
 ; The installer of both widths. scripts/make-installer.sh calls it with
 ;   VERSION   8.1.0
 ;   FILES     a folder with 64 and 32 (the component, its texts and its manifest), docs, examples, development, LICENSE.txt

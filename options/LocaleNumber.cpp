@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "options/LocaleNumber.h"
 
 #include "types/Text.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "options/OptionsPresenter.h"
 
 #include "types/RuntimeFailure.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "options/ShowOptions.h"
 
 #include "options/OptionsPresenter.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "options/WindowPlace.h"
 
 #include "platform/Platform.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "options/basPublic.h"
 
 #include "types/Text.h"

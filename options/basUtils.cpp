@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "options/basUtils.h"
 
 #include "platform/Platform.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "options/frmOptions.h"
 
 #include "failure/ObjectLife.h"

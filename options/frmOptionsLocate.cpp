@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The search for the reader with the values of the dialog.
 
 #include "options/frmOptions.h"

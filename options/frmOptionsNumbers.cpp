@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The number fields of the dialog.
 
 #include "options/frmOptions.h"

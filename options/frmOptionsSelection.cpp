@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What a change of the model does to the dialog.
 
 #include "options/frmOptions.h"

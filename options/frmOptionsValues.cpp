@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // How the dialog shows the reader's settings and writes them back.
 
 #include "options/frmOptions.h"

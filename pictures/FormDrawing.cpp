@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "pictures/PicturePieces.h"
 #include "pictures/SheetPicture.h"
 #include "pictures/WindowCells.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "pictures/MarkScale.h"
 
 #include "profiles/clsKELReaderProfiles.h"

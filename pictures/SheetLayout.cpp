@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "pictures/SheetLayout.h"
 
 #include "pictures/WindowCells.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "pictures/SheetPicture.h"
 
 #include "pictures/PageParts.h"

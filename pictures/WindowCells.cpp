@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "pictures/WindowCells.h"
 
 #include <algorithm>

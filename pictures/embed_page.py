@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Makes a C++ source of the files that pictures and pages are made of: the style of pictures, and the page of a batch
 with its styles and its script, which its policy names by their hashes."""
 

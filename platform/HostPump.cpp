@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/HostPump.h"
 
 #include "platform/Platform.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/LineControl.h"
 
 #include "platform/LineSettings.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/LineErrors.h"
 
 namespace kel {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/NamedObjects.h"
 
 #include "platform/FaultCapture.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/OmrApiBinding.h"
 
 #include "platform/WayBack.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/ReceivedInput.h"
 
 #include "platform/SteadyTime.h"

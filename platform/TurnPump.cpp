@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/TurnPump.h"
 
 #include "platform/FaultCapture.h"

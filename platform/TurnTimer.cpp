@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/TurnTimer.h"
 
 #include "platform/TurnPump.h"

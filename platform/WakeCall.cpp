@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/WakeCall.h"
 
 #include "platform/Platform.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/WayBack.h"
 
 #include "platform/WayBackPlace.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "profiles/ReaderModels.h"
 
 #include "failure/guarded.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "profiles/clsKELReaderProfile.h"
 
 #include "failure/ObjectLife.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "profiles/clsKELReaderProfiles.h"
 
 #include "failure/ObjectLife.h"

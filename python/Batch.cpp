@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "python/Batch.h"
 
 namespace kel::python {

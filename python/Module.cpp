@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "python/Bindings.h"
 #include "python/Session.h"
 

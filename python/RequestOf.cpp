@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "python/RequestOf.h"
 
 #include "python/Values.h"

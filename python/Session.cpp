@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "python/Session.h"
 
 namespace kel::python {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "python/SheetBinding.h"
 
 #include "python/Bindings.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "python/Values.h"
 
 #include <KELReader81U/host/ReaderAdvice.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "python/Worker.h"
 
 #include <csignal>

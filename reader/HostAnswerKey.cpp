@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "reader/HostAnswerKey.h"
 
 #include "platform/FaultCapture.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "reader/HostCarrier.h"
 
 #include "platform/FaultCapture.h"

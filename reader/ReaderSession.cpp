@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "reader/ReaderSession.h"
 
 #include "contract/AnswerKeyObject.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "reader/SettingsStore.h"
 
 #include "failure/guarded.h"

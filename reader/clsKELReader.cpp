@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "reader/clsKELReader.h"
 
 #include "failure/basError.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "recording/ReplayCarrier.h"
 
 #include "platform/FaultCapture.h"

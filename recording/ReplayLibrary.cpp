@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "recording/ReplayLibrary.h"
 
 #include "types/RuntimeFailure.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "recording/ReportSections.h"
 
 #include <algorithm>

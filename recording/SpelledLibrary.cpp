@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "recording/SpelledLibrary.h"
 
 #include "recording/Transcript.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "recording/TracingCarrier.h"
 
 #include "platform/Platform.h"

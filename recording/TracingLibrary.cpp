@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "recording/TracingLibrary.h"
 
 #include "types/RuntimeFailure.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "recording/TranscriptPlayer.h"
 
 #include "recording/TraceLog.h"

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # What is too long for every run of the tests, before a release. Each part prints what it counted, and ends the script
 # when it fails.
 # Usage: scripts/check-release.sh [pty] [sweep] [cycles] [scarce] [threads] [fuzz]   (default: all)

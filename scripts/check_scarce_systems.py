@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """Runs the command where something is scarce: memory, room for files, threads, descriptors, processor time. Each run has
 to end by itself, with success or with a sentence.
 

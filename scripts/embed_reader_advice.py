@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Makes a C++ table of the advice in docs/readers/advice, so that the program says what the pages say."""
 
 import argparse

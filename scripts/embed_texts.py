@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Makes C++ constants of files of text.
 
 As a program: embed_texts.py --out FILE --header HEADER NAME=FILE[+FILE]..., for a header that declares the names in the

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """Generates the pages about the readers in docs/readers.
 
     generate_reader_pages.py [--check] [--kelreader PROGRAM] [--root FOLDER]

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Installs the Debian packages that building, testing and the demo need. Does nothing when all are there.
 # Usage: scripts/install-packages.sh [demo] [build] [test] [coverage] [fuzz] [windows]   (default: build test)
 set -euo pipefail

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """Kills a station again and again while simulated readers feed, and counts what its store holds.
 
 Each sheet is made up, and no two are the same. A reader is told to feed the next sheet once the store has the last one:

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """Kills, freezes and stops the servers of a stream while a station sends, and counts what comes out at its other end.
 
 Three servers keep the stream; simulated readers feed all the while. The collector is killed; a server is killed, then the

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Makes the installer for Windows of the editions of both widths.
 # Usage: scripts/make-installer.sh BUILD64 BUILD32 OUTPUT.exe [VERSION]   (VERSION is that of the builds)
 # KEL_SIGN names a command that signs the file whose name follows it: each DLL, the uninstaller and the installer.

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Measures which lines and branches the tests reach, and prints them by folder.
 # Usage: scripts/measure-coverage.sh [BUILD-FOLDER]   (default: build/coverage)
 #

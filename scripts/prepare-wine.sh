@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Finds Wine for programs of 32 and of 64 bits, or installs it: beside this system's packages where they leave room for
 # those of 32 bits, otherwise in a root of its own.
 # Usage: scripts/prepare-wine.sh ROOT

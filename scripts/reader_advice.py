@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """The advice that is written by hand: what each message of a reader means and what to do about it."""
 
 import re

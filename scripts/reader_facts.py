@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """What the sources say of the readers: models, drivers, texts, failures, and the numbers that drivers report."""
 
 import importlib.util

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Servers of NATS JetStream on the loop-back address, for tests and figures: started, killed, frozen, asked.
 
 Every wait ends by what happens; what has not happened after PATIENCE seconds does not happen any more.

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Takes the screenshots of the documents, of what a simulated reader has read.
 
 Usage: /usr/bin/python3 scripts/take_screenshots.py path/to/kelreader

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Wine for both widths in a root of its own, for a machine whose packages leave no room for those of 32 bits.
 # Usage: scripts/wine-root.sh make ROOT                        a Debian of about 1 GB, made once
 #        scripts/wine-root.sh run ROOT PROGRAM [ARGUMENT ...]  a program in it

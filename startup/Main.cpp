@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "startup/Main.h"
 
 #include "failure/modvbCodeShieldSupport.h"

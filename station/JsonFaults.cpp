@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "station/JsonFaults.h"
 
 #include "formats/JsonValue.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "station/PageJson.h"
 
 #include "formats/JsonValue.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "station/ServiceNotice.h"
 
 #include "platform/FileDescriptor.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "station/StateSocket.h"
 
 #include "host/UsageError.h"

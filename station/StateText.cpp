@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "station/StateText.h"
 
 #include "formats/JsonValue.h"

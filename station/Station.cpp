@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "station/Station.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "station/StationFeed.h"
 
 #include "station/PageJson.h"

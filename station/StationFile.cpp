@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "station/StationFile.h"
 
 #include "formats/JsonValue.h"

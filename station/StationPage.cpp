@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "station/StationPage.h"
 
 #include "formats/JsonValue.h"

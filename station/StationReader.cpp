@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "station/StationReader.h"
 
 #include "profiles/ReaderModels.h"

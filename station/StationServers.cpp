@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "station/StationServers.h"
 
 #include "station/StateText.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "station/WebServer.h"
 
 #include "host/UsageError.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "store/ReaderSetup.h"
 
 #include "store/SheetStore.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "store/SentMark.h"
 
 #include "store/StoreProblem.h"

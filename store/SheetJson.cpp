@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "store/SheetJson.h"
 
 #include "types/LineText.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "store/SheetRecords.h"
 
 #include "pictures/MarkScale.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "store/SheetRows.h"
 
 #include "formats/JsonValue.h"

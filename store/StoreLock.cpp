@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "store/StoreLock.h"
 
 #include "store/StoreProblem.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "store/StoreProblem.h"
 
 #include "platform/posix/Sqlite.h"

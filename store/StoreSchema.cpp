@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "store/StoreSchema.h"
 
 #include "store/StoreProblem.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "store/StoreWatch.h"
 
 #include "store/StoreProblem.h"

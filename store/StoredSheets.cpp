@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "store/StoredSheets.h"
 
 #include "formats/JsonValue.h"

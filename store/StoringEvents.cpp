@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "store/StoringEvents.h"
 
 #include "store/StoreProblem.h"

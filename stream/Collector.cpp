@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "stream/Collector.h"
 
 #include "formats/JsonValue.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "stream/EntryMessage.h"
 
 #include "formats/JsonValue.h"

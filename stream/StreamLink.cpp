@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "stream/StreamLink.h"
 
 #include "platform/posix/Module.h"

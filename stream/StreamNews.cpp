@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "stream/StreamNews.h"
 
 #include <utility>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "stream/StreamSender.h"
 
 #include "store/StoreProblem.h"

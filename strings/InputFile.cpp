@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "strings/InputFile.h"
 
 #include <cerrno>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "strings/LanguageDatabase.h"
 
 namespace kel {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "strings/LanguageLoad.h"
 
 #include "platform/Platform.h"

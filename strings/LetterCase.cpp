@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "strings/LetterCase.h"
 
 #include "CaseFolding.h"

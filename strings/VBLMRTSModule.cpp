@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "strings/VBLMRTSModule.h"
 
 #include "strings/LanguageDatabase.h"

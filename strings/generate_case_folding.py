@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """Writes the table by which letters are compared without regard to their case.
 
     generate_case_folding.py CaseFolding.h

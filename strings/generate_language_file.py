@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """Generates the language database and the headers of text numbers and their names from the source texts.
 
     generate_language_file.py --out LKELReader81.txt --header TextNumbers.h

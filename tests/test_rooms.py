@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Tests that each folder includes only what lies below it: the order of the rooms is the table here.
 
 Run with a folder as argument, it checks the sources there instead of this checkout's.
@@ -140,6 +141,16 @@ class RoomsTest(unittest.TestCase):
             ("reader/clsKELReader.cpp", "tests/support/ReaderHost.h"),
         ):
             self.assertIsNotNone(fault(Path(source), Path(target)), f"{source} {target}")
+
+
+class LicenceTest(unittest.TestCase):
+    def test_each_source_names_its_licence(self):
+        unnamed = []
+        for path, source in sources():
+            with path.open(encoding="utf-8") as text:
+                if next(text, "") != "// SPDX-License-Identifier: MIT\n":
+                    unnamed.append(str(source))
+        self.assertEqual(unnamed, [])
 
 
 if __name__ == "__main__":

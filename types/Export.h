@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
 /// Marks what a host sees of the component's library; everything else stays hidden. What only the component's own

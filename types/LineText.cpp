@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "types/LineText.h"
 
 namespace kel {

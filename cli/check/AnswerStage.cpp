@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cli/check/CheckRun.h"
 #include "cli/check/Search.h"
 

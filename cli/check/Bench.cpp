@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cli/check/Bench.h"
 
 #include "cli/check/ReportText.h"

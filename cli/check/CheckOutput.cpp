@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cli/check/CheckOutput.h"
 
 #include "cli/Columns.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cli/check/CheckRun.h"
 #include "profiles/clsKELReaderProfiles.h"
 #include "types/Text.h"

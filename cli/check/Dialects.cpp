@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cli/check/Dialects.h"
 
 #include "types/Text.h"

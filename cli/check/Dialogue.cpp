@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cli/check/Dialogue.h"
 
 #include "recording/TraceLog.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cli/check/CheckRun.h"
 #include "drivers/sekonic_usb/Library.h"
 #include "host/Batch.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cli/check/CheckRun.h"
 #include "cli/check/PaperGuard.h"
 #include "cli/check/SheetFindings.h"

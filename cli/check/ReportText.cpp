@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cli/check/ReportText.h"
 
 #include "formats/JsonValue.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "TextNames.h"
 #include "cli/check/CheckRun.h"
 #include "host/Failure.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cli/check/SheetFindings.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cli/check/SheetMask.h"
 
 #include "cli/check/Dialects.h"

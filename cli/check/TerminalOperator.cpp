@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cli/check/TerminalOperator.h"
 
 #include "cli/Interrupt.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cli/check/Verdict.h"
 
 #include "cli/Commands.h"

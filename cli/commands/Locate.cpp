@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cli/CommandList.h"
 #include "cli/Commands.h"
 #include "cli/SearchReports.h"

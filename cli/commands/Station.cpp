@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "station/Station.h"
 #include "cli/CommandList.h"
 #include "cli/Commands.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "drivers/apperson/ErrorTexts.h"
 
 #include "TextNames.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "drivers/apperson/AppersonDialogue.h"
 #include "drivers/apperson/KeyEncoding.h"
 #include "drivers/apperson/basApperson.h"

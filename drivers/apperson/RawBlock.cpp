@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "drivers/apperson/RawBlock.h"
 
 #include "types/Text.h"

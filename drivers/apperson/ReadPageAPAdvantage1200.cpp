@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "contract/DictionaryObject.h"
 #include "contract/DictionaryVariant.h"
 #include "drivers/apperson/DataLines.h"

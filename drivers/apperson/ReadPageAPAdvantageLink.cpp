@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "drivers/apperson/AppersonDialogue.h"
 #include "drivers/apperson/basApperson.h"
 #include "failure/basError.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "drivers/apperson/basApperson.h"
 
 #include "contract/AnswerKeyObject.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "drivers/chatsworth/Models.h"
 
 #include <algorithm>

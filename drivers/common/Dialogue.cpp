@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "drivers/common/Dialogue.h"
 
 #include "platform/Platform.h"

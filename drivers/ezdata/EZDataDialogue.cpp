@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "drivers/ezdata/EZDataDialogue.h"
 
 #include "failure/basError.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "drivers/ezdata/basNCSEZData.h"
 
 #include "TextNames.h"

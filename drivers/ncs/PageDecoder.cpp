@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "drivers/ncs/PageDecoder.h"
 
 #include "types/Text.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "drivers/ncs/basNCS.h"
 
 #include "drivers/common/Dialogue.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "drivers/peripheral_dynamics/basPeripheralDynamics.h"
 
 #include "drivers/common/Dialogue.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "drivers/scanning_systems/PageReply.h"
 
 #include <string_view>

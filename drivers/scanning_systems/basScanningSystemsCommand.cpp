@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "drivers/common/Dialogue.h"
 #include "drivers/scanning_systems/EmulationMode.h"
 #include "drivers/scanning_systems/ErrorTexts.h"

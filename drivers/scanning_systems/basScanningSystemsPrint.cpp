@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "contract/clsKELReaderPrinter.h"
 #include "drivers/common/Dialogue.h"
 #include "drivers/scanning_systems/Framing.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "contract/clsKELReaderBarcodes.h"
 #include "contract/clsKELReaderPrinter.h"
 #include "contract/clsKELReaderWindows.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "drivers/scantron/FormCommands.h"
 
 #include "contract/clsKELReaderWindow.h"

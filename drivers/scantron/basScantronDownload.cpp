@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "drivers/scantron/basScantron.h"
 
 #include "contract/clsKELReaderWindows.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "drivers/sekonic_usb/MarkBytes.h"
 
 namespace kel {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "contract/clsKELReaderPrinter.h"
 #include "drivers/sekonic_usb/BarcodeArea.h"
 #include "drivers/sekonic_usb/ErrorCodes.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "drivers/sekonic_usb/basSekonicSR.h"
 
 #include "contract/clsKELReaderBarcodes.h"

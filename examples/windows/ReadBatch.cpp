@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Reads a batch of sheets through the COM server and prints the marks of each.
 // Usage: ReadBatch MODEL-NUMBER PORT SHEETS [ROWS COLUMNS]
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Reads sheets through the COM server and tells of each; the exit status says how many were read.
 // Usage: cscript //nologo ReadSheets.js MODEL-NUMBER PORT SHEETS [ROWS COLUMNS]
 

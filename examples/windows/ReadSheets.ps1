@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # Reads sheets through the COM server and prints the marks of each; the exit status says how many were read.
 # Usage: powershell -File ReadSheets.ps1 MODEL-NUMBER PORT SHEETS [ROWS COLUMNS]
 #

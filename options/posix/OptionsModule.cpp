@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "options/posix/OptionsModule.h"
 
 #include "platform/Platform.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "options/qt/FieldAccess.h"
 
 #include "options/qt/NumberField.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "options/qt/NumberField.h"
 
 #include <QAccessible>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "options/qt/OptionsWindow.h"
 
 #include "options/qt/FieldAccess.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "options/qt/QtOptionsPresenter.h"
 
 #include "options/frmOptions.h"

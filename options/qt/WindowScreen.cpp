@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "options/qt/WindowScreen.h"
 
 #include "options/qt/OptionsWindow.h"

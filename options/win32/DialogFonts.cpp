@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "options/win32/DialogFonts.h"
 
 #include "platform/windows/WindowsText.h"

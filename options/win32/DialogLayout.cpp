@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "options/win32/DialogLayout.h"
 
 #include "options/basPublic.h"

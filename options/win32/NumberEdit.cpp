@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "options/win32/NumberEdit.h"
 
 #include "platform/windows/WindowsText.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The controls of the dialog: how each is made, drawn and brought up to date.
 
 #include "options/win32/OptionsDialogWindow.h"

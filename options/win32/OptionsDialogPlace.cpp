@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Where the dialog stands on the screen, and its controls in it.
 
 #include "options/win32/OptionsDialogWindow.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "options/win32/OptionsDialogWindow.h"
 
 #include "platform/FaultCapture.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "options/win32/Win32OptionsPresenter.h"
 
 #include "options/win32/OptionsDialogWindow.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 "use strict";
 
 // What the page shows stands behind this script, as JSON: the batch, the layouts of forms, a sheet each, failures, the

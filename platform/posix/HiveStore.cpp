@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/posix/HiveStore.h"
 
 #include "platform/RegistryTransaction.h"

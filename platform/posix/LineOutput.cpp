@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/posix/LineOutput.h"
 
 #include "platform/FileDescriptor.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/posix/LocalLine.h"
 
 #include "platform/posix/LineOpenFailure.h"

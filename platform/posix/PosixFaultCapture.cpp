@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/posix/PosixFaultCapture.h"
 
 #include "platform/WayBack.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/posix/PosixMessagePump.h"
 
 #include "platform/posix/LineInput.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/posix/PosixPlatform.h"
 
 #include "platform/TurnTimer.h"

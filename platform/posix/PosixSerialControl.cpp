@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/posix/PosixSerialControl.h"
 
 #include "platform/posix/LineInput.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/posix/RemoteLine.h"
 
 #include "platform/FileDescriptor.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/posix/SqliteRegistry.h"
 
 #include "platform/posix/HiveStore.h"

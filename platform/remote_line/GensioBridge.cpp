@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/remote_line/GensioBridge.h"
 
 #include "platform/remote_line/GensioLoop.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/FaultCapture.h"
 
 #include "platform/windows/ThreadSlot.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Registers and frames of x86.
 #if !defined(_WIN64)
 

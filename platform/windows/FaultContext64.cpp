@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Registers and frames of x86-64.
 #if defined(_WIN64)
 

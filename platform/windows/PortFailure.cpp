@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/windows/PortFailure.h"
 
 #include "platform/windows/WindowsText.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/windows/PortInput.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/windows/PortLine.h"
 
 #include "platform/SteadyTime.h"

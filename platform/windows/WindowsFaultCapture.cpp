@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/windows/WindowsFaultCapture.h"
 
 #include "platform/windows/ComponentInstance.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/windows/WindowsMessagePump.h"
 
 #include "platform/FaultCapture.h"

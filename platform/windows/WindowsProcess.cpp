@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/windows/WindowsProcess.h"
 
 #include "platform/windows/ComponentInstance.h"

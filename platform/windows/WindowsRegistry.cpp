@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/windows/WindowsRegistry.h"
 
 #include "platform/windows/WindowsText.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/windows/WindowsScreen.h"
 
 #include "platform/windows/WindowsText.h"

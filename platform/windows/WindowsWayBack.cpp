@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/windows/WindowsWayBack.h"
 
 #include "platform/windows/ThreadSlot.h"

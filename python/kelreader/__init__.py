@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Reads marked paper sheets with optical mark readers; each sheet is an array.
 
     import kelreader

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 import enum
 import os
 from collections.abc import Callable, Iterable, Iterator, Mapping, Sequence

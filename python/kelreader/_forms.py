@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Forms."""
 
 import json

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """The catalogue of models."""
 
 import collections

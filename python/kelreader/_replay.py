@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Replays of recorded sessions."""
 
 import os

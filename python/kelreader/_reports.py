@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Reports: what a reader has to say when something goes wrong."""
 
 import enum

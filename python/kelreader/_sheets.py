@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """What a reader and a replay have in common: the sheets of a batch, and an end in order."""
 
 import atexit

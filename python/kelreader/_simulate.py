@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Simulated readers, for tests without a reader."""
 
 import json

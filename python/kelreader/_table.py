@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Tables: a row a sheet."""
 
 from ._forms import form as form_of

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "simulators/apperson/AppersonReader.h"
 
 #include "recording/Transcript.h"

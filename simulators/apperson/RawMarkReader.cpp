@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "simulators/apperson/RawMarkReader.h"
 
 #include "recording/Transcript.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "simulators/chatsworth/Chatsworth.h"
 
 #include "recording/Transcript.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "simulators/ezdata/CommandFrames.h"
 
 #include <string_view>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "simulators/ezdata/PackedRows.h"
 
 #include <array>

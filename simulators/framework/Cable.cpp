@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "simulators/framework/Cable.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "simulators/framework/Simulator.h"
 
 #include "platform/LineSettings.h"

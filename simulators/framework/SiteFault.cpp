@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "simulators/framework/SiteFault.h"
 
 #include <algorithm>

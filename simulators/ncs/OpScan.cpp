@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "simulators/ncs/OpScan.h"
 
 #include "types/Text.h"

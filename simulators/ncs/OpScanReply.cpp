@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "simulators/ncs/OpScanReply.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "simulators/platform/SimulatedClock.h"
 
 #include <cstdio>

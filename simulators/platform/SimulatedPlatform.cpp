@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "simulators/platform/SimulatedPlatform.h"
 
 #include "simulators/platform/SimulatedSerialControl.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "simulators/platform/SimulatedProcess.h"
 
 #include <system_error>

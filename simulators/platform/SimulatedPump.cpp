@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "simulators/platform/SimulatedPump.h"
 
 #include "platform/FaultCapture.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "simulators/platform/SimulatedSerialControl.h"
 
 #include "platform/LineSettings.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "simulators/pseudo_terminal/Pty.h"
 
 #include "platform/posix/TerminalAttributes.h"

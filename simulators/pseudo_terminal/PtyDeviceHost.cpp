@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "simulators/pseudo_terminal/PtyDeviceHost.h"
 
 #include "platform/posix/SteadyTime.h"

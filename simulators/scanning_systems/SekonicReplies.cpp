@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "simulators/scanning_systems/SekonicReplies.h"
 
 #include <string_view>

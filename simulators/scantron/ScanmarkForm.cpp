@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "simulators/scantron/ScanmarkForm.h"
 
 #include <algorithm>

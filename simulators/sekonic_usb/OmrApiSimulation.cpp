@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "simulators/sekonic_usb/OmrApiSimulation.h"
 
 #include "simulators/framework/SpoiltSheet.h"

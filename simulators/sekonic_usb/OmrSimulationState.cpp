@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "simulators/sekonic_usb/OmrSimulationState.h"
 
 #include "formats/Json.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 "use strict";
 
 // The station sends its state and each sheet as events. Texts of readers, sheets and batches only ever become text;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "station/IpAddress.h"
 #include "station/WebServer.h"
 #include "station/web/Passwords.h"

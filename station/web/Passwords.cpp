@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "station/web/Passwords.h"
 
 #include "station/web/Secrets.h"

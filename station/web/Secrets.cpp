@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "station/web/Secrets.h"
 
 #include <cerrno>

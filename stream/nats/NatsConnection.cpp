@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "stream/nats/NatsConnection.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "stream/nats/NatsConsumer.h"
 
 #include <utility>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "stream/nats/NatsPublisher.h"
 
 #include <nlohmann/json.hpp>

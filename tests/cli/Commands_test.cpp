@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "formats/JsonValue.h"
 #include "simulators/pseudo_terminal/Pty.h"
 #include "tests/cli/CommandRun.h"

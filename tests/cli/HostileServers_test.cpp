@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/FileDescriptor.h"
 #include "tests/cli/CommandRun.h"
 #include "tests/simulators/ShortSession.h"

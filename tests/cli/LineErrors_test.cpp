@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What a scan says of characters that have gone wrong on the line.
 
 #include "platform/posix/TerminalAttributes.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The command "options": in this process with a scripted window, and as a process without a display.
 
 #include "tests/cli/CommandRun.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cli/CommandList.h"
 #include "platform/PortMap.h"
 #include "platform/posix/PosixPlatform.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "formats/JsonValue.h"
 #include "formats/RegFile.h"
 #include "formats/Utf16.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cli/SheetCsv.h"
 #include "cli/SheetTable.h"
 #include "store/SheetRows.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cli/JsonLines.h"
 #include "host/Reader.h"
 #include "host/SimulatorParts.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/posix/Sqlite.h"
 #include "store/SheetStore.h"
 #include "store/StoreSchema.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "contract/AnswerKey.h"
 
 #include <gmock/gmock.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/support/ReaderHost.h"
 
 #include <gmock/gmock.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "contract/Dictionary.h"
 
 #include <gmock/gmock.h>

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Tests of the pages about the readers: they are up to date, and what drivers report has advice.
 
 The environment variable KELREADER names the command that tells the catalogue.

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Tests that the samples of the documents are true: C++ compiles, and commands print what stands there.
 
 The environment variables CXX and KELREADER name the compiler and the command.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Every family against another side that sends without end, or drips: the session ends, and holds little.
 
 #include "platform/TurnTimer.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A host may change any setting while a wait lets it run, and so may its carrier while it is being used: a driver takes
 // each one where the dialogue needs it, neither earlier nor twice.
 

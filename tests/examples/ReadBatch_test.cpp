@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "simulators/SimulatorTable.h"
 #include "simulators/pseudo_terminal/PtyDeviceHost.h"
 #include "tests/cli/CommandRun.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/cli/CommandRun.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "failure/ObjectLife.h"
 #include "failure/guarded.h"
 #include "failure/modvbCodeShieldSupport.h"

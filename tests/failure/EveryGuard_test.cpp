@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The tests of all guards, and that there is one for each guard in the component.
 
 #include "tests/failure/GuardTest.h"

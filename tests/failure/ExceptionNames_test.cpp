@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "failure/CommandLineSplit.h"
 #include "failure/ExceptionNames.h"
 #include "failure/modvbCodeShieldSupport.h"

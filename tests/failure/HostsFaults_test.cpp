@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Faults of the processor in the host's own code: they are the host's, and each is looked at in a process of its own.
 
 #include "contract/AnswerKeyObject.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The variables of objects, and of procedures of the options dialog, as a report tells them.
 
 #include "failure/guarded.h"

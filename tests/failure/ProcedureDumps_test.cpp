@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The variables that the dump of a procedure holds: support reads them by their names.
 
 #include "tests/failure/GuardTest.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Faults of the processor within the component: they become reports.
 
 #include "tests/failure/FaultTest.h"

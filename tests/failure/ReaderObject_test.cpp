@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Crash capture in the reader object: its life as a debugger sees it, and its variables in a report.
 
 #include "contract/AnswerKey.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "failure/ToVariant.h"
 #include "failure/VariantDump.h"
 #include "types/Enumerations.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // No table says how the frames of these functions are left: tests/CMakeLists.txt leaves the tables out.
 
 #include "tests/failure/Faults.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/failure/FailureTest.h"
 
 #include <atomic>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "failure/guarded.h"
 #include "tests/failure/FailureTest.h"
 #include "types/Arrays.h"

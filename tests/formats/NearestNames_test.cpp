@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "formats/NearestNames.h"
 
 #include <gtest/gtest.h>

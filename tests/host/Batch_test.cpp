@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/Batch.h"
 
 #include "cli/JsonLines.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cli/UsageError.h"
 #include "host/EnumeratorNames.h"
 #include "host/ModelLookup.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/ReaderAdvice.h"
 
 #include "simulators/platform/SimulatedPlatform.h"

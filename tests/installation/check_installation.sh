@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Installs a build into an empty folder, builds the example host against what lies there, and reads sheets from a
 # simulated reader with it and with the installed command.
 # Usage: check_installation.sh BUILD_FOLDER SOURCE_FOLDER WORK_FOLDER [COMPILER_FLAGS]

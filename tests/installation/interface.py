@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """Compares the library's binary interface with that of the last release, which lies beside this file.
 
 Usage: interface.py INCLUDE-FOLDER LIBRARY [--write]

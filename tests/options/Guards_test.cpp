@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/failure/GuardTest.h"
 
 #include "options/PresenterPlatform.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the dialog shows for each model: written out here a second time, from what the makers' models can do, so that
 // neither the catalogue nor the dialog can be wrong without the other.
 

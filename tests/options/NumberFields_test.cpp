@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/posix/PosixPlatform.h"
 #include "tests/options/OptionsHost.h"
 #include "tests/support/UsersLocale.h"

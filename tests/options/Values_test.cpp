@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/options/OptionsHost.h"
 
 #include "simulators/SimulatorTable.h"

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Screenshots against those that are kept.
 
     screenshots.py TAKEN KEPT       compares each bitmap TAKEN/<name>.bmp with KEPT/<name>.png

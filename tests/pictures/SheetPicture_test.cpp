@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "pictures/SheetPicture.h"
 
 #include <gmock/gmock.h>

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """A headless Chromium for tests of pages."""
 
 import base64

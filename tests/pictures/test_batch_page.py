@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Tests the page of a batch in a browser, with sheets that a simulated reader has sent.
 
 KELREADER names the program. With KEEP_SCREENSHOTS=1 the screenshots that are compared are taken anew.

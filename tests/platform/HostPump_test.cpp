@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/HostPump.h"
 
 #include "simulators/platform/SimulatedPlatform.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/LineSettings.h"
 
 #include "types/RuntimeFailure.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/RemoteAddress.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // How long turns wait, and what a line shows, on a clock of the test's own.
 
 #include "platform/TurnPump.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "profiles/clsKELReaderProfiles.h"
 #include "tests/profiles/ProfileText.h"
 #include "types/Text.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "profiles/Catalogue.h"
 #include "profiles/clsKELReaderProfiles.h"
 #include "simulators/platform/SimulatedPlatform.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
 // What the models can do, as tables on paper: kept apart from the catalogue's data on purpose, and in another form.

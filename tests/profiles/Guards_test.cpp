@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/failure/GuardTest.h"
 
 namespace kel::test {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "profiles/KeyedCollection.h"
 #include "profiles/clsKELReaderProfiles.h"
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """What the tests of the Python package share: readers without hardware, and settings of their own."""
 
 import functools

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Tests of what is data: models, simulated readers, replays, and the package itself."""
 
 import importlib.resources

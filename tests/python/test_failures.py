@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Tests of what is raised and what is warned of."""
 
 import pickle

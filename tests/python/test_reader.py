@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Tests of the reader: sheets as arrays, and what the loop may do with them."""
 
 import gc

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Tests of forms with fields, and of tables of sheets."""
 
 import csv

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Tests of threads and signals."""
 
 import queue

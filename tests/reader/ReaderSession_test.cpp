@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "simulators/SimulatorTable.h"
 #include "tests/support/ReaderHost.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A session that waits is stopped from elsewhere. The waits have no other end that a test would live to see.
 
 #include "platform/PortMap.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "recording/TranscriptDevice.h"
 #include "tests/simulators/DeviceBench.h"
 

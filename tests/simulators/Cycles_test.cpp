@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/posix/PosixOmrApiLoader.h"
 #include "simulators/platform/SimulatedPlatform.h"
 #include "simulators/sekonic_usb/OmrApiSimulation.h"

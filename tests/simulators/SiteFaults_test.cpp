@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "profiles/Catalogue.h"
 #include "simulators/SimulatorTable.h"
 #include "tests/support/ReaderHost.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "station/Speed.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Stations as processes, for tests and for screenshots."""
 
 import http.client

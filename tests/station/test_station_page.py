@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Tests the page of a station in a browser. KELREADER names the program.
 
 With KEEP_SCREENSHOTS=1 the screenshots that are compared are taken anew.

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Tests what a station answers over HTTP: its page, its metrics, whom it refuses. KELREADER names the program."""
 
 import base64

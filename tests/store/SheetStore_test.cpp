@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "store/SheetStore.h"
 
 #include "platform/posix/Sqlite.h"

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Sheets on their way from the stores of stations through a server to the store of a collector."""
 
 import json

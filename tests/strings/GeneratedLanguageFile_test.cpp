@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "strings/TextNumber.h"
 #include "tests/strings/LanguageDatabaseTest.h"
 #include "types/Text.h"

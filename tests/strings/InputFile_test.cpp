@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "strings/InputFile.h"
 #include "tests/strings/LanguageFileMaker.h"
 #include "tests/types/FailureOf.h"

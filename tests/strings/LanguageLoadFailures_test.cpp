@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/strings/LanguageDatabaseTest.h"
 
 namespace kel::test {

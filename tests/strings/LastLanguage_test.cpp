@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "strings/LastLanguage.h"
 #include "tests/failure/RecordingPlatform.h"
 

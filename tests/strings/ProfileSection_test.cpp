@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "strings/ProfileSection.h"
 #include "tests/strings/LanguageFileMaker.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "strings/StringTable.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Tests of the generator of the language database, and of the source texts themselves."""
 
 import contextlib

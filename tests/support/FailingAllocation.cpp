@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/support/FailingAllocation.h"
 
 #include <cstddef>

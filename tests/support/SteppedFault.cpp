@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/support/SteppedFault.h"
 
 #include "platform/FaultCapture.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "drivers/apperson/AppersonDialogue.h"
 
 #include <gtest/gtest.h>

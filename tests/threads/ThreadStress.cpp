@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A reader a thread, on many threads at once: sessions over pseudo-terminals, remote lines, and the store of settings.
 // A program of its own, for the thread sanitizer: scripts/check-release.sh threads. Usage: kel_thread_stress [THREADS]
 

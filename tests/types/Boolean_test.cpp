@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "types/Boolean.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/types/FailureOf.h"
 #include "types/Numbers.h"
 

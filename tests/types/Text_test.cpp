@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/types/FailureOf.h"
 #include "types/Enumerations.h"
 #include "types/Text.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A library of the USB readers' maker that fails in the midst of a call, as the environment variable KEL_OMRAPI_FAULT
 // tells it: a code in hexadecimal digits, alone or after "final " (nobody may go on from it) or "nested " (it is the
 // innermost of three); or one of the words below. In 32 bits its names are decorated: one way for some, another for the

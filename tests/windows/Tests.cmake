@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # The tests of the Windows edition under Wine, as part of the tests of this system's build: each test_*.py is one for each
 # width. They need the edition built, in KEL_WINDOWS_BUILD and KEL_WINDOWS32_BUILD; run-tests.sh does that.
 set(KEL_WINDOWS_BUILD "" CACHE PATH "The build folder of the 64-bit Windows edition; its tests run if it is set")

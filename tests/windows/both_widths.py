@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Hosts of both widths in one prefix: which of them finds the component."""
 
 import os

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """What the tests of the Windows edition stand on: a Wine prefix, ports, readers behind them. See README.md."""
 
 import contextlib

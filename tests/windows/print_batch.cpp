@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Reads a batch of sheets from a reader and prints what comes of it.
 // Usage: print_batch PORT MODEL-NUMBER SHEETS ROWS COLUMNS
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """The COM server as its hosts see it: surface, events, sheets, script hosts, registration, lifetime."""
 
 import concurrent.futures

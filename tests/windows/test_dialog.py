@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """The options dialog on a display: how it works in each language, and what it looks like there and on finer screens."""
 
 import contextlib

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """The DLL as a file: what it needs, what it offers, what is in its resources, for which width of programs."""
 
 import pathlib

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """The installer: silent for the machine and for a user, over an older version, as a repair, and gone again."""
 
 import pathlib

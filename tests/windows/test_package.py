@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """The zip for Windows: what is in it works from wherever it is unpacked, with and without registration."""
 
 import pathlib

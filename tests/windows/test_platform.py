@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """The Windows edition from within: ports, pump, registry, faults; sheets of each serial family, read as this system's
 edition reads them."""
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """The samples for hosts in other languages: what they name is what the type library has, and the C# one compiles."""
 
 import pathlib

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Both widths side by side: each is there for its own hosts, and goes without taking anything from the other."""
 
 import unittest

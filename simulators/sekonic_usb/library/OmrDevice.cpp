@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "simulators/sekonic_usb/library/OmrDevice.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
 #include "simulators/sekonic_usb/OmrSimulationState.h"

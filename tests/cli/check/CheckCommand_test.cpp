@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cli/CommandList.h"
 #include "host/SimulatorParts.h"
 #include "simulators/platform/SimulatedPlatform.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/cli/check/VirtualCheck.h"
 
 #include "host/SimulatorParts.h"

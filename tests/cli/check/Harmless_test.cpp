@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cli/check/PaperGuard.h"
 #include "tests/cli/check/VirtualCheck.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cli/check/ReportHead.h"
 #include "cli/check/SheetMask.h"
 #include "host/Replay.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "drivers/apperson/DataLines.h"
 
 #include <gmock/gmock.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "AppersonTest.h"
 
 #include "contract/AnswerKey.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "drivers/apperson/LineFields.h"
 
 #include <gmock/gmock.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "AppersonTest.h"
 
 namespace kel::apperson_test {

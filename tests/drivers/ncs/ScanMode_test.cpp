@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Scan modes that no session asks for.
 
 #include "tests/failure/GuardTest.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/failure/GuardTest.h"
 
 #include "drivers/peripheral_dynamics/basPeripheralDynamics.h"

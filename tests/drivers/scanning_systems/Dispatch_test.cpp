@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "SerialReaderTest.h"
 
 #include "dispatch/DriverFamilies.h"

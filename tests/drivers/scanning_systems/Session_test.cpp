@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "SerialReaderTest.h"
 
 #include "types/Text.h"

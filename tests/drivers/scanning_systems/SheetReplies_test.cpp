@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "drivers/scanning_systems/SheetReplies.h"
 
 #include "drivers/scanning_systems/Framing.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "drivers/scantron/SheetCells.h"
 
 #include "contract/clsKELReaderWindow.h"

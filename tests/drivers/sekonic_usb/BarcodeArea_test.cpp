@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "drivers/sekonic_usb/BarcodeArea.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "UsbReaderTest.h"
 
 #include "dispatch/basRead.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "drivers/sekonic_usb/ErrorCodes.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "UsbReaderTest.h"
 
 #include "drivers/sekonic_usb/basSekonicSR.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What a user expects of any window: keys, room on the screen, what assistive programs are told.
 
 #include "tests/options/qt/DrivenDialog.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What becomes of a call on a machine without a display.
 
 #include "tests/options/qt/DrivenDialog.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the window looks like in the language of the process ("/L=German"): no text is cut off, and the columns line up.
 // test_screenshots.py compares the screenshots with those that are kept.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The window worked with mouse and keys.
 
 #include "tests/options/qt/DrivenDialog.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The tests of the options window. They show no window on the developer's screen unless QT_QPA_PLATFORM says so.
 // "/L=German" among the arguments runs them in that language.
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """The window in four languages and on finer screens: no text is cut off, and it looks as it did.
 
     test_screenshots.py PROGRAM TAKEN            runs the tests of texts; compares what they put below TAKEN with kept/

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/posix/MarkedInput.h"
 
 #include "platform/posix/ServedLine.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/platform/posix/MessagePumpTest.h"
 
 #include <atomic>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/posix/PosixOmrApiLoader.h"
 
 #include "tests/platform/posix/PosixTest.h"

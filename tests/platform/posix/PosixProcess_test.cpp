@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/posix/PosixProcess.h"
 
 #include "tests/support/UsersLocale.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/posix/LineInput.h"
 #include "platform/posix/TerminalAttributes.h"
 #include "tests/platform/posix/PosixTest.h"

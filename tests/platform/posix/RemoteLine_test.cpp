@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/FileDescriptor.h"
 #include "platform/PortMap.h"
 #include "platform/posix/PosixPlatform.h"

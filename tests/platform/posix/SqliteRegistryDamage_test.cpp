@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What becomes of a file of settings that is damaged: it is set aside, once, and begun anew.
 
 #include "tests/platform/posix/SqliteRegistryTest.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/posix/SteadyTime.h"
 #include "tests/platform/posix/SqliteRegistryTest.h"
 #include "tests/support/Patience.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Timers: they are the pump's, and end within its turns.
 
 #include "platform/TurnTimer.h"

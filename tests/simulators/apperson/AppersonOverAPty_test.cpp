@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "contract/AnswerKey.h"
 #include "simulators/apperson/DataLineReader.h"
 #include "tests/simulators/apperson/AppersonRoundTrip.h"

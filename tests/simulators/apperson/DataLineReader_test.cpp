@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "simulators/apperson/DataLineReader.h"
 
 #include "tests/simulators/DeviceBench.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "simulators/apperson/RawMarkReader.h"
 
 #include "tests/simulators/DeviceBench.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "simulators/chatsworth/Chatsworth.h"
 
 #include "tests/simulators/DeviceBench.h"

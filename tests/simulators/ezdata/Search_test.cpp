@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/simulators/ezdata/PackedRoundTrip.h"
 
 namespace kel::test {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/simulators/ezdata/PackedRoundTrip.h"
 
 // What each of the seven models with packed marks is sent in a whole session, byte for byte.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "simulators/framework/Fault.h"
 
 #include <gtest/gtest.h>

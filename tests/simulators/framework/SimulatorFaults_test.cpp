@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/simulators/framework/LittleReader.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "simulators/framework/SpoiltSheet.h"
 
 #include <gtest/gtest.h>

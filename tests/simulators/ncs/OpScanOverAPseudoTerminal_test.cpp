@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "strings/VBLMRTSModule.h"
 #include "tests/simulators/ncs/RandomSession.h"
 #include "tests/support/LongRun.h"

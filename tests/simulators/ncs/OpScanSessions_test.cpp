@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "simulators/SimulatorTable.h"
 #include "simulators/ncs/OpScan.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "simulators/ncs/OpScan.h"
 
 #include "tests/simulators/DeviceBench.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/simulators/ncs/RandomSession.h"
 
 #include "strings/VBLMRTSModule.h"

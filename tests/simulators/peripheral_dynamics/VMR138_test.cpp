@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "simulators/peripheral_dynamics/VMR138.h"
 
 #include "tests/simulators/DeviceBench.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "simulators/platform/SimulatedRegistry.h"
 
 #include <gtest/gtest.h>

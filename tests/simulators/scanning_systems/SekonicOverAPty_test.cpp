@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/simulators/scanning_systems/SekonicRoundTrip.h"
 #include "tests/support/LongRun.h"
 #include "tests/support/PtyReader.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "simulators/scanning_systems/SekonicSerial.h"
 
 #include "tests/simulators/DeviceBench.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/simulators/scantron/RandomWindows.h"
 
 #include <algorithm>

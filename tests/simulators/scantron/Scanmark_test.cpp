@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "simulators/scantron/Scanmark.h"
 
 #include "tests/simulators/DeviceBench.h"

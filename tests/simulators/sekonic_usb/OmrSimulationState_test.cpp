@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The state that a simulated library starts from: as JSON, and out of the options of a simulator.
 
 #include "simulators/sekonic_usb/OmrApiSimulation.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Arrays of pages, which hosts set by vtable and by name: their bounds, what scripts have for them, and what is
 // reported of one that is none.
 

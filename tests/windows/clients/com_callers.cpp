@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Hosts of other makers' compilers: Visual Basic calls with a stack that is aligned to 4, and Delphi has the processor
 // find faults in numbers.
 

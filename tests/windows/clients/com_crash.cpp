@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The error library of a host's maker: a registered class, of which each failure that nobody has dealt with makes an
 // object.
 

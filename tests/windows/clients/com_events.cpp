@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Sheets and events as a host gets them, from a simulated OMR2000 behind the port of the argument; and the host's own
 // objects in the place of the carrier and of the error object.
 

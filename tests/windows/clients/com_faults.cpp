@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Faults within the library of the USB readers' maker: each becomes a report, and the host goes on. The library is the
 // one of FaultyOmrApi.cpp, in the folder where this program is started.
 

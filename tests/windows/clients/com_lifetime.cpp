@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Nothing is left behind: by objects, by sessions, by the server itself; and what calls cost. The port of a simulated
 // OMR2000 is the argument: one that starts without a wait, since Wine itself leaves 360 bytes behind with each wait for
 // a port's input.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // ShowOptions as a host calls it, while a second thread works the dialog as a user does. The argument is a port that
 // can be opened.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Records of named fields from a simulated Advantage 1200 behind the port of the argument, and the answer key that goes
 // into it first: the key is an object of the host's, and each record a Scripting.Dictionary.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A host that loads the server, works with it and lets it go, over and over: each time it is gone altogether, and what
 // it had put into the process is gone with it. The argument is the port of a simulated OMR2000.
 

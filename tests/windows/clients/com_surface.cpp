@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The component's surface as hosts see it: the type library, properties by vtable and by name, collections, failures.
 
 #include "tests/windows/clients/Host.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Every text that passes between a host and the component, in the code page of the argument: settings under a key,
 // print lines, barcodes, fields of a record, an answer key, and the bytes of a line. A simulated Advantage
 // 1200 is behind the second argument's port, a port that sends back what it is asked for behind the third's, and a

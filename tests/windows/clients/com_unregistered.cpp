@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A host that finds the server by the manifest beside it, without registration.
 
 #include "tests/windows/clients/Host.h"

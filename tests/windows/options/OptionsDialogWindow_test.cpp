@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/windows/options/DialogTest.h"
 
 #include <set>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the dialog looks like. test_dialog.py compares the screenshots with those that are kept.
 
 #include "tests/windows/options/DialogTest.h"

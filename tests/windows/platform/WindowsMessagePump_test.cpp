@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/windows/platform/PortTest.h"
 
 #include <chrono>
