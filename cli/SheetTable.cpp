@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "cli/SheetTable.h"
 
-#include "store/SheetJson.h"
 #include "host/Failure.h"
+#include "store/SheetJson.h"
 #include "types/LineText.h"
 #include "types/Text.h"
 

@@ -17,12 +17,11 @@ void SimulatorArguments::addTo(CLI::App& command)
     CLI::Option* sheets = command.add_option("--sheets", sheetsFile_, "File with the sheets in the feeder")
                               ->type_name("FILE")
                               ->group("Simulated reader");
-    CLI::Option* seed =
-        command.add_option("--seed", simulation_.seed, "Seed for random sheets")
-            ->capture_default_str()
-            ->type_name("N")
-            ->group("Simulated reader")
-            ->excludes(sheets);
+    CLI::Option* seed = command.add_option("--seed", simulation_.seed, "Seed for random sheets")
+                            ->capture_default_str()
+                            ->type_name("N")
+                            ->group("Simulated reader")
+                            ->excludes(sheets);
     CLI::Option* count = command.add_option("--count", simulation_.count, "Number of random sheets")
                              ->capture_default_str()
                              ->check(CLI::Range(std::uint64_t{0}, kMostSheets))
@@ -40,11 +39,10 @@ void SimulatorArguments::addTo(CLI::App& command)
                             ->check(CLI::IsMember({"wire", "unlimited"}))
                             ->default_str("wire")
                             ->group("Simulated reader");
-    CLI::Option* setting =
-        command.add_option("--setting", simulation_.settings, "Model-specific option: NAME=VALUE")
-            ->type_name("NAME=VALUE")
-            ->allow_extra_args(false)
-            ->group("Simulated reader");
+    CLI::Option* setting = command.add_option("--setting", simulation_.settings, "Model-specific option: NAME=VALUE")
+                               ->type_name("NAME=VALUE")
+                               ->allow_extra_args(false)
+                               ->group("Simulated reader");
     options_ = {sheets, seed, count, fault, rate, setting};
 }
 

@@ -4,8 +4,8 @@
 // Usage: scripted_options MODEL-NUMBER [CONTROL=TEXT]...; "scripted_options 13 txtMarkCutOff=12 chkRejecter=1".
 
 #include <KELReader81U/OptionsPresenter.h>
-#include <KELReader81U/frmOptions.h>
 #include <KELReader81U/clsKELReader.h>
+#include <KELReader81U/frmOptions.h>
 
 #include <cstdlib>
 #include <iostream>

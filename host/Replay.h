@@ -16,9 +16,9 @@ namespace kel::host {
 /// A recorded session, to be replayed without a reader. Time is the transcript's: a wait of ten seconds takes none.
 class KEL_PUBLIC Replay {
 public:
-    /// From the text of a transcript, as a trace has it, or of a report of `kelreader check`, of which it is the session with
-    /// the sheets; `fileName` is for refusals. UsageError, with the line, for a
-    /// text that is none, and for a head that does not fit.
+    /// From the text of a transcript, as a trace has it, or of a report of `kelreader check`, of which it is the
+    /// session with the sheets; `fileName` is for refusals. UsageError, with the line, for a text that is none, and for
+    /// a head that does not fit.
     explicit Replay(const std::string& text, const std::string& fileName = "the transcript");
     ~Replay();
     Replay(const Replay&) = delete;

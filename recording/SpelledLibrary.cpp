@@ -46,9 +46,11 @@ Int32 SpelledLibrary::OMR_GetLastError()
 Int32 SpelledLibrary::OMR_GetReadingMethod(Int32& lVal1, Int32& lVal2)
 {
     const std::array numbers{&lVal1, &lVal2};
-    return called({.words = "OMR_GetReadingMethod",
-                   .numbers = numbers,
-                   .make = [&](OmrApi& library) { return library.OMR_GetReadingMethod(lVal1, lVal2); }});
+    return called({
+        .words = "OMR_GetReadingMethod",
+        .numbers = numbers,
+        .make = [&](OmrApi& library) { return library.OMR_GetReadingMethod(lVal1, lVal2); },
+    });
 }
 
 Int32 SpelledLibrary::OMR_SetReadingMethod(Int32 lMethod, Int32 lVal2)
@@ -78,9 +80,11 @@ Int32 SpelledLibrary::OMR_SetBackSensorUnit(Int32 lOn)
 Int32 SpelledLibrary::OMR_GetSheetFeedMode(Int32& lVal1, Int32& lVal2)
 {
     const std::array numbers{&lVal1, &lVal2};
-    return called({.words = "OMR_GetSheetFeedMode",
-                   .numbers = numbers,
-                   .make = [&](OmrApi& library) { return library.OMR_GetSheetFeedMode(lVal1, lVal2); }});
+    return called({
+        .words = "OMR_GetSheetFeedMode",
+        .numbers = numbers,
+        .make = [&](OmrApi& library) { return library.OMR_GetSheetFeedMode(lVal1, lVal2); },
+    });
 }
 
 Int32 SpelledLibrary::OMR_SetSheetFeedMode(Int32 lVal1, Int32 lVal2)
@@ -142,9 +146,11 @@ Int32 SpelledLibrary::OMR_SetBarCodeCheckDigit(Byte bType, Int32 lOn)
 Int32 SpelledLibrary::OMR_GetBarcodeInfo(Int32& lReadCount, Int32& lSettingCount)
 {
     const std::array numbers{&lReadCount, &lSettingCount};
-    return called({.words = "OMR_GetBarcodeInfo",
-                   .numbers = numbers,
-                   .make = [&](OmrApi& library) { return library.OMR_GetBarcodeInfo(lReadCount, lSettingCount); }});
+    return called({
+        .words = "OMR_GetBarcodeInfo",
+        .numbers = numbers,
+        .make = [&](OmrApi& library) { return library.OMR_GetBarcodeInfo(lReadCount, lSettingCount); },
+    });
 }
 
 Int32 SpelledLibrary::OMR_GetBarcodeData(Int32 lIndex, Byte& bBcType, Int32& lDataLen, Byte* bFirst)

@@ -55,8 +55,7 @@ void addFirmwareCommand(Commands& commands)
     const auto arguments = std::make_shared<Arguments>();
     CLI::App& command = commands.add("firmware", "Asks a reader for its firmware version and prints it",
                                      [arguments] { return run(*arguments); });
-    command.add_option("--model", arguments->model, "Model number, name, or part of the name")
-        ->required();
+    command.add_option("--model", arguments->model, "Model number, name, or part of the name")->required();
     CLI::Option* port = command.add_option("--port", arguments->port, "Port number of the reader, 1 to 16");
     command.add_option("--device", arguments->device, "Device of the reader, such as /dev/ttyUSB0")->excludes(port);
     command.add_option("--set", arguments->assignments, "Sets a property of the reader, such as a line setting")

@@ -56,8 +56,8 @@ int run(const Arguments& arguments)
 void addFormCommand(Commands& commands)
 {
     const auto arguments = std::make_shared<Arguments>();
-    CLI::App& command = commands.add("form", "Checks a form file and describes it",
-                                     [arguments] { return run(*arguments); });
+    CLI::App& command =
+        commands.add("form", "Checks a form file and describes it", [arguments] { return run(*arguments); });
     command.add_option("file", arguments->formFile, "Form of the sheets (JSON)")->required()->type_name("FILE");
     command
         .add_option("--picture", arguments->pictureFile,

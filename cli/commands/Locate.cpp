@@ -49,8 +49,7 @@ void addLocateCommand(Commands& commands)
     const auto arguments = std::make_shared<Arguments>();
     CLI::App& command = commands.add("locate", "Searches the ports for a reader and prints its port number",
                                      [arguments] { return run(*arguments); });
-    command.add_option("--model", arguments->model, "Model number, name, or part of the name")
-        ->required();
+    command.add_option("--model", arguments->model, "Model number, name, or part of the name")->required();
     command.add_option("--port", arguments->startPort, "Port to search first, 1 to 16");
     command.add_option("--set", arguments->assignments, "Sets a property of the reader, such as a line setting")
         ->type_name("Property=Value")

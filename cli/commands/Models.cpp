@@ -45,9 +45,9 @@ int run(const Arguments& arguments)
 void addModelsCommand(Commands& commands)
 {
     const auto arguments = std::make_shared<Arguments>();
-    CLI::App& command =
-        commands.add("models", "Lists the supported models", [arguments] { return run(*arguments); });
-    command.add_option("--maker", arguments->maker, "Lists the models of one maker: apperson, chatsworth, pdi, scantron or sekonic");
+    CLI::App& command = commands.add("models", "Lists the supported models", [arguments] { return run(*arguments); });
+    command.add_option("--maker", arguments->maker,
+                       "Lists the models of one maker: apperson, chatsworth, pdi, scantron or sekonic");
     addFormat(command, arguments->format, {"table", "json", "csv"});
 }
 

@@ -87,8 +87,7 @@ void addOptionsCommand(Commands& commands)
     CLI::App& command = commands.add("options", "Opens the options window and prints what the user chose",
                                      [arguments] { return run(*arguments); });
     command.add_option("--model", arguments->model, "Model to start with, with its defaults");
-    command
-        .add_option("--settings", arguments->settings, "Key to load the settings from and save them to")
+    command.add_option("--settings", arguments->settings, "Key to load the settings from and save them to")
         ->type_name("HIVE\\SUBKEY");
     addFormat(command, arguments->format, {"table", "json"});
 }

@@ -307,7 +307,9 @@ void addScanCommand(Commands& commands)
     command.add_option("--reader", arguments->readerName, "Name of the reader in the store")->type_name("NAME");
     command.add_option("--batch", arguments->batchName, "Name of the batch in the store; the default is the time")
         ->type_name("NAME");
-    command.add_option("--trace", arguments->traceFile, "Records every byte on the line, or every call of a USB reader's library, for 'kelreader replay'")
+    command
+        .add_option("--trace", arguments->traceFile,
+                    "Records every byte on the line, or every call of a USB reader's library, for 'kelreader replay'")
         ->type_name("FILE");
     arguments->simulator.addTo(command);
     command.footer(

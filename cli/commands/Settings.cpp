@@ -191,8 +191,7 @@ int show(const Arguments& arguments)
 void addSettingsCommand(Commands& commands)
 {
     const auto arguments = std::make_shared<Arguments>();
-    CLI::App& settings =
-        commands.add("settings", "Shows and changes saved settings", [] { return kUsageStatus; });
+    CLI::App& settings = commands.add("settings", "Shows and changes saved settings", [] { return kUsageStatus; });
     settings.require_subcommand(1);
     settings.footer("KEY is HIVE\\SUBKEY: HKEY_CURRENT_USER\\Software\\Reader, or HKCU for short. The value of the key "
                     "itself has the name @.");

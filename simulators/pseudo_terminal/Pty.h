@@ -46,8 +46,8 @@ public:
     /// Drops what the host has not read.
     void dropUnread();
 
-    /// Closes this end. The host finds the line hung up, and what it has not read is lost. No other pseudo-terminal gets
-    /// the name while this object lives.
+    /// Closes this end. The host finds the line hung up, and what it has not read is lost. No other pseudo-terminal
+    /// gets the name while this object lives.
     void hangUp() noexcept;
 
 private:

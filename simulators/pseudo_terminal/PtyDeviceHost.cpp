@@ -94,7 +94,8 @@ void PtyDeviceHost::start()
     try {
         thread_ = std::thread(body);
     } catch (const std::system_error& failure) {
-        throw std::system_error(failure.code(), "The simulated reader cannot be started, the system gives it no thread");
+        throw std::system_error(failure.code(),
+                                "The simulated reader cannot be started, the system gives it no thread");
     }
 }
 

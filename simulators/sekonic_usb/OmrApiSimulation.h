@@ -39,8 +39,9 @@ private:
 };
 
 /// The library's state that simulator options ask for: their sheets, random ones in the shape of the USB models'
-/// sheets or of the form, the faults `jam` and `empty` at a sheet, and the faults of the site that apply. The known settings are `columns` and
-/// `barcodeUnit`. Throws std::invalid_argument for other faults, which are those of a line, and other settings.
+/// sheets or of the form, the faults `jam` and `empty` at a sheet, and the faults of the site that apply. The known
+/// settings are `columns` and `barcodeUnit`. Throws std::invalid_argument for other faults, which are those of a line,
+/// and other settings.
 [[nodiscard]] OmrSimulationState omrSimulationState(const SimulatorOptions& options);
 
 /// A pile's usual shape with the USB models: both sides of 48 columns, and with barcode zones a barcode for each.

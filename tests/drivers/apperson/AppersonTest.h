@@ -92,10 +92,7 @@ public:
 /// A reader object whose line is open to a dialogue worked out by hand, under a virtual clock.
 class AppersonTest : public testing::Test {
 protected:
-    AppersonTest() : scope(machine)
-    {
-        machine.hostPace(HostPace::Instant);
-    }
+    AppersonTest() : scope(machine) { machine.hostPace(HostPace::Instant); }
 
     ~AppersonTest() override { setErrorObject(nullptr); }
 

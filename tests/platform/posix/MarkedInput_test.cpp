@@ -80,8 +80,8 @@ protected:
     {
         LineParameters parameters;
         parameters.parity = parity;
-        return std::make_unique<ServedLine>(std::make_unique<CountingEnd>(device.number(), counted),
-                                            parameters, pump());
+        return std::make_unique<ServedLine>(std::make_unique<CountingEnd>(device.number(), counted), parameters,
+                                            pump());
     }
 
     std::string received(ServedLine& line, std::size_t count)

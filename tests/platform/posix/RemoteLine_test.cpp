@@ -3,8 +3,8 @@
 #include "platform/PortMap.h"
 #include "platform/posix/PosixPlatform.h"
 #include "simulators/pseudo_terminal/PtyDeviceHost.h"
-#include "types/RuntimeFailure.h"
 #include "tests/support/Patience.h"
+#include "types/RuntimeFailure.h"
 
 #include <gmock/gmock.h>
 
