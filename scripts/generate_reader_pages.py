@@ -211,8 +211,8 @@ def page_text(advice, tables, texts, failures, lead=""):
 
 def family_tables(models, lines):
     legend = (
-        "on\\*, off\\*: the user may change it; this is what the model starts from. always: the model always has it. –: it "
-        "does not have it. [What the settings mean](common.md#what-the-settings-mean)"
+        "on\\*, off\\*: the model's default, which the user may change. always: the model always has it. –: it does not "
+        "have it. [What the settings mean](common.md#what-the-settings-mean)"
     )
     pauses = {(model["SleepTime"], model["Timeout"]) for model in models}
     need(len(pauses) == 1, "the models of a family differ in their system pause or time-out")
