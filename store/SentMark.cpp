@@ -45,9 +45,43 @@ void SentMark::move(std::int64_t id)
     change("UPDATE store SET sent = ?", id);
 }
 
+void SentMark::hold(std::int64_t id, const std::string& reason)
+{
+    change("INSERT OR REPLACE INTO held VALUES (?, ?)", id, reason);
+}
+
+void SentMark::release(std::int64_t id)
+{
+    change("DELETE FROM held WHERE id = ?", id);
+}
+
+std::vector<std::int64_t> SentMark::held()
+{
+    std::vector<std::int64_t> ids;
+    onStore(store_, [&] {
+        SqliteStatement query(database_, "SELECT id FROM held ORDER BY id");
+        SqliteStatement::Run rows(query);
+        while (rows.next())
+            ids.push_back(rows.numberAt(0));
+    });
+    return ids;
+}
+
+std::string SentMark::reason()
+{
+    std::string reason;
+    onStore(store_, [&] {
+        SqliteStatement query(database_, "SELECT reason FROM held ORDER BY id DESC LIMIT 1");
+        SqliteStatement::Run row(query);
+        if (row.next())
+            reason = row.textAt(0);
+    });
+    return reason;
+}
+
 std::int64_t SentMark::unsent()
 {
-    return number("SELECT last - sent FROM store");
+    return number("SELECT last - sent + (SELECT count(*) FROM held) FROM store");
 }
 
 std::int64_t SentMark::number(const char* query)
@@ -62,11 +96,15 @@ std::int64_t SentMark::number(const char* query)
     return result;
 }
 
-void SentMark::change(const char* statement, std::int64_t value)
+void SentMark::change(const char* statement, std::int64_t value, std::optional<std::string_view> text)
 {
     onStore(store_, [&] {
         SqliteStatement prepared(database_, statement);
-        SqliteStatement::Run(prepared).number(value).next();
+        SqliteStatement::Run run(prepared);
+        run.number(value);
+        if (text)
+            run.text(*text);
+        run.next();
     });
 }
 

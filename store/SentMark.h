@@ -5,6 +5,10 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
 
 namespace kel {
 
@@ -23,7 +27,15 @@ public:
     /// Moves the mark. It may come back to an earlier place if the power fails, and is never too far on.
     void move(std::int64_t id);
 
-    /// How many entries the stream does not have yet.
+    /// The stream does not take an entry, for a reason that is a sentence: the mark may go past it.
+    void hold(std::int64_t id, const std::string& reason);
+    /// The stream has it now, or the store has it no more.
+    void release(std::int64_t id);
+    /// What is held, and why the last of it is; an empty text if nothing is.
+    [[nodiscard]] std::vector<std::int64_t> held();
+    [[nodiscard]] std::string reason();
+
+    /// How many entries the stream does not have yet, those that are held included.
     [[nodiscard]] std::int64_t unsent();
 
     /// Whether another file has taken the store's place.
@@ -31,7 +43,7 @@ public:
 
 private:
     [[nodiscard]] std::int64_t number(const char* query);
-    void change(const char* statement, std::int64_t value);
+    void change(const char* statement, std::int64_t value, std::optional<std::string_view> text = std::nullopt);
 
     std::filesystem::path store_;
     SqliteDatabase database_;

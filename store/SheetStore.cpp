@@ -3,7 +3,7 @@
 
 #include "formats/JsonValue.h"
 #include "platform/posix/Sqlite.h"
-#include "store/SheetJson.h"
+#include "store/EntryTexts.h"
 #include "store/StoreProblem.h"
 #include "store/StoreSchema.h"
 #include "types/Text.h"
@@ -25,11 +25,6 @@ void makeFile(const std::filesystem::path& file)
 {
     const FileDescriptor made(
         retrying([&] { return ::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, kUserAndGroup); }));
-}
-
-std::string textOrNothing(const Json& value)
-{
-    return value.is_null() ? std::string() : jsonText(value);
 }
 
 } // namespace
@@ -147,11 +142,7 @@ private:
             sheet.number = lastSheet_ + 1;
         SqliteStatement::Run(countSheet_).number(sheet.number).number(batch).next();
         const std::int64_t setup = setupOf(read.setup);
-        const std::string side1 = textOrNothing(jsonSide(sheet.side1));
-        const std::string side2 = textOrNothing(jsonSide(sheet.side2));
-        const std::string barcodes = jsonText(jsonTexts(sheet.barcodes.elements()));
-        const std::string record = sheet.record ? jsonText(jsonRecord(*sheet.record)) : std::string();
-        const std::string printedLines = jsonText(jsonTexts(sheet.printedLines));
+        const SheetTexts texts = textsOf(read);
         SqliteStatement::Run(addSheet_)
             .number(entry.id)
             .text(entry.identity)
@@ -159,15 +150,15 @@ private:
             .number(sheet.number)
             .text(entry.time)
             .number(setup)
-            .text(side1)
-            .text(side2)
+            .text(texts.side1)
+            .text(texts.side2)
             .number(sheet.side1TimingMarks)
             .number(sheet.side2TimingMarks)
-            .text(barcodes)
-            .text(record)
+            .text(texts.barcodes)
+            .text(texts.record)
             .number(sheet.rejected)
             .number(sheet.printed)
-            .text(printedLines)
+            .text(texts.printedLines)
             .next();
     }
 

@@ -88,6 +88,12 @@ constexpr const char* kSteps[] = {
         UNIQUE (subject, content)
     );
     )",
+    R"(
+    CREATE TABLE held ( -- entries up to the mark that the stream does not take
+        id INTEGER PRIMARY KEY,
+        reason TEXT NOT NULL
+    );
+    )",
 };
 static_assert(std::size(kSteps) == kStoreVersion);
 

@@ -2,7 +2,6 @@
 #include "store/StoredSheets.h"
 
 #include "formats/JsonValue.h"
-#include "store/SheetJson.h"
 #include "store/SheetStore.h"
 #include "store/StoreProblem.h"
 #include "store/StoreSchema.h"
@@ -65,20 +64,13 @@ auto opened(const std::filesystem::path& file, Make&& make)
     return std::move(*result);
 }
 
-Entry entryOf(const SqliteStatement::Run& row, std::int64_t id)
+EntryTexts originAt(const SqliteStatement::Run& row, std::int64_t id)
 {
-    Entry entry;
-    entry.id = id;
-    entry.identity = row.textAt(0);
-    entry.origin = {.store = row.textAt(1), .station = row.textAt(2), .reader = row.textAt(3), .batch = row.textAt(4)};
-    entry.time = row.textAt(5);
-    return entry;
-}
-
-MarkArray sideAt(const SqliteStatement::Run& row, int column)
-{
-    const std::string text = row.textAt(column);
-    return text.empty() ? MarkArray() : sideOf(parseJson(text));
+    return {
+        .id = id,
+        .identity = row.textAt(0),
+        .origin = {.store = row.textAt(1), .station = row.textAt(2), .reader = row.textAt(3), .batch = row.textAt(4)},
+        .time = row.textAt(5)};
 }
 
 /// A part of a text as it stands within the JSON of the texts.
@@ -124,28 +116,53 @@ std::optional<std::string> storeTimeOf(const std::string& text)
 
 StoredSheets::StoredSheets(const std::filesystem::path& file)
     : file_(existing(file)),
-      database_(opened(file, [&] { return SqliteDatabase(file, SqliteDatabase::Mode::Shared, kPatience); }))
+      database_(opened(file,
+                       [&] {
+                           SqliteDatabase database(file, SqliteDatabase::Mode::Shared, kPatience);
+                           checkStore(database, file);
+                           return database;
+                       })),
+      ids_(statement(kFind)), sheetRow_(statement(kSheet)), failureRow_(statement(kFailure))
 {
-    onStore(file_, [&] { checkStore(database_, file_); });
+}
+
+SqliteStatement StoredSheets::statement(const char* text)
+{
+    return opened(file_, [&] { return SqliteStatement(database_, text); });
 }
 
 std::int64_t StoredSheets::read(const StoreFilter& filter, std::int64_t after, const Take& take)
 {
+    return walk(filter, after, [&](EntryTexts texts) { return take(entry(std::move(texts))); });
+}
+
+std::int64_t StoredSheets::readTexts(std::int64_t after, const TakeTexts& take)
+{
+    return walk({}, after, [&](const EntryTexts& texts) {
+        sound(texts.id, [&] { demandJson(texts); });
+        return take(texts);
+    });
+}
+
+std::int64_t StoredSheets::walk(const StoreFilter& filter, std::int64_t after,
+                                const std::function<bool(EntryTexts texts)>& take)
+{
     onStore(file_, [&] {
-        SqliteStatement find(database_, kFind);
         std::vector<std::pair<std::int64_t, bool>> found;
         do {
             found.clear();
-            SqliteStatement::Run rows(find);
-            rows.number(after).text(filter.reader).text(filter.batch).text(filter.since);
-            rows.number(filter.failures).number(kAtOnce);
-            while (rows.next())
-                found.emplace_back(rows.numberAt(0), rows.numberAt(1) != 0);
+            {
+                SqliteStatement::Run rows(ids_);
+                rows.number(after).text(filter.reader).text(filter.batch).text(filter.since);
+                rows.number(filter.failures).number(kAtOnce);
+                while (rows.next())
+                    found.emplace_back(rows.numberAt(0), rows.numberAt(1) != 0);
+            }
             for (const auto& [id, isFailure] : found) {
                 after = id;
                 // Somebody may have had it forgotten just now.
-                const std::optional<Entry> entry = isFailure ? failureOf(id) : sheetOf(id);
-                if (entry && !take(*entry))
+                std::optional<EntryTexts> texts = isFailure ? failureTexts(id) : sheetTexts(id);
+                if (texts && !take(std::move(*texts)))
                     return;
             }
         } while (found.size() == kAtOnce);
@@ -227,43 +244,56 @@ std::int64_t StoredSheets::numberOf(const char* query)
 
 std::optional<Entry> StoredSheets::sheetOf(std::int64_t id)
 {
-    SqliteStatement statement(database_, kSheet);
-    SqliteStatement::Run row(statement);
-    if (!row.number(id).next())
-        return std::nullopt;
-    Entry entry = entryOf(row, id);
-    ReadSheetEntry read;
-    read.setup = {.model = static_cast<kelReaderType>(row.numberAt(6)),
-                  .threshold = static_cast<Int16>(row.numberAt(7)),
-                  .form = row.textAt(8)};
-    host::Sheet& sheet = read.sheet;
+    std::optional<EntryTexts> texts = sheetTexts(id);
+    return texts ? std::optional(entry(std::move(*texts))) : std::nullopt;
+}
+
+Entry StoredSheets::entry(EntryTexts texts) const
+{
+    Entry entry;
+    sound(texts.id, [&] { entry = entryOf(std::move(texts)); });
+    return entry;
+}
+
+/// Runs work on what a row holds, and makes a StoreProblem of what is not as it was written.
+void StoredSheets::sound(std::int64_t id, const std::function<void()>& work) const
+{
     try {
-        sheet.number = static_cast<Int32>(row.numberAt(9));
-        sheet.side1 = sideAt(row, 10);
-        sheet.side2 = sideAt(row, 11);
-        sheet.side1TimingMarks = static_cast<Int16>(row.numberAt(12));
-        sheet.side2TimingMarks = static_cast<Int16>(row.numberAt(13));
-        sheet.barcodes = TextArray::of(1, lineTextsOf(parseJson(row.textAt(14))));
-        if (const std::string record = row.textAt(15); !record.empty())
-            sheet.record = recordOf(parseJson(record));
-        sheet.rejected = row.numberAt(16) != 0;
-        sheet.printed = row.numberAt(17) != 0;
-        sheet.printedLines = lineTextsOf(parseJson(row.textAt(18)));
+        work();
     } catch (const JsonRefusal& refusal) {
         throw StoreProblem("The store " + file_.string() + " is damaged at sheet " + std::to_string(id) + ": " +
                            validUtf8(refusal.what()) + ".");
     }
-    entry.what = std::move(read);
+}
+
+std::optional<EntryTexts> StoredSheets::sheetTexts(std::int64_t id)
+{
+    SqliteStatement::Run row(sheetRow_);
+    if (!row.number(id).next())
+        return std::nullopt;
+    EntryTexts entry = originAt(row, id);
+    entry.what = SheetTexts{.setup = {.model = static_cast<kelReaderType>(row.numberAt(6)),
+                                      .threshold = static_cast<Int16>(row.numberAt(7)),
+                                      .form = row.textAt(8)},
+                            .number = static_cast<Int32>(row.numberAt(9)),
+                            .side1 = row.textAt(10),
+                            .side2 = row.textAt(11),
+                            .side1TimingMarks = static_cast<Int16>(row.numberAt(12)),
+                            .side2TimingMarks = static_cast<Int16>(row.numberAt(13)),
+                            .barcodes = row.textAt(14),
+                            .record = row.textAt(15),
+                            .rejected = row.numberAt(16) != 0,
+                            .printed = row.numberAt(17) != 0,
+                            .printedLines = row.textAt(18)};
     return entry;
 }
 
-std::optional<Entry> StoredSheets::failureOf(std::int64_t id)
+std::optional<EntryTexts> StoredSheets::failureTexts(std::int64_t id)
 {
-    SqliteStatement statement(database_, kFailure);
-    SqliteStatement::Run row(statement);
+    SqliteStatement::Run row(failureRow_);
     if (!row.number(id).next())
         return std::nullopt;
-    Entry entry = entryOf(row, id);
+    EntryTexts entry = originAt(row, id);
     ReportEntry report;
     report.afterSheet = static_cast<Int32>(row.numberAt(6));
     report.failure.line = static_cast<Int32>(row.numberAt(7));
@@ -283,8 +313,8 @@ StoredSheets::Forgotten StoredSheets::forget(const std::string& before, Forget w
         for (const std::string table : {"sheet", "failure"}) {
             // The mark may move meanwhile.
             const std::string old = " FROM " + table + " WHERE time < ?1";
-            const std::string sent =
-                old + " AND (?2 OR id <= (SELECT CASE WHEN sends THEN sent ELSE last END FROM store))";
+            const std::string sent = old + " AND (?2 OR NOT (SELECT sends FROM store) OR " +
+                                     "(id <= (SELECT sent FROM store) AND id NOT IN (SELECT id FROM held)))";
             const std::string removal =
                 "DELETE FROM " + table + " WHERE id IN (SELECT id" + sent + " LIMIT " + std::to_string(kAtOnce) + ")";
             SqliteStatement statement(database_, removal.c_str());

@@ -3,6 +3,7 @@
 
 #include "platform/posix/Sqlite.h"
 #include "store/Entry.h"
+#include "store/EntryTexts.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -55,6 +56,11 @@ public:
     /// Hands out the entries after an id, in their order, until `take` answers false. The id of the last.
     std::int64_t read(const StoreFilter& filter, std::int64_t after, const Take& take);
 
+    using TakeTexts = std::function<bool(const EntryTexts& entry)>;
+
+    /// The same for all entries as they are written, for whoever passes them on. What is JSON is sound.
+    std::int64_t readTexts(std::int64_t after, const TakeTexts& take);
+
     /// Looks for sheets with ids below `before`, or for the newest of all if it is 0: at most so many, and no longer
     /// than somebody who looks at a page waits.
     [[nodiscard]] FoundSheets find(const SheetSearch& search, std::int64_t before, std::size_t most);
@@ -84,12 +90,20 @@ public:
     Forgotten forget(const std::string& before, Forget which);
 
 private:
+    [[nodiscard]] SqliteStatement statement(const char* text);
+    std::int64_t walk(const StoreFilter& filter, std::int64_t after, const std::function<bool(EntryTexts)>& take);
     [[nodiscard]] std::optional<Entry> sheetOf(std::int64_t id);
-    [[nodiscard]] std::optional<Entry> failureOf(std::int64_t id);
+    [[nodiscard]] std::optional<EntryTexts> sheetTexts(std::int64_t id);
+    [[nodiscard]] std::optional<EntryTexts> failureTexts(std::int64_t id);
+    [[nodiscard]] Entry entry(EntryTexts texts) const;
+    void sound(std::int64_t id, const std::function<void()>& work) const;
     [[nodiscard]] std::int64_t numberOf(const char* query);
 
     std::filesystem::path file_;
     SqliteDatabase database_;
+    SqliteStatement ids_;
+    SqliteStatement sheetRow_;
+    SqliteStatement failureRow_;
 };
 
 /// A time that a person has written, as the store writes times: a date, or date and time, of this place

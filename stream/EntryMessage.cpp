@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 namespace kel {
 
@@ -24,14 +25,15 @@ std::string partOf(std::string name)
     return name.empty() ? "_" : name;
 }
 
-Json jsonForm(const std::string& form)
+/// A form that is no JSON is a text.
+std::string formText(const std::string& form)
 {
     if (form.empty())
-        return nullptr;
+        return "null";
     try {
-        return parseJson(form);
+        return jsonText(parseJson(form));
     } catch (const JsonRefusal&) {
-        return validUtf8(form);
+        return jsonText(validUtf8(form));
     }
 }
 
@@ -42,34 +44,67 @@ std::string formOf(const Json& form)
     return form.is_string() ? form.get<std::string>() : jsonText(form);
 }
 
-Json jsonOf(const ReadSheetEntry& read)
+/// An object that is written member by member. What is JSON already goes in as it is.
+class ObjectText {
+public:
+    ObjectText& json(const char* name, std::string_view text)
+    {
+        text_ += text_.size() > 1 ? ",\"" : "\"";
+        text_ += name;
+        text_ += "\":";
+        text_ += text;
+        return *this;
+    }
+    ObjectText& text(const char* name, std::string_view value) { return json(name, jsonText(validUtf8(value))); }
+    ObjectText& number(const char* name, Int32 value) { return json(name, CStr(value)); }
+    ObjectText& truth(const char* name, bool value) { return json(name, value ? "true" : "false"); }
+
+    [[nodiscard]] std::string end() &&
+    {
+        text_ += '}';
+        return std::move(text_);
+    }
+
+private:
+    std::string text_ = "{";
+};
+
+std::string_view orNull(const std::string& text)
 {
-    const host::Sheet& sheet = read.sheet;
-    return {{"number", sheet.number},
-            {"model", static_cast<Int32>(read.setup.model)},
-            {"threshold", read.setup.threshold},
-            {"side1", jsonSide(sheet.side1)},
-            {"side2", jsonSide(sheet.side2)},
-            {"side1TimingMarks", sheet.side1TimingMarks},
-            {"side2TimingMarks", sheet.side2TimingMarks},
-            {"barcodes", jsonTexts(sheet.barcodes.elements())},
-            {"record", sheet.record ? jsonRecord(*sheet.record) : Json(nullptr)},
-            {"rejected", sheet.rejected},
-            {"printed", sheet.printed},
-            {"printedLines", jsonTexts(sheet.printedLines)},
-            {"form", jsonForm(read.setup.form)}};
+    return text.empty() ? std::string_view("null") : std::string_view(text);
 }
 
-Json jsonOf(const ReportEntry& report)
+std::string objectOf(const SheetTexts& sheet)
+{
+    ObjectText object;
+    object.number("number", sheet.number)
+        .number("model", sheet.setup.model)
+        .number("threshold", sheet.setup.threshold)
+        .json("side1", orNull(sheet.side1))
+        .json("side2", orNull(sheet.side2))
+        .number("side1TimingMarks", sheet.side1TimingMarks)
+        .number("side2TimingMarks", sheet.side2TimingMarks)
+        .json("barcodes", sheet.barcodes)
+        .json("record", orNull(sheet.record))
+        .truth("rejected", sheet.rejected)
+        .truth("printed", sheet.printed)
+        .json("printedLines", sheet.printedLines)
+        .json("form", formText(sheet.setup.form));
+    return std::move(object).end();
+}
+
+std::string objectOf(const ReportEntry& report)
 {
     const host::Failure& failure = report.failure;
-    return {{"afterSheet", report.afterSheet},
-            {"line", failure.line},
-            {"number", failure.number},
-            {"type", failure.type},
-            {"description", jsonValue(failure.description)},
-            {"source", jsonValue(failure.source)},
-            {"title", jsonValue(failure.title)}};
+    ObjectText object;
+    object.number("afterSheet", report.afterSheet)
+        .number("line", failure.line)
+        .number("number", failure.number)
+        .number("type", failure.type)
+        .text("description", failure.description)
+        .text("source", failure.source)
+        .text("title", failure.title);
+    return std::move(object).end();
 }
 
 // Readers of one value each.
@@ -187,20 +222,26 @@ void demandVersion(const Json& message)
 
 } // namespace
 
-StreamMessage messageOf(const Entry& entry, const std::string& root)
+StreamMessage messageOf(const EntryTexts& entry, const std::string& root)
 {
-    Json message = {{"version", kMessageVersion},
-                    {"identity", entry.identity},
-                    {"store", entry.origin.store},
-                    {"station", validUtf8(entry.origin.station)},
-                    {"reader", validUtf8(entry.origin.reader)},
-                    {"batch", validUtf8(entry.origin.batch)},
-                    {"time", entry.time}};
     const char* const kind = entry.sheet() ? "sheet" : "report";
-    message[kind] = entry.sheet() ? jsonOf(*entry.sheet()) : jsonOf(*entry.report());
+    ObjectText message;
+    message.number("version", kMessageVersion)
+        .text("identity", entry.identity)
+        .text("store", entry.origin.store)
+        .text("station", entry.origin.station)
+        .text("reader", entry.origin.reader)
+        .text("batch", entry.origin.batch)
+        .text("time", entry.time)
+        .json(kind, entry.sheet() ? objectOf(*entry.sheet()) : objectOf(*entry.report()));
     return {.subject = root + "." + kind + "." + partOf(entry.origin.station) + "." + partOf(entry.origin.reader),
             .identity = entry.identity,
-            .content = jsonText(message)};
+            .content = std::move(message).end()};
+}
+
+StreamMessage messageOf(const Entry& entry, const std::string& root)
+{
+    return messageOf(textsOf(entry), root);
 }
 
 Entry entryIn(std::string_view content)

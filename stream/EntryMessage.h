@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "store/Entry.h"
+#include "store/EntryTexts.h"
 #include "stream/StreamLink.h"
 
 #include <string>
@@ -13,6 +13,7 @@ namespace kel {
 inline constexpr int kMessageVersion = 1;
 
 /// An entry as a message: its subject is ROOT.sheet.STATION.READER or ROOT.report.STATION.READER.
+[[nodiscard]] StreamMessage messageOf(const EntryTexts& entry, const std::string& root);
 [[nodiscard]] StreamMessage messageOf(const Entry& entry, const std::string& root);
 
 /// The entry that a message holds, without an id. JsonRefusal for one that holds none.

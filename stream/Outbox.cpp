@@ -7,10 +7,21 @@ namespace kel {
 
 void Outbox::add(std::int64_t id, std::string line, StreamMessage message)
 {
-    Line& messages = lines_[std::move(line)];
-    messages.push_back({.id = id, .message = std::move(message)});
+    queue(id, std::move(line), std::move(message));
     open_.insert(id);
     loaded_ = id;
+}
+
+void Outbox::addAgain(std::int64_t id, std::string line, StreamMessage message)
+{
+    queue(id, std::move(line), std::move(message));
+}
+
+void Outbox::queue(std::int64_t id, std::string line, StreamMessage message)
+{
+    Line& messages = lines_[std::move(line)];
+    messages.push_back({.id = id, .message = std::move(message)});
+    ++size_;
     if (messages.size() == 1)
         ready_.push_back(&messages);
 }
@@ -45,6 +56,7 @@ void Outbox::acknowledge(std::int64_t id)
     underWay_.erase(found);
     open_.erase(id);
     line->pop_front();
+    --size_;
     if (!line->empty())
         ready_.push_back(line);
 }

@@ -26,11 +26,13 @@ public:
 
     /// Takes the next message of the store.
     void add(std::int64_t id, std::string line, StreamMessage message);
+    /// Takes one that was left out before; the others do not wait for it.
+    void addAgain(std::int64_t id, std::string line, StreamMessage message);
 
     /// The id of the last one that was added.
     [[nodiscard]] std::int64_t loaded() const noexcept { return loaded_; }
 
-    [[nodiscard]] std::size_t size() const noexcept { return open_.size(); }
+    [[nodiscard]] std::size_t size() const noexcept { return size_; }
 
     /// A message that may be sent now.
     struct Due {
@@ -41,7 +43,7 @@ public:
     /// Hands out the next one, once; nothing if all that may be sent is under way.
     [[nodiscard]] std::optional<Due> next(Time now);
 
-    /// The stream has a message.
+    /// The stream has a message, or is to be left without it.
     void acknowledge(std::int64_t id);
 
     /// How many messages are under way, and since when the oldest of them.
@@ -58,7 +60,10 @@ private:
     };
     using Line = std::deque<Waiting>;
 
+    void queue(std::int64_t id, std::string line, StreamMessage message);
+
     std::int64_t loaded_;
+    std::size_t size_ = 0;
     std::map<std::string, Line> lines_;
     std::deque<Line*> ready_; ///< with a first message that is not under way
     std::map<std::int64_t, Line*> underWay_;

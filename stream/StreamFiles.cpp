@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <fstream>
+#include <iterator>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -16,6 +18,21 @@ std::string unreadable(const std::filesystem::path& file)
     if (file.empty() || ::access(file.c_str(), R_OK) == 0)
         return {};
     return "The file " + file.string() + " cannot be read: " + std::strerror(errno) + ".";
+}
+
+/// Without both parts the client library finds out at each attempt to connect.
+std::string incompletenessOf(const std::filesystem::path& credentials)
+{
+    if (credentials.empty())
+        return {};
+    std::ifstream stream(credentials, std::ios::binary);
+    const std::string text{std::istreambuf_iterator<char>(stream), {}};
+    for (const char* part : {"-----BEGIN NATS USER JWT-----", "-----BEGIN USER NKEY SEED-----"}) {
+        if (text.find(part) == std::string::npos)
+            return "The file " + credentials.string() + " holds no credentials: it has no line \"" + part +
+                   "\"; ask the servers' administrator for a file as 'nsc generate creds' writes it.";
+    }
+    return {};
 }
 
 bool isServer(const std::string& server)
@@ -79,7 +96,7 @@ std::string faultOf(const StreamAddress& address)
         if (const std::string fault = exposureOf(file); !fault.empty())
             return fault;
     }
-    return {};
+    return incompletenessOf(address.credentials);
 }
 
 } // namespace kel

@@ -38,17 +38,23 @@ struct StreamMessage {
     std::string content{};
 };
 
+/// What a stream says to a message.
+struct StreamAnswer {
+    std::int64_t ticket = 0;
+    std::string refusal{}; ///< empty if the stream has it; else why it takes this one not, and others: half a sentence
+};
+
 /// A connection on which messages go into a stream, from one thread. It lives once: a StreamProblem from any of its
 /// functions is its end, and what was not acknowledged has to be sent again on another one.
 class StreamPublisher {
 public:
     virtual ~StreamPublisher() = default;
 
-    /// Sends a message; `ticket` comes back when the stream has it.
+    /// Sends a message; `ticket` comes back with the stream's answer.
     virtual void send(const StreamMessage& message, std::int64_t ticket) = 0;
 
-    /// Waits for the stream to acknowledge a message, and gives its ticket; nothing if that takes longer.
-    [[nodiscard]] virtual std::optional<std::int64_t> acknowledged(std::chrono::milliseconds patience) = 0;
+    /// Waits for the stream to answer a message; nothing if that takes longer.
+    [[nodiscard]] virtual std::optional<StreamAnswer> answer(std::chrono::milliseconds patience) = 0;
 
     /// StreamProblem if the connection is lost.
     virtual void check() = 0;

@@ -6,7 +6,10 @@
 #include "store/StoredSheets.h"
 #include "stream/EntryMessage.h"
 #include "stream/Outbox.h"
+#include "types/Text.h"
 
+#include <deque>
+#include <set>
 #include <utility>
 
 namespace kel {
@@ -20,6 +23,8 @@ constexpr std::size_t kMostLoaded = 512;
 constexpr std::int64_t kBetweenMarks = 100;
 // A stream that has not acknowledged a message after so long does not do it on this connection.
 constexpr std::chrono::seconds kPatience{10};
+// What the stream has not taken is tried again after so long, and on each new connection.
+constexpr std::chrono::minutes kBetweenAttempts{10};
 // A wait for the stream looks up so often whether it is to end.
 constexpr std::chrono::milliseconds kTurn{100};
 
@@ -29,15 +34,24 @@ std::string lineOf(const Origin& origin)
     return origin.store + "\n" + origin.station + "\n" + origin.reader;
 }
 
+std::string nameOf(const EntryTexts& entry)
+{
+    const std::string of = " of the batch " + entry.origin.batch + " of the reader " + entry.origin.reader;
+    return entry.sheet() ? "Sheet " + CStr(entry.sheet()->number) + of
+                         : "A report after sheet " + CStr(entry.report()->afterSheet) + of;
+}
+
 } // namespace
 
 /// What is sent on one connection, and what the stream says to it.
 class StreamSender::Sending {
 public:
-    Sending(const std::filesystem::path& store, const StreamAddress& address, StreamOpener& opener)
-        : address_(address), sheets_(store), mark_(store), watch_(store), outbox_(mark_.last()),
+    Sending(const std::filesystem::path& store, const StreamAddress& address, StreamOpener& opener,
+            const StreamNews::Tell& tell)
+        : address_(address), tell_(tell), sheets_(store), mark_(store), watch_(store), outbox_(mark_.last()),
           marked_(outbox_.last()), stream_(opener.publisher(address))
     {
+        tryHeldAgain();
     }
 
     [[nodiscard]] bool hasMoved() const { return mark_.hasMoved(); }
@@ -47,7 +61,9 @@ public:
     {
         if (outbox_.size() >= kMostLoaded / 2)
             return;
-        sheets_.read({}, outbox_.loaded(), [&](const Entry& entry) {
+        for (; !again_.empty() && outbox_.size() < kMostLoaded; again_.pop_front())
+            loadAgain(again_.front());
+        sheets_.readTexts(outbox_.loaded(), [&](const EntryTexts& entry) {
             outbox_.add(entry.id, lineOf(entry.origin), messageOf(entry, address_.subject));
             return outbox_.size() < kMostLoaded;
         });
@@ -66,15 +82,19 @@ public:
     /// Whether the stream has acknowledged something.
     [[nodiscard]] bool receive()
     {
-        const std::optional<std::int64_t> ticket = stream_->acknowledged(kTurn);
-        if (ticket) {
-            outbox_.acknowledge(*ticket);
+        const std::optional<StreamAnswer> answer = stream_->answer(kTurn);
+        if (answer) {
+            if (!answer->refusal.empty())
+                hold(answer->ticket, answer->refusal);
+            else if (held_.erase(answer->ticket) > 0)
+                mark_.release(answer->ticket);
+            outbox_.acknowledge(answer->ticket);
             if (outbox_.last() - marked_ >= kBetweenMarks)
                 moveMark();
         }
         if (const auto oldest = outbox_.oldest(); oldest && Clock::now() - *oldest > kPatience)
             throw StreamProblem("The stream " + address_.stream + " does not acknowledge what is sent to it.");
-        return ticket.has_value();
+        return answer && answer->refusal.empty();
     }
 
     void waitForSheets(int stop)
@@ -82,6 +102,8 @@ public:
         moveMark();
         stream_->check();
         static_cast<void>(watch_.wait(stop));
+        if (Clock::now() - triedAgain_ > kBetweenAttempts)
+            tryHeldAgain();
     }
 
     void moveMark()
@@ -95,20 +117,69 @@ public:
 private:
     using Clock = std::chrono::steady_clock;
 
+    void tryHeldAgain()
+    {
+        triedAgain_ = Clock::now();
+        const std::vector<std::int64_t> held = mark_.held();
+        again_.assign(held.begin(), held.end());
+        held_ = {held.begin(), held.end()};
+    }
+
+    void loadAgain(std::int64_t id)
+    {
+        const bool isThere = with(id, [&](const EntryTexts& entry) {
+            outbox_.addAgain(id, lineOf(entry.origin), messageOf(entry, address_.subject));
+        });
+        if (isThere)
+            return;
+        held_.erase(id); // it has been forgotten
+        mark_.release(id);
+    }
+
+    /// The store keeps what the stream does not take. It is told once for each reader.
+    void hold(std::int64_t id, const std::string& refusal)
+    {
+        if (!held_.insert(id).second)
+            return;
+        with(id, [&](const EntryTexts& entry) {
+            const std::string sentence = nameOf(entry) + " does not go into the stream: " + refusal + ".";
+            mark_.hold(id, sentence);
+            if (told_.insert(lineOf(entry.origin)).second)
+                tell_(sentence + " The store keeps it, and the others are sent.");
+        });
+    }
+
+    /// Whether the store has an entry; if so, something is done with it.
+    bool with(std::int64_t id, const std::function<void(const EntryTexts& entry)>& work)
+    {
+        bool isThere = false;
+        sheets_.readTexts(id - 1, [&](const EntryTexts& entry) {
+            isThere = entry.id == id;
+            if (isThere)
+                work(entry);
+            return false;
+        });
+        return isThere;
+    }
+
     const StreamAddress& address_;
+    const StreamNews::Tell& tell_;
     StoredSheets sheets_;
     SentMark mark_;
     StoreWatch watch_;
     Outbox outbox_;
     std::int64_t marked_;
+    std::set<std::int64_t> held_;    ///< what the stream has not taken
+    std::deque<std::int64_t> again_; ///< what of it is to be tried again now
+    Clock::time_point triedAgain_{};
+    std::set<std::string> told_; ///< readers with something that it does not take
     std::unique_ptr<StreamPublisher> stream_;
 };
 
 StreamSender::StreamSender(std::filesystem::path store, StreamAddress address, Pauses pauses, StreamNews::Tell tell,
                            Opener opener)
-    : store_(std::move(store)), address_(std::move(address)), pauses_(pauses),
-      news_("The stream " + address_.stream + " takes sheets.", "The store keeps the sheets meanwhile.",
-            std::move(tell)),
+    : store_(std::move(store)), address_(std::move(address)), pauses_(pauses), tell_(std::move(tell)),
+      news_("The stream " + address_.stream + " takes sheets.", "The store keeps the sheets meanwhile.", tell_),
       opener_(std::move(opener))
 {
     thread_ = std::thread([this] { run(); });
@@ -129,7 +200,10 @@ StreamState StreamSender::state() const
 {
     StreamState state{.isUp = news_.isUp(), .problem = news_.problem()};
     try {
-        state.unsent = SentMark(store_).unsent();
+        SentMark mark(store_);
+        state.unsent = mark.unsent();
+        if (state.problem.empty())
+            state.problem = mark.reason();
     } catch (const StoreProblem&) {
         state.unsent = -1;
     }
@@ -160,19 +234,22 @@ void StreamSender::run()
     } while (pause(pauses_.next()));
 }
 
-/// One connection, until it is lost or the sender is to end.
+/// One connection, until it is lost or the sender is to end. A stream that answers may still take nothing: it is up
+/// when it has taken something, or when there is nothing to take.
 void StreamSender::sendOnce()
 {
-    Sending sending(store_, address_, opener_());
-    news_.up();
+    Sending sending(store_, address_, opener_(), tell_);
     try {
         while (!stopping() && !sending.hasMoved()) {
             sending.load();
             sending.send();
-            if (sending.isIdle())
+            if (sending.isIdle()) {
+                news_.up();
                 sending.waitForSheets(stop_.handle());
-            else if (sending.receive())
+            } else if (sending.receive()) {
+                news_.up();
                 pauses_.reset();
+            }
         }
     } catch (const StreamProblem&) {
         sending.moveMark(); // what came before counts

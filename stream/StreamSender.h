@@ -19,7 +19,7 @@ namespace kel {
 /// How a stream does that a store is sent into.
 struct StreamState {
     bool isUp = false;
-    std::string problem{};   ///< why not, a sentence
+    std::string problem{};   ///< why not, a sentence; or why it does not take some, while it takes others
     std::int64_t unsent = 0; ///< entries of the store that the stream does not have yet; -1 if nobody can say
 };
 
@@ -50,6 +50,7 @@ private:
     std::filesystem::path store_;
     StreamAddress address_;
     Pauses pauses_;
+    StreamNews::Tell tell_;
     StreamNews news_;
     Opener opener_;
 

@@ -84,23 +84,31 @@ NatsConnection::NatsConnection(const StreamAddress& address)
     std::vector<std::string> servers = address.servers;
     std::shuffle(servers.begin(), servers.end(), std::random_device());
     std::set<std::string> reasons; // in the same order each time
+    bool isRefused = false;
     for (const std::string& server : servers) {
         const natsStatus status = open(address, server);
         if (status == NATS_OK)
             return;
+        isRefused = isRefused || status == NATS_CONNECTION_AUTH_FAILED;
         reasons.insert(shown(server) + ": " + natsReason(status));
     }
     std::string list;
     for (const std::string& reason : reasons)
         list += (list.empty() ? "" : ", ") + reason;
-    throw StreamProblem("No server of the stream can be reached (" + list +
-                        "). Are they running, and does this machine reach them?");
+    throw StreamProblem(isRefused ? "The servers of the stream refuse this side (" + list +
+                                        "). Are the credentials, or name and password, those of these servers, and do "
+                                        "they still hold?"
+                                  : "No server of the stream can be reached (" + list +
+                                        "). Are they running, and does this machine reach them?");
 }
 
-NatsConnection::~NatsConnection()
+void NatsConnection::close() noexcept
 {
-    if (connection_ && natsConnection_Status(handle()) == NATS_CONN_STATUS_CONNECTED)
+    if (!connection_)
+        return;
+    if (natsConnection_Status(handle()) == NATS_CONN_STATUS_CONNECTED)
         natsConnection_FlushTimeout(handle(), kMillisecondsToLeave);
+    natsConnection_Close(handle());
 }
 
 natsStatus NatsConnection::open(const StreamAddress& address, const std::string& server)

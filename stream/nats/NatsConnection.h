@@ -15,13 +15,16 @@ namespace kel {
 class NatsConnection {
 public:
     explicit NatsConnection(const StreamAddress& address);
-    /// What was written gets a moment to leave.
-    ~NatsConnection();
+    ~NatsConnection() { close(); }
     NatsConnection(const NatsConnection&) = delete;
     NatsConnection& operator=(const NatsConnection&) = delete;
 
     [[nodiscard]] natsConnection* handle() const noexcept { return connection_.get(); }
     [[nodiscard]] jsCtx* stream() const noexcept { return context_.get(); }
+
+    /// Ends it, and the library's threads for it. Who has a subscription does so first: a message that comes while the
+    /// library gives a subscription up may find it gone. What was written gets a moment to leave.
+    void close() noexcept;
 
     /// StreamProblem if it is lost.
     void check() const;

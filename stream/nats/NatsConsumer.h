@@ -11,6 +11,10 @@ namespace kel {
 class NatsConsumer final : public StreamConsumer {
 public:
     NatsConsumer(const StreamAddress& address, const std::string& durable);
+    /// The stream goes on remembering what was acknowledged.
+    ~NatsConsumer() override { connection_.close(); }
+    NatsConsumer(const NatsConsumer&) = delete;
+    NatsConsumer& operator=(const NatsConsumer&) = delete;
 
     std::vector<StreamDelivery> next(int most, std::chrono::milliseconds patience) override;
     void acknowledge() override;

@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 
 #include <cstdlib>
+#include <utility>
 
 namespace kel {
 
@@ -14,18 +15,43 @@ constexpr const char* kExpectedStream = "Nats-Expected-Stream";
 // How long the stream knows a message again. What is sent twice within is kept once.
 constexpr std::int64_t kNanosecondsKnown = std::int64_t{10} * 60 * 1'000'000'000;
 
-/// What refuses a message, or an empty text. `{"stream":"KELREADER","seq":7}` or `{"error":{"description":"…"}}`
-std::string refusalIn(natsMsg* answer)
+/// What stands in front of a message's content.
+std::size_t headSize(const StreamMessage& message, const std::string& stream)
+{
+    const std::string head = std::string("NATS/1.0\r\n") + kIdentity + ": " + message.identity + "\r\n" +
+                             kExpectedStream + ": " + stream + "\r\n\r\n";
+    return head.size();
+}
+
+/// Why a message is not taken.
+struct Refusal {
+    std::string reason;
+    int code = 0;
+
+    /// This one alone.
+    [[nodiscard]] bool isForSize() const { return code == JSStreamMessageExceedsMaximumErr; }
+    /// None as long as there is no room.
+    [[nodiscard]] bool isForRoom() const
+    {
+        return code == JSInsufficientResourcesErr || code == JSAccountResourcesExceededErr ||
+               code == JSStorageResourcesExceededErr || code == JSStreamStoreFailedErr;
+    }
+};
+
+/// Nothing if it is taken. `{"stream":"KELREADER","seq":7}` or `{"error":{"err_code":10077,"description":"…"}}`
+std::optional<Refusal> refusalIn(natsMsg* answer)
 {
     if (natsMsg_IsNoResponders(answer))
-        return "no stream takes its subject now";
+        return Refusal{.reason = "no stream takes its subject now"};
     const std::string_view text(natsMsg_GetData(answer), static_cast<std::size_t>(natsMsg_GetDataLength(answer)));
     const auto json = nlohmann::json::parse(text, nullptr, false);
-    if (!json.is_object())
-        return "the answer cannot be read";
-    if (json.contains("error"))
-        return json["error"].value("description", "for no reason that was given");
-    return json.contains("seq") ? std::string() : "the answer cannot be read";
+    if (!json.is_object() || !(json.contains("error") ? json["error"].is_object() : json.contains("seq")))
+        return Refusal{.reason = "the answer cannot be read"};
+    if (!json.contains("error"))
+        return std::nullopt;
+    const auto& error = json["error"];
+    return Refusal{.reason = error.value("description", "for no reason that was given"),
+                   .code = error.value("err_code", 0)};
 }
 
 } // namespace
@@ -76,6 +102,16 @@ void NatsPublisher::makeStream(const StreamAddress& address)
 
 void NatsPublisher::send(const StreamMessage& message, std::int64_t ticket)
 {
+    const std::size_t size = headSize(message, stream_) + message.content.size();
+    const std::int64_t most = natsConnection_GetMaxPayload(connection_.handle());
+    if (most > 0 && size > static_cast<std::size_t>(most)) {
+        // The server would end the connection.
+        tooLarge_.push_back({.ticket = ticket,
+                             .refusal = "it has " + std::to_string(size) +
+                                        " bytes as a message, and the servers take " + std::to_string(most) +
+                                        "; raise max_payload in their configuration"});
+        return;
+    }
     NatsHandle<natsMsg> made;
     const std::string answer = answers_ + std::to_string(ticket);
     natsStatus status = fill(made, [&](natsMsg** target) {
@@ -88,18 +124,19 @@ void NatsPublisher::send(const StreamMessage& message, std::int64_t ticket)
         status = natsMsgHeader_Set(made.get(), kExpectedStream, stream_.c_str());
     if (status == NATS_OK)
         status = natsConnection_PublishMsg(connection_.handle(), made.get());
-    if (status == NATS_MAX_PAYLOAD)
-        throw StreamProblem("The servers take no message as large as the one that is to be sent next, " +
-                            std::to_string(message.content.size()) +
-                            " bytes; raise max_payload in their configuration.");
     if (status != NATS_OK)
         connection_.fail("A message cannot be sent", status);
 }
 
-std::optional<std::int64_t> NatsPublisher::acknowledged(std::chrono::milliseconds patience)
+std::optional<StreamAnswer> NatsPublisher::answer(std::chrono::milliseconds patience)
 {
-    NatsHandle<natsMsg> answer;
-    const natsStatus status = fill(answer, [&](natsMsg** received) {
+    if (!tooLarge_.empty()) {
+        StreamAnswer answer = std::move(tooLarge_.front());
+        tooLarge_.pop_front();
+        return answer;
+    }
+    NatsHandle<natsMsg> message;
+    const natsStatus status = fill(message, [&](natsMsg** received) {
         return natsSubscription_NextMsg(received, subscription_.get(), patience.count());
     });
     if (status == NATS_TIMEOUT) {
@@ -108,9 +145,16 @@ std::optional<std::int64_t> NatsPublisher::acknowledged(std::chrono::millisecond
     }
     if (status != NATS_OK)
         connection_.fail("The stream does not answer", status);
-    if (const std::string refusal = refusalIn(answer.get()); !refusal.empty())
-        throw StreamProblem("The stream " + stream_ + " takes no message: " + refusal + ".");
-    return ticketOf(answer.get());
+    const std::optional<Refusal> refusal = refusalIn(message.get());
+    if (!refusal)
+        return StreamAnswer{.ticket = ticketOf(message.get())};
+    if (refusal->isForRoom())
+        throw StreamProblem("The stream " + stream_ + " is full (" + refusal->reason +
+                            "); make room on its servers' disks, or raise its limits.");
+    if (!refusal->isForSize())
+        throw StreamProblem("The stream " + stream_ + " takes no message: " + refusal->reason + ".");
+    return StreamAnswer{.ticket = ticketOf(message.get()),
+                        .refusal = "the stream takes no message as large; raise its max_msg_size"};
 }
 
 std::int64_t NatsPublisher::ticketOf(natsMsg* reply) const

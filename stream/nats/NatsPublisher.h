@@ -3,6 +3,8 @@
 
 #include "stream/nats/NatsConnection.h"
 
+#include <deque>
+
 namespace kel {
 
 /// Puts messages into a stream. Each asks for its acknowledgement at an address of this side's own, whose last part is
@@ -10,9 +12,12 @@ namespace kel {
 class NatsPublisher final : public StreamPublisher {
 public:
     explicit NatsPublisher(const StreamAddress& address);
+    ~NatsPublisher() override { connection_.close(); }
+    NatsPublisher(const NatsPublisher&) = delete;
+    NatsPublisher& operator=(const NatsPublisher&) = delete;
 
     void send(const StreamMessage& message, std::int64_t ticket) override;
-    std::optional<std::int64_t> acknowledged(std::chrono::milliseconds patience) override;
+    std::optional<StreamAnswer> answer(std::chrono::milliseconds patience) override;
     void check() override { connection_.check(); }
 
 private:
@@ -23,6 +28,7 @@ private:
     std::string stream_;
     std::string answers_; ///< what the addresses begin with
     NatsHandle<natsSubscription> subscription_;
+    std::deque<StreamAnswer> tooLarge_; ///< what was not sent at all
 };
 
 } // namespace kel

@@ -73,7 +73,9 @@ TEST_F(AStationFile, SaysWhatTheReadersAre)
 TEST_F(AStationFile, SaysWhereTheSheetsGo)
 {
     for (const char* name : {"ca.pem", "cert.pem", "key.pem", "hall.creds"})
-        std::filesystem::permissions(folder_.write(name, "x"), std::filesystem::perms(0640));
+        std::filesystem::permissions(
+            folder_.write(name, "-----BEGIN NATS USER JWT-----\nx\n-----BEGIN USER NKEY SEED-----\nx\n"),
+            std::filesystem::perms(0640));
     const auto text = [](const std::string& stream) {
         return R"({"store": "hall.db", "stream": )" + stream +
                R"(, "readers": [{"name": "left", "model": 13, "device": "/dev/x"}]})";

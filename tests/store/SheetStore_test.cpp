@@ -272,6 +272,31 @@ TEST_F(Store, ForgetsNothingThatTheStreamDoesNotHave)
     EXPECT_EQ(forgotten.kept, 0);
 }
 
+TEST_F(Store, HandsOutWhatIsWrittenUnlessItIsDamaged)
+{
+    Entry entry = entryWith("x");
+    SheetStore(file_, "a test").add(entry);
+    std::vector<EntryTexts> found;
+    const auto take = [&](const EntryTexts& texts) {
+        found.push_back(texts);
+        return true;
+    };
+    EXPECT_EQ(StoredSheets(file_).readTexts(0, take), 1);
+    ASSERT_THAT(found, SizeIs(1));
+    EXPECT_EQ(found[0].identity, entry.identity);
+    ASSERT_TRUE(found[0].sheet());
+    EXPECT_EQ(found[0].sheet()->barcodes, R"(["x",""])");
+
+    for (const char* damage :
+         {"UPDATE sheet SET side1 = '{\"rows\":'", "UPDATE sheet SET side1 = NULL, barcodes = ''"}) {
+        SqliteDatabase(file_, SqliteDatabase::Mode::Shared, 0).run(damage);
+        EXPECT_THAT(problemOf([&] { StoredSheets(file_).readTexts(0, take); }),
+                    HasSubstr("is damaged at sheet 1: the text is not JSON"))
+            << damage;
+    }
+    EXPECT_THAT(found, SizeIs(1));
+}
+
 TEST_F(Store, BringsAStoreOfTheFirstVersionUpToDate)
 {
     {
@@ -279,7 +304,8 @@ TEST_F(Store, BringsAStoreOfTheFirstVersionUpToDate)
         Entry entry = entryWith("x");
         store.add(entry);
         SqliteDatabase(file_, SqliteDatabase::Mode::Shared, 0)
-            .run("ALTER TABLE store DROP COLUMN sends; ALTER TABLE store DROP COLUMN sent; DROP TABLE unread; "
+            .run("ALTER TABLE store DROP COLUMN sends; ALTER TABLE store DROP COLUMN sent; DROP TABLE unread; DROP "
+                 "TABLE held; "
                  "PRAGMA user_version = 1");
     }
     EXPECT_THAT(problemOf([&] { StoredSheets{file_}; }), HasSubstr("has version 1, which a scan or a station brings"));

@@ -2,6 +2,7 @@
 #include "stream/StreamSender.h"
 
 #include "store/SheetStore.h"
+#include "store/StoredSheets.h"
 #include "stream/EntryMessage.h"
 #include "tests/support/Patience.h"
 #include "tests/support/TemporaryFolder.h"
@@ -21,8 +22,10 @@ using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::UnorderedElementsAre;
 
-/// A stream that loses connections, before it has a message or after, and answers in any order.
+/// A stream that loses connections, before it has a message or after, answers in any order, takes no large messages and
+/// may be full.
 class UnreliableStream final : public StreamOpener {
 public:
     std::unique_ptr<StreamPublisher> publisher(const StreamAddress&) override
@@ -46,6 +49,8 @@ public:
     std::atomic<int> connections = 0;
     std::atomic<int> losesEach = 0; ///< so many messages after its beginning a connection is lost; 0 for never
     std::atomic<int> most = 0;      ///< messages that were under way at once
+    std::atomic<int> largest = 0;   ///< bytes of a message that it takes; 0 for any
+    std::atomic<bool> isFull = false;
 
 private:
     class Publisher final : public StreamPublisher {
@@ -55,31 +60,37 @@ private:
         void send(const StreamMessage& message, std::int64_t ticket) override
         {
             const std::lock_guard lock(stream_.mutex_);
+            if (stream_.largest > 0 && message.content.size() > static_cast<std::size_t>(stream_.largest)) {
+                answers_.push_back({.ticket = ticket, .refusal = "it is too large"});
+                return;
+            }
             if (stream_.losesEach > 0 && ++sent_ > stream_.losesEach) {
                 if (stream_.connections % 2 == 0)
                     stream_.take(message); // the answer is lost, and not the message
                 throw StreamProblem("The connection is lost.");
             }
             stream_.take(message);
-            answers_.push_back(ticket);
+            answers_.push_back({.ticket = ticket});
             stream_.most = std::max(stream_.most.load(), static_cast<int>(answers_.size()));
         }
 
-        std::optional<std::int64_t> acknowledged(std::chrono::milliseconds) override
+        std::optional<StreamAnswer> answer(std::chrono::milliseconds) override
         {
             if (answers_.empty())
                 return std::nullopt;
+            if (stream_.isFull)
+                throw StreamProblem("There is no room.");
             const auto any = answers_.begin() + static_cast<std::ptrdiff_t>(stream_.chance_() % answers_.size());
-            const std::int64_t ticket = *any;
+            StreamAnswer answer = *any;
             answers_.erase(any);
-            return ticket;
+            return answer;
         }
 
         void check() override {}
 
     private:
         UnreliableStream& stream_;
-        std::deque<std::int64_t> answers_;
+        std::deque<StreamAnswer> answers_;
         int sent_ = 0;
     };
 
@@ -97,14 +108,18 @@ private:
 
 class ASender : public testing::Test {
 protected:
+    void feedOne(const std::string& reader, const std::string& barcode)
+    {
+        Entry entry{.origin = {.station = "hall", .reader = reader, .batch = "monday"},
+                    .what = ReadSheetEntry{.sheet = {.barcodes = TextArray::of(1, {barcode})}}};
+        store_.add(entry);
+    }
+
     void feed(int sheets, const std::vector<std::string>& readers)
     {
         for (int sheet = 0; sheet < sheets; ++sheet) {
-            for (const std::string& reader : readers) {
-                Entry entry{.origin = {.station = "hall", .reader = reader, .batch = "monday"},
-                            .what = ReadSheetEntry{.sheet = {.barcodes = TextArray::of(1, {"x"})}}};
-                store_.add(entry);
-            }
+            for (const std::string& reader : readers)
+                feedOne(reader, "x");
         }
     }
 
@@ -210,6 +225,76 @@ TEST_F(ASender, TellsEachChangeOnce)
     EXPECT_THAT(told(), ElementsAre("Nobody is there. The store keeps the sheets meanwhile.",
                                     "The stream KELREADER takes sheets."));
     EXPECT_THAT(sender->state().problem, IsEmpty());
+}
+
+TEST_F(ASender, LeavesOutWhatTheStreamDoesNotTake)
+{
+    constexpr int kLarge = 5000;
+    const std::string large(kLarge, 'A');
+    feed(1, {"left", "right"});
+    for (const char* reader : {"left", "left", "right"})
+        feedOne(reader, large);
+    feed(2, {"left", "right"});
+    stream_.largest = kLarge;
+    {
+        const auto sender = this->sender();
+        ASSERT_TRUE(waitUntil([&] { return stream_.messages().size() == 6 && SentMark(file_).last() == 9; }));
+        EXPECT_EQ(sender->state().unsent, 3);
+        EXPECT_TRUE(sender->state().isUp);
+        EXPECT_EQ(sender->state().problem,
+                  "Sheet 2 of the batch monday of the reader right does not go into the stream: it is too large.");
+    }
+    EXPECT_THAT(numbers()["left"], ElementsAre(1, 4, 5));
+    EXPECT_THAT(numbers()["right"], ElementsAre(1, 3, 4));
+    const std::string end =
+        " does not go into the stream: it is too large. The store keeps it, and the others are sent.";
+    EXPECT_THAT(told(), UnorderedElementsAre("The stream KELREADER takes sheets.",
+                                             "Sheet 2 of the batch monday of the reader left" + end,
+                                             "Sheet 2 of the batch monday of the reader right" + end));
+
+    // Nothing is forgotten that the stream does not have.
+    SentMark(file_).want(true);
+    const StoredSheets::Forgotten forgotten = StoredSheets(file_).forget("2999-01-01", StoredSheets::Forget::SentAlone);
+    EXPECT_EQ(forgotten.sheets, 6);
+    EXPECT_EQ(forgotten.kept, 3);
+
+    stream_.largest = 0;
+    const auto sender = this->sender();
+    ASSERT_TRUE(waitSent());
+    EXPECT_THAT(numbers()["left"], ElementsAre(1, 4, 5, 2, 3));
+    EXPECT_THAT(numbers()["right"], ElementsAre(1, 3, 4, 2));
+    EXPECT_THAT(sender->state().problem, IsEmpty());
+}
+
+TEST_F(ASender, TriesInVainWhatIsForgottenMeanwhile)
+{
+    stream_.largest = 1;
+    feed(2, {"left"});
+    {
+        const auto sender = this->sender();
+        ASSERT_TRUE(waitUntil([&] { return SentMark(file_).last() == 2; }));
+    }
+    EXPECT_EQ(StoredSheets(file_).forget("2999-01-01", StoredSheets::Forget::All).sheets, 2);
+    const auto sender = this->sender();
+    ASSERT_TRUE(waitSent());
+    EXPECT_THAT(stream_.messages(), IsEmpty());
+}
+
+TEST_F(ASender, TellsOnceThatTheStreamIsFull)
+{
+    feed(2, {"left"});
+    stream_.isFull = true;
+    const auto sender = this->sender();
+    ASSERT_TRUE(waitUntil([&] { return stream_.connections > 5; }));
+    EXPECT_FALSE(sender->state().isUp);
+    EXPECT_EQ(sender->state().problem, "There is no room.");
+    EXPECT_EQ(sender->state().unsent, 2);
+    EXPECT_THAT(told(), ElementsAre("There is no room. The store keeps the sheets meanwhile."));
+    stream_.isFull = false;
+    ASSERT_TRUE(waitSent());
+    EXPECT_THAT(told(), ElementsAre("There is no room. The store keeps the sheets meanwhile.",
+                                    "The stream KELREADER takes sheets."));
+    EXPECT_THAT(numbers()["left"], ElementsAre(1, 2));
 }
 
 } // namespace
