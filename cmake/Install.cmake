@@ -45,8 +45,8 @@ install(FILES docs/kelreader.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONEN
 install(FILES docs/station.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT command)
 install(DIRECTORY docs/screenshots DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT command)
 install(FILES station/station.schema.json stream/message.schema.json DESTINATION ${CMAKE_INSTALL_DATADIR}/kelreader COMPONENT command)
-# Stations as services.
-install(FILES service/kelreader-station@.service DESTINATION lib/systemd/system COMPONENT command)
+# Stations and collectors as services.
+install(FILES service/kelreader-station@.service service/kelreader-collect@.service DESTINATION lib/systemd/system COMPONENT command)
 install(FILES service/kelreader.sysusers DESTINATION lib/sysusers.d RENAME kelreader.conf COMPONENT command)
 set(shared_object libKELReader81U.so.${PROJECT_VERSION_MAJOR})
 kel_install_link(${CMAKE_INSTALL_BINDIR}/kelreader kelreader command)

@@ -4,6 +4,7 @@
 Every wait ends by what happens; what has not happened after PATIENCE seconds does not happen any more.
 """
 
+import contextlib
 import json
 import os
 import shutil
@@ -28,6 +29,14 @@ def wait_for(condition, what):
             raise TimeoutError(f"{what} does not happen any more")
         time.sleep(0.02)
     return result
+
+
+def report(counted, faults):
+    """Prints what was counted, and what is wrong with it; the exit status."""
+    print(f"{counted}, {len(faults)} faults")
+    for fault in faults:
+        print(fault)
+    return 1 if faults else 0
 
 
 def free_ports(count):
@@ -152,11 +161,27 @@ class Servers:
 
 def publish(server, subject, content):
     """Sends one message without an answer, as any program may."""
-    with socket.create_connection(("127.0.0.1", server.port), PATIENCE) as line:
-        stream = line.makefile("rwb")
-        stream.readline() # INFO
-        stream.write(b'CONNECT {"verbose":false}\r\n' + f"PUB {subject} {len(content)}\r\n".encode() + content +
-                     b"\r\nPING\r\n")
+    with _connected(server) as stream:
+        stream.write(f"PUB {subject} {len(content)}\r\n".encode() + content + b"\r\nPING\r\n")
         stream.flush()
         while not stream.readline().startswith(b"PONG"):
             pass
+
+
+def ask(server, subject, content):
+    """Sends a question of JSON, and gives the answer."""
+    question = json.dumps(content).encode()
+    with _connected(server) as stream:
+        stream.write(f"SUB answer 1\r\nPUB {subject} answer {len(question)}\r\n".encode() + question + b"\r\n")
+        stream.flush()
+        while not (line := stream.readline()).startswith(b"MSG"):
+            pass
+        return json.loads(stream.read(int(line.split()[-1])))
+
+
+@contextlib.contextmanager
+def _connected(server):
+    with socket.create_connection(("127.0.0.1", server.port), PATIENCE) as line, line.makefile("rwb") as stream:
+        stream.readline() # INFO
+        stream.write(b'CONNECT {"verbose":false}\r\n')
+        yield stream

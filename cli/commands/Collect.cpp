@@ -4,10 +4,12 @@
 #include "cli/InterruptWatch.h"
 #include "host/UsageError.h"
 #include "platform/posix/EventCall.h"
+#include "station/ServiceNotice.h"
 #include "store/ReaderSetup.h"
 #include "stream/Collector.h"
 #include "stream/StreamFiles.h"
 
+#include <algorithm>
 #include <iostream>
 #include <poll.h>
 
@@ -34,15 +36,27 @@ int run(const Arguments& arguments)
     EventCall interrupted;
     const InterruptWatch interrupt([&] { interrupted.call(); });
     SheetStore store(arguments.storeFile, "'kelreader collect'");
+    const std::optional<std::chrono::milliseconds> watchdog = watchdogPeriod();
+    std::chrono::steady_clock::time_point told; // the service manager
     const CollectorCalls calls{
         .tell = [](const std::string& sentence) { std::cerr << "kelreader: " << sentence << std::endl; },
         .pause =
             [&](std::chrono::milliseconds pause) {
-                pollfd handle{interrupted.handle(), POLLIN, 0};
-                retrying([&] { return ::poll(&handle, 1, static_cast<int>(pause.count())); });
+                do {
+                    if (const auto now = std::chrono::steady_clock::now(); watchdog && now - told >= *watchdog / 2) {
+                        tellServiceManager("WATCHDOG=1");
+                        told = now;
+                    }
+                    const std::chrono::milliseconds step = watchdog ? std::min(pause, *watchdog) : pause;
+                    pollfd handle{interrupted.handle(), POLLIN, 0};
+                    retrying([&] { return ::poll(&handle, 1, static_cast<int>(step.count())); });
+                    pause -= step;
+                } while (pause.count() > 0 && !InterruptNote::came());
                 return !InterruptNote::came();
             }};
+    tellServiceManager("READY=1");
     Collector(store, address, arguments.durable, Pauses(kFirstPause, kLongestPause), calls, opener).run();
+    tellServiceManager("STOPPING=1");
     return kInterruptedStatus;
 }
 
@@ -53,35 +67,35 @@ void addCollectCommand(Commands& commands)
     const auto arguments = std::make_shared<Arguments>();
     CLI::App& command = commands.add("collect", "Takes the sheets of many stations from a stream into a store",
                                      [arguments] { return run(*arguments); });
+    // A service gives its options in the environment, where nobody else sees them.
+    const auto add = [&](const char* option, const char* variable, auto& target, const char* type, const char* text) {
+        return command.add_option(option, target, text)->type_name(type)->envname(variable);
+    };
     StreamAddress& address = arguments->address;
-    command.add_option("--from", address.servers, "Servers of the stream, any of which will do")
+    add("--from", "KELREADER_FROM", address.servers, "URL,...", "Servers of the stream, any of which will do")
         ->required()
-        ->delimiter(',')
-        ->type_name("URL,...");
-    command.add_option("--store", arguments->storeFile, "The store that takes them; it is made if there is none")
-        ->required()
-        ->type_name("FILE");
-    command.add_option("--stream", address.stream, "The stream's name")->type_name("NAME")->capture_default_str();
-    command.add_option("--subject", address.subject, "What the subjects of its messages begin with")
-        ->type_name("TEXT")
+        ->delimiter(',');
+    add("--store", "KELREADER_STORE", arguments->storeFile, "FILE",
+        "The store that takes them; it is made if there is none")
+        ->required();
+    add("--stream", "KELREADER_STREAM", address.stream, "NAME", "The stream's name")->capture_default_str();
+    add("--subject", "KELREADER_SUBJECT", address.subject, "TEXT", "What the subjects of its messages begin with")
         ->capture_default_str();
-    command
-        .add_option("--durable", arguments->durable,
-                    "The name by which the stream remembers what this collector has; another name begins anew")
-        ->type_name("NAME")
+    add("--durable", "KELREADER_DURABLE", arguments->durable, "NAME",
+        "The name by which the stream remembers what this collector has; another name begins anew")
         ->capture_default_str();
-    command.add_option("--authority", address.authority, "Certificates that the servers' are checked against")
-        ->type_name("FILE");
+    add("--authority", "KELREADER_AUTHORITY", address.authority, "FILE",
+        "Certificates that the servers' are checked against");
     CLI::Option* certificate =
-        command.add_option("--certificate", address.certificate, "The certificate of this side")->type_name("FILE");
-    CLI::Option* key = command.add_option("--key", address.key, "Its key")->type_name("FILE");
+        add("--certificate", "KELREADER_CERTIFICATE", address.certificate, "FILE", "The certificate of this side");
+    CLI::Option* key = add("--key", "KELREADER_KEY", address.key, "FILE", "Its key");
     certificate->needs(key);
     key->needs(certificate);
-    command.add_option("--credentials", address.credentials, "Who this side is, as the administrator gave it out")
-        ->type_name("FILE");
+    add("--credentials", "KELREADER_CREDENTIALS", address.credentials, "FILE",
+        "Who this side is, as the administrator gave it out");
     command.footer("A sheet is acknowledged when it is safe on the disk; one that comes twice is one row. A message "
-                   "that cannot be "
-                   "read goes into the table 'unread' of the store. Ctrl-C and SIGTERM end it in order.\n"
+                   "that cannot be read goes into the table 'unread' of the store. Ctrl-C and SIGTERM end it in "
+                   "order.\n"
                    "Exit status: 130 ended, 1 the store cannot be written, 2 wrong usage.");
 }
 

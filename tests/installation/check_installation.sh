@@ -20,14 +20,18 @@ library=$(dirname "$(find "$work/root" -name 'libKELReader81U.so.*.*.*' -print -
 [ -f "$work/root/share/man/man1/kelreader.1" ] || fail "the manual page is missing"
 [ -f "$work/root/share/doc/KELReader81U/readers/scantron.md" ] || fail "the operators' pages are missing"
 [ -f "$work/root/share/doc/KELReader81U/hosts.md" ] || fail "the hosts' page is missing"
-[ -f "$work/root/lib/systemd/system/kelreader-station@.service" ] || fail "the unit of a station is missing"
+for unit in kelreader-station kelreader-collect; do
+    [ -f "$work/root/lib/systemd/system/$unit@.service" ] || fail "the unit $unit is missing"
+done
 [ -f "$work/root/share/kelreader/station.schema.json" ] || fail "the schema of a station's file is missing"
 [ -f "$work/root/share/kelreader/message.schema.json" ] || fail "the schema of a stream's messages is missing"
 if command -v systemd-analyze >/dev/null; then
-    # The program is not where the unit looks for it, and all else has to be right.
-    wrong=$(systemd-analyze --man=no verify "$work/root/lib/systemd/system/kelreader-station@.service" 2>&1 |
-            grep 'kelreader-station' | grep -v 'is not executable' || true)
-    [ -z "$wrong" ] || fail "the unit of a station is wrong: $wrong"
+    # The program is not where the units look for it, and all else has to be right.
+    for unit in kelreader-station kelreader-collect; do
+        wrong=$(systemd-analyze --man=no verify "$work/root/lib/systemd/system/$unit@.service" 2>&1 |
+                grep "$unit" | grep -v 'is not executable' || true)
+        [ -z "$wrong" ] || fail "the unit $unit is wrong: $wrong"
+    done
 fi
 
 # A host sees the public classes and nothing else.
