@@ -138,6 +138,18 @@
     if (target.textContent !== text) target.textContent = text; // a screen reader says what is set
   }
 
+  // The stream
+
+  function showStream(stream) {
+    byId("stream").hidden = !stream;
+    if (!stream) return;
+    const rest = stream.unsent < 0 ? "nobody can say what it does not have yet"
+      : stream.unsent === 0 ? "it has all sheets"
+      : `${plural(stream.unsent, "sheet or report", "sheets and reports")} not sent yet`;
+    setText(byId("stream"), `Stream: ${stream.up ? "up" : "down"}, ${rest}${stream.problem ? `. ${stream.problem}` : ""}`);
+    byId("stream").className = stream.problem ? "warning" : "";
+  }
+
   let readerNames = [];
 
   function showState(state) {
@@ -152,6 +164,7 @@
     byId("summary").className = failed ? "warning" : "";
     byId("trouble").hidden = state.storeProblem === "";
     setText(byId("trouble"), state.storeProblem);
+    showStream(state.stream);
     byId("readers").tBodies[0].replaceChildren(...state.readers.flatMap(readerRows));
     const names = state.readers.map((reader) => reader.name);
     if (names.join() !== readerNames.join()) showReaderNames(names);

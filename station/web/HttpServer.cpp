@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "station/IpAddress.h"
 #include "station/WebServer.h"
+#include "station/web/ClientStream.h"
 #include "station/web/Passwords.h"
 #include "station/web/Tls.h"
 
@@ -17,7 +18,8 @@ namespace kel {
 
 namespace {
 
-// How long somebody may take to send or to take something, before it is lost to him.
+// How long somebody may take to send the whole of a request, or to take a piece of the answer, before it is lost to
+// him.
 constexpr std::chrono::seconds kPatience{10};
 
 // What the system keeps for somebody who takes nothing.
@@ -75,6 +77,30 @@ std::string hostOf(const std::string& header)
     return header.substr(0, header.find(':'));
 }
 
+/// Serves each connection with one request, whose time is limited as a whole. With a context it speaks TLS.
+class PatientServer final : public httplib::Server {
+public:
+    explicit PatientServer(SSL_CTX* context) : context_(context) {}
+
+private:
+    bool process_and_close_socket(socket_t socket) override
+    {
+        bool isAnswered = false;
+        {
+            ClientStream client(socket, context_, kPatience);
+            bool isClosed = false;
+            isAnswered = client.begin() && process_request(client, true, isClosed, nullptr);
+            if (client.tls() && isAnswered)
+                SSL_shutdown(client.tls());
+        }
+        ::shutdown(socket, SHUT_RDWR);
+        ::close(socket);
+        return isAnswered;
+    }
+
+    SSL_CTX* context_;
+};
+
 class SinkClient final : public WebClient {
 public:
     explicit SinkClient(httplib::DataSink& sink) : sink_(sink) {}
@@ -93,15 +119,11 @@ public:
     {
         if (!plan.passwords.empty())
             passwords_.emplace(plan.passwords);
-        if (plan.certificate.empty())
-            server_ = std::make_unique<httplib::Server>();
-        else
-            server_ = makeTlsServer();
+        if (!plan.certificate.empty())
+            context_ = tlsContext(plan);
+        server_ = std::make_unique<PatientServer>(context_.get());
         server_->new_task_queue = [most] { return new Workers(most); };
         server_->set_socket_options(&setSocket);
-        server_->set_read_timeout(kPatience);
-        server_->set_write_timeout(kPatience);
-        server_->set_keep_alive_max_count(1);
         server_->set_payload_max_length(0);
         bind();
     }
@@ -130,24 +152,6 @@ public:
     }
 
 private:
-    std::unique_ptr<httplib::Server> makeTlsServer()
-    {
-        std::string problem;
-        auto server = std::make_unique<httplib::SSLServer>([&](SSL_CTX& context) {
-            try {
-                setUpTls(&context, plan_);
-            } catch (const std::runtime_error& error) {
-                problem = error.what();
-                return false;
-            }
-            context_ = &context;
-            return true;
-        });
-        if (!problem.empty())
-            throw std::runtime_error(problem);
-        return server;
-    }
-
     void bind()
     {
         errno = 0;
@@ -233,13 +237,13 @@ private:
     /// A page of somebody else's may make its own name lead to this machine. A browser still says that name.
     [[nodiscard]] bool isOurs(const std::string& host) const
     {
-        return isIpAddress(host) || host == "localhost" || (context_ && isCertified(context_, host));
+        return isIpAddress(host) || host == "localhost" || (context_ && isCertified(context_.get(), host));
     }
 
     WebPlan plan_;
     std::optional<Passwords> passwords_;
+    TlsContext context_;
     std::unique_ptr<httplib::Server> server_;
-    SSL_CTX* context_ = nullptr;
     int port_ = 0;
     Respond respond_;
     std::atomic<bool> ending_ = false;
@@ -271,9 +275,7 @@ extern "C" __attribute__((visibility("default"))) void kelCheckWebPlan(const Web
             static_cast<void>(Passwords(plan.passwords));
         if (plan.certificate.empty())
             return;
-        const std::unique_ptr<SSL_CTX, decltype(&SSL_CTX_free)> context(SSL_CTX_new(TLS_server_method()),
-                                                                        &SSL_CTX_free);
-        setUpTls(context.get(), plan);
+        static_cast<void>(tlsContext(plan));
     });
 }
 

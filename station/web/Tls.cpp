@@ -21,9 +21,11 @@ std::string reason()
 
 } // namespace
 
-void setUpTls(SSL_CTX* context, const WebPlan& plan)
+TlsContext tlsContext(const WebPlan& plan)
 {
     ERR_clear_error();
+    TlsContext made(SSL_CTX_new(TLS_server_method()));
+    SSL_CTX* const context = made.get();
     SSL_CTX_set_min_proto_version(context, TLS1_2_VERSION);
     if (SSL_CTX_use_certificate_chain_file(context, plan.certificate.c_str()) != 1)
         throw std::runtime_error("The certificate " + plan.certificate.string() + " cannot be used: " + reason() + ".");
@@ -31,6 +33,7 @@ void setUpTls(SSL_CTX* context, const WebPlan& plan)
     if (SSL_CTX_use_PrivateKey_file(context, plan.key.c_str(), SSL_FILETYPE_PEM) != 1)
         throw std::runtime_error("The key " + plan.key.string() + " cannot be used with the certificate " +
                                  plan.certificate.string() + ": " + reason() + ".");
+    return made;
 }
 
 bool isCertified(SSL_CTX* context, const std::string& host)

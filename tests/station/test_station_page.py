@@ -114,6 +114,21 @@ class WatchedStationTest(Page):
         self.assertIn("What to do: ", self.text(".problem"))
         self.assertEqual(self.browser.complaints(), [])
 
+    def test_says_whether_the_stream_has_the_sheets(self):
+        station = self.station([simulated("left", count=2)], stream={"servers": ["nats://127.0.0.1:1"]})
+        self.visit(station)
+        self.wait_for_cards(2)
+        # What readers report counts, too.
+        self.browser.wait_for("return /^Stream: down, [2-9] sheets and reports not sent yet[.] [A-Z]/.test("
+                              "document.getElementById('stream').textContent)")
+        self.assertEqual(self.browser.run("return document.getElementById('stream').className"), "warning")
+        self.assertEqual(self.browser.complaints(), [])
+
+    def test_says_nothing_of_a_stream_that_is_not_there(self):
+        self.visit(self.station([simulated("left", count=1)]))
+        self.wait_for_cards(1)
+        self.assertTrue(self.browser.run("return document.getElementById('stream').hidden"))
+
     def test_says_that_a_station_is_gone_and_goes_on_when_it_is_back(self):
         station = self.station([simulated("left", count=2)])
         self.visit(station)

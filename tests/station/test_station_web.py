@@ -4,12 +4,14 @@
 import base64
 import json
 import os
+import random
 import re
 import socket
 import ssl
 import http.client
 import subprocess
 import tempfile
+import time
 import unittest
 from pathlib import Path
 
@@ -17,6 +19,7 @@ from station_run import HUNG, Station, simulated
 
 PROGRAM = os.environ.get("KELREADER", "kelreader")
 MOST_WATCHERS = 16
+MOST_CLIENTS = 40
 PATHS = ("/", "/page.css", "/page.js", "/icon.svg", "/state", "/sheets", "/batches", "/pictures/1.svg",
          "/batch.csv?reader=left&batch=monday")
 
@@ -99,6 +102,34 @@ class AnswersTest(Web):
                     pass
             self.assertEqual(self.fixed.request("/state")[0], 200, text[:30])
 
+    def test_mangled_requests_end_nothing(self):
+        chance = random.Random(1)
+        place = self.fixed.address().partition("//")[2].split(":")
+        host = f"Host: {':'.join(place)}\r\n".encode()
+        sound = [b"GET " + path + b" HTTP/1.1\r\n" + host + b"Accept: */*\r\n\r\n" for path in (
+            b"/", b"/state", b"/sheets?reader=left&since=2024-01-31&blank=1&before=9", b"/pictures/1.svg",
+            b"/batch.csv?reader=left&batch=monday", b"/batches", b"/page.js")]
+        sound.append(b"POST /sheets HTTP/1.1\r\n" + host + b"Content-Length: 5\r\nTransfer-Encoding: chunked\r\n\r\n5\r\nhello\r\n0\r\n\r\n")
+        for number in range(300):
+            text = bytearray(chance.choice(sound))
+            for _ in range(chance.randrange(1, 6)):
+                at = chance.randrange(len(text))
+                match chance.randrange(4):
+                    case 0: text[at] = chance.randrange(256)
+                    case 1: text[at:at] = chance.choice([b"%", b"%00", b"\r\n", b"\0", b"&", b"=", b"../", b"\xff", b"9" * 40, b":"])
+                    case 2: del text[at:at + chance.randrange(1, 9)]
+                    case 3: text[at:at] = text[:chance.randrange(len(text))]
+            with socket.create_connection(place, timeout=HUNG) as connection:
+                connection.sendall(text)
+                connection.shutdown(socket.SHUT_WR)
+                try:
+                    while connection.recv(65536):
+                        pass
+                except ConnectionResetError:
+                    pass
+            self.assertIsNone(self.fixed.process.poll(), (number, bytes(text), self.fixed.told()))
+        self.assertEqual(self.fixed.request("/state")[0], 200)
+
     def test_metrics_have_the_numbers_of_the_state(self):
         status, headers, text = self.fixed.request("/metrics", kind="metrics")
         self.assertEqual(status, 200)
@@ -124,6 +155,34 @@ class AnswersTest(Web):
         self.assertEqual(self.fixed.request("/", kind="metrics")[0], 404)
         self.assertEqual(self.fixed.request("/metrics", "POST", kind="metrics")[0], 405)
         self.assertEqual(self.fixed.request("/metrics", headers={"Host": "example.com"}, kind="metrics")[0], 421)
+
+
+class SlowSendersTest(Web):
+    def test_a_request_that_never_ends_is_given_up(self):
+        station = self.station()
+        place = station.address().partition("//")[2].split(":")
+        slow = [socket.create_connection(place, timeout=HUNG) for _ in range(MOST_CLIENTS)]
+        begun = b"GET /state HTTP/1.1\r\nHost: 127.0.0.1\r\nX: "
+        for connection in slow:
+            self.addCleanup(connection.close)
+            connection.sendall(begun)
+            connection.setblocking(False)
+        # Each sends on and on, a little at a time, until it is given up; and then somebody else is answered.
+        end = time.monotonic() + HUNG
+        while slow:
+            self.assertLess(time.monotonic(), end, f"{len(slow)} are not given up")
+            for connection in list(slow):
+                try:
+                    connection.send(b"y")
+                    if not connection.recv(65536):
+                        slow.remove(connection)
+                except BlockingIOError:
+                    pass
+                except OSError:
+                    slow.remove(connection)
+            time.sleep(0.2)
+        self.assertEqual(station.request("/state")[0], 200)
+        self.assertEqual(station.stop(), 0)
 
 
 class WatchersTest(Web):
