@@ -7,7 +7,7 @@ cd "$(dirname "$0")"
 
 scripts/install-packages.sh build test windows
 cmake --preset release >/dev/null
-cmake --build --preset release --parallel "$(nproc)" --target kel_benchmarks kel_python kelreader
+cmake --build --preset release --parallel "$(nproc)" --target kel_benchmarks kel_many_readers kel_python kelreader
 results=build/release/benchmarks.json
 build/release/bin/kel_benchmarks --benchmark_counters_tabular=true --benchmark_out="$results" \
     --benchmark_out_format=json "$@"
@@ -34,5 +34,14 @@ rm -f "$stream_results"
 if [ $# -eq 0 ]; then
     python3 benchmarks/stream_sheets.py build/release/bin/kelreader --out "$stream_results"
 fi
+
+# What many readers cost in one station.
+station_results=build/release/station_readers.json
+rm -f "$station_results"
+if [ $# -eq 0 ]; then
+    python3 benchmarks/station_readers.py build/release/bin/kelreader build/release/bin/kel_many_readers \
+        --out "$station_results"
+fi
 echo
-python3 benchmarks/goals.py "$results" $(find "$com_results" "$python_results" "$stream_results" 2>/dev/null || true)
+python3 benchmarks/goals.py "$results" \
+    $(find "$com_results" "$python_results" "$stream_results" "$station_results" 2>/dev/null || true)

@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: MIT
 """Prints the measured figures beside what they are to reach, and beside the nearest thing that a host would write.
 
-Usage: goals.py RESULTS.json...    (as kel_benchmarks --benchmark_out, com_calls.py and python_sheets.py write them)
+Usage: goals.py RESULTS.json...    (as kel_benchmarks --benchmark_out, and the scripts beside this one write them)
 """
 
 import json
@@ -53,6 +53,18 @@ GOALS = [
     ("sheets from a store into one server", "Stream_OneServer", "sheets_per_second", 1, "a second", "> 5000", None),
     ("sheets from a store into three replicas", "Stream_ThreeReplicas", "sheets_per_second", 1, "a second", "> 1500",
      "Stream_ThreeReplicasOneReader"),
+    ("a station that waits for a sheet, wake-ups", "Station_Waiting", "wakeups_per_second", 1, "a second", "< 5", None),
+    ("a station that waits for a sheet", "Station_Waiting", "percent_of_a_core", 1, "% of a core", "< 0.05", None),
+    ("64 readers in a station: page time over one alone", "Station_64Readers", "page/alone", 1, "", "< 1.01",
+     "Component_64Readers"),
+    ("64 readers in a station", "Station_64Readers", "percent_of_a_core", 1, "% of a core", "< 20", "Component_64Readers"),
+    ("64 readers in a station, memory", "Station_64Readers", "MB/reader", 1, "MB a reader", "< 1", "Component_64Readers"),
+    ("512 readers in a station: page time over one alone", "Station_512Readers", "page/alone", 1, "", None,
+     "Component_512Readers"),
+    ("512 readers in a station", "Station_512Readers", "percent_of_a_core", 1, "% of a core", "< 100",
+     "Component_512Readers"),
+    ("512 readers in a station, memory", "Station_512Readers", "MB/reader", 1, "MB a reader", "< 1",
+     "Component_512Readers"),
     ("COM: a reader made and released", "Com_Creation", "time_ns", 1e-6, "ms", "< 1", None),
 ]
 

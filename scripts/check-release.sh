@@ -2,13 +2,15 @@
 # SPDX-License-Identifier: MIT
 # What is too long for every run of the tests, before a release. Each part prints what it counted, and ends the script
 # when it fails.
-# Usage: scripts/check-release.sh [pty] [sweep] [cycles] [scarce] [threads] [fuzz]   (default: all)
+# Usage: scripts/check-release.sh [pty] [sweep] [cycles] [scarce] [threads] [stream] [fuzz]   (default: all)
 #
 #   pty      all sessions over a pseudo-terminal and with hostile servers; the tests run a sample of them
 #   sweep    a reader that is unplugged, falls silent or sends a wrong byte, at every byte of a short session
 #   cycles   ten thousand starts and ends of a session a family, under the leak checker
 #   scarce   the command with little memory, no room for files, no threads, no descriptors, no processor time
 #   threads  64 threads at once under the thread sanitizer
+#   stream   a station that is killed 200 times while it stores and sends 10,000 sheets, and three servers of a stream that
+#            are killed, frozen and stopped in ten rounds; KEL_KILLS, KEL_SHEETS and KEL_ROUNDS are other numbers
 #   fuzz     the replay with inputs of a megabyte; ten minutes of each fuzz target, or KEL_FUZZ_SECONDS, with limits of
 #            length, time and memory
 set -euo pipefail
@@ -16,7 +18,7 @@ cd "$(dirname "$0")/.."
 
 fail() { echo "check-release.sh: $*" >&2; exit 1; }
 parts=("$@")
-[ ${#parts[@]} -gt 0 ] || parts=(pty sweep cycles scarce threads fuzz)
+[ ${#parts[@]} -gt 0 ] || parts=(pty sweep cycles scarce threads stream fuzz)
 
 # Configures a preset, and builds some of its targets.
 build() {
@@ -58,6 +60,19 @@ check_threads() {
     build tsan kel_thread_stress
     TSAN_OPTIONS=halt_on_error=1 build/tsan/bin/kel_thread_stress
 }
+check_stream() {
+    local log sheets=${KEL_SHEETS:-10000}
+    log=$(mktemp)
+    build release kelreader
+    counted() {
+        python3 -B "$@" >"$log" 2>&1 || { tail -n 40 "$log" >&2; fail "$1 has found something; its output is in $log"; }
+        sed 's/^/  /;$!d' "$log"
+    }
+    counted scripts/kill_stations.py build/release/bin/kelreader --stream --sheets "$sheets" --kills "${KEL_KILLS:-200}"
+    counted scripts/kill_streams.py build/release/bin/kelreader --readers 16 --sheets $((sheets / 16)) \
+        --rounds "${KEL_ROUNDS:-10}"
+    rm "$log"
+}
 check_fuzz() {
     scripts/install-packages.sh fuzz
     local found name
@@ -82,7 +97,7 @@ check_fuzz() {
 
 for part in "${parts[@]}"; do
     declare -F "check_$part" >/dev/null ||
-        fail "there is no part '$part'; there are pty, sweep, cycles, scarce, threads and fuzz"
+        fail "there is no part '$part'; there are pty, sweep, cycles, scarce, threads, stream and fuzz"
 done
 scripts/install-packages.sh build test
 for part in "${parts[@]}"; do

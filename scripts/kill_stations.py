@@ -24,12 +24,10 @@ import tempfile
 import time
 from pathlib import Path
 
-from stream_servers import Servers
+from stream_servers import PATIENCE, Servers, report, wait_for
 
 MODEL = "13"
 FORM = {"side1Rows": [63], "side1Cols": [48]}
-# What has not happened after so long does not happen any more.
-PATIENCE = 600
 
 
 def marks_of(side):
@@ -96,14 +94,6 @@ def stored(folder, name="store.db"):
             return database.execute("SELECT count(*) FROM sheet").fetchone()[0]
         except sqlite3.OperationalError:
             return 0 # it is being made
-
-
-def wait_for(condition, what):
-    end = time.monotonic() + PATIENCE
-    while not condition():
-        if time.monotonic() > end:
-            sys.exit(f"kill_stations.py: {what} does not happen any more")
-        time.sleep(0.01)
 
 
 def unsent(folder):
@@ -230,11 +220,8 @@ def main():
         rows, lost, faults = count(folder, readers, ways)
         if options.stream:
             faults += faults_of_stream(program, folder, servers)
-    print(f"{each * len(readers)} sheets fed by {len(readers)} readers, {kills} kills: {rows} sheets stored, "
-          f"{lost} were on their way at a kill, {len(faults)} faults")
-    for fault in faults:
-        print(fault)
-    return 1 if faults else 0
+    return report(f"{each * len(readers)} sheets fed by {len(readers)} readers, {kills} kills: {rows} sheets stored, "
+                  f"{lost} were on their way at a kill", faults)
 
 
 if __name__ == "__main__":

@@ -20,7 +20,7 @@ import tempfile
 import urllib.request
 from pathlib import Path
 
-from stream_servers import PATIENCE, Servers, wait_for
+from stream_servers import PATIENCE, Servers, report, wait_for
 
 STREAM = "KELREADER"
 # How many sheets come through between two blows.
@@ -179,11 +179,8 @@ def main():
             status = run.end()
     if status != [0, 130]:
         faults.append(f"station and collector ended with {status}")
-    print(f"{run.total} sheets of {options.readers} readers, {options.rounds} rounds of blows to three servers: "
-          f"{collected} sheets collected, {len(faults)} faults")
-    for fault in faults:
-        print(fault)
-    return 1 if faults else 0
+    return report(f"{run.total} sheets of {options.readers} readers, {options.rounds} rounds of blows to three servers: "
+                  f"{collected} sheets collected", faults)
 
 
 if __name__ == "__main__":
