@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: MIT
 # What is too long for every run of the tests, before a release. Each part prints what it counted, and ends the script
 # when it fails.
-# Usage: scripts/check-release.sh [pty] [sweep] [cycles] [scarce] [threads] [stream] [fuzz]   (default: all)
+# Usage: scripts/check-release.sh [pty] [sweep] [cycles] [scarce] [threads] [stream] [fuzz] [tidy]   (default: all)
 #
 #   pty      all sessions over a pseudo-terminal and with hostile servers; the tests run a sample of them
 #   sweep    a reader that is unplugged, falls silent or sends a wrong byte, at every byte of a short session
@@ -13,12 +13,13 @@
 #            are killed, frozen and stopped in ten rounds; KEL_KILLS, KEL_SHEETS and KEL_ROUNDS are other numbers
 #   fuzz     the replay with inputs of a megabyte; ten minutes of each fuzz target, or KEL_FUZZ_SECONDS, with limits of
 #            length, time and memory
+#   tidy     clang-tidy on all sources; the tests look at changed ones only
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 fail() { echo "check-release.sh: $*" >&2; exit 1; }
 parts=("$@")
-[ ${#parts[@]} -gt 0 ] || parts=(pty sweep cycles scarce threads stream fuzz)
+[ ${#parts[@]} -gt 0 ] || parts=(pty sweep cycles scarce threads stream fuzz tidy)
 
 # Configures a preset, and builds some of its targets.
 build() {
@@ -94,10 +95,14 @@ check_fuzz() {
     done
     rm -r "$found"
 }
+check_tidy() {
+    build asan kel_language_file
+    KEL_TIDY=all KEL_INCLUDE_FOLDERS="$PWD:$PWD/build/asan/strings/generated" python3 -B tests/test_style.py
+}
 
 for part in "${parts[@]}"; do
     declare -F "check_$part" >/dev/null ||
-        fail "there is no part '$part'; there are pty, sweep, cycles, scarce, threads, stream and fuzz"
+        fail "there is no part '$part'; there are pty, sweep, cycles, scarce, threads, stream, fuzz and tidy"
 done
 scripts/install-packages.sh build test
 for part in "${parts[@]}"; do
