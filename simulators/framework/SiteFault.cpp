@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "simulators/framework/SiteFault.h"
 
+#include "types/Enumerations.h"
+
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -48,7 +50,7 @@ constexpr std::array kEntries = std::to_array<SiteFaultEntry>({
     {Kind::Echo, "echo", "", "", 0, 0, kSerial, "The cable is a half-duplex one: the host hears all that it sends."},
     {Kind::Lumps, "lumps", "MS", kCount, 1, 10'000, kSerial,
      "A USB adapter keeps the reader's bytes and hands them over every so many milliseconds (16)."},
-    {Kind::OtherModel, "other-model", "MODEL", "the number of a serial model", 1, 41, kSerial,
+    {Kind::OtherModel, "other-model", "MODEL", "the number of a serial model", 1, kReaderTypeCount - 1, kSerial,
      "There is a reader of another model (of another family), set as that model usually is."},
     {Kind::LeftInMode, "left-in-mode", "", "", 0, 0, kAll,
      "A session that was killed has left the reader in the middle of something."},
