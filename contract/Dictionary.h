@@ -19,19 +19,19 @@ class DictionaryObject;
 /// A key of a dictionary: a whole number or a text. The number 1 and the text "1" are two keys.
 using DictionaryKey = std::variant<Int32, std::string>;
 
-/// What a key stands for: nothing yet, a whole number or a text.
+/// The value of a key: nothing yet, a whole number or a text.
 using DictionaryItem = std::variant<std::monostate, Int32, std::string>;
 
 /// An item as text: a number in decimal, nothing as an empty text.
 [[nodiscard]] KEL_PUBLIC std::string itemText(const DictionaryItem& item);
 
-/// Values of `Dictionary::CompareMode`: texts of keys are told apart exactly, or without regard to the case of
+/// Values of `Dictionary::CompareMode`: text keys are compared exactly, or without regard to the case of
 /// ASCII letters.
 inline constexpr Int32 kBinaryCompare = 0;
 inline constexpr Int32 kTextCompare = 1;
 
 /// Items in the order in which their keys were added, each found by its key: the dictionary that scripting hosts
-/// know, with its members and their manners. It may be copied.
+/// know, with its members and their behaviour. It may be copied.
 class KEL_PUBLIC Dictionary {
 public:
     Dictionary();
@@ -44,18 +44,18 @@ public:
     [[nodiscard]] Int32 CompareMode() const;
     void CompareMode(Int32 mode, SourceLocation where = SourceLocation::current());
 
-    /// Adds an item at the end. A key that is there already is failure 457.
+    /// Adds an item at the end. A key that already exists is failure 457.
     void Add(const DictionaryKey& key, DictionaryItem item, SourceLocation where = SourceLocation::current());
 
     /// Whether there is an entry of that key; none is added.
     [[nodiscard]] Boolean Exists(const DictionaryKey& key) const;
 
-    /// The item of a key. Asking for a key that is not there adds it, with nothing as its item.
+    /// The item of a key. Asking for a missing key adds it, with nothing as its item.
     [[nodiscard]] DictionaryItem Item(const DictionaryKey& key);
-    /// Sets the item of a key, and adds a key that is not there.
+    /// Sets the item of a key, and adds a missing key.
     void Item(const DictionaryKey& key, DictionaryItem item);
 
-    /// Gives an entry another key; it keeps its item and its place. Failure 32811 when `key` is not there, 457 when
+    /// Gives an entry another key; it keeps its item and its place. Failure 32811 when `key` is missing, 457 when
     /// `newKey` belongs to another entry.
     void Key(const DictionaryKey& key, const DictionaryKey& newKey, SourceLocation where = SourceLocation::current());
 
@@ -64,7 +64,7 @@ public:
     [[nodiscard]] std::vector<DictionaryItem> Items() const;
     [[nodiscard]] Int32 Count() const;
 
-    /// Removes an entry. A key that is not there is failure 32811 "Element not found".
+    /// Removes an entry. A missing key is failure 32811 "Element not found".
     void Remove(const DictionaryKey& key, SourceLocation where = SourceLocation::current());
     /// Empties the dictionary; `CompareMode` stays.
     void RemoveAll();

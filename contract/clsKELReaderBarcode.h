@@ -16,7 +16,7 @@ class StatedModule;
 /// A barcode zone: where on the sheet a reader with a barcode unit is to look. Nothing is checked.
 class KEL_PUBLIC clsKELReaderBarcode {
 public:
-    /// The class's name, as dumps of variables tell it.
+    /// The class's name, as dumps of variables show it.
     static constexpr const char* kClassName = "clsKELReaderBarcode";
 
     clsKELReaderBarcode();

@@ -14,7 +14,7 @@ namespace kel {
 /// The barcode zones of a form in their order, addressed by position from 1.
 class KEL_PUBLIC clsKELReaderBarcodes {
 public:
-    /// The class's name, as dumps of variables tell it.
+    /// The class's name, as dumps of variables show it.
     static constexpr const char* kClassName = "clsKELReaderBarcodes";
 
     clsKELReaderBarcodes();

@@ -15,7 +15,7 @@ namespace kel {
 /// driver takes it when the sheet is printed on. Nothing here checks the texts or the distance against the bounds.
 class KEL_PUBLIC clsKELReaderPrinter {
 public:
-    /// The class's name, as dumps of variables tell it.
+    /// The class's name, as dumps of variables show it.
     static constexpr const char* kClassName = "clsKELReaderPrinter";
 
     clsKELReaderPrinter();
@@ -23,7 +23,7 @@ public:
     clsKELReaderPrinter& operator=(const clsKELReaderPrinter& other);
     ~clsKELReaderPrinter();
 
-    /// The reader model, handed on by the reader object. On the models with three print lines it also sets
+    /// The reader model, set by the reader object. On the models with three print lines it also sets
     /// `Distance` to 245.
     void SetType(kelReaderType Value);
 

@@ -16,7 +16,7 @@ class StatedModule;
 /// is the distance from one row or column to the next; a negative one runs towards lower numbers. Nothing is checked.
 class KEL_PUBLIC clsKELReaderWindow {
 public:
-    /// The class's name, as dumps of variables tell it.
+    /// The class's name, as dumps of variables show it.
     static constexpr const char* kClassName = "clsKELReaderWindow";
 
     clsKELReaderWindow();
@@ -44,7 +44,7 @@ public:
     /// 1 reads row by row, 0 column by column.
     [[nodiscard]] Int16 Orientation() const;
     void Orientation(Int16 value);
-    /// Items and choices are kept for the host; no driver reads them.
+    /// Items and choices are for the host; no driver reads them.
     [[nodiscard]] Int16 NumItems() const;
     void NumItems(Int16 value);
     [[nodiscard]] Int16 NumChoices() const;

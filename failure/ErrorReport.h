@@ -12,15 +12,15 @@
 
 namespace kel {
 
-/// What kind of failure a report tells.
+/// The kind of a reported failure.
 enum ErrorType : Int32 {
     kErrorTypeRunTime = 0,  ///< a statement failed and the procedure's guard caught it
     kErrorTypeSettings = 1, ///< a setting of the host, or a code of a vendor's library
     kErrorTypeReader = 2,   ///< a fault of the reader or the link that a driver detected
 };
 
-/// A failure report, its fields in the order in which they are handed on. Later versions may add fields at its end: a
-/// host takes it as it comes and makes none itself.
+/// A failure report, its fields in the order in which they are passed on. Later versions may add fields at its end: a
+/// host receives it and makes none itself.
 struct ErrorReport {
     Int32 LineNumber = 0;  ///< number of the failing statement; 0 for a failure that the code itself detected
     Int32 ErrorNumber = 0; ///< number of the run-time failure, the reader's own, or the message's; 0 if none
@@ -39,7 +39,7 @@ struct ErrorReport {
     std::optional<Boolean> vSilent{}; ///< a one-off value for the error object's `Silent`
     Int16 ErrorPort = 0;              ///< the port that the report is about, 1 to 16; 0 if it is about none
     std::string ErrorDevice{};        ///< the device or remote line that this port stands for
-    std::string ErrorCause{};  ///< what is wrong with it, to follow its name: "is in use by process 812 (minicom)"
+    std::string ErrorCause{};  ///< what is wrong, worded to follow its name: "is in use by process 812 (minicom)"
     std::string ErrorRemedy{}; ///< what to try, a sentence; may be empty
 };
 

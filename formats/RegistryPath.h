@@ -19,7 +19,7 @@ struct RegistryPath {
 };
 
 /// A key as it is written: the hive by its long or its short name (HKEY_CURRENT_USER, HKCU) in any case of letters,
-/// and behind a backslash the path below it. Nothing for a text that begins with no hive.
+/// and after a backslash the path below it. Nothing for a text that does not begin with a hive.
 [[nodiscard]] KEL_PUBLIC std::optional<RegistryPath> registryPath(std::string_view text);
 
 /// How long a key's path may be, in bytes, and how deep a key may lie (`kDeepestKey`).

@@ -17,7 +17,7 @@ struct GradingKey {
     std::vector<Int16> questionsOnPage{}; ///< the first element is page 1
     std::string source{}; ///< the JSON text that it was read from, on one line; empty if it was made otherwise
 
-    /// How many questions a page (from 1) holds, for the event `GetQuestionsOnPage`; 0 for a page that is not told.
+    /// How many questions a page (from 1) holds, for the event `GetQuestionsOnPage`; 0 for an unknown page.
     [[nodiscard]] KEL_PUBLIC Int16 questionsOn(Int16 page) const;
 };
 
@@ -38,15 +38,15 @@ struct GradingKey {
 ///   an essay gets.
 /// - `choices`: up to five texts, none of them twice and none with a comma.
 /// - `choiceColumns`: how many columns the form has for the question; as many as choices when it is left out. In four
-///   columns each answer sits one place further to the right, so that there is room for four choices only.
-/// - `correctAnswers`: one text for each version of the key, up to four, with that version's right answers separated
-///   by commas. An empty text is a question without a right answer. A question without any version is left out of the
-///   key, and the questions behind it move up. An essay has one version, a number of up to four digits.
+///   columns each answer is one position further right, so that there is room for four choices only.
+/// - `correctAnswers`: one text for each version of the key, up to four, with that version's correct answers separated
+///   by commas. An empty text is a question without a correct answer. A question without any version is left out of the
+///   key, and the questions after it move up. An essay has one version, a number of up to four digits.
 ///
-/// UsageError, one sentence with `fileName` and the place, for whatever does not fit that.
+/// UsageError, one sentence with `fileName` and the place, for anything else.
 [[nodiscard]] KEL_PUBLIC GradingKey parseAnswerKey(std::string_view text, const std::string& fileName);
 
-/// The same from a file; UsageError if it cannot be read too.
+/// The same from a file; UsageError also if it cannot be read.
 [[nodiscard]] KEL_PUBLIC GradingKey readAnswerKeyFile(const std::filesystem::path& file);
 
 } // namespace kel::host

@@ -16,30 +16,30 @@ namespace kel::host {
 /// When a batch asks whether it is to stop.
 enum class StopAsked {
     InEachTurn,  ///< in every turn of its waits, so that these have a clock
-    AtEachSheet, ///< before and after a sheet; `CancelScan`, which somebody else sets, is what ends or hurries a wait
+    AtEachSheet, ///< before and after a sheet; `CancelScan`, set from elsewhere, ends or hurries a wait
 };
 
 /// A mark on a sheet: its row and column from 1, and its value, never 0.
 struct Mark {
     Int32 row = 0;    ///< from 1
     Int32 column = 0; ///< from 1
-    Int16 value = 0;  ///< what it means is the model's
+    Int16 value = 0;  ///< on the model's own scale
 
     friend bool operator==(const Mark&, const Mark&) = default;
 };
 
-/// A sheet that was read and decided on.
+/// A sheet that was read, with what became of it.
 struct Sheet {
     Int32 number = 0; ///< counted from 1
     MarkArray side1{};
     MarkArray side2{}; ///< may have no bounds at all
     Int16 side1TimingMarks = -1;
     Int16 side2TimingMarks = -1;
-    TextArray barcodes{}; ///< a byte a character, as they came
+    TextArray barcodes{}; ///< one byte for each character, as they came
     bool rejected = false;
     bool printed = false;
     std::vector<std::string> printedLines{}; ///< as they went over the line
-    std::optional<Dictionary> record{};      ///< the named fields, from readers that deliver such
+    std::optional<Dictionary> record{};      ///< the named fields, from readers that deliver them
 
     /// The marks of side 1 or 2, row by row.
     [[nodiscard]] KEL_PUBLIC std::vector<Mark> marks(int side = 1) const;

@@ -21,7 +21,7 @@ struct Failure {
     std::string title{};
     Int16 port = 0;       ///< the port that it is about, 1 to 16; 0 if it is about none
     std::string device{}; ///< the device or remote line that this port stands for
-    std::string cause{};  ///< what is wrong with it, to follow its name
+    std::string cause{};  ///< what is wrong with it, worded to follow its name
     std::string remedy{}; ///< what to try, a sentence; may be empty
 };
 
@@ -31,14 +31,14 @@ struct Failure {
 /// A failure as one line for a person: "Initialize Error: the reader does not answer (8020, basScantron.InitReaderST)".
 [[nodiscard]] KEL_PUBLIC std::string failureSentence(const Failure& failure);
 
-/// Thrown where a host wants reports as exceptions: what was reported, in its order, at least one. Its text is the
+/// Thrown if a host wants reports as exceptions: the reports in their order, at least one. Its text is the
 /// sentence of the first.
 class KEL_PUBLIC ReaderFailed : public std::runtime_error {
 public:
     /// From at least one report.
     explicit ReaderFailed(std::vector<Failure> failures);
 
-    /// What was reported.
+    /// The reports.
     [[nodiscard]] const std::vector<Failure>& failures() const noexcept { return failures_; }
 
 private:

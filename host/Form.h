@@ -24,10 +24,10 @@ struct Form {
     std::optional<std::vector<Int16>> side2Cols{};
     std::vector<clsKELReaderWindow> windows{};
     std::vector<clsKELReaderBarcode> barcodes{};
-    std::vector<Field> fields{}; ///< names for what is on a sheet; the reader is not told of them
+    std::vector<Field> fields{}; ///< named fields of a sheet; the reader does not know of them
     std::string source{};        ///< the JSON text that it was read from, on one line; empty if it was made otherwise
 
-    /// Whether nothing of a form is said.
+    /// Whether it describes nothing.
     [[nodiscard]] bool empty() const
     {
         return source.empty() && !side1Rows && !side1Cols && !side2Rows && !side2Cols && windows.empty() &&
@@ -46,23 +46,23 @@ struct Form {
 ///
 /// A field names cells:
 ///
-/// - `name`: of its column. Where the cells are several lines of choices each line is a column, with a number behind
+/// - `name`: of its column. Where the cells are several lines of choices each line is a column, with a number after
 ///   the name: "Q1" to "Q20". `first` is the first of these numbers, 1 if it is left out.
 /// - `side`: 1 or 2; `row` or `rows` and `column` or `columns`: where the cells are. [5, 9] is from 5 to 9, [9, 5] the
 ///   same the other way round. `rowGap` and `colGap` are the distances from one to the next.
-/// - `window`: in place of all these, the number of a read window from 1.
+/// - `window`: instead of all these, the number of a read window from 1.
 /// - `choices`: "across" if each row is a line of choices, "down" if each column is one. Without it a single line of
 ///   cells is read along itself, a window by its orientation, any other block across.
-/// - `labels`: a character a choice, or an array of texts; "1", "2" ... if it is left out. A single cell without labels
+/// - `labels`: one character per choice, or an array; "1", "2" ... if it is left out. A single cell without labels
 ///   gives the value of its mark.
-/// - `multiple`: "mark" has several marks give "*", "all" has them give all their labels.
-/// - `blank`: what no mark gives, "-" if it is left out.
+/// - `multiple`: with "mark" several marks give "*", with "all" they give all their labels.
+/// - `blank`: the value without a mark, "-" if it is left out.
 ///
-/// UsageError, one sentence with `fileName` and the place, for text that is no JSON, a key that is unknown, a value of
+/// UsageError, one sentence with `fileName` and the place, for text that is not JSON, an unknown key, a value of
 /// another type, a number that does not fit and a size below zero.
 [[nodiscard]] KEL_PUBLIC Form parseForm(std::string_view text, const std::string& fileName);
 
-/// The same from a file; UsageError if it cannot be read too.
+/// The same from a file; UsageError also if it cannot be read.
 [[nodiscard]] KEL_PUBLIC Form readFormFile(const std::filesystem::path& file);
 
 /// The sizes of a form as a form's text on one line.

@@ -17,8 +17,8 @@ inline constexpr Int16 kLastPort = 16;
 /// A port number, a serial device, or both, and whether it can be opened.
 struct PortState {
     std::optional<Int16> port{};         ///< 1 to 16
-    std::optional<std::string> device{}; ///< a device file or a remote line; of a name that is too long its beginning
-    std::string description{};           ///< what the device says of itself
+    std::optional<std::string> device{}; ///< a device file or a remote line; the beginning of a name that is too long
+    std::string description{};           ///< the device's description of itself
     bool opens = false;
     std::string reason{}; ///< why it does not open and what to do; empty when it does
 };
@@ -30,7 +30,7 @@ struct PortState {
 [[nodiscard]] KEL_PUBLIC std::optional<std::string> deviceOf(Int16 port);
 
 /// Maps a port number to a device or a remote line, or takes its device away. False for a number outside 1 to 16, for
-/// a device whose name is empty or longer than 4,096 bytes, for a port that has none to take away, and if the settings
+/// a device whose name is empty or longer than 4,096 bytes, for a port that has none to remove, and if the settings
 /// cannot be written.
 KEL_PUBLIC bool mapPort(Int16 port, const std::string& device);
 KEL_PUBLIC bool unmapPort(Int16 port);

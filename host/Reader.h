@@ -35,7 +35,7 @@ enum class OnFailure {
 /// not. There is no other error object meanwhile, and none afterwards.
 class KEL_PUBLIC Reader {
 public:
-    /// Gives the reader what the request asks for. UsageError for what does not fit, ReaderFailed for settings that
+    /// Sets the reader up for the request. UsageError for a value that does not fit, ReaderFailed for settings that
     /// could not be loaded. Nothing is opened yet.
     explicit Reader(Request request);
     ~Reader();
@@ -64,20 +64,20 @@ public:
     void stop();
 
     /// Looks for the reader at the ports, first at `startPort` if it is above 0, and asks for its firmware version;
-    /// nothing where none answers. `failures()` says why.
+    /// nothing if none answers. `failures()` says why.
     [[nodiscard]] std::optional<Int16> locate(Int16 startPort = 0);
     [[nodiscard]] std::optional<std::string> firmware();
 
     /// The form of the sheets: the request's, or once a simulated reader is connected that of its sheets.
     [[nodiscard]] const Form& form() const noexcept;
 
-    /// What was reported since the last batch, search or question began.
+    /// The reports since the last batch, search or query began.
     [[nodiscard]] const std::vector<Failure>& failures() const noexcept;
 
-    /// Why the trace is not whole, a sentence; empty if it is, or if there is none.
+    /// Why the trace is incomplete, a sentence; empty if it is complete, or if there is none.
     [[nodiscard]] std::string traceProblem() const;
 
-    /// What was done wrongly to the simulated reader, if there is one. It ends with that.
+    /// The host's errors that the simulated reader found, if there is one. This call ends it.
     [[nodiscard]] std::vector<std::string> simulatorErrors();
 
 private:
@@ -87,13 +87,13 @@ private:
     std::unique_ptr<State> state_;
 };
 
-/// A range of sheets, to be gone through once.
+/// A range of sheets, for one loop.
 class KEL_PUBLIC Sheets {
 public:
     /// At the sheet that was read last.
     class KEL_PUBLIC Iterator {
     public:
-        /// What an input iterator says of itself.
+        /// The types of an input iterator.
         using value_type = Sheet;
         using difference_type = std::ptrdiff_t;
         using iterator_concept = std::input_iterator_tag;
@@ -118,7 +118,7 @@ public:
 
     /// A batch of a reader; see `Reader::sheets`.
     Sheets(Reader& reader, OnFailure onFailure);
-    /// Ends the session, if the loop has not come to its end.
+    /// Ends the session, if the loop has not ended.
     ~Sheets();
     Sheets(const Sheets&) = delete;
     Sheets& operator=(const Sheets&) = delete;

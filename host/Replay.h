@@ -13,24 +13,24 @@
 
 namespace kel::host {
 
-/// A recorded session, to be replayed without a reader. Time is the transcript's: a wait of ten seconds takes none.
+/// Replays a recorded session without a reader. Time is the transcript's: a wait of ten seconds takes none.
 class KEL_PUBLIC Replay {
 public:
-    /// From the text of a transcript, as a trace has it, or of a report of `kelreader check`, of which it is the
-    /// session with the sheets; `fileName` is for refusals. UsageError, with the line, for a text that is none, and for
+    /// From the text of a transcript, as a trace has it, or of a report of `kelreader check`, of which it replays the
+    /// session with the sheets; `fileName` is for refusals. UsageError, with the line, for any other text, and for
     /// a head that does not fit.
     explicit Replay(const std::string& text, const std::string& fileName = "the transcript");
     ~Replay();
     Replay(const Replay&) = delete;
     Replay& operator=(const Replay&) = delete;
 
-    /// What was asked of the recorded reader; may be changed before it is replayed.
+    /// The request of the recorded reader; may be changed before the replay.
     [[nodiscard]] Request& request() noexcept;
 
     /// Replays the session, as `Reader::read` reads a batch.
     Result read(Events& events, const std::function<bool()>& stopWanted = {});
 
-    /// Where the session has left its transcript, a sentence each; and the first line that the host should have sent
+    /// Where the session left its transcript, a sentence each; and the first line that the host should have sent
     /// and has not, empty if there is none.
     [[nodiscard]] const std::vector<std::string>& differences() const noexcept;
     [[nodiscard]] std::string unsent() const;

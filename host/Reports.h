@@ -10,9 +10,9 @@
 
 namespace kel::host {
 
-/// Takes the reports of the calling thread's readers for as long as it lives; of several on a thread the latest has
-/// them. While any lives on any thread, the process's error object is this room's; what a thread without one reports
-/// goes to standard error. Afterwards there is no error object. It ends on the thread that made it.
+/// Receives the reports of the calling thread's readers for as long as it lives; of several on a thread the latest does
+/// so. While any lives on any thread, the process's error object belongs to this class; reports of a thread without one
+/// go to standard error. Afterwards there is no error object. It ends on the thread that made it.
 class KEL_PUBLIC Reports {
 public:
     /// Takes one report.

@@ -17,7 +17,7 @@
 
 namespace kel::host {
 
-/// What is printed on each sheet. `{date}`, `{sheet}` and `{barcode}` in the texts stand for today's date as
+/// The print on each sheet. `{date}`, `{sheet}` and `{barcode}` in the texts stand for today's date as
 /// 2024-01-31, the sheet's number and its first barcode.
 struct Print {
     std::optional<std::string> print1{}; ///< the first line
@@ -31,7 +31,7 @@ struct Print {
 };
 
 /// A model by its enumerator, its number, its name, or a part of a name that only one model has. UsageError for none
-/// and for several, with the names that come nearest.
+/// and for several, with the nearest names.
 class Model {
 public:
     /// From an enumerator, or from a text.
@@ -47,28 +47,28 @@ private:
     kelReaderType type_;
 };
 
-/// What to do with a reader. Nothing but the model has to be said.
+/// The task of a reader. Only the model is required.
 struct Request {
-    std::optional<Model> model{};           ///< without one it is that of the settings
-    std::optional<RegistryPath> settings{}; ///< where the settings are kept; without it the model has its defaults
+    std::optional<Model> model{};           ///< without one, that of the settings
+    std::optional<RegistryPath> settings{}; ///< where the settings are saved; without it the model has its defaults
     Form form{};
     std::optional<GradingKey> answerKey{};  ///< for readers that grade by themselves
     std::vector<std::string> assignments{}; ///< "Property=Value", after the model's defaults and the form
     std::optional<Int16> port{};
-    std::string device{};                  ///< in the place of a port: a device, or a remote line as tcp:HOST:PORT
-    std::optional<Simulation> simulated{}; ///< in the place of both: a simulated reader of the model
-    std::filesystem::path usbLibrary{};    ///< the library of the USB readers' maker, in place of the usual one
-    std::filesystem::path traceFile{};     ///< what goes over the line is written down here, to be replayed
+    std::string device{};                  ///< instead of a port: a device, or a remote line as tcp:HOST:PORT
+    std::optional<Simulation> simulated{}; ///< instead of both: a simulated reader of the model
+    std::filesystem::path usbLibrary{};    ///< the library of the USB readers' maker, instead of the usual one
+    std::filesystem::path traceFile{};     ///< the session is recorded here, for a replay
     Int32 maxSheets = -1;                  ///< negative: until the feeder is empty
     bool rejectBlank = false;
     std::set<Int32> rejectSheets{}; ///< their numbers, from 1
     Print print{};
 };
 
-/// How a scan came out.
+/// The result of a scan.
 struct Result {
     BatchEnd end{};                  ///< as the sink got it
-    std::vector<Failure> failures{}; ///< all that was reported, in order
+    std::vector<Failure> failures{}; ///< all reports, in order
 };
 
 } // namespace kel::host

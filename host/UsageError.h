@@ -10,11 +10,11 @@
 
 namespace kel::host {
 
-/// Something was asked for in a wrong way: an unknown model, a value that does not fit, a form file that is broken.
+/// A wrong request: an unknown model, a value that does not fit, a broken form file.
 /// The text is one sentence for the person who asked.
 class KEL_PUBLIC UsageError : public std::runtime_error {
 public:
-    /// The text may cite what a file holds. A control character there would end the sentence or change the terminal: it
+    /// The text may cite a file's content. A control character there would end the sentence or change the terminal: it
     /// is shown as "?".
     explicit UsageError(std::string text) : std::runtime_error(withoutControls(std::move(text))) {}
 

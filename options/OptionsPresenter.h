@@ -32,23 +32,23 @@ public:
     virtual ~OptionsPresenter() = default;
 
     /// Shows the form and comes back when it is decided. In this order: set `form.Measure` and `form.Window` if there
-    /// are any; `form.Show()`, which fills the controls; show them, with the focus on `form.ActiveControl()`; hand on
-    /// what the user does, until `form.Visible()` is False (`form.onHide` tells when). A window that is closed in
+    /// are any; `form.Show()`, which fills the controls; show them, with the focus on `form.ActiveControl()`; pass on
+    /// what the user does, until `form.Visible()` is False (`form.onHide` reports when). A window that is closed in
     /// another way is `form.cmdCancel.Click()`; a form that is still visible when this returns counts as cancelled.
     ///
     /// `parent` is the owner that the host gave to `ShowOptions`, of this presenter's own kind, or nothing.
     /// False if the form could not be shown: `reason` then says why, in a sentence that `ShowOptions` reports.
     virtual bool show(frmOptions& form, void* parent, std::string& reason) = 0;
 
-    /// Where boxes, beeps and the mouse pointer go while `show` runs; nothing for where the platform has them.
+    /// Where boxes, beeps and the mouse pointer go while `show` runs; nullptr for the platform's own.
     [[nodiscard]] virtual Screen* screen() { return nullptr; }
 };
 
-/// The host's presenter, for the whole process; nothing brings the component's own back.
+/// The host's presenter, for the whole process; a null pointer restores the component's own.
 KEL_PUBLIC void setOptionsPresenter(std::shared_ptr<OptionsPresenter> presenter);
 
-/// The presenter to use: the host's, else the component's own, which is made at the first need. Fails with 48 where
-/// neither can be had.
+/// The presenter to use: the host's, otherwise the component's own, made when first needed. Fails with 48 if
+/// there is neither.
 [[nodiscard]] KEL_PUBLIC std::shared_ptr<OptionsPresenter> optionsPresenter();
 
 /// Installs what makes the component's own presenter. Called once at start-up.

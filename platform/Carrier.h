@@ -6,7 +6,7 @@
 
 namespace kel {
 
-/// The object that carries a reader's serial control and timer. A host may put one of its own in the place of the
+/// The object that carries a reader's serial control and timer. A host may put one of its own instead of the
 /// reader's; drivers fetch both members anew for every access.
 class Carrier {
 public:

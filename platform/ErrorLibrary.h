@@ -10,7 +10,7 @@
 
 namespace kel {
 
-/// What is told of a failure that no procedure has dealt with, in the order in which an error library takes it.
+/// A failure that no procedure has handled, its fields in the order in which an error library takes them.
 struct CrashReport {
     Int32 number = 0;          ///< of the failure
     std::string component{};   ///< "KELReader81U"
@@ -40,9 +40,9 @@ inline constexpr const char* kErrorLibraryClass = "KELError10.Error";
 /// Makes an object; nothing if it cannot.
 using ErrorLibraryFactory = std::function<std::shared_ptr<ErrorLibraryObject>()>;
 
-/// Registers what makes the objects of a class, for the whole process. An empty function takes it away. A host that
-/// wants to learn of failures which no procedure has dealt with registers its library under `kErrorLibraryClass`: each
-/// failure then makes an object and calls it. Without one such a failure is shown in a box. The factory and its objects
+/// Registers what makes the objects of a class, for the whole process. An empty function removes it. A host that
+/// wants to learn of failures that no procedure has handled registers its library under `kErrorLibraryClass`: each
+/// failure then makes an object and calls it. Without one such a failure appears in a box. The factory and its objects
 /// may be used from several threads.
 KEL_PUBLIC void registerErrorLibrary(const std::string& className, ErrorLibraryFactory factory);
 

@@ -8,11 +8,11 @@
 
 namespace kel {
 
-/// What went wrong with the characters of a line on their way.
+/// Errors of the characters on a line.
 struct LineErrors {
     std::uint64_t parity = 0;  ///< characters with a wrong parity bit, which arrive as "?"
     std::uint64_t framing = 0; ///< characters without a proper stop bit
-    std::uint64_t overrun = 0; ///< times that characters were lost because nobody fetched them in time
+    std::uint64_t overrun = 0; ///< times that characters were lost because they were not fetched in time
 
     /// Whether there was any.
     [[nodiscard]] bool any() const noexcept { return parity + framing + overrun > 0; }
@@ -25,7 +25,7 @@ struct LineErrors {
     friend bool operator==(const LineErrors&, const LineErrors&) = default;
 };
 
-/// Those that there are in words: "2 parity errors, 1 framing error".
+/// The errors in words: "2 parity errors, 1 framing error".
 [[nodiscard]] KEL_PUBLIC std::string lineErrorsText(const LineErrors& errors);
 
 /// A serial control that counts them, as the reader's own does:
@@ -33,7 +33,7 @@ struct LineErrors {
 ///     const kel::Reference<kel::Carrier> carrier = reader.fComm();
 ///     auto* const counting = dynamic_cast<kel::CountsLineErrors*>(&carrier->mscComm());
 ///
-/// A control of the host need not.
+/// A host's own control need not count them.
 class KEL_PUBLIC CountsLineErrors {
 public:
     virtual ~CountsLineErrors() = default;

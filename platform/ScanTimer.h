@@ -16,7 +16,7 @@ public:
     [[nodiscard]] virtual Int32 Interval() const = 0;
     virtual void Interval(Int32 milliseconds) = 0;
 
-    /// True starts the countdown from `Interval`, anew if it was running.
+    /// True starts the countdown from `Interval`, also if it was running.
     [[nodiscard]] virtual Boolean Enabled() const = 0;
     virtual void Enabled(Boolean value) = 0;
 };

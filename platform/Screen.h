@@ -32,7 +32,7 @@ enum class BoxAnswer {
 inline constexpr Int32 kMousePointerDefault = 0;
 inline constexpr Int32 kMousePointerHourglass = 11;
 
-/// What the component shows and sounds by itself. Without a screen a box goes to standard error and is answered Ok,
+/// The boxes and sounds of the component itself. Without a screen a box goes to standard error and is answered with Ok,
 /// or Abort where that is offered.
 class Screen {
 public:

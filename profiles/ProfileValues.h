@@ -9,7 +9,7 @@
 
 namespace kel {
 
-/// What one model can do and what it starts from. An option's plain field is its default, `...Enabled` says whether
+/// What one model can do, and its defaults. An option's plain field is its default, `...Enabled` says whether
 /// the user may change it, `...Visible` whether the options dialog shows it. The values here are those of a new
 /// record; the catalogue states only what differs from them.
 struct ProfileValues {
@@ -73,7 +73,7 @@ struct ProfileValues {
     Boolean TimeOutVisible = True;
 
     Boolean LocateEnabled;   ///< the model can be searched for on the serial ports
-    Boolean FirmwareEnabled; ///< the model tells the version of its firmware
+    Boolean FirmwareEnabled; ///< the model reports the version of its firmware
 };
 
 } // namespace kel

@@ -44,11 +44,11 @@ template <class Object>
 class StatedModule;
 
 /// The capability record of one model. Each field of `ProfileValues` is a property here: `X()` reads it and
-/// `X(value)` writes it, as it is and without a test of any kind. A host may change a record; what it writes is what
-/// the options dialog and `LoadDefaults` then find.
+/// `X(value)` writes it, unchanged and without any check. A host may change a record; the options dialog and
+/// `LoadDefaults` then use the new value.
 class KEL_PUBLIC clsKELReaderProfile {
 public:
-    /// The class's name, as dumps of variables tell it.
+    /// The class's name, as dumps of variables show it.
     static constexpr const char* kClassName = "clsKELReaderProfile";
 
     clsKELReaderProfile();
@@ -68,7 +68,7 @@ public:
 #undef KEL_NOT_STORED
 #undef KEL_PROPERTY
 
-    /// The model's name as users see it, found anew by `ReaderType` at each call; empty for a number that is no model.
+    /// The model's name as users see it, found anew by `ReaderType` at each call; empty if that is not a model.
     [[nodiscard]] std::string ReaderName() const;
 
 private:

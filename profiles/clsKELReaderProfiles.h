@@ -20,10 +20,10 @@ struct CatalogueModel;
 /// A text is an index by key: the decimal text of a record's `kelReaderType`, "40". A number is a position from 1,
 /// also where it comes from a `kelReaderType`: `Item("40")` and `Item(2)` are the same record.
 ///
-/// Records are handed out by reference. What a host writes into one stays until the collection is filled anew.
+/// Records are returned by reference. A host's changes to one stay until the collection is filled anew.
 class KEL_PUBLIC clsKELReaderProfiles {
 public:
-    /// The class's name, as dumps of variables tell it.
+    /// The class's name, as dumps of variables show it.
     static constexpr const char* kClassName = "clsKELReaderProfiles";
 
     clsKELReaderProfiles();
@@ -34,7 +34,7 @@ public:
     /// Number of records now held.
     [[nodiscard]] Int32 Count() const;
 
-    /// The record, or nothing, without a report, where none is.
+    /// The record; nothing, without a report, if there is none.
     [[nodiscard]] Reference<clsKELReaderProfile> Item(std::string_view Key) const;
     [[nodiscard]] Reference<clsKELReaderProfile> Item(Int32 Position) const;
 

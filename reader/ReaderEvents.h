@@ -9,7 +9,7 @@ namespace kel {
 
 class Dictionary;
 
-/// The events of a reader object. A host overrides what it wants to hear. All arguments are by reference; arrays are
+/// The events of a reader object. A host overrides those that it needs. All arguments are by reference; arrays are
 /// the reader object's own, not copies.
 class KEL_PUBLIC ReaderEvents {
 public:
@@ -20,7 +20,7 @@ public:
     virtual void BeforeSheet(Boolean& bInitializePrinter) { static_cast<void>(bInitializePrinter); }
 
     /// After a successful read. The host may change the arrays in place, call `RejectPage` or `EjectPage`, fill the
-    /// printer's buffers and set its `Active`. A barcode holds a byte a character, as it came. `bReject` set True
+    /// printer's buffers and set its `Active`. A barcode has one byte per character, as it came. `bReject` set True
     /// suppresses the print, nothing else.
     virtual void ReadSheet(MarkArray& iSide1Array, MarkArray& iSide2Array, TextArray& sBarcodeArray, Boolean& bReject)
     {

@@ -18,7 +18,7 @@ public:
     {
     }
 
-    /// A value as it stands in 16 bits, so also one that is neither True nor False.
+    /// A value of 16 bits, also one that is neither True nor False.
     [[nodiscard]] static constexpr Boolean fromBits(std::int16_t bits) noexcept
     {
         Boolean result;
@@ -26,7 +26,7 @@ public:
         return result;
     }
 
-    /// The value as it stands in 16 bits.
+    /// The value in 16 bits.
     [[nodiscard]] constexpr std::int16_t bits() const noexcept { return bits_; }
     /// False for 0, true for everything else.
     constexpr explicit operator bool() const noexcept { return bits_ != 0; }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-/// Marks what a host sees of the component's library; everything else stays hidden. What only the component's own
+/// Marks what the component's library exports to hosts; everything else stays hidden. What only the component's own
 /// modules and programs see, of the same version as the library, is marked as internal.
 #if defined(_WIN32)
 #define KEL_PUBLIC

@@ -46,11 +46,11 @@ enum class FailureCode : std::int32_t {
 /// The standard text of a run-time failure: "Subscript out of range" for 9, and so on.
 [[nodiscard]] std::string failureText(FailureCode code);
 
-/// The port that a failure is about, as far as it is about one: what its text says, in parts.
+/// The port that a failure is about, if there is one: the parts of its text.
 struct FailedPort {
     std::int16_t number = 0; ///< 1 to 16; 0 if the failure is about no port
     std::string device{};    ///< what the port stands for: a device, a remote line, COM1; empty if there is nothing
-    std::string cause{};     ///< what is wrong, to follow the name: "is in use by process 812 (minicom)"
+    std::string cause{};     ///< what is wrong, worded to follow the name: "is in use by process 812 (minicom)"
     std::string remedy{};    ///< what to try, a sentence; may be empty
 };
 
