@@ -3,6 +3,8 @@
 
 #include "cli/CommandList.h"
 #include "cli/Commands.h"
+#include "cli/Console.h"
+#include "cli/ThisSystem.h"
 #include "cli/UsageError.h"
 #include "formats/NearestNames.h"
 #include "startup/Main.h"
@@ -11,11 +13,8 @@
 #include "types/Text.h"
 
 #include <algorithm>
-#include <csignal>
-#include <fcntl.h>
 #include <iostream>
 #include <system_error>
-#include <unistd.h>
 
 namespace kel {
 
@@ -68,7 +67,7 @@ void demandValues(const CLI::App& command)
 /// The arguments with "/L=NAME", which hosts take in any case of letters, in the spelling that the parser knows.
 std::vector<std::string> argumentsOf(int argc, const char* const* argv)
 {
-    std::vector<std::string> arguments(argv + 1, argv + argc);
+    std::vector<std::string> arguments = programArguments(argc, argv);
     for (std::string& argument : arguments) {
         if (argument == "--")
             break;
@@ -90,29 +89,12 @@ void chooseLanguage(const std::string& wanted)
     languageDatabase().askFor(wanted);
 }
 
-/// A standard stream that is closed leaves its number to the next file that is opened, such as a reader's line: what is
-/// written then would go to the reader. What stands in its place cannot be read or written, as the stream itself.
-void holdStandardStreams()
-{
-    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
-        if (::fcntl(stream, F_GETFD) < 0)
-            static_cast<void>(::open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY));
-    }
-}
-
-/// The system ends a process without a word that computes for longer than it may (ulimit -t).
-void endOutOfTime(int)
-{
-    constexpr std::string_view kText = "kelreader: The processor time that this process may use (ulimit -t) is over.\n";
-    [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, kText.data(), kText.size());
-    ::_exit(kFailedStatus);
-}
-
 int parseAndRun(int argc, const char* const* argv)
 {
     CLI::App app("Reads sheets with optical mark readers.", "kelreader");
     app.set_version_flag("--version", "kelreader " KEL_VERSION);
     app.require_subcommand(1);
+    app.allow_windows_style_options(false); // the same command on all systems
     Commands commands(app);
 #define KEL_ADD_COMMAND(add) add(commands);
     KEL_COMMANDS(KEL_ADD_COMMAND)
@@ -161,23 +143,17 @@ void addFormat(CLI::App& command, std::string& format, const std::vector<std::st
 
 int runCommandLine(int argc, const char* const* argv)
 {
-    holdStandardStreams();
-    // A reader of our output that goes away, and a file that may not grow, are told as a failed write.
-    std::signal(SIGPIPE, SIG_IGN);
-    std::signal(SIGXFSZ, SIG_IGN);
-    std::signal(SIGXCPU, &endOutOfTime);
+    const Console console;
     try {
         Main(); // reads a setting, and may meet each of these
         return parseAndRun(argc, argv);
     } catch (const host::UsageError& error) {
         return complain(error.what(), kUsageStatus);
     } catch (const std::bad_alloc&) {
-        return complain("There is not enough memory; close other programs or raise the limit (ulimit -v).",
-                        kFailedStatus);
+        return complain("There is not enough memory; " + std::string(kMemoryAdvice), kFailedStatus);
     } catch (const std::system_error& failure) {
         if (failure.code() == std::errc::resource_unavailable_try_again)
-            return complain("The system gives this process no further thread; end other programs or raise the limit "
-                            "(ulimit -u).",
+            return complain("The system gives this process no further thread; " + std::string(kThreadAdvice),
                             kFailedStatus);
         return complain(failure.what(), kFailedStatus);
     } catch (const std::exception& failure) {

@@ -1,21 +1,20 @@
 // SPDX-License-Identifier: MIT
 #include "cli/InterruptWatch.h"
 
-#include <poll.h>
 #include <utility>
 
 namespace kel {
 
 namespace {
 
-// How often the action runs after an interrupt, in milliseconds.
-constexpr int kAgain = 20;
+// How often the action runs after an interrupt.
+constexpr std::chrono::milliseconds kAgain{20};
 
 } // namespace
 
 InterruptWatch::InterruptWatch(std::function<void()> action)
     : action_(std::move(action)), thread_([this] { run(); }),
-      note_([](void* woken) { static_cast<EventCall*>(woken)->call(); }, &woken_)
+      note_([](void* woken) { static_cast<WaitableCall*>(woken)->call(); }, &woken_)
 {
 }
 
@@ -29,11 +28,9 @@ InterruptWatch::~InterruptWatch()
 void InterruptWatch::run()
 {
     for (;;) {
-        pollfd handle{woken_.handle(), POLLIN, 0};
-        ::poll(&handle, 1, InterruptNote::came() ? kAgain : -1);
+        woken_.wait(InterruptNote::came() ? std::optional(kAgain) : std::nullopt);
         if (ended_)
             return;
-        woken_.answer();
         if (InterruptNote::came())
             action_();
     }

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "cli/Interrupt.h"
-#include "platform/posix/EventCall.h"
+#include "cli/WaitableCall.h"
 
 #include <atomic>
 #include <functional>
@@ -23,7 +23,7 @@ private:
     void run();
 
     std::function<void()> action_;
-    EventCall woken_;
+    WaitableCall woken_;
     std::atomic<bool> ended_ = false;
     std::thread thread_;
     InterruptNote note_; // the last, so that its handler finds the others

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "cli/Progress.h"
 
+#include "cli/Console.h"
 #include "types/Text.h"
 
 #include <iostream>
-#include <unistd.h>
 
 namespace kel {
 
@@ -16,7 +16,7 @@ std::string progressText(Int32 sheets, std::chrono::duration<double> time)
     return text;
 }
 
-Progress::Progress() : shown_(::isatty(STDERR_FILENO) == 1), begin_(std::chrono::steady_clock::now()) {}
+Progress::Progress() : shown_(errorsAreSeen()), begin_(std::chrono::steady_clock::now()) {}
 
 Progress::~Progress()
 {
@@ -36,7 +36,7 @@ void Progress::sheet()
 void Progress::clear()
 {
     if (onScreen_)
-        std::cerr << "\r\x1B[K" << std::flush;
+        clearErrorLine();
     onScreen_ = false;
 }
 

@@ -1,27 +1,17 @@
 // SPDX-License-Identifier: MIT
 #include "cli/ScanOutput.h"
 
+#include "cli/Console.h"
 #include "cli/JsonLines.h"
 #include "cli/SheetCsv.h"
 #include "cli/SheetPage.h"
 #include "cli/SheetTable.h"
 #include "host/UsageError.h"
+#include "types/Path.h"
 
 #include <iostream>
-#include <sys/ioctl.h>
-#include <unistd.h>
 
 namespace kel {
-
-namespace {
-
-std::size_t terminalWidth()
-{
-    winsize size{};
-    return ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : 100;
-}
-
-} // namespace
 
 std::optional<std::vector<host::Field>> wantedFields(bool wanted, const host::Form& form, const std::string& format)
 {
@@ -38,7 +28,7 @@ ScanOutput::ScanOutput(const std::string& outFile, const std::string& format, co
                        const PictureForm& form, const std::optional<std::vector<host::Field>>& fields)
 {
     if (!outFile.empty())
-        output_.emplace(outFile);
+        output_.emplace(pathOf(outFile));
     else
         output_.emplace();
     const auto write = [this](const std::string& text) {

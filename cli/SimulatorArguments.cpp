@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "cli/SimulatorArguments.h"
 
+#include "types/Path.h"
+
 #include <algorithm>
 
 namespace kel {
@@ -54,7 +56,7 @@ bool SimulatorArguments::given() const
 host::Simulation SimulatorArguments::simulation() const
 {
     host::Simulation simulation = simulation_;
-    simulation.sheets = sheetsFile_;
+    simulation.sheets = pathOf(sheetsFile_);
     simulation.unlimited = rate_ == "unlimited";
     return simulation;
 }

@@ -9,6 +9,10 @@ configure_file(${PROJECT_SOURCE_DIR}/examples/windows/ReadBatch.exe.manifest.in 
 install(FILES $<TARGET_FILE:KELReader81U> ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/LKELReader81.txt ${com_manifest}
               $<TARGET_FILE:ReadBatch> ${example_manifest} ${package_notes}
         DESTINATION .)
+if(KEL_COMMAND)
+    install(FILES $<TARGET_FILE:kelreader> DESTINATION .)
+    install(FILES $<TARGET_FILE:OMRAPI_simulated> DESTINATION simulated)
+endif()
 install(FILES LICENSE DESTINATION . RENAME LICENSE.txt)
 # For those who build a host.
 install(FILES ${idl_file} ${com_generated}/KELReader81U.tlb ${com_generated}/KELReader81U.h DESTINATION development)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "formats/RegistryCopy.h"
 
+#include "formats/StoredValue.h"
 #include "platform/RegistryTransaction.h"
 
 #include <algorithm>
@@ -17,7 +18,7 @@ void addEntry(Registry& registry, const RegistryPath& key, std::vector<RegFileEn
     entries.push_back({key, std::nullopt, false, {}});
     for (const std::string& name : registry.valueNames(key.hive, key.subKey)) {
         if (std::optional<RegistryValue> value = registry.read(key.hive, key.subKey, name))
-            entries.push_back({key, name, false, std::move(*value)});
+            entries.push_back({key, name, false, withoutEnd(std::move(*value))});
     }
 }
 

@@ -2,6 +2,7 @@
 #include "host/Batch.h"
 
 #include "host/LoadedSettings.h"
+#include "host/LocalTime.h"
 #include "host/PropertyTable.h"
 #include "host/Reports.h"
 #include "host/StopCarrier.h"
@@ -11,20 +12,10 @@
 #include "types/Text.h"
 
 #include <algorithm>
-#include <ctime>
 
 namespace kel::host {
 
 namespace {
-
-std::string today()
-{
-    const std::time_t now = std::time(nullptr);
-    std::tm local{};
-    localtime_r(&now, &local);
-    char text[sizeof "2024-01-31"];
-    return {text, std::strftime(text, sizeof text, "%Y-%m-%d", &local)};
-}
 
 bool hasMark(const MarkArray& marks)
 {
@@ -162,7 +153,7 @@ std::string filledIn(std::string text, Int32 sheet, const std::string& barcode)
     if (text.find('{') == std::string::npos)
         return text;
     // The barcode last: what a sheet says is never taken for a placeholder.
-    text = replaceAll(text, "{date}", today());
+    text = replaceAll(text, "{date}", localTime("%Y-%m-%d"));
     text = replaceAll(text, "{sheet}", CStr(sheet));
     return replaceAll(text, "{barcode}", barcode);
 }

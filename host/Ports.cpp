@@ -51,6 +51,8 @@ PortState stateOfNumber(const PortMap& map, Int16 port)
     PortState state;
     state.port = port;
     state.device = map.get(port);
+    if (!state.device)
+        state.device = usualDevice(port);
     if (state.device)
         tryToOpen(port, state);
     if (state.device && state.device->size() > PortMap::kLongestDevice)

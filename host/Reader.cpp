@@ -48,7 +48,7 @@ struct Reader::State {
         if (!request.usbLibrary.empty())
             platform().omrApiLoader().libraryFile(request.usbLibrary);
         if (!request.traceFile.empty()) {
-            trace = std::make_shared<TextOutput>(request.traceFile.string());
+            trace = std::make_shared<TextOutput>(request.traceFile);
             reader.fComm(makeReference<TracingCarrier>(
                 reader.fComm(), traceHead(request, reader),
                 [file = trace](const std::string& line) { static_cast<void>(file->write(line)); }));

@@ -2,11 +2,11 @@
 #include "host/Simulation.h"
 
 #include "host/ModelLookup.h"
+#include "host/PlayedReader.h"
 #include "host/SimulatorParts.h"
 #include "host/UsageError.h"
 #include "platform/Platform.h"
 #include "simulators/SimulatorTable.h"
-#include "simulators/pseudo_terminal/PtyDeviceHost.h"
 #include "simulators/sekonic_usb/OmrApiSimulation.h"
 
 #include <algorithm>
@@ -15,6 +15,14 @@
 namespace kel::host {
 
 namespace {
+
+// On Windows in a folder of its own: a component beside it would always find it.
+constexpr const char* kSimulatedLibrary =
+#if defined(_WIN32)
+    "simulated/OMRAPI.dll";
+#else
+    "libOMRAPI_simulated.so";
+#endif
 
 std::vector<Int16> orNone(const std::optional<std::vector<Int16>>& sizes)
 {
@@ -139,43 +147,17 @@ OmrSimulationState omrState(const Simulation& simulation, const Form& form)
 
 std::filesystem::path simulatedOmrApiFile()
 {
-    const std::filesystem::path file = platform().process().ComponentFolder() / "libOMRAPI_simulated.so";
+    const std::filesystem::path file = platform().process().ComponentFolder() / kSimulatedLibrary;
     if (!std::filesystem::exists(file))
         throw OperationError("The simulated library of the USB readers is not there: " + file.string() + ".");
     return file;
 }
 
-class SimulatedReader::Player {
+namespace {
+
+class PlayedLibrary final : public PlayedReader {
 public:
-    virtual ~Player() = default;
-    [[nodiscard]] virtual std::string device() const = 0;
-    [[nodiscard]] virtual std::vector<std::string> end() = 0;
-};
-
-class SimulatedReader::PlayerBehindPty final : public Player {
-public:
-    explicit PlayerBehindPty(std::unique_ptr<Simulator> reader) : reader_(std::move(reader)), host_(*reader_)
-    {
-        host_.start();
-    }
-
-    [[nodiscard]] std::string device() const override { return host_.deviceFile(); }
-
-    [[nodiscard]] std::vector<std::string> end() override
-    {
-        host_.stop();
-        host_.join();
-        return reader_->errors();
-    }
-
-private:
-    std::unique_ptr<Simulator> reader_;
-    PtyDeviceHost host_;
-};
-
-class SimulatedReader::PlayerBehindLibrary final : public Player {
-public:
-    explicit PlayerBehindLibrary(const OmrSimulationState& state) : simulation_(simulatedOmrApiFile(), state)
+    explicit PlayedLibrary(const OmrSimulationState& state) : simulation_(simulatedOmrApiFile(), state)
     {
         platform().omrApiLoader().libraryFile(simulation_.library());
     }
@@ -188,12 +170,14 @@ private:
     OmrApiSimulation simulation_;
 };
 
+} // namespace
+
 SimulatedReader::SimulatedReader(kelReaderType model, const Simulation& simulation, const Form& form)
 {
     if (isUsbModel(model))
-        player_ = std::make_unique<PlayerBehindLibrary>(omrState(simulation, form));
+        player_ = std::make_unique<PlayedLibrary>(omrState(simulation, form));
     else
-        player_ = std::make_unique<PlayerBehindPty>(makeSimulator(simulation, model, form));
+        player_ = playedReader(makeSimulator(simulation, model, form));
 }
 
 SimulatedReader::~SimulatedReader() = default;

@@ -27,7 +27,10 @@ struct Simulation {
 /// The form of the sheets in a simulated reader's feeder: one page with the rows and columns of the largest.
 [[nodiscard]] KEL_PUBLIC Form formOfSheets(const Simulation& simulation, kelReaderType model);
 
-/// A simulated reader, at work for as long as the object lives: behind a pseudo-terminal in a thread of its own; or,
+class PlayedReader;
+
+/// A simulated reader, at work for as long as the object lives: behind a pseudo-terminal in a thread of its own, or
+/// on Windows in the calling thread, for whose readers alone it is; or,
 /// for a USB model, as the library of the readers' maker, which the calling thread's readers load from now on.
 class KEL_PUBLIC SimulatedReader {
 public:
@@ -44,11 +47,7 @@ public:
     [[nodiscard]] std::vector<std::string> end();
 
 private:
-    class Player;
-    class PlayerBehindPty;
-    class PlayerBehindLibrary;
-
-    std::unique_ptr<Player> player_;
+    std::unique_ptr<PlayedReader> player_;
 };
 
 } // namespace kel::host

@@ -1,20 +1,20 @@
 // SPDX-License-Identifier: MIT
 #include "host/TextOutput.h"
 
+#include "host/OutputFile.h"
 #include "host/UsageError.h"
 
 #include <cerrno>
 #include <cstring>
-#include <fcntl.h>
 #include <unistd.h>
 
 namespace kel::host {
 
-TextOutput::TextOutput(const std::string& file)
-    : descriptor_(::open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666)), ownFile_(true), name_(file)
+TextOutput::TextOutput(const std::filesystem::path& file)
+    : descriptor_(openOutputFile(file)), ownFile_(true), name_(file.string())
 {
     if (descriptor_ < 0)
-        throw OperationError(file + " cannot be written: " + std::strerror(errno) + ".");
+        throw OperationError(name_ + " cannot be written: " + std::strerror(errno) + ".");
 }
 
 TextOutput::~TextOutput()
@@ -30,7 +30,7 @@ bool TextOutput::write(std::string_view line)
     const off_t start = ownFile_ ? ::lseek(descriptor_, 0, SEEK_CUR) : -1;
     std::string_view rest = line;
     while (!rest.empty()) {
-        const ssize_t written = ::write(descriptor_, rest.data(), rest.size());
+        const auto written = ::write(descriptor_, rest.data(), static_cast<unsigned>(rest.size()));
         if (written < 0 && errno == EINTR)
             continue;
         if (written < 0) {

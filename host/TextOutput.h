@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <filesystem>
 #include <string>
 #include <string_view>
 
@@ -14,7 +15,7 @@ public:
     TextOutput() = default;
 
     /// A file, made new. OperationError if that is not possible.
-    explicit TextOutput(const std::string& file);
+    explicit TextOutput(const std::filesystem::path& file);
 
     ~TextOutput();
     TextOutput(const TextOutput&) = delete;

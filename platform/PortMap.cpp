@@ -30,9 +30,11 @@ std::optional<std::string> PortMap::get(Int16 port) const
     if (found != overrides.rend())
         return (*found)->device_;
     std::optional<RegistryValue> value = registry_.read(kHive, kSubKey, std::to_string(port));
-    if (!value || value->type != RegistryType::Text || value->data.empty())
+    if (!value || value->type != RegistryType::Text)
         return std::nullopt;
-    return std::move(value->data);
+    std::string device = std::move(value->data);
+    device.resize(std::min(device.size(), device.find('\0'))); // a registry may keep the terminator
+    return device.empty() ? std::nullopt : std::optional(std::move(device));
 }
 
 bool PortMap::set(Int16 port, const std::string& device)

@@ -2,7 +2,8 @@
 # SPDX-License-Identifier: MIT
 # What is too long for every run of the tests, before a release. Each part prints what it counted, and ends the script
 # when it fails.
-# Usage: scripts/check-release.sh [pty] [sweep] [cycles] [scarce] [threads] [stream] [fuzz] [tidy]   (default: all)
+# Usage: scripts/check-release.sh [pty] [sweep] [cycles] [scarce] [threads] [stream] [windows] [fuzz] [tidy]
+# (default: all)
 #
 #   pty      all sessions over a pseudo-terminal and with hostile servers; the tests run a sample of them
 #   sweep    a reader that is unplugged, falls silent or sends a wrong byte, at every byte of a short session
@@ -11,6 +12,7 @@
 #   threads  64 threads at once under the thread sanitizer
 #   stream   a station that is killed 200 times while it stores and sends 10,000 sheets, and three servers of a stream that
 #            are killed, frozen and stopped in ten rounds; KEL_KILLS, KEL_SHEETS and KEL_ROUNDS are other numbers
+#   windows  the command of 64 bits for Windows; the tests have that of 32
 #   fuzz     the replay with inputs of a megabyte; ten minutes of each fuzz target, or KEL_FUZZ_SECONDS, with limits of
 #            length, time and memory
 #   tidy     clang-tidy on all sources; the tests look at changed ones only
@@ -19,7 +21,7 @@ cd "$(dirname "$0")/.."
 
 fail() { echo "check-release.sh: $*" >&2; exit 1; }
 parts=("$@")
-[ ${#parts[@]} -gt 0 ] || parts=(pty sweep cycles scarce threads stream fuzz tidy)
+[ ${#parts[@]} -gt 0 ] || parts=(pty sweep cycles scarce threads stream windows fuzz tidy)
 
 # Configures a preset, and builds some of its targets.
 build() {
@@ -74,6 +76,13 @@ check_stream() {
         --rounds "${KEL_ROUNDS:-10}"
     rm "$log"
 }
+check_windows() {
+    cmake --preset windows -DKEL_COMMAND=ON >/dev/null
+    build windows all
+    cmake --preset asan -DKEL_WINDOWS_BUILD="$PWD/build/windows" >/dev/null
+    build asan kelreader
+    ctest --preset asan -R Windows64_command
+}
 check_fuzz() {
     scripts/install-packages.sh fuzz
     local found name
@@ -102,7 +111,7 @@ check_tidy() {
 
 for part in "${parts[@]}"; do
     declare -F "check_$part" >/dev/null ||
-        fail "there is no part '$part'; there are pty, sweep, cycles, scarce, threads, stream, fuzz and tidy"
+        fail "there is no part '$part'; there are pty, sweep, cycles, scarce, threads, stream, windows, fuzz and tidy"
 done
 scripts/install-packages.sh build test
 for part in "${parts[@]}"; do

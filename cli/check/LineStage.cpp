@@ -4,9 +4,6 @@
 #include "host/SerialDevices.h"
 #include "platform/PortMap.h"
 
-#include <filesystem>
-#include <fstream>
-
 namespace kel {
 
 namespace {
@@ -90,16 +87,6 @@ void checkModemLines(CheckRun& run, const Answer& answer)
     run.add(result);
 }
 
-/// The time for which an adapter keeps a byte in the hope of more.
-std::optional<std::string> latencyTimer(const std::string& device)
-{
-    std::error_code ignored;
-    const std::filesystem::path real = std::filesystem::canonical(device, ignored);
-    std::ifstream file("/sys/class/tty/" + real.filename().string() + "/device/latency_timer");
-    std::string text;
-    return file >> text ? std::optional(text) : std::nullopt;
-}
-
 std::string deviceOf(const CheckRun& run)
 {
     const host::Request& request = run.plan().request;
@@ -111,18 +98,16 @@ std::string deviceOf(const CheckRun& run)
 void checkAdapter(CheckRun& run)
 {
     const std::string device = deviceOf(run);
-    const std::optional<std::string> timer = run.bench().fact(kLatencyTimer, [&] { return latencyTimer(device); });
+    const std::optional<std::string> timer =
+        run.bench().fact(kLatencyTimer, [&] { return host::latencyTimer(device); });
     CheckResult result{.stage = kStage, .name = "buffering of the adapter", .status = CheckStatus::NotApplicable};
     if (timer) {
         const bool quick = std::atoi(timer->c_str()) <= kQuickTimer;
         result.status = quick ? CheckStatus::Pass : CheckStatus::Warn;
         result.expected = "a latency timer of 1 ms";
         result.seen = *timer + " ms";
-        if (!quick) {
-            std::error_code ignored;
-            const std::string name = std::filesystem::canonical(device, ignored).filename().string();
-            result.advice = "Lower it: echo 1 | sudo tee /sys/class/tty/" + name + "/device/latency_timer";
-        }
+        if (!quick)
+            result.advice = host::latencyAdvice(device);
     } else {
         result.seen = "no adapter with a latency timer";
     }

@@ -1,37 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "cli/check/ReportHead.h"
 
+#include "cli/ThisSystem.h"
 #include "host/Batch.h"
+#include "host/LocalTime.h"
 #include "host/Ports.h"
 #include "host/TraceHead.h"
 #include "recording/ReportSections.h"
 #include "types/Text.h"
 
-#include <ctime>
-#include <sys/utsname.h>
-
 namespace kel {
-
-namespace {
-
-std::string timeNow()
-{
-    const std::time_t now = std::time(nullptr);
-    std::tm local{};
-    localtime_r(&now, &local);
-    char text[sizeof "2024-01-31 12:00:00 +0100"];
-    return {text, std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S %z", &local)};
-}
-
-std::string systemText()
-{
-    utsname system{};
-    if (::uname(&system) != 0)
-        return "unknown";
-    return std::string(system.sysname) + " " + system.release + " " + system.machine;
-}
-
-} // namespace
 
 std::string reportHead(const CheckPlan& plan, bool masked)
 {
@@ -49,7 +27,7 @@ std::string reportHead(const CheckPlan& plan, bool masked)
         head.emplace_back("yes", "true");
     if (masked)
         head.emplace_back("masked", "true");
-    head.emplace_back("date", timeNow());
+    head.emplace_back("date", host::localTime("%Y-%m-%d %H:%M:%S ") + host::utcOffset());
     head.emplace_back("system", systemText());
     const std::string device = !plan.request.device.empty() ? plan.request.device
                                : plan.request.port          ? host::deviceOf(*plan.request.port).value_or("")

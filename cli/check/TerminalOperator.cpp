@@ -1,24 +1,22 @@
 // SPDX-License-Identifier: MIT
 #include "cli/check/TerminalOperator.h"
 
+#include "cli/Console.h"
 #include "cli/Interrupt.h"
 #include "cli/UsageError.h"
 
-#include <cerrno>
 #include <iostream>
-#include <poll.h>
-#include <unistd.h>
 
 namespace kel {
 
 namespace {
 
 // How often a wait for the keyboard looks whether the check was stopped.
-constexpr int kLook = 100;
+constexpr std::chrono::milliseconds kLook{100};
 
 } // namespace
 
-TerminalOperator::TerminalOperator() : shown_(::isatty(STDERR_FILENO) == 1) {}
+TerminalOperator::TerminalOperator() : shown_(errorsAreSeen()) {}
 
 void TerminalOperator::tell(const std::string& what)
 {
@@ -32,7 +30,7 @@ void TerminalOperator::tell(const std::string& what)
 void TerminalOperator::clear()
 {
     if (onScreen_)
-        std::cerr << "\r\x1B[K" << std::flush;
+        clearErrorLine();
     onScreen_ = false;
 }
 
@@ -47,16 +45,11 @@ std::string TerminalOperator::readLine()
             typed_.erase(0, end + 1);
             return line;
         }
-        pollfd keyboard{STDIN_FILENO, POLLIN, 0};
-        if (::poll(&keyboard, 1, kLook) <= 0)
-            continue;
-        char text[256];
-        const ssize_t count = ::read(STDIN_FILENO, text, sizeof text);
-        if (count == 0 || (count < 0 && errno != EINTR))
+        const std::optional<std::string> typed = typedText(kLook);
+        if (typed && typed->empty())
             throw host::UsageError("Nobody is there to answer; say --yes when the sheets lie in the feeder, and leave "
                                    "--interactive out.");
-        if (count > 0)
-            typed_.append(text, static_cast<std::size_t>(count));
+        typed_ += typed.value_or("");
     }
 }
 

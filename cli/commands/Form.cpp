@@ -7,6 +7,7 @@
 #include "pictures/SheetPicture.h"
 #include "profiles/clsKELReaderProfiles.h"
 #include "store/SheetRecords.h"
+#include "types/Path.h"
 #include "types/Text.h"
 
 #include <iostream>
@@ -23,7 +24,7 @@ struct Arguments {
 
 PictureForm formOf(const Arguments& arguments)
 {
-    const host::Form form = host::readFormFile(arguments.formFile);
+    const host::Form form = host::readFormFile(pathOf(arguments.formFile));
     if (arguments.model.empty())
         return pictureForm(form);
     const kelReaderType model = host::modelNamed(arguments.model);
@@ -43,7 +44,7 @@ int run(const Arguments& arguments)
 {
     const PictureForm form = formOf(arguments);
     if (!arguments.pictureFile.empty())
-        host::TextOutput(arguments.pictureFile).writeOrFail(formPicture(form));
+        host::TextOutput(pathOf(arguments.pictureFile)).writeOrFail(formPicture(form));
     host::TextOutput().writeOrFail(summaryOf(form));
     const std::vector<std::string> faults = faultsOfForm(form);
     for (const std::string& fault : faults)

@@ -37,20 +37,12 @@ Int16 portNumber(const Arguments& arguments)
     return static_cast<Int16>(arguments.port);
 }
 
-/// A path that is given from the present folder still has to mean the same elsewhere.
-std::string wholeName(const std::string& device)
-{
-    std::error_code ignored;
-    return std::filesystem::exists(device, ignored) ? std::filesystem::absolute(device).lexically_normal().string()
-                                                    : device;
-}
-
 int set(const Arguments& arguments)
 {
     const Int16 iPort = portNumber(arguments);
     if (arguments.device.empty())
         throw host::UsageError("The name of the device is empty; 'kelreader ports' lists the devices that are there.");
-    const std::string device = wholeName(arguments.device);
+    const std::string device = host::wholeName(arguments.device);
     if (device.size() > PortMap::kLongestDevice)
         throw host::UsageError("The name of the device is " + CStr(static_cast<std::int64_t>(device.size())) +
                                " bytes long, and at most " + CStr(static_cast<std::int64_t>(PortMap::kLongestDevice)) +
@@ -91,7 +83,8 @@ void addPortsCommand(Commands& commands)
     CLI::App& setPort =
         commands.add(ports, "set", "Assigns a port number to a device", [arguments] { return set(*arguments); });
     setPort.add_option("number", arguments->port, "Port number, 1 to 16")->required();
-    setPort.add_option("device", arguments->device, "Device, such as /dev/serial/by-id/...")->required();
+    setPort.add_option("device", arguments->device, "Device, such as /dev/serial/by-id/..., on Windows COM23")
+        ->required();
 
     CLI::App& clearPort =
         commands.add(ports, "clear", "Removes a port number's device", [arguments] { return clear(*arguments); });

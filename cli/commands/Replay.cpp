@@ -6,6 +6,7 @@
 #include "cli/ScanOutput.h"
 #include "cli/UsageError.h"
 #include "host/JsonFile.h"
+#include "types/Path.h"
 
 #include <iostream>
 
@@ -37,9 +38,9 @@ bool tellDifferences(const host::Replay& replay)
 
 int run(const Arguments& arguments)
 {
-    host::Replay replay(host::readGivenFile(arguments.file, host::kTranscriptFile), arguments.file);
+    host::Replay replay(host::readGivenFile(pathOf(arguments.file), host::kTranscriptFile), arguments.file);
     if (!arguments.formFile.empty())
-        replay.request().form = host::readFormFile(arguments.formFile);
+        replay.request().form = host::readFormFile(pathOf(arguments.formFile));
     std::vector<std::string>& assignments = replay.request().assignments;
     assignments.insert(assignments.end(), arguments.assignments.begin(), arguments.assignments.end());
 

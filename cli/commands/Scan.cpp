@@ -3,22 +3,19 @@
 #include "cli/Commands.h"
 #include "cli/InterruptWatch.h"
 #include "cli/ScanOutput.h"
+#include "cli/ScanStore.h"
 #include "cli/SimulatorArguments.h"
 #include "cli/UsageError.h"
 #include "host/LoadedSettings.h"
+#include "host/LocalTime.h"
 #include "host/Reader.h"
 #include "platform/LineErrors.h"
 #include "profiles/ReaderModels.h"
-#include "store/ReaderSetup.h"
 #include "store/SheetRecords.h"
-#include "store/StoreProblem.h"
-#include "store/StoringEvents.h"
+#include "types/Path.h"
 #include "types/Text.h"
 
-#include <chrono>
-#include <ctime>
 #include <iostream>
-#include <thread>
 
 namespace kel {
 
@@ -51,11 +48,7 @@ struct Arguments {
 
 std::string timeNow()
 {
-    const std::time_t now = std::time(nullptr);
-    std::tm local{};
-    localtime_r(&now, &local);
-    char text[sizeof "2024-01-31 12:00"];
-    return {text, std::strftime(text, sizeof text, "%Y-%m-%d %H:%M", &local)};
+    return host::localTime("%Y-%m-%d %H:%M");
 }
 
 /// What a page of a batch is headed with.
@@ -74,16 +67,16 @@ host::Request requestOf(const Arguments& arguments)
     if (!request.model && !request.settings)
         throw CLI::RequiredError("--model");
     if (!arguments.formFile.empty())
-        request.form = host::readFormFile(arguments.formFile);
+        request.form = host::readFormFile(pathOf(arguments.formFile));
     if (!arguments.answerKeyFile.empty())
-        request.answerKey = host::readAnswerKeyFile(arguments.answerKeyFile);
+        request.answerKey = host::readAnswerKeyFile(pathOf(arguments.answerKeyFile));
     request.assignments = arguments.assignments;
     request.port = arguments.port;
     request.device = arguments.device;
     if (arguments.simulate)
         request.simulated = arguments.simulator.simulation();
-    request.usbLibrary = arguments.omrApiFile;
-    request.traceFile = arguments.traceFile;
+    request.usbLibrary = pathOf(arguments.omrApiFile);
+    request.traceFile = pathOf(arguments.traceFile);
     request.maxSheets = arguments.maxSheets;
     request.rejectBlank = arguments.rejectBlank;
     for (const Int32 sheet : arguments.rejectSheets) {
@@ -139,54 +132,18 @@ int refuseSettings(const Arguments& arguments, const std::vector<host::Failure>&
     return kFailedStatus;
 }
 
-/// What a sheet's origin is called in a store, unless somebody has said.
-Origin originOf(const Arguments& arguments)
+/// What a store calls a scan, unless somebody has said.
+StoreNames storeNames(const Arguments& arguments)
 {
-    Origin origin{.station = stationName(), .reader = arguments.readerName, .batch = arguments.batchName};
-    if (origin.reader.empty() && arguments.port)
-        origin.reader = "port " + CStr(*arguments.port);
-    if (origin.reader.empty())
-        origin.reader = arguments.simulate ? "simulated" : arguments.device;
-    if (origin.reader.empty())
-        origin.reader = "reader";
-    if (origin.batch.empty())
-        origin.batch = batchName(std::chrono::system_clock::now());
-    return origin;
+    StoreNames names{arguments.storeFile, arguments.readerName, arguments.batchName};
+    if (names.reader.empty() && arguments.port)
+        names.reader = "port " + CStr(*arguments.port);
+    if (names.reader.empty())
+        names.reader = arguments.simulate ? "simulated" : arguments.device;
+    if (names.reader.empty())
+        names.reader = "reader";
+    return names;
 }
-
-/// The store of a scan: `output` has what it has taken.
-class ScanStore {
-public:
-    ScanStore(const Arguments& arguments, host::Reader& reader, host::Events& output)
-        : store_(arguments.storeFile, "'kelreader scan'"),
-          events_(store_, originOf(arguments), setupOf(reader), output,
-                  {.tell = [](const std::string& sentence) { std::cerr << "kelreader: " << sentence << std::endl; },
-                   .pause = &pauseUnlessInterrupted})
-    {
-    }
-
-    [[nodiscard]] host::Events& events() { return events_; }
-
-    /// A sheet that went through the reader and is not there is what the person must know.
-    void demandAll() const
-    {
-        if (events_.lost() > 0)
-            throw CommandFailure("The store " + store_.file().string() +
-                                 " does not have the last sheet; feed it again.");
-    }
-
-private:
-    static bool pauseUnlessInterrupted(std::chrono::milliseconds pause)
-    {
-        constexpr std::chrono::milliseconds kLook{50};
-        for (auto left = pause; left.count() > 0 && !InterruptNote::came(); left -= kLook)
-            std::this_thread::sleep_for(kLook);
-        return !InterruptNote::came();
-    }
-
-    SheetStore store_;
-    StoringEvents events_;
-};
 
 int read(host::Reader& reader, const Arguments& arguments)
 {
@@ -198,10 +155,10 @@ int read(host::Reader& reader, const Arguments& arguments)
     const PictureForm form = pictureForm(reader.form(), object.ReaderType(), object.RecognitionThreshold());
     ScanOutput output(arguments.outFile, arguments.format, pageTitle(object.ReaderType()), form, fields);
     if (!arguments.pictureFolder.empty())
-        output.addPictures(arguments.pictureFolder, form);
+        output.addPictures(pathOf(arguments.pictureFolder), form);
     std::optional<ScanStore> store;
     if (!arguments.storeFile.empty())
-        store.emplace(arguments, reader, output);
+        store.emplace(storeNames(arguments), reader, output);
     const host::Result result = [&] {
         const InterruptWatch interrupt([&] { reader.object().CancelScan(True); });
         return reader.read(

@@ -5,6 +5,7 @@
 #include "cli/SettingsText.h"
 #include "cli/UsageError.h"
 #include "formats/RegistryCopy.h"
+#include "formats/StoredValue.h"
 #include "host/Failure.h"
 #include "host/JsonFile.h"
 #include "host/LoadedSettings.h"
@@ -12,6 +13,7 @@
 #include "host/TextOutput.h"
 #include "platform/Platform.h"
 #include "reader/SettingsStore.h"
+#include "types/Path.h"
 
 #include <algorithm>
 #include <iostream>
@@ -64,7 +66,7 @@ RegistryPath presentKey(const Arguments& arguments)
 RegistryValue presentValue(const RegistryPath& key, const std::string& name)
 {
     if (std::optional<RegistryValue> value = registry().read(key.hive, key.subKey, name))
-        return std::move(*value);
+        return withoutEnd(std::move(*value));
     throw CommandFailure("The key " + registryPathText(key) + " has no value '" + shown(name) + "'.");
 }
 
@@ -73,7 +75,7 @@ std::vector<RegFileEntry> valuesOf(const RegistryPath& key)
     std::vector<RegFileEntry> values;
     for (const std::string& name : registry().valueNames(key.hive, key.subKey)) {
         if (std::optional<RegistryValue> value = registry().read(key.hive, key.subKey, name))
-            values.push_back({key, name, false, std::move(*value)});
+            values.push_back({key, name, false, withoutEnd(std::move(*value))});
     }
     return values;
 }
@@ -156,14 +158,14 @@ int remove(const Arguments& arguments)
 int exportKey(const Arguments& arguments)
 {
     const std::string bytes = regFileBytes(registryEntries(registry(), presentKey(arguments)));
-    host::TextOutput(arguments.file).writeOrFail(bytes);
+    host::TextOutput(pathOf(arguments.file)).writeOrFail(bytes);
     return kDoneStatus;
 }
 
 std::vector<RegFileEntry> entriesOf(const std::string& file)
 {
     try {
-        return parseRegFile(host::readGivenFile(file, host::kRegistryFile));
+        return parseRegFile(host::readGivenFile(pathOf(file), host::kRegistryFile));
     } catch (const RegFileError& refusal) {
         throw host::UsageError("The registry file " + file + " cannot be imported. " + refusal.what());
     }

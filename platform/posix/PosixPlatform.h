@@ -2,10 +2,10 @@
 #pragma once
 
 #include "platform/Platform.h"
+#include "platform/TextScreen.h"
 #include "platform/posix/PosixMessagePump.h"
 #include "platform/posix/PosixOmrApiLoader.h"
 #include "platform/posix/PosixProcess.h"
-#include "platform/posix/PosixScreen.h"
 #include "platform/posix/SqliteRegistry.h"
 
 namespace kel {
@@ -19,7 +19,7 @@ public:
     [[nodiscard]] std::unique_ptr<ScanTimer> newScanTimer() override;
     [[nodiscard]] PosixMessagePump& pump() override { return *pump_; }
     [[nodiscard]] SqliteRegistry& registry() override { return *registry_; }
-    [[nodiscard]] PosixScreen& screen() override { return screen_; }
+    [[nodiscard]] TextScreen& screen() override { return screen_; }
     [[nodiscard]] PosixProcess& process() override { return process_; }
     [[nodiscard]] PosixOmrApiLoader& omrApiLoader() override { return omrApiLoader_; }
 
@@ -27,7 +27,7 @@ private:
     // A control or a timer may outlive its platform, as when a thread ends before its host's objects do.
     std::shared_ptr<PosixMessagePump> pump_;
     std::shared_ptr<SqliteRegistry> registry_;
-    PosixScreen screen_;
+    TextScreen screen_;
     PosixProcess process_;
     PosixOmrApiLoader omrApiLoader_;
 };

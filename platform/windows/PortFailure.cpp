@@ -7,10 +7,9 @@
 
 namespace kel {
 
-std::string portName(Int16 port)
+std::string portName(Int16 port, const std::string& device)
 {
-    const std::string number = std::to_string(port);
-    return "Port " + number + " (COM" + number + ")";
+    return "Port " + std::to_string(port) + " (" + device + ")";
 }
 
 FailureCode portOpenFailureCode(unsigned long error)
@@ -32,20 +31,26 @@ FailureCode portOpenFailureCode(unsigned long error)
     }
 }
 
-RuntimeFailure portOpenFailure(Int16 port, unsigned long error)
+RuntimeFailure portOpenFailure(Int16 port, const std::string& device, unsigned long error)
 {
     const FailureCode code = portOpenFailureCode(error);
-    const std::string front = failureText(code) + ": " + portName(port);
-    const std::string cause = systemErrorText(error);
+    const std::string reason = systemErrorText(error);
+    FailedPort failed{.number = port, .device = device};
     switch (code) {
     case FailureCode::InvalidPortNumber:
-        return RuntimeFailure(code, front + " is not there: " + cause +
-                                        " Connect the reader and switch it on, or choose another port.");
+        failed.cause = "is not there: " + reason;
+        failed.remedy = "Connect the reader and switch it on, or choose another port.";
+        break;
     case FailureCode::PortAlreadyOpen:
-        return RuntimeFailure(code, front + " is in use: " + cause + " Close the program that uses it.");
-    case FailureCode::DeviceNotOpen: return RuntimeFailure(code, front + " is not a serial device: " + cause);
-    default: return RuntimeFailure(code, front + " cannot be opened: " + cause);
+        failed.cause = "is in use: " + reason;
+        failed.remedy = "Close the program that uses it.";
+        break;
+    case FailureCode::DeviceNotOpen: failed.cause = "is not a serial device: " + reason; break;
+    default: failed.cause = "cannot be opened: " + reason; break;
     }
+    return RuntimeFailure(code, failureText(code) + ": " + portName(port, device) + " " + failed.cause +
+                                    (failed.remedy.empty() ? "" : " " + failed.remedy))
+        .about(failed);
 }
 
 } // namespace kel

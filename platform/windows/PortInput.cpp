@@ -22,7 +22,7 @@ SystemHandle newEvent()
 } // namespace
 
 PortInput::PortInput(HANDLE port, std::string name, bool canBeWatched)
-    : ReceivedInput(std::move(name), kReadSize), port_(port), readDone_(newEvent()), watch_(std::make_unique<Watch>()),
+    : WatchedInput(std::move(name), kReadSize), port_(port), readDone_(newEvent()), watch_(std::make_unique<Watch>()),
       canBeWatched_(canBeWatched)
 {
     watch_->event = newEvent();

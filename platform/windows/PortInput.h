@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "platform/ReceivedInput.h"
 #include "platform/windows/SystemHandle.h"
+#include "platform/windows/WatchedInput.h"
 
 #include <memory>
 #include <optional>
@@ -10,7 +10,7 @@
 namespace kel {
 
 /// The input side of an open port.
-class PortInput final : public ReceivedInput {
+class PortInput final : public WatchedInput {
 public:
     /// The port must be open for overlapped use, and its reads must not wait; `name` is for failures. A port that
     /// cannot be watched has to be looked at: so a pseudo-terminal under Wine, which ends its watch at once, and leaves
@@ -25,12 +25,8 @@ public:
     /// The system says that something of a kind has gone wrong, and not how often: each time counts as one.
     [[nodiscard]] LineErrors errors() override;
 
-    /// The event that is set when a byte arrives from now on, or the port is gone; null for a port that cannot be
-    /// watched.
-    [[nodiscard]] HANDLE arrival();
-
-    /// The event is set.
-    void arrived();
+    [[nodiscard]] HANDLE arrival() override;
+    void arrived() override;
 
 private:
     /// What the system writes to while it watches the port; it must stay where it is for so long.

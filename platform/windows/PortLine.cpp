@@ -8,6 +8,7 @@
 #include "types/RuntimeFailure.h"
 #include "types/Text.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace kel {
@@ -104,9 +105,11 @@ PortLine::Output::Output() : done(::CreateEventW(nullptr, TRUE, TRUE, nullptr))
     state.hEvent = done.get();
 }
 
-PortLine::PortLine(Int16 port, const LineParameters& parameters, std::shared_ptr<WindowsMessagePump> pump)
-    : name_(portName(port)), port_(open(port)), claim_(claim(port)), hasModemLines_(hasModemLines(port_.get())),
-      input_(port_.get(), name_, hasModemLines_), output_(std::make_unique<Output>()), pump_(std::move(pump))
+PortLine::PortLine(Int16 port, const std::string& device, const LineParameters& parameters,
+                   std::shared_ptr<WindowsMessagePump> pump)
+    : name_(portName(port, device)), port_(open(port, device)), claim_(claim(port, device)),
+      hasModemLines_(hasModemLines(port_.get())), input_(port_.get(), name_, hasModemLines_),
+      output_(std::make_unique<Output>()), pump_(std::move(pump))
 {
     PortLine::set(parameters);
     // A line that nobody has open receives nothing.
@@ -123,33 +126,35 @@ PortLine::~PortLine()
 
 /// Takes the open port for this object alone. A serial driver has let in nobody else by now. Wine lets anybody in, and
 /// keeps what a program had for a moment after its end.
-SystemHandle PortLine::claim(Int16 port)
+SystemHandle PortLine::claim(Int16 port, const std::string& device)
 {
-    const std::wstring name = L"KELReader81U.COM" + std::to_wstring(port);
+    std::wstring name = wideText("KELReader81U." + device);
+    ::CharUpperW(name.data());
+    std::replace(name.begin(), name.end(), L'\\', L'/'); // which would be a name of another kind
     for (const Moment end = steadyTime() + kClaimPatience; steadyTime() < end; ::Sleep(kClaimSlice)) {
         SystemHandle mutex(::CreateMutexW(nullptr, FALSE, name.c_str()));
         if (::GetLastError() != ERROR_ALREADY_EXISTS)
             return mutex;
     }
-    throw portOpenFailure(port, ERROR_ACCESS_DENIED);
+    throw portOpenFailure(port, device, ERROR_ACCESS_DENIED);
 }
 
-SystemHandle PortLine::open(Int16 port)
+SystemHandle PortLine::open(Int16 port, const std::string& device)
 {
-    const std::wstring device = L"\\\\.\\COM" + std::to_wstring(port);
-    SystemHandle handle(::CreateFileW(device.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
+    const std::string path = device.starts_with(R"(\\)") ? device : R"(\\.\)" + device;
+    SystemHandle handle(::CreateFileW(wideText(path).c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
                                       FILE_FLAG_OVERLAPPED, nullptr));
     if (!handle)
-        throw portOpenFailure(port, ::GetLastError());
+        throw portOpenFailure(port, device, ::GetLastError());
     // Wine opens a port that has nothing behind it, and any file that a port is mapped to.
     const DWORD kind = ::GetFileType(handle.get());
     if (kind != FILE_TYPE_CHAR)
-        throw portOpenFailure(port, kind == FILE_TYPE_UNKNOWN ? ERROR_FILE_NOT_FOUND : ERROR_INVALID_FUNCTION);
+        throw portOpenFailure(port, device, kind == FILE_TYPE_UNKNOWN ? ERROR_FILE_NOT_FOUND : ERROR_INVALID_FUNCTION);
     // A read gives what is there at once; a write has the time that it needs.
     COMMTIMEOUTS times{};
     times.ReadIntervalTimeout = MAXDWORD;
     if (!::SetCommTimeouts(handle.get(), &times))
-        throw portOpenFailure(port, ::GetLastError());
+        throw portOpenFailure(port, device, ::GetLastError());
     // A driver that keeps its own sizes is as good.
     ::SetupComm(handle.get(), kInputQueue, kOutputQueue);
     return handle;

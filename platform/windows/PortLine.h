@@ -11,12 +11,15 @@ namespace kel {
 
 class WindowsMessagePump;
 
-/// An open port COM1 to COM16, for exclusive use. What is sent leaves in the background, as what comes is received.
+/// An open serial port of this machine, for exclusive use. What is sent leaves in the background, as what comes is
+/// received.
 class PortLine final : public OpenLine {
 public:
-    /// Opens a port, sets it, and drops what came before; the pump serves it from then on. Fails with 8002 (absent),
-    /// 8005 (in use), 8010 (not available), 8012 (not a serial device), 8015 (a setting that it does not take).
-    PortLine(Int16 port, const LineParameters& parameters, std::shared_ptr<WindowsMessagePump> pump);
+    /// Opens the device of a port, sets it, and drops what came before; the pump serves it from then on. Fails with
+    /// 8002 (absent), 8005 (in use), 8010 (not available), 8012 (not a serial device), 8015 (a setting that it does not
+    /// take).
+    PortLine(Int16 port, const std::string& device, const LineParameters& parameters,
+             std::shared_ptr<WindowsMessagePump> pump);
 
     /// Output that is under way gets a moment to leave; what the device does not take any more is dropped.
     ~PortLine() override;
@@ -37,8 +40,8 @@ private:
         OVERLAPPED state{};
     };
 
-    [[nodiscard]] static SystemHandle open(Int16 port);
-    [[nodiscard]] static SystemHandle claim(Int16 port);
+    [[nodiscard]] static SystemHandle open(Int16 port, const std::string& device);
+    [[nodiscard]] static SystemHandle claim(Int16 port, const std::string& device);
     [[nodiscard]] bool takesPlainCharacters(DCB state) const;
     [[noreturn]] void refuse(const std::string& why) const;
     void awaitOutput();

@@ -4,8 +4,8 @@
 #include "platform/FaultCapture.h"
 #include "platform/SteadyTime.h"
 #include "platform/WakeCall.h"
-#include "platform/windows/PortInput.h"
 #include "platform/windows/SystemHandle.h"
+#include "platform/windows/WatchedInput.h"
 
 #include <algorithm>
 #include <limits>
@@ -56,12 +56,12 @@ WindowsMessagePump::~WindowsMessagePump()
     endLoopTimer();
 }
 
-void WindowsMessagePump::add(PortInput& line)
+void WindowsMessagePump::add(WatchedInput& line)
 {
     TurnPump::add(line);
 }
 
-void WindowsMessagePump::remove(PortInput& line)
+void WindowsMessagePump::remove(WatchedInput& line)
 {
     TurnPump::remove(line);
 }
@@ -103,10 +103,10 @@ void WindowsMessagePump::fetchInput(Moment atMost)
 {
     // A message may begin a turn within this one, and close lines: what is waited for is this turn's own.
     std::vector<HANDLE> events;
-    std::vector<PortInput*> watched;
-    std::vector<PortInput*> unwatched;
+    std::vector<WatchedInput*> watched;
+    std::vector<WatchedInput*> unwatched;
     for (ReceivedInput* each : lines()) {
-        auto* line = static_cast<PortInput*>(each); // `add` takes no others
+        auto* line = static_cast<WatchedInput*>(each); // `add` takes no others
         if (!line->canBringMore())
             continue;
         const HANDLE event = line->arrival();
@@ -135,7 +135,7 @@ void WindowsMessagePump::fetchInput(Moment atMost)
             watched[i]->fetch();
         }
     }
-    for (PortInput* line : unwatched)
+    for (WatchedInput* line : unwatched)
         line->fetch();
     if (ended == WAIT_OBJECT_0 + count)
         runMessages();

@@ -9,7 +9,7 @@
 namespace kel {
 
 class EventObjectCall;
-class PortInput;
+class WatchedInput;
 
 /// The pump of one thread, on the message loop of its apartment.
 ///
@@ -26,8 +26,8 @@ public:
 
     using TurnPump::add;
     using TurnPump::remove;
-    void add(PortInput& line);
-    void remove(PortInput& line);
+    void add(WatchedInput& line);
+    void remove(WatchedInput& line);
 
     [[nodiscard]] std::shared_ptr<WakeCall> wakeCall() override;
 

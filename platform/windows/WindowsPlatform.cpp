@@ -6,8 +6,9 @@
 
 namespace kel {
 
-WindowsPlatform::WindowsPlatform()
-    : pump_(std::make_shared<WindowsMessagePump>()), omrApiLoader_(process_.ComponentFolder())
+WindowsPlatform::WindowsPlatform(std::unique_ptr<Screen> screen)
+    : pump_(std::make_shared<WindowsMessagePump>()), screen_(std::move(screen)),
+      omrApiLoader_(process_.ComponentFolder())
 {
 }
 

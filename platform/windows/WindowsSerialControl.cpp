@@ -2,8 +2,12 @@
 #include "platform/windows/WindowsSerialControl.h"
 
 #include "platform/PortMap.h"
+#include "platform/RemoteAddress.h"
+#include "platform/windows/LineInProcess.h"
+#include "platform/windows/PortFailure.h"
 #include "platform/windows/PortLine.h"
 #include "platform/windows/WindowsMessagePump.h"
+#include "platform/windows/WindowsRegistry.h"
 #include "types/RuntimeFailure.h"
 
 #include <utility>
@@ -26,12 +30,22 @@ std::unique_ptr<OpenLine> WindowsSerialControl::open(Int16 port, const LineParam
     if (port < PortMap::kFirstPort || port > PortMap::kLastPort)
         throw RuntimeFailure(FailureCode::InvalidPortNumber, failureText(FailureCode::InvalidPortNumber) + ": " +
                                                                  std::to_string(port) + " is not 1 to 16");
-    return std::make_unique<PortLine>(port, parameters, pump_);
+    WindowsRegistry registry;
+    const std::string device = PortMap(registry).get(port).value_or("COM" + std::to_string(port));
+    if (const LineInProcess* const line = LineInProcess::named(device))
+        return line->open(parameters, pump_);
+    if (remoteAddress(device))
+        throw RuntimeFailure(
+            FailureCode::HardwareNotAvailable,
+            failureText(FailureCode::HardwareNotAvailable) + ": " + portName(port, device) +
+                " is a remote line, which the edition for Windows does not have. Its server's maker has a "
+                "driver that makes a port such as COM5 of it.");
+    return std::make_unique<PortLine>(port, device, parameters, pump_);
 }
 
-PortInput& WindowsSerialControl::input()
+WatchedInput& WindowsSerialControl::input()
 {
-    return static_cast<PortLine&>(line()).input();
+    return static_cast<WatchedInput&>(line().input());
 }
 
 } // namespace kel

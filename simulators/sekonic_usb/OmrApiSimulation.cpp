@@ -2,9 +2,8 @@
 #include "simulators/sekonic_usb/OmrApiSimulation.h"
 
 #include "simulators/framework/SpoiltSheet.h"
+#include "simulators/sekonic_usb/LoadedLibrary.h"
 #include "simulators/sekonic_usb/OmrSimulationControl.h"
-
-#include <dlfcn.h>
 
 #include <algorithm>
 #include <charconv>
@@ -18,12 +17,6 @@ constexpr Int32 kFeederEmpty = 0x40110000;
 constexpr Int32 kJam = 0x35090000;
 constexpr Int32 kNoAnswer = 0x20070000;
 constexpr Int32 kRefused = 0x30080000;
-
-std::string lastLoaderError()
-{
-    const char* text = ::dlerror();
-    return text ? text : "unknown reason";
-}
 
 /// A side as the library takes it: all rows as long as the longest.
 class PackedSide {
@@ -114,10 +107,8 @@ Int32 settingValue(const std::string& name, const std::string& text)
 } // namespace
 
 OmrApiSimulation::OmrApiSimulation(std::filesystem::path library, const OmrSimulationState& state)
-    : library_(std::filesystem::absolute(library)), handle_(::dlopen(library_.c_str(), RTLD_NOW | RTLD_LOCAL))
+    : library_(std::filesystem::absolute(library)), handle_(loadLibrary(library_))
 {
-    if (!handle_)
-        throw std::runtime_error(lastLoaderError());
     configure(state);
 }
 
@@ -157,9 +148,9 @@ OmrSimulationReport OmrApiSimulation::report() const
 
 void* OmrApiSimulation::find(const char* name) const
 {
-    if (void* found = ::dlsym(handle_, name))
+    if (void* found = findInLibrary(handle_, name))
         return found;
-    throw std::runtime_error(library_.string() + " is not the simulated library: " + lastLoaderError());
+    throw std::runtime_error(library_.string() + " is not the simulated library: it lacks " + name);
 }
 
 SheetShape omrSheetShape(const FormDescription& form)

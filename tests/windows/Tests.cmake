@@ -33,11 +33,17 @@ function(kel_windows_tests width build)
         if(script MATCHES "test_(widths|installer)" AND NOT (width EQUAL 32 AND KEL_WINDOWS_BUILD))
             continue() # for both widths in one prefix
         endif()
+        if(script MATCHES "test_(command|ports)" AND NOT EXISTS ${build}/bin/kelreader.exe)
+            continue() # it was not built
+        endif()
         get_filename_component(name ${script} NAME_WE)
         string(REPLACE test_ "" name ${name})
         kel_windows_test(${name} ${script})
         # Their dialogues have pauses in which a simulated reader has to reply: less goes on beside them.
         set_tests_properties(${group}_${name} PROPERTIES FIXTURES_REQUIRED wine${width} PROCESSORS 3)
+        if(name STREQUAL ports)
+            set_tests_properties(${group}_${name} PROPERTIES RUN_SERIAL ON) # it opens what the others use
+        endif()
     endforeach()
 endfunction()
 

@@ -68,6 +68,17 @@ def wine(*arguments, timeout=PATIENCE, check=False, cwd=BIN, env=None, width=WID
     return done
 
 
+@contextlib.contextmanager
+def start_program(*arguments, **more):
+    """A program of BIN that runs meanwhile; what it writes is a pipe. The process is the program's own."""
+    with subprocess.Popen([*_IN_ROOT, _LOADERS[WIDTH], *map(str, arguments)], cwd=BIN, env=environment(), text=True,
+                          stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, **more) as process:
+        try:
+            yield process
+        finally:
+            process.kill()
+
+
 def windows_path(path):
     """A path of this system as programs under Wine know it."""
     return "Z:" + str(path).replace("/", "\\")
@@ -102,7 +113,7 @@ def stop_display():
 
 
 def make_prefix():
-    """A new prefix with COM1 to COM16 mapped to links that tests make and remove."""
+    """A new prefix with COM1 to COM17 mapped to links that tests make and remove."""
     if PREFIX.exists():
         stop_server()
         shutil.rmtree(PREFIX)
@@ -111,7 +122,7 @@ def make_prefix():
     PORTS.mkdir()
     (PORTS / "file").write_text("no serial device")
     keys = ["REGEDIT4", "", r"[HKEY_LOCAL_MACHINE\Software\Wine\Ports]"]
-    keys += [f'"COM{number}"="{port_link(number)}"' for number in range(1, 17)]
+    keys += [f'"COM{number}"="{port_link(number)}"' for number in range(1, 18)]
     file = PREFIX / "prefix.reg"
     file.write_text("\r\n".join(keys) + "\r\n")
     wine("regedit", "/S", file, check=True)

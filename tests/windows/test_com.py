@@ -106,7 +106,7 @@ class Texts(WindowsTest):
                 library = self.file(f"library{page}.json", {"sheets": [{"side1": [[0] * 48], "barcodes": [on_line]}],
                                                             "logFile": windows_path(log)})
                 with SimulatedReader(model=40, port=RECORDS_PORT, sheets=records) as reader, FarEnd(SHEETS_PORT):
-                    self.run_program(BIN / "com_texts.exe", page, RECORDS_PORT, SHEETS_PORT, cwd=BIN / "omrapi",
+                    self.run_program(BIN / "com_texts.exe", page, RECORDS_PORT, SHEETS_PORT, cwd=BIN / "simulated",
                                      env=environment(LC_ALL=language, KEL_OMRAPI_SIMULATION=windows_path(library)))
                 self.assertNotIn("fault", [event["event"] for event in reader.events])
                 lines = [json.loads(line) for line in log.read_text("utf-8").split("\n") if line.startswith("{")]
@@ -180,7 +180,7 @@ class Sheets(WindowsTest):
         marks = [[0] * 48 for _ in range(20)]
         marks[4][6] = marks[19][47] = 12
         sheets.write_text(json.dumps({"sheets": [{"side1": marks}] * SHEETS}))
-        read = self.there(30, 1, SHEETS, 20, 48, cwd=BIN / "omrapi",
+        read = self.there(30, 1, SHEETS, 20, 48, cwd=BIN / "simulated",
                           env=environment(KEL_OMRAPI_SIMULATION=windows_path(sheets)))
         self.assertEqual(read, ["Sheet 1", "  row 5, column 7: 12", "  row 20, column 48: 12",
                                 "Sheet 2", "  row 5, column 7: 12", "  row 20, column 48: 12"])

@@ -61,7 +61,7 @@ class Image(unittest.TestCase):
             self.assertLess(stripped.stat().st_size, 4 * MEGABYTE)
 
     def test_a_simulated_library_has_plain_names_too(self):
-        names = tool("objdump", "-p", BIN / "omrapi" / "OMRAPI.dll")
+        names = tool("objdump", "-p", BIN / "simulated" / "OMRAPI.dll")
         self.assertIn(" OMR_OpenDeviceUSB\n", names)
         self.assertIn(" OMR_GetMarks\n", names)
         self.assertNotIn("@", names[names.index("[Ordinal/Name Pointer] Table"):])

@@ -97,7 +97,7 @@ TEST_F(WindowsOmrApiLoaderTest, OneOf64BitsThatLacksAFunctionIsAsGoodAsMissing)
 
 TEST_F(WindowsOmrApiLoaderTest, TheLibraryBesideTheComponentIsLoadedAndHasAllFunctions)
 {
-    WindowsOmrApiLoader loader(bin / "omrapi");
+    WindowsOmrApiLoader loader(bin / "simulated");
     for (std::size_t i = 0; i < kOmrFunctionCount; ++i)
         EXPECT_TRUE(loader.binding().has(static_cast<OmrFunction>(i))) << omrFunctionName(static_cast<OmrFunction>(i));
     EXPECT_EQ(loader.omrApi().OMR_OpenDeviceUSB(), 0);
@@ -108,7 +108,7 @@ TEST_F(WindowsOmrApiLoaderTest, TheLibraryBesideTheComponentIsLoadedAndHasAllFun
 TEST_F(WindowsOmrApiLoaderTest, AFileMayBeNamed)
 {
     WindowsOmrApiLoader loader(bin);
-    loader.libraryFile(bin / "omrapi" / "OMRAPI.DLL");
+    loader.libraryFile(bin / "simulated" / "OMRAPI.DLL");
     EXPECT_EQ(loader.omrApi().OMR_OpenDeviceUSB(), 0);
     loader.omrApi().OMR_CloseDevice();
     loader.libraryFile(bin / "nothing.dll");

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "platform/posix/PosixScreen.h"
+#include "platform/TextScreen.h"
 
 #include "types/Text.h"
 
@@ -8,7 +8,7 @@
 
 namespace kel {
 
-BoxAnswer PosixScreen::MsgBox(const std::string& text, BoxIcon, BoxButtons buttons, const std::string& title)
+BoxAnswer TextScreen::MsgBox(const std::string& text, BoxIcon, BoxButtons buttons, const std::string& title)
 {
     const std::string front = title.empty() ? "" : title + ": ";
     std::string lines;
@@ -21,7 +21,7 @@ BoxAnswer PosixScreen::MsgBox(const std::string& text, BoxIcon, BoxButtons butto
     return buttons == BoxButtons::AbortRetryIgnore ? BoxAnswer::Abort : BoxAnswer::Ok;
 }
 
-void PosixScreen::Beep()
+void TextScreen::Beep()
 {
     if (::isatty(STDERR_FILENO))
         std::cerr << '\a' << std::flush;

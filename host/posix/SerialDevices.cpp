@@ -2,6 +2,7 @@
 #include "host/SerialDevices.h"
 
 #include <filesystem>
+#include <fstream>
 #include <libserialport.h>
 #include <memory>
 #include <system_error>
@@ -13,6 +14,13 @@ namespace {
 struct FreePortList {
     void operator()(sp_port** list) const { sp_free_port_list(list); }
 };
+
+std::string latencyFile(const std::string& device)
+{
+    std::error_code ignored;
+    const std::filesystem::path real = std::filesystem::canonical(device, ignored);
+    return "/sys/class/tty/" + real.filename().string() + "/device/latency_timer";
+}
 
 } // namespace
 
@@ -43,10 +51,34 @@ std::string stableName(const std::string& device, const std::string& folder)
     return device;
 }
 
+std::optional<std::string> usualDevice(Int16)
+{
+    return std::nullopt;
+}
+
+std::string wholeName(const std::string& device)
+{
+    std::error_code ignored;
+    return std::filesystem::exists(device, ignored) ? std::filesystem::absolute(device).lexically_normal().string()
+                                                    : device;
+}
+
 bool sameDevice(const std::string& a, const std::string& b)
 {
     std::error_code ignored;
     return a == b || std::filesystem::equivalent(a, b, ignored);
+}
+
+std::optional<std::string> latencyTimer(const std::string& device)
+{
+    std::ifstream file(latencyFile(device));
+    std::string text;
+    return file >> text ? std::optional(text) : std::nullopt;
+}
+
+std::string latencyAdvice(const std::string& device)
+{
+    return "Lower it: echo 1 | sudo tee " + latencyFile(device);
 }
 
 } // namespace kel::host

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "platform/posix/PosixScreen.h"
+#include "platform/TextScreen.h"
 
 #include "platform/FileDescriptor.h"
 #include "simulators/pseudo_terminal/Pty.h"
@@ -11,9 +11,9 @@
 namespace kel {
 namespace {
 
-TEST(PosixScreen, BoxesGoToStandardErrorLineByLineBehindTheirTitle)
+TEST(TextScreen, BoxesGoToStandardErrorLineByLineBehindTheirTitle)
 {
-    PosixScreen screen;
+    TextScreen screen;
     ::testing::internal::CaptureStderr();
     const BoxAnswer answer =
         screen.MsgBox("No paper.\r\n\r\nFill the feeder.", BoxIcon::Exclamation, BoxButtons::Ok, "Reader Error");
@@ -21,26 +21,26 @@ TEST(PosixScreen, BoxesGoToStandardErrorLineByLineBehindTheirTitle)
     EXPECT_EQ(answer, BoxAnswer::Ok);
 }
 
-TEST(PosixScreen, ABoxWithoutTitleIsItsText)
+TEST(TextScreen, ABoxWithoutTitleIsItsText)
 {
-    PosixScreen screen;
+    TextScreen screen;
     ::testing::internal::CaptureStderr();
     screen.MsgBox("Done.", BoxIcon::None, BoxButtons::Ok, "");
     EXPECT_EQ(::testing::internal::GetCapturedStderr(), "Done.\n");
 }
 
-TEST(PosixScreen, ABoxThatOffersToAbortIsAborted)
+TEST(TextScreen, ABoxThatOffersToAbortIsAborted)
 {
-    PosixScreen screen;
+    TextScreen screen;
     ::testing::internal::CaptureStderr();
     EXPECT_EQ(screen.MsgBox("Read error", BoxIcon::Exclamation, BoxButtons::AbortRetryIgnore, "Load"),
               BoxAnswer::Abort);
     EXPECT_EQ(::testing::internal::GetCapturedStderr(), "Load: Read error\n");
 }
 
-TEST(PosixScreen, BeepsOnATerminalOnly)
+TEST(TextScreen, BeepsOnATerminalOnly)
 {
-    PosixScreen screen;
+    TextScreen screen;
     ::testing::internal::CaptureStderr();
     screen.Beep();
     EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
@@ -54,9 +54,9 @@ TEST(PosixScreen, BeepsOnATerminalOnly)
     EXPECT_EQ(terminal.read(), "\a");
 }
 
-TEST(PosixScreen, RemembersTheMousePointer)
+TEST(TextScreen, RemembersTheMousePointer)
 {
-    PosixScreen screen;
+    TextScreen screen;
     EXPECT_EQ(screen.MousePointer(), kMousePointerDefault);
     screen.MousePointer(kMousePointerHourglass);
     EXPECT_EQ(screen.MousePointer(), kMousePointerHourglass);

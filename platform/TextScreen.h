@@ -6,7 +6,7 @@
 namespace kel {
 
 /// A process without a screen of its own: boxes go to standard error, each line of the text behind the title.
-class PosixScreen final : public Screen {
+class TextScreen final : public Screen {
 public:
     BoxAnswer MsgBox(const std::string& text, BoxIcon icon, BoxButtons buttons, const std::string& title) override;
     /// The terminal's bell; nothing where standard error is no terminal.

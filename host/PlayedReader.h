@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "simulators/framework/Simulator.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace kel::host {
+
+/// A simulated reader at work.
+class PlayedReader {
+public:
+    virtual ~PlayedReader() = default;
+
+    /// The device at the end of its line; empty for a USB model.
+    [[nodiscard]] virtual std::string device() const = 0;
+
+    /// Ends it, and gives what was done wrongly to it.
+    [[nodiscard]] virtual std::vector<std::string> end() = 0;
+};
+
+/// A reader with a line.
+[[nodiscard]] std::unique_ptr<PlayedReader> playedReader(std::unique_ptr<Simulator> reader);
+
+} // namespace kel::host
