@@ -1,11 +1,13 @@
 ; SPDX-License-Identifier: MIT
 ; The installer of both widths. scripts/make-installer.sh calls it with
 ;   VERSION   8.1.0
-;   FILES     a folder with 64 and 32 (the component, its texts and its manifest), docs, examples, development, LICENSE.txt
+;   FILES     a folder with 64 and 32 (the component, its texts and its manifest, the sample program; in 32 the command),
+;             docs, examples, development, LICENSE.txt
 ;   OUTPUT    the installer
 ;   SIGN      a command that signs the file whose name follows it; may be missing
 ;
-; On the command line: /S asks nothing; /AllUsers or /CurrentUser says for whom; /D=FOLDER, the last one, says where.
+; On the command line: /S asks nothing; /AllUsers or /CurrentUser says for whom; /PATH puts the command on the Path,
+; /PATH=0 takes it off again; /D=FOLDER, the last one, says where.
 ; Running it again repairs what is there, or brings it to this version. The settings of hosts are theirs: they stay.
 
 Unicode true
@@ -30,6 +32,7 @@ ManifestDPIAware true
 !include MUI2.nsh
 !include x64.nsh
 !include FileFunc.nsh
+!include Path.nsh
 
 Name "${PRODUCT}"
 OutFile "${OUTPUT}"
@@ -49,6 +52,7 @@ VIAddVersionKey LegalCopyright "${PUBLISHER}"
 !define MUI_ABORTWARNING
 !insertmacro MUI_PAGE_LICENSE "${FILES}/LICENSE.txt"
 !insertmacro MULTIUSER_PAGE_INSTALLMODE
+!insertmacro MUI_PAGE_COMPONENTS
 !insertmacro MUI_PAGE_DIRECTORY
 !insertmacro MUI_PAGE_INSTFILES
 !insertmacro MUI_UNPAGE_CONFIRM
@@ -62,6 +66,22 @@ LangString FAILED ${LANG_ENGLISH} "The component could not be registered. End th
 LangString FAILED ${LANG_GERMAN} "Die Komponente konnte nicht registriert werden. Beenden Sie die Programme, die sie benutzen, und starten Sie die Installation erneut."
 LangString FAILED ${LANG_FRENCH} "Le composant n'a pas pu être enregistré. Fermez les programmes qui l'utilisent et relancez l'installation."
 LangString FAILED ${LANG_SPANISH} "No se ha podido registrar el componente. Cierre los programas que lo utilizan y vuelva a ejecutar la instalación."
+LangString COMPONENT ${LANG_ENGLISH} "Component and command"
+LangString COMPONENT ${LANG_GERMAN} "Komponente und Befehl"
+LangString COMPONENT ${LANG_FRENCH} "Composant et commande"
+LangString COMPONENT ${LANG_SPANISH} "Componente y comando"
+LangString COMPONENT_TEXT ${LANG_ENGLISH} "The component for programs of 32 and 64 bits, the command kelreader, documents and samples."
+LangString COMPONENT_TEXT ${LANG_GERMAN} "Die Komponente für Programme mit 32 und 64 Bit, der Befehl kelreader, Dokumentation und Beispiele."
+LangString COMPONENT_TEXT ${LANG_FRENCH} "Le composant pour les programmes 32 et 64 bits, la commande kelreader, la documentation et les exemples."
+LangString COMPONENT_TEXT ${LANG_SPANISH} "El componente para programas de 32 y 64 bits, el comando kelreader, la documentación y los ejemplos."
+LangString ON_PATH ${LANG_ENGLISH} "kelreader on the Path"
+LangString ON_PATH ${LANG_GERMAN} "kelreader im Suchpfad"
+LangString ON_PATH ${LANG_FRENCH} "kelreader dans le Path"
+LangString ON_PATH ${LANG_SPANISH} "kelreader en el Path"
+LangString ON_PATH_TEXT ${LANG_ENGLISH} "Lets you type kelreader in any folder of a command prompt."
+LangString ON_PATH_TEXT ${LANG_GERMAN} "Der Befehl kelreader lässt sich in der Eingabeaufforderung aus jedem Ordner aufrufen."
+LangString ON_PATH_TEXT ${LANG_FRENCH} "Permet de taper kelreader dans n'importe quel dossier de l'invite de commandes."
+LangString ON_PATH_TEXT ${LANG_SPANISH} "Permite escribir kelreader en cualquier carpeta del símbolo del sistema."
 LangString GUIDE ${LANG_ENGLISH} "Guide for programmers"
 LangString GUIDE ${LANG_GERMAN} "Anleitung für Programmierer"
 LangString GUIDE ${LANG_FRENCH} "Guide du programmeur"
@@ -95,18 +115,24 @@ LangString REMOVAL ${LANG_SPANISH} "Desinstalar"
     !endif
 !macroend
 
-; A DLL that a host has loaded can be renamed, and goes with the next start of the system.
-!macro Install WIDTH
-    SetOutPath "$INSTDIR\${WIDTH}"
-    ${If} ${FileExists} "$OUTDIR\${PRODUCT}.dll"
+; A program or a DLL that is in use can be renamed, and goes with the next start of the system.
+!macro SetAside FILE
+    ${If} ${FileExists} "$OUTDIR\${FILE}"
         GetTempFileName $3 "$OUTDIR"
         Delete "$3"
-        Rename "$OUTDIR\${PRODUCT}.dll" "$3"
+        Rename "$OUTDIR\${FILE}" "$3"
         Delete /REBOOTOK "$3"
     ${EndIf}
+!macroend
+
+!macro Install WIDTH
+    SetOutPath "$INSTDIR\${WIDTH}"
+    !insertmacro SetAside "${PRODUCT}.dll"
     File "${FILES}/${WIDTH}/${PRODUCT}.dll"
     File "${FILES}/${WIDTH}/${PRODUCT}.manifest"
     File "${FILES}/${WIDTH}/LKELReader81.txt"
+    File "${FILES}/${WIDTH}/ReadBatch.exe"
+    File "${FILES}/${WIDTH}/ReadBatch.exe.manifest"
     !insertmacro Regsvr32 ${WIDTH} ""
     ${If} $0 != 0
         MessageBox MB_ICONSTOP "$(FAILED)" /SD IDOK
@@ -121,8 +147,25 @@ LangString REMOVAL ${LANG_SPANISH} "Desinstalar"
         Delete /REBOOTOK "$INSTDIR\${WIDTH}\${PRODUCT}.dll"
         Delete "$INSTDIR\${WIDTH}\${PRODUCT}.manifest"
         Delete "$INSTDIR\${WIDTH}\LKELReader81.txt"
+        Delete "$INSTDIR\${WIDTH}\ReadBatch.exe"
+        Delete "$INSTDIR\${WIDTH}\ReadBatch.exe.manifest"
         RMDir "$INSTDIR\${WIDTH}"
     ${EndIf}
+!macroend
+
+; There is one command, of 32 bits: it alone can load the library of the USB readers' maker.
+!macro InstallCommand
+    SetOutPath "$INSTDIR\32\simulated"
+    File "${FILES}/32/simulated/OMRAPI.dll"
+    SetOutPath "$INSTDIR\32"
+    !insertmacro SetAside "kelreader.exe"
+    File "${FILES}/32/kelreader.exe"
+!macroend
+
+!macro RemoveCommand
+    Delete /REBOOTOK "$INSTDIR\32\kelreader.exe"
+    Delete "$INSTDIR\32\simulated\OMRAPI.dll"
+    RMDir "$INSTDIR\32\simulated"
 !macroend
 
 !macro RemoveDocuments
@@ -132,12 +175,14 @@ LangString REMOVAL ${LANG_SPANISH} "Desinstalar"
     RMDir /r "$SMPROGRAMS\${PRODUCT}"
 !macroend
 
-Section
+Section "$(COMPONENT)" COMPONENT_SECTION
+    SectionIn RO
     !insertmacro RemoveDocuments ; those of an older version
     ${If} ${RunningX64}
         !insertmacro Install 64
     ${EndIf}
     !insertmacro Install 32
+    !insertmacro InstallCommand
 
     SetOutPath "$INSTDIR"
     File "${FILES}/LICENSE.txt"
@@ -167,10 +212,36 @@ Section
     WriteRegDWORD SHCTX "${UNINSTALL_KEY}" "EstimatedSize" "$0"
 SectionEnd
 
+Section /o "$(ON_PATH)" PATH_SECTION
+SectionEnd
+
+Section "-Path"
+    StrCpy $R0 "$INSTDIR\32"
+    ${If} ${SectionIsSelected} ${PATH_SECTION}
+        StrCpy $R1 1
+    ${Else}
+        StrCpy $R1 0
+    ${EndIf}
+    WriteRegDWORD SHCTX "${UNINSTALL_KEY}" "CommandOnPath" $R1
+    Call ChangePath
+SectionEnd
+
+!insertmacro MUI_FUNCTION_DESCRIPTION_BEGIN
+    !insertmacro MUI_DESCRIPTION_TEXT ${COMPONENT_SECTION} "$(COMPONENT_TEXT)"
+    !insertmacro MUI_DESCRIPTION_TEXT ${PATH_SECTION} "$(ON_PATH_TEXT)"
+!insertmacro MUI_FUNCTION_DESCRIPTION_END
+
+!insertmacro ChangePath ""
+!insertmacro ChangePath "un."
+
 Section un.
+    StrCpy $R0 "$INSTDIR\32"
+    StrCpy $R1 0
+    Call un.ChangePath
     ${If} ${RunningX64}
         !insertmacro Remove 64
     ${EndIf}
+    !insertmacro RemoveCommand
     !insertmacro Remove 32
     !insertmacro RemoveDocuments
     Delete "$INSTDIR\LICENSE.txt"
@@ -182,6 +253,18 @@ SectionEnd
 
 Function .onInit
     !insertmacro MULTIUSER_INIT
+    ReadRegDWORD $0 SHCTX "${UNINSTALL_KEY}" "CommandOnPath" ; as it is
+    ${GetParameters} $1
+    ${GetOptions} $1 "/PATH" $2
+    ${IfNot} ${Errors}
+        StrCpy $0 1
+        ${If} $2 == "=0"
+            StrCpy $0 0
+        ${EndIf}
+    ${EndIf}
+    ${If} $0 = 1
+        !insertmacro SelectSection ${PATH_SECTION}
+    ${EndIf}
 FunctionEnd
 
 Function un.onInit

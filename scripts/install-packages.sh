@@ -11,7 +11,7 @@ test=(libgtest-dev libgmock-dev libbenchmark-dev fonts-dejavu-core ser2net nats-
 coverage=(gcovr)
 fuzz=(clang libclang-rt-14-dev)
 windows=(g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix mingw-w64-tools wine64 wine googletest xvfb debootstrap nsis
-         mono-mcs libmono-microsoft-csharp4.0-cil)
+         wixl msitools mono-mcs libmono-microsoft-csharp4.0-cil)
 
 wanted=()
 for group in "${@:-build test}"; do

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""The installer: silent for the machine and for a user, over an older version, as a repair, and gone again."""
+"""The installers: silent for the machine and for a user, over an older version, as a repair, and gone again."""
 
 import pathlib
 import subprocess
@@ -7,7 +7,7 @@ import time
 import unittest
 
 from both_widths import BINS, BothWidths
-from harness import PATIENCE, PREFIX, registry_has, registry_values, wine
+from harness import PATIENCE, PREFIX, environment, registry_has, registry_values, windows_path, wine
 
 PROJECT = pathlib.Path(__file__).resolve().parents[2]
 UNINSTALL = r"\Software\Microsoft\Windows\CurrentVersion\Uninstall\KELReader81U"
@@ -15,23 +15,52 @@ HOSTS_KEY = r"HKCU\Software\A host\Reader"
 MEGABYTE = 1 << 20
 DRIVE = PREFIX / "drive_c"
 MACHINE = DRIVE / "Program Files" / "KELReader81U"
-FILES = {"64/KELReader81U.dll", "64/KELReader81U.manifest", "64/LKELReader81.txt", "32/KELReader81U.dll",
-         "32/KELReader81U.manifest", "32/LKELReader81.txt", "docs/windows.md", "docs/readers/README.md",
-         "examples/ReadBatch.cpp", "examples/ReadSheets.vbs", "examples/ReadSheets.js", "development/KELReader81U.idl",
-         "LICENSE.txt", "KELReader81U-setup.exe", "uninstall.exe"}
+FILES = {"docs/windows.md", "docs/readers/README.md", "examples/ReadBatch.cpp", "examples/ReadSheets.vbs",
+         "examples/ReadSheets.js", "development/KELReader81U.idl", "LICENSE.txt"}
+FILES |= {f"{width}/{name}" for width in (64, 32)
+          for name in ("KELReader81U.dll", "KELReader81U.manifest", "LKELReader81.txt", "ReadBatch.exe",
+                       "ReadBatch.exe.manifest")}
+FILES |= {"32/kelreader.exe", "32/simulated/OMRAPI.dll"}
+OF_THE_PROGRAM = {"KELReader81U-setup.exe", "uninstall.exe"}
+MACHINE_PATH = r"HKLM\System\CurrentControlSet\Control\Session Manager\Environment"
+USER_PATH = r"HKCU\Environment"
+LONG = ";".join([r"%SystemRoot%"] + [rf"C:\A folder of somebody else\{number}" for number in range(60)])
 
 
 def links():
     return {path for path in DRIVE.rglob("KELReader81U/*.lnk")}
 
 
+def path(key):
+    """A Path of the registry: its type and its text; None if there is none."""
+    return {name.upper(): value for name, value in registry_values(key).items()}.get("PATH")
+
+
+def folders_of(value):
+    """Those of a Path; Wine's msiexec leaves an empty one."""
+    return [folder for folder in value[1].split(";") if folder]
+
+
 class Installer(BothWidths):
-    def installer(self, version):
-        output = self.folder / f"KELReader81U-{version}.exe"
+    def installer(self, version, kind="exe"):
+        output = self.folder / f"KELReader81U-{version}.{kind}"
         subprocess.run([PROJECT / "scripts/make-installer.sh", BINS[64].parent, BINS[32].parent, output, version], check=True,
                        stdout=subprocess.DEVNULL)
         self.assertLess(output.stat().st_size, 8 * MEGABYTE)
         return output
+
+    def set_path(self, key, text):
+        before = path(key)
+        self.addCleanup(lambda: wine("reg", "delete", key, "/v", "Path", "/f") if before is None else
+                        wine("reg", "add", key, "/v", "Path", "/t", before[0], "/d", before[1], "/f"))
+        wine("reg", "add", key, "/v", "Path", "/t", "REG_EXPAND_SZ", "/d", text, "/f", check=True)
+
+    def command_works(self, place):
+        """From any folder, by its name alone."""
+        read = wine("cmd", "/c", "kelreader", "scan", "--simulate", "--model", 21, "--count", 1, "--max-sheets", 1,
+                    cwd=self.folder, env=environment(WINEPATH=windows_path(place / "32")))
+        self.assertEqual(read.returncode, 0, read.stdout)
+        self.assertIn('"event":"sheet"', read.stdout)
 
     def install(self, program, *arguments):
         self.run_program(program, "/S", *arguments, cwd=self.folder, width=32)
@@ -53,9 +82,13 @@ class Installer(BothWidths):
     def test_for_the_machine(self):
         before = self.keys()
         old, new = self.installer("8.0.9"), self.installer("8.1.0")
+        self.set_path(MACHINE_PATH, LONG)
 
-        self.install(old, "/AllUsers")
-        self.assertLessEqual(FILES, self.files(MACHINE))
+        self.install(old, "/AllUsers", "/PATH")
+        self.assertLessEqual(FILES | OF_THE_PROGRAM, self.files(MACHINE))
+        on_path = ("REG_EXPAND_SZ", LONG + r";C:\Program Files\KELReader81U\32")
+        self.assertEqual(path(MACHINE_PATH), on_path)
+        self.command_works(MACHINE)
         self.assertEqual(self.who_creates(), {64, 32})
         self.assertEqual(self.entry("HKLM", "DisplayVersion"), "8.0.9")
         self.assertEqual(self.entry("HKLM", "Publisher"), "The KELReader81U developers")
@@ -68,27 +101,38 @@ class Installer(BothWidths):
         self.assertEqual(self.entry("HKLM", "DisplayVersion"), "8.1.0")
         self.assertEqual(self.who_creates(), {64, 32})
         self.assertEqual(registry_values(HOSTS_KEY)["ScannerType"][1], "13")
+        self.assertEqual(path(MACHINE_PATH), on_path, "an upgrade leaves it")
         self.assertNotIn("docs/of the old version.md", self.files(MACHINE))
 
         for damaged in ("64/LKELReader81.txt", "32/KELReader81U.dll", "docs/windows.md"):
             (MACHINE / damaged).unlink()
         self.assertEqual(self.who_creates(), {64})
         self.install(MACHINE / "KELReader81U-setup.exe", "/AllUsers")
-        self.assertLessEqual(FILES, self.files(MACHINE))
+        self.assertLessEqual(FILES | OF_THE_PROGRAM, self.files(MACHINE))
         self.assertEqual(self.who_creates(), {64, 32})
 
         self.uninstall(MACHINE, "/AllUsers")
         self.assertEqual(self.keys(), before)
         self.assertFalse(registry_has("HKLM" + UNINSTALL, width=32))
         self.assertEqual(links(), set())
+        self.assertEqual(path(MACHINE_PATH), ("REG_EXPAND_SZ", LONG))
         self.assertEqual(registry_values(HOSTS_KEY)["ScannerType"][1], "13")
 
     def test_for_a_user(self):
         before = self.keys()
-        self.install(self.installer("8.1.0"), "/CurrentUser")
+        self.assertIsNone(path(USER_PATH))
+        machines = path(MACHINE_PATH)
+        program = self.installer("8.1.0")
+        self.install(program, "/CurrentUser")
+        self.assertIsNone(path(USER_PATH))
+        self.install(program, "/CurrentUser", "/PATH")
         [place] = (path.parent for path in DRIVE.glob("users/*/AppData/Local/**/KELReader81U/uninstall.exe"))
-        self.assertLessEqual(FILES, self.files(place))
+        self.assertLessEqual(FILES | OF_THE_PROGRAM, self.files(place))
         self.assertEqual(self.entry("HKCU", "DisplayVersion"), "8.1.0")
+        self.assertEqual(path(USER_PATH), ("REG_EXPAND_SZ", str(pathlib.PureWindowsPath("C:\\", *place.parts[len(DRIVE.parts):], "32"))))
+        self.assertEqual(path(MACHINE_PATH), machines)
+        self.install(program, "/CurrentUser", "/PATH=0")
+        self.assertIsNone(path(USER_PATH))
         self.assertFalse(MACHINE.exists())
         self.assertFalse(registry_has(r"HKLM\Software\Classes\KELReader81U.clsKELReader"))
         for width in BINS:
@@ -97,6 +141,23 @@ class Installer(BothWidths):
         self.assertEqual(self.keys(), before)
         self.assertFalse(registry_has("HKCU" + UNINSTALL, width=32))
         self.assertEqual(links(), set())
+        self.assertIsNone(path(USER_PATH))
+
+    def test_package_for_administrators(self):
+        before = self.keys()
+        old, new = self.installer("8.0.9", "msi"), self.installer("8.1.0", "msi")
+        self.set_path(MACHINE_PATH, LONG)
+        for package in (old, new):
+            self.addCleanup(wine, "msiexec", "/x", windows_path(package), "/qn", cwd=self.folder)
+            self.run_program("msiexec", "/i", windows_path(package), "/qn", "ADDLOCAL=ALL", cwd=self.folder)
+            self.assertLessEqual(FILES, self.files(MACHINE))
+            self.assertEqual(self.who_creates(), {64, 32})
+            self.assertEqual(folders_of(path(MACHINE_PATH)), [*LONG.split(";"), r"C:\Program Files\KELReader81U\32"])
+        self.run_program("msiexec", "/x", windows_path(new), "/qn", cwd=self.folder)
+        self.assertFalse(MACHINE.exists(), self.files(MACHINE))
+        left = {key for hive, keys in self.keys().items() for key in keys ^ before[hive]}
+        self.assertEqual({key for key in left if r"\Classes\Installer" not in key}, set())  # the system's own book
+        self.assertEqual(folders_of(path(MACHINE_PATH)), LONG.split(";"))
 
 
 if __name__ == "__main__":
