@@ -16,6 +16,8 @@ COMMAND = "kelreader.exe"
 WRONG_USAGE = 2
 INTERRUPTED = 130
 PORT = 17
+# A machine that is busy takes its time to read a sheet.
+PATIENT = ("--set", "Timeout=600")
 # A model of each family, but for the VMR138: its fixed pauses are too short for a pseudo-terminal on a busy machine.
 MODELS = (40, 1, 21, 23, 26, 13, 8, 30)
 FORM = {"recognitionMode": "window", "side1Rows": [63], "side1Cols": [48],
@@ -58,26 +60,26 @@ class Command(WindowsTest):
         for model in MODELS:
             with self.subTest(model=model):
                 arguments = ("scan", "--simulate", "--model", model, "--seed", 7, "--count", 2, "--max-sheets", 2, "--rate",
-                             "unlimited", "--set", "SleepTime=40")
+                             "unlimited", "--set", "SleepTime=40", *PATIENT)
                 read = self.there(*arguments)
                 self.assertIn('"event":"sheet","sheet":2', read)
                 self.assertEqual(read, here(*arguments))
 
     def test_reads_the_simulated_reader_with_fixed_pauses(self):
-        read = self.there("scan", "--simulate", "--model", 24, "--count", 2, "--max-sheets", 2)
+        read = self.there("scan", "--simulate", "--model", 24, "--count", 2, "--max-sheets", 2, *PATIENT)
         self.assertIn('"event":"sheet","sheet":2', read)
         self.assertNotIn('"event":"failure"', read)
 
     def test_a_simulated_reader_that_is_unplugged(self):
         read = self.there("scan", "--simulate", "--model", 21, "--seed", 7, "--count", 3, "--fault", "unplug@sheet=2",
-                          status=1)
+                          *PATIENT, status=1)
         failures = [json.loads(line) for line in read.splitlines() if '"event":"failure"' in line]
         self.assertTrue(failures, read)
         self.assertEqual(failures[0]["number"], 8020)
         self.assertIn("has hung up", failures[0]["description"])
 
     def test_reads_from_a_port_by_its_name(self):
-        arguments = ("scan", "--model", 21, "--max-sheets", 1)
+        arguments = ("scan", "--model", 21, "--max-sheets", 1, *PATIENT)
         with SimulatedReader(21, port=PORT, seed=7, count=1):
             read = self.there(*arguments, "--device", f"COM{PORT}")
         self.assertEqual(read, here(*arguments, "--simulate", "--seed", 7, "--count", 1))
@@ -120,7 +122,8 @@ class Command(WindowsTest):
 
     def test_a_trace_is_replayed(self):
         trace = self.folder / "trace"
-        self.there("scan", "--simulate", "--model", 21, "--count", 1, "--max-sheets", 1, "--trace", windows_path(trace))
+        self.there("scan", "--simulate", "--model", 21, "--count", 1, "--max-sheets", 1, *PATIENT, "--trace",
+                   windows_path(trace))
         self.assertEqual(self.there("replay", windows_path(trace)), here("replay", trace))
 
     def test_wrong_usage(self):
@@ -138,7 +141,7 @@ class Command(WindowsTest):
         self.assertIn("OMRAPI.DLL", self.there("scan", "--model", 30, "--max-sheets", 1, status=1))
 
     def test_control_c_ends_a_scan_in_order(self):
-        with start_program(COMMAND, "scan", "--simulate", "--model", 21, "--count", 1000) as scan:
+        with start_program(COMMAND, "scan", "--simulate", "--model", 21, "--count", 1000, *PATIENT) as scan:
             while '"event":"sheet"' not in scan.stdout.readline():
                 self.assertIsNone(scan.poll())
             scan.send_signal(signal.SIGINT)

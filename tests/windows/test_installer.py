@@ -58,7 +58,7 @@ class Installer(BothWidths):
     def command_works(self, place):
         """From any folder, by its name alone."""
         read = wine("cmd", "/c", "kelreader", "scan", "--simulate", "--model", 21, "--count", 1, "--max-sheets", 1,
-                    cwd=self.folder, env=environment(WINEPATH=windows_path(place / "32")))
+                    "--set", "Timeout=600", cwd=self.folder, env=environment(WINEPATH=windows_path(place / "32")))
         self.assertEqual(read.returncode, 0, read.stdout)
         self.assertIn('"event":"sheet"', read.stdout)
 

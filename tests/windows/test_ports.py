@@ -23,7 +23,8 @@ class Ports(WindowsTest):
         with SimulatedReader(21, port=PORT, seed=7, count=1):
             ports = {entry["port"]: entry for entry in self.ports()}
             self.assertEqual((ports[MAPPED]["device"], ports[MAPPED]["opens"]), (f"COM{PORT}", True))
-            self.assertIn('"event":"sheet"', self.there("scan", "--model", 21, "--port", MAPPED, "--max-sheets", 1))
+            self.assertIn('"event":"sheet"', self.there("scan", "--model", 21, "--port", MAPPED, "--max-sheets", 1, "--set",
+                                                             "Timeout=600"))
         self.there("ports", "clear", MAPPED)
         self.assertIn(f"Port {MAPPED} has no device", self.there("ports", "clear", MAPPED))
 
