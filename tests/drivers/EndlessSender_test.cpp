@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Every family against another side that sends without end, or drips: the session ends, and holds little.
 
+#include "platform/PlatformAround.h"
 #include "platform/TurnTimer.h"
 #include "reader/clsKELReader.h"
 #include "simulators/platform/SimulatedPlatform.h"
@@ -57,20 +58,13 @@ private:
 };
 
 /// A simulated machine but for its pump.
-class FakeMachine final : public Platform {
+class FakeMachine final : public PlatformAround {
 public:
-    explicit FakeMachine(test::FakePump& pump) : pump_(pump) {}
+    FakeMachine(Platform& machine, test::FakePump& pump) : PlatformAround(machine), pump_(pump) {}
 
-    [[nodiscard]] std::unique_ptr<SerialControl> newSerialControl() override { return machine_.newSerialControl(); }
-    [[nodiscard]] std::unique_ptr<ScanTimer> newScanTimer() override { return machine_.newScanTimer(); }
     [[nodiscard]] MessagePump& pump() override { return pump_; }
-    [[nodiscard]] Registry& registry() override { return machine_.registry(); }
-    [[nodiscard]] Screen& screen() override { return machine_.screen(); }
-    [[nodiscard]] Process& process() override { return machine_.process(); }
-    [[nodiscard]] OmrApiLoader& omrApiLoader() override { return machine_.omrApiLoader(); }
 
 private:
-    SimulatedPlatform machine_;
     test::FakePump& pump_;
 };
 
@@ -88,7 +82,7 @@ public:
 
 class EndlessSenderTest : public ::testing::TestWithParam<kelReaderType> {
 protected:
-    EndlessSenderTest() : machine(*pump), scope(machine)
+    EndlessSenderTest() : machine(simulated, *pump), scope(machine)
     {
         reader.LoadDefaults(GetParam());
         reader.Port(1);
@@ -110,6 +104,7 @@ protected:
     test::FakeTime time;
     std::shared_ptr<test::FakePump> pump = std::make_shared<test::FakePump>(time);
     test::FakeLine line{time};
+    SimulatedPlatform simulated;
     FakeMachine machine;
     PlatformScope scope;
     clsKELReader reader;

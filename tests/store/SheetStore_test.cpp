@@ -2,79 +2,24 @@
 #include "store/SheetStore.h"
 
 #include "platform/posix/Sqlite.h"
-#include "store/SentMark.h"
-#include "store/StoreProblem.h"
-#include "store/StoredSheets.h"
-#include "store/StoringEvents.h"
-#include "tests/support/TemporaryFolder.h"
+#include "tests/store/StoreTest.h"
 
 #include <gmock/gmock.h>
 
 #include <set>
 #include <thread>
 
-namespace kel::test {
+namespace kel::store_test {
 namespace {
 
-using testing::AllOf;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::SizeIs;
-using testing::StartsWith;
+using ::testing::AllOf;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::SizeIs;
+using ::testing::StartsWith;
 
-host::Sheet sheetWith(const std::string& barcode)
-{
-    host::Sheet sheet;
-    sheet.side1.ReDim(3, 4);
-    sheet.side1(1, 2) = 9;
-    sheet.side1(3, 4) = -1;
-    sheet.side1TimingMarks = 3;
-    sheet.barcodes = TextArray::of(1, {barcode, ""});
-    return sheet;
-}
-
-Entry entryWith(const std::string& barcode, const std::string& reader = "left", const std::string& batch = "monday")
-{
-    return {.origin = {.station = "hall", .reader = reader, .batch = batch},
-            .what = ReadSheetEntry{.setup = {.model = kelReaderTypeScantronScanMark2500, .threshold = 7, .form = "{}"},
-                                   .sheet = sheetWith(barcode)}};
-}
-
-template <class Call>
-std::string problemOf(Call&& call)
-{
-    try {
-        call();
-    } catch (const StoreProblem& problem) {
-        return problem.what();
-    }
-    return "no problem";
-}
-
-class Store : public testing::Test {
-protected:
-    [[nodiscard]] std::vector<Entry> entries(const StoreFilter& filter = {}) const
-    {
-        std::vector<Entry> found;
-        StoredSheets(file_).read(filter, 0, [&](const Entry& entry) {
-            found.push_back(entry);
-            return true;
-        });
-        return found;
-    }
-
-    [[nodiscard]] std::vector<Int32> numbers(const std::string& reader) const
-    {
-        std::vector<Int32> found;
-        for (const Entry& entry : entries({.reader = reader}))
-            found.push_back(entry.sheet()->sheet.number);
-        return found;
-    }
-
-    TemporaryFolder folder_;
-    std::filesystem::path file_ = folder_.path() / "hall.db";
-};
+using Store = StoreTest;
 
 TEST_F(Store, GivesASheetBackAsItCame)
 {
@@ -188,90 +133,6 @@ TEST_F(Store, TakesSheetsOfManyThreadsAtOnce)
     EXPECT_THAT(identities, SizeIs(kReaders * kSheets));
 }
 
-TEST_F(Store, KeepsASheetOfAnotherStoreOnceAndAsItWas)
-{
-    Entry entry = entryWith("x");
-    {
-        SheetStore first(folder_.path() / "first.db", "a test");
-        first.add(entry);
-        first.add(entry = entryWith("y"));
-    }
-    SheetStore store(file_, "a test");
-    Entry own = entryWith("z");
-    store.add(own);
-    Entry again = entry;
-    store.add(entry);
-    store.add(again);
-    const std::vector<Entry> found = entries();
-    ASSERT_THAT(found, SizeIs(2));
-    EXPECT_EQ(found[1].identity, again.identity);
-    EXPECT_EQ(found[1].time, again.time);
-    EXPECT_EQ(found[1].origin, again.origin);
-    EXPECT_EQ(found[1].sheet()->sheet.number, 2);
-}
-
-TEST_F(Store, RefusesASheetOfAnotherStoreThatContradictsOneThatIsThere)
-{
-    Entry entry = entryWith("x");
-    SheetStore(folder_.path() / "first.db", "a test").add(entry);
-    SheetStore store(file_, "a test");
-    std::vector<Entry> both = {entry, entry};
-    both[1].identity += "0";
-    EXPECT_THROW(store.add(both), EntryRefused);
-    EXPECT_THAT(entries(), IsEmpty());
-    store.add(entry);
-    EXPECT_THROW(store.add(both[1]), EntryRefused);
-    Entry own = entryWith("y");
-    store.add(own);
-    EXPECT_THAT(entries(), SizeIs(2));
-}
-
-TEST_F(Store, KeepsAMessageThatHoldsNoSheetOnce)
-{
-    const UnreadMessage message{.subject = "k.sheet.a.b", .reason = "no\xFF", .content = std::string("\0\xFF{", 3)};
-    {
-        SheetStore store(file_, "a test");
-        store.setAside({&message, 1});
-        store.setAside({&message, 1});
-    }
-    SqliteDatabase database(file_, SqliteDatabase::Mode::Shared, 0);
-    SqliteStatement query(database, "SELECT subject, reason, content FROM unread");
-    SqliteStatement::Run row(query);
-    ASSERT_TRUE(row.next());
-    EXPECT_EQ(row.textAt(0), message.subject);
-    EXPECT_EQ(row.textAt(1), "no\xC3\xBF");
-    EXPECT_EQ(row.textAt(2), message.content);
-    EXPECT_FALSE(row.next());
-}
-
-TEST_F(Store, ForgetsNothingThatTheStreamDoesNotHave)
-{
-    using Forget = StoredSheets::Forget;
-    {
-        SheetStore store(file_, "a test");
-        for (const char* barcode : {"1", "2", "3"}) {
-            Entry entry = entryWith(barcode);
-            store.add(entry);
-        }
-    }
-    SentMark mark(file_);
-    EXPECT_EQ(mark.unsent(), 3);
-    mark.want(true);
-    mark.move(1);
-    EXPECT_EQ(mark.last(), 1);
-    EXPECT_EQ(mark.unsent(), 2);
-    auto forgotten = StoredSheets(file_).forget("2999-01-01", Forget::SentAlone);
-    EXPECT_EQ(forgotten.sheets, 1);
-    EXPECT_EQ(forgotten.kept, 2);
-    EXPECT_THAT(numbers("left"), ElementsAre(2, 3));
-    mark.want(false);
-    mark.want(true);
-    EXPECT_EQ(StoredSheets(file_).forget("2999-01-01", Forget::SentAlone).sheets, 0);
-    forgotten = StoredSheets(file_).forget("2999-01-01", Forget::All);
-    EXPECT_EQ(forgotten.sheets, 2);
-    EXPECT_EQ(forgotten.kept, 0);
-}
-
 TEST_F(Store, HandsOutWhatIsWrittenUnlessItIsDamaged)
 {
     Entry entry = entryWith("x");
@@ -297,59 +158,12 @@ TEST_F(Store, HandsOutWhatIsWrittenUnlessItIsDamaged)
     EXPECT_THAT(found, SizeIs(1));
 }
 
-TEST_F(Store, BringsAStoreOfTheFirstVersionUpToDate)
-{
-    {
-        SheetStore store(file_, "a test");
-        Entry entry = entryWith("x");
-        store.add(entry);
-        SqliteDatabase(file_, SqliteDatabase::Mode::Shared, 0)
-            .run("ALTER TABLE store DROP COLUMN sends; ALTER TABLE store DROP COLUMN sent; DROP TABLE unread; DROP "
-                 "TABLE held; "
-                 "PRAGMA user_version = 1");
-    }
-    EXPECT_THAT(problemOf([&] { StoredSheets{file_}; }), HasSubstr("has version 1, which a scan or a station brings"));
-    SheetStore store(file_, "a test");
-    Entry next = entryWith("y");
-    store.add(next);
-    EXPECT_THAT(numbers("left"), ElementsAre(1, 2));
-    EXPECT_EQ(SentMark(file_).unsent(), 2);
-}
-
 TEST_F(Store, HasOneWriter)
 {
     const SheetStore store(file_, "station hall");
     EXPECT_THAT(problemOf([&] { SheetStore(file_, "another"); }),
                 AllOf(StartsWith("The store " + file_.string() + " is in use by station hall, process "),
                       HasSubstr("a store has one writer")));
-}
-
-TEST_F(Store, RefusesAStoreOfANewerVersionAndLeavesItAlone)
-{
-    {
-        const SheetStore store(file_, "a test");
-    }
-    SqliteDatabase(file_, SqliteDatabase::Mode::Shared, 0).run("PRAGMA user_version = 99");
-    const std::string sentence = "has version 99, and this program knows versions up to";
-    EXPECT_THAT(problemOf([&] { SheetStore(file_, "a test"); }), HasSubstr(sentence));
-    EXPECT_THAT(problemOf([&] { StoredSheets{file_}; }), HasSubstr(sentence));
-    SqliteDatabase database(file_, SqliteDatabase::Mode::Shared, 0);
-    SqliteStatement version(database, "PRAGMA user_version");
-    SqliteStatement::Run run(version);
-    ASSERT_TRUE(run.next());
-    EXPECT_EQ(run.numberAt(0), 99);
-}
-
-TEST_F(Store, OfAnOlderVersionIsBroughtUpToDateByAWriter)
-{
-    folder_.write("hall.db", "");
-    const std::string sentence = "has version 0, which a scan or a station brings up to date when it opens it";
-    EXPECT_THAT(problemOf([&] { StoredSheets{file_}; }), HasSubstr(sentence));
-    EXPECT_EQ(std::filesystem::file_size(file_), 0U);
-    SheetStore store(file_, "a test");
-    Entry entry = entryWith("x");
-    store.add(entry);
-    EXPECT_THAT(entries(), SizeIs(1));
 }
 
 TEST_F(Store, HoldsOrderAndNumbersWhenTheClockIsSetBack)
@@ -449,86 +263,6 @@ TEST_F(Store, WritesNothingToAFileThatIsGoneFromItsPlace)
     EXPECT_NE(next.origin.store, entry.origin.store);
 }
 
-/// What is told and waited while a store is in trouble.
-struct Trouble {
-    std::vector<std::string> told{};
-    int pauses = 0;
-    std::function<bool()> onPause;
-
-    StoreTrouble calls()
-    {
-        return {.tell = [this](const std::string& sentence) { told.push_back(sentence); },
-                .pause =
-                    [this](std::chrono::milliseconds) {
-                        ++pauses;
-                        return onPause();
-                    }};
-    }
-};
-
-struct CountedEvents final : host::Events {
-    void sheet(const host::Sheet&) override { ++sheets; }
-    int sheets = 0;
-};
-
-TEST_F(Store, ASheetDoesNotReturnBeforeALockedStoreHasIt)
-{
-    SheetStore store(file_, "a test");
-    std::optional<SqliteDatabase> other(std::in_place, file_, SqliteDatabase::Mode::Shared, 0);
-    other->run("BEGIN IMMEDIATE");
-    CountedEvents next;
-    Trouble trouble;
-    trouble.onPause = [&] {
-        EXPECT_EQ(next.sheets, 0);
-        if (trouble.pauses == 2)
-            other->run("COMMIT");
-        return true;
-    };
-    StoringEvents events(store, {.station = "hall", .reader = "left", .batch = "monday"}, {}, next, trouble.calls());
-    events.sheet(sheetWith("x"));
-    EXPECT_EQ(trouble.pauses, 2);
-    EXPECT_THAT(trouble.told, ElementsAre(HasSubstr("is locked by another program"), HasSubstr("takes sheets again")));
-    EXPECT_EQ(next.sheets, 1);
-    EXPECT_EQ(events.lost(), 0);
-    EXPECT_THAT(numbers("left"), ElementsAre(1));
-}
-
-TEST_F(Store, AnOwnerWhoGivesUpLearnsWhatIsLost)
-{
-    SheetStore store(file_, "a test");
-    SqliteDatabase other(file_, SqliteDatabase::Mode::Shared, 0);
-    other.run("BEGIN IMMEDIATE");
-    CountedEvents next;
-    Trouble trouble;
-    trouble.onPause = [] { return false; };
-    StoringEvents events(store, {}, {}, next, trouble.calls());
-    events.sheet(sheetWith("x"));
-    EXPECT_EQ(events.lost(), 1);
-    EXPECT_EQ(next.sheets, 1);
-    other.run("COMMIT");
-    EXPECT_THAT(entries(), IsEmpty());
-}
-
-TEST_F(Store, ADamagedStoreIsToldAndAWholeOneInItsPlaceGoesOn)
-{
-    SheetStore store(file_, "a test");
-    CountedEvents next;
-    Trouble trouble;
-    trouble.onPause = [&] {
-        std::filesystem::remove(file_);
-        return true;
-    };
-    StoringEvents events(store, {.reader = "left"}, {}, next, trouble.calls());
-    events.sheet(sheetWith("x"));
-    std::filesystem::remove(file_.string() + "-wal");
-    std::filesystem::remove(file_);
-    folder_.write("hall.db", std::string(8192, 'x'));
-    events.sheet(sheetWith("y"));
-    EXPECT_THAT(trouble.told, ElementsAre(HasSubstr("no longer in its place"), HasSubstr("takes sheets again")));
-    EXPECT_EQ(next.sheets, 2);
-    EXPECT_THAT(numbers("left"), ElementsAre(1));
-}
-
 TEST(StoreTime, IsReadAsPeopleWriteIt)
 {
     EXPECT_EQ(storeTimeOf("2024-01-31Z"), "2024-01-31T00:00:00.000Z");
@@ -541,4 +275,4 @@ TEST(StoreTime, IsReadAsPeopleWriteIt)
 }
 
 } // namespace
-} // namespace kel::test
+} // namespace kel::store_test
