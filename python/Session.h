@@ -127,6 +127,7 @@ public:
     }
 
     /// What was reported in the batch: what has ended nothing, and what has ended it.
+    [[nodiscard]] bool hasNotes() const { return !notes_.empty(); }
     std::vector<host::Failure> takeNotes() { return std::exchange(notes_, {}); }
     std::vector<host::Failure> takeFaults() { return std::exchange(faults_, {}); }
 

@@ -14,13 +14,11 @@ namespace py = pybind11;
 namespace {
 
 /// The marks of a side: the sheet's own memory, which lives as long as the array; None for a side without bounds.
-py::object arrayOf(const SheetView& view, const MarkArray& marks)
+py::object arrayOf(const py::object& sheet, const MarkArray& marks)
 {
     if (!marks.isDimensioned())
         return py::none();
-    const py::capsule owner(new std::shared_ptr<HeldSheet>(view.held),
-                            [](void* held) { delete static_cast<std::shared_ptr<HeldSheet>*>(held); });
-    py::array_t<Int16> array({marks.rows(), marks.columns()}, marks.elements().data(), owner);
+    py::array_t<Int16> array({marks.rows(), marks.columns()}, marks.elements().data(), sheet);
     py::detail::array_proxy(array.ptr())->flags &= ~py::detail::npy_api::NPY_ARRAY_WRITEABLE_;
     return array;
 }
@@ -98,11 +96,11 @@ void addSheet(py::module_& module)
         .def_property_readonly(
             "number", [=](const SheetView& view) { return sheet(view).number; }, "Its number in the batch, from 1.")
         .def_property_readonly(
-            "side1", [](const SheetView& view) { return arrayOf(view, view.held->sheet.side1); },
+            "side1", [=](const py::object& view) { return arrayOf(view, sheet(view.cast<SheetView&>()).side1); },
             "The marks of side 1: an array of int16, rows by columns, 0 for no mark; None if it was not read. It is "
             "the sheet's own memory, so it cannot be written to; copy() makes an array that can.")
         .def_property_readonly(
-            "side2", [](const SheetView& view) { return arrayOf(view, view.held->sheet.side2); },
+            "side2", [=](const py::object& view) { return arrayOf(view, sheet(view.cast<SheetView&>()).side2); },
             "The marks of side 2, as side1.")
         .def_property_readonly(
             "side1_timing_marks", [=](const SheetView& view) { return sheet(view).side1TimingMarks; },

@@ -13,17 +13,21 @@ struct SheetView {
     std::weak_ptr<ReaderSession> session; ///< that of a reader, not of a replay
 };
 
-/// The next sheet of a session, or None.
+/// The next sheet of a session, or None. `warn` is called if something was reported that has ended nothing.
 template <class OfSession>
-pybind11::object nextSheet(const std::shared_ptr<OfSession>& session)
+pybind11::object nextSheet(const std::shared_ptr<OfSession>& session, const pybind11::object& warn)
 {
-    const std::shared_ptr<HeldSheet> sheet = session->next();
-    if (!sheet)
-        return pybind11::none();
-    SheetView view{sheet, {}};
+    // What can be made before the wait keeps no sheet waiting.
+    pybind11::object object = pybind11::cast(SheetView{});
+    auto& view = object.cast<SheetView&>();
     if constexpr (std::is_same_v<OfSession, ReaderSession>)
         view.session = session;
-    return pybind11::cast(std::move(view));
+    view.held = session->next();
+    if (!view.held)
+        return pybind11::none();
+    if (session->hasNotes())
+        warn();
+    return object;
 }
 
 } // namespace kel::python

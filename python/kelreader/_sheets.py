@@ -39,9 +39,12 @@ class Sheets:
 
     def __iter__(self):
         core = self._core
+
+        def told():
+            warn(core.take_notes(), 3)
+
         try:
-            while (sheet := core.next()) is not None:
-                warn(core.take_notes(), 2)
+            while (sheet := core.next(told)) is not None:
                 yield sheet
         finally:
             core.end()

@@ -51,6 +51,18 @@ def test_a_report_that_ends_nothing_is_a_warning(simulated):
     assert warned[0].filename == __file__
 
 
+def test_a_report_that_does_not_end_the_batch_is_a_warning_before_the_sheet():
+    happened = []
+    with quick("OpScan 5", count=3, faults=["garble@byte=300"]) as simulation:
+        with simulation.reader(max_sheets=3) as reader:
+            with pytest.warns(kelreader.ReaderWarning) as warned:
+                for sheet in reader:
+                    happened.append((len(warned), sheet.number))
+    assert happened == [(1, 1), (1, 2), (1, 3)]
+    assert warned[0].message.report.source
+    assert warned[0].filename == __file__
+
+
 def test_an_error_can_be_sent_to_another_process():
     with kelreader.Reader("VMR138", port=5) as reader:
         with pytest.raises(kelreader.ReaderError) as raised:
