@@ -36,7 +36,7 @@ int answerParser(const CLI::App& app, const CLI::ParseError& error)
         chosen = chosen->get_subcommands().front();
         command += " " + chosen->get_name();
     }
-    return complain(std::string(error.what()) + "; '" + command + " --help' tells what there is.", kUsageStatus);
+    return complain(std::string(error.what()) + "; '" + command + " --help' shows the usage.", kUsageStatus);
 }
 
 /// The parser itself would only say that it misses a command.
@@ -58,7 +58,7 @@ void demandValues(const CLI::App& command)
         const auto isEmpty = [](const std::string& value) { return value.empty(); };
         if (option->nonpositional() && !option->get_name().starts_with("--print") &&
             std::any_of(option->results().begin(), option->results().end(), isEmpty))
-            throw host::UsageError(option->get_name() + " has an empty value; leave it out, or say what it is to be.");
+            throw host::UsageError(option->get_name() + " has an empty value; leave it out, or give it one.");
     }
     for (const CLI::App* chosen : command.get_subcommands())
         demandValues(*chosen);
@@ -85,7 +85,8 @@ void chooseLanguage(const std::string& wanted)
     const std::vector<std::string> names = languageDatabase().languageNames();
     const auto isWanted = [&](const std::string& name) { return folded(wanted).starts_with(folded(name)); };
     if (!names.empty() && std::none_of(names.begin(), names.end(), isWanted))
-        throw host::UsageError("There is no language '" + wanted + "'; there are " + listed(names, "and") + ".");
+        throw host::UsageError("There is no language '" + wanted + "'; the languages are " + listed(names, "and") +
+                               ".");
     languageDatabase().askFor(wanted);
 }
 

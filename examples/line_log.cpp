@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Reads one sheet and logs what goes over the line: a carrier of the host's own in the place of the reader's.
+// Reads one sheet and logs what goes over the line: a carrier of the host's own instead of the reader's.
 // Usage: line_log MODEL-NUMBER ROWS COLUMNS; "kelreader ports set 1 DEVICE" says which device port 1 is.
 
 #include <KELReader81U/clsKELReader.h>

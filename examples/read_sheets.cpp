@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Reads the sheets of a reader in a loop and prints the marks of each, one line a sheet.
-// Usage: read_sheets MODEL DEVICE [SHEETS]; "read_sheets VMR138 /dev/ttyUSB0", or "simulated" in place of a device.
+// Usage: read_sheets MODEL DEVICE [SHEETS]; "read_sheets VMR138 /dev/ttyUSB0", or "simulated" instead of a device.
 
 #include <KELReader81U/host/Reader.h>
 

@@ -40,7 +40,7 @@ public:
                 std::cerr << "Cannot do " << wish << '\n';
         }
         form.cmdOK.Click();
-        // A warning has kept the form open: nobody is there to mend it.
+        // A warning has kept the form open: nobody is there to correct it.
         if (form.Visible())
             form.cmdCancel.Click();
         return true;

@@ -26,7 +26,7 @@ const char* typeName(const Json& value)
 
 [[noreturn]] void refuseType(const JsonPlace& place, const char* wanted, const Json& value)
 {
-    place.refuse(std::string("has to be ") + wanted + " and is " + typeName(value));
+    place.refuse(std::string("has to be ") + wanted + ", not " + typeName(value));
 }
 
 /// The parser's own words without its names for itself: "line 1, column 5: syntax error ...".
@@ -62,12 +62,12 @@ void refuseDeepNesting(std::string_view text)
 
 std::string unknownKey(const std::string& name)
 {
-    return "has a key \"" + name + "\" that is not known";
+    return "has an unknown key \"" + name + "\"";
 }
 
 std::string unknownKey(const std::string& name, const std::vector<std::string>& known)
 {
-    std::string text = unknownKey(name) + "; there are ";
+    std::string text = unknownKey(name) + "; the keys are ";
     for (const std::string& key : known)
         text += (&key == &known.front() ? "" : ", ") + key;
     return text;
@@ -133,7 +133,7 @@ std::string readWholeFile(const std::filesystem::path& file, const FileKind& kin
         throw std::runtime_error(subject + " cannot be read: " + std::strerror(errno));
     if (text.size() > most)
         throw std::runtime_error(subject + " is larger than " + std::to_string(kind.megabytes) +
-                                 " MB, the most that is taken of such a file");
+                                 " MB, the limit for such a file");
     return text;
 }
 
@@ -174,8 +174,7 @@ void readBoundedJsonArray(const Json& value, const JsonPlace& place, std::size_t
                           const JsonReader& readElement)
 {
     if (value.is_array() && value.size() > most)
-        place.refuse("has " + std::to_string(value.size()) + " " + elements + ", and at most " + std::to_string(most) +
-                     " are taken");
+        place.refuse("has " + std::to_string(value.size()) + " " + elements + "; the limit is " + std::to_string(most));
     readJsonArray(value, place, readElement);
 }
 
@@ -215,7 +214,7 @@ Int32 readJsonLongNumber(const Json& value, const JsonPlace& place, Int32 lowest
     if (!value.is_number_integer() || tooLarge || value.get<std::int64_t>() < lowest ||
         value.get<std::int64_t>() > highest)
         place.refuse("has to be a whole number from " + std::to_string(lowest) + " to " + std::to_string(highest) +
-                     " and is " + value.dump());
+                     ", not " + value.dump());
     return value.get<Int32>();
 }
 

@@ -97,7 +97,7 @@ void readJsonObject(const Json& value, const JsonPlace& place, const JsonKeyRead
 void readJsonArray(const Json& value, const JsonPlace& place, const JsonReader& readElement);
 void readJsonArray(const Json& value, const JsonPlace& place, const std::string& elementName,
                    const JsonReader& readElement);
-/// The same for an array that may have so many elements at most: "has 2000 pages, and at most 1000 are taken".
+/// The same for an array that may have so many elements at most: "has 2000 pages; the limit is 1000".
 void readBoundedJsonArray(const Json& value, const JsonPlace& place, std::size_t most, const char* elements,
                           const JsonReader& readElement);
 [[nodiscard]] std::string readJsonText(const Json& value, const JsonPlace& place);

@@ -79,7 +79,7 @@ public:
             else if (peek() == '"' || peek() == '@')
                 value();
             else if (peek() != ';' && !atLineEnd())
-                fail("here stands no key in brackets, no value and no comment.");
+                fail("this line is neither a key in brackets, nor a value, nor a comment.");
             lineEnd();
         }
         return std::move(entries_);
@@ -92,7 +92,7 @@ private:
         if (first == "REGEDIT4")
             fail("the file is of version 4; export it again in version 5.00.");
         if (first != kRegFileHeading)
-            fail("this is no registry file, whose first line is \"" + std::string(kRegFileHeading) + "\".");
+            fail("this is not a registry file; such a file begins with \"" + std::string(kRegFileHeading) + "\".");
         take(first.size());
         lineEnd();
     }
@@ -112,7 +112,7 @@ private:
         const std::string_view name = line.substr(0, end);
         const std::optional<RegistryPath> path = registryPath(name);
         if (!path)
-            fail("the key begins with no hive such as HKEY_CURRENT_USER.");
+            fail("the key does not begin with a hive such as HKEY_CURRENT_USER.");
         if (isTooLong(*path))
             fail("the key is longer than 2,048 bytes, or more than 512 names deep.");
         if (removed && path->subKey.empty())
@@ -156,11 +156,11 @@ private:
         const std::size_t colon = line.find(':');
         const std::string kind = lowerCase(line.substr(0, colon));
         if (colon == std::string_view::npos || (kind != "dword" && kind != "hex" && !kind.starts_with("hex(")))
-            fail("the value is no text in quotes, dword: or hex:.");
+            fail("the value is neither a text in quotes nor dword: nor hex:.");
         const RegistryType type = kind == "dword" ? RegistryType::Number : hexType(kind);
         take(colon + 1);
         if (kind == "dword")
-            return {type, littleEndian(numberOf(digits(8, "dword: wants one to eight hexadecimal digits.")))};
+            return {type, littleEndian(numberOf(digits(8, "dword: needs one to eight hexadecimal digits.")))};
         return {type, isText(type) ? textOfBytes(bytes()) : bytes()};
     }
 
@@ -173,7 +173,7 @@ private:
         const std::string_view number = kind.substr(0, kind.find(')'));
         const bool closed = number.size() + 1 == kind.size();
         if (!closed || number.empty() || number.size() > 8 || !std::all_of(number.begin(), number.end(), isHexDigit))
-            fail("hex( ) wants the number of a kind, in one to eight hexadecimal digits.");
+            fail("hex( ) needs the number of a type, in one to eight hexadecimal digits.");
         return static_cast<RegistryType>(numberOf(number));
     }
 
@@ -186,7 +186,7 @@ private:
             return bytes;
         do {
             blanksAndTurns();
-            bytes += static_cast<char>(numberOf(digits(2, "hex: wants bytes of two hexadecimal digits.")));
+            bytes += static_cast<char>(numberOf(digits(2, "hex: needs bytes of two hexadecimal digits.")));
             blanksAndTurns();
         } while (takeIf(','));
         return bytes;
@@ -210,7 +210,7 @@ private:
         std::string text;
         while (!takeIf('"')) {
             if (takeIf('\\') && peek() != '\\' && peek() != '"')
-                fail("a backslash within quotes is written twice.");
+                fail("write a backslash within quotes twice.");
             if (atEnd())
                 throw RegFileError(line, "the text has no quote at its end.");
             text += peek();
@@ -263,7 +263,7 @@ private:
     {
         const std::string_view rest = restOfLine();
         if (!isNothing(rest))
-            fail("the line has more behind its end: " + std::string(rest));
+            fail("the line goes on after its end: " + std::string(rest));
         take(rest.size());
         takeIf('\r');
         takeIf('\n');

@@ -29,7 +29,7 @@ std::string readPlainText(const Json& value, const JsonPlace& place)
     if (text.empty())
         place.refuse("must not be empty");
     if (text.find(',') != std::string::npos)
-        place.refuse("is " + value.dump() + " and must not hold a comma");
+        place.refuse("is " + value.dump() + "; it must not hold a comma");
     return text;
 }
 
@@ -37,7 +37,7 @@ std::string readFormId(const Json& value, const JsonPlace& place)
 {
     std::string text = readPlainText(value, place);
     if (!std::all_of(text.begin(), text.end(), [](char c) { return c > ' ' && c <= '~'; }))
-        place.refuse("is " + value.dump() + " and may hold letters, digits and signs of the ASCII code only");
+        place.refuse("is " + value.dump() + "; it may hold only letters, digits and signs of ASCII");
     return text;
 }
 
@@ -108,7 +108,7 @@ void checkScoredQuestion(const QuestionEntry& question, const JsonPlace& place)
 void checkEssay(const QuestionEntry& question, const JsonPlace& place)
 {
     if (!question.choices.empty())
-        place.key("choices").refuse("stands at an essay, which has none");
+        place.key("choices").refuse("belongs to an essay, which has no choices");
     if (question.correctAnswers.size() != 1)
         place.refuse("has to have one text in correctAnswers, the points of the essay");
     const std::string& sPoints = question.correctAnswers.front();
@@ -181,7 +181,7 @@ GradingKey answerKeyOf(const Json& root)
     if (formIds.size() > kMostFormIds)
         whole.key("formIds").refuse("has more than two identifiers, and a reader takes one a page");
     if (formIds.size() > 1 && result.questionsOnPage.empty())
-        whole.refuse("has two form identifiers and no questionsOnPage, which has to tell where page 2 begins");
+        whole.refuse("has two form identifiers and no questionsOnPage, which has to say where page 2 begins");
     if (result.key->QuestionsCount() == 0)
         whole.refuse("has no questions");
     result.key->FormIDs(joined(formIds));

@@ -40,11 +40,10 @@ std::string printText(const std::string& text)
     const std::size_t length = line ? line->size() : text.size();
     if (length > kLongestPrintText)
         throw UsageError("A text to print has " + CStr(static_cast<std::int64_t>(length)) +
-                         " characters, and at most " + CStr(static_cast<std::int64_t>(kLongestPrintText)) +
-                         " are taken.");
+                         " characters; the limit is " + CStr(static_cast<std::int64_t>(kLongestPrintText)) + ".");
     if (line)
         return *line;
-    throw UsageError("'" + text + "' cannot be printed: a reader takes the characters of Latin-1 only.");
+    throw UsageError("'" + text + "' cannot be printed: a reader prints only characters of Latin-1.");
 }
 
 /// The host of one scan: it hears the reader's events and its reports, and makes the scan's events of them.

@@ -65,7 +65,7 @@ JsonReader single(std::optional<Range>& target, const char* both)
 {
     return [&target, both](const Json& value, const JsonPlace& place) {
         if (target)
-            place.refuse(std::string("stands beside ") + both + "; one of them says where the field is");
+            place.refuse(std::string("repeats the place of the field; give one of ") + both);
         const Int16 at = readJsonNumber(value, place, 1, kMostCells);
         target = Range{at, at, place};
     };
@@ -75,7 +75,7 @@ JsonReader range(std::optional<Range>& target, const char* both)
 {
     return [&target, both](const Json& value, const JsonPlace& place) {
         if (target)
-            place.refuse(std::string("stands beside ") + both + "; one of them says where the field is");
+            place.refuse(std::string("repeats the place of the field; give one of ") + both);
         std::vector<Int16> ends;
         readJsonArray(value, place, [&](const Json& end, const JsonPlace& here) {
             ends.push_back(readJsonNumber(end, here, 1, kMostCells));
@@ -95,7 +95,7 @@ Value oneOf(const Json& value, const JsonPlace& place, const char* first, Value 
         return ofFirst;
     if (text == second)
         return ofSecond;
-    place.refuse("has to be \"" + std::string(first) + "\" or \"" + second + "\" and is " + value.dump());
+    place.refuse("has to be \"" + std::string(first) + "\" or \"" + second + "\", not " + value.dump());
 }
 
 /// One text is a label a character; an array has a label an element.
@@ -114,7 +114,7 @@ std::vector<std::string> readLabels(const Json& value, const JsonPlace& place)
         readJsonArray(value, place,
                       [&](const Json& label, const JsonPlace& here) { labels.push_back(readJsonText(label, here)); });
     } else {
-        place.refuse("has to be a text with a character a choice, or an array of texts");
+        place.refuse("has to be a text with one character for each choice, or an array of texts");
     }
     return labels;
 }
@@ -155,7 +155,7 @@ std::vector<Int32> linesOf(const Range& range, const std::optional<Int16>& gap)
     const Int32 step = gap.value_or(Int16{1});
     const Int32 way = Int32{range.last} - range.first;
     if (way % step != 0)
-        range.place.refuse("does not come from " + CStr(range.first) + " to " + CStr(range.last) + " in steps of " +
+        range.place.refuse("does not lead from " + CStr(range.first) + " to " + CStr(range.last) + " in steps of " +
                            CStr(step));
     std::vector<Int32> lines;
     for (Int32 i = 0; i <= std::abs(way) / step; ++i)
@@ -180,7 +180,7 @@ void demandOnForm(const std::vector<Int32>& lines, const std::optional<std::vect
     const Int32 size = *std::ranges::max_element(*sizes);
     const Int32 farthest = *std::ranges::max_element(lines);
     if (farthest > size)
-        place.refuse("comes to " + std::string(what) + " " + CStr(farthest) + ", and side " + CStr(side) + " has " +
+        place.refuse("reaches " + std::string(what) + " " + CStr(farthest) + ", but side " + CStr(side) + " has " +
                      count(static_cast<std::size_t>(size), what));
 }
 
@@ -200,7 +200,7 @@ Block blockOfWindow(const Entry& entry, const JsonPlace& place, const Form& form
         place.refuse("has a window, which says where the field is; leave out side, rows and columns");
     const auto number = static_cast<std::size_t>(*entry.window);
     if (number > form.windows.size())
-        place.key("window").refuse("is " + CStr(*entry.window) + ", and the form has " +
+        place.key("window").refuse("is " + CStr(*entry.window) + ", but the form has " +
                                    count(form.windows.size(), "window"));
     const clsKELReaderWindow& window = form.windows[number - 1];
     Block block{linesOf(windowRows(window)), linesOf(windowColumns(window)), sideOfPage(window.Page()), true};
@@ -258,7 +258,7 @@ public:
     void take(const std::string& name, const JsonPlace& place)
     {
         if (!taken_.insert(name).second)
-            place.refuse("makes a column \"" + name + "\", and there is one already");
+            place.refuse("makes a second column \"" + name + "\"");
     }
 
 private:
@@ -273,8 +273,8 @@ void addFields(std::vector<Field>& fields, Names& names, const Entry& entry, con
     if (fields.size() + items.size() > kMostFields)
         place.refuse("makes more than " + CStr(static_cast<std::int64_t>(kMostFields)) + " columns of the form");
     if (choices.size() > kMostChoices)
-        place.refuse("has " + count(choices.size(), "choice") + ", and at most " +
-                     CStr(static_cast<std::int64_t>(kMostChoices)) + " are taken");
+        place.refuse("has " + count(choices.size(), "choice") + "; the limit is " +
+                     CStr(static_cast<std::int64_t>(kMostChoices)));
     const std::vector<std::string> labels = labelsFor(choices.size(), entry, place);
     const bool numbered = items.size() > 1 || entry.first;
     Int32 itemNumber = entry.first.value_or(Int16{1});

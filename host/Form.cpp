@@ -93,7 +93,7 @@ kelRecognitionType readRecognitionMode(const Json& value, const JsonPlace& place
         return kelRecognitionTypePage;
     if (mode == "window")
         return kelRecognitionTypeWindow;
-    place.refuse("has to be \"page\" or \"window\" and is " + jsonText(jsonValue(mode)));
+    place.refuse("has to be \"page\" or \"window\", not " + jsonText(jsonValue(mode)));
 }
 
 Form formOf(const Json& root)

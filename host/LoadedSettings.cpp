@@ -10,11 +10,11 @@ RegistryPath keyNamed(std::string_view text)
 {
     if (const std::optional<RegistryPath> key = registryPath(text)) {
         if (isTooLong(*key))
-            throw UsageError("A key of the registry is at most 2,048 bytes long and 512 names deep.");
+            throw UsageError("A registry key is at most 2,048 bytes long and 512 names deep.");
         return *key;
     }
     throw UsageError("'" + std::string(text) +
-                     "' is no key of the registry; write HIVE\\SUBKEY with a hive such as HKEY_CURRENT_USER or HKCU.");
+                     "' is not a registry key; write HIVE\\SUBKEY with a hive such as HKEY_CURRENT_USER or HKCU.");
 }
 
 std::vector<Failure> loadSettings(clsKELReader& reader, const RegistryPath& key)

@@ -149,7 +149,7 @@ std::filesystem::path simulatedOmrApiFile()
 {
     const std::filesystem::path file = platform().process().ComponentFolder() / kSimulatedLibrary;
     if (!std::filesystem::exists(file))
-        throw OperationError("The simulated library of the USB readers is not there: " + file.string() + ".");
+        throw OperationError("The simulated library of the USB readers is missing: " + file.string() + ".");
     return file;
 }
 

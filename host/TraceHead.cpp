@@ -69,7 +69,7 @@ public:
         Number value{};
         const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
         if (error != std::errc() || end != text.data() + text.size())
-            throw UsageError("'" + text + "' is no number that fits.");
+            throw UsageError("'" + text + "' is not a number in range.");
         return value;
     }
 

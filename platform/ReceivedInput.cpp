@@ -198,7 +198,7 @@ void ReceivedInput::failHungUp() const
 {
     throw RuntimeFailure(FailureCode::ErrorReadingDevice,
                          failureText(FailureCode::ErrorReadingDevice) + ": " + name_ +
-                             " has hung up: the reader was disconnected or switched off. Connect it and start anew.");
+                             " has hung up: the reader was disconnected or switched off. Connect it and start again.");
 }
 
 void ReceivedInput::failStuck(std::size_t bytesLeft) const

@@ -63,7 +63,8 @@ py::tuple settings(ReaderSession& reader, const std::string& key, bool load)
 {
     const std::optional<RegistryPath> path = registryPath(key);
     if (!path)
-        throw host::UsageError("'" + key + "' is no key of the settings; write HIVE\\SUBKEY with a hive such as HKCU.");
+        throw host::UsageError("'" + key +
+                               "' is not a key of the settings; write HIVE\\SUBKEY with a hive such as HKCU.");
     std::vector<host::Failure> failures;
     const bool done = reader.call([&](LiveSource& source) {
         const host::Reports reports(source.reader.object(),

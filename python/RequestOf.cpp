@@ -51,7 +51,7 @@ host::Request requestOf(const py::dict& arguments)
         request.settings = registryPath(key);
         if (!request.settings)
             throw host::UsageError("'" + key +
-                                   "' is no key of the settings; write HIVE\\SUBKEY with a hive such as HKCU.");
+                                   "' is not a key of the settings; write HIVE\\SUBKEY with a hive such as HKCU.");
     });
     use("port", [&](const py::object& value) { request.port = static_cast<Int16>(wholeNumber(value, "port", 1, 16)); });
     use("device", [&](const py::object& value) { request.device = textOf(value, "device"); });

@@ -104,7 +104,7 @@ void addSheet(py::module_& module)
             "The marks of side 2, as side1.")
         .def_property_readonly(
             "side1_timing_marks", [=](const SheetView& view) { return sheet(view).side1TimingMarks; },
-            "How many timing marks the reader counted on side 1; -1 if it told none.")
+            "How many timing marks the reader counted on side 1; -1 if it reported none.")
         .def_property_readonly(
             "side2_timing_marks", [=](const SheetView& view) { return sheet(view).side2TimingMarks; },
             "The same of side 2.")

@@ -98,7 +98,7 @@ py::dict toPython(const host::Failure& failure)
 
 void refuse(const std::string& what, const std::string& wanted, const py::handle& value)
 {
-    throw host::UsageError(what + " has to be " + wanted + " and is " + py::cast<std::string>(py::repr(value)) + ".");
+    throw host::UsageError(what + " has to be " + wanted + ", not " + py::cast<std::string>(py::repr(value)) + ".");
 }
 
 std::int64_t wholeNumber(const py::handle& value, const char* what, std::int64_t lowest, std::int64_t highest)

@@ -47,7 +47,7 @@ pybind11::dict toPython(const Dictionary& record);
 /// A report, as the arguments of the package's class `Report`.
 pybind11::dict toPython(const host::Failure& failure);
 
-/// ValueError: "port has to be a whole number from 1 to 16 and is 'a'."
+/// ValueError: "port has to be a whole number from 1 to 16, not 'a'."
 [[noreturn]] void refuse(const std::string& what, const std::string& wanted, const pybind11::handle& value);
 
 /// A whole number within bounds.

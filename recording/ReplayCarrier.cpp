@@ -167,7 +167,7 @@ void ReplayCarrier::Control::PortOpen(Boolean value)
     refuseAsRecorded("PortOpen");
     if (const auto line = player_.transcript().value("line");
         line && lineSettingsText(parseLineSettings(*line)) != lineSettingsText(parseLineSettings(settings_)))
-        player_.differ("The line is set to " + settings_ + ", and was to " + *line + ".");
+        player_.differ("The line is set to " + settings_ + "; in the transcript it was " + *line + ".");
     open_ = True;
     player_.opened();
 }

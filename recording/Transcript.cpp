@@ -77,7 +77,7 @@ double parsePause(std::string_view text, int line)
     const auto [stopped, error] = std::from_chars(number.data(), number.data() + number.size(), value);
     if (error != std::errc{} || stopped != number.data() + number.size() || !std::isfinite(value) || value < 0 ||
         value > 1e9)
-        throw TranscriptError(line, "\"" + std::string(number) + "\" is no number of milliseconds");
+        throw TranscriptError(line, "\"" + std::string(number) + "\" is not a number of milliseconds");
     return value;
 }
 
@@ -102,7 +102,7 @@ std::vector<Int32> parseNumbers(std::string_view text, int line)
         Int32 number = 0;
         const auto [stopped, error] = std::from_chars(text.data(), text.data() + text.size(), number);
         if (error != std::errc{} || (stopped != text.data() + text.size() && *stopped != ' '))
-            throw TranscriptError(line, "\"" + std::string(text) + "\" begins with no number that fits");
+            throw TranscriptError(line, "\"" + std::string(text) + "\" does not begin with a number in range");
         numbers.push_back(number);
         text.remove_prefix(static_cast<std::size_t>(stopped - text.data()));
     }
@@ -116,7 +116,7 @@ void parseCall(std::string_view text, TranscriptLine& line)
     const std::size_t sign = findUnquoted(text, '=');
     line.call = trimmed(text.substr(0, sign));
     if (sign == std::string_view::npos || !line.call.starts_with("OMR_"))
-        throw TranscriptError(line.number, "a call is as: OMR_CloseDevice = 0");
+        throw TranscriptError(line.number, "write a call as: OMR_CloseDevice = 0");
     std::string_view answer = trimmed(text.substr(sign + 1));
     line.failed = answer.starts_with(kFailure);
     if (line.failed)
@@ -176,7 +176,8 @@ TranscriptLine parseDialogueLine(std::string_view text, int number)
         break;
     case '!':
         if (trimmed(rest.substr(0, rest.find('#'))) != "unplug")
-            throw TranscriptError(number, "\"" + std::string(trimmed(rest)) + "\" is no event; there is: unplug");
+            throw TranscriptError(number,
+                                  "\"" + std::string(trimmed(rest)) + "\" is not an event; the only event is unplug");
         line.kind = TranscriptLine::Kind::Unplug;
         line.note = noteOf(rest);
         break;

@@ -104,7 +104,7 @@ void TranscriptDevice::differ(Byte byte)
     differs_ = true;
     const std::string sent(1, static_cast<char>(byte));
     if (finished()) {
-        errors_.push_back("the host sent " + transcriptBytes(sent) + " behind the end of the transcript");
+        errors_.push_back("the host sent " + transcriptBytes(sent) + " after the end of the transcript");
         return;
     }
     const TranscriptLine& line = steps_[position_].line;

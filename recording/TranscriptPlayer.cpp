@@ -126,7 +126,7 @@ bool TranscriptPlayer::send(std::string_view bytes)
         return false;
     for (std::size_t i = 0; i < bytes.size() && differences_.empty(); ++i) {
         if (position_ == steps_.size()) {
-            differ("The host sent " + shown(bytes.substr(i)) + " behind the end of the transcript.");
+            differ("The host sent " + shown(bytes.substr(i)) + " after the end of the transcript.");
         } else if (const TranscriptLine& line = steps_[position_].line; line.kind != TranscriptLine::Kind::ToReader) {
             differ(place(line) + ": the host sent " + shown(bytes.substr(i)) + " where \"" + shown(line) +
                    "\" comes from the reader first.");

@@ -154,10 +154,10 @@ std::string stateMetrics(const Json& state)
             metric.value(ofReader(reader), reader.at(field).get<std::int64_t>());
     };
     const auto gauge = [&](const char* name, const char* help) { return Metric(text, name, "gauge", help); };
-    count("kelreader_sheets_total", "sheets", "Sheets that were read and stored since the station began.");
-    count("kelreader_rejected_total", "rejected", "Those of them that were rejected.");
+    count("kelreader_sheets_total", "sheets", "Sheets that were read and stored since the station started.");
+    count("kelreader_rejected_total", "rejected", "Sheets that were read, stored and rejected.");
     count("kelreader_failures_total", "failures", "Failures that were reported; one that lasts counts once.");
-    Metric states = gauge("kelreader_reader_state", "1 for the state in which the reader is.");
+    Metric states = gauge("kelreader_reader_state", "1 for the reader's current state.");
     for (const Json& reader : state.at("readers")) {
         for (const Activity activity : kActivities)
             states.value(ofReader(reader) + ",state=" + label(std::string(nameOf(activity))),
@@ -169,17 +169,17 @@ std::string stateMetrics(const Json& state)
         if (reader.at("lastSheet").is_string())
             lastSheets.value(ofReader(reader), epochSeconds(reader.at("lastSheet").get<std::string>()));
     }
-    gauge("kelreader_station_start_timestamp_seconds", "When the station began.")
+    gauge("kelreader_station_start_timestamp_seconds", "When the station started.")
         .value(station, epochSeconds(state.at("since").get<std::string>()));
-    gauge("kelreader_store_problem", "1 while the store takes no sheets.")
+    gauge("kelreader_store_problem", "1 while the store accepts no sheets.")
         .value(station, state.at("storeProblem").get<std::string>().empty() ? 0 : 1);
     if (const Json& stream = state.at("stream"); !stream.is_null()) {
-        gauge("kelreader_stream_up", "1 while the stream takes sheets.")
+        gauge("kelreader_stream_up", "1 while the stream accepts sheets.")
             .value(station, stream.at("up").get<bool>() ? 1 : 0);
         gauge("kelreader_stream_unsent", "Sheets and reports of the store that the stream does not have.")
             .value(station, stream.at("unsent").get<std::int64_t>());
     }
-    gauge("kelreader_store_size_bytes", "What the store takes on the disk.")
+    gauge("kelreader_store_size_bytes", "Size of the store on the disk.")
         .value(station, state.at("storeBytes").get<std::int64_t>());
     gauge("kelreader_page_watchers", "Pages that watch the station.")
         .value(station, state.at("watchers").get<std::int64_t>());

@@ -64,7 +64,7 @@ void Station::end(std::vector<std::unique_ptr<StationReader>> readers)
 void Station::change(StationPlan plan)
 {
     if (plan.content != plan_.content)
-        tell_("What the file says of the station as a whole has changed; it counts after the next start.");
+        tell_("Settings of the station as a whole have changed; they take effect at the next start.");
     std::vector<std::unique_ptr<StationReader>> gone;
     {
         const std::lock_guard lock(mutex_);

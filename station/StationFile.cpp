@@ -45,7 +45,7 @@ std::string readFilled(const Json& value, const JsonPlace& place)
 {
     std::string text = readJsonText(value, place);
     if (text.empty())
-        place.refuse("is empty; leave it out, or say what it is to be");
+        place.refuse("is empty; leave it out, or give it a value");
     return text;
 }
 
@@ -87,7 +87,7 @@ public:
         if (plan_.socket.empty())
             plan_.socket = plan_.store.string() + "-socket";
         if (plan_.socket.native().size() > kLongestSocket)
-            faults_.add({"socket"}, "is longer than a socket's name may be (" + std::to_string(kLongestSocket) +
+            faults_.add({"socket"}, "is longer than the name of a socket may be (" + std::to_string(kLongestSocket) +
                                         " bytes); give it a shorter one");
         if (plan_.page && plan_.metrics && plan_.page->port != 0 && plan_.page->port == plan_.metrics->port)
             faults_.add({"metrics.port"}, "is the port of the page; give it another one");
@@ -303,7 +303,7 @@ private:
         readBoundedJsonArray(value, place, kMostReaders, "readers",
                              [&](const Json& reader, const JsonPlace& here) { readReader(reader, here); });
         if (plan_.readers.empty())
-            place.refuse("holds none");
+            place.refuse("has no reader");
     }
 
     void readReader(const Json& value, const JsonPlace& place)
@@ -334,10 +334,10 @@ private:
         const auto taken = std::find_if(plan_.readers.begin(), plan_.readers.end(),
                                         [&](const ReaderPlan& other) { return other.name == plan.name; });
         if (taken != plan_.readers.end())
-            faults_.add(place.key("name"), "is \"" + plan.name + "\", as that of another reader");
+            faults_.add(place.key("name"), "is \"" + plan.name + "\", which another reader has, too");
         const std::string line = request.port ? "port " + CStr(*request.port) : request.device;
         if (const auto [other, isNew] = lines_.emplace(line, plan.name); !line.empty() && !isNew)
-            faults_.add(place, "has " + line + ", as the reader \"" + other->second + "\"");
+            faults_.add(place, "has " + line + ", which the reader \"" + other->second + "\" has, too");
         if (request.model || request.settings)
             faults_.attempt(place, [&] { const host::Reader probe(request); });
     }

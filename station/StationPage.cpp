@@ -41,7 +41,7 @@ WebAnswer file(std::string_view text, const char* type)
 
 WebAnswer nothingThere()
 {
-    return {.status = kNotFound, .body = "There is nothing of that name.\n"};
+    return {.status = kNotFound, .body = "There is nothing with that name.\n"};
 }
 
 std::optional<std::int64_t> numberOf(const std::string& text)
@@ -61,7 +61,7 @@ std::string timeOf(const WebRequest& request)
         return {};
     if (const auto time = storeTimeOf(since))
         return *time;
-    throw host::UsageError("\"" + since + "\" is no time; write 2024-01-31 or 2024-01-31 12:00.");
+    throw host::UsageError("\"" + since + "\" is not a time; write 2024-01-31 or 2024-01-31 12:00.");
 }
 
 /// A name as a part of a file's name.
@@ -151,7 +151,7 @@ WebAnswer StationPage::sheets(const WebRequest& request) const
     const std::string before = request.value("before");
     const auto from = before.empty() ? 0 : numberOf(before);
     if (!from)
-        throw host::UsageError("\"" + before + "\" is no number of a sheet.");
+        throw host::UsageError("\"" + before + "\" is not the number of a sheet.");
     return {.type = kJson, .body = pageRows(StoredSheets(store_).find(search, *from, kRowsAtOnce)).dump() + "\n"};
 }
 

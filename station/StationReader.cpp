@@ -19,7 +19,7 @@ std::string_view toldAs(Activity activity)
 {
     switch (activity) {
     case Activity::Reading: return "reads";
-    case Activity::Idle: return "has no more sheets; it is tried again";
+    case Activity::Idle: return "has no more sheets; the station tries it again";
     case Activity::Stopped: return "is stopped";
     default: return {};
     }

@@ -103,7 +103,7 @@ private:
             if (!failure.isConflict())
                 throw;
             throw EntryRefused("Sheet " + CStr(sheet->sheet.number) + " of the batch " + entry.origin.batch +
-                               " of the reader " + entry.origin.reader + " is there already, and is another sheet.");
+                               " of the reader " + entry.origin.reader + " already exists, as another sheet.");
         }
     }
 

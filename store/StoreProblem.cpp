@@ -11,17 +11,17 @@ std::string sentence(const std::string& file, const SqliteFailure& failure)
 {
     if (failure.isFull())
         return "The store " + file +
-               " takes no more: its disk has no space left. Free some, or forget old sheets with 'kelreader sheets "
+               " is full: its disk has no space left. Free some, or remove old sheets with 'kelreader sheets "
                "FILE --forget --before T'.";
     if (failure.isBusy())
         return "The store " + file + " is locked by another program; end what holds it.";
     if (failure.isDamage())
         return "The store " + file + " is damaged: " + failure.what() +
-               ". Move it away, and a new one is made; what 'sqlite3 FILE .recover' saves of it can be read.";
+               ". Move it away, and a new store is made; 'sqlite3 FILE .recover' saves what can be read.";
     if (failure.isAccess())
         return "The store " + file + " cannot be opened for writing: " + failure.what() +
                ". May this user write the file and its folder?";
-    return "The store " + file + " cannot be used: " + failure.what() + ". Is its disk there, and has it space?";
+    return "The store " + file + " cannot be used: " + failure.what() + ". Is its disk there, and does it have space?";
 }
 
 } // namespace

@@ -146,7 +146,7 @@ void checkStore(SqliteDatabase& database, const std::filesystem::path& file)
     const std::int64_t version = knownVersion(database, file);
     if (version < kStoreVersion)
         throw StoreProblem("The store " + file.string() + " has version " + std::to_string(version) +
-                           ", which a scan or a station brings up to date when it opens it; let one do so first.");
+                           ", which a scan or a station brings up to date when it opens it; run one of them first.");
 }
 
 } // namespace kel

@@ -119,7 +119,7 @@ JsonReader into(std::string& target, const char* what)
     return [&target, what](const Json& v, const JsonPlace& p) {
         target = readJsonText(v, p);
         if (target.empty())
-            p.refuse(std::string("is empty, and has to be ") + what);
+            p.refuse(std::string("is empty; it has to be ") + what);
     };
 }
 
@@ -261,7 +261,7 @@ Entry entryIn(std::string_view content)
                               {"time", [&](const Json& v, const JsonPlace& p) {
                                    const auto time = storeTimeOf(readJsonText(v, p));
                                    if (!time)
-                                       p.refuse("is no time; it has to be as 2024-01-31T12:00:00.000Z");
+                                       p.refuse("is not a time; write it as 2024-01-31T12:00:00.000Z");
                                    entry.time = *time;
                                }}};
     if (isSheet)

@@ -71,22 +71,21 @@ std::string exposureOf(const std::filesystem::path& file)
     struct stat facts {};
     if (file.empty() || ::stat(file.c_str(), &facts) != 0 || (facts.st_mode & S_IRWXO) == 0)
         return {};
-    return "The file " + file.string() +
-           " may be read by everybody, and is to be secret; say 'chmod o= " + file.string() + "'.";
+    return "The file " + file.string() + " is a secret that everybody may read; use 'chmod o= " + file.string() + "'.";
 }
 
 std::string faultOf(const StreamAddress& address)
 {
     if (address.servers.empty())
-        return "No server of the stream is named; name one as nats://host:4222 or tls://host:4222.";
+        return "The stream has no server; name one as nats://host:4222 or tls://host:4222.";
     for (const std::string& server : address.servers) {
         if (!isServer(server))
-            return "The text '" + server + "' is no server of a stream; write nats://host:4222 or tls://host:4222.";
+            return "The text '" + server + "' is not a server of a stream; write nats://host:4222 or tls://host:4222.";
     }
     if (!isStreamName(address.stream))
-        return "The text '" + address.stream + "' cannot be the name of a stream; take letters, digits and \"-\".";
+        return "The text '" + address.stream + "' cannot be the name of a stream; use letters, digits and \"-\".";
     if (!isSubject(address.subject))
-        return "The text '" + address.subject + "' cannot begin a subject; take letters and digits, with dots between.";
+        return "The text '" + address.subject + "' cannot begin a subject; use letters and digits, with dots between.";
     for (const std::filesystem::path& file :
          {address.authority, address.certificate, address.key, address.credentials}) {
         if (const std::string fault = unreadable(file); !fault.empty())

@@ -81,8 +81,9 @@ void checkModemLines(CheckRun& run, const Answer& answer)
     result.status = CheckStatus::Pass;
     if (needed && !answer.section.modem->clearToSend) {
         result.status = CheckStatus::Warn;
-        result.advice = "With hardware handshaking nothing is sent while CTS is off: is the reader on, and has the "
-                        "cable RTS and CTS?";
+        result.advice =
+            "With hardware handshaking nothing is sent while CTS is off. Is the reader on, and does the cable "
+            "have RTS and CTS?";
     }
     run.add(result);
 }

@@ -120,7 +120,7 @@ std::string resultLine(const CheckResult& result)
 CheckReport parseReport(const std::string& text, const std::string& fileName)
 {
     if (!isReport(text))
-        throw host::UsageError(fileName + " is no report of 'kelreader check'; --report FILE writes one.");
+        throw host::UsageError(fileName + " is not a report of 'kelreader check'; --report FILE writes one.");
     CheckReport report;
     // A file that was cut off may end in the middle of a line.
     const std::string_view whole = std::string_view(text).substr(0, text.rfind('\n') + 1);
@@ -141,9 +141,9 @@ CheckReport parseReport(const std::string& text, const std::string& fileName)
     } catch (const TranscriptError& error) {
         throw host::UsageError(fileName + " is broken: in one of its sections, " + error.what() + ".");
     } catch (const JsonRefusal& refusal) {
-        throw host::UsageError(fileName + " is broken: of a result, " + refusal.what() + ".");
+        throw host::UsageError(fileName + " is broken: in a result, " + refusal.what() + ".");
     } catch (const Json::exception&) {
-        throw host::UsageError(fileName + " is broken: one of its results is none.");
+        throw host::UsageError(fileName + " is broken: one of its results is not JSON.");
     }
     return report;
 }

@@ -102,7 +102,7 @@ CheckResult checkTimingMarks(const SheetsSeen& seen)
             if (fewer || missesRows(sides[at], sides[other])) {
                 result.status = CheckStatus::Fail;
                 result.seen =
-                    "sheet " + std::to_string(at + 1) + " has rows less than sheet " + std::to_string(other + 1);
+                    "sheet " + std::to_string(at + 1) + " has fewer rows than sheet " + std::to_string(other + 1);
                 result.cause = Cause::SkewedSheet;
                 return result;
             }

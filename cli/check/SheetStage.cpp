@@ -56,7 +56,7 @@ Answer askBehind(CheckRun& run)
     std::vector<Ask> asks = run.dialect().asks;
     if (run.dialect().dialect == Dialect::SekonicLarge || run.dialect().dialect == Dialect::SekonicSmall)
         asks.push_back({"\x05T\r"});
-    return run.ask("behind the sheets", run.question(asks));
+    return run.ask("after the sheets", run.question(asks));
 }
 
 } // namespace
@@ -67,7 +67,7 @@ void sheetStage(CheckRun& run)
         run.add({.stage = kStage,
                  .name = "sheets",
                  .status = CheckStatus::Skipped,
-                 .advice = "--sheets N reads some: the same one N times."});
+                 .advice = "--sheets N reads the same sheet N times."});
         return;
     }
     if (!run.plan().yes && !run.person().doThis(prompt(run)))

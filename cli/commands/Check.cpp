@@ -50,21 +50,21 @@ void demandSense(const Arguments& arguments)
     if (!arguments.replayFile.empty())
         return;
     if (arguments.model.empty())
-        throw host::UsageError("--model is required; 'kelreader models' lists them.");
+        throw host::UsageError("--model is required; 'kelreader models' lists the models.");
     const bool usb = host::isUsbModel(host::modelNamed(arguments.model));
     const bool line = arguments.port || !arguments.device.empty();
     if (usb && line)
-        throw host::UsageError("This is a USB model, which has no line; leave --port and --device out, and say "
-                               "--omrapi FILE if the maker's library lies elsewhere.");
+        throw host::UsageError("A USB model has no line; leave --port and --device out, and use --omrapi FILE if the "
+                               "maker's library is elsewhere.");
     if (!usb && !arguments.omrApiFile.empty())
-        throw host::UsageError("--omrapi is for USB models; this one has a line: say --port N or --device PATH.");
+        throw host::UsageError("--omrapi is for USB models; this one has a line: use --port N or --device PATH.");
     if (!usb && !line && !arguments.simulate)
         throw host::UsageError("Where is the reader? Say --port N, --device PATH or --simulate ('kelreader ports' "
-                               "lists the devices that are there).");
+                               "lists the devices).");
     if (!arguments.simulate && (!arguments.faults.empty() || !arguments.settings.empty()))
         throw host::UsageError("The options of a simulated reader go with --simulate.");
     if (arguments.mask && arguments.reportFile.empty())
-        throw host::UsageError("--mask is about a report; say --report FILE, too.");
+        throw host::UsageError("--mask needs --report FILE.");
 }
 
 CheckPlan planOf(const Arguments& arguments)
@@ -200,7 +200,7 @@ int checkReport(const Arguments& arguments)
         std::cerr << "kelreader: The check differs from its report. " << difference << std::endl;
     if (!report.whole)
         std::cerr << "kelreader: " << arguments.replayFile
-                  << " ends before the check did; the verdict is that of what is there." << std::endl;
+                  << " ends before the check did; the verdict covers only what it holds." << std::endl;
     if (InterruptNote::came())
         return kInterruptedStatus;
     return judge(results).usable && bench.differences().empty() ? kDoneStatus : kFailedStatus;
@@ -214,31 +214,31 @@ int run(const Arguments& arguments)
 
 void addReaderOptions(CLI::App& command, Arguments& arguments)
 {
-    command.add_option("--model", arguments.model, "The model, by number or name");
+    command.add_option("--model", arguments.model, "Model, by number or name");
     CLI::Option* port =
-        command.add_option("--port", arguments.port, "The reader's port number ('kelreader ports')")->type_name("N");
-    CLI::Option* device =
-        command.add_option("--device", arguments.device, "The reader's device, or a remote line as rfc2217:HOST:PORT")
-            ->type_name("PATH")
-            ->excludes(port);
+        command.add_option("--port", arguments.port, "Port number of the reader (see 'kelreader ports')")
+            ->type_name("N");
+    CLI::Option* device = command
+                              .add_option("--device", arguments.device,
+                                          "Device of the reader, or a remote line such as rfc2217:HOST:PORT")
+                              ->type_name("PATH")
+                              ->excludes(port);
     command
         .add_option("--omrapi", arguments.omrApiFile,
-                    "The library of the USB readers' maker, in place of the usual one")
+                    "OMRAPI library of the USB readers' maker, if not in the usual place")
         ->type_name("FILE");
-    command.add_flag("--simulate", arguments.simulate, "A simulated reader, to see what a check is like")
-        ->excludes(port)
-        ->excludes(device);
-    command.add_option("--form", arguments.formFile, "The form of the sheets, as JSON")->type_name("FILE");
+    command.add_flag("--simulate", arguments.simulate, "Checks a simulated reader")->excludes(port)->excludes(device);
+    command.add_option("--form", arguments.formFile, "Form of the sheets (JSON)")->type_name("FILE");
     command
         .add_option("--set", arguments.assignments,
-                    "Sets a property of the reader, or of its printer as Printer.Distance=10")
+                    "Sets a property of the reader or of its printer, such as Printer.Distance=10")
         ->type_name("Property=Value")
         ->allow_extra_args(false);
-    command.add_option("--fault", arguments.faults, "What is wrong with the simulated reader")
+    command.add_option("--fault", arguments.faults, "Simulates a fault; 'kelreader simulate --list-faults' lists them")
         ->type_name("FAULT")
         ->allow_extra_args(false)
         ->group("Simulated reader");
-    command.add_option("--setting", arguments.settings, "What only this simulated model has: NAME=VALUE")
+    command.add_option("--setting", arguments.settings, "Model-specific option: NAME=VALUE")
         ->type_name("NAME=VALUE")
         ->allow_extra_args(false)
         ->group("Simulated reader");
@@ -249,29 +249,30 @@ void addReaderOptions(CLI::App& command, Arguments& arguments)
 void addCheckCommand(Commands& commands)
 {
     const auto arguments = std::make_shared<Arguments>();
-    CLI::App& command = commands.add("check", "Finds out whether a reader works, and if not what is wrong",
+    CLI::App& command = commands.add("check", "Checks whether a reader works and, if not, what is wrong",
                                      [arguments] { return run(*arguments); });
     addReaderOptions(command, *arguments);
-    command.add_option("--sheets", arguments->sheets, "Reads so many copies of one sheet; without it no paper moves")
+    command.add_option("--sheets", arguments->sheets, "Reads N copies of one sheet; without it no paper moves")
         ->check(CLI::Range(0, kMostSheets))
         ->type_name("N");
-    command.add_flag("--yes", arguments->yes, "The sheets lie in the feeder: asks for nothing");
+    command.add_flag("--yes", arguments->yes, "Asks nobody to insert sheets: they are in the feeder");
     command.add_flag("--search", arguments->search,
                      "Tries other speeds, parities, handshakes and models if nothing answers");
     command.add_flag("--interactive", arguments->interactive,
-                     "Asks for what only you can see: feeder, reject hopper, print, stop, cable");
+                     "Asks you what only you can see: feeder, reject hopper, print, stop, cable");
     CLI::Option* report =
-        command.add_option("--report", arguments->reportFile, "Writes all that is found out into one file to mail")
+        command.add_option("--report", arguments->reportFile, "Writes all findings into one file to mail")
             ->type_name("FILE");
     command.add_flag("--mask", arguments->mask, "Leaves marks, barcodes and record fields out of the report");
-    command.add_option("--replay", arguments->replayFile, "Checks again what a report holds, without a reader")
+    command.add_option("--replay", arguments->replayFile, "Repeats the check of a report, without a reader")
         ->type_name("FILE")
         ->excludes(report);
     addFormat(command, arguments->format, {"table", "json"});
     command.footer(
         "The stages: the line; whether the reader answers; three sessions; sheets; what you confirm; whether all is as "
-        "it was. Before the sheets nothing is sent that moves paper, prints, or stores anything in the reader.\n"
-        "Exit status: 0 all is well or nearly so, 1 something failed, 2 wrong usage, 130 interrupted.");
+        "it was. Before the sheets the check sends nothing that moves paper, prints, or stores anything in the "
+        "reader.\n"
+        "Exit status: 0 the reader can be used, 1 it cannot, 2 wrong usage, 130 interrupted.");
 }
 
 } // namespace kel

@@ -41,10 +41,10 @@ int run(const Arguments& arguments)
     }
     reports.tell();
     if (!reader.Profiles()->Item(CStr(reader.ReaderType()))->FirmwareEnabled())
-        std::cerr << "kelreader: " << reader.ReaderName() << " does not tell its firmware version." << std::endl;
+        std::cerr << "kelreader: " << reader.ReaderName() << " does not report its firmware version." << std::endl;
     else
-        std::cerr << "kelreader: No " << reader.ReaderName() << " told its firmware version at port " << reader.Port()
-                  << ". Is it switched on and connected?" << std::endl;
+        std::cerr << "kelreader: No " << reader.ReaderName() << " reported its firmware version at port "
+                  << reader.Port() << ". Is it switched on and connected?" << std::endl;
     return kFailedStatus;
 }
 

@@ -32,7 +32,7 @@ int list(const Arguments& arguments)
 Int16 portNumber(const Arguments& arguments)
 {
     if (arguments.port < host::kFirstPort || arguments.port > host::kLastPort)
-        throw host::UsageError("Ports have the numbers " + CStr(host::kFirstPort) + " to " + CStr(host::kLastPort) +
+        throw host::UsageError("Port numbers are " + CStr(host::kFirstPort) + " to " + CStr(host::kLastPort) +
                                ", not " + CStr(arguments.port) + ".");
     return static_cast<Int16>(arguments.port);
 }
@@ -45,10 +45,10 @@ int set(const Arguments& arguments)
     const std::string device = host::wholeName(arguments.device);
     if (device.size() > PortMap::kLongestDevice)
         throw host::UsageError("The name of the device is " + CStr(static_cast<std::int64_t>(device.size())) +
-                               " bytes long, and at most " + CStr(static_cast<std::int64_t>(PortMap::kLongestDevice)) +
-                               " are taken.");
+                               " bytes long; the limit is " + CStr(static_cast<std::int64_t>(PortMap::kLongestDevice)) +
+                               ".");
     if (!host::mapPort(iPort, device))
-        throw CommandFailure("The settings store cannot be written, so port " + CStr(iPort) + " stays as it was.");
+        throw CommandFailure("The settings store cannot be written, so port " + CStr(iPort) + " is unchanged.");
 
     std::error_code ignored;
     if (device.starts_with('/') && !std::filesystem::exists(device, ignored))
@@ -67,7 +67,7 @@ int clear(const Arguments& arguments)
         return kDoneStatus;
     }
     if (!host::unmapPort(iPort))
-        throw CommandFailure("The settings store cannot be written, so port " + CStr(iPort) + " stays as it was.");
+        throw CommandFailure("The settings store cannot be written, so port " + CStr(iPort) + " is unchanged.");
     return kDoneStatus;
 }
 

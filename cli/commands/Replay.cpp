@@ -73,8 +73,8 @@ void addReplayCommand(Commands& commands)
     command.add_flag("--fields", arguments->fields,
                      "Prints the columns that the form names instead of the marks; with json and csv");
     command.add_option("--out", arguments->outFile, "Writes to a file instead of standard output")->type_name("FILE");
-    command.footer("Recorded waits take no time. The exit status is that of a scan, and "
-                   "1 as well if the session does not send what the transcript has.");
+    command.footer("Recorded waits take no time. The exit status is that of a scan, or 1 if the session sends anything "
+                   "else than the transcript has.");
 }
 
 } // namespace kel

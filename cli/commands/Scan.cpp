@@ -95,11 +95,11 @@ void demandLine(const Arguments& arguments, const clsKELReader& reader)
     if (!named && reader.Port() == 0 && !usb)
         throw host::UsageError(
             "Where is the reader? Use --port N, --device PATH or --simulate ('kelreader ports' lists the "
-            "devices that are there).");
+            "devices).");
     if (!arguments.traceFile.empty() && arguments.traceFile == arguments.outFile)
         throw host::UsageError("--out and --trace cannot share a file; name another one for either.");
     if (arguments.storeFile.empty() && (!arguments.readerName.empty() || !arguments.batchName.empty()))
-        throw host::UsageError("--reader and --batch name what goes into a store; say --store FILE, too.");
+        throw host::UsageError("--reader and --batch need --store FILE.");
     if (arguments.simulator.given() && !arguments.simulate)
         throw host::UsageError("The options of a simulated reader go with --simulate.");
 }

@@ -50,7 +50,7 @@ std::string shown(const std::string& name)
 
 [[noreturn]] void failToWrite(const RegistryPath& key)
 {
-    throw CommandFailure("The settings store cannot be written, so " + registryPathText(key) + " stays as it was.");
+    throw CommandFailure("The settings store cannot be written, so " + registryPathText(key) + " is unchanged.");
 }
 
 /// The key, which has to be there.

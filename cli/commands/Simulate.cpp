@@ -35,7 +35,7 @@ int run(const Arguments& arguments)
     if (arguments.listFaults)
         return listFaults(arguments.model);
     if (arguments.model.empty())
-        throw host::UsageError("--model is required; 'kelreader simulate --help' tells what there is.");
+        throw host::UsageError("--model is required; 'kelreader simulate --help' shows the usage.");
     const kelReaderType model = host::modelNamed(arguments.model);
     const host::Form form = arguments.formFile.empty() ? host::Form() : host::readFormFile(pathOf(arguments.formFile));
     const PlayedModel played{model, form, arguments.simulator.simulation()};
@@ -58,7 +58,7 @@ void addSimulateCommand(Commands& commands)
     arguments->simulator.addTo(command);
     command.footer(
         "The first line of output names the device to open, or for a USB model the library to load ('kelreader scan "
-        "--omrapi'); each line after it tells what became of a sheet, or what the host did wrongly. Every program that "
+        "--omrapi'); each line after it reports a sheet, or an error of the host. Every program that "
         "loads the library finds all the sheets.");
 }
 

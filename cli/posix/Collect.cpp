@@ -72,31 +72,32 @@ void addCollectCommand(Commands& commands)
         return command.add_option(option, target, text)->type_name(type)->envname(variable);
     };
     StreamAddress& address = arguments->address;
-    add("--from", "KELREADER_FROM", address.servers, "URL,...", "Servers of the stream, any of which will do")
+    add("--from", "KELREADER_FROM", address.servers, "URL,...", "Servers of the stream; any one is enough")
         ->required()
         ->delimiter(',');
     add("--store", "KELREADER_STORE", arguments->storeFile, "FILE",
-        "The store that takes them; it is made if there is none")
+        "Store for the sheets; created if it does not exist")
         ->required();
-    add("--stream", "KELREADER_STREAM", address.stream, "NAME", "The stream's name")->capture_default_str();
-    add("--subject", "KELREADER_SUBJECT", address.subject, "TEXT", "What the subjects of its messages begin with")
+    add("--stream", "KELREADER_STREAM", address.stream, "NAME", "Name of the stream")->capture_default_str();
+    add("--subject", "KELREADER_SUBJECT", address.subject, "TEXT", "Beginning of the subjects of its messages")
         ->capture_default_str();
     add("--durable", "KELREADER_DURABLE", arguments->durable, "NAME",
-        "The name by which the stream remembers what this collector has; another name begins anew")
+        "Name by which the stream remembers what this collector has; a new name starts at the beginning")
         ->capture_default_str();
     add("--authority", "KELREADER_AUTHORITY", address.authority, "FILE",
-        "Certificates that the servers' are checked against");
+        "Certificates of the authority that signed the servers' certificates");
     CLI::Option* certificate =
-        add("--certificate", "KELREADER_CERTIFICATE", address.certificate, "FILE", "The certificate of this side");
-    CLI::Option* key = add("--key", "KELREADER_KEY", address.key, "FILE", "Its key");
+        add("--certificate", "KELREADER_CERTIFICATE", address.certificate, "FILE", "Certificate of the collector");
+    CLI::Option* key = add("--key", "KELREADER_KEY", address.key, "FILE", "Key of the certificate");
     certificate->needs(key);
     key->needs(certificate);
     add("--credentials", "KELREADER_CREDENTIALS", address.credentials, "FILE",
-        "Who this side is, as the administrator gave it out");
-    command.footer("A sheet is acknowledged when it is safe on the disk; one that comes twice is one row. A message "
-                   "that cannot be read goes into the table 'unread' of the store. Ctrl-C and SIGTERM end it in "
-                   "order.\n"
-                   "Exit status: 130 ended, 1 the store cannot be written, 2 wrong usage.");
+        "Credentials file from the servers' administrator");
+    command.footer(
+        "The collector acknowledges a sheet when it is safe on the disk; a sheet that comes twice is one row. A "
+        "message that cannot be read goes into the table 'unread' of the store. Ctrl-C and SIGTERM end the "
+        "collector in order.\n"
+        "Exit status: 130 ended, 1 the store cannot be written, 2 wrong usage.");
 }
 
 } // namespace kel

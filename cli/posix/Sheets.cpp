@@ -36,14 +36,15 @@ std::string timeNamed(const char* option, const std::string& text)
         return {};
     if (const auto time = storeTimeOf(text))
         return *time;
-    throw host::UsageError(std::string(option) + " has '" + text +
-                           "', which is no time; write 2024-01-31 or \"2024-01-31 12:00\", and a Z after it for UTC.");
+    throw host::UsageError(
+        std::string(option) + " has '" + text +
+        "', which is not a time; write 2024-01-31 or \"2024-01-31 12:00\", with a Z after it for UTC.");
 }
 
 int forget(const Arguments& arguments)
 {
     if (arguments.before.empty())
-        throw host::UsageError("--forget needs --before T: what is older is gone for good.");
+        throw host::UsageError("--forget needs --before T; it removes older sheets and reports for good.");
     StoredSheets store(arguments.storeFile);
     using Forget = StoredSheets::Forget;
     const auto forgotten =
@@ -53,7 +54,7 @@ int forget(const Arguments& arguments)
     if (forgotten.kept > 0)
         std::cerr << "kelreader: " << forgotten.kept
                   << (forgotten.kept == 1 ? " sheet or report stays" : " sheets and reports stay")
-                  << ": the stream does not have them yet. Let the station send them first, or say --force."
+                  << ": the stream does not have them yet. Let the station send them first, or use --force."
                   << std::endl;
     return kDoneStatus;
 }
@@ -122,29 +123,30 @@ void addSheetsCommand(Commands& commands)
     const auto arguments = std::make_shared<Arguments>();
     CLI::App& command =
         commands.add("sheets", "Shows the sheets that a store holds", [arguments] { return run(*arguments); });
-    command.add_option("store", arguments->storeFile, "The store that a scan or a station writes")
+    command.add_option("store", arguments->storeFile, "Store that a scan or a station writes")
         ->required()
         ->type_name("FILE");
-    command.add_option("--reader", arguments->reader, "Those of a reader alone")->type_name("NAME");
-    command.add_option("--batch", arguments->batch, "Those of a batch alone")->type_name("NAME");
+    command.add_option("--reader", arguments->reader, "Shows the sheets of one reader")->type_name("NAME");
+    command.add_option("--batch", arguments->batch, "Shows the sheets of one batch")->type_name("NAME");
     command
-        .add_option("--since", arguments->since,
-                    "Those from a time on, such as 2024-01-31 or \"2024-01-31 12:00\"; with a Z after it in UTC")
+        .add_option(
+            "--since", arguments->since,
+            "Shows the sheets from this time on, such as 2024-01-31 or \"2024-01-31 12:00\"; with a Z after it in UTC")
         ->type_name("TIME");
-    command.add_flag("--follow", arguments->follow, "Goes on with sheets as they come, until Ctrl-C");
+    command.add_flag("--follow", arguments->follow, "Also shows new sheets as they come, until Ctrl-C");
     addFormat(command, arguments->format, {"json", "csv", "table"});
-    command.add_option("--pictures", arguments->pictureFolder, "Puts a picture of each sheet into a folder, as SVG")
+    command.add_option("--pictures", arguments->pictureFolder, "Saves a picture of each sheet in a folder, as SVG")
         ->type_name("FOLDER");
     CLI::Option* forget = command.add_flag("--forget", arguments->forget, "Removes sheets and reports for good");
-    command.add_option("--before", arguments->before, "With --forget: those that are older than this time")
+    command.add_option("--before", arguments->before, "With --forget: removes what is older than this time")
         ->type_name("TIME");
-    command.add_flag("--force", arguments->force, "With --forget: also what the stream does not have yet")
+    command.add_flag("--force", arguments->force, "With --forget: also removes what the stream does not have yet")
         ->needs(forget);
     for (const char* shows : {"--follow", "--reader", "--batch", "--since", "--pictures"})
         forget->excludes(shows);
     command.footer(
-        "json: a line a sheet or report, as a scan writes it, with station, reader, batch, time and id. csv: a "
-        "row a sheet, with its marks. table: a row a sheet, for the eye.\n"
+        "json: one line per sheet or report, as a scan writes it, with station, reader, batch, time and id. csv: "
+        "one row per sheet, with its marks. table: one row per sheet, easy to read.\n"
         "Exit status: 0 done, 1 the store cannot be read, 2 wrong usage, 130 interrupted.");
 }
 

@@ -123,7 +123,7 @@ void readAgain(Station& station, const std::string& name)
     if (isSound(file, name))
         station.change(std::move(file.plan));
     else
-        tell("The station goes on as it was; correct " + name + " and send SIGHUP again.");
+        tell("The station goes on unchanged; correct " + name + " and send SIGHUP again.");
     tellServiceManager("READY=1");
 }
 
@@ -180,17 +180,17 @@ int run(const Arguments& arguments)
 void addStationCommand(Commands& commands)
 {
     const auto arguments = std::make_shared<Arguments>();
-    CLI::App& command = commands.add("station", "Reads with many readers at once and keeps the sheets in a store",
+    CLI::App& command = commands.add("station", "Reads with many readers at once and saves the sheets in a store",
                                      [arguments] { return run(*arguments); });
-    command.add_option("file", arguments->file, "The station: its store and its readers, as JSON")
+    command.add_option("file", arguments->file, "Station file (JSON): its store and its readers")
         ->type_name("FILE")
         ->capture_default_str();
     CLI::Option* check =
-        command.add_flag("--check", arguments->check, "Tells all that is wrong with the file, and reads nothing");
-    CLI::Option* state = command.add_flag("--state", arguments->state, "Shows how the station at work does");
+        command.add_flag("--check", arguments->check, "Lists every mistake in the file, and reads nothing");
+    CLI::Option* state = command.add_flag("--state", arguments->state, "Shows the state of the running station");
     state->excludes(check);
     arguments->format = "table";
-    command.add_option("--format", arguments->format, "How to write the state")
+    command.add_option("--format", arguments->format, "Format of the state")
         ->check(CLI::IsMember({"table", "json", "metrics"}))
         ->capture_default_str()
         ->needs(state);

@@ -3,7 +3,7 @@
 // Usage: ReadBatch MODEL-NUMBER PORT SHEETS [ROWS COLUMNS]
 //
 // KELReader81U.dll is registered (regsvr32 KELReader81U.dll), or the program's manifest names it. KELReader81U.h is
-// made from KELReader81U.idl; initguid.h in front of it defines the identifiers.
+// made from KELReader81U.idl; initguid.h before it defines the identifiers.
 
 #include <windows.h>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Reads sheets through the COM server and tells of each; the exit status says how many were read.
+// Reads sheets through the COM server and reports each one; the exit status says how many were read.
 // Usage: cscript //nologo ReadSheets.js MODEL-NUMBER PORT SHEETS [ROWS COLUMNS]
 
 // What the component reports: without an object like this it shows message boxes.

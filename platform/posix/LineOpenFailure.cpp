@@ -103,8 +103,8 @@ RuntimeFailure overlongDeviceFailure(Int16 port, std::size_t length)
     return failure(FailureCode::InvalidPortNumber,
                    {port,
                     {},
-                    "has a device whose name is " + std::to_string(length) + " bytes long, and at most " +
-                        std::to_string(PortMap::kLongestDevice) + " are taken",
+                    "has a device whose name is " + std::to_string(length) + " bytes long; the limit is " +
+                        std::to_string(PortMap::kLongestDevice),
                     "Map it to another one" + mapTo(port)});
 }
 

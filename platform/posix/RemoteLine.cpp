@@ -50,7 +50,7 @@ OpenRemoteConnection loadModule(const std::string& line)
 RemoteLine::RemoteLine(Int16 port, const std::string& device, const RemoteAddress& address, int ended)
     : name_(lineName(port, device)), takesSettings_(address.takesSettings)
 {
-    RemoteResult result{RemoteResult::Cause::NoSuchPlace, "this is no address"};
+    RemoteResult result{RemoteResult::Cause::NoSuchPlace, "this is not an address"};
     if (!address.stream.empty())
         loadModule(name_)(address.stream, {.time = kPatience, .ended = ended}, connection_, result);
     if (!connection_)

@@ -30,7 +30,7 @@ RemoteResult openFailure(int error)
     case GE_UNKNOWN_NAME_ERROR:
     case GE_NOTFOUND: return {Cause::NoSuchPlace, "its host is unknown"};
     case GE_INVAL:
-    case GE_TOOBIG: return {Cause::NoSuchPlace, "this is no address"};
+    case GE_TOOBIG: return {Cause::NoSuchPlace, "this is not an address"};
     case GE_CONNREFUSE: return {Cause::Unreachable, "the connection was refused"};
     case GE_CERTNOTFOUND:
     case GE_CERTINVALID:
@@ -325,7 +325,7 @@ void GensioBridge::startWish()
     sergensio* const line = hungUp_ || closed_ || state_ != State::Open ? nullptr : gensio_to_sergensio(stream_);
     if (!line) {
         if (wish_->demanded)
-            wish_->result = {RemoteResult::Cause::Refused, "the server takes no settings of its line"};
+            wish_->result = {RemoteResult::Cause::Refused, "the server accepts no line settings"};
         endWish();
         return;
     }

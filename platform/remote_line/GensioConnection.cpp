@@ -50,7 +50,7 @@ public:
             ended = ::poll(&handle, 1, 0) > 0;
         }
         bridge_->giveUp();
-        return {RemoteResult::Cause::Unreachable, ended ? "it was not waited for any longer" : "it does not answer"};
+        return {RemoteResult::Cause::Unreachable, ended ? "the wait for it was cut short" : "it does not answer"};
     }
 
     [[nodiscard]] int handle() const noexcept override { return hostEnd_.number(); }
@@ -60,7 +60,7 @@ public:
         std::future<RemoteResult> answer = bridge_->set(line, demanded);
         if (answer.wait_for(kSettingPatience) == std::future_status::ready)
             return answer.get();
-        return {RemoteResult::Cause::Refused, "the server does not answer to the settings of its line"};
+        return {RemoteResult::Cause::Refused, "the server does not answer the line settings"};
     }
 
 private:

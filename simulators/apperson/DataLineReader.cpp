@@ -149,9 +149,9 @@ void DataLineReader::demandDownload(const std::string& command)
     if (stepsDone())
         fault("command " + command + " though the reader is ready to read");
     else if (stepTaken())
-        fault("command " + command + " behind the first step of the start");
+        fault("command " + command + " after the first step of the start");
     else if (keyEnded_)
-        fault("command " + command + " behind a key that was ended");
+        fault("command " + command + " after a key that was ended");
     key_ = {};
     downloading_ = true;
     pageTold_ = false;
@@ -198,7 +198,7 @@ void DataLineReader::takeArgument(const std::string& command, const std::string&
         reply(command);
     } else {
         if (pageTold_)
-            fault("command E9 behind K7");
+            fault("command E9 after K7");
         if (!isDigits(argument, kEssayLength))
             fault("command E9 with " + transcriptBytes(argument));
         else if (argument == kNoEssay)
@@ -212,7 +212,7 @@ void DataLineReader::takeArgument(const std::string& command, const std::string&
 void DataLineReader::startPage(std::string& place, const std::string& command, const std::string& identifier)
 {
     if (!place.empty() && place != identifier)
-        fault("command " + command + " with " + identifier + " behind " + place);
+        fault("command " + command + " with " + identifier + " after " + place);
     place = identifier;
 }
 
@@ -252,7 +252,7 @@ void DataLineReader::checkPace()
         return;
     }
     if (now() + keySlack_ < pieceDue_ && !std::exchange(paceTold_, true))
-        fault("a piece of a key too soon behind the one before it");
+        fault("a piece of a key too soon after the one before it");
     pieceDue_ = std::max(pieceDue_, now()) + piecePause_;
     pieceBytes_ = 1;
 }

@@ -70,7 +70,7 @@ void RawMarkReader::onByte(Byte byte)
     } else {
         command_ += static_cast<char>(byte);
         if (command_.size() == kLongestCommand + 1)
-            fault("no CR behind " + transcriptBytes(command_.substr(0, kLongestCommand)));
+            fault("no CR after " + transcriptBytes(command_.substr(0, kLongestCommand)));
     }
 }
 

@@ -69,7 +69,7 @@ void parsePlace(std::string_view text, std::string_view place, Fault& fault)
     const auto [name, number] = parted(place, '=');
     Int32 value = 0;
     if (!number || !parseNumber(*number, value) || value < 1)
-        refuse(text, "\"" + std::string(place) + "\" is no place");
+        refuse(text, "\"" + std::string(place) + "\" is not a place");
     std::optional<Int32>* target = name == "byte" ? &fault.byte : name == "sheet" ? &fault.sheet : nullptr;
     if (!target)
         refuse(text, "unknown place \"" + std::string(name) + "\"");
@@ -95,7 +95,7 @@ Fault parseFault(std::string_view text)
     if (value && !word->takesValue)
         refuse(text, std::string(name) + " takes no value");
     if (value && (!parseNumber(*value, fault.value) || fault.value < 0))
-        refuse(text, "\"" + std::string(*value) + "\" is no value");
+        refuse(text, "\"" + std::string(*value) + "\" is not a value");
     if (fault.kind == Fault::Kind::Garble && (fault.value < 1 || fault.value > 255))
         refuse(text, "a byte is garbled with 1 to 255");
 

@@ -78,7 +78,7 @@ std::string fieldFrom(const Json& value, const JsonPlace& place)
     if (value.is_string())
         return readJsonLineText(value, place);
     if (!value.is_number() && !value.is_boolean())
-        place.refuse("has to be a text or a number and is " + value.dump());
+        place.refuse("has to be a text or a number, not " + value.dump());
     return value.dump();
 }
 

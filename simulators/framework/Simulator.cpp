@@ -33,7 +33,7 @@ Simulator::Simulator(SimulatorOptions options)
         try {
             demandedLine_ = lineSettingsText(parseLineSettings(demanded));
         } catch (const RuntimeFailure&) {
-            refuseSetting("line", demanded, "is no line setting such as 9600,N,8,1");
+            refuseSetting("line", demanded, "is not a line setting such as 9600,N,8,1");
         }
     }
 }
@@ -322,7 +322,7 @@ Int32 Simulator::settingNumber(const std::string& name, Int32 fallback)
     Int32 value = 0;
     const auto [stopped, error] = std::from_chars(begin, end, value, hexadecimal ? 16 : 10);
     if (error != std::errc{} || stopped != end)
-        refuseSetting(name, text, "is no whole number");
+        refuseSetting(name, text, "is not a whole number");
     return value;
 }
 

@@ -236,7 +236,7 @@ void OpScan::startRead()
         return;
     }
     if (stage_ == Stage::Sent)
-        fault("command 11 without s1 behind the sheet before it");
+        fault("command 11 without s1 after the sheet before it");
     letSheetGo();
     stage_ = Stage::UnderWay;
     schedule(feedTime_, [this] { takeSheet(); });
@@ -289,7 +289,7 @@ void OpScan::letSheetGo()
 void OpScan::forgetPrint()
 {
     if (printPosition_)
-        fault("command 1 without a text behind it");
+        fault("command 1 without a text after it");
     printPosition_.reset();
 }
 
@@ -320,7 +320,7 @@ void OpScan::printPosition(const std::string& digits)
 void OpScan::print(std::string text)
 {
     if (!printPosition_) {
-        fault("command 2 without a position in front of it");
+        fault("command 2 without a position before it");
         return;
     }
     if (!text.ends_with(' ')) {

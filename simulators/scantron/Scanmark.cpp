@@ -48,7 +48,7 @@ Scanmark::Scanmark(SimulatorOptions options)
 {
     if (status_.size() != kStatusLength)
         throw std::invalid_argument("setting status: has " + std::to_string(status_.size()) +
-                                    " characters in the place of 12");
+                                    " characters instead of 12");
 }
 
 void Scanmark::status(std::size_t position, char character)
@@ -158,9 +158,9 @@ void Scanmark::setThreshold(const std::string& argument)
     if (!columnModel_)
         refuse("THR= on a model without a threshold");
     else if (!value)
-        refuse("the threshold \"" + argument + "\" is no number");
+        refuse("the threshold \"" + argument + "\" is not a number");
     else if (!forms_.empty())
-        refuse("THR= behind a form");
+        refuse("THR= after a form");
     else {
         threshold_ = value;
         acknowledge();
@@ -221,7 +221,7 @@ void Scanmark::startRead()
         return;
     }
     if (!toldReady_) {
-        fault("READ without a status that told a sheet");
+        fault("READ without a status that reported a sheet");
         return;
     }
     toldReady_ = false;
@@ -273,7 +273,7 @@ void Scanmark::sendAway(SheetEvent event, const std::string& stacker)
         return;
     }
     if (event == SheetEvent::Rejected && !printOff_)
-        fault("EJCT C without PRN$ 1 N in front of it");
+        fault("EJCT C without PRN$ 1 N before it");
     stage_ = Stage::None;
     note(event, stacker);
     acknowledge();

@@ -65,7 +65,7 @@ ScanmarkForm::Refusal ScanmarkForm::start(const std::vector<std::string>& words)
         return "a form start has six words";
     const auto sizes = numbersOf(Words(words).first(3));
     if (!sizes)
-        return "a size of the form is no number";
+        return "a size of the form is not a number";
     if (words[3] != "N" || words[4] != "N" || words[5] != "N")
         return "a form start ends with N N N";
     side1Rows_ = (*sizes)[0];
@@ -81,7 +81,7 @@ ScanmarkForm::Refusal ScanmarkForm::defineRectangle(const std::vector<std::strin
     const auto place = numbersOf(Words(words).first(5));
     const auto counts = numbersOf(Words(words).last(2));
     if (!place || !counts)
-        return "a number of the definition is none";
+        return "a number of the definition is not a number";
     if (words[5] != "L" && words[5] != "C")
         return "the orientation is L or C";
     const bool byRows = words[5] == "L";

@@ -37,7 +37,7 @@ private:
     static std::uint8_t byteOf(Int16 mark)
     {
         if (mark < 0 || mark > 255)
-            throw std::runtime_error(std::to_string(mark) + " is no mark from 0 to 255");
+            throw std::runtime_error(std::to_string(mark) + " is not a mark from 0 to 255");
         return static_cast<std::uint8_t>(mark);
     }
 
@@ -100,7 +100,7 @@ Int32 settingValue(const std::string& name, const std::string& text)
     Int32 value = 0;
     const char* const end = text.data() + text.size();
     if (text.empty() || std::from_chars(text.data(), end, value).ptr != end)
-        throw std::invalid_argument("setting " + name + ": " + text + " is no number");
+        throw std::invalid_argument("setting " + name + ": " + text + " is not a number");
     return value;
 }
 

@@ -36,7 +36,7 @@ Int32 codeFrom(const Json& value, const JsonPlace& place)
     const bool prefixed = text.size() > 2 && text.starts_with("0x");
     const auto parsed = prefixed ? std::from_chars(text.data() + 2, end, code, 16) : std::from_chars_result{};
     if (!prefixed || parsed.ptr != end || parsed.ec != std::errc())
-        place.refuse("has to be a code such as \"0x40110000\" and is " + value.dump());
+        place.refuse("has to be a code such as \"0x40110000\", not " + value.dump());
     return static_cast<Int32>(code);
 }
 

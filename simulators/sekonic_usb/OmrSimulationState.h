@@ -65,7 +65,7 @@ struct OmrSimulationReport {
 };
 
 /// Both as JSON, and back. What a state does not say stays as it is in a new one; codes are numbers or texts such as
-/// "0x40110000". Mistakes are JsonRefusal with their place: "refusals[1].function has to be a text and is a number".
+/// "0x40110000". Mistakes are JsonRefusal with their place: "refusals[1].function has to be a text, not a number".
 [[nodiscard]] std::string toJson(const OmrSimulationState& state);
 [[nodiscard]] OmrSimulationState omrStateFromJson(std::string_view text);
 [[nodiscard]] std::string toJson(const OmrSimulationReport& report);

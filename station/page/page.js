@@ -274,8 +274,8 @@
     events.addEventListener("error", () => {
       byId("trouble").hidden = false;
       setText(byId("trouble"), events.readyState === EventSource.CLOSED
-        ? "The station answers no further page; close another one. This page tries again."
-        : "The station does not answer; what stands here is old. This page tries again.");
+        ? "The station allows no further page; close another one. This page tries again."
+        : "The station does not answer; the data on this page is old. This page tries again.");
       if (events.readyState === EventSource.CLOSED) setTimeout(watch, NEXT_ATTEMPT);
     });
   }

@@ -162,7 +162,7 @@ private:
         } else if ((port_ = server_->bind_to_any_port(plan_.address)) > 0) {
             return;
         }
-        throw std::runtime_error("Port " + std::to_string(plan_.port) + " of " + plan_.address + " cannot be had: " +
+        throw std::runtime_error("Port " + std::to_string(plan_.port) + " of " + plan_.address + " cannot be used: " +
                                  std::strerror(errno) + ". Name another port, or 0 for any that is free.");
     }
 
@@ -215,15 +215,15 @@ private:
     WebAnswer answerTo(const httplib::Request& request)
     {
         if (!isOurs(hostOf(request.get_header_value("Host"))))
-            return {.status = kOtherHost, .body = "This server does not go by that name; ask for its address.\n"};
+            return {.status = kOtherHost, .body = "This server does not have that name; use its address.\n"};
         if (request.method != "GET" && request.method != "HEAD")
-            return {.status = kOnlyReading, .headers = {{"Allow", "GET, HEAD"}}, .body = "Here is only to read.\n"};
+            return {.status = kOnlyReading, .headers = {{"Allow", "GET, HEAD"}}, .body = "This page is read-only.\n"};
         if (passwords_ && !passwords_->accept(request.get_header_value("Authorization")))
             return {.status = kNoName,
                     .headers = {{"WWW-Authenticate", "Basic realm=\"kelreader\", charset=\"UTF-8\""}},
-                    .body = "Name and password, please.\n"};
+                    .body = "Enter a name and a password.\n"};
         if (!request.ranges.empty())
-            return {.status = kNoParts, .body = "There are no parts of this.\n"};
+            return {.status = kNoParts, .body = "Ranges are not supported.\n"};
         WebRequest asked{.path = request.path, .values = {}};
         for (const auto& [name, value] : request.params)
             asked.values.emplace(name, value);

@@ -46,7 +46,7 @@ Passwords::Passwords(const std::filesystem::path& file)
     }
     if (hashes_.empty())
         throw std::runtime_error("The password file " + file.string() +
-                                 " names nobody; make a hash with 'openssl passwd -6', and write name:hash.");
+                                 " has no users; make a hash with 'openssl passwd -6', and write name:hash.");
     RAND_bytes(salt_.data(), static_cast<int>(salt_.size()));
 }
 

@@ -17,14 +17,14 @@ std::string readSecretFile(const std::filesystem::path& file, const std::string&
     if (::stat(file.c_str(), &facts) != 0)
         throw std::runtime_error(name + " cannot be read: " + std::strerror(errno) + ".");
     if (!S_ISREG(facts.st_mode))
-        throw std::runtime_error(name + " is no file.");
+        throw std::runtime_error(name + " is not a file.");
     if ((facts.st_mode & (S_IROTH | S_IWOTH)) != 0)
         throw std::runtime_error(
-            name + " can be read or written by everybody; take that away with 'chmod o= " + file.string() + "'.");
+            name + " can be read or written by everybody; prevent that with 'chmod o= " + file.string() + "'.");
     std::ifstream bytes(file, std::ios::binary);
     std::string text{std::istreambuf_iterator<char>(bytes), {}};
     if (!bytes.is_open() || bytes.bad())
-        throw std::runtime_error(name + " cannot be read by this user; give its group the station's.");
+        throw std::runtime_error(name + " cannot be read by this user; give the file to the station's group.");
     return text;
 }
 

@@ -16,7 +16,7 @@ std::string reason()
     const unsigned long number = ERR_get_error();
     ERR_clear_error();
     const char* const text = ERR_reason_error_string(number);
-    return text ? text : "it is none";
+    return text ? text : "the file does not hold one";
 }
 
 } // namespace

@@ -99,7 +99,7 @@ NatsConnection::NatsConnection(const StreamAddress& address)
                                         "). Are the credentials, or name and password, those of these servers, and do "
                                         "they still hold?"
                                   : "No server of the stream can be reached (" + list +
-                                        "). Are they running, and does this machine reach them?");
+                                        "). Are they running, and can this machine reach them?");
 }
 
 void NatsConnection::close() noexcept

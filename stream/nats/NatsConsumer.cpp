@@ -18,7 +18,7 @@ NatsConsumer::NatsConsumer(const StreamAddress& address, const std::string& dura
                                 &code);
     });
     if (status == NATS_NOT_FOUND || code == JSStreamNotFoundErr)
-        throw StreamProblem("There is no stream " + address.stream + " yet; the first station that sends makes it.");
+        throw StreamProblem("There is no stream " + address.stream + " yet; the first station that sends creates it.");
     if (status != NATS_OK)
         connection_.fail("The stream " + address.stream + " cannot be collected from", status);
 }
@@ -30,7 +30,7 @@ std::vector<StreamDelivery> NatsConsumer::next(int most, std::chrono::millisecon
     jsErrCode code{};
     const natsStatus status = natsSubscription_Fetch(&list, subscription_.get(), most, patience.count(), &code);
     if (status != NATS_OK && status != NATS_TIMEOUT)
-        connection_.fail("The stream hands out no messages", status);
+        connection_.fail("The stream delivers no messages", status);
     std::vector<StreamDelivery> deliveries;
     for (int i = 0; i < list.Count; ++i) {
         natsMsg* const message = std::exchange(list.Msgs[i], nullptr);

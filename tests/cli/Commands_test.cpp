@@ -126,7 +126,7 @@ TEST(CommandLine, UnknownCommandIsWrongUse)
 TEST(CommandLine, NoCommandIsWrongUse)
 {
     const CommandOutcome outcome = runCommand({});
-    EXPECT_EQ(outcome.errors, "kelreader: A subcommand is required; 'kelreader --help' tells what there is.\n");
+    EXPECT_EQ(outcome.errors, "kelreader: A subcommand is required; 'kelreader --help' shows the usage.\n");
     EXPECT_EQ(outcome.status, 2);
 }
 
@@ -223,7 +223,7 @@ TEST(PortsCommand, NumberOutsideTheRangeIsWrongUse)
 {
     for (const char* number : {"0", "17"}) {
         const CommandOutcome outcome = runCommand({"ports", "set", number, "/dev/null"});
-        EXPECT_EQ(outcome.errors, "kelreader: Ports have the numbers 1 to 16, not " + std::string(number) + ".\n");
+        EXPECT_EQ(outcome.errors, "kelreader: Port numbers are 1 to 16, not " + std::string(number) + ".\n");
         EXPECT_EQ(outcome.status, 2);
     }
     EXPECT_EQ(runCommand({"ports", "set", "1", ""}).status, 2);

@@ -89,15 +89,15 @@ TEST(HugeRegistryFile, IsRefusedBeyondItsLargestSize)
 {
     const TextFile file(kHeading);
     expand(file, 9);
-    expectRefused(runCommand({"settings", "import", file.path()}), "is larger than 8 MB, the most that is taken");
+    expectRefused(runCommand({"settings", "import", file.path()}), "is larger than 8 MB, the limit");
 }
 
 TEST(HugeForm, HasPagesAndWindowsForAReader)
 {
     const std::string many = "[1" + repeated(",1", 99'999) + "]";
-    expectRefused(scanned("{\"side1Rows\":" + many + "}"), "side1Rows has 100000 pages, and at most 1000 are taken.");
-    expectRefused(scanned("{\"windows\":" + many + "}"), "windows has 100000 windows, and at most 1000 are taken.");
-    expectRefused(scanned("{\"barcodes\":" + many + "}"), "has 100000 barcode zones, and at most 1000 are taken.");
+    expectRefused(scanned("{\"side1Rows\":" + many + "}"), "side1Rows has 100000 pages; the limit is 1000.");
+    expectRefused(scanned("{\"windows\":" + many + "}"), "windows has 100000 windows; the limit is 1000.");
+    expectRefused(scanned("{\"barcodes\":" + many + "}"), "has 100000 barcode zones; the limit is 1000.");
 }
 
 TEST(HugeForm, IsRefusedWhenItIsDeepOrLarge)
@@ -107,7 +107,7 @@ TEST(HugeForm, IsRefusedWhenItIsDeepOrLarge)
     const TextFile file("{}");
     expand(file, 2);
     expectRefused(runCommand({"scan", "--model", "13", "--simulate", "--form", file.path()}),
-                  "is larger than 1 MB, the most that is taken");
+                  "is larger than 1 MB, the limit");
 }
 
 TEST(HugeForm, BracketsWithinTextsAreNoNesting)
@@ -120,7 +120,7 @@ TEST(HugeSheets, AreRefused)
     const TextFile file("[]");
     expand(file, 33);
     expectRefused(runCommand({"scan", "--model", "13", "--simulate", "--sheets", file.path()}),
-                  "is larger than 32 MB, the most that is taken");
+                  "is larger than 32 MB, the limit");
 }
 
 TEST(HugeAnswerKey, IsRefused)
@@ -128,7 +128,7 @@ TEST(HugeAnswerKey, IsRefused)
     const TextFile file("{}");
     expand(file, 5);
     expectRefused(runCommand({"scan", "--model", "40", "--simulate", "--answer-key", file.path()}),
-                  "is larger than 4 MB, the most that is taken");
+                  "is larger than 4 MB, the limit");
 }
 
 TEST(HugeTranscript, OfOneLongLineIsReplayedAndToldShort)
@@ -154,7 +154,7 @@ TEST(HugeTranscript, IsRefusedBeyondItsLargestSize)
                   "line 1000001: a transcript of more than a million lines; replay it in parts.");
     const TextFile file("# model: 13\n");
     expand(file, 33);
-    expectRefused(runCommand({"replay", file.path()}), "is larger than 32 MB, the most that is taken");
+    expectRefused(runCommand({"replay", file.path()}), "is larger than 32 MB, the limit");
     expectRefused(runCommand({"replay", TextFile("# model: 13\n# form: " + repeated("[", 500'000) + "\n").path()}),
                   "line 2: the form is not JSON: its arrays and objects are nested more than 64 deep.");
 }
@@ -162,7 +162,7 @@ TEST(HugeTranscript, IsRefusedBeyondItsLargestSize)
 TEST(HugePortName, IsRefused)
 {
     expectRefused(runCommand({"ports", "set", "3", std::string(70'000, 'x')}),
-                  "The name of the device is 70000 bytes long, and at most 4096 are taken.");
+                  "The name of the device is 70000 bytes long; the limit is 4096.");
     EXPECT_EQ(runCommand({"settings", "list", R"(HKCU\Software\KELReader81U\Ports)"}).status, 1);
 }
 
@@ -171,7 +171,7 @@ TEST(HugePortName, InTheRegistryOpensNothing)
 {
     const std::string key = R"(HKEY_CURRENT_USER\Software\KELReader81U\Ports)";
     EXPECT_EQ(imported("[" + key + "]\r\n\"3\"=\"" + std::string(1'000'000, 'x') + "\"\r\n").errors, "");
-    const std::string sentence = "Port 3 has a device whose name is 1000000 bytes long, and at most 4096 are taken. "
+    const std::string sentence = "Port 3 has a device whose name is 1000000 bytes long; the limit is 4096. "
                                  "Map it to another one: kelreader ports set 3 DEVICE";
 
     const CommandOutcome scan = runCommand({"scan", "--model", "13", "--port", "3"});
@@ -191,9 +191,8 @@ TEST(HugePrintText, IsRefused)
     const auto printed = [](const std::string& text) {
         return runCommand(simulatedScan({"--count", "1", "--max-sheets", "1", "--print1", text}, "13"));
     };
-    expectRefused(printed(repeated("{barcode}", 10'000)),
-                  "A text to print has 90000 characters, and at most 1000 are taken.");
-    expectRefused(printed(repeated("\u20ac", 10'000)), "at most 1000 are taken.");
+    expectRefused(printed(repeated("{barcode}", 10'000)), "A text to print has 90000 characters; the limit is 1000.");
+    expectRefused(printed(repeated("\u20ac", 10'000)), "the limit is 1000.");
     EXPECT_THAT(printed(repeated("\u00e4", 1000)).output, HasSubstr("{\"event\":\"end\""));
 }
 

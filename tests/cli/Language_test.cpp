@@ -51,8 +51,9 @@ TEST(LanguageOption, OfALanguageThatIsNotThereIsWrongUsage)
         const CommandOutcome outcome = runCommand(words);
         EXPECT_EQ(outcome.status, 2);
         EXPECT_EQ(outcome.output, "");
-        EXPECT_EQ(outcome.errors,
-                  "kelreader: There is no language 'Klingon'; there are English, German, French and Spanish.\n");
+        EXPECT_EQ(
+            outcome.errors,
+            "kelreader: There is no language 'Klingon'; the languages are English, German, French and Spanish.\n");
     }
     EXPECT_EQ(runCommand({"models", "/L="}).status, 2);
     EXPECT_EQ(runCommand({"models", "/L=French", "--language", "German"}).status, 2);

@@ -113,7 +113,7 @@ TEST(ScanCommand, ReaderThatHangsUpInTheMiddleOfAPageIsReported)
         runCommand(simulatedScan({"--sheets", sheets.path(), "--fault", "unplug@sheet=2,byte=3"}));
     const std::string hungUp =
         "Error reading comm device: Port 1 (/dev/pts/N) has hung up: the reader was disconnected "
-        "or switched off. Connect it and start anew.";
+        "or switched off. Connect it and start again.";
     EXPECT_EQ(withoutNumbers(outcome.output),
               sheetLine(1, {{1, 1}, {2, 2}}) +
                   "\n"
@@ -274,7 +274,7 @@ TEST(ScanCommand, TextsOfALineAreBytes)
     EXPECT_THAT(read.output, HasSubstr("Ä\xC2\x81Ç"));
 
     const CommandOutcome printed = runCommand({"scan", "--model", "24", "--simulate", "--print2", "5 €"});
-    EXPECT_EQ(printed.errors, "kelreader: '5 €' cannot be printed: a reader takes the characters of Latin-1 only.\n");
+    EXPECT_EQ(printed.errors, "kelreader: '5 €' cannot be printed: a reader prints only characters of Latin-1.\n");
     EXPECT_EQ(printed.status, 2);
 }
 
@@ -320,7 +320,7 @@ TEST_P(ScanUsage, IsRefusedWithOneSentence)
 INSTANTIATE_TEST_SUITE_P(
     Words, ScanUsage,
     testing::Values(
-        WrongUse{"NoModel", {"--simulate"}, "--model is required; 'kelreader scan --help' tells what there is."},
+        WrongUse{"NoModel", {"--simulate"}, "--model is required; 'kelreader scan --help' shows the usage."},
         WrongUse{
             "UnknownModel",
             {"--model", "VMR183", "--simulate"},
@@ -329,16 +329,16 @@ INSTANTIATE_TEST_SUITE_P(
         WrongUse{"AmbiguousModel",
                  {"--model", "scantron 8", "--simulate"},
                  "'scantron 8' fits several models: Scantron 8000 (16) and Scantron 8400 (17)."},
-        WrongUse{"NoLine",
-                 {"--model", "24"},
-                 "Where is the reader? Use --port N, --device PATH or --simulate ('kelreader ports' lists the devices "
-                 "that are there)."},
+        WrongUse{
+            "NoLine",
+            {"--model", "24"},
+            "Where is the reader? Use --port N, --device PATH or --simulate ('kelreader ports' lists the devices)."},
         WrongUse{"TwoLines",
                  {"--model", "24", "--port", "1", "--device", "/dev/null"},
-                 "--port excludes --device; 'kelreader scan --help' tells what there is."},
+                 "--port excludes --device; 'kelreader scan --help' shows the usage."},
         WrongUse{"PortThatIsNoNumber",
                  {"--model", "24", "--port", "one"},
-                 "Could not convert: --port = one; 'kelreader scan --help' tells what there is."},
+                 "Could not convert: --port = one; 'kelreader scan --help' shows the usage."},
         WrongUse{"UnknownProperty",
                  {"--model", "24", "--simulate", "--set", "SleepTme=1"},
                  "The reader has no property 'SleepTme' that can be set; the nearest is SleepTime."},
@@ -364,10 +364,10 @@ INSTANTIATE_TEST_SUITE_P(
                  "The options of a simulated reader go with --simulate."},
         WrongUse{"EmptyNumber",
                  {"--model", "24", "--simulate", "--max-sheets", ""},
-                 "--max-sheets has an empty value; leave it out, or say what it is to be."},
+                 "--max-sheets has an empty value; leave it out, or give it one."},
         WrongUse{"EmptyFile",
                  {"--model", "24", "--simulate", "--form", ""},
-                 "--form has an empty value; leave it out, or say what it is to be."},
+                 "--form has an empty value; leave it out, or give it one."},
         WrongUse{"SheetBeforeTheFirst",
                  {"--model", "24", "--simulate", "--reject-sheets", "1,0"},
                  "There is no sheet 0 to reject; the first is 1."},
@@ -379,11 +379,11 @@ INSTANTIATE_TEST_SUITE_P(
                  "'\xE2\x82\xAC' does not fit Printer.Buffer1, which takes characters of Latin-1 only."},
         WrongUse{"UnknownFormat",
                  {"--model", "24", "--simulate", "--format", "xml"},
-                 "--format: xml not in {json,csv,table,html}; 'kelreader scan --help' tells what there is."},
-        WrongUse{"UnknownOption",
-                 {"--model", "24", "--simulate", "--sheets-max", "1"},
-                 "The following arguments were not expected: 1 --sheets-max; 'kelreader scan --help' tells what there "
-                 "is."}),
+                 "--format: xml not in {json,csv,table,html}; 'kelreader scan --help' shows the usage."},
+        WrongUse{
+            "UnknownOption",
+            {"--model", "24", "--simulate", "--sheets-max", "1"},
+            "The following arguments were not expected: 1 --sheets-max; 'kelreader scan --help' shows the usage."}),
     [](const auto& use) { return std::string(use.param.name); });
 
 class BrokenForm : public testing::TestWithParam<std::pair<const char*, const char*>> {};
@@ -399,16 +399,15 @@ TEST_P(BrokenForm, IsRefusedWithOneSentenceThatNamesThePlace)
 
 INSTANTIATE_TEST_SUITE_P(
     Texts, BrokenForm,
-    testing::Values(std::pair{"{\"side1Rows\":\n[63",
-                              " is not JSON: line 2, column 4: syntax error while parsing array - unexpected "
-                              "end of input; expected ']'."},
-                    std::pair{R"({"side1Rows":[-63]})",
-                              ": side1Rows[0] has to be a whole number from 0 to 32767 and is -63."},
-                    std::pair{R"({"windows":[{"NumRows":1},{"NumCols":-2}]})",
-                              ": windows[1].NumCols has to be a whole number from 0 to 32767 and is -2."},
-                    std::pair{R"({"rows":[63]})",
-                              ": the file has a key \"rows\" that is not known; the nearest are side1Rows, side2Rows "
-                              "and side1Cols."}));
+    testing::Values(
+        std::pair{"{\"side1Rows\":\n[63",
+                  " is not JSON: line 2, column 4: syntax error while parsing array - unexpected "
+                  "end of input; expected ']'."},
+        std::pair{R"({"side1Rows":[-63]})", ": side1Rows[0] has to be a whole number from 0 to 32767, not -63."},
+        std::pair{R"({"windows":[{"NumRows":1},{"NumCols":-2}]})",
+                  ": windows[1].NumCols has to be a whole number from 0 to 32767, not -2."},
+        std::pair{R"({"rows":[63]})", ": the file has an unknown key \"rows\"; the nearest are side1Rows, side2Rows "
+                                      "and side1Cols."}));
 
 class BrokenAnswerKey : public testing::TestWithParam<std::pair<const char*, const char*>> {};
 

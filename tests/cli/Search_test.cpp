@@ -200,7 +200,7 @@ TEST_F(SearchOverAPseudoTerminal, NoVersionIsAFailureWithItsReason)
         {"0", "There is no port 0; ports are 1 to 16 ('kelreader ports') (8002, basNCSEZData.Firmware"},
         {"1", "Port 1 has no device. Map it to one: kelreader ports set 1 DEVICE (8002, basNCSEZData.Firmware"},
         {"2", "(/dev/no-such-device) is not there"},
-        {"4", "No Scantron EZData told its firmware version at port 4."}};
+        {"4", "No Scantron EZData reported its firmware version at port 4."}};
     for (const auto& [port, reason] : reasons) {
         const CommandOutcome outcome = runCommand({"firmware", "--model", "23", "--port", port});
         EXPECT_EQ(outcome.output, "");
@@ -220,7 +220,7 @@ TEST_F(SearchOverAPseudoTerminal, ModelsThatAreNotSearchedForAreToldSo)
         EXPECT_EQ(outcome.status, 1);
     }
     EXPECT_THAT(runCommand({"firmware", "--model", "7", "--port", "9"}).errors,
-                HasSubstr("does not tell its firmware version"));
+                HasSubstr("does not report its firmware version"));
     EXPECT_EQ(reader.untouched<Parrot>().heard, "");
 }
 

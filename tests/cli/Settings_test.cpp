@@ -199,8 +199,8 @@ TEST_F(SettingsCommand, FileThatIsNoneChangesNothing)
     const TextFile none("ScannerBaud=9600\n");
     refuse({"import", none.path()}, 2,
            "The registry file " + none.path() +
-               " cannot be imported. Line 1: this is no registry file, whose first "
-               "line is \"Windows Registry Editor Version 5.00\".");
+               " cannot be imported. Line 1: this is not a registry file; such a file "
+               "begins with \"Windows Registry Editor Version 5.00\".");
     const TextFile half(kHeading + std::string("[HKCU\\Software\\Reader]\r\n\"a\"=\"1\"\r\n\"b\"=\"2\r\n"));
     refuse({"import", half.path()}, 2,
            "The registry file " + half.path() + " cannot be imported. Line 5: the text has no quote at its end.");
@@ -228,16 +228,16 @@ TEST_F(SettingsCommand, StoreThatCannotBeWrittenIsAFailure)
     const TextFile inTheWay("");
     store_ = inTheWay.path() + "/store";
     refuse({"set", kKey, "x", "1"}, 1,
-           "The settings store cannot be written, so HKEY_CURRENT_USER\\Software\\Reader stays as it was.");
+           "The settings store cannot be written, so HKEY_CURRENT_USER\\Software\\Reader is unchanged.");
     const TextFile file(kHeading + std::string("[HKLM\\Software\\Reader]\r\n\"x\"=\"1\"\r\n"));
     refuse({"import", file.path()}, 1,
-           "The settings store cannot be written, so HKEY_LOCAL_MACHINE\\Software\\Reader stays as it was.");
+           "The settings store cannot be written, so HKEY_LOCAL_MACHINE\\Software\\Reader is unchanged.");
 }
 
 TEST_F(SettingsCommand, WrongUseIsTold)
 {
     refuse({"list", "Software\\Reader"}, 2,
-           "'Software\\Reader' is no key of the registry; write HIVE\\SUBKEY with a hive such as HKEY_CURRENT_USER or "
+           "'Software\\Reader' is not a registry key; write HIVE\\SUBKEY with a hive such as HKEY_CURRENT_USER or "
            "HKCU.");
     for (const Words& words : {Words{}, Words{"lst"}, Words{"list"}, Words{"get", kKey}, Words{"set", kKey, "x"},
                                Words{"export", kKey}, Words{"import"}, Words{"show"}}) {
@@ -341,7 +341,7 @@ TEST_F(SettingsCommand, ScanWithSettingsThatDoNotFitReadsNothing)
 TEST_F(SettingsCommand, ScanWantsAModelOrSettings)
 {
     const CommandOutcome neither = run({"scan", "--port", "1"});
-    EXPECT_EQ(neither.errors, "kelreader: --model is required; 'kelreader scan --help' tells what there is.\n");
+    EXPECT_EQ(neither.errors, "kelreader: --model is required; 'kelreader scan --help' shows the usage.\n");
     EXPECT_EQ(neither.status, 2);
     EXPECT_EQ(run({"scan", "--settings", "Software\\Reader", "--port", "1"}).status, 2);
     // Settings that name no model.

@@ -146,7 +146,7 @@ TEST(SimulateCommand, ListsTheFaultsOfTheSite)
     EXPECT_THAT(usb.output, HasSubstr("not-connected"));
     EXPECT_THAT(usb.output, testing::Not(HasSubstr("echo")));
     EXPECT_EQ(runCommand({"simulate"}).errors,
-              "kelreader: --model is required; 'kelreader simulate --help' tells what there is.\n");
+              "kelreader: --model is required; 'kelreader simulate --help' shows the usage.\n");
 }
 
 TEST(SimulatedScan, IsHeldAgainFromItsTrace)

@@ -73,8 +73,8 @@ protected:
 TEST_F(StationCommand, ReadsWithAllItsReadersAndKeepsTheSheets)
 {
     RunningCommand station({"station", file(simulated("left", 3) + "," + simulated("right", 2))});
-    ASSERT_TRUE(station.waitForError("left: has no more sheets; it is tried again."));
-    ASSERT_TRUE(station.waitForError("right: has no more sheets; it is tried again."));
+    ASSERT_TRUE(station.waitForError("left: has no more sheets; the station tries it again."));
+    ASSERT_TRUE(station.waitForError("right: has no more sheets; the station tries it again."));
     EXPECT_THAT(numbers("left"), testing::ElementsAre(1, 2, 3));
     EXPECT_THAT(numbers("right"), testing::ElementsAre(1, 2));
     station.signal(SIGTERM);
@@ -126,7 +126,7 @@ TEST_F(StationCommand, TouchesOnlyTheReadersThatChanged)
     EXPECT_EQ(now["readers"][0]["sheets"], 1);
     folder_.write("station.json", "{");
     station.signal(SIGHUP);
-    ASSERT_TRUE(station.waitForError("The station goes on as it was"));
+    ASSERT_TRUE(station.waitForError("The station goes on unchanged"));
     station.signal(SIGTERM);
     const CommandOutcome outcome = station.finish();
     EXPECT_EQ(countOf(outcome.errors, "left: is stopped."), 1U);

@@ -207,7 +207,7 @@ TEST(ReplayCommand, RefusesADamagedTranscript)
 
     const TextFile noNumber("# model: 13\n# max-sheets: many\n> 1B\n");
     EXPECT_EQ(runCommand({"replay", noNumber.path()}).errors,
-              "kelreader: " + noNumber.path() + ", line 2: 'many' is no number that fits.\n");
+              "kelreader: " + noNumber.path() + ", line 2: 'many' is not a number in range.\n");
 
     const TextFile noModel("> 1B\n");
     EXPECT_EQ(runCommand({"replay", noModel.path()}).status, 2);
@@ -218,7 +218,7 @@ TEST(ReplayCommand, CitesATranscriptOnOneLine)
     using namespace std::string_literals;
     const TextFile damaged("# model: 13\n# max-sheets: 1\0\x1B[2J\n> 1B\n"s);
     EXPECT_EQ(runCommand({"replay", damaged.path()}).errors,
-              "kelreader: " + damaged.path() + ", line 2: '1??[2J' is no number that fits.\n");
+              "kelreader: " + damaged.path() + ", line 2: '1??[2J' is not a number in range.\n");
 }
 
 } // namespace

@@ -222,7 +222,7 @@ TEST(UsbScanCommand, AReplaySaysWhereItLeavesItsTranscript)
                                         "OMR_SetBackSensorUnit 1.\n"));
     const CommandOutcome broken = runCommand({"replay", TextFile("# model: 30\n@ OMR_FeedSheet\n").path()});
     EXPECT_EQ(broken.status, 2);
-    EXPECT_THAT(broken.errors, HasSubstr("line 2: a call is as: OMR_CloseDevice = 0"));
+    EXPECT_THAT(broken.errors, HasSubstr("line 2: write a call as: OMR_CloseDevice = 0"));
 }
 
 TEST(UsbScanSession, AStopThatComesDuringAReadIsKnownWhenTheSheetIsRejected)

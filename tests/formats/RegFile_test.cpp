@@ -205,7 +205,7 @@ TEST(RegFile, TextsLoseOneZeroAtTheirEnd)
 TEST(RegFile, FileThatIsNoneIsRefused)
 {
     const std::string none =
-        "Line 1: this is no registry file, whose first line is \"Windows Registry Editor Version 5.00\".";
+        "Line 1: this is not a registry file; such a file begins with \"Windows Registry Editor Version 5.00\".";
     EXPECT_EQ(refusal(""), none);
     EXPECT_EQ(refusal("{\"side1Rows\":[63]}"), none);
     EXPECT_EQ(refusal("Windows Registry Editor Version 6.00\r\n"), none);
@@ -221,32 +221,32 @@ TEST(RegFile, FaultsAreToldWithTheirLine)
     const std::string key = "[HKCU\\a]\r\n";
     EXPECT_THAT(refusalOf("[HKCU\\a\r\n"), StartsWith("Line 2: the key has no bracket"));
     EXPECT_THAT(refusalOf("[HKCU\\a] b\r\n"), StartsWith("Line 2: the key has no bracket"));
-    EXPECT_THAT(refusalOf("\r\n[HKEY_DYN_DATA\\a]\r\n"), StartsWith("Line 3: the key begins with no hive"));
+    EXPECT_THAT(refusalOf("\r\n[HKEY_DYN_DATA\\a]\r\n"), StartsWith("Line 3: the key does not begin with a hive"));
     EXPECT_THAT(refusalOf("[-HKCU]\r\n"), StartsWith("Line 2: a hive as a whole"));
     EXPECT_THAT(refusalOf("\"x\"=\"1\""), StartsWith("Line 2: the value belongs to no key"));
     EXPECT_THAT(refusalOf("[-HKCU\\a]\n\"x\"=\"1\""), StartsWith("Line 3: the value belongs to a key that is removed"));
-    EXPECT_THAT(refusalOf(key + "x=\"1\"\r\n"), StartsWith("Line 3: here stands no key"));
+    EXPECT_THAT(refusalOf(key + "x=\"1\"\r\n"), StartsWith("Line 3: this line is neither a key"));
     EXPECT_THAT(refusalOf(key + "\"x\"\r\n"), StartsWith("Line 3: an equals sign"));
     EXPECT_THAT(refusalOf(key + "\"x\"=\"1\r\n\r\n"), StartsWith("Line 3: the text has no quote"));
     EXPECT_THAT(refusalOf(key + "\"x"), StartsWith("Line 3: the text has no quote"));
-    EXPECT_THAT(refusalOf(key + "\"x\"=\"C:\\temp\""), StartsWith("Line 3: a backslash within quotes"));
-    EXPECT_THAT(refusalOf(key + "\"x\"=\"1\\"), StartsWith("Line 3: a backslash within quotes"));
-    EXPECT_THAT(refusalOf(key + "\"x\"=1"), StartsWith("Line 3: the value is no text in quotes"));
-    EXPECT_THAT(refusalOf(key + "\"x\"=qword:1"), StartsWith("Line 3: the value is no text in quotes"));
-    EXPECT_THAT(refusalOf(key + "\"x\"="), StartsWith("Line 3: the value is no text in quotes"));
+    EXPECT_THAT(refusalOf(key + "\"x\"=\"C:\\temp\""), StartsWith("Line 3: write a backslash within quotes"));
+    EXPECT_THAT(refusalOf(key + "\"x\"=\"1\\"), StartsWith("Line 3: write a backslash within quotes"));
+    EXPECT_THAT(refusalOf(key + "\"x\"=1"), StartsWith("Line 3: the value is neither a text in quotes"));
+    EXPECT_THAT(refusalOf(key + "\"x\"=qword:1"), StartsWith("Line 3: the value is neither a text in quotes"));
+    EXPECT_THAT(refusalOf(key + "\"x\"="), StartsWith("Line 3: the value is neither a text in quotes"));
     for (const char* number : {"", "g", "123456789"})
-        EXPECT_THAT(refusalOf(key + "\"x\"=dword:" + number), StartsWith("Line 3: dword: wants")) << number;
+        EXPECT_THAT(refusalOf(key + "\"x\"=dword:" + number), StartsWith("Line 3: dword: needs")) << number;
     for (const char* list : {"1,", ",1", "xyz", "123", "1,\\\r\n ;"})
-        EXPECT_THAT(refusalOf(key + "\"x\"=hex:" + list), HasSubstr(": hex: wants bytes")) << list;
-    EXPECT_THAT(refusalOf(key + "\"x\"=hex:1,\\\r\n2,\\\r\n3,q"), StartsWith("Line 5: hex: wants bytes"));
+        EXPECT_THAT(refusalOf(key + "\"x\"=hex:" + list), HasSubstr(": hex: needs bytes")) << list;
+    EXPECT_THAT(refusalOf(key + "\"x\"=hex:1,\\\r\n2,\\\r\n3,q"), StartsWith("Line 5: hex: needs bytes"));
     EXPECT_THAT(refusalOf(key + "\"x\"=hex:1,\\2"), StartsWith("Line 3: a backslash between bytes"));
     EXPECT_THAT(refusalOf(key + "\"x\"=hex:1,\\\r\n"), HasSubstr(": the file ends within a value"));
     for (const char* kind : {"hex():", "hex(g):", "hex(2:", "hex(2)x:", "hex(123456789):"})
-        EXPECT_THAT(refusalOf(key + "\"x\"=" + kind), StartsWith("Line 3: hex( ) wants")) << kind;
+        EXPECT_THAT(refusalOf(key + "\"x\"=" + kind), StartsWith("Line 3: hex( ) needs")) << kind;
     EXPECT_THAT(refusalOf(key + "\"x\"=hex(2):61"), StartsWith("Line 3: the text ends within"));
-    EXPECT_EQ(refusalOf(key + "\"x\"=\"1\" 2"), "Line 3: the line has more behind its end:  2");
-    EXPECT_THAT(refusalOf(key + "\"x\"=-1"), StartsWith("Line 3: the line has more"));
-    EXPECT_THAT(refusalOf(key + "\"x\"=dword:1g"), StartsWith("Line 3: the line has more"));
+    EXPECT_EQ(refusalOf(key + "\"x\"=\"1\" 2"), "Line 3: the line goes on after its end:  2");
+    EXPECT_THAT(refusalOf(key + "\"x\"=-1"), StartsWith("Line 3: the line goes on"));
+    EXPECT_THAT(refusalOf(key + "\"x\"=dword:1g"), StartsWith("Line 3: the line goes on"));
 }
 
 TEST(RegistryPath, HivesHaveALongAndAShortName)

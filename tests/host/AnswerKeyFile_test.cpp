@@ -77,7 +77,7 @@ TEST(AnswerKeyFile, RefusesWhatIsNoKey)
 {
     EXPECT_EQ(refusal(""), "key.json is not JSON: line 1, column 1: syntax error while parsing value - unexpected end "
                            "of input; expected '[', '{', or a literal.");
-    EXPECT_EQ(refusal("[]"), "key.json: the file has to be an object and is an array.");
+    EXPECT_EQ(refusal("[]"), "key.json: the file has to be an object, not an array.");
     EXPECT_EQ(refusal("{}"), "key.json: the file has no form identifier: formIds needs one for each page.");
     EXPECT_EQ(refusal(R"({"formIds": []})"),
               "key.json: the file has no form identifier: formIds needs one for each page.");
@@ -87,25 +87,25 @@ TEST(AnswerKeyFile, RefusesWhatIsNoKey)
 
 TEST(AnswerKeyFile, RefusesUnknownKeys)
 {
-    EXPECT_EQ(refusal(R"({"formids": ["1"]})"), "key.json: the file has a key \"formids\" that is not known; the "
+    EXPECT_EQ(refusal(R"({"formids": ["1"]})"), "key.json: the file has an unknown key \"formids\"; the "
                                                 "nearest is formIds.");
     EXPECT_THAT(questionRefusal(R"({"name": "Question 2", "choises": ["A"]})"),
-                testing::StartsWith("key.json: questions[1] has a key \"choises\" that is not known; the nearest are "
+                testing::StartsWith("key.json: questions[1] has an unknown key \"choises\"; the nearest are "
                                     "choices and choiceColumns."));
 }
 
 TEST(AnswerKeyFile, RefusesWrongTypes)
 {
-    EXPECT_EQ(refusal(R"({"formIds": "1"})"), "key.json: formIds has to be an array and is a text.");
-    EXPECT_EQ(refusal(R"({"formIds": [1]})"), "key.json: formIds[0] has to be a text and is a number.");
-    EXPECT_EQ(refusal(R"({"formIds": ["1", null]})"), "key.json: formIds[1] has to be a text and is null.");
-    EXPECT_EQ(refusal(R"({"pages": "2"})"), "key.json: pages has to be a whole number and is a text.");
-    EXPECT_EQ(refusal(R"({"pages": true})"), "key.json: pages has to be a whole number and is a truth value.");
-    EXPECT_EQ(refusal(R"({"questions": {}})"), "key.json: questions has to be an array and is an object.");
-    EXPECT_EQ(questionRefusal("7"), "key.json: questions[1] has to be an object and is a number.");
-    EXPECT_EQ(questionRefusal(R"({"name": 7})"), "key.json: questions[1].name has to be a text and is a number.");
+    EXPECT_EQ(refusal(R"({"formIds": "1"})"), "key.json: formIds has to be an array, not a text.");
+    EXPECT_EQ(refusal(R"({"formIds": [1]})"), "key.json: formIds[0] has to be a text, not a number.");
+    EXPECT_EQ(refusal(R"({"formIds": ["1", null]})"), "key.json: formIds[1] has to be a text, not null.");
+    EXPECT_EQ(refusal(R"({"pages": "2"})"), "key.json: pages has to be a whole number, not a text.");
+    EXPECT_EQ(refusal(R"({"pages": true})"), "key.json: pages has to be a whole number, not a truth value.");
+    EXPECT_EQ(refusal(R"({"questions": {}})"), "key.json: questions has to be an array, not an object.");
+    EXPECT_EQ(questionRefusal("7"), "key.json: questions[1] has to be an object, not a number.");
+    EXPECT_EQ(questionRefusal(R"({"name": 7})"), "key.json: questions[1].name has to be a text, not a number.");
     EXPECT_EQ(questionRefusal(R"({"name": "Question 2", "choices": ["A"], "correctAnswers": "A"})"),
-              "key.json: questions[1].correctAnswers has to be an array and is a text.");
+              "key.json: questions[1].correctAnswers has to be an array, not a text.");
 }
 
 TEST(AnswerKeyFile, RefusesNumbersThatDoNotFit)
@@ -115,23 +115,23 @@ TEST(AnswerKeyFile, RefusesNumbersThatDoNotFit)
                           number + "}"),
                   "")
             << number;
-    EXPECT_EQ(refusal(R"({"pages": 3})"), "key.json: pages has to be a whole number from 1 to 2 and is 3.");
+    EXPECT_EQ(refusal(R"({"pages": 3})"), "key.json: pages has to be a whole number from 1 to 2, not 3.");
     EXPECT_EQ(refusal(R"({"questionsOnPage": [20, 6554]})"),
-              "key.json: questionsOnPage[1] has to be a whole number from 1 to 6553 and is 6554.");
+              "key.json: questionsOnPage[1] has to be a whole number from 1 to 6553, not 6554.");
     EXPECT_EQ(questionRefusal(R"({"name": "Question 2", "choices": ["A"], "choiceColumns": 0})"),
-              "key.json: questions[1].choiceColumns has to be a whole number from 1 to 100 and is 0.");
+              "key.json: questions[1].choiceColumns has to be a whole number from 1 to 100, not 0.");
 }
 
 TEST(AnswerKeyFile, RefusesFormIdentifiersThatCannotBeSent)
 {
     EXPECT_EQ(refusal(R"({"formIds": [""]})"), "key.json: formIds[0] must not be empty.");
-    EXPECT_EQ(refusal(R"({"formIds": ["1,2"]})"), "key.json: formIds[0] is \"1,2\" and must not hold a comma.");
+    EXPECT_EQ(refusal(R"({"formIds": ["1,2"]})"), "key.json: formIds[0] is \"1,2\"; it must not hold a comma.");
     EXPECT_EQ(refusal(R"({"formIds": ["1\r"]})"),
-              R"(key.json: formIds[0] is "1\r" and may hold letters, digits and signs of the ASCII code only.)");
+              R"(key.json: formIds[0] is "1\r"; it may hold only letters, digits and signs of ASCII.)");
     EXPECT_EQ(refusal(R"({"formIds": ["1", "2", "3"]})"),
               "key.json: formIds has more than two identifiers, and a reader takes one a page.");
     EXPECT_EQ(refusal(R"({"formIds": ["1", "2"], "questions": [{"name": "Question", "choices": ["1"]}]})"),
-              "key.json: the file has two form identifiers and no questionsOnPage, which has to tell where page 2 "
+              "key.json: the file has two form identifiers and no questionsOnPage, which has to say where page 2 "
               "begins.");
 }
 
@@ -162,7 +162,7 @@ TEST(AnswerKeyFile, RefusesChoicesThatDoNotFit)
     EXPECT_EQ(questionRefusal(R"({"name": "Question 2", "choices": ["A", ""]})"),
               "key.json: questions[1].choices[1] must not be empty.");
     EXPECT_EQ(questionRefusal(R"({"name": "Question 2", "choices": ["A", "B,C"]})"),
-              "key.json: questions[1].choices[1] is \"B,C\" and must not hold a comma.");
+              "key.json: questions[1].choices[1] is \"B,C\"; it must not hold a comma.");
     EXPECT_EQ(questionRefusal(R"({"name": "Question 2", "choices": ["A", "B", "A"]})"),
               "key.json: questions[1].choices[2] is the choice \"A\" for the second time.");
     EXPECT_EQ(questionRefusal(R"({"name": "Question 2", "choices": ["A", "B", "C", "D", "E", "F"]})"),
@@ -188,7 +188,7 @@ TEST(AnswerKeyFile, RefusesEssaysThatAreNone)
     EXPECT_EQ(questionRefusal(R"({"name": "Essay Score", "correctAnswers": ["1", "2"]})"),
               "key.json: questions[1] has to have one text in correctAnswers, the points of the essay.");
     EXPECT_EQ(questionRefusal(R"({"name": "Essay Score", "choices": ["A"], "correctAnswers": ["1"]})"),
-              "key.json: questions[1].choices stands at an essay, which has none.");
+              "key.json: questions[1].choices belongs to an essay, which has no choices.");
 }
 
 class AnswerKeyFileOnDisk : public testing::Test {

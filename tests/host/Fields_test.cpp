@@ -174,16 +174,16 @@ TEST(Fields, WhatIsWrongIsSaidInOneSentenceWithItsPlace)
              Case{R"({"row":1,"column":1})", "fields[0] has no name."},
              {R"({"name":"Q"})", "fields[0] does not say where it is: give a row and columns, or a window."},
              {R"({"name":"Q","row":1})", "fields[0] does not say where it is: give a row and columns, or a window."},
-             {R"({"name":"Q","row":0,"column":1})", "fields[0].row has to be a whole number from 1 to 32767 and is 0."},
-             {R"({"name":"Q","row":64,"column":1})", "fields[0].row comes to row 64, and side 1 has 63 rows."},
+             {R"({"name":"Q","row":0,"column":1})", "fields[0].row has to be a whole number from 1 to 32767, not 0."},
+             {R"({"name":"Q","row":64,"column":1})", "fields[0].row reaches row 64, but side 1 has 63 rows."},
              {R"({"name":"Q","row":1,"columns":[44,52]})",
-              "fields[0].columns comes to column 52, and side 1 has 48 columns."},
+              "fields[0].columns reaches column 52, but side 1 has 48 columns."},
              {R"({"name":"Q","row":1,"columns":[5]})",
               "fields[0].columns has 1 number; write the first and the last, as [5, 9]."},
              {R"({"name":"Q","row":1,"rows":[1,2],"column":1})",
-              "fields[0].rows stands beside row and rows; one of them says where the field is."},
+              "fields[0].rows repeats the place of the field; give one of row and rows."},
              {R"({"name":"Q","row":1,"columns":[1,4],"colGap":2})",
-              "fields[0].columns does not come from 1 to 4 in steps of 2."},
+              "fields[0].columns does not lead from 1 to 4 in steps of 2."},
              {R"({"name":"Q","row":1,"columns":[1,4],"labels":"ABC"})", "fields[0].labels has 3 labels for 4 cells."},
              {R"({"name":"Q","row":1,"columns":[1,3],"labels":"ABA"})", "fields[0].labels has the label \"A\" twice."},
              {R"({"name":"Q","row":1,"columns":[1,2],"labels":"A*"})",
@@ -191,18 +191,17 @@ TEST(Fields, WhatIsWrongIsSaidInOneSentenceWithItsPlace)
              {R"({"name":"Q","row":1,"columns":[1,2],"labels":"A-"})",
               "fields[0].labels has the label \"-\", which stands for no mark."},
              {R"({"name":"Q","row":1,"columns":[1,2],"labels":7})",
-              "fields[0].labels has to be a text with a character a choice, or an array of texts."},
+              "fields[0].labels has to be a text with one character for each choice, or an array of texts."},
              {R"({"name":"Q","row":1,"column":1,"multiple":"darkest"})",
-              R"(fields[0].multiple has to be "mark" or "all" and is "darkest".)"},
-             {R"({"name":"Q","window":2})", "fields[0].window is 2, and the form has 1 window."},
+              R"(fields[0].multiple has to be "mark" or "all", not "darkest".)"},
+             {R"({"name":"Q","window":2})", "fields[0].window is 2, but the form has 1 window."},
              {R"({"name":"Q","window":1,"row":2})",
               "fields[0] has a window, which says where the field is; leave out side, rows and columns."},
-             {R"({"name":"sheet","row":1,"column":1})",
-              "fields[0] makes a column \"sheet\", and there is one already."},
+             {R"({"name":"sheet","row":1,"column":1})", "fields[0] makes a second column \"sheet\"."},
              {R"({"name":"Q1","row":1,"column":1},{"name":"Q","rows":[1,2],"columns":[3,4]})",
-              "fields[1] makes a column \"Q1\", and there is one already."},
+              "fields[1] makes a second column \"Q1\"."},
              {R"({"name":"Q","row":1,"columns":[1,48],"label":"A"})",
-              "fields[0] has a key \"label\" that is not known; the nearest are labels and name."},
+              "fields[0] has an unknown key \"label\"; the nearest are labels and name."},
          })
         EXPECT_EQ(refusal(field, windows + sizes), std::string("form.json: ") + sentence);
 }
@@ -212,7 +211,7 @@ TEST(Fields, AFieldBeyondAllBoundsIsRefusedBeforeItIsMade)
     EXPECT_EQ(refusal(R"({"name":"Q","rows":[1,32767],"columns":[1,200]})"),
               "form.json: fields[0] makes more than 10000 columns of the form.");
     EXPECT_EQ(refusal(R"({"name":"Q","row":1,"columns":[1,32767]})"),
-              "form.json: fields[0] has 32767 choices, and at most 200 are taken.");
+              "form.json: fields[0] has 32767 choices; the limit is 200.");
 }
 
 } // namespace

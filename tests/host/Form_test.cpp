@@ -96,55 +96,53 @@ TEST(FormFile, BrokenJsonNamesThePlace)
 
 TEST(FormFile, UnknownKeysAreRefused)
 {
-    EXPECT_EQ(refusal(R"({"side1Row":[1]})"),
-              "form.json: the file has a key \"side1Row\" that is not known; the nearest "
-              "are side1Rows, side2Rows and side1Cols.");
-    EXPECT_EQ(refusal(R"({"windows":[{},{"Rows":1}]})"),
-              "form.json: windows[1] has a key \"Rows\" that is not known; the "
-              "nearest are NumRows, RowGap and StartRow.");
+    EXPECT_EQ(refusal(R"({"side1Row":[1]})"), "form.json: the file has an unknown key \"side1Row\"; the nearest "
+                                              "are side1Rows, side2Rows and side1Cols.");
+    EXPECT_EQ(refusal(R"({"windows":[{},{"Rows":1}]})"), "form.json: windows[1] has an unknown key \"Rows\"; the "
+                                                         "nearest are NumRows, RowGap and StartRow.");
     EXPECT_THAT(refusal(R"({"barcodes":[{"page":1}]})"),
-                StartsWith("form.json: barcodes[0] has a key \"page\" that is not known; the nearest is Page."));
+                StartsWith("form.json: barcodes[0] has an unknown key \"page\"; the nearest is Page."));
 }
 
 TEST(FormFile, NegativeSizesAreRefused)
 {
     EXPECT_EQ(refusal(R"({"side1Rows":[63,-1]})"),
-              "form.json: side1Rows[1] has to be a whole number from 0 to 32767 and is -1.");
+              "form.json: side1Rows[1] has to be a whole number from 0 to 32767, not -1.");
     EXPECT_EQ(refusal(R"({"windows":[{"NumRows":-5}]})"),
-              "form.json: windows[0].NumRows has to be a whole number from 0 to 32767 and is -5.");
+              "form.json: windows[0].NumRows has to be a whole number from 0 to 32767, not -5.");
     EXPECT_EQ(refusal(R"({"windows":[{"NumCols":-5}]})"),
-              "form.json: windows[0].NumCols has to be a whole number from 0 to 32767 and is -5.");
+              "form.json: windows[0].NumCols has to be a whole number from 0 to 32767, not -5.");
     EXPECT_EQ(refusal(R"({"barcodes":[{"Length":-1}]})"),
-              "form.json: barcodes[0].Length has to be a whole number from 0 to 32767 and is -1.");
+              "form.json: barcodes[0].Length has to be a whole number from 0 to 32767, not -1.");
 }
 
 TEST(FormFile, NumbersThatDoNotFitAreRefused)
 {
     EXPECT_EQ(refusal(R"({"side2Cols":[32768]})"),
-              "form.json: side2Cols[0] has to be a whole number from 0 to 32767 and is 32768.");
+              "form.json: side2Cols[0] has to be a whole number from 0 to 32767, not 32768.");
     EXPECT_EQ(refusal(R"({"side2Cols":[18446744073709551615]})"),
-              "form.json: side2Cols[0] has to be a whole number from 0 to 32767 and is 18446744073709551615.");
+              "form.json: side2Cols[0] has to be a whole number from 0 to 32767, not 18446744073709551615.");
     EXPECT_EQ(refusal(R"({"windows":[{"StartRow":-32769}]})"),
-              "form.json: windows[0].StartRow has to be a whole number from -32768 to 32767 and is -32769.");
+              "form.json: windows[0].StartRow has to be a whole number from -32768 to 32767, not -32769.");
     EXPECT_EQ(
         refusal(R"({"barcodes":[{"Symbology":2147483648}]})"),
-        "form.json: barcodes[0].Symbology has to be a whole number from -2147483648 to 2147483647 and is 2147483648.");
+        "form.json: barcodes[0].Symbology has to be a whole number from -2147483648 to 2147483647, not 2147483648.");
 }
 
 TEST(FormFile, WrongTypesAreRefused)
 {
-    EXPECT_EQ(refusal("[]"), "form.json: the file has to be an object and is an array.");
-    EXPECT_EQ(refusal(R"({"side1Rows":63})"), "form.json: side1Rows has to be an array and is a number.");
-    EXPECT_EQ(refusal(R"({"side1Rows":["63"]})"), "form.json: side1Rows[0] has to be a whole number and is a text.");
+    EXPECT_EQ(refusal("[]"), "form.json: the file has to be an object, not an array.");
+    EXPECT_EQ(refusal(R"({"side1Rows":63})"), "form.json: side1Rows has to be an array, not a number.");
+    EXPECT_EQ(refusal(R"({"side1Rows":["63"]})"), "form.json: side1Rows[0] has to be a whole number, not a text.");
     EXPECT_EQ(refusal(R"({"side1Rows":[1.5]})"),
-              "form.json: side1Rows[0] has to be a whole number from 0 to 32767 and is 1.5.");
-    EXPECT_EQ(refusal(R"({"windows":[5]})"), "form.json: windows[0] has to be an object and is a number.");
-    EXPECT_EQ(refusal(R"({"windows":null})"), "form.json: windows has to be an array and is null.");
+              "form.json: side1Rows[0] has to be a whole number from 0 to 32767, not 1.5.");
+    EXPECT_EQ(refusal(R"({"windows":[5]})"), "form.json: windows[0] has to be an object, not a number.");
+    EXPECT_EQ(refusal(R"({"windows":null})"), "form.json: windows has to be an array, not null.");
     EXPECT_EQ(refusal(R"({"windows":[{"Page":true}]})"),
-              "form.json: windows[0].Page has to be a whole number and is a truth value.");
+              "form.json: windows[0].Page has to be a whole number, not a truth value.");
     EXPECT_EQ(refusal(R"({"recognitionMode":"pages"})"),
-              R"(form.json: recognitionMode has to be "page" or "window" and is "pages".)");
-    EXPECT_EQ(refusal(R"({"recognitionMode":1})"), "form.json: recognitionMode has to be a text and is a number.");
+              R"(form.json: recognitionMode has to be "page" or "window", not "pages".)");
+    EXPECT_EQ(refusal(R"({"recognitionMode":1})"), "form.json: recognitionMode has to be a text, not a number.");
 }
 
 TEST(FormFile, FileThatCannotBeReadIsRefused)

@@ -103,5 +103,5 @@ def test_the_ports_are_listed_and_mapped():
     assert listed[3].reason
     assert kelreader.unmap_port(3) is True
     assert kelreader.unmap_port(3) is False
-    with pytest.raises(kelreader.UsageError, match="port has to be a whole number from 1 to 16 and is 17."):
+    with pytest.raises(kelreader.UsageError, match="port has to be a whole number from 1 to 16, not 17."):
         kelreader.map_port(17, "/dev/null")

@@ -192,12 +192,12 @@ def test_settings_have_the_catalogues_words(simulated):
 @pytest.mark.parametrize(
     "name, value, sentence",
     [
-        ("port", "1", "port has to be a whole number from -32768 to 32767 and is '1'."),
-        ("port", True, "port has to be a whole number from -32768 to 32767 and is True."),
-        ("timeout", 2**31, "timeout has to be a whole number from -2147483648 to 2147483647 and is 2147483648."),
-        ("duplex", 1, "duplex has to be True or False and is 1."),
-        ("parity", "\u20ac", "parity has to be a text of the characters of Latin-1 and is '\u20ac'."),
-        ("stop_bits", "one", "stop_bits has to be a number such as 1 or 1.5 and is 'one'."),
+        ("port", "1", "port has to be a whole number from -32768 to 32767, not '1'."),
+        ("port", True, "port has to be a whole number from -32768 to 32767, not True."),
+        ("timeout", 2**31, "timeout has to be a whole number from -2147483648 to 2147483647, not 2147483648."),
+        ("duplex", 1, "duplex has to be True or False, not 1."),
+        ("parity", "\u20ac", "parity has to be a text of the characters of Latin-1, not '\u20ac'."),
+        ("stop_bits", "one", "stop_bits has to be a number such as 1 or 1.5, not 'one'."),
     ],
 )
 def test_a_value_that_does_not_fit_is_refused_and_changes_nothing(simulated, name, value, sentence):
@@ -214,13 +214,13 @@ def test_what_a_reader_is_made_of_is_checked_at_once(tmp_path):
         kelreader.Reader()
     with pytest.raises(kelreader.UsageError, match="the nearest"):
         kelreader.Reader("Grademasster", port=1)
-    with pytest.raises(kelreader.UsageError, match="port has to be a whole number from 1 to 16 and is 17."):
+    with pytest.raises(kelreader.UsageError, match="port has to be a whole number from 1 to 16, not 17."):
         kelreader.Reader("GradeMaster", port=17)
     with pytest.raises(TypeError, match="takes no argument 'baudrate'; settings are barcode, baud_rate"):
         kelreader.Reader("GradeMaster", port=1, baudrate=9600)
     with pytest.raises(kelreader.UsageError, match="The form file .*none.json cannot be read: No such file"):
         kelreader.Reader("GradeMaster", port=1, form=tmp_path / "none.json")
-    with pytest.raises(kelreader.UsageError, match="'Software' is no key of the settings"):
+    with pytest.raises(kelreader.UsageError, match="'Software' is not a key of the settings"):
         kelreader.Reader(settings="Software")
 
 
@@ -247,7 +247,7 @@ def test_settings_are_kept_and_loaded(simulated, tmp_path):
         reader.recognition_threshold = 1
         reader.load(key)
         assert reader.recognition_threshold == 9
-        with pytest.raises(kelreader.UsageError, match="is no key of the settings"):
+        with pytest.raises(kelreader.UsageError, match="is not a key of the settings"):
             reader.load("Acme")
 
 

@@ -89,9 +89,9 @@ def test_a_field_that_is_wrong_is_refused_in_one_sentence(tmp_path):
     wrong = {**FORM, "fields": [{"name": "Q", "row": 3, "columns": [1, 3]}]}
     with pytest.raises(kelreader.UsageError) as refused:
         kelreader.form(wrong)
-    assert str(refused.value) == "the form: fields[0].row comes to row 3, and side 1 has 2 rows."
+    assert str(refused.value) == "the form: fields[0].row reaches row 3, but side 1 has 2 rows."
     file = tmp_path / "form.json"
     file.write_text(json.dumps(wrong))
     with pytest.raises(kelreader.UsageError) as refused:
         kelreader.Reader("VMR138", port=1, form=file)
-    assert str(refused.value) == f"{file}: fields[0].row comes to row 3, and side 1 has 2 rows."
+    assert str(refused.value) == f"{file}: fields[0].row reaches row 3, but side 1 has 2 rows."

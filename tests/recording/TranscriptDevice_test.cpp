@@ -74,7 +74,7 @@ TEST(TranscriptDevice, NothingComesBehindTheEnd)
     DeviceBench bench(device);
     bench.send("AB");
     EXPECT_TRUE(device.finished());
-    EXPECT_EQ(device.errors(), Texts{"the host sent \"B\" behind the end of the transcript"});
+    EXPECT_EQ(device.errors(), Texts{"the host sent \"B\" after the end of the transcript"});
 }
 
 TEST(TranscriptDevice, ThePartsOfOneCommandMayBeWrittenApart)

@@ -92,17 +92,18 @@ TEST(Transcript, MistakesAreToldWithTheirLine)
     EXPECT_EQ(errorOf("> \"A\tB\"\n"),
               "line 1: a quoted text holds printable ASCII only; write other bytes as two hexadecimal digits");
     EXPECT_EQ(errorOf("# x: y\n>   # nothing\n"), "line 2: no bytes");
-    EXPECT_EQ(errorOf("+ soon\n"), "line 1: \"soon\" is no number of milliseconds");
-    EXPECT_EQ(errorOf("+ -1\n"), "line 1: \"-1\" is no number of milliseconds");
-    EXPECT_EQ(errorOf("+ nan\n"), "line 1: \"nan\" is no number of milliseconds");
-    EXPECT_EQ(errorOf("+ 1e12\n"), "line 1: \"1e12\" is no number of milliseconds");
-    EXPECT_EQ(errorOf("! explode\n"), "line 1: \"explode\" is no event; there is: unplug");
-    EXPECT_EQ(errorOf("@ OMR_FeedSheet\n"), "line 1: a call is as: OMR_CloseDevice = 0");
-    EXPECT_EQ(errorOf("@ Format = 1\n"), "line 1: a call is as: OMR_CloseDevice = 0");
+    EXPECT_EQ(errorOf("+ soon\n"), "line 1: \"soon\" is not a number of milliseconds");
+    EXPECT_EQ(errorOf("+ -1\n"), "line 1: \"-1\" is not a number of milliseconds");
+    EXPECT_EQ(errorOf("+ nan\n"), "line 1: \"nan\" is not a number of milliseconds");
+    EXPECT_EQ(errorOf("+ 1e12\n"), "line 1: \"1e12\" is not a number of milliseconds");
+    EXPECT_EQ(errorOf("! explode\n"), "line 1: \"explode\" is not an event; the only event is unplug");
+    EXPECT_EQ(errorOf("@ OMR_FeedSheet\n"), "line 1: write a call as: OMR_CloseDevice = 0");
+    EXPECT_EQ(errorOf("@ Format = 1\n"), "line 1: write a call as: OMR_CloseDevice = 0");
     EXPECT_EQ(errorOf("@ OMR_FeedSheet =\n"), "line 1: a call without a result");
-    EXPECT_EQ(errorOf("@ OMR_FeedSheet = 1 x\n"), "line 1: \"x\" begins with no number that fits");
-    EXPECT_EQ(errorOf("@ OMR_FeedSheet = 1x\n"), "line 1: \"1x\" begins with no number that fits");
-    EXPECT_EQ(errorOf("@ OMR_FeedSheet = 99999999999\n"), "line 1: \"99999999999\" begins with no number that fits");
+    EXPECT_EQ(errorOf("@ OMR_FeedSheet = 1 x\n"), "line 1: \"x\" does not begin with a number in range");
+    EXPECT_EQ(errorOf("@ OMR_FeedSheet = 1x\n"), "line 1: \"1x\" does not begin with a number in range");
+    EXPECT_EQ(errorOf("@ OMR_FeedSheet = 99999999999\n"),
+              "line 1: \"99999999999\" does not begin with a number in range");
     EXPECT_EQ(errorOf("41 42\n"), "line 1: a line begins with #, >, <, +, ! or @, not with \"4\"");
     try {
         static_cast<void>(parseTranscript("> 41\n\n\n? 42\n"));

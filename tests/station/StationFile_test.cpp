@@ -86,7 +86,7 @@ TEST_F(AStationFile, SaysWhereTheSheetsGo)
     // A file that names secrets is one.
     EXPECT_THAT(read(secure).faults,
                 ElementsAre(HasSubstr("stream cannot be used: The file " + folder_.file("station.json") +
-                                      " may be read by everybody")));
+                                      " is a secret that everybody may read")));
     std::filesystem::permissions(folder_.file("station.json"), std::filesystem::perms(0640));
     const StationFile file = readStationFile(folder_.file("station.json"));
     EXPECT_THAT(file.faults, IsEmpty());
@@ -102,12 +102,13 @@ TEST_F(AStationFile, SaysWhereTheSheetsGo)
 
     std::filesystem::permissions(folder_.file("key.pem"), std::filesystem::perms(0644));
     EXPECT_THAT(readStationFile(folder_.file("station.json")).faults,
-                ElementsAre(HasSubstr("key.pem may be read by everybody")));
+                ElementsAre(HasSubstr("key.pem is a secret that everybody may read")));
     std::filesystem::remove(folder_.file("station.json"));
     EXPECT_THAT(read(text(R"({"servers": ["nats://me:secret@a:4222"]})")).faults,
-                ElementsAre(HasSubstr("may be read by everybody")));
-    EXPECT_THAT(read(text(R"({"servers": []})")).faults, ElementsAre(HasSubstr("No server of the stream is named")));
-    EXPECT_THAT(read(text(R"({"servers": ["http://a"]})")).faults, ElementsAre(HasSubstr("'http://a' is no server")));
+                ElementsAre(HasSubstr("is a secret that everybody may read")));
+    EXPECT_THAT(read(text(R"({"servers": []})")).faults, ElementsAre(HasSubstr("The stream has no server")));
+    EXPECT_THAT(read(text(R"({"servers": ["http://a"]})")).faults,
+                ElementsAre(HasSubstr("'http://a' is not a server")));
     EXPECT_THAT(read(text(R"({"servers": ["a"], "name": "a.b"})")).faults,
                 ElementsAre(HasSubstr("cannot be the name of a stream")));
     EXPECT_THAT(read(text(R"({"servers": ["a"], "subject": "a.*"})")).faults,
@@ -132,7 +133,7 @@ TEST_F(AStationFile, IsToldAllThatIsWrongAtOnce)
             {"model": 13, "form": "none.json"}]})");
     EXPECT_THAT(file.faults,
                 ElementsAre(HasSubstr("station has to be 1 to 64 letters"),
-                            "the file has a key \"stor\" that is not known; the nearest is store.",
+                            "the file has an unknown key \"stor\"; the nearest is store.",
                             HasSubstr("readers[0].model: There is no model '99'"),
                             HasSubstr("readers[0].simulate.count has to be a whole number"),
                             HasSubstr("readers[0].set.SleepTim: The reader has no property 'SleepTim'"),
@@ -140,11 +141,11 @@ TEST_F(AStationFile, IsToldAllThatIsWrongAtOnce)
                             HasSubstr("readers[1].port has to be a whole number from 1 to 16"),
                             HasSubstr("readers[2] names more than one of \"port\", \"device\" and \"simulate\""),
                             HasSubstr("readers[3] does not say where it is"),
-                            "readers[3].name is \"b\", as that of another reader.",
-                            "readers[4] has to be an object and is a number.",
-                            "readers[6] has port 2, as the reader \"c\".", HasSubstr("readers[7].form: The form file "),
-                            "readers[7] has no \"name\".", "the file names no \"store\".",
-                            "retry.first is longer than \"longest\"."));
+                            "readers[3].name is \"b\", which another reader has, too.",
+                            "readers[4] has to be an object, not a number.",
+                            "readers[6] has port 2, which the reader \"c\" has, too.",
+                            HasSubstr("readers[7].form: The form file "), "readers[7] has no \"name\".",
+                            "the file names no \"store\".", "retry.first is longer than \"longest\"."));
 }
 
 TEST_F(AStationFile, SaysWhereItsPageAndItsMetricsAre)
@@ -163,7 +164,7 @@ TEST_F(AStationFile, SaysWhereItsPageAndItsMetricsAre)
                 ElementsAre(HasSubstr("page.address has to be an IP address"),
                             HasSubstr("page.port has to be a whole number from 0 to 65535"),
                             "page has one of \"certificate\" and \"key\"; it needs both.",
-                            HasSubstr("metrics has a key \"address\" that is not known"), "metrics has no \"port\"."));
+                            HasSubstr("metrics has an unknown key \"address\""), "metrics has no \"port\"."));
     EXPECT_THAT(read(R"({"store": "x", "page": {"port": 8181}, "metrics": {"port": 8181})" + readers).faults,
                 ElementsAre("metrics.port is the port of the page; give it another one."));
     for (const char* address : {"0.0.0.0", "192.168.1.2", "::", "fe80::1"})
@@ -181,7 +182,7 @@ TEST_F(AStationFile, SaysWhereItsPageAndItsMetricsAre)
 TEST_F(AStationFile, ThatIsNoneIsOneSentence)
 {
     EXPECT_THAT(read("{").faults, ElementsAre(HasSubstr("the file is not JSON: ")));
-    EXPECT_THAT(read("[]").faults, ElementsAre("the file has to be an object and is an array."));
+    EXPECT_THAT(read("[]").faults, ElementsAre("the file has to be an object, not an array."));
     EXPECT_THAT(readStationFile(folder_.file("none")).faults, ElementsAre(HasSubstr("The station file ")));
 }
 

@@ -76,9 +76,9 @@ class AnswersTest(Web):
             self.assertEqual(self.fixed.request("/state", headers={"Host": host})[0], status, host)
 
     def test_a_question_that_is_wrong_gets_a_sentence(self):
-        for path, sentence in (("/sheets?since=yesterday", '"yesterday" is no time; write 2024-01-31'),
-                               ("/sheets?before=-1", '"-1" is no number of a sheet.'),
-                               ("/sheets?before=9" + 30 * "9", "is no number of a sheet.")):
+        for path, sentence in (("/sheets?since=yesterday", '"yesterday" is not a time; write 2024-01-31'),
+                               ("/sheets?before=-1", '"-1" is not the number of a sheet.'),
+                               ("/sheets?before=9" + 30 * "9", "is not the number of a sheet.")):
             status, _, text = self.fixed.request(path)
             self.assertEqual(status, 400, path)
             self.assertIn(sentence, text)
@@ -251,7 +251,7 @@ class RefusalsTest(Web):
         self.write("plain", "# nobody\nanna:secret\n")
         self.assertIn("has no name and hash in line 2; make a hash with", self.refusal(self.page(passwords="plain")))
         self.write("empty", "")
-        self.assertIn("names nobody", self.refusal(self.page(passwords="empty")))
+        self.assertIn("has no users", self.refusal(self.page(passwords="empty")))
         (self.folder / "page.key").chmod(0o644)
         self.assertIn("can be read or written by everybody", self.refusal(self.page()))
         (self.folder / "page.key").chmod(0o600)
@@ -262,7 +262,7 @@ class RefusalsTest(Web):
         with socket.create_server(("127.0.0.1", 0)) as taken:
             station = self.station(folder=self.folder, page={"port": taken.getsockname()[1]})
             self.assertEqual(station.process.wait(HUNG), 1)
-            self.assertIn("cannot be had: Address already in use. Name another port", station.told())
+            self.assertIn("cannot be used: Address already in use. Name another port", station.told())
             self.assertFalse(station.store.exists())
 
     def test_whoever_has_a_name_may_look(self):

@@ -135,7 +135,7 @@ TEST_F(ACollector, SetsAsideWhatHoldsNoSheetAndGoesOn)
                 ElementsAre("Collecting from the stream KELREADER.",
                             StartsWith("A message of k.x is set aside: The message cannot be read: "),
                             StartsWith("A message of k.sheet.hall.left is set aside: Sheet 1 of the batch monday "
-                                       "of the reader left is there already, and is another sheet.")));
+                                       "of the reader left already exists, as another sheet.")));
 }
 
 TEST_F(ACollector, WaitsForAStreamThatIsNotThere)

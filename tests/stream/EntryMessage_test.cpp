@@ -129,7 +129,7 @@ TEST(EntryMessage, RefusesWhatHoldsNoEntry)
     EXPECT_THAT(refusalOf(changed("/version", 2)), HasSubstr("version is 2, and this program reads version 1"));
     EXPECT_THAT(refusalOf(changed("/report", nullptr)), HasSubstr("either a \"sheet\" or a \"report\""));
     EXPECT_THAT(refusalOf(changed("/identity", "")), HasSubstr("identity is empty"));
-    EXPECT_THAT(refusalOf(changed("/time", "noon")), HasSubstr("time is no time"));
+    EXPECT_THAT(refusalOf(changed("/time", "noon")), HasSubstr("time is not a time"));
     EXPECT_THAT(refusalOf(changed("/sheet/number", 0)), HasSubstr("number has to be a whole number from 1"));
     EXPECT_THAT(refusalOf(changed("/sheet/model", 42)), HasSubstr("model has to be a whole number from 0 to 41"));
     EXPECT_THAT(refusalOf(changed("/sheet/side1/marks/0/0", 4)), HasSubstr("whole number from 1 to 3"));

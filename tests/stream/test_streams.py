@@ -287,7 +287,7 @@ class StreamsTest(unittest.TestCase):
 
         (self.folder / "client.key").chmod(0o644)
         refused = self.command(*collect)
-        refused.says("may be read by everybody")
+        refused.says("is a secret that everybody may read")
         self.assertEqual(refused.process.wait(PATIENCE), 2)
 
     def test_credentials_say_who_somebody_is(self):
@@ -315,7 +315,7 @@ class StreamsTest(unittest.TestCase):
         claim, seed = good.read_text(encoding="ascii").split("-----BEGIN USER NKEY SEED-----")
         for text, mode, sentence in ((claim, 0o640, 'holds no credentials: it has no line "-----BEGIN USER NKEY SEED-----"'),
                                      (seed, 0o640, 'it has no line "-----BEGIN NATS USER JWT-----"'),
-                                     (good.read_text(encoding="ascii"), 0o644, "may be read by everybody")):
+                                     (good.read_text(encoding="ascii"), 0o644, "is a secret that everybody may read")):
             file = self.folder / "half.creds"
             file.write_text(text, encoding="ascii")
             file.chmod(mode)

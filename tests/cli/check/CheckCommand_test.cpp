@@ -158,7 +158,7 @@ TEST(CheckCommand, RefusesWhatMakesNoSense)
         return outcome.errors;
     };
     EXPECT_THAT(refusal({}), HasSubstr("--model is required"));
-    EXPECT_THAT(refusal({"--model", "30", "--port", "1"}), HasSubstr("USB model, which has no line"));
+    EXPECT_THAT(refusal({"--model", "30", "--port", "1"}), HasSubstr("A USB model has no line"));
     EXPECT_THAT(refusal({"--model", "13", "--omrapi", "x.so"}), HasSubstr("--omrapi is for USB models"));
     EXPECT_THAT(refusal({"--model", "13"}), HasSubstr("Where is the reader?"));
     EXPECT_THAT(refusal({"--model", "13", "--port", "1", "--fault", "echo"}), HasSubstr("go with --simulate"));
@@ -167,7 +167,7 @@ TEST(CheckCommand, RefusesWhatMakesNoSense)
     EXPECT_THAT(refusal({"--model", "13", "--simulate", "--set", "Nothing=1"}), HasSubstr("Nothing"));
     EXPECT_THAT(refusal({"--replay", "/no/such/file"}), HasSubstr("/no/such/file"));
     const TextFile trace("# model: 13\n> 41\n");
-    EXPECT_THAT(refusal({"--replay", trace.path()}), HasSubstr("is no report of 'kelreader check'"));
+    EXPECT_THAT(refusal({"--replay", trace.path()}), HasSubstr("is not a report of 'kelreader check'"));
     EXPECT_THAT(refusal({"--model", "13", "--simulate", "--sheets", "-1"}), HasSubstr("--sheets"));
 }
 
@@ -175,7 +175,7 @@ TEST(CheckCommand, SaysWhyALineDoesNotOpen)
 {
     const CommandOutcome outcome = runCommand({"check", "--model", "13", "--device", "/dev/no_such_line"});
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_THAT(outcome.output, HasSubstr("The line is not there."));
+    EXPECT_THAT(outcome.output, HasSubstr("The line does not exist."));
     EXPECT_THAT(outcome.output, HasSubstr("skipped"));
 }
 

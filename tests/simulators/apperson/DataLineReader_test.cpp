@@ -133,10 +133,10 @@ TEST_F(DataLineReaderTest, PiecesHaveTheirSizeAndTheirPauses)
     key(kelReaderTypeAppersonAdvantage1200);
     ask("10000", 9ms);
     ask("Q");
-    expectError("a piece of a key too soon behind the one before it");
+    expectError("a piece of a key too soon after the one before it");
     key(kelReaderTypeAppersonAdvantage1200);
     ask("1000001000Q");
-    expectError("a piece of a key too soon behind the one before it");
+    expectError("a piece of a key too soon after the one before it");
     key(kelReaderTypeAppersonAdvantage1200);
     ask("100", 10ms);
     ask("00", 10ms);
@@ -161,14 +161,14 @@ TEST_F(DataLineReaderTest, ADownloadHasItsOrder)
         {"K80012", "command K8 without K7 before it"},
         {"K6", "command K6 without a key before it"},
         {"S2", "command S2 where the key of version 1 comes"},
-        {"K70011E90001", "command E9 behind K7"},
+        {"K70011E90001", "command E9 after K7"},
         {"E900x1", "command E9 with \"00x1\""},
         {"K70011M6", "command M6 though the keys were not ended with K6"},
         {"E90000", "command E9 though the essay has no points"},
         {"E90025E90025", "command E9 a second time"},
         {"K70011K80012K80012", "command K8 a second time"},
-        {"M6K70011", "command K7 behind the first step of the start"},
-        {"M6S1", "command S1 behind the first step of the start"},
+        {"M6K70011", "command K7 after the first step of the start"},
+        {"M6S1", "command S1 after the first step of the start"},
         {"M6M0M8K70011", "command K7 though the reader is ready to read"},
     };
     for (const auto& [bytes, mistake] : mistakes) {
@@ -209,7 +209,7 @@ TEST_F(DataLineReaderTest, EachSessionMayHaveAKey)
     EXPECT_EQ(reader_->errors(), Errors{});
     download();
     ASSERT_FALSE(reader_->errors().empty());
-    EXPECT_EQ(reader_->errors().front(), "command K7 behind a key that was ended");
+    EXPECT_EQ(reader_->errors().front(), "command K7 after a key that was ended");
 }
 
 TEST_F(DataLineReaderTest, RepliesComeAsTheyAreOnTheWireButForTheLast)

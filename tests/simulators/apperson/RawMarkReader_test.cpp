@@ -106,7 +106,7 @@ TEST_F(RawMarkReaderTest, CommandsHaveTheirOrder)
         {"T1\rT1\r", "command T1 where the start goes on with reading"},
         {"T1\rP\r", "unknown command \"P\""},
         {"T1\r\n\r", "unknown command 0A"},
-        {"T1FB\r", "no CR behind \"T1\""},
+        {"T1FB\r", "no CR after \"T1\""},
     };
     for (const auto& [bytes, mistake] : mistakes) {
         power(kelReaderTypeAppersonAdvantageLink, {{}});

@@ -68,13 +68,13 @@ TEST(Fault, MistakesAreTold)
     };
     expectMistake("", "unknown word \"\"");
     expectMistake("drop=3", "drop takes no value");
-    expectMistake("late=soon", "\"soon\" is no value");
-    expectMistake("late=-1", "\"-1\" is no value");
+    expectMistake("late=soon", "\"soon\" is not a value");
+    expectMistake("late=-1", "\"-1\" is not a value");
     expectMistake("garble=0", "a byte is garbled with 1 to 255");
     expectMistake("garble=256", "a byte is garbled with 1 to 255");
-    expectMistake("drop@byte", "\"byte\" is no place");
-    expectMistake("drop@byte=0", "\"byte=0\" is no place");
-    expectMistake("drop@byte=1x", "\"byte=1x\" is no place");
+    expectMistake("drop@byte", "\"byte\" is not a place");
+    expectMistake("drop@byte=0", "\"byte=0\" is not a place");
+    expectMistake("drop@byte=1x", "\"byte=1x\" is not a place");
     expectMistake("drop@page=1", "unknown place \"page\"");
     expectMistake("drop@byte=1,byte=2", "the place byte is there twice");
     expectMistake("jam", "jam happens at a sheet");

@@ -49,25 +49,25 @@ TEST(SheetFeeder, ReadsSheetsFromJson)
 
 TEST(SheetFeeder, MistakesNameTheirPlace)
 {
-    EXPECT_EQ(errorOf("{}"), "the text has to be an array and is an object");
-    EXPECT_EQ(errorOf("[{},7]"), "sheet 2 has to be an object and is a number");
+    EXPECT_EQ(errorOf("{}"), "the text has to be an array, not an object");
+    EXPECT_EQ(errorOf("[{},7]"), "sheet 2 has to be an object, not a number");
     EXPECT_EQ(errorOf(R"([{"side3":[]}])"),
-              "sheet 1 has a key \"side3\" that is not known; there are side1, side2, barcodes, fields");
-    EXPECT_EQ(errorOf(R"([{"side1":7}])"), "sheet 1, side1 has to be an array and is a number");
-    EXPECT_EQ(errorOf(R"([{},{"side2":[[1],2]}])"), "sheet 2, side2, row 2 has to be an array and is a number");
+              "sheet 1 has an unknown key \"side3\"; the keys are side1, side2, barcodes, fields");
+    EXPECT_EQ(errorOf(R"([{"side1":7}])"), "sheet 1, side1 has to be an array, not a number");
+    EXPECT_EQ(errorOf(R"([{},{"side2":[[1],2]}])"), "sheet 2, side2, row 2 has to be an array, not a number");
     EXPECT_EQ(errorOf(R"([{"side1":[[0],[1,"x"]]}])"),
-              "sheet 1, side1, row 2, column 2 has to be a whole number and is a text");
+              "sheet 1, side1, row 2, column 2 has to be a whole number, not a text");
     EXPECT_EQ(errorOf(R"([{"side1":[[1.5]]}])"),
-              "sheet 1, side1, row 1, column 1 has to be a whole number from -32768 to 32767 and is 1.5");
+              "sheet 1, side1, row 1, column 1 has to be a whole number from -32768 to 32767, not 1.5");
     EXPECT_EQ(errorOf(R"([{"side1":[[40000]]}])"),
-              "sheet 1, side1, row 1, column 1 has to be a whole number from -32768 to 32767 and is 40000");
+              "sheet 1, side1, row 1, column 1 has to be a whole number from -32768 to 32767, not 40000");
     EXPECT_EQ(
         errorOf(R"([{"side1":[[18446744073709551615]]}])"),
-        "sheet 1, side1, row 1, column 1 has to be a whole number from -32768 to 32767 and is 18446744073709551615");
-    EXPECT_EQ(errorOf(R"([{"barcodes":["1",2]}])"), "sheet 1, barcode 2 has to be a text and is a number");
-    EXPECT_EQ(errorOf(R"([{"barcodes":"1"}])"), "sheet 1, barcodes has to be an array and is a text");
+        "sheet 1, side1, row 1, column 1 has to be a whole number from -32768 to 32767, not 18446744073709551615");
+    EXPECT_EQ(errorOf(R"([{"barcodes":["1",2]}])"), "sheet 1, barcode 2 has to be a text, not a number");
+    EXPECT_EQ(errorOf(R"([{"barcodes":"1"}])"), "sheet 1, barcodes has to be an array, not a text");
     EXPECT_EQ(errorOf(R"([{"fields":[]}])"), "sheet 1, fields has to be an object");
-    EXPECT_EQ(errorOf(R"([{"fields":{"A":[1]}}])"), "sheet 1, field \"A\" has to be a text or a number and is [1]");
+    EXPECT_EQ(errorOf(R"([{"fields":{"A":[1]}}])"), "sheet 1, field \"A\" has to be a text or a number, not [1]");
     EXPECT_EQ(errorOf("[{]").find("the text is not JSON: line 1, column 3"), 0U) << errorOf("[{]");
 }
 
@@ -81,7 +81,7 @@ TEST(SheetFeeder, ReadsAFileAndNamesItInMistakes)
         static_cast<void>(SheetFeeder::fromFile(file));
         FAIL();
     } catch (const std::runtime_error& error) {
-        EXPECT_EQ(std::string(error.what()), file.string() + ": sheet 1 has to be an object and is a number");
+        EXPECT_EQ(std::string(error.what()), file.string() + ": sheet 1 has to be an object, not a number");
     }
     std::filesystem::remove(file);
     EXPECT_THROW(static_cast<void>(SheetFeeder::fromFile(file)), std::runtime_error);

@@ -161,7 +161,7 @@ TEST_F(OpScanTest, APositionHasItsText)
         ask("1"
             "07\x04");
         ask(next);
-        EXPECT_EQ(reader_->errors(), Errors{"command 1 without a text behind it"});
+        EXPECT_EQ(reader_->errors(), Errors{"command 1 without a text after it"});
     }
 }
 
@@ -247,7 +247,7 @@ TEST_F(OpScanTest, ReadsNeedASessionAndAStatusEach)
     start({kSheet, kSheet});
     ask("\x11");
     ask("\x11");
-    expectError("command 11 without s1 behind the sheet before it");
+    expectError("command 11 without s1 after the sheet before it");
     make({{"mode", "t"}});
     ask("r");
     expectError("command r in mode t");
@@ -260,7 +260,7 @@ TEST_F(OpScanTest, ASheetBelongsToStatusEjectAndPrint)
         {"\x12", "command 12 without a sheet whose status was asked for"},
         {"\x1B\x12", "command 1B 12 without a sheet whose status was asked for"},
         {"105\x04", "command 1 without a sheet whose status was asked for"},
-        {"2X \x04", "command 2 without a position in front of it"},
+        {"2X \x04", "command 2 without a position before it"},
     };
     for (const auto& [bytes, error] : wrong) {
         start({kSheet});

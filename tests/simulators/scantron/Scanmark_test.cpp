@@ -147,8 +147,8 @@ TEST_F(ScanmarkTest, RefusesDefinitionsThatDoNotFit)
         {"FRM=DK 1 1 1 2 3 R 2 3", "the orientation is L or C"},
         {"FRM=DK 1 1 1 2 3 L 2 3 ", "a definition has eight words"},
         {"FRM=DK 1  1 1 2 3 L 2 3", "a definition has eight words"},
-        {"FRM=DK 1 01 1 2 3 L 2 3", "a number of the definition is none"},
-        {"FRM=DK 1 -1 1 2 3 L 2 3", "a number of the definition is none"},
+        {"FRM=DK 1 01 1 2 3 L 2 3", "a number of the definition is not a number"},
+        {"FRM=DK 1 -1 1 2 3 L 2 3", "a number of the definition is not a number"},
         {"FRM=XX 1", "is unknown"},
     };
     for (const auto& [command, reason] : wrong) {
@@ -205,13 +205,13 @@ TEST_F(ScanmarkTest, ReadsNeedAFormAndAReadySheet)
     expectError("READ before a form was loaded");
     start({kSheet});
     EXPECT_EQ(ask("READ 5 Y"), "");
-    expectError("READ without a status that told a sheet");
+    expectError("READ without a status that reported a sheet");
     start();
     EXPECT_EQ(askAll({"QSTS", "READ 5 Y"}), "0000000  000");
-    expectError("READ without a status that told a sheet");
+    expectError("READ without a status that reported a sheet");
     start({kSheet, kSheet});
     EXPECT_EQ(askAll({"QSTS", "READ 5 Y", "READ 5 Y"}), "0000000 !000123406\r");
-    expectError("READ without a status that told a sheet");
+    expectError("READ without a status that reported a sheet");
 }
 
 TEST_F(ScanmarkTest, FramesAreDemanded)
@@ -246,7 +246,7 @@ TEST_F(ScanmarkTest, ARejectedSheet)
     }
     start({kSheet});
     askAll({"QSTS", "READ 5 Y", "EJCT C"});
-    expectError("EJCT C without PRN$ 1 N in front of it");
+    expectError("EJCT C without PRN$ 1 N before it");
 }
 
 TEST_F(ScanmarkTest, EjectAndPrintNeedASheet)

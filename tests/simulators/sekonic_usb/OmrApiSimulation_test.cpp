@@ -417,7 +417,7 @@ TEST(OmrSimulationEnvironment, NamesTheStateOfALibraryThatNobodyHasSetUp)
     testing::internal::CaptureStderr();
     EXPECT_NE(loader.omrApi().OMR_OpenDeviceUSB(), 0);
     EXPECT_THAT(testing::internal::GetCapturedStderr(),
-                HasSubstr("state.json: columns has to be a whole number and is a text"));
+                HasSubstr("state.json: columns has to be a whole number, not a text"));
     ::unsetenv("KEL_OMRAPI_SIMULATION");
 }
 

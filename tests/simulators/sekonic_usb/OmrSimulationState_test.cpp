@@ -43,15 +43,15 @@ TEST(OmrSimulationState, TellsWhereAMistakeIs)
     const struct {
         const char *json, *message;
     } rows[] = {
-        {"[]", "the text has to be an object and is an array"},
-        {R"({"colums":48})", "the text has a key \"colums\" that is not known; there are sheets, connected, "},
-        {R"({"columns":"48"})", "columns has to be a whole number and is a text"},
-        {R"({"connected":1})", "connected has to be true or false and is a number"},
+        {"[]", "the text has to be an object, not an array"},
+        {R"({"colums":48})", "the text has an unknown key \"colums\"; the keys are sheets, connected, "},
+        {R"({"columns":"48"})", "columns has to be a whole number, not a text"},
+        {R"({"connected":1})", "connected has to be true or false, not a number"},
         {R"({"readingMethod":[1]})", "readingMethod has to have two values"},
         {R"({"feedCodes":[{"feed":1}]})", "feedCodes[0] needs feed and code"},
         {R"({"feedCodes":[{"feed":0,"code":1}]})", "feedCodes[0].feed has to be a whole number from 1 to "},
         {R"({"feedCodes":[{"feed":1,"code":"40110000"}]})",
-         "feedCodes[0].code has to be a code such as \"0x40110000\" and is \"40110000\""},
+         "feedCodes[0].code has to be a code such as \"0x40110000\", not \"40110000\""},
         {R"({"feedCodes":[{"feed":1,"code":"0x"}]})", "feedCodes[0].code has to be a code"},
         {R"({"feedCodes":[{"feed":1,"code":"0x1FFFFFFFF"}]})", "feedCodes[0].code has to be a code"},
         {R"({"refusals":[{"call":1}]})", "refusals[0] needs a function"},
