@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Reads a batch of sheets through the COM server and prints the marks of each.
-// Usage: ReadBatch MODEL-NUMBER PORT SHEETS [ROWS COLUMNS]
+// Usage: ReadBatch MODEL-NUMBER PORT SHEETS [ROWS COLUMNS [SECONDS]]
+// SECONDS is how long the reader may take for a reply.
 //
 // KELReader81U.dll is registered (regsvr32 KELReader81U.dll), or the program's manifest names it. KELReader81U.h is
 // made from KELReader81U.idl; initguid.h before it defines the identifiers.
@@ -98,6 +99,8 @@ bool readBatch(_clsKELReader* reader, int argc, char** argv)
         setFirstPage(reader, &_clsKELReader::put_Side1Rows, static_cast<short>(std::atoi(argv[4])));
         setFirstPage(reader, &_clsKELReader::put_Side1Cols, static_cast<short>(std::atoi(argv[5])));
     }
+    if (argc > 6)
+        reader->put_Timeout(std::atoi(argv[6]));
 
     IConnectionPointContainer* container = nullptr;
     IConnectionPoint* events = nullptr;
@@ -121,7 +124,7 @@ bool readBatch(_clsKELReader* reader, int argc, char** argv)
 int main(int argc, char** argv)
 {
     if (argc < 4) {
-        std::fprintf(stderr, "Usage: ReadBatch MODEL-NUMBER PORT SHEETS [ROWS COLUMNS]\n");
+        std::fprintf(stderr, "Usage: ReadBatch MODEL-NUMBER PORT SHEETS [ROWS COLUMNS [SECONDS]]\n");
         return 2;
     }
     CoInitialize(nullptr);

@@ -151,7 +151,7 @@ class Sheets(WindowsTest):
         expected = self.here("--model", model, "--simulate", "--seed", 7, "--count", SHEETS, "--rate", "unlimited",
                              "--form", form, "--max-sheets", SHEETS)
         with SimulatedReader(model, port=port, seed=7, count=SHEETS, form=form) as reader:
-            read = self.there(model, port, SHEETS, rows, columns)
+            read = self.there(model, port, SHEETS, rows, columns, PATIENCE // 2)
         return expected, read, [event["event"] for event in reader.events]
 
     def test_serial_families(self):

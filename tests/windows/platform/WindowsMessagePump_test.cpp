@@ -114,8 +114,8 @@ TEST_F(WindowsMessagePumpTest, ATimerTurnsItselfOffWithinATurn)
     machine.pump().DoEvents();
     EXPECT_EQ(timer->Enabled(), False);
 
-    timer->Enabled(True);
     const Moment wait = duration([&] {
+        timer->Enabled(True);
         while (timer->Enabled())
             machine.pump().DoEvents();
     });
