@@ -243,9 +243,13 @@ class StoredSheetsTest(Page):
 
     def test_batches_are_tables_for_a_spreadsheet(self):
         self.browser.wait_for("return document.querySelectorAll('#batches tbody tr').length === 2")
-        for link in self.browser.driver.find_elements(By.CSS_SELECTOR, "#batches a"):
-            batch = "monday" if "monday" in link.get_attribute("aria-label") else "tuesday"
-            _, headers, text = self.fixed.request(link.get_attribute("href").removeprefix(self.fixed.address()))
+        # Read at once: the page makes its links anew when a sheet comes.
+        links = self.browser.run(
+            "return [...document.querySelectorAll('#batches a')].map((a) => [a.getAttribute('aria-label'), a.href])")
+        self.assertEqual(len(links), 2)
+        for label, address in links:
+            batch = "monday" if "monday" in label else "tuesday"
+            _, headers, text = self.fixed.request(address.removeprefix(self.fixed.address()))
             shown = self.fixed.run("sheets", self.fixed.store, "--batch", batch, "--format", "csv")
             self.assertEqual(text, shown.stdout)
             self.assertIn("attachment; filename=", headers["Content-Disposition"])

@@ -100,6 +100,14 @@ class StreamsTest(unittest.TestCase):
     def unsent(self, store):
         return query(self.folder / store, "SELECT last - sent FROM store")
 
+    def assert_each_once(self, *stores):
+        """The stream has each entry of stations that have ended once: what was acknowledged, and no more than there is.
+        A reader that is empty is looked at now and then, which makes an entry that may not be sent any more."""
+        sent, last = map(sum, zip(*(query(self.folder / store, "SELECT sent, last FROM store")[0] for store in stores)))
+        messages = self.servers.messages(STREAM)
+        self.assertLessEqual(sent, messages)
+        self.assertLessEqual(messages, last)
+
     def wait_sent(self, store, sheets):
         """Until the readers of a station have fed all, and the stream has it."""
         wait_for(lambda: len(self.sheets(store)) == sheets and self.unsent(store) == [(0,)], "sending all sheets")
@@ -111,7 +119,6 @@ class StreamsTest(unittest.TestCase):
         one, two = self.station(), self.station(name="yard", readers=("left",))
         self.wait_sent("hall.db", 10)
         self.wait_sent("yard.db", 5)
-        entries = sum(query(self.folder / store, "SELECT last FROM store")[0][0] for store in ("hall.db", "yard.db"))
         wait_for(lambda: len(self.sheets("all.db")) == 15, "collecting all sheets")
         self.assertEqual(self.sheets("all.db"), self.sheets("hall.db") + self.sheets("yard.db"))
         for reader in ("left", "right"):
@@ -119,7 +126,7 @@ class StreamsTest(unittest.TestCase):
                                                     "station = 'hall' ORDER BY id")
             self.assertEqual(numbers, [(number,) for number in range(1, 6)])
         self.assertEqual((one.end(), two.end(), collector.end(signal.SIGINT)), (0, 0, 130))
-        self.assertEqual(self.servers.messages(STREAM), entries)
+        self.assert_each_once("hall.db", "yard.db")
 
     def test_an_outage_is_bridged_by_the_store_and_told_once(self):
         station, collector = self.station(), self.collector()
@@ -158,16 +165,13 @@ class StreamsTest(unittest.TestCase):
         station = self.station()
         self.wait_sent("hall.db", 10)
         station.end()
-        before = self.servers.messages(STREAM)
         with sqlite3.connect(self.folder / "hall.db") as database:
             database.execute("UPDATE store SET sent = 0")
             number, = database.execute("SELECT max(id) FROM sheet").fetchone()
         station = self.station(sheets=0)
         wait_for(lambda: self.unsent("hall.db") == [(0,)], "sending all again")
         station.end()
-        entries = query(self.folder / "hall.db", "SELECT last FROM store")[0][0]
-        self.assertEqual(self.servers.messages(STREAM), entries)
-        self.assertGreaterEqual(entries, before)
+        self.assert_each_once("hall.db")
 
         # The stream has forgotten that it had them: a message comes again.
         collector = self.collector()
