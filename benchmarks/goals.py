@@ -73,7 +73,7 @@ NANOSECONDS = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}
 
 def figure(results, name, counter):
     """A counter of a benchmark, or None if it did not run."""
-    # A name may carry its arguments behind it.
+    # A name may carry its arguments after it.
     found = next((r for r in results if r["name"] == name or r["name"].startswith(name + "/")), None)
     if found is None:
         return None

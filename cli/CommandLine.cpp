@@ -26,7 +26,7 @@ int complain(const std::string& sentence, int status)
     return status;
 }
 
-/// What CLI11 has to say: help and version to standard output, a complaint as one line with a hint behind it.
+/// What CLI11 has to say: help and version to standard output, a complaint as one line with a hint after it.
 int answerParser(const CLI::App& app, const CLI::ParseError& error)
 {
     if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success))

@@ -16,7 +16,7 @@ struct PlayedModel {
     host::Simulation simulation;
 };
 
-/// Plays a reader with a line until Ctrl-C, behind a device whose name the first line of output has; `link` is another
+/// Plays a reader with a line until Ctrl-C, after a device whose name the first line of output has; `link` is another
 /// name for it, or empty. The answer is the exit status. UsageError where the system has no such devices.
 [[nodiscard]] int playReader(const PlayedModel& played, const std::string& link);
 

@@ -54,7 +54,7 @@ std::vector<std::string> sideGrid(const char* title, const MarkArray& marks, Int
     if (iTimingMarks >= 0)
         lines.front() += ", " + CStr(iTimingMarks) + " timing marks";
 
-    // Many readers fill an array of a fixed size; what lies behind the paper's end is not worth a line each.
+    // Many readers fill an array of a fixed size; what lies after the paper's end is not worth a line each.
     const Int32 shown = std::min(marks.rows(), std::max<Int32>(lastMarkedRow(marks), iTimingMarks));
     const std::size_t numberWidth = std::max<std::size_t>(3, CStr(std::max(shown, 0)).size());
     for (Int32 row = 1; row <= shown; ++row) {

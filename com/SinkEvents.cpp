@@ -123,7 +123,7 @@ void SinkEvents::TranslateData(Dictionary& oData, MarkArray& iSide1Array, MarkAr
 {
     if (sinks_.isEmpty())
         return;
-    // A sink that puts another object there has it for the sinks behind it.
+    // A sink that puts another object there has it for the sinks after it.
     IDispatch* record = filledScriptingDictionary(oData).detach();
     SheetArrays sheet(iSide1Array, iSide2Array, sBarcodeArray);
     Flag needsMoreData(bNeedsMoreData);

@@ -9,7 +9,7 @@ namespace {
 
 constexpr std::size_t kBufferLength = 512;
 
-/// What stands behind a position; nothing where the text ends before it.
+/// What follows a position; nothing where the text ends before it.
 std::string_view behind(std::string_view text, std::size_t position)
 {
     return text.substr(std::min(position, text.size()));

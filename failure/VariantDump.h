@@ -9,7 +9,7 @@
 namespace kel {
 
 /// A line of a dump: blanks, the tag, the value, the end of the tag, a line end. The tag is `sName` up to its first
-/// blank; what stands behind that is an attribute, which only the opening tag holds.
+/// blank; what follows that is an attribute, which only the opening tag holds.
 [[nodiscard]] std::string dumpLine(std::string_view sName, std::string_view value, Int32 lIndent);
 
 /// The lines of a variable:

@@ -82,7 +82,7 @@ std::vector<std::string> nearestNames(std::string_view wanted, const std::vector
     for (const Candidate& candidate : candidates) {
         if (nearest.size() == count || candidate.distance > candidates.front().distance + kClearlyFarther)
             break;
-        // Behind the nearest, a name that has no letter in common is no help.
+        // After the nearest, a name that has no letter in common is no help.
         if (!nearest.empty() && candidate.distance >= wanted.size())
             break;
         nearest.push_back(*candidate.name);

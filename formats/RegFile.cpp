@@ -37,7 +37,7 @@ std::string bytesOf(const RegistryValue& value)
     return isText(value.type) ? littleEndianOf(utf16Of(value.data) + u'\0') : value.data;
 }
 
-/// `hex(2):25,00,...` behind the `column` characters that the line has already.
+/// `hex(2):25,00,...` after the `column` characters that the line has already.
 std::string hexText(const RegistryValue& value, std::size_t column)
 {
     std::string text = "hex";

@@ -26,7 +26,7 @@ inline void demand(Boolean holds, const char* what)
     demand(static_cast<bool>(holds), what);
 }
 
-/// An input that is taken from its front; behind its end come zeros.
+/// An input that is taken from its front; after its end come zeros.
 class Input {
 public:
     explicit Input(std::span<const Byte> bytes) : bytes_(bytes) {}

@@ -71,7 +71,7 @@ std::string contentOf(const std::filesystem::path& file)
     return {std::istreambuf_iterator<char>(input), {}};
 }
 
-/// Nothing may come out of a target, no exception either. The copy has the very size: what is read behind its end is
+/// Nothing may come out of a target, no exception either. The copy has the very size: what is read after its end is
 /// found.
 void run(const Target& target, const std::string& name, const std::string& input) noexcept
 {

@@ -24,7 +24,7 @@ using namespace kel;
 constexpr kelReaderType kModels[] = {kelReaderTypeSekonicSR2300, kelReaderTypeSekonicSR3500, kelReaderTypeSekonicSR6500,
                                      kelReaderTypeSekonicSR1800};
 
-/// Numbers and bytes off the front of the input; zeros behind its end.
+/// Numbers and bytes off the front of the input; zeros after its end.
 class Source {
 public:
     explicit Source(std::span<const std::uint8_t> bytes) : bytes_(bytes) {}

@@ -25,7 +25,7 @@ struct Enumeration {
     /// The name without that of the enumeration in front.
     [[nodiscard]] std::string_view shortName(const Enumerator& member) const { return member.name.substr(name.size()); }
 
-    /// The number behind either name of a member, in any case of letters.
+    /// The number after either name of a member, in any case of letters.
     [[nodiscard]] std::optional<Int32> valueOf(std::string_view wanted) const;
 
     [[nodiscard]] std::vector<std::string> names() const;

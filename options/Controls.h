@@ -122,7 +122,7 @@ public:
     void SetFocus() { host_.activeControl_ = this; }
 
 protected:
-    /// Puts the control on a form, behind those that are there; on a frame of the form if `container` is one. The
+    /// Puts the control on a form, after those that are there; on a frame of the form if `container` is one. The
     /// names must live as long as the control.
     Control(ControlHost& host, std::string_view typeName, std::string_view name, const Control* container)
         : host_(host), typeName_(typeName), name_(name), container_(container)

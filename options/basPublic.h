@@ -20,7 +20,7 @@ using ControlList = std::vector<Control*>;
 /// Makes each control as wide as its caption needs; kinds without a caption stay as they are.
 void ControlAutoSize(Form& oForm, const ControlList& vControlList);
 
-/// Puts one control right of another, `lSpaceBetween` behind its caption. With `bSameWidth` its right edge stays where
+/// Puts one control right of another, `lSpaceBetween` after its caption. With `bSameWidth` its right edge stays where
 /// it was, if there is room; without, the controls of `vRightControls`, if given, move along.
 /// `bOnlyMoveRight`: nothing moves to the left.
 void ControlPositionRight(Form& oForm, Control& oLeftCtrl, Control& oRightCtrl, const ControlList* vRightControls,

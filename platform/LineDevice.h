@@ -46,7 +46,7 @@ public:
     /// The caller repeats the call until nothing comes.
     [[nodiscard]] virtual std::optional<Byte> takeByte(Moment now) = 0;
 
-    /// Whether the device is unplugged: the line has hung up behind the bytes taken so far.
+    /// Whether the device is unplugged: the line has hung up after the bytes taken so far.
     [[nodiscard]] virtual bool hungUp() const = 0;
 };
 

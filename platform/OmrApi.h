@@ -28,7 +28,7 @@ static_assert(offsetof(SRBarcodeArea, lStart) == 0 && offsetof(SRBarcodeArea, lL
 /// The library of the USB readers' maker, OMRAPI.DLL: its functions under their own names.
 ///
 /// It keeps the state of the one device that is open at a time. A call blocks until the device is done; no events
-/// run meanwhile. An array is handed over by its first byte, a text in ANSI with a zero behind it. The library is
+/// run meanwhile. An array is handed over by its first byte, a text in ANSI with a zero after it. The library is
 /// loaded at the first call of any function, and each function is looked for when it is called: a missing library is
 /// failure 53, a function that the library lacks is failure 453.
 class OmrApi {

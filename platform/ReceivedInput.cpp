@@ -45,7 +45,7 @@ bool ReceivedInput::mayBeOld() const noexcept
     return old_ || time() - lastLook_ > lookLasts_;
 }
 
-/// A look that found nothing is not repeated behind a turn of the pump that took no time. And what the pump has just
+/// A look that found nothing is not repeated after a turn of the pump that took no time. And what the pump has just
 /// fetched was all there was: the caller that has taken it finds nothing more, once, without a look.
 bool ReceivedInput::nothingCanHaveCome() noexcept
 {
@@ -118,7 +118,7 @@ void ReceivedInput::look()
 void ReceivedInput::fetch(bool hangUpSignalled)
 {
     const std::size_t before = waiting();
-    // Behind a read that was not full there is nothing, but for the end of a line that has hung up.
+    // After a read that was not full there is nothing, but for the end of a line that has hung up.
     Fetched last;
     while (canBringMore()) {
         last = readOnce();

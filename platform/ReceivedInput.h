@@ -13,7 +13,7 @@ namespace kel {
 /// The input side of an open line: fetches what has arrived, and keeps it until it is taken.
 ///
 /// A look fetches all there is, mostly with one read. The line is looked at when nothing is in the buffer, and
-/// otherwise only when what is known of it may be old: behind a pause or an output, or when a character could have come
+/// otherwise only when what is known of it may be old: after a pause or an output, or when a character could have come
 /// since the last look. So a loop that takes byte by byte costs no system call a byte, and one that waits for more
 /// bytes sees them come.
 ///

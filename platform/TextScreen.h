@@ -5,7 +5,7 @@
 
 namespace kel {
 
-/// A process without a screen of its own: boxes go to standard error, each line of the text behind the title.
+/// A process without a screen of its own: boxes go to standard error, each line of the text after the title.
 class TextScreen final : public Screen {
 public:
     BoxAnswer MsgBox(const std::string& text, BoxIcon icon, BoxButtons buttons, const std::string& title) override;

@@ -85,7 +85,7 @@ constexpr SettingRow kSettings[] = {
      [](ReaderSession& session) { return CStr(session.settings().Windowing); }},
 };
 
-// The order of saving differs in one place: the model comes behind the printer.
+// The order of saving differs in one place: the model comes after the printer.
 constexpr std::size_t kModelRow = 0;
 constexpr std::size_t kPrinterRow = 8;
 

@@ -81,7 +81,7 @@ bool ReplayCarrier::Pump::inputInvites()
 }
 
 /// Time passes up to what happens next. Of two things at once the reader's comes first, and then the timer. Bytes that
-/// the recorded host knew of only behind the end of its timer are no reason to let it go on.
+/// the recorded host knew of only after the end of its timer are no reason to let it go on.
 void ReplayCarrier::Pump::moveOn()
 {
     const std::optional<Moment> reader = player_.nextOfReader();

@@ -7,7 +7,7 @@
 
 namespace kel {
 
-/// How a section of a report begins; behind it stands its name.
+/// How a section of a report begins; after it stands its name.
 inline constexpr std::string_view kSectionMark = "# section: ";
 
 /// How a report begins.

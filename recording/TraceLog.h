@@ -13,7 +13,7 @@
 
 namespace kel {
 
-/// How the note of a pause begins; behind it stand milliseconds.
+/// How the note of a pause begins; after it stand milliseconds.
 inline const std::string kNotBefore = "not before ";
 
 /// Makes a transcript of what passes a serial control, while it happens.
@@ -38,7 +38,7 @@ public:
 
     explicit TraceLog(Write write) : write_(std::move(write)) {}
 
-    /// A line of the head; to be told before the dialogue begins, and dropped behind that.
+    /// A line of the head; to be told before the dialogue begins, and dropped after that.
     void head(const std::string& key, const std::string& value);
 
     /// The line is open from now on: the pause in front of its first line begins.

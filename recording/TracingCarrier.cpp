@@ -102,7 +102,7 @@ std::optional<ModemLines> TracingCarrier::Control::modemLines()
     return telling ? telling->modemLines() : std::nullopt;
 }
 
-/// Behind a reply, or what should have been one.
+/// After a reply, or what should have been one.
 void TracingCarrier::Control::noteLineErrors()
 {
     const LineErrors errors = lineErrors();

@@ -16,7 +16,7 @@ namespace kel {
 ///     reader.fComm(makeReference<TracingCarrier>(reader.fComm(), head, write));
 class TracingCarrier final : public Carrier {
 public:
-    /// The head is written at once, and the settings of the line behind it when it is opened: "# line: 9600,N,8,1".
+    /// The head is written at once, and the settings of the line after it when it is opened: "# line: 9600,N,8,1".
     TracingCarrier(Reference<Carrier> traced, const TraceLog::Head& head, TraceLog::Write write);
 
     [[nodiscard]] SerialControl& mscComm() override { return control_; }

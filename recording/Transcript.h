@@ -26,7 +26,7 @@ struct TranscriptLine {
     std::string bytes = {};
     double milliseconds = 0;
     int number = 0;        ///< of the line in its text, from 1; 0 if it was not parsed
-    std::string note = {}; ///< of a pause or an unplug: what stands behind a #; see TraceLog for what it may say
+    std::string note = {}; ///< of a pause or an unplug: what follows a #; see TraceLog for what it may say
 
     std::string call = {};           ///< the function's name and what it is given, a blank between two of them
     std::vector<Int32> results = {}; ///< what it returns, and then the numbers that it sets; its bytes are in `bytes`
@@ -64,7 +64,7 @@ private:
 };
 
 /// Reads a transcript. `# key: value` in front of the dialogue is its head; any other line that begins with `#`, and
-/// what stands behind a `#` on a line of the dialogue, is a comment. Bytes are pairs of hexadecimal digits and texts
+/// what follows a `#` on a line of the dialogue, is a comment. Bytes are pairs of hexadecimal digits and texts
 /// in double quotes. Throws TranscriptError.
 [[nodiscard]] Transcript parseTranscript(std::string_view text);
 

@@ -15,10 +15,10 @@ namespace kel {
 
 /// The reader's end of a transcript for one host, on a clock that only the host moves. What the reader sends comes at
 /// the times told, counted from the line above; what the host sends has to be what stands in the transcript. In a
-/// recorded transcript the pause behind bytes of the reader is counted from when the host knew of them.
+/// recorded transcript the pause after bytes of the reader is counted from when the host knew of them.
 ///
 /// The host of a replay needs no time for itself. So it may be ahead of a recorded one by what that one needed, and is
-/// never behind it: where it sends before the bytes in front of that line are due, they come at once.
+/// never after it: where it sends before the bytes in front of that line are due, they come at once.
 class TranscriptPlayer {
 public:
     explicit TranscriptPlayer(Transcript transcript);
@@ -58,7 +58,7 @@ public:
     [[nodiscard]] std::uint64_t arrivals();
     [[nodiscard]] std::uint64_t takings() const noexcept { return takings_; }
 
-    /// What the host did differently: one sentence at most, since nothing more comes behind it.
+    /// What the host did differently: one sentence at most, since nothing more comes after it.
     [[nodiscard]] const std::vector<std::string>& differences() const noexcept { return differences_; }
     void differ(const std::string& sentence);
 
@@ -88,7 +88,7 @@ private:
     std::size_t sent_ = 0; // bytes of the host's line under way
     Moment due_{};
     Moment earliest_{};
-    bool unseen_ = false; // the pause behind the bytes that came last has not begun
+    bool unseen_ = false; // the pause after the bytes that came last has not begun
     bool open_ = false;
     bool hungUp_ = false;
     std::string hangUpText_;

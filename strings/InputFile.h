@@ -30,7 +30,7 @@ public:
     /// The length in bytes.
     [[nodiscard]] Int32 LOF();
 
-    /// Goes to a byte, counted from 1; 63 for a position below 1. A position behind the end is at the end.
+    /// Goes to a byte, counted from 1; 63 for a position below 1. A position after the end is at the end.
     void Seek(Int32 position);
 
     [[nodiscard]] bool Eof();

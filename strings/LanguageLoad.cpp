@@ -39,7 +39,7 @@ BoxAnswer askAboutFailure(const RuntimeFailure& failure)
                                       BoxButtons::AbortRetryIgnore, "VBLM_RTString()");
 }
 
-/// The text of a line, from what stands behind its "=".
+/// The text of a line, from what follows its "=".
 std::string textOf(std::string_view sText)
 {
     if (sText.starts_with('"'))

@@ -57,7 +57,7 @@ private:
     static constexpr std::size_t kPage = 1024;
     using Page = std::array<std::string, kPage>;
 
-    /// A negative index becomes a position behind every table.
+    /// A negative index becomes a position after every table.
     static constexpr std::size_t position(Int32 index) noexcept
     {
         return index < 0 ? static_cast<std::size_t>(-1) : static_cast<std::size_t>(index);

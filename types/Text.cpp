@@ -32,8 +32,8 @@ char upper(char c)
     return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
 }
 
-/// A number behind "&h" or "&o": as many digits of the base as there are, the sign bit of 16 or 32 bits included. An
-/// "&" behind them makes it one of 32 bits.
+/// A number after "&h" or "&o": as many digits of the base as there are, the sign bit of 16 or 32 bits included. An
+/// "&" after them makes it one of 32 bits.
 double radixNumber(std::string_view digits, int base)
 {
     std::uint64_t value = 0;

@@ -16,7 +16,7 @@ namespace kel {
 /// The verdict as a line of JSON, without its end.
 [[nodiscard]] std::string verdictJson(const Verdict& verdict);
 
-/// Writes results as they come, as a table or as lines of JSON, and the verdict behind them.
+/// Writes results as they come, as a table or as lines of JSON, and the verdict after them.
 class CheckOutput {
 public:
     explicit CheckOutput(bool json) : json_(json) {}

@@ -164,7 +164,7 @@ SessionSeen CheckRun::hold(const std::string& name, Int32 sheets, host::Request 
         seen.failures = session.failures();
     }
     seen.withheld = carrier->withheld();
-    // What is reported behind a command that was not sent is of the check's own making.
+    // What is reported after a command that was not sent is of the check's own making.
     if (!seen.withheld.empty())
         seen.failures.clear();
     reader.fComm(Reference<Carrier>());

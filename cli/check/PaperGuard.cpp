@@ -96,7 +96,7 @@ bool endsStartOfSelfFeeder(kelReaderType model, std::string_view bytes, std::str
 bool movesNoPaper(kelReaderType model, std::string_view bytes, std::string_view before)
 {
     const Dialect dialect = dialectOf(model).dialect;
-    // Behind a change of its mode an OpScan may want to hear 0x11; otherwise that asks for a sheet.
+    // After a change of its mode an OpScan may want to hear 0x11; otherwise that asks for a sheet.
     if (dialect == Dialect::OpScan && bytes == "\x11")
         return before.starts_with('e');
     if (endsStartOfSelfFeeder(model, bytes, before))

@@ -24,7 +24,7 @@ struct SheetsSeen {
     LineErrors errors{};
     double character = 1;                             ///< milliseconds that one takes on the line
     std::optional<Int16> formRows{};                  ///< of side 1, if the form is that of the sheets
-    std::optional<std::vector<std::string>> behind{}; ///< what the reader said when it was asked behind the sheets
+    std::optional<std::vector<std::string>> behind{}; ///< what the reader said when it was asked after the sheets
     bool swallowsXon = false;                         ///< it was found out that 11 does not get through
     Int16 highestMark = 0;                            ///< that the model sends; 0 if anything goes
 };

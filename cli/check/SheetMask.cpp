@@ -78,7 +78,7 @@ std::string maskedSheet(kelReaderType model, const std::string& sent, std::strin
         const bool raw = model == kelReaderTypeScantron8000 || model == kelReaderTypeScantron8400;
         return replaced(std::move(bytes), 0, [&](char c) { return c == '\r' ? c : raw ? '\0' : '0'; });
     }
-    // Row openers are small letters, marks are hexadecimal digits, barcodes have capitals too; the byte behind 15
+    // Row openers are small letters, marks are hexadecimal digits, barcodes have capitals too; the byte after 15
     // counts, and is left.
     case Dialect::OpScan: {
         bool counts = false;

@@ -50,7 +50,7 @@ bool opScanMissesXon(CheckRun& run, const Answer& behind)
     return report.size() > kModeAt && report.substr(kModeAt, 1) == other;
 }
 
-/// Asks how the reader is behind its sheets, and where a Sekonic has said nothing for its timing marks.
+/// Asks how the reader is after its sheets, and where a Sekonic has said nothing for its timing marks.
 Answer askBehind(CheckRun& run)
 {
     std::vector<Ask> asks = run.dialect().asks;

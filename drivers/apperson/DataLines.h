@@ -42,7 +42,7 @@ public:
     /// True when the byte has ended a line.
     [[nodiscard]] bool take(Byte byte, Boolean bReaderGrade);
 
-    /// Empties the dictionary for a further line. What stood behind the last comma, the line end included, stays and
+    /// Empties the dictionary for a further line. What stood after the last comma, the line end included, stays and
     /// goes into the first field; an LF as the next byte ends the further line at once.
     void next();
 

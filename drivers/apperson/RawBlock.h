@@ -9,7 +9,7 @@
 namespace kel {
 
 /// The block of bytes that stands for a sheet, numbered from 1. Its last byte is the status: the first that reaches
-/// the limit. The status byte is kept behind the others, so that a short block shows it in the place of a mark.
+/// the limit. The status byte is kept after the others, so that a short block shows it in the place of a mark.
 class RawBlockAP {
 public:
     /// `mostBytes` is how many bytes there is room for; one more is failure 9.

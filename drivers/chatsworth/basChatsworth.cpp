@@ -21,7 +21,7 @@ constexpr const char* kRejectPage = "KELReader81 - basChatsworth.RejectPageCT";
 
 constexpr const char* kProbe = "\x12R7777I00E";
 constexpr const char* kStartOfSheet = "\x11";
-// The reply to "F" that lets a sheet come; one that sorts behind it refuses.
+// The reply to "F" that lets a sheet come; one that sorts after it refuses.
 constexpr std::string_view kSheetFed = "0\r";
 
 constexpr Int32 kMostRows = 128;

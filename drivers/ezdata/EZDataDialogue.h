@@ -17,7 +17,7 @@ struct LetterTextsNCSEZ {
 /// Reports a failure under the family's title; always false, so that a procedure can end with it.
 bool failNCSEZ(const char* source, TextNumber message);
 
-/// Takes the letter of a reply. True for "G", the command was taken; anything else is reported, and what stands behind
+/// Takes the letter of a reply. True for "G", the command was taken; anything else is reported, and what follows
 /// the letter, which comes into `sData`, stays in the buffer.
 bool letterTakenNCSEZ(ReaderContract& oReader, const char* source, const LetterTextsNCSEZ& texts, std::string& sData);
 

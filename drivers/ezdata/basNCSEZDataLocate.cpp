@@ -26,7 +26,7 @@ std::string takeAll(ReaderContract& oReader)
     return oReader.fComm().mscComm().Input();
 }
 
-/// Closes the line if it is open, behind a failure too.
+/// Closes the line if it is open, after a failure too.
 void closeLine(ReaderContract& oReader, const char* source)
 {
     guarded(source, KEL_PARAMETERS(oReader), [&] {

@@ -104,7 +104,7 @@ bool takeStatus(ReaderContract& oReader, StartNCSEZ& start)
                              {.refused = text::kEzStatusRefused, .unknown = text::kEzStatusUnexpected}, start.sData);
 }
 
-/// Takes out a sheet that lies in the path, and a second one that shows behind it.
+/// Takes out a sheet that lies in the path, and a second one that shows after it.
 bool clearPath(ReaderContract& oReader, StartNCSEZ& start)
 {
     if (!(start.iStatus & kStatusSheetInPath))

@@ -64,7 +64,7 @@ bool readPage(ReaderContract& oReader, PageDecoderNCS& page, LastByte& bTempArr)
             page.take(bTempArr[0]);
         }
 
-        // Behind the CR that ends the page too: the LF that comes with it lets the loop end.
+        // After the CR that ends the page too: the LF that comes with it lets the loop end.
         if (oReader.fComm().mscComm().InBufferCount() != 0)
             continue;
         if (!page.isInBarcode()) {

@@ -9,7 +9,7 @@
 
 namespace kel {
 
-/// How an error code of the reader is told: one text, or a text in front of the code and one behind it.
+/// How an error code of the reader is told: one text, or a text in front of the code and one after it.
 struct ErrorTextSS {
     TextNumber text;
     std::optional<TextNumber> behindCode = std::nullopt;

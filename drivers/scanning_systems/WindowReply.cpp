@@ -23,7 +23,7 @@ public:
 
     void advance(Int16 characters) { at_.iCurrentPosition = checkedAdd(at_.iCurrentPosition, characters); }
 
-    /// The character here as its distance from "0"; failure 5 behind the end.
+    /// The character here as its distance from "0"; failure 5 after the end.
     [[nodiscard]] Int16 number() const
     {
         if (at_.iCurrentPosition > at_.iOutputLen)

@@ -80,7 +80,7 @@ bool statusIsGood(ReaderContract& oReader, const std::string& sData)
     return true;
 }
 
-/// Asks for the timing marks. A side that does not reply is left uncounted, and side 2 is not asked behind it.
+/// Asks for the timing marks. A side that does not reply is left uncounted, and side 2 is not asked after it.
 void readTimingMarks(ReaderContract& oReader, SheetSS& sheet)
 {
     if (!sheet.ask(oReader, querySS("T"), False))

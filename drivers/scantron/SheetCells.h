@@ -43,7 +43,7 @@ public:
     /// Numbers beyond 16 bits are failure 6, here and in `next`.
     explicit WindowCellsST(Reference<clsKELReaderWindow> cWindow);
 
-    /// Goes on to the next cell, at first to the first one; false behind the last one.
+    /// Goes on to the next cell, at first to the first one; false after the last one.
     [[nodiscard]] bool next();
 
     [[nodiscard]] Int16 row() const { return iRowCount_; }

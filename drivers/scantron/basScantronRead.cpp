@@ -79,7 +79,7 @@ bool transferOutlasted(ReaderContract& oReader, const char* source)
     return true;
 }
 
-/// The status behind the transfer decides whether the sheet counts; what is left in the buffer goes.
+/// The status after the transfer decides whether the sheet counts; what is left in the buffer goes.
 bool sheetIsGood(ReaderContract& oReader)
 {
     const ScantronReady eReady = CheckStatusST(oReader);

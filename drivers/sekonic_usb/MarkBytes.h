@@ -22,7 +22,7 @@ struct MarkCopySR {
 };
 
 /// Puts the bytes of one side, row after row of `lCols` each, into the cells of `marks`; the mark value is the byte.
-/// Gives the number of rows filled. The first cell outside the array, or byte behind the last one, is failure 9; a
+/// Gives the number of rows filled. The first cell outside the array, or byte after the last one, is failure 9; a
 /// count of bytes beyond 32 bits is failure 6.
 [[nodiscard]] Int16 copyMarksSR(const Array1<Byte>& bytes, Int32 lRows, Int32 lCols, MarkArray& marks,
                                 MarkCopySR& copy);

@@ -46,7 +46,7 @@ struct BarcodesSR {
     KEL_TELLS(bReadBarcodes, uBarcodeArea, lReadCount, lSettingCount, bBcType, lDataLen, bBarcodeArr, sBarcodeArr)
 };
 
-/// Tells the library where the barcodes are and which; True if they are to be fetched behind the sheet.
+/// Tells the library where the barcodes are and which; True if they are to be fetched after the sheet.
 bool prepareBarcodes(ReaderContract& oReader, SRBarcodeArea& uBarcodeArea)
 {
     uBarcodeArea = barcodeAreaSR(*oReader.Barcodes());
@@ -73,7 +73,7 @@ bool feedSheet(Int32& lReturn)
 std::optional<Int16> fetchSide(Int32 lSide, SRRead& uRead, Array1<Byte>& bSRArr, MarkArray& iSideArr, MarkCopySR& copy,
                                TextNumber missing)
 {
-    // A library that counts more columns than a sheet has writes on behind the last byte: there is room for that.
+    // A library that counts more columns than a sheet has writes on after the last byte: there is room for that.
     const std::int64_t lRoom =
         std::clamp<std::int64_t>(std::int64_t{uRead.lRows} * uRead.lCols, kMostBytesSR, kMostRoom);
     bSRArr.ReDim(1, static_cast<Int32>(lRoom));

@@ -14,7 +14,7 @@ namespace {
 /// How many digits a number field has room for.
 constexpr const char* kWidestNumber = "8888888";
 
-/// A label with its field, and what stands behind that.
+/// A label with its field, and what follows that.
 struct Row {
     Label* label;
     Control* field;
@@ -100,7 +100,7 @@ private:
         return widest + gap();
     }
 
-    /// The fields and what stands behind them.
+    /// The fields and what follows them.
     [[nodiscard]] double fieldColumn(const std::vector<Row>& rows) const
     {
         double widest = 0;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 "use strict";
 
-// What the page shows stands behind this script, as JSON: the batch, the layouts of forms, a sheet each, failures, the
+// What the page shows follows this script, as JSON: the batch, the layouts of forms, a sheet each, failures, the
 // end. A page that was cut off lacks the last of them and shows the others. Texts of sheets only ever become text.
 
 (() => {

@@ -23,7 +23,7 @@ void moveToCaller(void* context, const void* address)
                               (registers[REG_ERR] & kInstructionFetch) != 0;
     if (!nothingThere)
         return;
-    // The call has pushed where it would have gone on. One byte before that is within the call: what stands behind it
+    // The call has pushed where it would have gone on. One byte before that is within the call: what follows it
     // may belong to another block of the procedure.
     const auto* const stack = reinterpret_cast<const greg_t*>(registers[REG_RSP]);
     registers[REG_RIP] = *stack - 1;

@@ -19,7 +19,7 @@ public:
     [[nodiscard]] NumberSigns numberSigns() const override;
 };
 
-/// The words of a command line, each with a zero byte behind it, as one text.
+/// The words of a command line, each with a zero byte after it, as one text.
 [[nodiscard]] std::string joinCommandLine(std::string_view words);
 
 } // namespace kel

@@ -269,7 +269,7 @@ int GensioBridge::fromFarEnd(int error, const unsigned char* bytes, unsigned lon
     return 0;
 }
 
-/// The host sees the end of its input, behind the bytes that came before.
+/// The host sees the end of its input, after the bytes that came before.
 void GensioBridge::hangUp()
 {
     hungUp_ = true;

@@ -75,7 +75,7 @@ void throwAtStatement(const EXCEPTION_POINTERS& fault, std::uint32_t code) noexc
     DWORD esp = context.Esp;
     if (isLostCall(fault)) {
         std::memcpy(&eip, reinterpret_cast<const void*>(esp), sizeof eip);
-        --eip; // within the call: what stands behind it may belong to another block
+        --eip; // within the call: what follows it may belong to another block
         esp += sizeof eip;
     }
     context.Ecx = eip;

@@ -9,7 +9,7 @@
 // The arguments are the code in RCX, the failing statement in R8 and its stack pointer in R9. The stub pushes what the
 // processor leaves at an interrupt:
 //
-//     RSP + 0  RIP   just behind the beginning of the failing statement
+//     RSP + 0  RIP   just after the beginning of the failing statement
 //         + 8  CS
 //         +16  EFLAGS
 //         +24  RSP   at the failing statement

@@ -8,7 +8,7 @@ namespace kel {
 
 namespace {
 
-// How much is fetched at a time; there may be more behind it.
+// How much is fetched at a time; there may be more after it.
 constexpr std::size_t kReadSize = 4096;
 
 /// How long the system may take to end its watch.

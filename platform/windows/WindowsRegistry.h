@@ -6,7 +6,7 @@
 namespace kel {
 
 /// The registry of Windows, through its ANSI functions: a text is stored in the user's code page, and comes as the
-/// registry holds it, with the terminator behind it if it was stored with one.
+/// registry holds it, with the terminator after it if it was stored with one.
 class WindowsRegistry final : public Registry {
 public:
     [[nodiscard]] std::optional<RegistryValue> read(kelReaderRegistryKey hive, std::string_view subKey,

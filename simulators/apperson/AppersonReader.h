@@ -8,10 +8,10 @@
 
 namespace kel {
 
-/// What the simulated Apperson readers have in common: they answer a command with "OK" and something behind it, and
+/// What the simulated Apperson readers have in common: they answer a command with "OK" and something after it, and
 /// they want the commands of a start in their order.
 ///
-/// Settings: `feed-ms` (how long a sheet takes), `reply-ms`, `reply-tail` (what stands behind "OK", in the notation of
+/// Settings: `feed-ms` (how long a sheet takes), `reply-ms`, `reply-tail` (what follows "OK", in the notation of
 /// transcripts; a line end without it), `refuse` and `silent` (commands, with commas between, that are answered "NO"
 /// and not at all; neither has an effect), `reply-lump` (how many bytes of a reply come together; 1 without it, as they
 /// are on the wire, 0 is all of them), `end-lump` (the same for the reply that ends a session, which a host takes in

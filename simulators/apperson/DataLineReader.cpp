@@ -348,7 +348,7 @@ std::string DataLineReader::lineOf(const std::string& errorCode) const
         line += "," + field("Page 1 ID", 4, "0001");                                 // to 23
         line += "," + field("Page 2 ID", 4, "0000") + unknown(4);                    // to 32
     }
-    // What stands behind the last comma is no answer.
+    // What follows the last comma is no answer.
     return line + "," + answers() + "A" + kLineEnd;
 }
 

@@ -6,7 +6,7 @@
 namespace kel {
 
 /// An Apperson reader that sends a line of text for each sheet: the BenchMark 3000 and the Advantage 1200. Its
-/// commands are two letters without anything behind; each is answered "OK" unless it says otherwise.
+/// commands are two letters without anything after; each is answered "OK" unless it says otherwise.
 ///
 ///     R1                 start; what was under way is given up
 ///     S1 to S4           (1200, several keys) the key of this version follows
@@ -23,7 +23,7 @@ namespace kel {
 ///
 /// A question of the key is a character whose bits 01 to 10 are its choices on the BenchMark, and five digits 0 or 1 on
 /// the 1200. It refuses as the host's mistake: any other command and any other order, pieces that come too fast or are
-/// too short, what is no character of a key, a key anywhere but between R1 and the first step behind it, S1 for the
+/// too short, what is no character of a key, a key anywhere but between R1 and the first step after it, S1 for the
 /// only key, and an essay of 0000 points.
 ///
 /// Settings beside those of all Apperson readers: `first-ms` (how long the first sheet of a run takes, as long as the
@@ -31,11 +31,11 @@ namespace kel {
 /// between pieces, 10), `key-slack-ms` (how far pieces may be ahead of that in all, 100: a host on a busy machine does
 /// not keep its pauses to the millisecond), `k7-reply` (the BenchMark replies to K7), `short-line` (what comes in front
 /// of each line of the BenchMark, in the notation of transcripts), `end-line` ("Z1"), `away-reply` (what comes back
-/// behind A6 and A7, in the notation of transcripts).
+/// after A6 and A7, in the notation of transcripts).
 ///
 /// Fields of a sheet: "Student ID", "Page 1 ID", and on the BenchMark "Test ID", "School ID", "Class ID" and
 /// "Error Code", on the 1200 "Test Version", "Essay Score" and "Page 2 ID". A row of marks is a question, a column a
-/// letter from A; behind those of side 1 come those of side 2 on the 1200. The BenchMark tells a jam as an error code;
+/// letter from A; after those of side 1 come those of side 2 on the 1200. The BenchMark tells a jam as an error code;
 /// the 1200 is silent.
 class DataLineReader final : public AppersonReader {
 public:

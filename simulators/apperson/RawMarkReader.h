@@ -6,7 +6,7 @@
 namespace kel {
 
 /// An Apperson reader that sends its marks as they are: the Advantage Link and the Grade Master. Each command is a few
-/// letters with CR (0D) behind.
+/// letters with CR (0D) after.
 ///
 ///     Advantage Link                                       Grade Master
 ///     T1    start of session           OK                  A1 S8 M3   start of session           OK
@@ -30,7 +30,7 @@ namespace kel {
 /// (what follows the code of a block that went wrong, in the notation of transcripts).
 ///
 /// Fields of a sheet: "Status" (the code in place of 200 or 217), "End Code" (of the Advantage Link, in place of the OK
-/// of FE), "Error Code" (of the Grade Master, three characters behind "Error     "). The identifier is the barcode.
+/// of FE), "Error Code" (of the Grade Master, three characters after "Error     "). The identifier is the barcode.
 class RawMarkReader final : public AppersonReader {
 public:
     explicit RawMarkReader(SimulatorOptions options);

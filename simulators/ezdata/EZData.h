@@ -11,7 +11,7 @@ namespace kel {
 ///
 ///     GETCONFIG     configuration of 22 characters, the last a CR, "G", CR
 ///     SETFLAGSxx    the byte of that hexadecimal number, "G", CR
-///     SETTMCHn SETTHRESHn SETDECAYn   what stands behind the name, "G", CR; "?" for "G" where it is not one digit
+///     SETTMCHn SETTHRESHn SETDECAYn   what follows the name, "G", CR; "?" for "G" where it is not one digit
 ///     CHECKSUM      "P", "G", CR; "?" for "G" without a change to seal
 ///     RESET         no reply, and silence; what is sealed counts from now on, what is not is forgotten
 ///     S             status byte, "G", CR: 0x01 a sheet in the path, 0x04 a jam, 0x10 ready
@@ -23,12 +23,12 @@ namespace kel {
 ///
 /// It refuses as the host's mistake: anything else, a command before the reply to the one before it has been sent, or
 /// while it restarts or carries a sheet to the reject hopper, a SET of what is set already, a CHECKSUM without a SET,
-/// a SET or RESET or S behind a SET that was not sealed or a seal that no RESET followed, an E without a status
+/// a SET or RESET or S after a SET that was not sealed or a seal that no RESET followed, an E without a status
 /// query in the session, and anything but D while a page is under way.
 ///
 /// Settings: `reply-ms`, `feed-ms` (from "E" to the page; a host looks after 500 ms), `reset-ms` and `hopper-ms` (how
 /// long it hears nothing), `format`, `flags`, `timing`, `mode`, `threshold`, `decay` (the configuration at power-on),
-/// `between` (four characters of the configuration without a meaning), `last-byte` (behind "G" or "?"), `status`
+/// `between` (four characters of the configuration without a meaning), `last-byte` (after "G" or "?"), `status`
 /// (bits that always stand), `stranded` (sheets in the path at power-on), `version`, `spare-bit`.
 class EZData final : public Simulator {
 public:

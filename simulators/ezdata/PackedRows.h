@@ -17,7 +17,7 @@ enum class SpareBit {
 /// The setting `spare-bit` of a reader: "changing", "clear" or "set". Throws std::invalid_argument for any other.
 [[nodiscard]] SpareBit spareBitFrom(const std::string& text);
 
-/// A side as EZData and Chatsworth readers send it: two bytes a row, six columns each, and a CR behind the last row.
+/// A side as EZData and Chatsworth readers send it: two bytes a row, six columns each, and a CR after the last row.
 ///
 ///     bit          0x01  0x02  0x04  0x08  0x10  0x40
 ///     first byte     12    11    10     9     8     7

@@ -47,7 +47,7 @@ public:
     /// When something arrives at either end.
     [[nodiscard]] std::optional<Moment> nextEvent() const;
 
-    /// The reader is switched off behind so many bytes more.
+    /// The reader is switched off after so many bytes more.
     void cutAfter(Int32 bytes) { bytesLeft_ = bytes; }
 
 private:

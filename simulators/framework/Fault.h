@@ -21,7 +21,7 @@ struct Fault {
         Silent, ///< neither the byte nor any after it
         Jam,    ///< the sheet is stuck in the transport
         Empty,  ///< the feeder is empty when the sheet's turn comes
-        Unplug, ///< the reader is gone: behind the byte before, or when the sheet is fed
+        Unplug, ///< the reader is gone: after the byte before, or when the sheet is fed
     };
 
     Kind kind{};

@@ -40,7 +40,7 @@ Simulator::Simulator(SimulatorOptions options)
 
 void Simulator::lineOpened(Moment now, const LineParameters& line)
 {
-    // What the reader does by itself has gone on behind the closed line; what it sent was lost.
+    // What the reader does by itself has gone on after the closed line; what it sent was lost.
     while (!actions_.empty() && actions_.front().at <= now)
         runFirstAction();
     open_ = true;

@@ -79,7 +79,7 @@ protected:
     virtual void onOpen() {}
     virtual void onClose() {}
 
-    /// Behind the first opening, if a session that was killed has left the reader in the middle of something.
+    /// After the first opening, if a session that was killed has left the reader in the middle of something.
     virtual void onLeftover() {}
 
     /// Somebody has put a sheet into the feeder: a reader that was waiting for one can take it now.
@@ -91,7 +91,7 @@ protected:
     /// How the line is set: as the host has set it, or by a fault of the site as the reader is.
     [[nodiscard]] const LineParameters& line() const noexcept { return line_; }
 
-    /// Queues bytes behind those that are on their way, one character time each, or none at an unlimited rate.
+    /// Queues bytes after those that are on their way, one character time each, or none at an unlimited rate.
     /// While the line is closed they are lost. One call is one reply as far as faults go.
     void send(std::string_view bytes);
     void send(Byte byte) { send(std::string_view(reinterpret_cast<const char*>(&byte), 1)); }

@@ -38,7 +38,7 @@ unsigned dataOf(const LineParameters& line, unsigned byte)
 void Uart::send(Moment end, Byte byte)
 {
     const unsigned data = dataOf(sender_, byte);
-    unsigned bits = data << 1U; // behind a start bit of 0
+    unsigned bits = data << 1U; // after a start bit of 0
     if (sender_.parity != 'N')
         bits |= static_cast<unsigned>(parityBit(sender_, data)) << (1 + sender_.dataBits);
     const Moment begin = std::max(end - sender_.characterTime(), wireFree_);

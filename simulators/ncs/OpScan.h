@@ -11,7 +11,7 @@ namespace kel {
 ///     s0            report of 51 characters: the driver status letter at index 34, the scan mode letter at 48
 ///     s1            status of 4 characters, whose second and third hold the bits of what went wrong with the sheet
 ///     e letter 04   scan mode i, e, t, d, w or s; no reply. From any mode to w, and from w to any
-///     11            behind a mode command, when the status letter is A or I: confirms it; otherwise reads a sheet
+///     11            after a mode command, when the status letter is A or I: confirms it; otherwise reads a sheet
 ///     r             begins a session; no reply
 ///     1 dd 04       where to print; no reply
 ///     2 text 04     what to print, with a blank at its end; no reply
@@ -19,7 +19,7 @@ namespace kel {
 ///     0E            ends a session at a reader without feeder; no reply
 ///
 /// It refuses as the host's mistake: any other byte, a mode change past w, a mode command that is not confirmed, a read
-/// in another mode than i, without a session, while a sheet is under way or without a status query behind the sheet
+/// in another mode than i, without a session, while a sheet is under way or without a status query after the sheet
 /// before it, a status query while a reply is outstanding, print or eject without a sheet, and a print text without a
 /// position, and a position without a text. At an empty feeder the reply comes when a sheet does; a jam is a reply
 /// without rows and the bit 08 of the third status character. A sheet stays until it is ejected or the next one is

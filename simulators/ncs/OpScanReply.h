@@ -11,11 +11,11 @@ namespace kel {
 struct OpScanFormat {
     bool compressed = true;   ///< equal positions as 15, a count byte (40 plus the count), the position
     bool alternating = false; ///< a row of side 1, a row of side 2, and so on, instead of one side after the other
-    bool silentEnd = false;   ///< nothing behind the barcodes
+    bool silentEnd = false;   ///< nothing after the barcodes
     std::string barcodePrefix = "00"; ///< stands in front of each barcode that a separator follows
 };
 
-/// The reply for a sheet: rows of 48 hexadecimal digits behind "a" (side 1) and "b" (side 2), then "c" and the barcodes
+/// The reply for a sheet: rows of 48 hexadecimal digits after "a" (side 1) and "b" (side 2), then "c" and the barcodes
 /// with "d", then CR LF.
 ///
 /// A separator takes away the first two characters in front of it and opens the next barcode. At CR LF the barcode that

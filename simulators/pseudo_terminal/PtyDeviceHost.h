@@ -87,7 +87,7 @@ private:
     Moment wireFree_{};   // when the last of the host's bytes has left the wire
     Moment deviceTime_{}; // what the device was told last
     int openings_ = 0;    // how many programs have the line open
-    bool open_ = false;   // as the device will see it behind all events
+    bool open_ = false;   // as the device will see it after all events
     std::string outgoing_;
     std::thread thread_;
     std::exception_ptr thrown_;

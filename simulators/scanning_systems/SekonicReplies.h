@@ -31,11 +31,11 @@ struct LoadedWindow {
     Int32 columnGap = 0;
 };
 
-/// The marks of a side from row 1 to `rows`: a pair of column and value for each mark, and a CR behind each row.
+/// The marks of a side from row 1 to `rows`: a pair of column and value for each mark, and a CR after each row.
 [[nodiscard]] std::string pageReply(const MarkRows& marks, Int32 rows, ColumnLetters letters, const ReplyStyle& style);
 
 /// The marks of a side within its windows: for each row of each window the pairs, counted from "1" within the window,
-/// or a blank and a further character; a comma behind each row.
+/// or a blank and a further character; a comma after each row.
 [[nodiscard]] std::string windowReply(const MarkRows& marks, const std::vector<LoadedWindow>& windows,
                                       const ReplyStyle& style);
 

@@ -26,13 +26,13 @@ namespace kel {
 /// It refuses as the host's mistake, with "?" in the place of CR: unknown commands, those that the model lacks, a
 /// definition that is outside a form or does not fit it, a form without an end, eject or print without a sheet, a print
 /// of more than 125 characters. A mistake too: bytes outside a command, anything before the first SRST, a command while
-/// a reply is outstanding (but not SRST, and not EJCT behind PRN$ N), EJCT C without PRN$ N. A read without a form or
+/// a reply is outstanding (but not SRST, and not EJCT after PRN$ N), EJCT C without PRN$ N. A read without a form or
 /// without a status that told a sheet is not answered at all. A read at an empty feeder is answered when a sheet comes;
 /// a jam is an end without cells and the bit 0x40.
 ///
 /// Settings: `status` (the 12 characters in the notation of transcripts; bit 0x01 of position 9 is the feeder's all the
 /// same), `reply-ms` (from any other command to its reply), `feed-ms` (from READ to its reply), `ready-ms` (how long
-/// after a read the next sheet is ready), `end-after` (the end comes behind so many cells), `end` (false: never),
+/// after a read the next sheet is ready), `end-after` (the end comes after so many cells), `end` (false: never),
 /// `prn-n-reply` (false: PRN$ 1 N is not answered).
 class Scanmark final : public Simulator {
 public:

@@ -34,10 +34,10 @@ public:
     /// What is wrong with a definition, as text; nothing if the reader takes it.
     using Refusal = std::optional<std::string>;
 
-    /// The words behind "FRM=FS", which begin a form.
+    /// The words after "FRM=FS", which begin a form.
     [[nodiscard]] Refusal start(const std::vector<std::string>& words);
 
-    /// The words behind "FRM=DK" and "FRM=MC".
+    /// The words after "FRM=DK" and "FRM=MC".
     [[nodiscard]] Refusal defineRectangle(const std::vector<std::string>& words);
     [[nodiscard]] Refusal defineColumns(const std::vector<std::string>& words);
 

@@ -40,7 +40,7 @@ struct OmrSimulationState {
         std::string function;
         Int32 call = 1;
         Int32 result = 0;
-        Int32 code = 0; ///< the last error behind it
+        Int32 code = 0; ///< the last error after it
 
         friend bool operator==(const Refusal&, const Refusal&) = default;
     };

@@ -16,7 +16,7 @@ using Words = std::vector<std::string>;
 constexpr const char* kGerman = "Bibliothek";
 constexpr const char* kEnglish = "Library";
 
-/// What a scan with a missing library of the maker says, with these words in front of the command and behind it.
+/// What a scan with a missing library of the maker says, with these words in front of the command and after it.
 std::string told(const Words& before, const Words& behind)
 {
     Words words = before;

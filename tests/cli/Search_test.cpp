@@ -63,7 +63,7 @@ public:
 
     [[nodiscard]] const std::string& file() const { return pty_.deviceFile(); }
 
-    /// The device, once its line has been closed behind its use.
+    /// The device, once its line has been closed after its use.
     template <class Device = Simulator>
     [[nodiscard]] Device& used()
     {

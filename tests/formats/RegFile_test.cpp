@@ -34,7 +34,7 @@ std::string bytes(std::initializer_list<int> codes)
     return result;
 }
 
-/// The value behind `"x"=` in a file.
+/// The value after `"x"=` in a file.
 RegistryValue parsedValue(const std::string& text)
 {
     const std::vector<RegFileEntry> entries = parseRegFile(kHeading + ("[HKCU\\Software\\Reader]\r\n\"x\"=" + text));
@@ -52,7 +52,7 @@ std::string refusal(const std::string& file)
     return "taken";
 }
 
-/// What a file with these lines behind its heading is refused with.
+/// What a file with these lines after its heading is refused with.
 std::string refusalOf(const std::string& lines)
 {
     return refusal(kHeading + lines);

@@ -96,7 +96,7 @@ const std::vector<GuardCase> kLayoutGuards = {
          form.left.Caption("A && B");
          EXPECT_EQ(ControlTextWidth(form, form.left), 0);
      }},
-    // The caption could be measured, the room behind it not.
+    // The caption could be measured, the room after it not.
     {"basPublic.ControlAutoSize", FailsBy::Statement, 440,
      [](GuardBench&) {
          SmallForm form;

@@ -21,7 +21,7 @@ struct LanguageFileMaker {
     };
 
     std::vector<Section> sections;
-    std::vector<std::string> head; ///< the lines of the head behind the languages: "NumStrings=2" and so on
+    std::vector<std::string> head; ///< the lines of the head after the languages: "NumStrings=2" and so on
     int startIsOffBy = 0;
     std::string lineEnd = "\r\n";
 

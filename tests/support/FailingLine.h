@@ -29,7 +29,7 @@ public:
     /// The device goes away when these bytes are sent.
     void failsAtOutput(std::string bytes) { lastBytes_ = std::move(bytes); }
 
-    /// What comes upon an output: to be put behind `waiting`.
+    /// What comes upon an output: to be put after `waiting`.
     std::function<void(std::string_view bytes)> onOutput;
     /// What the host does while its carrier is being used.
     std::function<void()> onHandshaking;

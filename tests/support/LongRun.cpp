@@ -31,7 +31,7 @@ private:
     std::map<std::string, std::size_t> counts_;
 };
 
-/// GoogleTest owns it, and ends it behind the last test.
+/// GoogleTest owns it, and ends it after the last test.
 Tallies& tallies()
 {
     static auto* const all = new Tallies;

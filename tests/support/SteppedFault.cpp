@@ -23,7 +23,7 @@ extern "C" const char etext;
 namespace {
 
 constexpr int kStride = 16;
-constexpr greg_t kTrapFlag = 0x100; // the processor traps behind each instruction
+constexpr greg_t kTrapFlag = 0x100; // the processor traps after each instruction
 
 int instructionsLeft = 0;
 bool counting = false;
@@ -70,7 +70,7 @@ void beQuiet()
     const itimerval work{{}, {5, 0}};
     ::setitimer(ITIMER_PROF, &work, nullptr);
     ::alarm(300);
-    // A fault behind the procedure's own statements leaves the attempt.
+    // A fault after the procedure's own statements leaves the attempt.
     bool succeeded = false;
     try {
         succeeded = attempt();

@@ -14,7 +14,7 @@ public:
     static const bool kPossible;
 
     /// Calls `attempt` in a process of its own each, with a fault in store at another of the component's instructions
-    /// behind `arm`, until one of them answers true. False if none of the first `instructions` does.
+    /// after `arm`, until one of them answers true. False if none of the first `instructions` does.
     static bool sweep(int instructions, const std::function<bool()>& attempt);
 
     /// From here on instructions are counted, up to there.

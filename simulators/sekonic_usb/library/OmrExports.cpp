@@ -46,7 +46,7 @@ struct AreaRecord {
 };
 static_assert(sizeof(AreaRecord) == 8 && offsetof(AreaRecord, length) == 4);
 
-/// The file beside this library that has the name under which it was loaded, with ".json" behind it.
+/// The file beside this library that has the name under which it was loaded, with ".json" after it.
 std::string fileBesideLibrary()
 {
 #if defined(_WIN32)
@@ -104,7 +104,7 @@ kel::MarkRows rowsOf(const OmrSimSide& side)
     return rows;
 }
 
-/// As much of a text as fits, with a zero behind it; the length of the whole.
+/// As much of a text as fits, with a zero after it; the length of the whole.
 std::int32_t give(const std::string& text, char* room, std::int32_t size)
 {
     if (size > 0) {

@@ -62,7 +62,7 @@ class KeepingHost final : public ErrorObject, public ReaderEvents {
 public:
     Int32 RaiseError(const ErrorReport& report) override
     {
-        // The line's number stands behind the source of a run-time failure.
+        // The line's number follows the source of a run-time failure.
         told.push_back({report.ErrorSource.substr(0, report.ErrorSource.find_first_of(", ")), report.ErrorNumber,
                         report.ErrorType, report.ErrorDescription, report.ErrorTitle});
         return 0;

@@ -114,7 +114,7 @@ TEST(PageDecoder, ASecondMarkerBeginsAtTheFirstBarcodeAndKeepsTheOthers)
     take(two, "cXX12dYY34c56\r\n");
     EXPECT_THAT(two.barcodes().elements(), ElementsAre("56", "YY34"));
 
-    // A separator behind it makes the list as long as it counts, with an empty entry at its end.
+    // A separator after it makes the list as long as it counts, with an empty entry at its end.
     PageDecoderNCS separated(kOneSide);
     take(separated, "cXX1dXX2dXX3cXX4d5");
     separated.endBySilence();

@@ -137,7 +137,7 @@ protected:
         expectFault(0, VBLM_RTString(text), VBLM_RTString(title), procedure);
     }
 
-    /// The only report so far: a statement that failed. The line stands behind the procedure's name.
+    /// The only report so far: a statement that failed. The line follows the procedure's name.
     void expectOneFailure(Int32 number, const std::string& procedure)
     {
         ASSERT_EQ(reports().size(), 1U);

@@ -133,7 +133,7 @@ TEST(WindowReplySS, OneCharacterIsNoReply)
 
 TEST(WindowReplySS, TheLastCharacterAloneIsLeft)
 {
-    // Behind the first window's comma only one character is left, so the second window is not begun.
+    // After the first window's comma only one character is left, so the second window is not begun.
     expectPlaced(place("11,2", {window({}), window({.startRow = 2})}), marks({{1, 1, 1}}));
 }
 
@@ -183,7 +183,7 @@ TEST(WindowReplySS, NoMoreCharactersThanSixteenBitsCount)
     expectPlaced(place("11," + separators, windows), marks({{1, 1, 1}}));
     expectPlaced(place("11," + separators + "\r", windows), marks({}), 6);
     expectPlaced(place(std::string(32766, '1'), windows), marks({{1, 1, 1}}), 5);
-    // Behind the last position there is none that could be counted.
+    // After the last position there is none that could be counted.
     expectPlaced(place(std::string(32767, '1'), windows), marks({{1, 1, 1}}), 6);
 }
 
@@ -203,7 +203,7 @@ TEST(WindowReplySS, EveryCutOfAReplyIsSafe)
     const MarkArray whole = marks({{1, 1, 2}, {1, 3, 5}, {4, 1, 2}, {5, 4, 4}});
     expectPlaced(place(reply, windows), whole);
     for (std::size_t cut = 0; cut < reply.size(); ++cut) {
-        // A copy of its own size lets the sanitizers see a step behind the end.
+        // A copy of its own size lets the sanitizers see a step after the end.
         const std::vector<char> exact(reply.begin(), reply.begin() + static_cast<std::ptrdiff_t>(cut));
         const Placed placed = place({exact.data(), exact.size()}, windows);
         EXPECT_TRUE(placed.failure == 0 || placed.failure == 5) << cut;

@@ -18,7 +18,7 @@ class FakeOmrApi final : public OmrApi {
 public:
     std::vector<std::string> calls;
 
-    /// Results of the next calls of a function; behind them, and without any, the function's usual result.
+    /// Results of the next calls of a function; after them, and without any, the function's usual result.
     std::map<std::string, std::deque<Int32>> results;
 
     /// A call of this function fails at run time.

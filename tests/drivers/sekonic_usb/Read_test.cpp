@@ -348,7 +348,7 @@ TEST_F(SekonicUsbBarcodes, AreAsLongAsTheLibraryTellsAndNoLongerThanTheArray)
     library.barcodeLength = 2;
     EXPECT_EQ(ReadPageSR(reader, 9), True);
     EXPECT_EQ(reader.BarcodeArray()(1), "xx");
-    // Behind a short text the array is empty.
+    // After a short text the array is empty.
     library.barcodes = {"ab"};
     library.barcodeLength = 4;
     EXPECT_EQ(ReadPageSR(reader, 9), True);

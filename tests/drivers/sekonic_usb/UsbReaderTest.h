@@ -59,7 +59,7 @@ protected:
         EXPECT_EQ(reports()[0].ErrorSource, "basSekonicSR." + procedure);
     }
 
-    /// The one report of a run-time failure; its source bears the line behind the procedure.
+    /// The one report of a run-time failure; its source bears the line after the procedure.
     void expectRuntimeFailure(Int32 number, const std::string& procedure)
     {
         ASSERT_EQ(reports().size(), 1U);

@@ -64,7 +64,7 @@ inline SimulatorOptions optionsOf(const AppersonSession& session, std::uint64_t 
     return {.seeded = SeededSheets{kAppersonSeed, sheets}, .form = formOf(session), .settings = session.settings};
 }
 
-/// The rest of a session once its reader has a line: `bench` has `reader()`, `heard()` and, behind the session,
+/// The rest of a session once its reader has a line: `bench` has `reader()`, `heard()` and, after the session,
 /// `expectNoComplaints()` of the simulated reader.
 template <class Bench>
 class AppersonRoundTrip {

@@ -115,7 +115,7 @@ TEST(AppersonSessions, AHostCanAskForTheSecondLineFirst)
         if (keys.size() == 1)
             side1(1, 1) = 5;
         needsMore = keys.size() == 1 ? True : False;
-        // What stood behind the last comma of the line before is still there, and so is its line end.
+        // What stood after the last comma of the line before is still there, and so is its line end.
         EXPECT_EQ(itemText(data.Item("Student ID")), keys.size() == 1 ? "77" : "A\r\n78");
         EXPECT_EQ(itemText(data.Item(2)), keys.size() == 1 ? "B" : "A\tB");
     };
@@ -201,7 +201,7 @@ TEST(AppersonSessions, JamsAreToldByTheReader)
 
 // ---- Cancelling in the waits
 
-/// Cancels in the wait behind a command.
+/// Cancels in the wait after a command.
 void cancelBehind(Session& session, const std::string& command)
 {
     session.machine.pump().hostPump([&session, command] {

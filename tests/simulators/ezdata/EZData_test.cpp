@@ -263,7 +263,7 @@ TEST_P(EZDataRoundTrip, AnEmptyFeederIsToldTheHost)
     ASSERT_EQ(bench.host.heard().reports.size(), 1U);
     EXPECT_EQ(bench.host.heard().reports[0].ErrorDescription, VBLM_RTString(TextNumber(336)));
     EXPECT_EQ(bench.host.heard().reports[0].ErrorTitle, VBLM_RTString(TextNumber(292)));
-    // The byte behind "?" was not read: the close takes it for a sheet, which is not there.
+    // The byte after "?" was not read: the close takes it for a sheet, which is not there.
     bench.host.sent();
     EXPECT_EQ(bench.reader().EndReader(), True);
     EXPECT_EQ(bench.host.sent(), frame("EF") + frame("D"));

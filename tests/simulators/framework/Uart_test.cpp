@@ -18,13 +18,13 @@ LineParameters line(Int32 baudRate, char parity, Int32 dataBits, double stopBits
     return {.baudRate = baudRate, .parity = parity, .dataBits = dataBits, .stopBits = stopBits};
 }
 
-/// What arrives, with "p" and "f" behind a byte with a wrong parity or stop bit.
+/// What arrives, with "p" and "f" after a byte with a wrong parity or stop bit.
 struct Heard {
     std::string bytes;
     std::string errors;
 };
 
-/// Sends bytes one behind the other, as fast as the sender's line is.
+/// Sends bytes one after the other, as fast as the sender's line is.
 Heard over(const LineParameters& sender, const LineParameters& receiver, std::string_view bytes)
 {
     Uart wire(sender, receiver);

@@ -46,7 +46,7 @@ TEST(OpScanOverAPseudoTerminal, ThreeSheets)
 }
 
 // Four characters of a status, or a fifth that is there already, are all that is taken of it. What a longer one has
-// behind them arrives when the next sheet has been asked for, and counts as positions in front of its first row.
+// after them arrives when the next sheet has been asked for, and counts as positions in front of its first row.
 TEST(OpScanOverAPseudoTerminal, ALongStatusAtWireSpeedRunsIntoTheNextSheet)
 {
     constexpr int kStatusLength = 400;

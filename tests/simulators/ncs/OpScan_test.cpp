@@ -197,7 +197,7 @@ TEST_F(OpScanTest, StatusBitsStandUntilTheSheetIsGone)
 {
     start({kSheet, kSheet}, {{"status1", "0x03"}, {"status2", "0x0F"}});
     ask("\x11");
-    EXPECT_EQ(ask("s1"), "0@@\r"); // the session began behind them
+    EXPECT_EQ(ask("s1"), "0@@\r"); // the session began after them
     reader_->statusBits(0x02, 0x09);
     ask("\x11");
     EXPECT_EQ(ask("s1"), "0BI\r");

@@ -172,7 +172,7 @@ void RandomSession::expectHeard(const clsKELReader& reader, const RecordingHost&
         EXPECT_EQ(sheet.barcodes.LBound(), 1);
         EXPECT_EQ(sheet.barcodes.elements(), barcodes.texts);
     }
-    // Of the rows that begin within a barcode all but the first come behind none of 48 positions.
+    // Of the rows that begin within a barcode all but the first come after none of 48 positions.
     for (const ErrorReport& report : heard.reports)
         EXPECT_EQ(report.ErrorTitle, VBLM_RTString(TextNumber(282))) << report.ErrorDescription;
     EXPECT_EQ(heard.reports.size(), reports);

@@ -15,7 +15,7 @@ inline constexpr kelReaderType kOpScanModels[] = {
 /// What is heard of a side: 150 rows of 48 columns, of which the last always reads 0.
 [[nodiscard]] MarkArray heardOf(const MarkRows& marks);
 
-/// What is heard of what stands behind the rows. The letters a to d in it are markers as everywhere: of a timing mark,
+/// What is heard of what follows the rows. The letters a to d in it are markers as everywhere: of a timing mark,
 /// of the first barcode, of the next one.
 struct HeardBarcodes {
     std::vector<std::string> texts = {"?"};

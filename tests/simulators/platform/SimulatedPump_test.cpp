@@ -329,7 +329,7 @@ TEST_F(SimulatedPumpTest, ProgressKeepsALongDialogueAlive)
     device_.echoAfter(1s);
     for (int count = 0; count < 100; ++count) {
         control_->Output("x");
-        DoEvents(); // behind the output
+        DoEvents(); // after the output
         DoEvents(); // until the answer comes
         EXPECT_EQ(control_->Input(), "x");
     }

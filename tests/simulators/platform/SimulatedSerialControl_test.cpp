@@ -140,7 +140,7 @@ TEST_F(SimulatedSerialControlTest, TheHostsBytesTakeTheirTimeOnTheWire)
     control_->PortOpen(True);
     control_->Output("AB");
     Sleep(5);
-    control_->Output("C"); // queues behind the B
+    control_->Output("C"); // queues after the B
     EXPECT_TRUE(device_.heard.empty());
     Sleep(1000);
     EXPECT_EQ(control_->InBufferCount(), 0);

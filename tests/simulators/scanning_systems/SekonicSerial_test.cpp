@@ -90,7 +90,7 @@ TEST_P(SekonicSessions, ACancelDoesNotEndTheStart)
     expectNoComplaints();
 }
 
-/// Where a reader falls silent for good: behind how many bytes, and what is then told.
+/// Where a reader falls silent for good: after how many bytes, and what is then told.
 TEST_P(SekonicSessions, SilenceAnywhereIsToldOrEndsTheReply)
 {
     const SimulatedSheet paper = randomSekonicSheets(GetParam(), 41).back();
@@ -102,7 +102,7 @@ TEST_P(SekonicSessions, SilenceAnywhereIsToldOrEndsTheReply)
         if (host.reader().StartReader() == True)
             host.reader().ReadPage(False);
         host.reader().EndReader();
-        EXPECT_LE(host.heard().reports.size(), 2U); // a count that does not come ends nothing, the marks behind it do
+        EXPECT_LE(host.heard().reports.size(), 2U); // a count that does not come ends nothing, the marks after it do
         EXPECT_THAT(device->errors(), testing::IsEmpty());
         EXPECT_LT(host.machine.now(), byte * 25s);
         host.reader().Windows()->RemoveAll();

@@ -69,7 +69,7 @@ TEST(ScanmarkSessions, AThousandFormsOfWindows)
     }
 }
 
-// The end of the reply comes one character time behind the last cell. The pause that the host makes when no cell waits
+// The end of the reply comes one character time after the last cell. The pause that the host makes when no cell waits
 // brings it in, unless that pause ends between the two: then it is the first character of the status, and what is left
 // of that is the first of the next one. So one sheet a form.
 TEST(ScanmarkSessions, FormsOfWindowsAtWireSpeed)
@@ -241,7 +241,7 @@ TEST_F(ScanmarkSession, PrintRejectAndEjectAreInTheLog)
 }
 
 // The reader's bytes up to the first sheet: an answer each to the reset and to three commands of the form, 12 of the
-// status, 48 cells and their end, 12 of the status behind them.
+// status, 48 cells and their end, 12 of the status after them.
 TEST_F(ScanmarkSession, ACancelEndsTheStart)
 {
     const std::pair<const char*, Texts> waits[] = {
@@ -385,7 +385,7 @@ TEST_F(ScanmarkSession, TheEndOfWhatNeverBeganSendsNothing)
     demandNoError(*device_, host_);
 }
 
-// The reset at the end is the reader's 78th byte, behind a whole sheet; there is no eject here.
+// The reset at the end is the reader's 78th byte, after a whole sheet; there is no eject here.
 TEST_F(ScanmarkSession, ACancelAtTheEndClosesTheLineAllTheSame)
 {
     connect({"silent@byte=78"});

@@ -44,7 +44,7 @@ protected:
 
     std::string ask(const std::string& command, Moment time = 10s) { return bench_->ask(framed(command), time); }
 
-    /// The replies to several commands, one behind the other.
+    /// The replies to several commands, one after the other.
     std::string askAll(std::initializer_list<const char*> commands)
     {
         std::string replies;

@@ -51,7 +51,7 @@ void work()
     ASSERT_TRUE(FreeLibrary(server));
 }
 
-/// One thread that loads the server, works with it, and ends behind the end of its apartment.
+/// One thread that loads the server, works with it, and ends after the end of its apartment.
 void workOnAThread()
 {
     std::thread([] {
@@ -70,7 +70,7 @@ DWORD handles()
 
 bool faultHeard = false;
 
-/// Goes on behind the failing statement, a store of two bytes' length.
+/// Goes on after the failing statement, a store of two bytes' length.
 LONG CALLBACK onFault(EXCEPTION_POINTERS* fault)
 {
     if (fault->ExceptionRecord->ExceptionCode != static_cast<DWORD>(EXCEPTION_ACCESS_VIOLATION))
@@ -98,7 +98,7 @@ TEST(Reload, LeavesNothingButTheServer)
 TEST(Reload, LeavesTheHostsFaultsToTheHost)
 {
     ASSERT_NO_FATAL_FAILURE(workOnAThread());
-    // Behind all others: the server's own handler is asked first.
+    // After all others: the server's own handler is asked first.
     void* const handler = AddVectoredExceptionHandler(0, &onFault);
 #if defined(_WIN64)
     asm volatile("xor %%eax, %%eax\n\tmovl %%eax, (%%rax)" ::: "rax", "memory");

@@ -268,7 +268,7 @@ TEST_F(Texts, NoByteOfALineIsLost)
         }
         return array;
     };
-    // Each byte with every one of some others behind it, as pairs of letters and as no such pairs.
+    // Each byte with every one of some others after it, as pairs of letters and as no such pairs.
     for (int first = 0x80; first <= 0xFF; ++first) {
         std::vector<int> order{'e', 'c', 'h', 'o', ' '};
         for (const int second : {0x20, 0x40, 0x5C, 0x7E, 0x80, 0x81, 0x9F, 0xA0, 0xE0, 0xFC, 0xFF}) {
