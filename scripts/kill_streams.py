@@ -20,7 +20,7 @@ import tempfile
 import urllib.request
 from pathlib import Path
 
-from stream_servers import PATIENCE, Servers, report, wait_for
+from stream_servers import PATIENCE, Servers, miscounted, report, wait_for
 
 STREAM = "KELREADER"
 # How many sheets come through between two blows.
@@ -150,8 +150,7 @@ def faults_of(run, servers):
     marked = run.rows("hall.db", "SELECT sent FROM store")[0][0]
     messages = wait_for(lambda: servers.messages(STREAM), "the servers agreeing")
     entries = run.rows("hall.db", "SELECT last FROM store")[0][0]
-    if not marked <= messages <= entries:
-        faults.append(f"{marked} of {entries} sheets and reports were sent, and the stream has {messages} messages")
+    faults += miscounted(marked, messages, entries)
     if aside := run.rows("all.db", "SELECT count(*) FROM unread")[0][0]:
         faults.append(f"{aside} messages could not be read")
     return faults

@@ -39,6 +39,13 @@ def report(counted, faults):
     return 1 if faults else 0
 
 
+def miscounted(marked, messages, entries):
+    """What is wrong with the number of messages in a stream, as a list: all that a store has marked as sent are there,
+    each once. The last entries may have been made or sent while the station ended."""
+    return [] if marked <= messages <= entries else [
+        f"{marked} of {entries} sheets and reports were sent, and the stream has {messages} messages"]
+
+
 def free_ports(count):
     """Ports that nobody has now."""
     sockets = [socket.socket() for _ in range(count)]
