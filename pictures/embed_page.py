@@ -10,7 +10,7 @@ from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).resolve().parents[1] / "scripts"))
 
-from embed_texts import write_source  # noqa: E402
+from embed_texts import text_of, write_source  # noqa: E402
 
 
 def hash_of(text):
@@ -22,7 +22,7 @@ def main():
     parser.add_argument("--out", type=Path, required=True)
     parser.add_argument("folder", type=Path, help="the folder of the page's files")
     arguments = parser.parse_args()
-    read = lambda name: (arguments.folder / name).read_text(encoding="utf-8")
+    read = lambda name: text_of(arguments.folder / name)
     sheet_style = read("sheet.css")
     style = sheet_style + read("common.css") + read("batch.css")
     script = read("batch.js")

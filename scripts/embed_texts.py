@@ -2,14 +2,24 @@
 """Makes C++ constants of files of text.
 
 As a program: embed_texts.py --out FILE --header HEADER NAME=FILE[+FILE]..., for a header that declares the names in the
-namespace kel. Several files are joined.
+namespace kel. Several files are joined. The line with the licence stays in the source: what is written with a text is
+somebody else's.
 """
 
 import argparse
+import re
 from pathlib import Path
 
 # A compiler takes literals of at least 65,536 characters; a text is written in shorter ones that join.
 LONGEST_LITERAL = 16000
+
+
+LICENCE = re.compile(r"\A(//|/\*) SPDX-License-Identifier: .*\n")
+
+
+def text_of(file):
+    """What a file holds, without its licence."""
+    return LICENCE.sub("", Path(file).read_text(encoding="utf-8"))
 
 
 def constant_of(name, text):
@@ -37,7 +47,7 @@ def main():
     texts = {}
     for text in arguments.texts:
         name, _, files = text.partition("=")
-        texts[name] = "".join(Path(file).read_text(encoding="utf-8") for file in files.split("+"))
+        texts[name] = "".join(text_of(file) for file in files.split("+"))
     write_source(arguments.out, arguments.header, texts)
 
 

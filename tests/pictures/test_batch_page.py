@@ -186,6 +186,10 @@ class BatchPageTest(unittest.TestCase):
             self.assertIn("the batch was cut off", self.text("#summary"))
             self.assertEqual(self.browser.complaints(), [])
 
+    def test_what_is_written_bears_no_licence(self):
+        for path in (self.page, *self.pictures.iterdir()):
+            self.assertNotIn("SPDX", path.read_text(encoding="utf-8"), path)
+
     def test_pictures_of_the_page_are_those_of_the_files(self):
         page = self.page.read_text(encoding="utf-8")
         layouts = data_of(page, "layout")
