@@ -23,9 +23,9 @@ def simulated(name, model=21, count=4, seed=1, **more):
 
 
 class Station:
-    """A station at work in a folder of its own, or of somebody else's."""
+    """A station at work in a folder of its own, or of somebody else's; `within` are words of a program that starts it."""
 
-    def __init__(self, program, readers, folder=None, **more):
+    def __init__(self, program, readers, folder=None, within=(), **more):
         self._own = tempfile.TemporaryDirectory() if folder is None else None
         self.folder = Path(folder or self._own.name)
         self.program = program
@@ -36,7 +36,8 @@ class Station:
         self.store = self.folder / "hall.db"
         self.errors = self.folder / "errors"
         with self.errors.open("w") as errors:
-            self.process = subprocess.Popen([program, "station", str(self.file)], stderr=errors, env=self.environment())
+            self.process = subprocess.Popen([*within, program, "station", str(self.file)], stderr=errors,
+                                            env=self.environment())
 
     def environment(self):
         return {**os.environ, "KELREADER_REGISTRY_DIR": str(self.folder)}
