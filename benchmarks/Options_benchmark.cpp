@@ -22,6 +22,12 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
+/// A window that opens in its usual place.
+struct UsualPlace final : WindowPlace {
+    std::string recall() override { return {}; }
+    void keep(const std::string&) override {}
+};
+
 /// Shows the window, notes when a user can see it, and cancels.
 class NotesTheMoment final : public OptionsPresenter {
 public:
@@ -45,7 +51,8 @@ public:
     Clock::time_point visible{};
 
 private:
-    QtOptionsPresenter qt_;
+    UsualPlace place_;
+    QtOptionsPresenter qt_{place_};
 };
 
 /// `ShowOptions` on a machine whose 16 ports are all absent, the application made anew for each call.
@@ -102,7 +109,8 @@ void Options_ModelChange(benchmark::State& state)
     clsKELReader reader;
     frmOptions form;
     form.SetReader(reader);
-    OptionsWindow window(form, nullptr);
+    UsualPlace place;
+    OptionsWindow window(form, place, nullptr);
     form.Show();
     window.refresh();
     window.setVisible(true);

@@ -25,27 +25,58 @@ SHEET = [[(row * column) % 16 for column in range(COLUMNS)] for row in range(ROW
 MOST_KILOBYTES = 2048  # what the allocator may come to keep in the long run
 
 
-def microseconds(count):
-    """From the event to the array, for each sheet of a simulated Scanmark."""
-    with kelreader.simulate("Scanmark 2500", sheets=[SHEET] * count, form=FORM) as simulated:
-        with simulated.reader(sleep_time=1) as reader:
-            times = []
-            for sheet in reader:
-                side = sheet.side1
-                times.append((time.monotonic() - sheet.read_at) * 1e6)
-                assert side.shape == (ROWS, COLUMNS) and side[1, 1] == SHEET[1][1]
+def to_array(sheets):
+    """Microseconds from the event to the array, for each sheet."""
+    times = []
+    for sheet in sheets:
+        side = sheet.side1
+        times.append((time.monotonic() - sheet.read_at) * 1e6)
+        assert side.shape == (ROWS, COLUMNS) and side[1, 1] == SHEET[1][1]
     return times
 
 
+def on_a_line(count, **more):
+    """The times of a simulated Scanmark, which sends its sheets as fast as its line is."""
+    with kelreader.simulate("Scanmark 2500", sheets=[SHEET] * count, form=FORM) as simulated:
+        with simulated.reader(sleep_time=1, **more) as reader:
+            return to_array(reader)
+
+
+def a_call():
+    """Microseconds for a call of a function that does next to nothing."""
+    begin = time.monotonic()
+    [number for number in range(3)]
+    return (time.monotonic() - begin) * 1e6
+
+
+def after_a_pause():
+    time.sleep(0.02)
+    return a_call()
+
+
+def figure(name, times):
+    return {"name": name, "us_p50": statistics.median(times), "us_p99": statistics.quantiles(times, n=100)[98]}
+
+
 def event_to_array():
-    times = microseconds(200)
-    return {"name": "Python_EventToArray", "us_p50": statistics.median(times),
-            "us_p99": statistics.quantiles(times, n=100)[98]}
+    """From a line, where the processor has paused before each burst of bytes and all that it had at hand is gone; from a
+    recorded session without pauses, which shows what is the module's own; and, beside the two, a call with and without
+    a pause before it."""
+    with tempfile.TemporaryDirectory() as folder:
+        trace = os.path.join(folder, "session.trace")
+        live = on_a_line(200, trace=trace)
+        recorded = []
+        for _ in range(5):
+            with kelreader.replay(trace) as session:
+                recorded += to_array(session)
+    return [figure("Python_EventToArray", recorded), figure("Python_EventToArrayOnALine", live),
+            figure("Python_Call", [a_call() for _ in range(200)]),
+            figure("Python_CallAfterAPause", [after_a_pause() for _ in range(200)])]
 
 
 def sixty_four_readers():
     times = []
-    threads = [threading.Thread(target=lambda: times.extend(microseconds(20))) for _ in range(64)]
+    threads = [threading.Thread(target=lambda: times.extend(on_a_line(20))) for _ in range(64)]
     for thread in threads:
         thread.start()
     for thread in threads:
@@ -94,9 +125,9 @@ def main():
         print(f"{arguments.sessions} sessions leave {left} kB: {memory['kB_before']} kB in use after the first tenth, "
               f"{memory['kB_after']} kB at the end")
         sys.exit(0 if left < MOST_KILOBYTES else "python_sheets.py: sessions leave memory behind")
-    figures = [event_to_array(), sixty_four_readers(), sessions(1000)]
-    for figure in figures:
-        print(figure)
+    figures = [*event_to_array(), sixty_four_readers(), sessions(1000)]
+    for one in figures:
+        print(one)
     if arguments.out:
         with open(arguments.out, "w", encoding="utf-8") as file:
             json.dump({"benchmarks": figures}, file)

@@ -108,6 +108,8 @@ OptionsWindow::OptionsWindow(frmOptions& form, WindowPlace& place, QWidget* pare
 
 OptionsWindow::~OptionsWindow()
 {
+    // The focus goes elsewhere when the window goes, and so does an explanation that is open.
+    disconnect(qApp, nullptr, this, nullptr);
     form_.onHide = nullptr;
 }
 
