@@ -4,8 +4,7 @@
 #   com/KELReader81U.idl   the interfaces; widl makes KELReader81U.tlb, KELReader81U.h and KELReader81U_i.c of it,
 #                          which lie in the build folder com/generated
 #   com/KELReader81U.def   the exports
-#   com/KELReader81U.rc    the resources; finds the .tlb by its bare name
-enable_language(RC)
+include(VersionResource)
 if(CMAKE_SIZEOF_VOID_P EQUAL 8)
     set(com_width 64)
     set(com_processor amd64) # as manifests call it
@@ -17,8 +16,7 @@ set(com_folder ${PROJECT_SOURCE_DIR}/com)
 set(com_generated ${CMAKE_BINARY_DIR}/com/generated)
 file(MAKE_DIRECTORY ${com_generated})
 
-file(GLOB com_sources CONFIGURE_DEPENDS ${com_folder}/*.cpp ${com_folder}/KELReader81U.idl ${com_folder}/KELReader81U.def
-     ${com_folder}/KELReader81U.rc)
+file(GLOB com_sources CONFIGURE_DEPENDS ${com_folder}/*.cpp ${com_folder}/KELReader81U.idl ${com_folder}/KELReader81U.def)
 set(idl_file ${com_folder}/KELReader81U.idl)
 if(idl_file IN_LIST com_sources)
     find_program(WIDL ${CMAKE_SYSTEM_PROCESSOR}-w64-mingw32-widl REQUIRED)
@@ -39,7 +37,7 @@ if(idl_file IN_LIST com_sources)
     set(com_manifest ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/KELReader81U.manifest)
     add_custom_command(
         OUTPUT ${com_manifest}
-        COMMAND ${Python3_EXECUTABLE} ${com_folder}/make_manifest.py ${idl_file} ${com_processor} ${com_manifest}
+        COMMAND ${Python3_EXECUTABLE} ${com_folder}/make_manifest.py ${idl_file} ${PROJECT_VERSION} ${com_processor} ${com_manifest}
         DEPENDS ${idl_file} ${com_folder}/make_manifest.py
         VERBATIM)
     list(APPEND made ${com_manifest})
@@ -63,7 +61,7 @@ if(TARGET kel_type_library)
     set_source_files_properties(${com_generated}/KELReader81U_i.c PROPERTIES COMPILE_OPTIONS -w)
     target_include_directories(KELReader81U SYSTEM PUBLIC ${com_generated})
 endif()
-if("${com_folder}/KELReader81U.rc" IN_LIST com_sources)
-    set_source_files_properties(${com_folder}/KELReader81U.rc PROPERTIES INCLUDE_DIRECTORIES ${com_generated}
-                                OBJECT_DEPENDS ${com_generated}/KELReader81U.tlb)
-endif()
+kel_version_resource(KELReader81U KELReader81U.dll "Optical mark readers"
+                     RESOURCES "1 TYPELIB \"${com_generated}/KELReader81U.tlb\"" VALUES "VALUE \"OLESelfRegister\", \"\"")
+set_source_files_properties(${CMAKE_BINARY_DIR}/resources/KELReader81U.rc PROPERTIES
+                            OBJECT_DEPENDS ${com_generated}/KELReader81U.tlb)

@@ -20,7 +20,6 @@ namespace {
 
 constexpr wchar_t kClasses[] = L"Software\\Classes";
 constexpr wchar_t kLibraryName[] = L"KELReader81U";
-constexpr wchar_t kLibraryVersion[] = L"8.1";
 /// The system's marshallers of interfaces that a type library describes: of dual ones, and of event interfaces.
 constexpr wchar_t kDualMarshaller[] = L"{00020424-0000-0000-C000-000000000046}";
 constexpr wchar_t kDispatchMarshaller[] = L"{00020420-0000-0000-C000-000000000046}";
@@ -53,6 +52,7 @@ struct Entry {
 /// the classes and interfaces are those of one width of programs; the names of classes and the type library are seen by
 /// both, and are needed as long as a server of either is there.
 struct Plan {
+    std::wstring libraryVersion; // the type library's, which hosts name: "8.1"
     std::vector<std::wstring> ownKeys;
     std::vector<std::wstring> sharedKeys;
     std::vector<Entry> entries;
@@ -96,7 +96,7 @@ void planClass(Plan& plan, const TypeNames& names, REFCLSID classID)
     plan.add(key + L"\\ProgID", progID);
     plan.add(key + L"\\Programmable", L"");
     plan.add(key + L"\\TypeLib", textOfGuid(LIBID_KELReader81U));
-    plan.add(key + L"\\VERSION", kLibraryVersion);
+    plan.add(key + L"\\VERSION", plan.libraryVersion);
     plan.sharedKeys.push_back(progID);
     plan.add(progID, names.description);
     plan.add(progID + L"\\CLSID", id);
@@ -109,7 +109,7 @@ void planInterface(Plan& plan, const TypeNames& names, REFIID iid, bool dual)
     plan.add(key, names.name);
     plan.add(key + L"\\ProxyStubClsid32", dual ? kDualMarshaller : kDispatchMarshaller);
     plan.add(key + L"\\TypeLib", textOfGuid(LIBID_KELReader81U));
-    plan.add(key + L"\\TypeLib", L"Version", kLibraryVersion);
+    plan.add(key + L"\\TypeLib", L"Version", plan.libraryVersion);
 }
 
 void planLibrary(Plan& plan, ITypeLib& library)
@@ -117,7 +117,7 @@ void planLibrary(Plan& plan, ITypeLib& library)
     OwnedText description;
     demand(library.GetDocumentation(-1, nullptr, description.out(), nullptr, nullptr));
     const std::wstring path = modulePath();
-    const std::wstring key = L"TypeLib\\" + textOfGuid(LIBID_KELReader81U) + L"\\" + kLibraryVersion;
+    const std::wstring key = L"TypeLib\\" + textOfGuid(LIBID_KELReader81U) + L"\\" + plan.libraryVersion;
     plan.ownKeys.push_back(key + L"\\0\\" + kPlatform);
     plan.sharedKeys.push_back(key);
     plan.add(key, std::wstring(description.view()));
@@ -126,10 +126,21 @@ void planLibrary(Plan& plan, ITypeLib& library)
     plan.add(key + L"\\HELPDIR", path.substr(0, path.find_last_of(L'\\')));
 }
 
+std::wstring versionOf(ITypeLib& library)
+{
+    TLIBATTR* attributes = nullptr;
+    demand(library.GetLibAttr(&attributes));
+    const std::wstring version =
+        std::to_wstring(attributes->wMajorVerNum) + L"." + std::to_wstring(attributes->wMinorVerNum);
+    library.ReleaseTLibAttr(attributes);
+    return version;
+}
+
 Plan makePlan()
 {
     Plan plan;
     const ComPtr<ITypeLib> library = typeLibrary();
+    plan.libraryVersion = versionOf(*library.get());
     for (UINT index = 0; index < library->GetTypeInfoCount(); ++index) {
         ComPtr<ITypeInfo> type;
         demand(library->GetTypeInfo(index, type.out()));

@@ -7,6 +7,7 @@ import json
 import os
 import pathlib
 import pty
+import re
 import shutil
 import signal
 import subprocess
@@ -66,6 +67,12 @@ def wine(*arguments, timeout=PATIENCE, check=False, cwd=BIN, env=None, width=WID
     if check and done.returncode != 0:
         raise RuntimeError(f"{' '.join(map(str, arguments))}: {done.returncode}\n{done.stdout}")
     return done
+
+
+def version(build=BIN.parent):
+    """The version of a Windows edition, "8.1.0"."""
+    [line] = re.findall(r"^CMAKE_PROJECT_VERSION:STATIC=(.*)$", (build / "CMakeCache.txt").read_text(), re.MULTILINE)
+    return line
 
 
 @contextlib.contextmanager

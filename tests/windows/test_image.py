@@ -4,17 +4,19 @@
 import pathlib
 import re
 import shutil
+import struct
 import subprocess
 import tempfile
 import unittest
 
-from harness import BIN, WIDTH
+from harness import BIN, WIDTH, version
 
 TOOLS = {64: "x86_64-w64-mingw32-", 32: "i686-w64-mingw32-"}[WIDTH]
 SYSTEM = {"ADVAPI32.DLL", "COMCTL32.DLL", "GDI32.DLL", "KERNEL32.DLL", "MSVCRT.DLL", "OLE32.DLL", "OLEAUT32.DLL",
           "SHELL32.DLL", "USER32.DLL"}
 ENTRY_POINTS = ["DllCanUnloadNow", "DllGetClassObject", "DllInstall", "DllRegisterServer", "DllUnregisterServer"]
 MEGABYTE = 1 << 20
+ROOT = pathlib.Path(__file__).resolve().parents[2]
 
 
 def tool(name, *arguments):
@@ -48,6 +50,24 @@ class Image(unittest.TestCase):
         self.assertIn(library, image)
         kind = int.from_bytes(library[0x14:0x18], "little") & 0xF  # SYS_WIN32 or SYS_WIN64
         self.assertEqual(kind, {32: 1, 64: 3}[WIDTH])
+
+    def test_all_of_it_is_of_one_version(self):
+        numbers = [*map(int, version().split(".")), 0]
+        text = ".".join(map(str, numbers))
+        for name in ("KELReader81U.dll", "ReadBatch.exe", "simulated/OMRAPI.dll", "kelreader.exe"):
+            if not (BIN / name).exists():
+                continue  # the command is not built in every edition
+            with self.subTest(name):
+                image = (BIN / name).read_bytes()
+                fixed = struct.unpack_from("<8H", image, image.index(struct.pack("<L", 0xFEEF04BD)) + 8)  # of VERSIONINFO
+                self.assertEqual([fixed[i ^ 1] for i in range(8)], numbers * 2)
+                for value in ("FileVersion", text, "CompanyName", "The KELReader81U developers"):
+                    self.assertIn((value + "\0").encode("utf-16-le"), image)
+        manifest = (BIN / "KELReader81U.manifest").read_text(encoding="utf-8")
+        [library] = re.findall(r"^    version\((.*)\),$", (ROOT / "com/KELReader81U.idl").read_text(encoding="utf-8"), re.M)
+        self.assertEqual(re.findall(r'<(?:assemblyIdentity|typelib) .* version="(.*?)"', manifest), [text, library])
+        self.assertEqual(library, "%d.%d" % tuple(numbers[:2]))
+        self.assertIn(f"version {text}", " ".join((ROOT / "docs/windows.md").read_text(encoding="utf-8").split()))
 
     def test_the_manifest_names_the_processor(self):
         manifest = (BIN / "KELReader81U.manifest").read_text(encoding="utf-8")

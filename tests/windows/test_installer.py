@@ -7,12 +7,14 @@ import time
 import unittest
 
 from both_widths import BINS, BothWidths
-from harness import PATIENCE, PREFIX, environment, registry_has, registry_values, windows_path, wine
+from harness import (PATIENCE, PREFIX, environment, registry_has, registry_values, version, windows_path,
+                     wine)
 
 PROJECT = pathlib.Path(__file__).resolve().parents[2]
 UNINSTALL = r"\Software\Microsoft\Windows\CurrentVersion\Uninstall\KELReader81U"
 HOSTS_KEY = r"HKCU\Software\A host\Reader"
 MEGABYTE = 1 << 20
+OLD, NEW = "1.0.0", version()
 DRIVE = PREFIX / "drive_c"
 MACHINE = DRIVE / "Program Files" / "KELReader81U"
 FILES = {"docs/windows.md", "docs/readers/README.md", "examples/ReadBatch.cpp", "examples/ReadSheets.vbs",
@@ -81,7 +83,7 @@ class Installer(BothWidths):
 
     def test_for_the_machine(self):
         before = self.keys()
-        old, new = self.installer("8.0.9"), self.installer("8.1.0")
+        old, new = self.installer(OLD), self.installer(NEW)
         self.set_path(MACHINE_PATH, LONG)
 
         self.install(old, "/AllUsers", "/PATH")
@@ -90,7 +92,7 @@ class Installer(BothWidths):
         self.assertEqual(path(MACHINE_PATH), on_path)
         self.command_works(MACHINE)
         self.assertEqual(self.who_creates(), {64, 32})
-        self.assertEqual(self.entry("HKLM", "DisplayVersion"), "8.0.9")
+        self.assertEqual(self.entry("HKLM", "DisplayVersion"), OLD)
         self.assertEqual(self.entry("HKLM", "Publisher"), "The KELReader81U developers")
         self.assertEqual(len(links()), 4)
 
@@ -98,7 +100,7 @@ class Installer(BothWidths):
         wine("reg", "add", HOSTS_KEY, "/v", "ScannerType", "/d", "13", "/f", check=True)
         (MACHINE / "docs" / "of the old version.md").write_text("")
         self.install(new, "/AllUsers")
-        self.assertEqual(self.entry("HKLM", "DisplayVersion"), "8.1.0")
+        self.assertEqual(self.entry("HKLM", "DisplayVersion"), NEW)
         self.assertEqual(self.who_creates(), {64, 32})
         self.assertEqual(registry_values(HOSTS_KEY)["ScannerType"][1], "13")
         self.assertEqual(path(MACHINE_PATH), on_path, "an upgrade leaves it")
@@ -122,13 +124,13 @@ class Installer(BothWidths):
         before = self.keys()
         self.assertIsNone(path(USER_PATH))
         machines = path(MACHINE_PATH)
-        program = self.installer("8.1.0")
+        program = self.installer(NEW)
         self.install(program, "/CurrentUser")
         self.assertIsNone(path(USER_PATH))
         self.install(program, "/CurrentUser", "/PATH")
         [place] = (path.parent for path in DRIVE.glob("users/*/AppData/Local/**/KELReader81U/uninstall.exe"))
         self.assertLessEqual(FILES | OF_THE_PROGRAM, self.files(place))
-        self.assertEqual(self.entry("HKCU", "DisplayVersion"), "8.1.0")
+        self.assertEqual(self.entry("HKCU", "DisplayVersion"), NEW)
         self.assertEqual(path(USER_PATH), ("REG_EXPAND_SZ", str(pathlib.PureWindowsPath("C:\\", *place.parts[len(DRIVE.parts):], "32"))))
         self.assertEqual(path(MACHINE_PATH), machines)
         self.install(program, "/CurrentUser", "/PATH=0")
@@ -145,7 +147,7 @@ class Installer(BothWidths):
 
     def test_package_for_administrators(self):
         before = self.keys()
-        old, new = self.installer("8.0.9", "msi"), self.installer("8.1.0", "msi")
+        old, new = self.installer(OLD, "msi"), self.installer(NEW, "msi")
         self.set_path(MACHINE_PATH, LONG)
         for package in (old, new):
             self.addCleanup(wine, "msiexec", "/x", windows_path(package), "/qn", cwd=self.folder)
