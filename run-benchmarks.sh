@@ -12,13 +12,18 @@ results=build/release/benchmarks.json
 build/release/bin/kel_benchmarks --benchmark_counters_tabular=true --benchmark_out="$results" \
     --benchmark_out_format=json "$@"
 
-# What a host pays under Windows.
+# What a host pays under Windows, in the widths whose programs run here.
 com_results=build/release/com_calls.json
 rm -f "$com_results"
 if [ $# -eq 0 ]; then
-    cmake --preset windows >/dev/null
-    cmake --build --preset windows --parallel "$(nproc)" --target com_lifetime >/dev/null
-    python3 benchmarks/com_calls.py build/windows build/release/bin/kelreader "$com_results"
+    editions=(64=build/windows)
+    wine_root=$(scripts/prepare-wine.sh "$PWD/build/wine-root") && editions+=(32=build/windows32)
+    for edition in "${editions[@]}"; do
+        preset=${edition#*=build/}
+        cmake --preset "$preset" -DKEL_BUILD_BENCHMARKS=ON >/dev/null
+        cmake --build --preset "$preset" --parallel "$(nproc)" --target com_costs keep_alive >/dev/null
+    done
+    KEL_WINE_ROOT=$wine_root python3 benchmarks/com_calls.py build/release/bin/kelreader "$com_results" "${editions[@]}"
 fi
 
 # What a host in Python pays.

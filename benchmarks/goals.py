@@ -46,6 +46,17 @@ GOALS = [
     ("COM: property by vtable", "Com_PropertyByVtable", "time_ns", 1, "ns", "< 50", None),
     ("COM: property by IDispatch", "Com_PropertyByIDispatch", "time_ns", 1e-3, "us", "< 2", None),
     ("COM: property by name", "Com_PropertyByName", "time_ns", 1e-3, "us", None, None),
+    ("COM: a reader made and released", "Com_Creation", "time_ns", 1e-6, "ms", "< 1", None),
+    ("COM: CreateObject in a fresh process", "Com_FirstCreation", "time_ns", 1e-6, "ms", "< 50", None),
+    ("COM: that process, and an empty one", "Com_ProcessWithReader", "time_ns", 1e-6, "ms", None,
+     "Com_EmptyProcess"),
+    ("COM, 32 bits: property by vtable", "Com32_PropertyByVtable", "time_ns", 1, "ns", "< 50", None),
+    ("COM, 32 bits: property by IDispatch", "Com32_PropertyByIDispatch", "time_ns", 1e-3, "us", "< 2", None),
+    ("COM, 32 bits: property by name", "Com32_PropertyByName", "time_ns", 1e-3, "us", None, None),
+    ("COM, 32 bits: a reader made and released", "Com32_Creation", "time_ns", 1e-6, "ms", "< 1", None),
+    ("COM, 32 bits: CreateObject in a fresh process", "Com32_FirstCreation", "time_ns", 1e-6, "ms", "< 50", None),
+    ("COM, 32 bits: that process, and an empty one", "Com32_ProcessWithReader", "time_ns", 1e-6, "ms", None,
+     "Com32_EmptyProcess"),
     ("Python: a sheet from the event to its array", "Python_EventToArray", "us_p50", 1, "us", "< 20", None),
     ("Python: the same on a line, after a pause", "Python_EventToArrayOnALine", "us_p50", 1, "us", None,
      "Python_CallAfterAPause"),
@@ -66,7 +77,6 @@ GOALS = [
      "Component_512Readers"),
     ("512 readers in a station, memory", "Station_512Readers", "MB/reader", 1, "MB a reader", "< 1",
      "Component_512Readers"),
-    ("COM: a reader made and released", "Com_Creation", "time_ns", 1e-6, "ms", "< 1", None),
 ]
 
 NANOSECONDS = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}

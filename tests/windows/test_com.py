@@ -76,7 +76,7 @@ class Clients(WindowsTest):
     @once
     def test_lifetime(self):
         with SimulatedReader(model=21, port=SHEETS_PORT, count=1):
-            print(self.run_program("com_lifetime.exe", SHEETS_PORT, timeout=PATIENCE))
+            self.run_program("com_lifetime.exe", SHEETS_PORT)
 
 
 # Code pages: a language that has it, and a text of its letters in 6 bytes; the third letter's last byte in Japanese is a

@@ -1,17 +1,13 @@
 // SPDX-License-Identifier: MIT
-// Nothing is left behind: by objects, by sessions, by the server itself; and what calls cost. The port of a simulated
-// OMR2000 is the argument: one that starts without a wait, since Wine itself leaves 360 bytes behind with each wait for
-// a port's input.
+// Nothing is left behind: by objects, by sessions, by the server itself. The port of a simulated OMR2000 is the
+// argument: one that starts without a wait, since Wine itself leaves 360 bytes behind with each wait for a port's
+// input.
 
 #include "tests/windows/clients/Host.h"
 
 #include <psapi.h>
 
-#include <chrono>
-#include <cstdio>
 #include <cstdlib>
-#include <string>
-#include <utility>
 
 namespace {
 
@@ -58,20 +54,6 @@ void leaksNothing(int times, Body&& body)
     const Usage after = usage();
     EXPECT_EQ(after.handles, before.handles);
     EXPECT_EQ(static_cast<long long>(after.heap) - static_cast<long long>(before.heap), 0);
-}
-
-template <class Body>
-double microseconds(int times, Body&& body)
-{
-    using Clock = std::chrono::steady_clock;
-    double best = 1e9;
-    for (int round = 0; round < 5; ++round) {
-        const auto begun = Clock::now();
-        for (int time = 0; time < times; ++time)
-            body();
-        best = std::min(best, std::chrono::duration<double, std::micro>(Clock::now() - begun).count() / times);
-    }
-    return best;
 }
 
 TEST_F(Lifetime, TenThousandReadersLeaveNothing)
@@ -157,34 +139,6 @@ TEST_F(Lifetime, TheServerMayGoWhenEverythingIsReleased)
     EXPECT_GT(error.references, 1);
     EXPECT_EQ(canUnload(), S_OK);
     EXPECT_EQ(error.references, 1);
-}
-
-TEST_F(Lifetime, WhatCallsCost)
-{
-    const auto reader = newReader();
-    short port = 0;
-    const double byVtable = microseconds(1000000, [&] { reader->get_Port(&port); });
-    LPOLESTR name = const_cast<LPOLESTR>(L"Port");
-    DISPID id = 0;
-    ASSERT_EQ(reader->GetIDsOfNames(IID_NULL, &name, 1, 0, &id), S_OK);
-    DISPPARAMS none{};
-    VARIANT value;
-    const double byNumber = microseconds(
-        100000, [&] { reader->Invoke(id, IID_NULL, 0, DISPATCH_PROPERTYGET, &none, &value, nullptr, nullptr); });
-    const double byName = microseconds(100000, [&] {
-        reader->GetIDsOfNames(IID_NULL, &name, 1, 0, &id);
-        reader->Invoke(id, IID_NULL, 0, DISPATCH_PROPERTYGET, &none, &value, nullptr, nullptr);
-    });
-    const double creation = microseconds(1000, [] { newReader(); });
-    // Nanoseconds; the figures of the benchmarks are read from these.
-    const std::pair<const char*, double> figures[] = {{"Com_PropertyByVtable", byVtable},
-                                                      {"Com_PropertyByIDispatch", byNumber},
-                                                      {"Com_PropertyByName", byName},
-                                                      {"Com_Creation", creation}};
-    for (const auto& [name, cost] : figures) {
-        RecordProperty(name, std::to_string(cost * 1000));
-        std::printf("%-24s %10.1f ns\n", name, cost * 1000);
-    }
 }
 
 } // namespace
