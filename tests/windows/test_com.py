@@ -106,7 +106,7 @@ class Texts(WindowsTest):
                 library = self.file(f"library{page}.json", {"sheets": [{"side1": [[0] * 48], "barcodes": [on_line]}],
                                                             "logFile": windows_path(log)})
                 with SimulatedReader(model=40, port=RECORDS_PORT, sheets=records) as reader, FarEnd(SHEETS_PORT):
-                    self.run_program(BIN / "com_texts.exe", page, RECORDS_PORT, SHEETS_PORT, cwd=BIN / "simulated",
+                    self.run_program(BIN / "com_texts.exe", page, RECORDS_PORT, SHEETS_PORT, "/L=German", cwd=BIN / "simulated",
                                      env=environment(LC_ALL=language, KEL_OMRAPI_SIMULATION=windows_path(library)))
                 self.assertNotIn("fault", [event["event"] for event in reader.events])
                 lines = [json.loads(line) for line in log.read_text("utf-8").split("\n") if line.startswith("{")]

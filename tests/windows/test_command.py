@@ -97,11 +97,18 @@ class Command(WindowsTest):
                 self.assertEqual(json.loads(again.splitlines()[-1]), json.loads(told.splitlines()[-1]))
                 self.assertRegex(report.read_text(), r"(?m)^# date: \d{4}-\d\d-\d\d \d\d:\d\d:\d\d [+-]\d{4}$")
 
-    def test_says_what_fails_in_the_language_that_was_asked_for(self):
-        for language, word in (("German", "Ger\u00e4t"), ("French", "p\u00e9riph\u00e9rique"), ("English", "")):
+    def test_a_port_that_is_not_there(self):
+        answer = self.there("scan", "--model", 21, "--port", NOTHING_BEHIND, status=1)
+        self.assertIn('"number":8002', answer)
+        self.assertIn(f"(COM{NOTHING_BEHIND}) is not there", answer)
+
+    def test_a_box_of_a_procedure_goes_to_standard_error_in_the_language_that_was_asked_for(self):
+        for language, title in (("English", "Reader Library Missing"), ("German", "Bibliothek des Leseger\u00e4ts fehlt"),
+                                ("French", "Biblioth\u00e8que du lecteur manquante"),
+                                ("Spanish", "Falta la biblioteca del lector")):
             with self.subTest(language):
-                answer = self.there("scan", "--model", 21, "--port", NOTHING_BEHIND, f"/L={language}", status=1)
-                self.assertIn("8002", answer)
+                answer = self.there("scan", "--model", 30, "--max-sheets", 1, f"/L={language}", status=1)
+                self.assertRegex(answer, f"{title}: .*OMRAPI\\.DLL")
 
     def test_keeps_settings_in_the_registry(self):
         key = r"HKCU\Software\KELReader81U tests\Command"
@@ -136,9 +143,6 @@ class Command(WindowsTest):
             with self.subTest(arguments):
                 self.assertIn(sentence, self.there(*arguments, status=WRONG_USAGE))
         self.assertEqual(self.there("simulate", "--list-faults"), here("simulate", "--list-faults"))
-
-    def test_a_box_of_a_procedure_goes_to_standard_error(self):
-        self.assertIn("OMRAPI.DLL", self.there("scan", "--model", 30, "--max-sheets", 1, status=1))
 
     def test_control_c_ends_a_scan_in_order(self):
         with start_program(COMMAND, "scan", "--simulate", "--model", 21, "--count", 1000, *PATIENT) as scan:

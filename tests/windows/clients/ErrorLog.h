@@ -19,6 +19,9 @@ public:
                        source.text() + L"\n";
             EXPECT_FALSE(description.text().empty());
             texts += description.text() + L"\n";
+            Value title;
+            VariantCopy(title.out(), &c.argument(4));
+            titles += title.text() + L"\n";
             EXPECT_EQ(c.argument(12).vt, VT_BOOL);
             if (fails)
                 return c.fail(static_cast<HRESULT>(0x800A03E9), L"no paper");
@@ -29,6 +32,7 @@ public:
     Value silent{false};
     std::wstring reports;
     std::wstring texts;
+    std::wstring titles;
     bool fails = false;
     HostObject object;
 };

@@ -128,6 +128,17 @@ TEST_F(Texts, ATextForPeopleMayHoldAnyLetter)
     EXPECT_FALSE(get(get(reader(), L"Profiles").object(), L"Exists", {Value(page->text)}).truth());
 }
 
+/// This program runs in German.
+TEST_F(Texts, AReportHasTheLettersOfItsLanguageWhateverTheCodePage)
+{
+    get(reader(), L"LoadDefaults", {Value(13)});
+    put(reader(), L"Port", Value(17));
+    EXPECT_FALSE(get(reader(), L"StartReader").truth());
+    EXPECT_TEXT(log_.titles, L"Anschluss nicht zul\u00e4ssig\n");
+    EXPECT_TEXT(log_.texts, L"Der Anschluss 17 ist nicht zul\u00e4ssig. W\u00e4hlen Sie in den Einstellungen des "
+                            L"Leseger\u00e4ts einen Anschluss von 1 bis 16 und starten Sie dann erneut.\n");
+}
+
 TEST_F(Texts, PrintLinesHoldTheLettersOfTheCodePage)
 {
     const Value printer = get(reader(), L"Printer");
