@@ -16,8 +16,7 @@ endif()
 install(FILES LICENSE DESTINATION . RENAME LICENSE.txt)
 # For those who build a host.
 install(FILES ${idl_file} ${com_generated}/KELReader81U.tlb ${com_generated}/KELReader81U.h DESTINATION development)
-install(DIRECTORY examples/windows/ DESTINATION examples FILES_MATCHING PATTERN "ReadBatch.cpp" PATTERN "ReadSheets.*"
-        PATTERN "frmRead.frm" PATTERN "SheetsToCells.cls")
+install(DIRECTORY examples/windows/ DESTINATION examples PATTERN "CMakeLists.txt" EXCLUDE PATTERN "*.in" EXCLUDE)
 install(FILES docs/windows.md DESTINATION docs)
 install(DIRECTORY docs/readers DESTINATION docs FILES_MATCHING PATTERN "*.md" PATTERN "advice" EXCLUDE)
 

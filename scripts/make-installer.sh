@@ -32,7 +32,8 @@ cp LICENSE "$files/LICENSE.txt"
 cp docs/windows.md "$files/docs/"
 cp -r docs/readers "$files/docs/readers"
 rm -rf "$files/docs/readers/advice"
-cp examples/windows/ReadBatch.cpp examples/windows/ReadSheets.* "$files/examples/"
+cp examples/windows/* "$files/examples/"
+rm "$files/examples/CMakeLists.txt" "$files/examples"/*.in
 cp com/KELReader81U.idl "$build64/com/generated/KELReader81U.tlb" "$build64/com/generated/KELReader81U.h" "$files/development/"
 
 make_program() {

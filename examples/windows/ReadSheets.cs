@@ -29,7 +29,7 @@ public class Sheets : IReaderEvents
     public void ReadSheet(ref Array side1, ref Array side2, ref Array barcodes, ref bool reject)
     {
         Console.Write("Sheet {0}", ++sheets);
-        foreach (string barcode in barcodes)
+        foreach (string barcode in barcodes ?? new string[0])
             Console.Write(" {0}", barcode);
         Console.WriteLine();
         for (int row = 1; row <= side1.GetUpperBound(0); ++row) {

@@ -107,7 +107,7 @@ Private Sub oReader_ReadSheet(iSide1Array() As Integer, iSide2Array() As Integer
     Dim iRow As Integer, iCol As Integer
 
     iSheets = iSheets + 1
-    lstMarks.AddItem "Sheet " & iSheets & " " & Join(sBarcodeArray)
+    lstMarks.AddItem "Sheet " & iSheets & " " & Barcodes(sBarcodeArray)
     For iRow = 1 To UBound(iSide1Array, 1)
         For iCol = 1 To UBound(iSide1Array, 2)
             If iSide1Array(iRow, iCol) <> 0 Then
@@ -116,3 +116,9 @@ Private Sub oReader_ReadSheet(iSide1Array() As Integer, iSide2Array() As Integer
         Next iCol
     Next iRow
 End Sub
+
+' A sheet without barcodes has an array without dimensions, which cannot be joined.
+Private Function Barcodes(sBarcodeArray() As String) As String
+    On Error Resume Next
+    Barcodes = Join(sBarcodeArray)
+End Function

@@ -18,7 +18,7 @@ OLD, NEW = "1.0.0", version()
 DRIVE = PREFIX / "drive_c"
 MACHINE = DRIVE / "Program Files" / "KELReader81U"
 FILES = {"docs/windows.md", "docs/readers/README.md", "examples/ReadBatch.cpp", "examples/ReadSheets.vbs",
-         "examples/ReadSheets.js", "development/KELReader81U.idl", "LICENSE.txt"}
+         "examples/ReadSheets.js", "examples/ReadSheets.vbp", "examples/frmRead.frm", "examples/ReadTyped.csproj", "development/KELReader81U.idl", "LICENSE.txt"}
 FILES |= {f"{width}/{name}" for width in (64, 32)
           for name in ("KELReader81U.dll", "KELReader81U.manifest", "LKELReader81.txt", "ReadBatch.exe",
                        "ReadBatch.exe.manifest")}
