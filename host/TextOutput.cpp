@@ -30,7 +30,7 @@ bool TextOutput::write(std::string_view line)
     const off_t start = ownFile_ ? ::lseek(descriptor_, 0, SEEK_CUR) : -1;
     std::string_view rest = line;
     while (!rest.empty()) {
-        const auto written = ::write(descriptor_, rest.data(), static_cast<unsigned>(rest.size()));
+        const std::ptrdiff_t written = writeText(descriptor_, rest);
         if (written < 0 && errno == EINTR)
             continue;
         if (written < 0) {
@@ -57,11 +57,6 @@ void TextOutput::fail(int error)
     problem_ = name_ + " cannot be written: " + std::strerror(error) + ".";
     if (error == ENOSPC)
         problem_ = name_ + " cannot be written: no space is left. Free some, or name another file with --out.";
-}
-
-bool TextOutput::isTerminal() const
-{
-    return ::isatty(descriptor_) == 1;
 }
 
 } // namespace kel::host

@@ -31,8 +31,6 @@ public:
     [[nodiscard]] bool failed() const { return !problem_.empty(); }
     [[nodiscard]] const std::string& problem() const { return problem_; }
 
-    [[nodiscard]] bool isTerminal() const;
-
 private:
     void fail(int error);
 

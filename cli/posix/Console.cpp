@@ -2,6 +2,7 @@
 #include "cli/Console.h"
 
 #include "cli/Commands.h"
+#include "host/OutputFile.h"
 
 #include <cerrno>
 #include <csignal>
@@ -61,7 +62,7 @@ std::size_t terminalWidth()
 
 bool errorsAreSeen()
 {
-    return ::isatty(STDERR_FILENO) == 1;
+    return host::isTerminal(STDERR_FILENO);
 }
 
 void clearErrorLine()

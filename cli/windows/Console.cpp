@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "cli/Console.h"
 
+#include "cli/windows/TerminalStream.h"
+#include "host/OutputFile.h"
 #include "platform/windows/WindowsText.h"
 
 #include <array>
@@ -21,9 +23,6 @@ namespace kel {
 namespace {
 
 constexpr std::size_t kUsualWidth = 100;
-
-/// What the console was set to before; it is the user's, and goes on after this program.
-UINT codePageBefore = 0;
 
 std::size_t widthOf(HANDLE console)
 {
@@ -73,21 +72,24 @@ private:
     bool ended_ = false;
 };
 
+std::optional<TerminalStream> output;
+std::optional<TerminalStream> errors;
+
 } // namespace
 
 Console::Console()
 {
-    codePageBefore = ::GetConsoleOutputCP();
-    ::SetConsoleOutputCP(CP_UTF8);
     // A line ends in the same way wherever it goes.
     ::_setmode(_fileno(stdout), _O_BINARY);
     ::_setmode(_fileno(stderr), _O_BINARY);
+    output.emplace(std::cout, STDOUT_FILENO);
+    errors.emplace(std::cerr, STDERR_FILENO);
 }
 
 Console::~Console()
 {
-    if (codePageBefore != 0)
-        ::SetConsoleOutputCP(codePageBefore);
+    errors.reset();
+    output.reset();
 }
 
 /// The run time has them in the user's code page, which does not have every letter.
@@ -117,8 +119,7 @@ void clearErrorLine()
 
 bool errorsAreSeen()
 {
-    DWORD mode = 0;
-    return ::GetConsoleMode(::GetStdHandle(STD_ERROR_HANDLE), &mode) != FALSE;
+    return host::isTerminal(STDERR_FILENO);
 }
 
 std::optional<std::string> typedText(std::chrono::milliseconds atMost)

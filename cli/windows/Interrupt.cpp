@@ -2,14 +2,18 @@
 #include "cli/Interrupt.h"
 
 #include <atomic>
-#include <cstdlib>
+#include <mutex>
 #include <windows.h>
 
 namespace kel {
 
 namespace {
 
-std::atomic<int> interrupts = 0;
+std::atomic<bool> interrupted = false;
+
+// The handler runs in a thread that the system makes for it, and must not find what a note has taken away.
+std::mutex noteMutex;
+bool noted = false;
 InterruptNote::Action interruptAction = nullptr;
 void* interruptContext = nullptr;
 
@@ -20,38 +24,56 @@ bool endsProcess(DWORD event)
     return event == CTRL_CLOSE_EVENT || event == CTRL_LOGOFF_EVENT || event == CTRL_SHUTDOWN_EVENT;
 }
 
-/// Runs in a thread that the system makes for it.
-BOOL WINAPI noteInterrupt(DWORD event)
+/// Whether there is a note, which has it now.
+bool leaveNote(DWORD event)
 {
-    if (interrupts.exchange(1) != 0 && !endsProcess(event))
+    const std::lock_guard lock(noteMutex);
+    if (!noted)
+        return false;
+    if (interrupted.exchange(true) && !endsProcess(event))
         ::ExitProcess(kInterruptedStatus);
     if (interruptAction)
         interruptAction(interruptContext);
+    return true;
+}
+
+BOOL WINAPI noteInterrupt(DWORD event)
+{
+    if (!leaveNote(event))
+        return FALSE;
     // The session ends in order meanwhile, and the process with it; the system waits a few seconds for that.
     if (endsProcess(event))
         ::Sleep(INFINITE);
     return TRUE;
 }
 
+void set(bool noting, InterruptNote::Action action, void* context)
+{
+    const std::lock_guard lock(noteMutex);
+    noted = noting;
+    interruptAction = action;
+    interruptContext = context;
+}
+
 } // namespace
 
 InterruptNote::InterruptNote(Action action, void* context)
 {
-    interrupts = 0;
-    interruptAction = action;
-    interruptContext = context;
-    ::SetConsoleCtrlHandler(&noteInterrupt, TRUE);
+    interrupted = false;
+    set(true, action, context);
+    // It is never taken off again: the system keeps the list of handlers locked while one runs, and this one may not
+    // come back.
+    [[maybe_unused]] static const BOOL handled = ::SetConsoleCtrlHandler(&noteInterrupt, TRUE);
 }
 
 InterruptNote::~InterruptNote()
 {
-    ::SetConsoleCtrlHandler(&noteInterrupt, FALSE);
-    interruptAction = nullptr;
+    set(false, nullptr, nullptr);
 }
 
 bool InterruptNote::came()
 {
-    return interrupts != 0;
+    return interrupted;
 }
 
 } // namespace kel

@@ -44,7 +44,6 @@ TEST(TextOutput, WritesLinesIntoAFileMadeNew)
     EXPECT_TRUE(output.write("two\n"));
     EXPECT_EQ(file.text(), "one\ntwo\n");
     EXPECT_FALSE(output.failed());
-    EXPECT_FALSE(output.isTerminal());
 }
 
 TEST(TextOutput, LineThatFindsNoRoomIsTakenBackAsAWhole)

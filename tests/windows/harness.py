@@ -76,10 +76,10 @@ def version(build=BIN.parent):
 
 
 @contextlib.contextmanager
-def start_program(*arguments, **more):
+def start_program(*arguments, stdin=subprocess.DEVNULL):
     """A program of BIN that runs meanwhile; what it writes is a pipe. The process is the program's own."""
     with subprocess.Popen([*_IN_ROOT, _LOADERS[WIDTH], *map(str, arguments)], cwd=BIN, env=environment(), text=True,
-                          stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, **more) as process:
+                          stdin=stdin, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL) as process:
         try:
             yield process
         finally:

@@ -9,8 +9,8 @@ import subprocess
 import tempfile
 import unittest
 
-from harness import (NOTHING_BEHIND, PATIENCE, READER_PROGRAM, SimulatedReader, WindowsTest, registry_values,
-                     start_program, windows_path, wine)
+from harness import (NOTHING_BEHIND, PATIENCE, READER_PROGRAM, SimulatedReader, WindowsTest, on_the_screen,
+                     registry_values, start_program, windows_path, wine)
 
 COMMAND = "kelreader.exe"
 WRONG_USAGE = 2
@@ -18,11 +18,16 @@ INTERRUPTED = 130
 PORT = 17
 # A machine that is busy takes its time to read a sheet.
 PATIENT = ("--set", "Timeout=600")
+SCAN = ("scan", "--model", 26, "--device", f"COM{PORT}", *PATIENT)
 # A model of each family, but for the VMR138: its fixed pauses are too short for a pseudo-terminal on a busy machine.
 MODELS = (40, 1, 21, 23, 26, 13, 8, 30)
 FORM = {"recognitionMode": "window", "side1Rows": [63], "side1Cols": [48],
         "windows": [{"StartRow": 2, "NumRows": 5, "RowGap": 1, "StartCol": 3, "NumCols": 4, "ColGap": 1, "Page": 1,
                      "Orientation": 1}]}
+
+# The head of the box of a USB reader without its library.
+BOXES = {"English": "Reader Library Missing", "German": "Bibliothek des Leseger\u00e4ts fehlt",
+         "French": "Biblioth\u00e8que du lecteur manquante", "Spanish": "Falta la biblioteca del lector"}
 
 
 def here(*arguments, status=0):
@@ -103,12 +108,18 @@ class Command(WindowsTest):
         self.assertIn(f"(COM{NOTHING_BEHIND}) is not there", answer)
 
     def test_a_box_of_a_procedure_goes_to_standard_error_in_the_language_that_was_asked_for(self):
-        for language, title in (("English", "Reader Library Missing"), ("German", "Bibliothek des Leseger\u00e4ts fehlt"),
-                                ("French", "Biblioth\u00e8que du lecteur manquante"),
-                                ("Spanish", "Falta la biblioteca del lector")):
+        for language, title in BOXES.items():
             with self.subTest(language):
                 answer = self.there("scan", "--model", 30, "--max-sheets", 1, f"/L={language}", status=1)
                 self.assertRegex(answer, f"{title}: .*OMRAPI\\.DLL")
+
+    def test_a_console_shows_every_letter_and_keeps_its_code_page(self):
+        for language, title in BOXES.items():
+            with self.subTest(language), on_the_screen():
+                command = (COMMAND, "scan", "--model", 30, "--max-sheets", 1, f"/L={language}")
+                shown = self.run_program("in_console.exe", 80, " ".join(map(str, command)), status=1)
+                self.assertEqual(shown.splitlines()[0], "code page 437")
+                self.assertIn(f"{title}: ", shown)
 
     def test_keeps_settings_in_the_registry(self):
         key = r"HKCU\Software\KELReader81U tests\Command"
@@ -144,15 +155,26 @@ class Command(WindowsTest):
                 self.assertIn(sentence, self.there(*arguments, status=WRONG_USAGE))
         self.assertEqual(self.there("simulate", "--list-faults"), here("simulate", "--list-faults"))
 
-    def test_control_c_ends_a_scan_in_order(self):
-        with start_program(COMMAND, "scan", "--simulate", "--model", 21, "--count", 1000, *PATIENT) as scan:
+    def stop_after_a_sheet(self, stop, *arguments, **more):
+        """Stops a scan that runs; what it still writes, how it ends, and what the reader has seen of it."""
+        with SimulatedReader(26, port=PORT, count=1000) as reader, start_program(*arguments, **more) as scan:
             while '"event":"sheet"' not in scan.stdout.readline():
                 self.assertIsNone(scan.poll())
-            scan.send_signal(signal.SIGINT)
-            rest = scan.stdout.read()
+            stop(scan)
+            end = json.loads(scan.stdout.read().splitlines()[-1])
             self.assertEqual(scan.wait(PATIENCE), INTERRUPTED)
-        end = json.loads(rest.splitlines()[-1])
         self.assertEqual((end["event"], end["cancelScan"]), ("end", True))
+        self.assertNotIn("fault", [event["event"] for event in reader.events])
+        self.assertEqual(reader.events[-1]["event"], "ejected")
+
+    def test_control_c_ends_a_scan_in_order(self):
+        self.stop_after_a_sheet(lambda scan: scan.send_signal(signal.SIGINT), COMMAND, *SCAN)
+
+    def test_a_console_that_is_closed_ends_a_scan_in_order(self):
+        def close(scan):
+            scan.stdin.write("\n")
+            scan.stdin.flush()
+        self.stop_after_a_sheet(close, "close_console.exe", " ".join(map(str, (COMMAND, *SCAN))), stdin=subprocess.PIPE)
 
 
 if __name__ == "__main__":
