@@ -22,7 +22,6 @@ class BothWidths(WindowsTest):
         self.folder = pathlib.Path(tempfile.mkdtemp())
         self.addCleanup(shutil.rmtree, self.folder)
         self.enterContext(machine_wide())
-        self.who_creates()  # script hosts register what they are made of at their first start
 
     def creates(self, width):
         """Whether a script host of a width can create a reader."""

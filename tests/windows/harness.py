@@ -98,9 +98,9 @@ def start_server():
                      start_new_session=True, **_NO_STREAMS)
 
 
-def stop_server():
+def stop_server(env=None):
     for option in ("-k", "-w"):
-        subprocess.run([*_IN_ROOT, _WINESERVER, option], env=environment(), check=False, **_NO_STREAMS)
+        subprocess.run([*_IN_ROOT, _WINESERVER, option], env=env or environment(), check=False, **_NO_STREAMS)
 
 
 def start_display():
@@ -124,17 +124,41 @@ def make_prefix():
     if PREFIX.exists():
         stop_server()
         shutil.rmtree(PREFIX)
-    PREFIX.parent.mkdir(parents=True, exist_ok=True)
-    wine("wineboot", "--init", cwd="/", timeout=PATIENCE)
+    shutil.copytree(_untouched_prefix(), PREFIX, symlinks=True, copy_function=_linked_or_copied)
     PORTS.mkdir()
     (PORTS / "file").write_text("no serial device")
-    keys = ["REGEDIT4", "", r"[HKEY_LOCAL_MACHINE\Software\Wine\Ports]"]
-    keys += [f'"COM{number}"="{port_link(number)}"' for number in range(1, 18)]
-    file = PREFIX / "prefix.reg"
-    file.write_text("\r\n".join(keys) + "\r\n")
-    wine("regedit", "/S", file, check=True)
-    # The key is read at the start.
-    stop_server()
+    ports = [f'"COM{number}"="{port_link(number)}"' for number in range(1, 18)]
+    with open(PREFIX / "system.reg", "a", encoding="utf-8") as registry:
+        registry.write("\n".join(["", r"[Software\\Wine\\Ports]", *ports, ""]))
+
+
+def _untouched_prefix():
+    """A prefix as Wine makes it, which takes a while; made once for all that lie beside it."""
+    prefix = PREFIX.with_name("untouched_prefix")
+    with open(prefix.with_suffix(".lock"), "w") as lock:
+        fcntl.flock(lock, fcntl.LOCK_EX)
+        if not (prefix / "made").exists():
+            shutil.rmtree(prefix, ignore_errors=True)
+            env = environment(WINEPREFIX=str(prefix))
+            wine("wineboot", "--init", cwd="/", env=env, check=True)
+            # Script hosts register what they are made of at their first start.
+            script = prefix / "nothing.vbs"
+            script.write_text("WScript.Quit 0\n")
+            for width in _LOADERS:
+                with contextlib.suppress(FileNotFoundError):  # this Wine has one width
+                    wine("cscript", "//nologo", windows_path(script), cwd="/",
+                         env=environment(width, WINEPREFIX=str(prefix)), width=width)
+            stop_server(env)
+            (prefix / "made").touch()
+    return prefix
+
+
+def _linked_or_copied(source, copy):
+    """The system's libraries and programs, which nobody changes, take no room and no time."""
+    if pathlib.Path(source).suffix in (".dll", ".exe", ".drv", ".sys", ".ttf"):
+        os.link(source, copy)
+    else:
+        shutil.copy2(source, copy)
 
 
 def port_link(number):
