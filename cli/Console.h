@@ -13,7 +13,7 @@ namespace kel {
 class Console {
 public:
     Console();
-    ~Console();
+    ~Console(); // NOLINT(performance-trivially-destructible): not on every system
     Console(const Console&) = delete;
     Console& operator=(const Console&) = delete;
 };

@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <limits>
-#include <utility>
 
 namespace kel {
 
@@ -42,18 +41,16 @@ void ReceivedInput::characterTime(Moment time)
 
 bool ReceivedInput::mayBeOld() const noexcept
 {
-    return old_ || time() - lastLook_ > lookLasts_;
+    return known_ == Known::Outdated || time() - lastLook_ > lookLasts_;
 }
 
 /// A look that found nothing is not repeated after a turn of the pump that took no time. And what the pump has just
 /// fetched was all there was: the caller that has taken it finds nothing more, once, without a look.
 bool ReceivedInput::nothingCanHaveCome() noexcept
 {
-    const bool turnBehindVainLook = std::exchange(turnBehindVainLook_, false);
-    const bool emptied = std::exchange(emptied_, false);
-    if ((!turnBehindVainLook && !emptied) || old_ || time() - lastLook_ > kShortestLook)
+    if ((known_ != Known::Turned && known_ != Known::Emptied) || time() - lastLook_ > kShortestLook)
         return false;
-    lookedInVain_ = true;
+    known_ = Known::Vain;
     return true;
 }
 
@@ -62,7 +59,7 @@ Int32 ReceivedInput::count()
     if (waiting() == 0 ? !nothingCanHaveCome() : mayBeOld())
         look();
     failIfEndless();
-    untold_ = false;
+    news_ = News::None;
     if (hungUp_) {
         if (waiting() == 0)
             failHungUp();
@@ -84,7 +81,7 @@ std::string ReceivedInput::take(Int32 most)
     if (waiting() == 0 || (waiting() < wanted && mayBeOld()))
         look();
     failIfEndless();
-    untold_ = false;
+    news_ = News::None;
     if (waiting() == 0 && hungUp_)
         failHungUp();
     const std::size_t count = std::min(wanted, waiting());
@@ -109,9 +106,10 @@ void ReceivedInput::look()
     Fetched last;
     for (bool more = true; more && canBringMore(); more = last.more)
         last = readOnce();
-    old_ = last.more;
-    emptied_ = false;
-    lookedInVain_ = waiting() == before && !hungUp_;
+    if (last.more)
+        known_ = Known::Outdated;
+    else
+        known_ = waiting() == before && !hungUp_ ? Known::Vain : Known::Looked;
     lastLook_ = time();
 }
 
@@ -127,14 +125,13 @@ void ReceivedInput::fetch(bool hangUpSignalled)
     }
     if (hangUpSignalled)
         hungUp_ = true;
-    old_ = last.more;
-    emptied_ = last.count > 0 && !last.more;
-    lookedInVain_ = false;
+    if (last.more)
+        known_ = Known::Outdated;
+    else
+        known_ = last.count > 0 ? Known::Emptied : Known::Looked;
     lastLook_ = time();
-    if (waiting() > before) {
-        untold_ = true;
-        offered_ = false;
-    }
+    if (waiting() > before)
+        news_ = News::Fresh;
 }
 
 ReceivedInput::Fetched ReceivedInput::readOnce()
@@ -181,15 +178,18 @@ void ReceivedInput::failIfEndless() const
 void ReceivedInput::turnEnds() noexcept
 {
     busyInTurn_ = false;
-    turnBehindVainLook_ = std::exchange(lookedInVain_, false);
-    offered_ = true;
+    if (known_ == Known::Vain)
+        known_ = Known::Turned;
+    else if (known_ == Known::Turned)
+        known_ = Known::Looked;
+    if (news_ == News::Fresh)
+        news_ = News::Offered;
     timePassed_ = true;
 }
 
 void ReceivedInput::timePasses() noexcept
 {
-    old_ = true;
-    emptied_ = false;
+    known_ = Known::Outdated;
     timePassed_ = true;
     busyInTurn_ = true;
 }

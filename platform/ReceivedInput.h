@@ -44,8 +44,7 @@ public:
     /// Bytes have been sent, so that an answer may have come.
     void answerMayCome() noexcept
     {
-        old_ = true;
-        emptied_ = false;
+        known_ = Known::Outdated;
         busyInTurn_ = true;
         streamed_ = 0;
     }
@@ -63,17 +62,17 @@ public:
     /// Whether the line can bring more: it is connected, and there is room.
     [[nodiscard]] bool canBringMore() const noexcept { return !hungUp_ && waiting() < kRoom; }
 
-    /// Fetches all that has arrived, behind the caller's back. `hangUpSignalled` tells that the system has marked the
-    /// line as hung up.
+    /// Fetches all that has arrived without the caller's knowing. `hangUpSignalled`: the system has marked the line as
+    /// hung up.
     void fetch(bool hangUpSignalled = false);
 
     /// Whether something waits that the caller has not been told yet.
-    [[nodiscard]] bool untold() const noexcept { return untold_; }
+    [[nodiscard]] bool untold() const noexcept { return news_ != News::None; }
 
     /// Whether the caller is not to be kept: since the pump last returned it has taken or sent something, or has been
     /// told of more than before; or something waits that is news to it. So a caller that pauses whenever nothing waits
     /// gets to its pause, and one that yields between asking and taking is not held up.
-    [[nodiscard]] bool inviting() const noexcept { return busyInTurn_ || (waiting() > 0 && untold_ && !offered_); }
+    [[nodiscard]] bool inviting() const noexcept { return busyInTurn_ || (waiting() > 0 && news_ == News::Fresh); }
 
     /// The pump gives the thread back to the caller.
     void turnEnds() noexcept;
@@ -120,6 +119,22 @@ protected:
 private:
     static constexpr int kLooksAtDeadLine = 3;
 
+    /// What is known of the line, beside when it was last looked at.
+    ///
+    ///     state      comes with                              for a caller that has taken everything
+    ///     Outdated   an output, a pause, a read that left    the line is looked at
+    ///                some for lack of room
+    ///     Looked     a look or a fetch, and in place of      the line is looked at
+    ///                Turned with the next turn
+    ///     Vain       a look that found nothing               the line is looked at
+    ///     Turned     a turn of the pump after Vain           nothing has come, once, if no time has passed:
+    ///     Emptied    a fetch that took all there was             then the state is Vain
+    enum class Known { Outdated, Looked, Vain, Turned, Emptied };
+
+    /// What the pump has fetched and the caller has not asked about. `fetch` makes it Fresh, a turn of the pump that
+    /// ends makes that Offered, and the caller that asks or takes makes both None.
+    enum class News { None, Fresh, Offered };
+
     [[nodiscard]] std::size_t waiting() const noexcept { return buffer_.size() - taken_; }
     [[nodiscard]] bool mayBeOld() const noexcept;
     [[nodiscard]] bool nothingCanHaveCome() noexcept;
@@ -133,14 +148,10 @@ private:
     Moment lastLook_{};
     std::string buffer_;
     std::size_t taken_ = 0;
-    bool old_ = false;          // what is known of the line may be outdated
-    bool untold_ = false;       // bytes came behind the caller's back, and it has not asked since
-    bool offered_ = false;      // the pump has returned because of them
-    std::size_t told_ = 0;      // how many bytes wait, as the caller knows
-    bool busyInTurn_ = false;   // the caller has taken or sent bytes since the pump last returned, or was told of more
-    bool emptied_ = false;      // the pump's last fetch emptied the line, and the caller has not looked since
-    bool lookedInVain_ = false; // the last look, in this turn, found nothing
-    bool turnBehindVainLook_ = false;
+    Known known_ = Known::Looked;
+    News news_ = News::None;
+    std::size_t told_ = 0;    // how many bytes wait, as the caller knows
+    bool busyInTurn_ = false; // the caller has taken or sent bytes since the pump last returned, or was told of more
     bool hungUp_ = false;
     int vainLooks_ = 0; // at a dead line, without taking anything
     bool timePassed_ = false;

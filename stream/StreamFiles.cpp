@@ -71,7 +71,8 @@ std::string exposureOf(const std::filesystem::path& file)
     struct stat facts {};
     if (file.empty() || ::stat(file.c_str(), &facts) != 0 || (facts.st_mode & S_IRWXO) == 0)
         return {};
-    return "The file " + file.string() + " is a secret that everybody may read; use 'chmod o= " + file.string() + "'.";
+    return "The file " + file.string() + " is secret, but every user may read it; use 'chmod o= " + file.string() +
+           "'.";
 }
 
 std::string faultOf(const StreamAddress& address)
@@ -88,11 +89,11 @@ std::string faultOf(const StreamAddress& address)
         return "The text '" + address.subject + "' cannot begin a subject; use letters and digits, with dots between.";
     for (const std::filesystem::path& file :
          {address.authority, address.certificate, address.key, address.credentials}) {
-        if (const std::string fault = unreadable(file); !fault.empty())
+        if (std::string fault = unreadable(file); !fault.empty())
             return fault;
     }
     for (const std::filesystem::path& file : {address.key, address.credentials}) {
-        if (const std::string fault = exposureOf(file); !fault.empty())
+        if (std::string fault = exposureOf(file); !fault.empty())
             return fault;
     }
     return incompletenessOf(address.credentials);

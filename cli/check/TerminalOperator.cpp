@@ -47,8 +47,9 @@ std::string TerminalOperator::readLine()
         }
         const std::optional<std::string> typed = typedText(kLook);
         if (typed && typed->empty())
-            throw host::UsageError("Nobody is there to answer; say --yes when the sheets lie in the feeder, and leave "
-                                   "--interactive out.");
+            throw host::UsageError(
+                "There is nobody to answer: standard input has ended. Put the sheets in the feeder and use "
+                "--yes in place of --interactive.");
         typed_ += typed.value_or("");
     }
 }

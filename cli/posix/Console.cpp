@@ -28,10 +28,11 @@ void holdStandardStreams()
     }
 }
 
-/// The system ends a process without a word that computes for longer than it may (ulimit -t).
+/// A process that exceeds its processor time (ulimit -t) is otherwise ended by the system without a word.
 void endOutOfTime(int)
 {
-    constexpr std::string_view kText = "kelreader: The processor time that this process may use (ulimit -t) is over.\n";
+    constexpr std::string_view kText =
+        "kelreader: The limit on processor time (ulimit -t) has been reached; raise it and start again.\n";
     [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, kText.data(), kText.size());
     ::_exit(kFailedStatus);
 }

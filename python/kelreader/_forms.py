@@ -7,14 +7,14 @@ import os
 from . import _core
 
 BLANK = "-"
-"""The value of a field without a mark, where its form says no other."""
+"""The value of a field without a mark, unless its form gives another."""
 DOUBLE_MARK = "*"
 """The value of a field with several marks."""
 
 
 def form(source):
-    """A form: from a form file, or of what would stand in one as a dict. A Form is given back as it is. UsageError, one
-    sentence with the place, for what does not fit."""
+    """Makes a Form from a form file, or from a dict with the content of one. A Form is returned unchanged. Raises
+    UsageError for a fault, in one sentence with its place."""
     if isinstance(source, _core.Form):
         return source
     if isinstance(source, dict):

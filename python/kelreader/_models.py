@@ -18,14 +18,14 @@ class FlowControl(enum.IntEnum):
 
 
 class RecognitionMode(enum.IntEnum):
-    """What is read of a sheet."""
+    """Which parts of a sheet are read."""
 
     PAGE = 1
     WINDOW = 2
 
 
 def _spelling(name):
-    """A name of the catalogue in Python's spelling: RecognitionThreshold is recognition_threshold."""
+    """Converts a name of the catalogue to Python's spelling: RecognitionThreshold becomes recognition_threshold."""
     return re.sub(r"(?<=[a-z])(?=[A-Z])", "_", name.replace("TimeOut", "Timeout")).lower()
 
 
@@ -34,12 +34,12 @@ Model.__doc__ = "What a model can do, with its defaults: the catalogue's record.
 
 
 def models(maker=None):
-    """The models, in the order of the catalogue; of one maker: "apperson", "chatsworth", "pdi", "scantron" or
-    "sekonic"."""
+    """Returns the models in the order of the catalogue; with a maker, "apperson", "chatsworth", "pdi", "scantron" or
+    "sekonic", only that maker's."""
     return [Model(*(value for _, value in record)) for record in _core.models(maker or "")]
 
 
 def model(name):
-    """A model, by its number, its name, or a part of a name that only one model has."""
+    """Returns a model by its number, its name, or a part of a name that only one model has."""
     number = _core.model_number(str(name))
     return next(model for model in models() if model.reader_type == number)

@@ -23,8 +23,8 @@ def _property(name):
 class Reader(Sheets):
     """An optical mark reader.
 
-    Looping over it reads a batch: the loop starts the reader, each turn reads a sheet, and the reader is ended in order
-    when the feeder is empty, when the loop is left, and on an exception. While the body of the loop runs, the sheet is
+    A loop over it reads a batch: it starts the reader, reads a sheet in each pass, and ends the session in order when
+    the feeder is empty, when the loop is left, and on an exception. While the body of the loop runs, the sheet is
     in the reader and may be rejected or printed on.
 
     model: number, name, or a part of a name that only one model has.
@@ -88,8 +88,8 @@ class Reader(Sheets):
                 setattr(self, name, value)
 
     def read(self, on_sheet):
-        """Reads a batch and calls `on_sheet` with each sheet; False ends the batch, and what it raises does too. Gives
-        the number of sheets."""
+        """Reads a batch and calls `on_sheet` with each sheet. The batch ends when it returns False or raises.
+        Returns the number of sheets."""
         count = 0
         for sheet in self:
             count += 1
@@ -98,24 +98,25 @@ class Reader(Sheets):
         return count
 
     def load(self, key):
-        """Takes the settings that are kept under a key. ReaderError if one of them does not fit."""
+        """Loads the settings saved under a key. Raises ReaderError if one of them is out of range."""
         done, records = self._core.load(key)
         self._judge(done, records)
 
     def save(self, key):
-        """Keeps the settings under a key."""
+        """Saves the settings under a key."""
         done, records = self._core.save(key)
         self._judge(done, records)
 
     def locate(self, start_port=0):
-        """Searches the ports for the reader, first `start_port` if it is above 0. The port that answers becomes `port`
-        and is the result; None if none answers. ReaderError if the search was ended by a report."""
+        """Searches the ports for the reader, `start_port` first if it is above 0. Returns the port that answers, which
+        becomes `port`, or None. Raises ReaderError if a report ended the search."""
         found, records = self._core.locate(start_port)
         self._judge(found is not None, records)
         return found
 
     def firmware(self):
-        """The version of the reader's firmware; None where it tells none. ReaderError if a report has ended it."""
+        """Returns the version of the reader's firmware, or None if the reader has none to report. Raises ReaderError
+        if a report ended the query."""
         version, records = self._core.firmware()
         self._judge(version is not None, records)
         return version
@@ -128,7 +129,7 @@ class Reader(Sheets):
 
     @property
     def raw(self):
-        """The published object, by its own names, for what has no name here: Printer, Side1Rows, HelpFile ..."""
+        """The published object under its own names, for members without one here: Printer, Side1Rows, HelpFile ..."""
         return _core.RawReader(self._core)
 
     def __repr__(self):
@@ -136,7 +137,7 @@ class Reader(Sheets):
 
 
 def _signature():
-    """Of Reader, with the settings by their names."""
+    """The signature of Reader, with the settings as arguments."""
     known = inspect.signature(Reader.__init__)
     own = [known.parameters[name] for name in known.parameters if name not in ("_simulated", "properties", "port")]
     settings = [inspect.Parameter(name, inspect.Parameter.KEYWORD_ONLY, default=None) for name in SETTINGS]

@@ -10,14 +10,14 @@ from ._sheets import Sheets
 
 
 def replay(file, *, form=None):
-    """A session that was recorded with trace=, to be held once more, without a reader and without its waits.
+    """Replays a session that was recorded with trace=, without a reader and without its pauses.
 
         with kelreader.replay("session.trace") as session:
             for sheet in session:
                 ...
         assert not session.differences
 
-    form: in the place of the recorded one.
+    form: replaces the recorded one.
     """
     try:
         text = Path(file).read_text(encoding="utf-8")
@@ -36,7 +36,7 @@ class Replay(Sheets):
         self._left = None
 
     def close(self):
-        """Ends the replay. `differences` and `unsent` stay."""
+        """Ends the replay. `differences` and `unsent` remain available."""
         if self._core.is_open:
             self._core.end()
             self._left = self._core.differences, self._core.unsent
@@ -44,10 +44,10 @@ class Replay(Sheets):
 
     @property
     def differences(self):
-        """Where the session has left its transcript, a sentence each."""
+        """Where the session differs from its transcript, one sentence each."""
         return self._left[0] if self._left else self._core.differences
 
     @property
     def unsent(self):
-        """The first line that should have been sent and was not; empty if there is none."""
+        """The first output of the transcript that was not sent; empty if there is none."""
         return self._left[1] if self._left else self._core.unsent

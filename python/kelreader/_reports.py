@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""Reports: what a reader has to say when something goes wrong."""
+"""Reports of failures."""
 
 import enum
 import warnings
@@ -7,7 +7,7 @@ from dataclasses import dataclass, fields
 
 
 class ReportType(enum.IntEnum):
-    """What kind of failure a report tells."""
+    """The kind of failure."""
 
     RUN_TIME = 0
     """A statement failed."""
@@ -19,42 +19,42 @@ class ReportType(enum.IntEnum):
 
 @dataclass(frozen=True)
 class Report:
-    """A report of a reader, with the advice of the pages for operators."""
+    """A report of a failure, with the advice from the operators' pages."""
 
     number: int
     """The number of the failure, or the reader's own code; 0 if there is none."""
     type: ReportType
-    """What kind of failure it is."""
+    """The kind of failure."""
     title: str
-    """What was being done; empty for failures of a statement."""
+    """The operation that failed; empty for failures of a statement."""
     source: str
-    """The procedure that reports."""
+    """The procedure that made the report."""
     description: str
     """What went wrong."""
     line: int
     """The number of the failing statement, or 0."""
     port: int
-    """The port that it is about, or 0."""
+    """The port concerned, or 0."""
     device: str
-    """What this port stands for."""
+    """The device assigned to this port."""
     cause: str
-    """What brings it about, as the operator's page says; may be empty."""
+    """The usual cause, from the operators' page; may be empty."""
     remedy: str
-    """What to do, as the operator's page says; may be empty."""
+    """What to do, from the operators' page; may be empty."""
     sentence: str
-    """All in one line, for a person."""
+    """The report in one line."""
 
     def __str__(self):
         return self.sentence
 
 
 def reports(records):
-    """The reports of the reader's own records."""
+    """Makes reports of the module's records."""
     return [Report(**{**record, "type": ReportType(record["type"])}) for record in records]
 
 
 class ReaderError(Exception):
-    """A report has ended a start or a read, a search or a question. Its attributes are those of the first report;
+    """Raised when a report ends a start, a read, a search or a query. Its attributes are those of the first report;
     `reports` has all of them."""
 
     def __init__(self, reports):
@@ -73,7 +73,7 @@ class ReaderError(Exception):
 
 
 class ReaderWarning(UserWarning):
-    """A report that has ended nothing, as `report`."""
+    """Warns of a report that ended nothing; the report is `report`."""
 
     def __init__(self, report):
         super().__init__(report.sentence)
@@ -81,6 +81,6 @@ class ReaderWarning(UserWarning):
 
 
 def warn(records, stacklevel):
-    """Makes warnings of reports; `stacklevel` counts from the caller."""
+    """Issues reports as warnings; `stacklevel` counts from the caller."""
     for report in reports(records):
         warnings.warn(ReaderWarning(report), stacklevel=stacklevel + 1)

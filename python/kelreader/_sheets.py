@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""What a reader and a replay have in common: the sheets of a batch, and an end in order."""
+"""What readers and replays share: the sheets of a batch, and an orderly end."""
 
 import atexit
 import weakref
@@ -16,7 +16,7 @@ def _close_all():
 
 
 class Sheets:
-    """A source of sheets: a range to be looped over, and a context manager that ends it."""
+    """A source of sheets: an iterable, and a context manager that ends it."""
 
     def __init__(self, core):
         self._core = core
@@ -29,12 +29,12 @@ class Sheets:
         self.close()
 
     def close(self):
-        """Ends the batch in order, if there is one, and everything else. To be called once more does no harm."""
+        """Ends the batch in order, if there is one, and releases the line. Further calls have no effect."""
         self._core.close()
         _open.discard(self)
 
     def stop(self):
-        """Has the batch end after the sheet at hand. The one method that any thread may call."""
+        """Ends the batch after the current sheet. The only method that any thread may call."""
         self._core.stop()
 
     def __iter__(self):

@@ -14,8 +14,8 @@ def simulate(model, sheets=None, *, form=None, seed=1, count=10, faults=(), opti
     """A simulated reader, as a context manager.
 
     sheets: what is in its feeder: a file of sheets, or a list whose elements are the marks of a side as a table of
-        numbers, or dicts {"side1": ..., "side2": ..., "barcodes": [...], "fields": {...}}. Without it `count` sheets
-        are made up, the same ones for the same `seed`.
+        numbers, or dicts {"side1": ..., "side2": ..., "barcodes": [...], "fields": {...}}. Without it `count` random
+        sheets are generated; the same `seed` gives the same sheets.
     form: the form that it is set up for; without it one page of the size of the largest sheet.
     faults: what goes wrong, such as "jam@sheet=3"; `kelreader simulate --list-faults` has more.
     options: of the model, as "NAME=VALUE".
@@ -29,7 +29,7 @@ def simulate(model, sheets=None, *, form=None, seed=1, count=10, faults=(), opti
 
 
 def _plain(value):
-    """An array or a number of NumPy as JSON has it."""
+    """Converts a NumPy array or number to what JSON can hold."""
     return value.tolist()
 
 
@@ -39,7 +39,7 @@ class Simulated:
     def __init__(self, model, sheets, form, seed, count, faults, options, wire_speed):
         self.model = _core.model_number(str(model))
         self.errors = []
-        """What was done wrongly to it, a sentence each; known at its end."""
+        """Errors in what the host sent, one sentence each; complete once it has ended."""
         self._made = None
         self._device = None
         self._arguments = {"seed": seed, "faults": list(faults), "options": list(options), "wire_speed": wire_speed}
@@ -81,7 +81,7 @@ class Simulated:
 
     @property
     def device(self):
-        """The device at the end of its line; None for a USB model, which is reached by reader() alone."""
+        """The device of its line; None for a USB model, which only reader() can reach."""
         return self._device.device if self._device else None
 
     @property

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""Tables: a row a sheet."""
+"""Tables with one row per sheet."""
 
 from ._forms import form as form_of
 
@@ -15,7 +15,7 @@ def rows(sheets, form):
 
 
 def frame(sheets, form):
-    """The same as a data frame of pandas."""
+    """Returns the same as a pandas data frame."""
     try:
         import pandas  # type: ignore[import]
     except ImportError:

@@ -95,9 +95,9 @@ NatsConnection::NatsConnection(const StreamAddress& address)
     std::string list;
     for (const std::string& reason : reasons)
         list += (list.empty() ? "" : ", ") + reason;
-    throw StreamProblem(isRefused ? "The servers of the stream refuse this side (" + list +
-                                        "). Are the credentials, or name and password, those of these servers, and do "
-                                        "they still hold?"
+    throw StreamProblem(isRefused ? "The stream's servers refuse the connection (" + list +
+                                        "). Check the credentials, or the name and password, and whether they "
+                                        "have expired."
                                   : "No server of the stream can be reached (" + list +
                                         "). Are they running, and can this machine reach them?");
 }

@@ -42,7 +42,7 @@ struct Refusal {
 std::optional<Refusal> refusalIn(natsMsg* answer)
 {
     if (natsMsg_IsNoResponders(answer))
-        return Refusal{.reason = "no stream takes its subject now"};
+        return Refusal{.reason = "no stream accepts its subject at present"};
     const std::string_view text(natsMsg_GetData(answer), static_cast<std::size_t>(natsMsg_GetDataLength(answer)));
     const auto json = nlohmann::json::parse(text, nullptr, false);
     if (!json.is_object() || !(json.contains("error") ? json["error"].is_object() : json.contains("seq")))
@@ -50,8 +50,7 @@ std::optional<Refusal> refusalIn(natsMsg* answer)
     if (!json.contains("error"))
         return std::nullopt;
     const auto& error = json["error"];
-    return Refusal{.reason = error.value("description", "for no reason that was given"),
-                   .code = error.value("err_code", 0)};
+    return Refusal{.reason = error.value("description", "no reason given"), .code = error.value("err_code", 0)};
 }
 
 } // namespace
@@ -81,7 +80,7 @@ void NatsPublisher::makeStream(const StreamAddress& address)
     if (status == NATS_OK)
         return;
     if (status != NATS_NOT_FOUND)
-        connection_.fail("The servers say nothing of the stream " + stream_, status);
+        connection_.fail("The servers do not report on the stream " + stream_, status);
     jsStreamConfig config;
     jsStreamConfig_Init(&config);
     const std::string subjects = address.subject + ".>";
@@ -97,7 +96,7 @@ void NatsPublisher::makeStream(const StreamAddress& address)
     status = fill(
         info, [&](jsStreamInfo** made) { return js_AddStream(made, connection_.stream(), &config, nullptr, &code); });
     if (status != NATS_OK && code != JSStreamNameExistErr)
-        connection_.fail("The stream " + stream_ + " cannot be made", status);
+        connection_.fail("The stream " + stream_ + " cannot be created", status);
 }
 
 void NatsPublisher::send(const StreamMessage& message, std::int64_t ticket)
@@ -108,7 +107,7 @@ void NatsPublisher::send(const StreamMessage& message, std::int64_t ticket)
         // The server would end the connection.
         tooLarge_.push_back({.ticket = ticket,
                              .refusal = "it has " + std::to_string(size) +
-                                        " bytes as a message, and the servers take " + std::to_string(most) +
+                                        " bytes as a message, but the servers accept at most " + std::to_string(most) +
                                         "; raise max_payload in their configuration"});
         return;
     }
@@ -152,9 +151,9 @@ std::optional<StreamAnswer> NatsPublisher::answer(std::chrono::milliseconds pati
         throw StreamProblem("The stream " + stream_ + " is full (" + refusal->reason +
                             "); make room on its servers' disks, or raise its limits.");
     if (!refusal->isForSize())
-        throw StreamProblem("The stream " + stream_ + " takes no message: " + refusal->reason + ".");
+        throw StreamProblem("The stream " + stream_ + " accepts no messages: " + refusal->reason + ".");
     return StreamAnswer{.ticket = ticketOf(message.get()),
-                        .refusal = "the stream takes no message as large; raise its max_msg_size"};
+                        .refusal = "the stream does not accept messages this large; raise its max_msg_size"};
 }
 
 std::int64_t NatsPublisher::ticketOf(natsMsg* reply) const

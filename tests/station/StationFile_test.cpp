@@ -23,9 +23,9 @@ using testing::UnorderedElementsAreArray;
 TEST(Pauses, GrowToTheLongestAndBeginAnew)
 {
     Pauses pauses(1s, 5s);
-    std::vector<Pauses::Time> taken;
-    for (int i = 0; i < 5; ++i)
-        taken.push_back(pauses.next());
+    std::array<Pauses::Time, 5> taken{};
+    for (Pauses::Time& pause : taken)
+        pause = pauses.next();
     EXPECT_THAT(taken, ElementsAre(1s, 2s, 4s, 5s, 5s));
     pauses.reset();
     EXPECT_EQ(pauses.next(), 1s);
@@ -86,7 +86,7 @@ TEST_F(AStationFile, SaysWhereTheSheetsGo)
     // A file that names secrets is one.
     EXPECT_THAT(read(secure).faults,
                 ElementsAre(HasSubstr("stream cannot be used: The file " + folder_.file("station.json") +
-                                      " is a secret that everybody may read")));
+                                      " is secret, but every user may read it")));
     std::filesystem::permissions(folder_.file("station.json"), std::filesystem::perms(0640));
     const StationFile file = readStationFile(folder_.file("station.json"));
     EXPECT_THAT(file.faults, IsEmpty());
@@ -102,10 +102,10 @@ TEST_F(AStationFile, SaysWhereTheSheetsGo)
 
     std::filesystem::permissions(folder_.file("key.pem"), std::filesystem::perms(0644));
     EXPECT_THAT(readStationFile(folder_.file("station.json")).faults,
-                ElementsAre(HasSubstr("key.pem is a secret that everybody may read")));
+                ElementsAre(HasSubstr("key.pem is secret, but every user may read it")));
     std::filesystem::remove(folder_.file("station.json"));
     EXPECT_THAT(read(text(R"({"servers": ["nats://me:secret@a:4222"]})")).faults,
-                ElementsAre(HasSubstr("is a secret that everybody may read")));
+                ElementsAre(HasSubstr("is secret, but every user may read it")));
     EXPECT_THAT(read(text(R"({"servers": []})")).faults, ElementsAre(HasSubstr("The stream has no server")));
     EXPECT_THAT(read(text(R"({"servers": ["http://a"]})")).faults,
                 ElementsAre(HasSubstr("'http://a' is not a server")));

@@ -292,7 +292,7 @@ class StreamsTest(unittest.TestCase):
 
         (self.folder / "client.key").chmod(0o644)
         refused = self.command(*collect)
-        refused.says("is a secret that everybody may read")
+        refused.says("is secret, but every user may read it")
         self.assertEqual(refused.process.wait(PATIENCE), 2)
 
     def test_credentials_say_who_somebody_is(self):
@@ -307,8 +307,8 @@ class StreamsTest(unittest.TestCase):
                               ("too old", ["--credentials", authority.credentials("old", exp=1_000_000_000)])):
             with self.subTest(name):
                 command = self.command(*collect, *refused)
-                command.says("The servers of the stream refuse this side (nats://127.0.0.1:")
-                command.says("Authorization Violation). Are the credentials")
+                command.says("The stream's servers refuse the connection (nats://127.0.0.1:")
+                command.says("Authorization Violation). Check the credentials")
                 self.assertEqual(command.end(), 130)
 
         collector = self.command(*collect, "--credentials", good)
@@ -320,7 +320,7 @@ class StreamsTest(unittest.TestCase):
         claim, seed = good.read_text(encoding="ascii").split("-----BEGIN USER NKEY SEED-----")
         for text, mode, sentence in ((claim, 0o640, 'holds no credentials: it has no line "-----BEGIN USER NKEY SEED-----"'),
                                      (seed, 0o640, 'it has no line "-----BEGIN NATS USER JWT-----"'),
-                                     (good.read_text(encoding="ascii"), 0o644, "is a secret that everybody may read")):
+                                     (good.read_text(encoding="ascii"), 0o644, "is secret, but every user may read it")):
             file = self.folder / "half.creds"
             file.write_text(text, encoding="ascii")
             file.chmod(mode)
@@ -376,7 +376,7 @@ class StreamsTest(unittest.TestCase):
         self.assertEqual((station.end(), collector.end()), (0, 130))
         said = "".join(station.lines)
         self.assertEqual(said.count("does not go into the stream"), 1, said)
-        self.assertIn(f" bytes as a message, and the servers take {largest}; raise max_payload in their configuration. "
+        self.assertIn(f" bytes as a message, but the servers accept at most {largest}; raise max_payload in their configuration. "
                       "The store keeps it, and the others are sent.", said)
 
     def test_a_stream_may_limit_the_size_of_its_messages(self):
@@ -388,8 +388,8 @@ class StreamsTest(unittest.TestCase):
         self.servers.start()
         self.assertIn("config", self.make_stream(max_msg_size=20_000))
         station = self.station(sheets=0)
-        station.says("Sheet 2 of the batch all of the reader left does not go into the stream: the stream takes no message as "
-                     "large; raise its max_msg_size. The store keeps it, and the others are sent.")
+        station.says("Sheet 2 of the batch all of the reader left does not go into the stream: the stream does not accept "
+                     "messages this large; raise its max_msg_size. The store keeps it, and the others are sent.")
         collector = self.collector()
         wait_for(lambda: len(self.sheets("all.db")) == 9, "collecting the others")
         self.assertEqual((station.end(), collector.end()), (0, 130))
