@@ -188,11 +188,8 @@ std::unique_ptr<Simulator> makeSimulator(kelReaderType model, SimulatorOptions o
     }
     options.model = model;
     options.usualLine = family->line;
-    if (options.seeded) {
-        const SheetShape shape = sheetShape(model, options.form);
-        for (std::uint64_t place = 0; place < options.seeded->count; ++place)
-            options.sheets.put(randomSheet(shape, options.seeded->seed, options.seeded->copies ? 0 : place));
-    }
+    if (options.seeded)
+        options.sheets.put(sheetShape(model, options.form), *options.seeded);
     std::unique_ptr<Simulator> reader = family->make(std::move(options));
     if (const std::vector<std::string> unknown = reader->unknownSettings(); !unknown.empty())
         throw std::invalid_argument("unknown setting " + joined(unknown) + "; this model knows " +

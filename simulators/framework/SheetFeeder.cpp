@@ -126,15 +126,7 @@ SimulatedSheet randomSheet(const SheetShape& shape, std::uint64_t seed, std::uin
 SheetFeeder SheetFeeder::of(const std::vector<SimulatedSheet>& sheets)
 {
     SheetFeeder feeder;
-    feeder.sheets_.assign(sheets.begin(), sheets.end());
-    return feeder;
-}
-
-SheetFeeder SheetFeeder::random(const SheetShape& shape, std::uint64_t seed, std::uint64_t count)
-{
-    SheetFeeder feeder;
-    for (std::uint64_t place = 0; place < count; ++place)
-        feeder.put(randomSheet(shape, seed, place));
+    feeder.pile_.assign(sheets.begin(), sheets.end());
     return feeder;
 }
 
@@ -156,11 +148,34 @@ SheetFeeder SheetFeeder::fromFile(const std::filesystem::path& file)
     }
 }
 
+std::uint64_t SheetFeeder::remaining() const
+{
+    std::uint64_t count = 0;
+    for (const auto& part : pile_) {
+        const auto* const random = std::get_if<RandomSheets>(&part);
+        count += random ? random->seeded.count - random->taken : 1;
+    }
+    return count;
+}
+
 SimulatedSheet SheetFeeder::take()
 {
-    SimulatedSheet sheet = std::move(sheets_.front());
-    sheets_.pop_front();
+    auto* const random = std::get_if<RandomSheets>(&pile_.front());
+    if (!random) {
+        SimulatedSheet sheet = std::move(std::get<SimulatedSheet>(pile_.front()));
+        pile_.pop_front();
+        return sheet;
+    }
+    SimulatedSheet sheet = randomSheet(random->shape, random->seeded.seed, random->seeded.copies ? 0 : random->taken);
+    if (++random->taken == random->seeded.count)
+        pile_.pop_front();
     return sheet;
+}
+
+void SheetFeeder::put(const SheetShape& shape, const SeededSheets& seeded)
+{
+    if (seeded.count > 0)
+        pile_.emplace_back(RandomSheets{shape, seeded});
 }
 
 std::string toJson(const std::vector<SimulatedSheet>& sheets)

@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <optional>
 #include <string_view>
+#include <variant>
 
 namespace kel {
 
@@ -25,6 +26,17 @@ struct SheetShape {
 
     /// Fields of decimal digits: name and length.
     std::vector<std::pair<std::string, Int32>> digitFields = {};
+
+    friend bool operator==(const SheetShape&, const SheetShape&) = default;
+};
+
+/// A pile of random sheets.
+struct SeededSheets {
+    std::uint64_t seed = 1;
+    std::uint64_t count = 1;
+    bool copies = false; ///< all of them are copies of the first
+
+    friend bool operator==(const SeededSheets&, const SeededSheets&) = default;
 };
 
 /// The sheet that a seed gives at a place of the pile, the same on every machine and whatever the pile's height.
@@ -36,10 +48,9 @@ public:
     /// An empty feeder.
     SheetFeeder() = default;
 
-    SheetFeeder(std::initializer_list<SimulatedSheet> sheets) : sheets_(sheets) {}
+    SheetFeeder(std::initializer_list<SimulatedSheet> sheets) : pile_(sheets.begin(), sheets.end()) {}
 
     [[nodiscard]] static SheetFeeder of(const std::vector<SimulatedSheet>& sheets);
-    [[nodiscard]] static SheetFeeder random(const SheetShape& shape, std::uint64_t seed, std::uint64_t count);
 
     /// From JSON: an array of objects `{"side1":[[0,1]],"side2":[],"barcodes":["123"],"fields":{"Student ID":"77"}}`,
     /// every member of which may be missing. Throws JsonRefusal, whose text names the place: "sheet 2, side1, row 3,
@@ -47,16 +58,26 @@ public:
     [[nodiscard]] static SheetFeeder fromJson(std::string_view text);
     [[nodiscard]] static SheetFeeder fromFile(const std::filesystem::path& file);
 
-    [[nodiscard]] bool empty() const noexcept { return sheets_.empty(); }
-    [[nodiscard]] std::size_t remaining() const noexcept { return sheets_.size(); }
+    [[nodiscard]] bool empty() const noexcept { return pile_.empty(); }
+    [[nodiscard]] std::uint64_t remaining() const;
 
     /// The sheet that comes next; only when the feeder is not empty.
-    [[nodiscard]] const SimulatedSheet& next() const { return sheets_.front(); }
     [[nodiscard]] SimulatedSheet take();
-    void put(SimulatedSheet sheet) { sheets_.push_back(std::move(sheet)); }
+
+    /// Lays a sheet under the pile, or random ones. Those are made when their turn comes, so that a pile of any height
+    /// takes the same room.
+    void put(SimulatedSheet sheet) { pile_.emplace_back(std::move(sheet)); }
+    void put(const SheetShape& shape, const SeededSheets& seeded);
 
 private:
-    std::deque<SimulatedSheet> sheets_;
+    /// Random sheets, the first `taken` of which are gone.
+    struct RandomSheets {
+        SheetShape shape;
+        SeededSheets seeded;
+        std::uint64_t taken = 0;
+    };
+
+    std::deque<std::variant<SimulatedSheet, RandomSheets>> pile_;
 };
 
 /// Sheets as the JSON that `SheetFeeder::fromJson` reads.

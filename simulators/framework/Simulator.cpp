@@ -2,6 +2,7 @@
 #include "simulators/framework/Simulator.h"
 
 #include "platform/LineSettings.h"
+#include "simulators/framework/LatestEntries.h"
 #include "simulators/framework/SpoiltSheet.h"
 #include "types/Text.h"
 
@@ -250,9 +251,9 @@ void Simulator::fault(std::string what)
 {
     if (siteFaults_.excuseHost())
         return;
-    errors_.push_back(std::move(what));
     if (errorListener_)
-        errorListener_(errors_.back());
+        errorListener_(what);
+    addKeepingFirst(errors_, std::move(what));
 }
 
 Simulator::Feed Simulator::nextFeed() const
@@ -299,9 +300,9 @@ void Simulator::note(SheetEvent event, std::string text, Int32 line, Int32 posit
 
 void Simulator::record(SheetRecord entry)
 {
-    log_.push_back(std::move(entry));
     if (logListener_)
-        logListener_(log_.back());
+        logListener_(entry);
+    addKeepingLatest(log_, std::move(entry));
 }
 
 std::string Simulator::setting(const std::string& name, const std::string& fallback)

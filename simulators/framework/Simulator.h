@@ -48,10 +48,10 @@ public:
     [[nodiscard]] LineErrors lineErrors() final { return cable_.errors(); }
     [[nodiscard]] std::optional<ModemLines> modemLines() final { return cable_.modemLines(); }
 
-    /// What the host did wrongly so far, in order; a test fails if anything stands here.
+    /// What the host did wrongly so far, in order, the first of many; a test fails if anything stands here.
     [[nodiscard]] const std::vector<std::string>& errors() const noexcept { return errors_; }
 
-    /// What was done with each sheet, in order.
+    /// What was done with each sheet, in order; of a long session the latest entries.
     [[nodiscard]] const std::vector<SheetRecord>& log() const noexcept { return log_; }
 
     /// Hears of every new entry of the log, and of every error, as it comes.

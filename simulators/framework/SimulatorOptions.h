@@ -18,13 +18,6 @@ enum class Rate {
     Unlimited, ///< all at once
 };
 
-/// A pile of random sheets.
-struct SeededSheets {
-    std::uint64_t seed = 1;
-    std::uint64_t count = 1;
-    bool copies = false; ///< all of them are copies of the first
-};
-
 /// All that can be said about a simulated reader.
 struct SimulatorOptions {
     kelReaderType model = kelReaderTypeNone;

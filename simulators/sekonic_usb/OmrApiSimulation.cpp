@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "simulators/sekonic_usb/OmrApiSimulation.h"
 
-#include "simulators/framework/SpoiltSheet.h"
 #include "simulators/sekonic_usb/LoadedLibrary.h"
 #include "simulators/sekonic_usb/OmrSimulationControl.h"
 
@@ -58,14 +57,6 @@ OmrSimulationState::FeedCode feedCodeOf(const Fault& fault)
     throw std::invalid_argument("no fault " + toText(fault) + " here; the USB models know jam and empty at a sheet");
 }
 
-void layOneUpon(std::vector<SimulatedSheet>& sheets, std::size_t upper)
-{
-    if (upper + 1 >= sheets.size())
-        return;
-    sheets[upper] = together(sheets[upper], sheets[upper + 1]);
-    sheets.erase(sheets.begin() + static_cast<std::ptrdiff_t>(upper) + 1);
-}
-
 /// What is wrong where the reader stands, as the library has it.
 void spoil(OmrSimulationState& state, const SiteFaults& faults)
 {
@@ -85,14 +76,15 @@ void spoil(OmrSimulationState& state, const SiteFaults& faults)
         state.connected = false;
     else if (const std::optional<Int32> off = faults.value(Kind::SwitchedOff, 1))
         state.refusals.push_back({.function = "OMR_FeedSheet", .call = *off, .code = kNoAnswer});
-    if (faults.has(Kind::EmptyFeeder))
+    if (faults.has(Kind::EmptyFeeder)) {
         state.sheets.clear();
+        state.randomSheets.reset();
+    }
     if (const std::optional<Int32> jam = faults.value(Kind::Jam, 1))
         state.feedCodes.push_back({*jam, kJam});
-    if (const std::optional<Int32> sheet = faults.value(Kind::DoubleFeed, 1))
-        layOneUpon(state.sheets, static_cast<std::size_t>(*sheet - 1));
-    for (std::size_t at = 0; at < state.sheets.size(); ++at)
-        spoilt(faults, static_cast<Int32>(at + 1), state.sheets[at]);
+    for (const SiteFault& fault : faults.all())
+        if (isOmrPaperFault(fault.kind))
+            state.paperFaults.push_back(fault);
 }
 
 Int32 settingValue(const std::string& name, const std::string& text)
@@ -155,13 +147,8 @@ void* OmrApiSimulation::find(const char* name) const
 
 SheetShape omrSheetShape(const FormDescription& form)
 {
-    SheetShape shape{.side1Rows = 60,
-                     .side1Columns = 48,
-                     .side2Rows = 60,
-                     .side2Columns = 48,
-                     .lowestMark = 1,
-                     .highestMark = 15,
-                     .barcodes = static_cast<Int32>(form.barcodes.size())};
+    SheetShape shape = OmrSimulationState::RandomSheets().shape;
+    shape.barcodes = static_cast<Int32>(form.barcodes.size());
     if (!form.side1Rows.empty())
         shape.side1Rows = form.side1Rows.front();
     if (!form.side2Rows.empty())
@@ -174,9 +161,8 @@ OmrSimulationState omrSimulationState(const SimulatorOptions& options)
     OmrSimulationState state;
     for (SheetFeeder sheets = options.sheets; !sheets.empty();)
         state.sheets.push_back(sheets.take());
-    for (std::uint64_t place = 0; options.seeded && place < options.seeded->count; ++place)
-        state.sheets.push_back(
-            randomSheet(omrSheetShape(options.form), options.seeded->seed, options.seeded->copies ? 0 : place));
+    if (options.seeded)
+        state.randomSheets = {.shape = omrSheetShape(options.form), .seeded = *options.seeded};
     for (const Fault& fault : options.faults)
         state.feedCodes.push_back(feedCodeOf(fault));
     for (const auto& [name, value] : options.settings) {

@@ -24,7 +24,7 @@ public:
     /// Sets the library up anew; nothing that happened before is remembered.
     void configure(const OmrSimulationState& state);
 
-    /// Lays a sheet under the pile in the feeder.
+    /// Lays a sheet under those in the feeder that no seed gives.
     void put(const SimulatedSheet& sheet);
 
     [[nodiscard]] OmrSimulationReport report() const;

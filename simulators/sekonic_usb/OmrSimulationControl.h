@@ -25,8 +25,8 @@ struct OmrSimSheet {
 /// says why, in as much of the message's room as there is.
 using OmrSimConfigure = std::int32_t(const char* state, char* message, std::int32_t size);
 
-/// "OMRSIM_PutSheet": lays one more sheet under the pile in the feeder; quicker than JSON. 1 is success, 0 a sheet of
-/// more than 200 rows.
+/// "OMRSIM_PutSheet": lays one more sheet under those in the feeder that no seed gives; quicker than JSON. 1 is
+/// success, 0 a sheet of more than 200 rows.
 using OmrSimPutSheet = std::int32_t(const OmrSimSheet* sheet);
 
 /// "OMRSIM_Report": what has happened, in JSON. The result is the length of the whole text, of which as much is

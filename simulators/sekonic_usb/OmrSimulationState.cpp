@@ -2,11 +2,11 @@
 #include "simulators/sekonic_usb/OmrSimulationState.h"
 
 #include "formats/Json.h"
-#include "simulators/framework/SheetFeeder.h"
 
 #include <algorithm>
 #include <charconv>
 #include <limits>
+#include <stdexcept>
 
 namespace kel {
 
@@ -57,6 +57,50 @@ JsonReader intoPair(std::array<Int32, 2>& pair)
             place.refuse("has to have two values");
         std::ranges::copy(values, pair.begin());
     };
+}
+
+std::uint64_t hugeNumber(const Json& value, const JsonPlace& place)
+{
+    if (!value.is_number_unsigned())
+        place.refuse("has to be a whole number of at least 0, not " + value.dump());
+    return value.get<std::uint64_t>();
+}
+
+constexpr struct {
+    const char* name;
+    Int32 SheetShape::*member;
+} kShapeMembers[] = {
+    {"side1Rows", &SheetShape::side1Rows}, {"side1Columns", &SheetShape::side1Columns},
+    {"side2Rows", &SheetShape::side2Rows}, {"side2Columns", &SheetShape::side2Columns},
+    {"barcodes", &SheetShape::barcodes},
+};
+
+OmrSimulationState::RandomSheets randomSheetsFrom(const Json& value, const JsonPlace& place)
+{
+    OmrSimulationState::RandomSheets random;
+    JsonKeyReaders readers = {{"seed", into(random.seeded.seed, hugeNumber)},
+                              {"count", into(random.seeded.count, hugeNumber)},
+                              {"copies", into(random.seeded.copies, readJsonTruth)}};
+    for (const auto& [name, member] : kShapeMembers)
+        readers.emplace_back(name, into(
+                                       random.shape.*member, +[](const Json& size, const JsonPlace& here) {
+                                           return readJsonLongNumber(size, here, 0, kOmrMostRows);
+                                       }));
+    readJsonObject(value, place, readers);
+    return random;
+}
+
+SiteFault paperFaultFrom(const Json& value, const JsonPlace& place)
+{
+    const std::string text = readJsonText(value, place);
+    try {
+        const std::optional<SiteFault> fault = parseSiteFault(text);
+        if (fault && isOmrPaperFault(fault->kind))
+            return *fault;
+    } catch (const std::invalid_argument& refusal) {
+        place.refuse(refusal.what());
+    }
+    place.refuse("has to be double-feed, dirty-head or skewed-sheet, not \"" + text + "\"");
 }
 
 void demandMarks(const MarkRows& side, const JsonPlace& place)
@@ -145,10 +189,27 @@ std::string dumped(const Json& value)
 
 } // namespace
 
+bool isOmrPaperFault(SiteFault::Kind kind)
+{
+    using Kind = SiteFault::Kind;
+    return kind == Kind::DoubleFeed || kind == Kind::DirtyHead || kind == Kind::SkewedSheet;
+}
+
 std::string toJson(const OmrSimulationState& state)
 {
     Json object;
     object["sheets"] = parseJson(toJson(state.sheets));
+    if (state.randomSheets) {
+        Json& random = object["randomSheets"];
+        random["seed"] = state.randomSheets->seeded.seed;
+        random["count"] = state.randomSheets->seeded.count;
+        random["copies"] = state.randomSheets->seeded.copies;
+        for (const auto& [name, member] : kShapeMembers)
+            random[name] = state.randomSheets->shape.*member;
+    }
+    object["paperFaults"] = Json::array();
+    for (const SiteFault& fault : state.paperFaults)
+        object["paperFaults"].push_back(toText(fault));
     object["connected"] = state.connected;
     object["readingMethod"] = state.readingMethod;
     object["columns"] = state.columns;
@@ -172,6 +233,9 @@ OmrSimulationState omrStateFromJson(std::string_view text)
     readJsonObject(
         parseJson(text), {},
         {{"sheets", into(state.sheets, sheetsFrom)},
+         {"randomSheets",
+          [&](const Json& random, const JsonPlace& place) { state.randomSheets = randomSheetsFrom(random, place); }},
+         {"paperFaults", intoList(state.paperFaults, paperFaultFrom)},
          {"connected", into(state.connected, readJsonTruth)},
          {"readingMethod", intoPair(state.readingMethod)},
          {"columns", into(state.columns, number)},

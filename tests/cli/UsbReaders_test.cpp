@@ -97,6 +97,18 @@ TEST(UsbScanCommand, ReadsBothSidesAndBarcodes)
     EXPECT_EQ(outcome.status, 0);
 }
 
+TEST(UsbScanCommand, ReadsTheFirstSheetsOfAHighPile)
+{
+    const auto scan = [](const char* count) {
+        return runCommand(
+            {"scan", "--simulate", "--model", "30", "--seed", "7", "--count", count, "--max-sheets", "2"});
+    };
+    const CommandOutcome outcome = scan("1000000");
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.lines().size(), 3U);
+    EXPECT_EQ(outcome.output, scan("2").output);
+}
+
 TEST(UsbScanCommand, ReadsTheSheetsOfAFile)
 {
     const TextFile sheets(R"([{"side1":[[1,0,255]]},{"side1":[],"side2":[[3]]}])");

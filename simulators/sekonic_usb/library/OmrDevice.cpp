@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "simulators/sekonic_usb/library/OmrDevice.h"
 
+#include "simulators/framework/LatestEntries.h"
+#include "simulators/framework/SpoiltSheet.h"
+
 #include <algorithm>
+#include <limits>
 
 namespace kel {
 
@@ -19,19 +23,24 @@ bool isReadAllTheSame(Int32 code)
 
 } // namespace
 
-OmrDevice::OmrDevice(OmrSimulationState state) : state_(std::move(state))
+OmrDevice::OmrDevice(OmrSimulationState state)
+    : state_(std::move(state)), given_(SheetFeeder::of(state_.sheets)), paperFaults_(state_.paperFaults)
 {
+    state_.sheets.clear();
+    if (state_.randomSheets)
+        random_.put(state_.randomSheets->shape, state_.randomSheets->seeded);
     if (!state_.logFile.empty())
         logFile_.open(state_.logFile, std::ios::app);
 }
 
 OmrSimulationReport OmrDevice::report() const
 {
+    const std::uint64_t remaining = given_.remaining() + random_.remaining();
     return {.calls = calls_,
             .faults = faults_,
             .log = log_,
             .open = open_,
-            .remaining = static_cast<Int32>(state_.sheets.size() - nextSheet_),
+            .remaining = static_cast<Int32>(std::min<std::uint64_t>(remaining, std::numeric_limits<Int32>::max())),
             .printStrings = printStrings_};
 }
 
@@ -41,7 +50,7 @@ std::optional<Int32> OmrDevice::begin(const std::string& function, std::initiali
     std::string line = function;
     for (const Int32 argument : arguments)
         line += ' ' + std::to_string(argument);
-    calls_.push_back(line + text);
+    addKeepingLatest(calls_, line + text);
     if (lastErrorDue_ && function != "OMR_GetLastError")
         fault(function + " where the last error is to be asked for");
     lastErrorDue_ = false;
@@ -62,7 +71,7 @@ void OmrDevice::writeLine(const std::string& line)
 
 void OmrDevice::fault(const std::string& what)
 {
-    faults_.push_back(what);
+    addKeepingFirst(faults_, what);
     writeLine("fault: " + what);
 }
 
@@ -80,8 +89,9 @@ bool OmrDevice::demandOpen(const std::string& function)
 
 void OmrDevice::note(SheetEvent event, const std::string& text, Int32 line, Int32 position)
 {
-    log_.push_back({event, transport_ ? transport_->number : 0, text, line, position});
-    writeLine(toJson(log_.back()));
+    SheetRecord entry{event, transport_ ? transport_->number : 0, text, line, position};
+    writeLine(toJson(entry));
+    addKeepingLatest(log_, std::move(entry));
 }
 
 Int32 OmrDevice::fail(Int32 code, Int32 result)
@@ -212,6 +222,11 @@ void OmrDevice::checkReadiness()
     demand(backSensor_.has_value(), "a feed before the back sensor was set");
 }
 
+SimulatedSheet OmrDevice::takeSheet()
+{
+    return given_.empty() ? random_.take() : given_.take();
+}
+
 Int32 OmrDevice::feed()
 {
     const auto refused = begin("OMR_FeedSheet", {});
@@ -227,14 +242,17 @@ Int32 OmrDevice::feed()
     ++feeds_;
     const auto entry = std::ranges::find(state_.feedCodes, feeds_, &OmrSimulationState::FeedCode::feed);
     Int32 code = entry == state_.feedCodes.end() ? 0 : entry->code;
-    if (code == 0 && nextSheet_ == state_.sheets.size())
+    if (code == 0 && isFeederEmpty())
         code = kFeederEmpty;
-    if (code == kFeederEmpty || nextSheet_ == state_.sheets.size()) {
+    if (code == kFeederEmpty || isFeederEmpty()) {
         note(SheetEvent::Empty);
         return fail(code);
     }
 
-    transport_ = Transport{.number = ++fed_, .sheet = state_.sheets[nextSheet_++]};
+    transport_ = Transport{.number = ++fed_, .sheet = takeSheet()};
+    if (paperFaults_.value(SiteFault::Kind::DoubleFeed, 1) == fed_ && !isFeederEmpty())
+        transport_->sheet = together(transport_->sheet, takeSheet());
+    spoilt(paperFaults_, fed_, transport_->sheet);
     if (code != 0 && !isReadAllTheSame(code)) {
         note(SheetEvent::Jammed);
         transport_.reset();

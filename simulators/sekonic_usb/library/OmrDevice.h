@@ -20,8 +20,8 @@ public:
 
     [[nodiscard]] OmrSimulationReport report() const;
 
-    /// Lays a sheet under the pile in the feeder.
-    void put(SimulatedSheet sheet) { state_.sheets.push_back(std::move(sheet)); }
+    /// Lays a sheet under those in the feeder that no seed gives.
+    void put(SimulatedSheet sheet) { given_.put(std::move(sheet)); }
 
     // The device
     Int32 open();
@@ -82,6 +82,8 @@ private:
     void writeLine(const std::string& line);
 
     void checkReadiness();
+    [[nodiscard]] bool isFeederEmpty() const { return given_.empty() && random_.empty(); }
+    [[nodiscard]] SimulatedSheet takeSheet();
     /// The sheet leaves the transport, printed on if lines were set for it.
     void leave(SheetEvent event, const std::string& where);
     /// What the library tells where this simulation knows no better.
@@ -100,7 +102,9 @@ private:
     bool lastErrorDue_ = false;
     std::optional<Int32> backSensor_;
 
-    std::size_t nextSheet_ = 0;
+    SheetFeeder given_;
+    SheetFeeder random_;
+    SiteFaults paperFaults_;
     Int32 feeds_ = 0;
     Int32 fed_ = 0;
     std::optional<Transport> transport_;

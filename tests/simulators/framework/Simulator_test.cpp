@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "simulators/framework/LatestEntries.h"
 #include "tests/simulators/framework/LittleReader.h"
 
 #include <gtest/gtest.h>
@@ -81,6 +82,25 @@ TEST(Simulator, KeepsItsOwnTimesWhereTheCallerComesLate)
     });
     EXPECT_EQ(reader.takeByte(1s), Byte{'A'});
     EXPECT_EQ(seen, 20ms);
+}
+
+TEST(Simulator, ALongSessionKeepsTheLatestOfItsLogAndTheFirstOfItsErrors)
+{
+    constexpr Int32 kSheets = 12'000;
+    SimulatorOptions options{.rate = Rate::Unlimited};
+    options.sheets.put({.side1Rows = 1, .side1Columns = 1}, {.seed = 1, .count = kSheets});
+    LittleReader reader(std::move(options));
+    Int32 heard = 0;
+    reader.onLog([&](const SheetRecord&) { ++heard; });
+    reader.onError([&](const std::string&) { ++heard; });
+    DeviceBench bench(reader);
+    for (Int32 sheet = 0; sheet < kSheets; ++sheet)
+        bench.ask(sheet == 0 ? "?F" : "!F");
+    EXPECT_EQ(heard, 3 * kSheets);
+    EXPECT_LE(reader.log().size(), kMostEntries);
+    EXPECT_EQ(reader.log().back(), (SheetRecord{SheetEvent::Read, kSheets}));
+    EXPECT_EQ(reader.errors().size(), kMostEntries);
+    EXPECT_EQ(reader.errors().front(), "unknown command 3F");
 }
 
 TEST(Simulator, AResetForgetsWhatIsOutstanding)

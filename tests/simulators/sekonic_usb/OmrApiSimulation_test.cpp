@@ -2,6 +2,7 @@
 #include "simulators/sekonic_usb/OmrApiSimulation.h"
 
 #include "platform/posix/PosixOmrApiLoader.h"
+#include "simulators/framework/LatestEntries.h"
 #include "tests/platform/posix/PosixTest.h"
 #include "tests/support/BuiltFiles.h"
 
@@ -9,6 +10,7 @@
 
 #include <cstdlib>
 #include <fstream>
+#include <limits>
 #include <stdexcept>
 #include <string>
 
@@ -115,6 +117,58 @@ TEST_F(OmrApiSimulationTest, DeliversASheet)
     EXPECT_FALSE(report.open);
     EXPECT_EQ(report.remaining, 0);
     EXPECT_EQ(report.calls.back(), "OMR_CloseDevice");
+}
+
+TEST_F(OmrApiSimulationTest, FeedsTheSheetsOfASeedAfterThoseThatItWasGiven)
+{
+    const SheetShape shape = OmrSimulationState::RandomSheets().shape;
+    const auto firstMark = [&](std::uint64_t place) { return randomSheet(shape, 4, place).side1[0]; };
+    const auto fed = [&] {
+        feed();
+        fetch(0);
+        return std::vector<Int16>(bytes.begin(), bytes.begin() + shape.side1Columns);
+    };
+    start({.sheets = {sheet()}, .randomSheets = {{.shape = shape, .seeded = {.seed = 4, .count = 1'000'000'000'000}}}});
+    simulation.put({.side1 = {{9}}, .side2 = {}, .barcodes = {}, .fields = {}});
+    EXPECT_EQ(simulation.report().remaining, std::numeric_limits<Int32>::max());
+    EXPECT_EQ(fed()[2], 255);
+    EXPECT_EQ(fed()[0], 9);
+    EXPECT_EQ(fed(), firstMark(0));
+    EXPECT_EQ(fed(), firstMark(1));
+    EXPECT_THAT(faults(), IsEmpty());
+}
+
+TEST_F(OmrApiSimulationTest, SpoilsSheetsOnTheirWayIn)
+{
+    const SimulatedSheet light{.side1 = {{1}}, .side2 = {}, .barcodes = {}, .fields = {}};
+    const SimulatedSheet dark{.side1 = {{0, 200}}, .side2 = {}, .barcodes = {}, .fields = {}};
+    start({.sheets = {light, light, dark}, .paperFaults = {{SiteFault::Kind::DoubleFeed, 2}}});
+    feed();
+    fetch(0);
+    EXPECT_EQ(bytes[1], 0);
+    feed();
+    fetch(0);
+    EXPECT_EQ(bytes[0], 1);
+    EXPECT_EQ(bytes[1], 200);
+    EXPECT_EQ(feed(), 0x40110000);
+    start({.sheets = {light}, .paperFaults = {{SiteFault::Kind::DoubleFeed, 1}, {SiteFault::Kind::SkewedSheet, 1}}});
+    feed();
+    fetch(0);
+    EXPECT_EQ(uRead.lRows, 0) << "the last sheet has none to take with it";
+}
+
+TEST_F(OmrApiSimulationTest, ALongSessionKeepsItsLatestCalls)
+{
+    constexpr Int32 kSheets = 6000;
+    const SheetShape small{.side1Rows = 1, .side1Columns = 1};
+    start({.randomSheets = {{.shape = small, .seeded = {.seed = 1, .count = kSheets}}}});
+    for (Int32 count = 0; count < kSheets; ++count)
+        feed();
+    const OmrSimulationReport report = simulation.report();
+    EXPECT_LE(report.calls.size(), kMostEntries);
+    EXPECT_EQ(report.calls.back(), "OMR_GetLastError");
+    EXPECT_LE(report.log.size(), kMostEntries);
+    EXPECT_EQ(report.log.back(), (SheetRecord{SheetEvent::Fed, kSheets, "", 0, 0}));
 }
 
 TEST_F(OmrApiSimulationTest, TellsAnEmptyFeeder)

@@ -18,6 +18,15 @@ TEST(OmrSimulationState, GoesThroughJsonAndBack)
 {
     const OmrSimulationState state{
         .sheets = {{.side1 = {{1, 255}, {}}, .side2 = {{0}}, .barcodes = {"12"}, .fields = {}}},
+        .randomSheets = {{.shape = {.side1Rows = 5,
+                                    .side1Columns = 47,
+                                    .side2Rows = 0,
+                                    .side2Columns = 3,
+                                    .lowestMark = 1,
+                                    .highestMark = 15,
+                                    .barcodes = 2},
+                          .seeded = {.seed = ~std::uint64_t{}, .count = 1'000'000'000'000, .copies = true}}},
+        .paperFaults = {{SiteFault::Kind::DoubleFeed, 2}, {SiteFault::Kind::DirtyHead}},
         .connected = false,
         .readingMethod = {5, -6},
         .columns = 40,
@@ -44,7 +53,7 @@ TEST(OmrSimulationState, TellsWhereAMistakeIs)
         const char *json, *message;
     } rows[] = {
         {"[]", "the text has to be an object, not an array"},
-        {R"({"colums":48})", "the text has an unknown key \"colums\"; the keys are sheets, connected, "},
+        {R"({"colums":48})", "the text has an unknown key \"colums\"; the keys are sheets, randomSheets, paperFaults, "},
         {R"({"columns":"48"})", "columns has to be a whole number, not a text"},
         {R"({"connected":1})", "connected has to be true or false, not a number"},
         {R"({"readingMethod":[1]})", "readingMethod has to have two values"},
@@ -55,6 +64,11 @@ TEST(OmrSimulationState, TellsWhereAMistakeIs)
         {R"({"feedCodes":[{"feed":1,"code":"0x"}]})", "feedCodes[0].code has to be a code"},
         {R"({"feedCodes":[{"feed":1,"code":"0x1FFFFFFFF"}]})", "feedCodes[0].code has to be a code"},
         {R"({"refusals":[{"call":1}]})", "refusals[0] needs a function"},
+        {R"({"randomSheets":{"count":-1}})", "randomSheets.count has to be a whole number of at least 0, not -1"},
+        {R"({"randomSheets":{"side1Rows":201}})", "randomSheets.side1Rows has to be a whole number from 0 to 200"},
+        {R"({"paperFaults":["jam:2"]})",
+         "paperFaults[0] has to be double-feed, dirty-head or skewed-sheet, not \"jam:2\""},
+        {R"({"paperFaults":["double-feed:x"]})", "paperFaults[0] fault \"double-feed:x\""},
         {R"({"sheets":[{},{"side2":[[0],[-1]]}]})", "sheet 2, side2 has the mark -1, and marks are 0 to 255"},
     };
     for (const auto& row : rows) {
@@ -80,11 +94,13 @@ TEST(OmrSimulationOptions, GiveThePileTheFaultsAndTheSettings)
     options.faults = {parseFault("jam@sheet=2"), parseFault("empty@sheet=3")};
     options.settings = {{"columns", "40"}, {"barcodeUnit", "-1"}};
     const OmrSimulationState state = omrSimulationState(options);
-    ASSERT_EQ(state.sheets.size(), 3U);
+    ASSERT_EQ(state.sheets.size(), 1U);
     EXPECT_EQ(state.sheets[0].side1, (MarkRows{{1}}));
-    EXPECT_EQ(state.sheets[1].side1.size(), 5U);
-    EXPECT_EQ(state.sheets[1].side2.size(), 60U);
-    EXPECT_EQ(state.sheets[2].barcodes.size(), 2U);
+    ASSERT_TRUE(state.randomSheets);
+    EXPECT_EQ(state.randomSheets->seeded, (SeededSheets{.seed = 4, .count = 2}));
+    EXPECT_EQ(state.randomSheets->shape.side1Rows, 5);
+    EXPECT_EQ(state.randomSheets->shape.side2Rows, 60);
+    EXPECT_EQ(state.randomSheets->shape.barcodes, 2);
     EXPECT_THAT(state.feedCodes,
                 ElementsAre(OmrSimulationState::FeedCode{2, 0x35090000}, OmrSimulationState::FeedCode{3, 0x40110000}));
     EXPECT_EQ(state.columns, 40);
