@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "simulators/framework/Cable.h"
 
+#include "platform/ReceivedInput.h"
+
 #include <algorithm>
 
 namespace kel {
@@ -155,6 +157,11 @@ std::optional<Byte> Cable::forHost(Moment now)
     const Byte byte = atHost_.front().byte;
     atHost_.pop_front();
     return byte;
+}
+
+bool Cable::isFull() const
+{
+    return atHost_.size() + toHost_.onTheWire() >= ReceivedInput::kRoom;
 }
 
 std::optional<Moment> Cable::nextEvent() const

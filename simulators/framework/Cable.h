@@ -44,6 +44,9 @@ public:
     /// A reader that is on raises them all; without the wires for handshaking DSR alone gets through.
     [[nodiscard]] ModemLines modemLines() const;
 
+    /// Whether so much is on its way to the host that the reader has to wait with more.
+    [[nodiscard]] bool isFull() const;
+
     /// When something arrives at either end.
     [[nodiscard]] std::optional<Moment> nextEvent() const;
 

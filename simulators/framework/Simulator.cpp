@@ -2,6 +2,7 @@
 #include "simulators/framework/Simulator.h"
 
 #include "platform/LineSettings.h"
+#include "platform/ReceivedInput.h"
 #include "simulators/framework/LatestEntries.h"
 #include "simulators/framework/SpoiltSheet.h"
 #include "types/Text.h"
@@ -101,13 +102,16 @@ std::optional<Moment> Simulator::nextEvent() const
     return own && cable ? std::min(*own, *cable) : own ? own : cable;
 }
 
-/// Of the reader alone, without the cable.
+/// Of the reader alone, without the cable. One that is full holds the reader up, and what waits to be sent holds up
+/// what it does by itself: a reader that sends unasked would otherwise feed its whole pile ahead of a slow line.
 std::optional<Moment> Simulator::nextOwnEvent() const
 {
+    if (open_ && cable_.isFull())
+        return std::nullopt;
     std::optional<Moment> next = hangUpAt_;
     if (!queue_.empty() && (!next || queue_.front().at < *next))
         next = queue_.front().at;
-    if (!actions_.empty() && (!next || actions_.front().at < *next))
+    if (queue_.size() < ReceivedInput::kRoom && !actions_.empty() && (!next || actions_.front().at < *next))
         next = actions_.front().at;
     return next;
 }

@@ -27,6 +27,9 @@ public:
     /// taken till then, as soon as it can be.
     void send(Moment end, Byte byte);
 
+    /// How many bytes are on the wire, or wait for it.
+    [[nodiscard]] std::size_t onTheWire() const noexcept { return frames_.size(); }
+
     /// When the next byte can be told, whatever else is sent. Nothing while the wire is at rest.
     [[nodiscard]] std::optional<Moment> due() const;
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "simulators/platform/SimulatedLine.h"
 
+#include "platform/ReceivedInput.h"
 #include "types/RuntimeFailure.h"
 
 #include <algorithm>
@@ -80,6 +81,17 @@ void SimulatedLine::output(std::string_view bytes)
         settle();
 }
 
+bool SimulatedLine::isFull() const noexcept
+{
+    return received_.size() - taken_ >= ReceivedInput::kRoom;
+}
+
+/// Nothing while the device is held up.
+std::optional<Moment> SimulatedLine::nextOfDevice() const
+{
+    return isFull() ? std::nullopt : device_->nextEvent();
+}
+
 void SimulatedLine::settle()
 {
     const Moment now = clock_.now();
@@ -87,7 +99,7 @@ void SimulatedLine::settle()
     if (!open_)
         return;
     while (!device_->hungUp()) {
-        const std::optional<Moment> device = device_->nextEvent();
+        const std::optional<Moment> device = nextOfDevice();
         if (!underWay_.empty() && underWay_.front().arrives <= now &&
             (!device || underWay_.front().arrives < *device)) {
             const HostByte next = underWay_.front();
@@ -113,6 +125,8 @@ std::string SimulatedLine::take(std::size_t most)
     if (bytes.empty())
         return bytes;
     clock_.progress();
+    if (isFull())
+        settledAt_ = Moment::min();
     taken_ += bytes.size();
     ++busyCount_;
     told_ -= std::min(told_, bytes.size());
@@ -135,7 +149,7 @@ std::optional<Moment> SimulatedLine::nextEvent() const
 {
     if (!open_ || device_->hungUp())
         return std::nullopt;
-    std::optional<Moment> next = device_->nextEvent();
+    std::optional<Moment> next = nextOfDevice();
     if (!underWay_.empty() && (!next || underWay_.front().arrives < *next))
         next = underWay_.front().arrives;
     return next;
@@ -156,7 +170,8 @@ bool SimulatedLine::hasNews()
 
 void SimulatedLine::record(HostAction::Kind kind, std::string text)
 {
-    actions_.push_back({clock_.now(), kind, std::move(text)});
+    if (remembers_)
+        actions_.push_back({clock_.now(), kind, std::move(text)});
 }
 
 std::string SimulatedLine::sent(std::size_t fromAction) const

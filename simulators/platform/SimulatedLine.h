@@ -38,6 +38,9 @@ struct HostAction {
 
 /// A serial line in memory between the control that has it open and the device at its far end.
 /// Everything happens in the order of its times, however far the clock has jumped since the last look.
+///
+/// As much waits for the host as on a real line, ReceivedInput::kRoom; then the device is held up. What was due
+/// meanwhile happens as soon as the host has taken something.
 class SimulatedLine {
 public:
     explicit SimulatedLine(SimulatedClock& clock) : clock_(clock) {}
@@ -85,6 +88,9 @@ public:
 
     void record(HostAction::Kind kind, std::string text);
 
+    /// A line that serves for days remembers nothing of what the host does.
+    void forgetActions() noexcept { remembers_ = false; }
+
     /// All that the host did, in order.
     [[nodiscard]] const std::vector<HostAction>& actions() const noexcept { return actions_; }
 
@@ -101,6 +107,8 @@ private:
     };
 
     void settle();
+    [[nodiscard]] bool isFull() const noexcept;
+    [[nodiscard]] std::optional<Moment> nextOfDevice() const;
 
     SimulatedClock& clock_;
     LineDevice* device_ = nullptr;
@@ -119,6 +127,7 @@ private:
     std::uint64_t arrivedSeen_ = 0;
     std::uint64_t busySeen_ = 0;
     bool hangUpSeen_ = false;
+    bool remembers_ = true;
     std::vector<HostAction> actions_;
 };
 

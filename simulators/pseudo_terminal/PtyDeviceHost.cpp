@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "simulators/pseudo_terminal/PtyDeviceHost.h"
 
+#include "platform/ReceivedInput.h"
 #include "platform/posix/SteadyTime.h"
 
 #include <algorithm>
@@ -134,10 +135,12 @@ void PtyDeviceHost::run()
     }
 }
 
-/// When something is due next, of the host or of the device.
+/// When something is due next, of the host or of the device, which is held up while there is no room.
 std::optional<Moment> PtyDeviceHost::nextMoment() const
 {
-    std::optional<Moment> next = device_.nextEvent();
+    std::optional<Moment> next;
+    if (outgoing_.size() < ReceivedInput::kRoom)
+        next = device_.nextEvent();
     if (!hostEvents_.empty() && (!next || hostEvents_.front().at < *next))
         next = hostEvents_.front().at;
     return next;

@@ -20,8 +20,9 @@ namespace kel {
 /// left the wire. Where the system does not tell of openings, the first byte is the opening, and the line stays open.
 /// What the device sends while the line is closed is lost, as on a wire.
 ///
-/// The device's bytes are written when they are due, those due together in one piece. When it hangs up, the line does
-/// so too, once the host has read what was sent before.
+/// The device's bytes are written when they are due, those due together in one piece. A host that does not read them
+/// holds the device up after ReceivedInput::kRoom: what was due meanwhile happens as soon as there is room. When the
+/// device hangs up, the line does so too, once the host has read what was sent before.
 class PtyDeviceHost {
 public:
     struct Options {

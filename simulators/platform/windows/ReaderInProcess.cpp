@@ -86,6 +86,7 @@ ReaderInProcess::ReaderInProcess(std::string name, LineDevice& device)
 {
     // Whoever waits for a sheet may do so for days.
     clock_.limits(Moment::max(), kNoLimit, kNoLimit);
+    line_.forgetActions();
     line_.attach(device);
 }
 

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "platform/ReceivedInput.h"
 #include "simulators/platform/SimulatedPlatform.h"
 #include "tests/simulators/platform/ScriptedDevice.h"
 
@@ -132,6 +133,52 @@ TEST_F(SimulatedSerialControlTest, ALongReplyComesWholeThroughManyReads)
     while (control_->InBufferCount() > 0)
         taken += control_->Input();
     EXPECT_EQ(taken, reply);
+}
+
+TEST_F(SimulatedSerialControlTest, ADeviceIsHeldUpWhileTheLineIsFull)
+{
+    constexpr auto kFull = static_cast<Int32>(ReceivedInput::kRoom);
+    std::string reply;
+    for (Int32 count = 0; count < kFull + 1000; ++count)
+        reply += static_cast<char>(count * 7);
+    device_.sendAt(5ms, reply);
+    machine_.hostPace(HostPace::Instant);
+    control_->PortOpen(True);
+    Sleep(10);
+    EXPECT_EQ(control_->InBufferCount(), kFull);
+    control_->Output("A");
+    EXPECT_EQ(device_.heard, (std::vector<ScriptedDevice::Heard>{{10ms, 'A'}})) << "it hears, held up or not";
+
+    control_->InputLen(600);
+    std::string taken = control_->Input();
+    EXPECT_EQ(control_->InBufferCount(), kFull);
+    taken += control_->Input();
+    EXPECT_EQ(control_->InBufferCount(), kFull - 200);
+    control_->InputLen(0);
+    EXPECT_EQ(taken + control_->Input(), reply);
+}
+
+TEST_F(SimulatedSerialControlTest, AFullLineBringsNothingToAHostThatWaits)
+{
+    device_.sendAt(1ms, std::string(2 * ReceivedInput::kRoom, 'x'));
+    control_->PortOpen(True);
+    Sleep(5);
+    EXPECT_EQ(control_->InBufferCount(), static_cast<Int32>(ReceivedInput::kRoom));
+    for (int turn = 0; turn < 10; ++turn)
+        DoEvents();
+    EXPECT_GT(machine_.now(), 5ms) << "a wait that nothing ends blocks for a moment";
+    EXPECT_EQ(control_->InBufferCount(), static_cast<Int32>(ReceivedInput::kRoom));
+}
+
+TEST_F(SimulatedSerialControlTest, ALineMayForgetWhatTheHostDoes)
+{
+    machine_.line(1).forgetActions();
+    control_->PortOpen(True);
+    control_->Output("A");
+    Sleep(10);
+    EXPECT_EQ(control_->InBufferCount(), 0);
+    EXPECT_EQ(device_.heard.size(), 1U);
+    EXPECT_TRUE(machine_.line(1).actions().empty());
 }
 
 TEST_F(SimulatedSerialControlTest, TheHostsBytesTakeTheirTimeOnTheWire)

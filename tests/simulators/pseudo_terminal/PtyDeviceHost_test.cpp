@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "simulators/pseudo_terminal/PtyDeviceHost.h"
 
+#include "platform/ReceivedInput.h"
 #include "platform/posix/LineInput.h"
 #include "platform/posix/SteadyTime.h"
 #include "platform/posix/TerminalAttributes.h"
@@ -271,6 +272,53 @@ public:
 private:
     FileDescriptor handle_;
 };
+
+/// A device that has a megabyte to say, all of it as soon as it is spoken to.
+class Flood final : public LineDevice {
+public:
+    static constexpr std::size_t kSize = 16 * ReceivedInput::kRoom;
+
+    void lineOpened(Moment, const LineParameters&) override {}
+    void lineClosed(Moment) override {}
+    void byteFromHost(Moment, Byte) override { ++heard_; }
+    [[nodiscard]] std::optional<Moment> nextEvent() const override
+    {
+        return heard_ > 0 && taken_ < kSize ? std::optional<Moment>(Moment{}) : std::nullopt;
+    }
+    [[nodiscard]] std::optional<Byte> takeByte(Moment) override { return byteAt(taken_++); }
+    [[nodiscard]] bool hungUp() const override { return false; }
+
+    [[nodiscard]] std::size_t heard() const { return heard_; }
+    [[nodiscard]] std::size_t taken() const { return taken_; }
+    [[nodiscard]] static std::string everything()
+    {
+        std::string bytes;
+        for (std::size_t at = 0; at < kSize; ++at)
+            bytes += static_cast<char>(byteAt(at));
+        return bytes;
+    }
+
+private:
+    static Byte byteAt(std::size_t place) { return static_cast<Byte>('a' + place % 23); }
+
+    std::atomic<std::size_t> heard_{0};
+    std::atomic<std::size_t> taken_{0};
+};
+
+TEST_F(PtyDeviceHostTest, AHostThatDoesNotReadHoldsTheDeviceUp)
+{
+    Flood flood;
+    PtyDeviceHost host(flood);
+    host.start();
+    const PlainHost reading(host.deviceFile());
+    reading.send('a');
+    EXPECT_TRUE(test::waitUntil([&] { return flood.taken() >= ReceivedInput::kRoom; }));
+    // Whoever took all that is due would have it when this is heard; and a device that is held up hears all the same.
+    reading.send('b');
+    EXPECT_TRUE(test::waitUntil([&] { return flood.heard() == 2; }));
+    EXPECT_LT(flood.taken(), Flood::kSize / 4);
+    EXPECT_TRUE(reading.receive(Flood::kSize) == Flood::everything()); // a megabyte is no message
+}
 
 TEST_F(PtyDeviceHostTest, WhatIsSentWhileTheLineIsClosedIsLost)
 {

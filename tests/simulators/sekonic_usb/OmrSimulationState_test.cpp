@@ -53,7 +53,8 @@ TEST(OmrSimulationState, TellsWhereAMistakeIs)
         const char *json, *message;
     } rows[] = {
         {"[]", "the text has to be an object, not an array"},
-        {R"({"colums":48})", "the text has an unknown key \"colums\"; the keys are sheets, randomSheets, paperFaults, "},
+        {R"({"colums":48})",
+         "the text has an unknown key \"colums\"; the keys are sheets, randomSheets, paperFaults, "},
         {R"({"columns":"48"})", "columns has to be a whole number, not a text"},
         {R"({"connected":1})", "connected has to be true or false, not a number"},
         {R"({"readingMethod":[1]})", "readingMethod has to have two values"},
