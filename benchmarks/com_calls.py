@@ -40,9 +40,9 @@ def processes(harness):
             "EmptyProcess": statistics.median(took["nothing"])}
 
 
-def measure(width, build, program):
-    os.environ.update(KEL_WINDOWS_BIN=str(build / "bin"), KEL_WINDOWS_WIDTH=width, KEL_READER_PROGRAM=program,
-                      WINEPREFIX=str(build / "benchmark_prefix"))
+def measure(width, build, program, prefix):
+    os.environ.update(KEL_WINDOWS_BIN=str(build / "bin"), KEL_WINDOWS_WIDTH=width, KEL_READER_PROGRAM=str(program),
+                      WINEPREFIX=str(prefix))
     sys.modules.pop("harness", None)
     harness = importlib.import_module("harness")  # reads the environment
     harness.start_display()
@@ -59,14 +59,14 @@ def measure(width, build, program):
 def main():
     if len(sys.argv) < 4:
         sys.exit(__doc__)
-    program, output = sys.argv[1:3]
+    program, output = (pathlib.Path(argument).resolve() for argument in sys.argv[1:3])
     figures = []
     for edition in sys.argv[3:]:
         width, _, build = edition.partition("=")
         group = {"64": "Com_", "32": "Com32_"}[width]
-        measured = measure(width, pathlib.Path(build).resolve(), str(pathlib.Path(program).resolve()))
+        measured = measure(width, pathlib.Path(build).resolve(), program, output.with_name("com_prefix" + width))
         figures += [{"name": group + name, "real_time": value, "time_unit": "ns"} for name, value in measured.items()]
-    pathlib.Path(output).write_text(json.dumps({"benchmarks": figures}))
+    output.write_text(json.dumps({"benchmarks": figures}))
 
 
 if __name__ == "__main__":
