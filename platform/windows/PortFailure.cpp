@@ -34,7 +34,10 @@ FailureCode portOpenFailureCode(unsigned long error)
 RuntimeFailure portOpenFailure(Int16 port, const std::string& device, unsigned long error)
 {
     const FailureCode code = portOpenFailureCode(error);
-    const std::string reason = systemErrorText(error);
+    // The system's words are a sentence, and here the end of one.
+    std::string reason = systemErrorText(error);
+    if (reason.ends_with('.'))
+        reason.pop_back();
     FailedPort failed{.number = port, .device = device};
     switch (code) {
     case FailureCode::InvalidPortNumber:
@@ -48,7 +51,7 @@ RuntimeFailure portOpenFailure(Int16 port, const std::string& device, unsigned l
     case FailureCode::DeviceNotOpen: failed.cause = "is not a serial device: " + reason; break;
     default: failed.cause = "cannot be opened: " + reason; break;
     }
-    return RuntimeFailure(code, failureText(code) + ": " + portName(port, device) + " " + failed.cause +
+    return RuntimeFailure(code, failureText(code) + ": " + portName(port, device) + " " + failed.cause + "." +
                                     (failed.remedy.empty() ? "" : " " + failed.remedy))
         .about(failed);
 }

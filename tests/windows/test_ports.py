@@ -26,6 +26,9 @@ class Ports(WindowsTest):
             self.assertIn('"event":"sheet"', self.there("scan", "--model", 21, "--port", MAPPED, "--max-sheets", 1, "--set",
                                                              "Timeout=600"))
         self.there("ports", "clear", MAPPED)
+        listed = self.there("ports")
+        self.assertIn(f"COM{PORT} is not there: File not found. Connect the reader", listed)
+        self.assertIn("(COM16) is not a serial device: Invalid function.\n", listed)
         self.assertIn(f"Port {MAPPED} has no device", self.there("ports", "clear", MAPPED))
 
     def test_names_an_adapter_and_its_latency_timer(self):
