@@ -128,8 +128,15 @@ def make_prefix():
     PORTS.mkdir()
     (PORTS / "file").write_text("no serial device")
     ports = [f'"COM{number}"="{port_link(number)}"' for number in range(1, 18)]
-    with open(PREFIX / "system.reg", "a", encoding="utf-8") as registry:
-        registry.write("\n".join(["", r"[Software\\Wine\\Ports]", *ports, ""]))
+    _add_key("system.reg", r"[Software\\Wine\\Ports]", *ports)
+    # No window manager is on the display: with each window Wine would wait two seconds for one.
+    _add_key("user.reg", r"[Software\\Wine\\X11 Driver]", '"Managed"="N"')
+
+
+def _add_key(file, *lines):
+    """Adds a key to a registry that no Wine has read yet."""
+    with open(PREFIX / file, "a", encoding="utf-8") as registry:
+        registry.write("\n".join(["", *lines, ""]))
 
 
 def _untouched_prefix():
