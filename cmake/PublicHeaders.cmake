@@ -13,6 +13,7 @@ set(KEL_PUBLIC_HEADERS
     failure/ErrorReport.h
     options/Controls.h
     options/Form.h
+    options/OptionsAids.h
     options/OptionsPresenter.h
     options/frmOptions.h
     platform/Carrier.h

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "host/Ports.h"
 
-#include "host/SerialDevices.h"
 #include "platform/Platform.h"
+#include "platform/PortLook.h"
 #include "platform/PortMap.h"
+#include "platform/SerialDevices.h"
 
 #include <algorithm>
 
@@ -14,27 +15,15 @@ namespace {
 /// As much of a name as is shown where it is longer than a device's can be.
 constexpr std::size_t kBeginning = 40;
 
-/// Why a line does not open. A device that has no number yet is not told of one.
-std::string reasonOf(const RuntimeFailure& failure, const PortState& state)
+/// Notes whether a line opens, and why not. The reason of a device without a number names none.
+void note(const PortLook& look, PortState& state)
 {
-    const FailedPort& port = failure.port();
+    const FailedPort& port = look.port;
+    state.opens = look.opens;
     if (state.port || port.cause.empty())
-        return failure.text();
-    return port.device + " " + port.cause + (port.remedy.empty() ? "." : ". " + port.remedy);
-}
-
-/// Opens the device of a port, and notes why that fails.
-void tryToOpen(Int16 port, PortState& state)
-{
-    try {
-        const auto control = platform().newSerialControl();
-        control->CommPort(port);
-        control->PortOpen(True);
-        control->PortOpen(False);
-        state.opens = true;
-    } catch (const RuntimeFailure& failure) {
-        state.reason = reasonOf(failure, state);
-    }
+        state.reason = look.reason;
+    else
+        state.reason = port.device + " " + port.cause + (port.remedy.empty() ? "." : ". " + port.remedy);
 }
 
 Int16 firstFreePort(const PortMap& map)
@@ -46,15 +35,13 @@ Int16 firstFreePort(const PortMap& map)
     return PortMap::kLastPort;
 }
 
-PortState stateOfNumber(const PortMap& map, Int16 port)
+PortState stateOfNumber(Int16 port)
 {
     PortState state;
     state.port = port;
-    state.device = map.get(port);
-    if (!state.device)
-        state.device = usualDevice(port);
+    state.device = deviceOfPort(port);
     if (state.device)
-        tryToOpen(port, state);
+        note(lookAtPort(port), state);
     if (state.device && state.device->size() > PortMap::kLongestDevice)
         state.device = state.device->substr(0, kBeginning) + "...";
     return state;
@@ -66,8 +53,7 @@ PortState stateOfDevice(const SerialDevice& device, Int16 iFreePort)
     PortState state;
     state.device = device.name;
     state.description = device.description;
-    const PortOverride inItsPlace(iFreePort, device.name);
-    tryToOpen(iFreePort, state);
+    note(lookAtDevice(device.name, iFreePort), state);
     return state;
 }
 
@@ -78,7 +64,7 @@ std::vector<PortState> portStates()
     const PortMap map(platform().registry());
     std::vector<PortState> ports;
     for (Int16 port = PortMap::kFirstPort; port <= PortMap::kLastPort; ++port)
-        ports.push_back(stateOfNumber(map, port));
+        ports.push_back(stateOfNumber(port));
 
     const Int16 iFreePort = firstFreePort(map);
     for (const SerialDevice& device : serialDevices()) {

@@ -243,12 +243,18 @@ public:
     void ClearRows()
     {
         rows_.clear();
+        aids_.clear();
+        unavailable_.clear();
         currentRow_ = -1;
         topRow_ = 0;
     }
 
     /// Adds an empty row at the end.
-    void AddRow() { rows_.emplace_back(); }
+    void AddRow()
+    {
+        rows_.emplace_back();
+        aids_.emplace_back();
+    }
 
     /// How many rows there are.
     [[nodiscard]] Int32 RowCount() const { return static_cast<Int32>(rows_.size()); }
@@ -299,6 +305,24 @@ public:
     /// Column 0 of the selected row, empty without one.
     [[nodiscard]] std::string Text() const { return CellText(0, currentRow_); }
 
+    /// What a view shows after column 0 of a row, for people alone: the device of a port. Empty for none.
+    [[nodiscard]] std::string Remark(Int32 row) const { return isCell(row, 0) ? aidOf(row).remark : std::string(); }
+    void Remark(Int32 row, std::string text) { aid(row).remark = std::move(text); }
+
+    /// What rows of the same kind stand under when the list is open: the maker of a model. Empty for none.
+    [[nodiscard]] std::string Group(Int32 row) const { return isCell(row, 0) ? aidOf(row).group : std::string(); }
+    void Group(Int32 row, std::string text) { aid(row).group = std::move(text); }
+
+    /// A line that is no row: nobody can select it.
+    struct Line {
+        std::string text{};   ///< what it is
+        std::string reason{}; ///< why it cannot be chosen
+        friend bool operator==(const Line&, const Line&) = default;
+    };
+    /// What a view shows greyed after the rows.
+    [[nodiscard]] const std::vector<Line>& Unavailable() const { return unavailable_; }
+    void Unavailable(std::vector<Line> lines) { unavailable_ = std::move(lines); }
+
     /// What stands in the field while nothing is selected.
     [[nodiscard]] const std::string& Prompt() const { return prompt_; }
     void Prompt(std::string value) { prompt_ = std::move(value); }
@@ -312,7 +336,21 @@ private:
         return row >= 0 && row < RowCount() && column >= 0 && column < kColumns;
     }
 
+    struct RowAid {
+        std::string remark{};
+        std::string group{};
+    };
+    [[nodiscard]] const RowAid& aidOf(Int32 row) const { return aids_[static_cast<std::size_t>(row)]; }
+    [[nodiscard]] RowAid& aid(Int32 row)
+    {
+        if (!isCell(row, 0))
+            throw RuntimeFailure(FailureCode::SubscriptOutOfRange);
+        return aids_[static_cast<std::size_t>(row)];
+    }
+
     std::vector<std::array<std::string, kColumns>> rows_;
+    std::vector<RowAid> aids_; // of each row
+    std::vector<Line> unavailable_;
     Int32 currentRow_ = -1;
     Int32 topRow_ = 0;
     std::string prompt_;

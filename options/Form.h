@@ -2,6 +2,7 @@
 #pragma once
 
 #include "options/Controls.h"
+#include "options/OptionsAids.h"
 
 namespace kel {
 
@@ -48,6 +49,9 @@ public:
     [[nodiscard]] void* Window() const { return window_; }
     void Window(void* window) { window_ = window; }
 
+    /// What a view may offer around the controls.
+    [[nodiscard]] OptionsAids& Aids() const { return *aids_; }
+
     /// Loads the form, once: its captions, its layout, its values.
     void Load()
     {
@@ -86,6 +90,8 @@ public:
 
 protected:
     Form() = default;
+    /// Those of the form, which are to live as long as it.
+    void Aids(OptionsAids& aids) { aids_ = &aids; }
 
 private:
     /// As wide as 5 points a character.
@@ -101,6 +107,7 @@ private:
     std::string helpFile_;
     TextMeasure* measure_ = nullptr;
     void* window_ = nullptr;
+    OptionsAids* aids_ = nullptr;
     bool loaded_ = false;
     Boolean visible_ = False;
 };

@@ -4,6 +4,7 @@
 #include "failure/ObjectLife.h"
 #include "failure/basError.h"
 #include "failure/guarded.h"
+#include "options/FormAids.h"
 #include "options/basPublic.h"
 #include "options/basUtils.h"
 #include "platform/Platform.h"
@@ -19,8 +20,9 @@ constexpr Int32 kLabelGap = 60;
 
 } // namespace
 
-frmOptions::frmOptions() : mscScanner_(platform().newSerialControl())
+frmOptions::frmOptions() : mscScanner_(platform().newSerialControl()), ownAids_(std::make_unique<FormAids>(*this))
 {
+    Aids(*ownAids_);
     undecided();
     connectEvents();
     placeControls();

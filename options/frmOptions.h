@@ -13,6 +13,8 @@
 
 namespace kel {
 
+class FormAids;
+class FormSettings;
 class ObjectLife;
 class SerialControl;
 class clsKELReader;
@@ -128,7 +130,8 @@ public:
     /// Makes room for the captions: fields and lists go right of the longest label.
     void RepositionControls();
 
-    /// Fills the lists and shows the reader's settings. Each port from 1 to 16 is opened for an instant.
+    /// Fills the lists and shows the reader's settings. Each port from 1 to 16 is opened for an instant, unless the
+    /// view has asked for the ports to come by themselves.
     void LoadValues();
 
     /// Writes the settings to a reader: those of the line only for a serial model; for no model the defaults of none.
@@ -174,6 +177,7 @@ public:
     [[nodiscard]] Int16 iReaderIndex() const { return iReaderIndex_; }
 
 private:
+    friend class FormSettings;
     template <class Object>
     friend class StatedModule;
 
@@ -188,6 +192,7 @@ private:
     void placeControls();
     void fillLineLists();
     [[nodiscard]] bool locateWithDialogValues(Int16 iPortIndex, Int16& iStartPort, Int16& iPortLocated);
+    void fillPorts(Int16& iPort);
     [[nodiscard]] clsKELReader& reader() const;
 
     std::unique_ptr<ObjectLife> life_; // from loading to unloading
@@ -195,6 +200,7 @@ private:
     clsKELReader* cReaderOptions_ = nullptr;
     bool bLoadingValues_ = false;
     std::unique_ptr<SerialControl> mscScanner_; // the carrier of the port test alone
+    std::unique_ptr<FormAids> ownAids_;
 };
 
 } // namespace kel

@@ -4,6 +4,7 @@
 #include "options/frmOptions.h"
 
 #include "failure/guarded.h"
+#include "options/FormAids.h"
 #include "options/ListSelection.h"
 #include "platform/Platform.h"
 #include "reader/clsKELReader.h"
@@ -88,6 +89,7 @@ void frmOptions::cmdLocate_Click()
             return;
         Screen& screen = platform().screen();
         screen.MousePointer(kMousePointerHourglass);
+        ownAids_->endLook(); // the search opens the same ports
         const BorrowedSettings borrowed(reader(), own);
         if (locateWithDialogValues(iPortIndex, iStartPort, iPortLocated)) {
             screen.MsgBox(VBLM_RTString(text::kReaderFoundAtPort) + cboPort.Text(), BoxIcon::Information,

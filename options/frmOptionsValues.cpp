@@ -5,6 +5,7 @@
 
 #include "failure/guarded.h"
 #include "options/ControlValues.h"
+#include "options/FormAids.h"
 #include "options/ListSelection.h"
 #include "platform/Platform.h"
 #include "reader/clsKELReader.h"
@@ -127,19 +128,25 @@ void frmOptions::fillLineLists()
     fill(cboFlowControl, kFlowControls);
 }
 
+void frmOptions::fillPorts(Int16& iPort)
+{
+    cboPort.ClearRows();
+    for (iPort = kFirstPort; iPort <= kLastPort; ++iPort) {
+        if (IsValidPort(iPort))
+            AddComboItem(cboPort, CStr(iPort), True, 0, -1);
+    }
+    selectText(cboPort, CStr(reader().Port()), 0);
+    if (cboPort.CurrentRow() == -1)
+        cboPort.CurrentRow(0);
+}
+
 void frmOptions::LoadValues()
 {
     Int16 iPort = 0;
     Int32 lPosition = 0;
     guarded("KELReader81 - frmOptions.LoadValues", KEL_LOCALS(iPort, lPosition) + moduleOf(*this), [&] {
-        cboPort.ClearRows();
-        for (iPort = kFirstPort; iPort <= kLastPort; ++iPort) {
-            if (IsValidPort(iPort))
-                AddComboItem(cboPort, CStr(iPort), True, 0, -1);
-        }
-        selectText(cboPort, CStr(reader().Port()), 0);
-        if (cboPort.CurrentRow() == -1)
-            cboPort.CurrentRow(0);
+        if (!ownAids_->beginsToLook(reader().Port()))
+            fillPorts(iPort);
 
         cboReaderType.ClearRows();
         for (lPosition = 1; lPosition <= reader().Profiles()->Count(); ++lPosition) {
@@ -177,6 +184,7 @@ void frmOptions::LoadValues()
         txtReaderTimeout.Text(CStr(reader().Timeout()));
         if (reader().SleepTime() >= txtSystemPause.Minimum())
             txtSystemPause.Text(CStr(reader().SleepTime()));
+        ownAids_->noteLoaded();
     });
 }
 
@@ -217,6 +225,9 @@ void frmOptions::SaveValues(clsKELReader& cSaveReader)
 void frmOptions::cmdOK_Click()
 {
     guarded("KELReader81 - frmOptions.cmdOK_Click", moduleOf(*this), [&] {
+        // A port that has not come yet may be the only one.
+        if (cboPort.Text().empty())
+            ownAids_->endLook();
         if (cboPort.Enabled() && cboReaderType.CurrentRow() > 0 && cboPort.Text().empty()) {
             platform().screen().MsgBox(VBLM_RTString(text::kNoPortChosen), BoxIcon::Exclamation, BoxButtons::Ok,
                                        VBLM_RTString(text::kNoPortChosenTitle));

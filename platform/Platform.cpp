@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "platform/Platform.h"
 
+#include "platform/ThreadPlatform.h"
+
 #include <atomic>
 #include <stdexcept>
 
@@ -30,6 +32,11 @@ Platform& platform()
         own = factory();
     }
     return *own;
+}
+
+bool threadsShareThisMachine() noexcept
+{
+    return !current && factoryInUse.load() != nullptr;
 }
 
 PlatformScope::PlatformScope(Platform& platform) : previous_(current)

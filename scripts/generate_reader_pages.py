@@ -45,6 +45,31 @@ from reader_facts import (
 # Texts of the options dialog that are captions and no messages; they are explained by the dialog itself.
 LAST_CAPTION = 158
 CAPTIONS = (168, 170)
+# What the window of the dialog says around them.
+FIRST_AID, LAST_AID = 560, 656
+
+# The settings as the dialog names and explains them: caption, property, explanation.
+SETTINGS = (
+    (110, "Feeder", 604),
+    (112, "Duplex", 606),
+    (114, "Rejecter", 608),
+    (116, "ReaderGrade", 610),
+    (118, "Barcode", 612),
+    (120, "Printer.Enabled", 614),
+    (122, "Windowing", 616),
+    (128, "RecognitionThreshold", 618),
+    (124, "MarkDiscrimination", 620),
+    (132, "MarkCutOff", 622),
+    (126, "Timeout", 624),
+    (130, "SleepTime", 626),
+    (142, "Port", 628),
+    (150, "BaudRate", 630),
+    (148, "DataBits", 632),
+    (146, "Parity", 634),
+    (144, "StopBits", 636),
+    (152, "FlowControl", 638),
+)
+SETTINGS_HERE = "{settings}"
 
 LONG_GROUP = 4
 
@@ -62,7 +87,7 @@ PARITY = {"N": "none", "O": "odd", "E": "even", "M": "mark", "S": "space"}
 
 
 def is_message(number):
-    return number > LAST_CAPTION and number not in CAPTIONS
+    return number > LAST_CAPTION and number not in CAPTIONS and not FIRST_AID <= number <= LAST_AID
 
 
 def table(heads, rows):
@@ -146,6 +171,14 @@ def value_table(models, lines):
     return table((*heads, "Search on the ports", "Firmware version"), rows)
 
 
+def settings_table(texts):
+    rows = [
+        (texts[caption].replace("&", "").rstrip(":"), f"`{name}`", texts[explanation])
+        for caption, name, explanation in SETTINGS
+    ]
+    return table(("In the options dialog", "Property", "What it does"), rows)
+
+
 def shown(text):
     """A text on one line, N where a value is filled in, and three dots where one stands behind it."""
     open_end = text.endswith(" ")
@@ -204,7 +237,10 @@ def page_text(advice, tables, texts, failures, lead=""):
     ]
     for section in advice.sections:
         parts.append(f"## {section.heading}")
-        parts.append(section.prose)
+        prose = section.prose
+        if SETTINGS_HERE in prose:
+            prose = prose.replace(SETTINGS_HERE, settings_table(texts))
+        parts.append(prose)
         parts += [message_text(message, texts, failures) for message in section.messages]
     return "\n\n".join(part for part in parts if part) + "\n"
 

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "cli/check/CheckRun.h"
-#include "host/Ports.h"
-#include "host/SerialDevices.h"
-#include "platform/PortMap.h"
+#include "platform/PortLook.h"
+#include "platform/SerialDevices.h"
 
 namespace kel {
 
@@ -93,14 +92,13 @@ std::string deviceOf(const CheckRun& run)
     const host::Request& request = run.plan().request;
     if (!request.device.empty())
         return request.device;
-    return request.port ? host::deviceOf(*request.port).value_or("") : "";
+    return request.port ? deviceOfPort(*request.port).value_or("") : "";
 }
 
 void checkAdapter(CheckRun& run)
 {
     const std::string device = deviceOf(run);
-    const std::optional<std::string> timer =
-        run.bench().fact(kLatencyTimer, [&] { return host::latencyTimer(device); });
+    const std::optional<std::string> timer = run.bench().fact(kLatencyTimer, [&] { return latencyTimer(device); });
     CheckResult result{.stage = kStage, .name = "buffering of the adapter", .status = CheckStatus::NotApplicable};
     if (timer) {
         const bool quick = std::atoi(timer->c_str()) <= kQuickTimer;
@@ -108,7 +106,7 @@ void checkAdapter(CheckRun& run)
         result.expected = "a latency timer of 1 ms";
         result.seen = *timer + " ms";
         if (!quick)
-            result.advice = host::latencyAdvice(device);
+            result.advice = latencyAdvice(device);
     } else {
         result.seen = "no adapter with a latency timer";
     }

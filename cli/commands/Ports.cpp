@@ -3,9 +3,9 @@
 #include "cli/Commands.h"
 #include "cli/PortList.h"
 #include "cli/UsageError.h"
-#include "host/SerialDevices.h"
 #include "host/TextOutput.h"
 #include "platform/PortMap.h"
+#include "platform/SerialDevices.h"
 #include "types/Text.h"
 
 #include <filesystem>
@@ -42,7 +42,7 @@ int set(const Arguments& arguments)
     const Int16 iPort = portNumber(arguments);
     if (arguments.device.empty())
         throw host::UsageError("The name of the device is empty; 'kelreader ports' lists the devices that are there.");
-    const std::string device = host::wholeName(arguments.device);
+    const std::string device = wholeName(arguments.device);
     if (device.size() > PortMap::kLongestDevice)
         throw host::UsageError("The name of the device is " + CStr(static_cast<std::int64_t>(device.size())) +
                                " bytes long; the limit is " + CStr(static_cast<std::int64_t>(PortMap::kLongestDevice)) +
@@ -53,7 +53,7 @@ int set(const Arguments& arguments)
     std::error_code ignored;
     if (device.starts_with('/') && !std::filesystem::exists(device, ignored))
         std::cerr << "kelreader: " << device << " is not there now." << std::endl;
-    else if (const std::string stable = host::stableName(device); stable != device)
+    else if (const std::string stable = stableName(device); stable != device)
         std::cerr << "kelreader: " << device << " may be another device after the next start; " << stable
                   << " stays the same." << std::endl;
     return kDoneStatus;

@@ -1,10 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "options/qt/ListBox.h"
 
+#include "options/qt/GroupedRows.h"
+
 #include <QAbstractItemView>
 #include <QApplication>
 #include <QKeyEvent>
 #include <QProxyStyle>
+#include <QScrollBar>
+#include <QStandardItemModel>
 #include <QStyleOptionComboBox>
 
 #include <algorithm>
@@ -35,6 +39,7 @@ ListBox::ListBox(QWidget* parent) : QComboBox(parent)
     setStyle(style);
     setFocusPolicy(Qt::StrongFocus);
     setMaxVisibleItems(kRowsInView);
+    setItemDelegate(new GroupedRows(this));
     view()->installEventFilter(this);
     takeColors();
 }
@@ -58,6 +63,50 @@ void ListBox::changeEvent(QEvent* event)
         takeColors();
 }
 
+bool ListBox::isGrey(int row) const
+{
+    return (model()->flags(model()->index(row, modelColumn())) & Qt::ItemIsEnabled) == 0;
+}
+
+void ListBox::setRow(int at, const Row& row)
+{
+    insertItem(at, row.text);
+    setItemData(at, row.reason, Qt::ToolTipRole);
+    setItemData(at, row.group, GroupedRows::kGroup);
+    if (row.isGrey)
+        dynamic_cast<QStandardItemModel&>(*model()).item(at)->setFlags(Qt::NoItemFlags);
+}
+
+void ListBox::takeRows(const std::vector<Row>& rows)
+{
+    const auto stands = [&](const Row& row, int at) {
+        return at < count() && itemText(at) == row.text && isGrey(at) == row.isGrey &&
+               itemData(at, Qt::ToolTipRole).toString() == row.reason &&
+               itemData(at, GroupedRows::kGroup).toString() == row.group;
+    };
+    const auto isWantedLater = [&](std::size_t from, int at) {
+        return std::any_of(rows.begin() + static_cast<std::ptrdiff_t>(from), rows.end(),
+                           [&](const Row& row) { return stands(row, at); });
+    };
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        const auto at = static_cast<int>(i);
+        while (at < count() && !isWantedLater(i, at))
+            removeItem(at);
+        if (!stands(rows[i], at))
+            setRow(at, rows[i]);
+    }
+    while (count() > static_cast<int>(rows.size()))
+        removeItem(count() - 1);
+}
+
+void ListBox::showPopup()
+{
+    if (narrow_)
+        view()->setMinimumWidth(view()->sizeHintForColumn(modelColumn()) +
+                                view()->verticalScrollBar()->sizeHint().width());
+    QComboBox::showPopup();
+}
+
 /// Qt remembers the size that it finds at first, when there are no rows yet.
 QSize ListBox::sizeHint() const
 {
@@ -65,7 +114,7 @@ QSize ListBox::sizeHint() const
     QStyleOptionComboBox option;
     initStyleOption(&option);
     int widest = fontMetrics().horizontalAdvance(placeholderText());
-    for (int row = 0; row < count(); ++row)
+    for (int row = 0; row < count() && !narrow_; ++row)
         widest = std::max(widest, fontMetrics().horizontalAdvance(itemText(row)));
     return style()->sizeFromContents(QStyle::CT_ComboBox, &option, QSize(widest, fontMetrics().height()), this);
 }
@@ -91,9 +140,11 @@ int ListBox::rowOf(const QString& text, int from) const
     for (const Qt::MatchFlag where : {Qt::MatchStartsWith, Qt::MatchContains}) {
         const QModelIndexList found =
             model()->match(model()->index(std::max(from, 0) % std::max(count(), 1), modelColumn()), Qt::DisplayRole,
-                           text, 1, where | Qt::MatchWrap);
-        if (!found.isEmpty())
-            return found.front().row();
+                           text, -1, where | Qt::MatchWrap);
+        for (const QModelIndex& each : found) {
+            if (!isGrey(each.row()))
+                return each.row();
+        }
     }
     return -1;
 }

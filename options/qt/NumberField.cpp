@@ -39,7 +39,6 @@ void NumberField::refresh()
         QAccessibleValueChangeEvent changed(this, text.toInt());
         QAccessible::updateAccessibility(&changed);
     }
-    setToolTip(QString("%1 – %2").arg(edit_.Minimum()).arg(edit_.Maximum()));
     update();
 }
 

@@ -23,6 +23,9 @@ public:
     /// no number in it, which the user has been told.
     [[nodiscard]] bool leave();
 
+    /// The field of the form.
+    [[nodiscard]] const PowerEdit& edit() const { return edit_; }
+
     /// What stands in the field, the bounds, and another text as if it were typed and the field left; for programs that
     /// assist the user.
     [[nodiscard]] QString shownText() const { return text(); }

@@ -2,9 +2,9 @@
 #include "options/qt/OptionsWindow.h"
 
 #include "options/qt/FieldAccess.h"
+#include "options/qt/PortTools.h"
 
 #include <QApplication>
-#include <QDesktopServices>
 #include <QFrame>
 #include <QGridLayout>
 #include <QHBoxLayout>
@@ -12,7 +12,6 @@
 #include <QScreen>
 #include <QScrollArea>
 #include <QToolButton>
-#include <QUrl>
 #include <QVBoxLayout>
 
 namespace kel {
@@ -52,17 +51,17 @@ public:
     [[nodiscard]] QSize sizeHint() const override { return widget()->sizeHint(); }
 };
 
-/// Gives a list the rows of the model, if it has others.
-void takeRows(QComboBox& box, const PowerCombo& list)
+/// The rows of a list, and below them what cannot be chosen.
+std::vector<ListBox::Row> rowsOf(const PowerCombo& list)
 {
-    bool same = box.count() == list.RowCount();
-    for (Int32 row = 0; same && row < list.RowCount(); ++row)
-        same = box.itemText(row) == text(list.CellText(0, row));
-    if (same)
-        return;
-    box.clear();
-    for (Int32 row = 0; row < list.RowCount(); ++row)
-        box.addItem(text(list.CellText(0, row)));
+    std::vector<ListBox::Row> rows;
+    for (Int32 row = 0; row < list.RowCount(); ++row) {
+        const QString remark = text(list.Remark(row));
+        rows.push_back({text(list.CellText(0, row)) + (remark.isEmpty() ? "" : " – " + remark), text(list.Group(row))});
+    }
+    for (const PowerCombo::Line& line : list.Unavailable())
+        rows.push_back({text(line.text), {}, text(line.reason), true});
+    return rows;
 }
 
 } // namespace
@@ -94,7 +93,11 @@ OptionsWindow::OptionsWindow(frmOptions& form, WindowPlace& place, QWidget* pare
     boxes->setSpacing(margin);
     boxes->addWidget(readerBox(), 1);
     boxes->addWidget(portBox(), 1);
-    body->addLayout(boxes, 1);
+    // The boxes keep their room while no model is chosen.
+    auto* const settings = new QGridLayout;
+    settings->addLayout(boxes, 0, 0);
+    settings->addWidget(noModel(), 0, 0, Qt::AlignTop);
+    body->addLayout(settings, 1);
     body_ = new ScrolledBody(content, this);
     page->addWidget(body_, 1);
 
@@ -118,9 +121,10 @@ Widget* OptionsWindow::enlist(Control& control, Widget* widget)
 {
     widget->setObjectName(QString::fromUtf8(control.Name().data(), static_cast<qsizetype>(control.Name().size())));
     controls_.emplace(widget, &control);
-    updates_.emplace_back([&control, widget] {
+    updates_.emplace_back([this, &control, widget] {
         widget->setEnabled(static_cast<bool>(control.Enabled()));
         widget->setVisible(static_cast<bool>(control.Visible()));
+        explain(control, *widget);
     });
     return widget;
 }
@@ -149,8 +153,10 @@ QGroupBox* OptionsWindow::readerBox()
     auto* const grid = new QGridLayout(frame);
     int row = 0;
     for (CheckBox* const box : {&form_.chkFeeder, &form_.chkDuplex, &form_.chkRejecter, &form_.chkReaderGrade,
-                                &form_.chkBarcode, &form_.chkPrinter, &form_.chkWindowing})
-        grid->addWidget(put(*box), row++, 0, 1, 2);
+                                &form_.chkBarcode, &form_.chkPrinter, &form_.chkWindowing}) {
+        grid->addWidget(put(*box), row, 0, 1, 2);
+        grid->addWidget(resetOf(*box), row++, 2);
+    }
     auto* const gap = new QWidget(frame);
     gap->setFixedHeight(fontMetrics().height() / 2);
     updates_.emplace_back([grid, gap, options = row] {
@@ -160,11 +166,12 @@ QGroupBox* OptionsWindow::readerBox()
         gap->setVisible(any);
     });
     grid->addWidget(gap, row++, 0);
-    addLine(*grid, row++, form_.lblRecognitionThreshold, put(form_.txtRecognitionThreshold));
-    addLine(*grid, row++, form_.lblMarkDiscrimination, put(form_.txtMarkDiscrimination));
-    addLine(*grid, row++, form_.lblMarkCutOff, put(form_.txtMarkCutOff));
-    addLine(*grid, row++, form_.lblReaderTimeout, put(form_.txtReaderTimeout));
-    addLine(*grid, row++, form_.lblSystemPause, put(form_.txtSystemPause));
+    addLine(*grid, row++, form_.lblRecognitionThreshold, put(form_.txtRecognitionThreshold),
+            form_.txtRecognitionThreshold);
+    addLine(*grid, row++, form_.lblMarkDiscrimination, put(form_.txtMarkDiscrimination), form_.txtMarkDiscrimination);
+    addLine(*grid, row++, form_.lblMarkCutOff, put(form_.txtMarkCutOff), form_.txtMarkCutOff);
+    addLine(*grid, row++, form_.lblReaderTimeout, put(form_.txtReaderTimeout), form_.txtReaderTimeout);
+    addLine(*grid, row++, form_.lblSystemPause, put(form_.txtSystemPause), form_.txtSystemPause);
     grid->setRowStretch(row, 1);
     grid->setColumnStretch(0, 1);
     return frame;
@@ -176,17 +183,27 @@ QGroupBox* OptionsWindow::portBox()
     auto* const grid = new QGridLayout(frame);
     auto* const port = new QHBoxLayout;
     ListBox* const ports = put(form_.cboPort);
+    ports->keepNarrow();
     port->addWidget(ports, 1);
-    port->addWidget(put(form_.cmdLocate));
+    QPushButton* const locate = put(form_.cmdLocate);
+    port->addWidget(locate);
+    updates_.emplace_back([this, locate] {
+        if (form_.Aids().looksAtPorts())
+            locate->setEnabled(false);
+    });
     grid->addWidget(put(form_.lblPort, ports), 0, 0);
-    grid->addLayout(port, 0, 1);
-    addLine(*grid, 1, form_.lblBaud, put(form_.cboBaud));
-    addLine(*grid, 2, form_.lblDataBits, put(form_.cboDataBits));
-    addLine(*grid, 3, form_.lblParity, put(form_.cboParity));
-    addLine(*grid, 4, form_.lblStopBits, put(form_.cboStopBits));
-    addLine(*grid, 5, form_.lblFlowControl, put(form_.cboFlowControl));
+    grid->addLayout(port, 0, 1, 1, 2);
+    addLine(*grid, 1, form_.lblBaud, put(form_.cboBaud), form_.cboBaud);
+    addLine(*grid, 2, form_.lblDataBits, put(form_.cboDataBits), form_.cboDataBits);
+    addLine(*grid, 3, form_.lblParity, put(form_.cboParity), form_.cboParity);
+    addLine(*grid, 4, form_.lblStopBits, put(form_.cboStopBits), form_.cboStopBits);
+    addLine(*grid, 5, form_.lblFlowControl, put(form_.cboFlowControl), form_.cboFlowControl);
+    auto* const tools = new PortTools(
+        form_.Aids(), [this] { refresh(); }, frame);
+    updates_.emplace_back([tools] { tools->refresh(); });
+    grid->addWidget(tools, 6, 0, 1, 3);
     grid->setColumnStretch(1, 1);
-    grid->setRowStretch(6, 1);
+    grid->setRowStretch(7, 1);
     return frame;
 }
 
@@ -200,11 +217,21 @@ QWidget* OptionsWindow::buttons()
     help_ = new QToolButton(bar);
     help_->setObjectName("help");
     help_->setText("?");
+    help_->setAutoRaise(true);
+    QFont bold = font();
+    bold.setBold(true);
+    help_->setFont(bold);
     help_->setToolTip("F1");
-    help_->setShortcut(QKeySequence::HelpContents);
     connect(help_, &QToolButton::clicked, this, [this] { openHelp(); });
     row->addWidget(help_);
-    row->addStretch(1);
+    notice_ = new QLabel(bar);
+    notice_->setObjectName("notice");
+    notice_->setWordWrap(true);
+    QSizePolicy policy = notice_->sizePolicy();
+    policy.setRetainSizeWhenHidden(true);
+    notice_->setSizePolicy(policy);
+    notice_->hide();
+    row->addWidget(notice_, 1);
     QPushButton* const ok = put(form_.cmdOK);
     ok->setDefault(true);
     row->addWidget(ok);
@@ -212,10 +239,11 @@ QWidget* OptionsWindow::buttons()
     return bar;
 }
 
-void OptionsWindow::addLine(QGridLayout& grid, int row, Label& label, QWidget* field)
+void OptionsWindow::addLine(QGridLayout& grid, int row, Label& label, QWidget* field, Control& control)
 {
     grid.addWidget(put(label, field), row, 0);
     grid.addWidget(field, row, 1);
+    grid.addWidget(resetOf(control), row, 2);
 }
 
 QLabel* OptionsWindow::put(Label& label, QWidget* buddy)
@@ -241,12 +269,12 @@ ListBox* OptionsWindow::put(PowerCombo& list)
 {
     auto* const widget = enlist(list, new ListBox(this));
     updates_.emplace_back([&list, widget] {
-        takeRows(*widget, list);
+        widget->takeRows(rowsOf(list));
         widget->setPlaceholderText(text(list.Prompt()));
         widget->setCurrentIndex(list.CurrentRow());
     });
     connect(widget, &ListBox::currentIndexChanged, this, [this, &list](int row) {
-        if (!refreshing_)
+        if (!refreshing_ && row < list.RowCount())
             act([&list, row] { list.CurrentRow(row); });
     });
     return widget;
@@ -264,13 +292,7 @@ QPushButton* OptionsWindow::put(PowerButton& button)
 {
     auto* const widget = enlist(button, new QPushButton(this));
     updates_.emplace_back([&button, widget] { widget->setText(text(button.Caption())); });
-    connect(widget, &QPushButton::clicked, this, [this, &button] {
-        // The default button works while a field still has the focus.
-        auto* const field = dynamic_cast<NumberField*>(focusWidget());
-        if (field && &button != &form_.cmdCancel && !field->leave())
-            return;
-        act([&button] { button.Click(); });
-    });
+    connect(widget, &QPushButton::clicked, this, [this, &button] { click(button); });
     return widget;
 }
 
@@ -290,7 +312,6 @@ void OptionsWindow::run()
     refresh();
     enlargeTitle();
     reserveRoom();
-    help_->setVisible(!form_.HelpFile().empty());
     takePlace();
     setWindowModality(Qt::ApplicationModal);
     if (form_.Visible())
@@ -355,6 +376,7 @@ void OptionsWindow::refresh()
 /// Lets the form do what the user wants, and shows what has become of it.
 void OptionsWindow::act(const std::function<void()>& what)
 {
+    notice_->hide();
     what();
     if (!form_.Visible())
         return;
@@ -383,8 +405,13 @@ void OptionsWindow::reject()
 void OptionsWindow::keyPressEvent(QKeyEvent* event)
 {
     const bool isEnter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-    if (event->matches(QKeySequence::HelpContents) || (isEnter && help_->hasFocus()))
+    auto* const tool = qobject_cast<QToolButton*>(focusWidget());
+    if (event->matches(QKeySequence::HelpContents) && form_.HelpFile().empty())
+        explainFocus();
+    else if (event->matches(QKeySequence::HelpContents))
         openHelp();
+    else if (isEnter && tool)
+        tool->click();
     else
         QDialog::keyPressEvent(event);
 }
@@ -404,16 +431,6 @@ void OptionsWindow::enlargeTitle()
     large.setBold(true);
     large.setPointSizeF(large.pointSizeF() * kTitleSize);
     title_->setFont(large);
-}
-
-void OptionsWindow::openHelp()
-{
-    if (form_.HelpFile().empty())
-        return;
-    QUrl help = QUrl::fromLocalFile(text(form_.HelpFile()));
-    if (form_.HelpContextID() != 0)
-        help.setFragment(QString::number(form_.HelpContextID()));
-    QDesktopServices::openUrl(help);
 }
 
 } // namespace kel

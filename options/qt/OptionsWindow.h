@@ -57,11 +57,19 @@ private:
     NumberField* put(PowerEdit& edit);
     QPushButton* put(PowerButton& button);
     QGroupBox* put(Frame& frame);
-    void addLine(QGridLayout& grid, int row, Label& label, QWidget* field);
+    void addLine(QGridLayout& grid, int row, Label& label, QWidget* field, Control& control);
+    QToolButton* resetOf(Control& control);
+    QLabel* noModel();
     template <class Widget>
     Widget* enlist(Control& control, Widget* widget);
 
     void act(const std::function<void()>& what);
+    void click(PowerButton& button);
+    [[nodiscard]] bool leaves(NumberField& field, bool isOk);
+    [[nodiscard]] bool mayBeSaved();
+    void notify(const std::string& sentence);
+    void explain(Control& control, QWidget& widget);
+    void explainFocus();
     void followFocus(QWidget* now);
     void enlargeTitle();
     void reserveRoom();
@@ -76,6 +84,7 @@ private:
     QScrollArea* body_ = nullptr;
     QLabel* title_ = nullptr;
     QToolButton* help_ = nullptr;
+    QLabel* notice_ = nullptr;
     bool refreshing_ = false;
     QSize usualSize_;
 };

@@ -73,6 +73,7 @@ void QtOptionsPresenter::showWindow(frmOptions& form, QWidget* parent)
     const WindowScreen::Use use(screen_, window);
     form.Measure(&measure);
     form.Window(static_cast<QWidget*>(&window));
+    form.Aids().showPortsAsTheyCome();
     form.Show();
     window.run();
     form.Window(nullptr);

@@ -134,8 +134,8 @@ class AdviceTest(ReaderPagesCase):
         )
 
     def test_every_text_stands_on_some_page(self):
-        self.add("strings/texts/English.txt", "560 = A new message.\n")
-        self.assertEqual(self.run_script()[1], ["strings/texts/English.txt: text 560 stands on no page"])
+        self.add("strings/texts/English.txt", "700 = A new message.\n")
+        self.assertEqual(self.run_script()[1], ["strings/texts/English.txt: text 700 stands on no page"])
 
 
 if __name__ == "__main__":

@@ -29,6 +29,10 @@ void expectWholeTexts(QWidget& window, const std::string& model)
             qobject_cast<QLabel*>(widget) || qobject_cast<QAbstractButton*>(widget) || qobject_cast<QComboBox*>(widget);
         if (!hasText || !widget->isVisible() || widget->objectName().startsWith("qt_"))
             continue;
+        if (const auto* label = qobject_cast<QLabel*>(widget); label && label->wordWrap()) {
+            EXPECT_GE(label->height(), label->heightForWidth(label->width())) << model;
+            continue;
+        }
         EXPECT_GE(widget->width(), widget->sizeHint().width()) << model << widget->objectName().toStdString();
         EXPECT_GE(widget->height(), widget->minimumSizeHint().height()) << model << widget->objectName().toStdString();
         EXPECT_TRUE(window.rect().contains(QRect(widget->mapTo(&window, QPoint()), widget->size())))

@@ -80,6 +80,12 @@ TEST(OptionsWindowTest, EnterIsOkAndValidatesTheFieldThatIsTypedIn)
                                 [](OpenWindow& window) {
                                     window.type("txtMarkCutOff", "999");
                                     QTest::keyClick(&window.get<QWidget>("txtMarkCutOff"), Qt::Key_Return);
+                                    EXPECT_EQ(window.fieldText("txtMarkCutOff"), "254");
+                                    EXPECT_EQ(window.get<QLabel>("notice").text(),
+                                              "Mark cut-off: 999 is outside the range, so it became 254. Choose “OK” "
+                                              "again to keep that.");
+                                    ASSERT_TRUE(window.window().isVisible()) << "what was corrected is shown first";
+                                    QTest::keyClick(&window.get<QWidget>("txtMarkCutOff"), Qt::Key_Return);
                                 }),
               True);
     EXPECT_EQ(host.reader().MarkCutOff(), 254);
@@ -285,11 +291,11 @@ TEST(OptionsWindowTest, TabGoesThroughTheControlsInTheirOrder)
             QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
         }
         static_cast<void>(window);
-        EXPECT_EQ(order,
-                  (std::vector<std::string>{"cboReaderType", "chkFeeder", "chkDuplex", "txtRecognitionThreshold",
-                                            "txtMarkDiscrimination", "txtMarkCutOff", "txtReaderTimeout",
-                                            "txtSystemPause", "cboPort", "cboBaud", "cboDataBits", "cboParity",
-                                            "cboStopBits", "cboFlowControl", "cmdDefaults", "cmdOK", "cmdCancel"}));
+        EXPECT_EQ(order, (std::vector<std::string>{"cboReaderType", "chkFeeder", "chkDuplex", "txtRecognitionThreshold",
+                                                   "txtMarkDiscrimination", "txtMarkCutOff", "txtReaderTimeout",
+                                                   "txtSystemPause", "cboPort", "cboBaud", "cboDataBits", "cboParity",
+                                                   "cboStopBits", "cboFlowControl", "cmdDefaults", "help", "cmdOK",
+                                                   "cmdCancel"}));
     });
 }
 
@@ -307,15 +313,6 @@ TEST(OptionsWindowTest, TheWheelChangesNothingInPassing)
         EXPECT_EQ(window.chosen("cboBaud"), "19200");
         EXPECT_EQ(window.fieldText("txtMarkCutOff"), "10");
     });
-}
-
-TEST(OptionsWindowTest, HelpIsOfferedIfTheHostHasAny)
-{
-    OptionsHost host;
-    DrivenDialog::run(host, [](OpenWindow& window) { EXPECT_FALSE(window.get<QWidget>("help").isVisible()); });
-    host.reader().HelpFile("/nowhere/help.html");
-    DrivenDialog::run(host, [](OpenWindow& window) { EXPECT_TRUE(window.get<QWidget>("help").isVisible()); });
-    host.reader().HelpFile("");
 }
 
 /// Gives the window a font twice as large.

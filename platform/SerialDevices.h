@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "types/Export.h"
 #include "types/Numbers.h"
 
 #include <optional>
 #include <string>
 #include <vector>
 
-namespace kel::host {
+namespace kel {
 
 /// A serial device of this machine.
 struct SerialDevice {
@@ -16,25 +17,26 @@ struct SerialDevice {
 };
 
 /// The serial devices that are there, in the order in which the system lists them.
-[[nodiscard]] std::vector<SerialDevice> serialDevices();
+[[nodiscard]] KEL_INTERNAL std::vector<SerialDevice> serialDevices();
 
 /// The name of a device that stays the same wherever it is plugged in, and the name itself where there is none.
-[[nodiscard]] std::string stableName(const std::string& device, const std::string& folder = "/dev/serial/by-id");
+[[nodiscard]] KEL_INTERNAL std::string stableName(const std::string& device,
+                                                  const std::string& folder = "/dev/serial/by-id");
 
 /// The device of a port number that is not mapped to any: nothing, or on Windows COM1 for 1, if it is there.
 [[nodiscard]] std::optional<std::string> usualDevice(Int16 port);
 
 /// A name under which a device is found from other places too: a path that is given from the present folder becomes a
 /// whole one.
-[[nodiscard]] std::string wholeName(const std::string& device);
+[[nodiscard]] KEL_INTERNAL std::string wholeName(const std::string& device);
 
 /// Whether two names stand for the same device file.
-[[nodiscard]] bool sameDevice(const std::string& a, const std::string& b);
+[[nodiscard]] KEL_INTERNAL bool sameDevice(const std::string& a, const std::string& b);
 
 /// The milliseconds for which an adapter keeps a byte in the hope of more; nothing for a device that does not say.
-[[nodiscard]] std::optional<std::string> latencyTimer(const std::string& device);
+[[nodiscard]] KEL_INTERNAL std::optional<std::string> latencyTimer(const std::string& device);
 
 /// What a person does to make that shorter.
-[[nodiscard]] std::string latencyAdvice(const std::string& device);
+[[nodiscard]] KEL_INTERNAL std::string latencyAdvice(const std::string& device);
 
-} // namespace kel::host
+} // namespace kel

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "host/SerialDevices.h"
+#include "platform/SerialDevices.h"
 
 #include "platform/windows/WindowsText.h"
 #include "types/Text.h"
@@ -12,7 +12,7 @@
 #include <devguid.h>
 #include <setupapi.h>
 
-namespace kel::host {
+namespace kel {
 
 namespace {
 
@@ -101,12 +101,12 @@ std::string stableName(const std::string& device, const std::string&)
 
 std::optional<std::string> usualDevice(Int16 port)
 {
+    // The drivers' list is not whole: a session may have ports of its own, such as those of a remote desktop.
     const std::string name = "COM" + CStr(port);
-    for (const SerialDevice& device : serialDevices()) {
-        if (sameDevice(device.name, name))
-            return name;
-    }
-    return std::nullopt;
+    std::array<wchar_t, kLongestText> target{};
+    const bool isThere = ::QueryDosDeviceW(wideText(name).c_str(), target.data(), kLongestText) != 0 ||
+                         ::GetLastError() == ERROR_INSUFFICIENT_BUFFER;
+    return isThere ? std::optional(name) : std::nullopt;
 }
 
 std::string wholeName(const std::string& device)
@@ -138,4 +138,4 @@ std::string latencyAdvice(const std::string& device)
     return "Lower it to 1: in the Device Manager, " + device + ", Port Settings, Advanced, Latency Timer.";
 }
 
-} // namespace kel::host
+} // namespace kel

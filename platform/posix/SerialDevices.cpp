@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "host/SerialDevices.h"
+#include "platform/SerialDevices.h"
 
 #include <filesystem>
 #include <fstream>
@@ -7,7 +7,7 @@
 #include <memory>
 #include <system_error>
 
-namespace kel::host {
+namespace kel {
 
 namespace {
 
@@ -81,4 +81,4 @@ std::string latencyAdvice(const std::string& device)
     return "Lower it: echo 1 | sudo tee " + latencyFile(device);
 }
 
-} // namespace kel::host
+} // namespace kel
