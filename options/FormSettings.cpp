@@ -202,11 +202,11 @@ std::string FormSettings::unsought() const
     const bool isLoadedModel = value(model) == loaded_.at(model.control);
     const bool isSerial = isModelChosen() && form_.reader().Profiles()->Item(value(model))->InterfaceType() ==
                                                  kelReaderInterfaceTypeSerial;
+    const bool hadPort = reader.ReaderType() != kelReaderTypeNone && reader.Port() != 0;
     std::string lines;
     for (const Setting& setting : settings_) {
         // With another model come its own values, which the user sees. The port alone stays, if it was one of a reader.
-        const bool isOfThisModel =
-            isLoadedModel || (setting.control == &form_.cboPort && reader.ReaderType() != kelReaderTypeNone);
+        const bool isOfThisModel = setting.control == &form_.cboPort ? hadPort : isLoadedModel;
         const bool isSaved = setting.control == model.control || (isModelChosen() && (isSerial || !setting.isLine));
         if (!setting.own || !isOfThisModel || !isSaved || value(setting) != loaded_.at(setting.control) ||
             isValue(setting, setting.own(reader)))

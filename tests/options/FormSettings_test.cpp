@@ -131,6 +131,13 @@ TEST_F(FormSettingsTest, APortThatNoReaderHadIsNoLoss)
     EXPECT_THAT(aids().unsoughtChanges(), IsEmpty());
 }
 
+TEST_F(FormSettingsTest, AReaderThatHadNoPortYetLosesNone)
+{
+    host.reader().LoadDefaults(kelReaderTypeScantronScanMark2500);
+    EXPECT_EQ(host.form().cboPort.Text(), "1");
+    EXPECT_THAT(aids().unsoughtChanges(), IsEmpty());
+}
+
 TEST_F(FormSettingsTest, AUsbModelLeavesTheLineAlone)
 {
     host.reader().LoadDefaults(kelReaderTypeSekonicSR3500);
