@@ -27,6 +27,7 @@ public:
         std::string save{};
         std::string back{};
     };
+    /// Those captions, from `showPortsAsTheyCome` on.
     [[nodiscard]] virtual const Captions& captions() const = 0;
 
     // --- The list of ports
@@ -50,11 +51,13 @@ public:
     /// Why no port can be chosen, and what to do; empty while there is nothing to say.
     [[nodiscard]] virtual const std::string& portAdvice() const = 0;
 
-    /// The serial devices that have no number, and the port numbers 1 to 16 with what each stands for.
+    /// A device or a port number.
     struct Choice {
         std::string text{};  ///< what to show: "FT232R USB UART (/dev/ttyUSB0)", "Port 2", "Port 3 (now /dev/ttyS0)"
         std::string value{}; ///< the device, or the number
     };
+
+    /// The serial devices that have no number, and the port numbers 1 to 16 with what each stands for.
     [[nodiscard]] virtual std::vector<Choice> devicesWithoutPort() const = 0;
     [[nodiscard]] virtual std::vector<Choice> portNumbers() const = 0;
 

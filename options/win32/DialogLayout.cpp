@@ -14,6 +14,9 @@ namespace {
 /// How many digits a number field has room for.
 constexpr const char* kWidestNumber = "8888888";
 
+/// How many lines an advice about the ports may have.
+constexpr int kAdviceLines = 6;
+
 /// A label with its field, and what follows that.
 struct Row {
     Label* label;
@@ -40,6 +43,7 @@ public:
         const double height = std::max(boxHeight(readerRows() + 0.5), boxHeight(portRows().size()));
         placeReaderBox({margin, top, readerWidth + wider, height});
         placePortBox({2 * margin + readerWidth + wider, top, portWidth + wider, height});
+        layout_.noModel = {margin, top, wanted, kAdviceLines * metrics_.line};
         placeButtons(top + height + margin);
         return std::move(layout_);
     }
@@ -60,7 +64,9 @@ private:
     [[nodiscard]] double fieldWidth(const Control& field) const
     {
         if (const auto* list = dynamic_cast<const PowerCombo*>(&field)) {
-            double widest = form_.TextWidth(list->Prompt());
+            // That of the ports changes while they are being looked at; the window keeps its size.
+            const PowerCombo& lasting = list == &form_.cboPort ? form_.cboBaud : *list;
+            double widest = form_.TextWidth(lasting.Prompt());
             for (Int32 row = 0; row < list->RowCount(); ++row)
                 widest = std::max(widest, form_.TextWidth(list->CellText(0, row)));
             return widest + metrics_.arrow + metrics_.line;
@@ -87,6 +93,10 @@ private:
                 {&form_.lblDataBits, &form_.cboDataBits},           {&form_.lblParity, &form_.cboParity},
                 {&form_.lblStopBits, &form_.cboStopBits},           {&form_.lblFlowControl, &form_.cboFlowControl}};
     }
+    /// The button that resets a setting, and the gap before it.
+    [[nodiscard]] double resetSize() const { return metrics_.fieldHeight; }
+    [[nodiscard]] double resetRoom() const { return metrics_.line / 4 + resetSize(); }
+
     [[nodiscard]] double readerRows() const { return static_cast<double>(ticks().size() + numberRows().size()); }
 
     [[nodiscard]] double boxHeight(double rows) const { return metrics_.line * 1.5 + rows * pitch() + gap(); }
@@ -105,7 +115,7 @@ private:
     {
         double widest = 0;
         for (const Row& row : rows) {
-            const double behind = row.behind ? gap() + buttonWidth(*row.behind) : 0;
+            const double behind = row.behind ? gap() + buttonWidth(*row.behind) : resetRoom();
             widest = std::max(widest, fieldWidth(*row.field) + behind);
         }
         return widest;
@@ -119,12 +129,18 @@ private:
     {
         double widest = labelColumn(numberRows()) + fieldColumn(numberRows());
         for (const CheckBox* tick : ticks())
-            widest = std::max(widest, metrics_.tick + textWidth(*tick));
+            widest = std::max(widest, metrics_.tick + textWidth(*tick) + resetRoom());
         return boxWidth(widest, form_.frmReader);
     }
     [[nodiscard]] double portBoxWidth() const
     {
-        return boxWidth(labelColumn(portRows()) + fieldColumn(portRows()), form_.frmComPort);
+        const OptionsAids::Captions& captions = form_.Aids().captions();
+        const double tools = toolWidth(captions.lookAgain) + gap() + toolWidth(captions.assignPort);
+        return boxWidth(std::max(labelColumn(portRows()) + fieldColumn(portRows()), tools), form_.frmComPort);
+    }
+    [[nodiscard]] double toolWidth(const std::string& caption) const
+    {
+        return form_.TextWidth(caption) + 2 * metrics_.line;
     }
     [[nodiscard]] double modelWidth() const
     {
@@ -179,7 +195,8 @@ private:
         double top = box.top + metrics_.line * 1.5;
         bool any = false;
         for (const CheckBox* tick : ticks()) {
-            put(*tick, {left, top, inside, metrics_.fieldHeight});
+            put(*tick, {left, top, inside - resetRoom(), metrics_.fieldHeight});
+            putReset(*tick, left + inside, top);
             if (tick->Visible()) {
                 top += pitch();
                 any = true;
@@ -191,7 +208,22 @@ private:
     void placePortBox(const Place& box)
     {
         put(form_.frmComPort, box);
-        placeRows(portRows(), box.left + metrics_.line, box.top + metrics_.line * 1.5, box.width - 2 * metrics_.line);
+        const double left = box.left + metrics_.line;
+        const double inside = box.width - 2 * metrics_.line;
+        double top = box.top + metrics_.line * 1.5;
+        placeRows(portRows(), left, top, inside);
+        top += static_cast<double>(portRows().size()) * pitch() + gap();
+        const OptionsAids::Captions& captions = form_.Aids().captions();
+        layout_.lookAgain = {left, top, toolWidth(captions.lookAgain), metrics_.fieldHeight};
+        layout_.assignPort = {left + layout_.lookAgain.width + gap(), top, toolWidth(captions.assignPort),
+                              metrics_.fieldHeight};
+        top += metrics_.fieldHeight + gap();
+        layout_.portAdvice = {left, top, inside, kAdviceLines * metrics_.line};
+    }
+
+    void putReset(const Control& control, double right, double top)
+    {
+        layout_.resets[&control] = {right - resetSize(), top, resetSize(), resetSize()};
     }
 
     void placeRows(const std::vector<Row>& rows, double left, double top, double inside)
@@ -205,6 +237,9 @@ private:
                 put(*row.behind, {left + inside - button, top, button, metrics_.fieldHeight});
                 if (row.behind->Visible())
                     width -= button + gap();
+            } else {
+                putReset(*row.field, left + inside, top);
+                width -= resetRoom();
             }
             put(*row.field, {left + label, top, width, metrics_.fieldHeight});
             if (row.label->Visible() || row.field->Visible())
@@ -221,6 +256,10 @@ private:
         put(form_.cmdDefaults, {metrics_.line, top, buttonWidth(form_.cmdDefaults), buttonHeight()});
         put(form_.cmdOK, {right - 2 * width - gap(), top, width, buttonHeight()});
         put(form_.cmdCancel, {right - width, top, width, buttonHeight()});
+        const double left = 2 * metrics_.line + buttonWidth(form_.cmdDefaults);
+        // Three lines fit between the buttons.
+        layout_.notice = {left, layout_.bottomLine + metrics_.line * 0.1, right - 2 * width - 2 * gap() - left,
+                          3 * metrics_.line};
         layout_.height = top + buttonHeight() + metrics_.line * 0.75;
     }
 

@@ -29,6 +29,12 @@ struct DialogMetrics {
 /// gap, and yet the window's size is that of all rows: it stays when another model is chosen.
 struct DialogLayout {
     std::map<const Control*, Place> places;
+    std::map<const Control*, Place> resets; ///< of the buttons that bring back a setting's default
+    Place lookAgain;         ///< under the settings of the line: the button for another look at the ports
+    Place assignPort;        ///< the one that gives a number to a device
+    Place portAdvice;        ///< why no port can be chosen
+    Place noModel;           ///< where the settings of a model will be: what to do
+    Place notice;            ///< between the buttons: what was corrected
     double headerHeight = 0; ///< of the band at the top
     double bottomLine = 0;   ///< where the line above the buttons runs
     double width = 0;        ///< of the window's inside

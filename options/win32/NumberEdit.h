@@ -23,6 +23,8 @@ public:
 
     [[nodiscard]] HWND field() const noexcept { return field_; }
     [[nodiscard]] HWND spinner() const noexcept { return spinner_; }
+    /// The field of the form.
+    [[nodiscard]] const PowerEdit& edit() const noexcept { return edit_; }
 
     /// Shows the model's text.
     void refresh();

@@ -2,31 +2,17 @@
 // The controls of the dialog: how each is made, drawn and brought up to date.
 
 #include "options/win32/OptionsDialogWindow.h"
+#include "options/win32/WindowText.h"
 #include "platform/windows/ComponentInstance.h"
 #include "platform/windows/WindowsText.h"
 
+#include <algorithm>
 #include <commctrl.h>
 #include <utility>
 
 namespace kel {
 
 namespace {
-
-HMENU asMenu(int number)
-{
-    return reinterpret_cast<HMENU>(static_cast<INT_PTR>(number));
-}
-
-/// Sets a window's text if it has another.
-void showText(HWND window, const std::string& text)
-{
-    const std::wstring wanted = wideText(text);
-    std::wstring current(static_cast<std::size_t>(::GetWindowTextLengthW(window)) + 1, L'\0');
-    current.resize(
-        static_cast<std::size_t>(::GetWindowTextW(window, current.data(), static_cast<int>(current.size()))));
-    if (current != wanted)
-        ::SetWindowTextW(window, wanted.c_str());
-}
 
 std::wstring rowText(HWND list, int row)
 {
@@ -39,17 +25,20 @@ std::wstring rowText(HWND list, int row)
     return text;
 }
 
-/// Gives a list the rows of the model, if it has others.
-void takeRows(HWND window, const PowerCombo& list)
+/// Gives a list the lines of the model. Those that are there already stay: it may be open.
+void takeLines(HWND window, const std::vector<std::wstring>& lines)
 {
-    bool same = ::SendMessageW(window, CB_GETCOUNT, 0, 0) == list.RowCount();
-    for (Int32 row = 0; same && row < list.RowCount(); ++row)
-        same = rowText(window, row) == wideText(list.CellText(0, row));
-    if (same)
-        return;
-    ::SendMessageW(window, CB_RESETCONTENT, 0, 0);
-    for (Int32 row = 0; row < list.RowCount(); ++row)
-        ::SendMessageW(window, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(wideText(list.CellText(0, row)).c_str()));
+    const auto count = [window] { return static_cast<std::size_t>(::SendMessageW(window, CB_GETCOUNT, 0, 0)); };
+    const auto stands = [&](std::size_t at) { return rowText(window, static_cast<int>(at)); };
+    for (std::size_t at = 0; at < lines.size(); ++at) {
+        while (at < count() &&
+               std::find(lines.begin() + static_cast<std::ptrdiff_t>(at), lines.end(), stands(at)) == lines.end())
+            ::SendMessageW(window, CB_DELETESTRING, at, 0);
+        if (at >= count() || stands(at) != lines[at])
+            ::SendMessageW(window, CB_INSERTSTRING, at, reinterpret_cast<LPARAM>(lines[at].c_str()));
+    }
+    while (count() > lines.size())
+        ::SendMessageW(window, CB_DELETESTRING, count() - 1, 0);
 }
 
 } // namespace
@@ -72,6 +61,9 @@ void OptionsDialogWindow::createControls()
         else
             shown_.push_back({control, nullptr, {}}); // a band or a line: the background has them
     }
+    createAids();
+    createResets();
+    createExplanations();
 }
 
 HFONT OptionsDialogWindow::fontOf(const Control& control) const
@@ -119,8 +111,11 @@ void OptionsDialogWindow::create(PowerCombo& list)
 {
     const HWND window =
         create(list, L"COMBOBOX", CBS_DROPDOWNLIST | CBS_OWNERDRAWFIXED | CBS_HASSTRINGS | WS_VSCROLL | WS_TABSTOP);
+    ::SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
+    list_ = reinterpret_cast<WNDPROC>(
+        ::SetWindowLongPtrW(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&listProcedure)));
     shown_.back().refresh = [&list, window] {
-        takeRows(window, list);
+        takeLines(window, linesOf(list));
         if (::SendMessageW(window, CB_GETCURSEL, 0, 0) != list.CurrentRow())
             ::SendMessageW(window, CB_SETCURSEL, static_cast<WPARAM>(list.CurrentRow()), 0);
         if (list.CurrentRow() < 0)
@@ -145,6 +140,14 @@ void OptionsDialogWindow::create(Frame& frame)
     shown_.back().refresh = [&frame, window] { showText(window, frame.Caption()); };
 }
 
+void OptionsDialogWindow::draw(const DRAWITEMSTRUCT& item)
+{
+    if (item.CtlType == ODT_BUTTON)
+        drawReset(item);
+    else
+        drawList(item);
+}
+
 void OptionsDialogWindow::drawList(const DRAWITEMSTRUCT& item)
 {
     const Shown* found = shown(static_cast<int>(item.CtlID));
@@ -153,16 +156,24 @@ void OptionsDialogWindow::drawList(const DRAWITEMSTRUCT& item)
         return;
     const bool isRow = item.itemID != static_cast<UINT>(-1);
     const bool isSelected = (item.itemState & ODS_SELECTED) != 0;
-    const bool isGrey = !isRow || (item.itemState & ODS_DISABLED) != 0;
+    const bool isGrey =
+        !isRow || static_cast<Int32>(item.itemID) >= list->RowCount() || (item.itemState & ODS_DISABLED) != 0;
     const std::wstring text = isRow ? rowText(item.hwndItem, static_cast<int>(item.itemID)) : wideText(list->Prompt());
     ::FillRect(item.hDC, &item.rcItem, ::GetSysColorBrush(isSelected ? COLOR_HIGHLIGHT : COLOR_WINDOW));
+    // Each group but the first begins with a line, in the open list.
+    const auto row = static_cast<Int32>(item.itemID);
+    if (isRow && row > 0 && (item.itemState & ODS_COMBOBOXEDIT) == 0 && list->Group(row) != list->Group(row - 1)) {
+        RECT line = item.rcItem;
+        line.bottom = line.top + 1;
+        ::FillRect(item.hDC, &line, ::GetSysColorBrush(COLOR_3DSHADOW));
+    }
     ::SetBkMode(item.hDC, TRANSPARENT);
     const int foreground = isSelected ? COLOR_HIGHLIGHTTEXT : COLOR_WINDOWTEXT;
     ::SetTextColor(item.hDC, ::GetSysColor(isGrey && !isSelected ? COLOR_GRAYTEXT : foreground));
     RECT inside = item.rcItem;
     inside.left += 3;
     ::DrawTextW(item.hDC, text.c_str(), static_cast<int>(text.size()), &inside,
-                DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX);
+                DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX | DT_END_ELLIPSIS);
     if ((item.itemState & ODS_FOCUS) != 0 && (item.itemState & ODS_NOFOCUSRECT) == 0)
         ::DrawFocusRect(item.hDC, &item.rcItem);
 }

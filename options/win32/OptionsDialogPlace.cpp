@@ -152,8 +152,9 @@ bool OptionsDialogWindow::arrange()
             continue;
         const int left = fonts_.pixels(place->second.left);
         const int top = fonts_.pixels(place->second.top);
-        int fieldWidth = fonts_.pixels(place->second.width);
-        const int fieldHeight = fonts_.pixels(place->second.height);
+        // Neighbours that touch in twips do not lie over one another in pixels.
+        int fieldWidth = fonts_.pixels(place->second.left + place->second.width) - left;
+        const int fieldHeight = fonts_.pixels(place->second.top + place->second.height) - top;
         if (const NumberEdit* number = numberEdit(each.window)) {
             fieldWidth -= spinnerWidth;
             moved |= takePlace(number->spinner(),
@@ -164,6 +165,19 @@ bool OptionsDialogWindow::arrange()
         else
             moved |= takePlace(each.window, {left, top, left + fieldWidth, top + fieldHeight});
     }
+    const auto put = [&](HWND window, const Place& place) {
+        const int left = fonts_.pixels(place.left);
+        const int top = fonts_.pixels(place.top);
+        moved |= takePlace(
+            window, {left, top, fonts_.pixels(place.left + place.width), fonts_.pixels(place.top + place.height)});
+    };
+    put(portAdvice_, layout_.portAdvice);
+    put(lookAgain_, layout_.lookAgain);
+    put(assignPort_, layout_.assignPort);
+    put(noModel_, layout_.noModel);
+    put(notice_, layout_.notice);
+    for (const Reset& reset : resets_)
+        put(reset.window, layout_.resets.at(reset.control));
     return moved;
 }
 

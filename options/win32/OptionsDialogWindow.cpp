@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "options/win32/OptionsDialogWindow.h"
 
+#include "options/win32/WindowText.h"
 #include "platform/FaultCapture.h"
 #include "platform/windows/ComponentInstance.h"
 #include "platform/windows/WindowsText.h"
 
 #include <algorithm>
 #include <commctrl.h>
-#include <shellapi.h>
 #include <utility>
 
 namespace kel {
@@ -17,19 +17,6 @@ namespace {
 /// To the dialog itself: a number field was left with something else in it. It waits until the focus has arrived where
 /// it goes.
 constexpr UINT kNoNumber = WM_APP;
-
-/// Shows or hides a control and enables or disables it. True if that is new.
-bool takeState(HWND window, const Control& control)
-{
-    const bool seen = control.Seen();
-    const bool enabled = control.Enabled() != False;
-    const bool wasSeen = (::GetWindowLongW(window, GWL_STYLE) & WS_VISIBLE) != 0;
-    if (seen == wasSeen && enabled == (::IsWindowEnabled(window) != FALSE))
-        return false;
-    ::EnableWindow(window, enabled ? TRUE : FALSE);
-    ::ShowWindow(window, seen ? SW_SHOWNA : SW_HIDE);
-    return true;
-}
 
 /// A dialog without controls, which come when it begins.
 struct alignas(DWORD) EmptyDialog {
@@ -65,7 +52,7 @@ bool OptionsDialogWindow::run(HWND owner)
     EmptyDialog dialog;
     // Without WS_CLIPCHILDREN: the inside of a group box shows the dialog's own background.
     dialog.head.style = WS_POPUP | WS_CAPTION | WS_SYSMENU | DS_MODALFRAME;
-    dialog.head.dwExtendedStyle = WS_EX_CONTROLPARENT;
+    dialog.head.dwExtendedStyle = WS_EX_CONTROLPARENT | WS_EX_CONTEXTHELP;
     const INT_PTR result = [&] {
         // The loop is the host's as much as ours.
         const HostCode host;
@@ -113,6 +100,7 @@ void OptionsDialogWindow::begin(HWND window)
     window_ = window;
     fonts_.resolution(resolutionOf(window));
     form_.Window(window);
+    form_.Aids().showPortsAsTheyCome();
     form_.Show();
     if (!form_.Visible()) {
         end();
@@ -142,7 +130,7 @@ INT_PTR OptionsDialogWindow::handle(UINT message, WPARAM first, LPARAM second)
             return FALSE;
         ::SetWindowLongPtrW(window_, DWLP_MSGRESULT, TRUE);
         return TRUE;
-    case WM_DRAWITEM: drawList(*reinterpret_cast<const DRAWITEMSTRUCT*>(second)); return TRUE;
+    case WM_DRAWITEM: draw(*reinterpret_cast<const DRAWITEMSTRUCT*>(second)); return TRUE;
     case WM_ERASEBKGND: paintBackground(reinterpret_cast<HDC>(first)); return TRUE;
     case WM_CTLCOLORSTATIC:
         if (!isOnHeader(reinterpret_cast<HWND>(second)))
@@ -158,7 +146,11 @@ INT_PTR OptionsDialogWindow::handle(UINT message, WPARAM first, LPARAM second)
         return TRUE;
     case WM_SETFONT: takeFont(reinterpret_cast<HFONT>(first)); return TRUE;
     case WM_DPICHANGED: goToScreen(LOWORD(first), *reinterpret_cast<const RECT*>(second)); return TRUE;
-    case WM_HELP: openHelp(); return TRUE;
+    case WM_HELP: openHelp(static_cast<HWND>(reinterpret_cast<const HELPINFO*>(second)->hItemHandle)); return TRUE;
+    case WM_ACTIVATE:
+    case WM_PARENTNOTIFY:
+    case WM_LBUTTONDOWN: hideExplanation(); return FALSE;
+    case WM_TIMER: turn(); return TRUE;
     case kNoNumber: returnTo(reinterpret_cast<HWND>(second)); return TRUE;
     case WM_DESTROY:
         keepPlace();
@@ -184,6 +176,8 @@ void OptionsDialogWindow::showFonts()
         if (each.window)
             ::SendMessageW(each.window, WM_SETFONT, reinterpret_cast<WPARAM>(fontOf(*each.control)), TRUE);
     }
+    for (const HWND added : {portAdvice_, lookAgain_, assignPort_, noModel_, notice_})
+        ::SendMessageW(added, WM_SETFONT, reinterpret_cast<WPARAM>(fonts_.text()), TRUE);
     refresh();
 }
 
@@ -200,15 +194,24 @@ void OptionsDialogWindow::refresh()
         if (!each.window)
             continue;
         each.refresh();
-        isNew |= takeState(each.window, *each.control);
+        const bool seen = each.control->Seen();
+        const bool enabled = canBeWorked(*each.control);
+        isNew |= takeState(each.window, seen, enabled);
         if (const NumberEdit* number = numberEdit(each.window))
-            isNew |= takeState(number->spinner(), *each.control);
+            isNew |= takeState(number->spinner(), seen, enabled);
     }
+    isNew |= refreshAids();
     isNew |= arrange();
     // The controls lie over one another while they change places; only all of them together are right.
     if (isNew)
         ::RedrawWindow(window_, nullptr, nullptr, RDW_ERASE | RDW_INVALIDATE | RDW_ALLCHILDREN);
     refreshing_ = false;
+}
+
+/// The search for the reader opens the ports that are being looked at.
+bool OptionsDialogWindow::canBeWorked(const Control& control) const
+{
+    return control.Enabled() != False && !(&control == &form_.cmdLocate && form_.Aids().looksAtPorts());
 }
 
 void OptionsDialogWindow::paintBackground(HDC screen)
@@ -238,6 +241,7 @@ bool OptionsDialogWindow::isOnHeader(HWND window) const
 /// Lets the form do what the user wants, and shows what has become of it.
 void OptionsDialogWindow::act(const Action& what)
 {
+    ::SetWindowTextW(notice_, L"");
     what();
     if (!form_.Visible())
         return;
@@ -250,18 +254,16 @@ void OptionsDialogWindow::act(const Action& what)
 
 void OptionsDialogWindow::command(int number, int notice)
 {
+    hideExplanation();
+    if (notice == BN_CLICKED && clickTool(number))
+        return;
     Shown* const found = shown(number);
     if (!found || refreshing_)
         return;
     Control& control = *found->control;
     if (auto* button = dynamic_cast<PowerButton*>(&control)) {
-        if (notice == BN_CLICKED) {
-            // The default button works while a field still has the focus.
-            NumberEdit* const field = numberEdit(::GetFocus());
-            if (field && button != &form_.cmdCancel && !field->leave())
-                return;
-            act([&] { button->Click(); });
-        }
+        if (notice == BN_CLICKED)
+            click(*button);
     } else if (auto* box = dynamic_cast<CheckBox*>(&control)) {
         if (notice == BN_CLICKED) {
             box->SetFocus();
@@ -291,6 +293,31 @@ void OptionsDialogWindow::command(int number, int notice)
     }
 }
 
+/// Does what a button is for that is none of the form's; False for the form's own.
+bool OptionsDialogWindow::clickTool(int number)
+{
+    // Enter is for the button that has the focus; the system gives it to the default button.
+    const Reset* const reset = resetOf(number == IDOK ? ::GetFocus() : ::GetDlgItem(window_, number));
+    if (reset)
+        act([&] { form_.Aids().reset(*reset->control); });
+    else if (number == kLookAgain)
+        actOnPorts([&] { form_.Aids().lookAgain(); });
+    else if (number == kAssignPort)
+        assignPort();
+    else
+        return false;
+    return true;
+}
+
+/// The buttons for the ports cannot be worked while ports are being looked at: the user goes on in the list.
+void OptionsDialogWindow::actOnPorts(const Action& what)
+{
+    act([&] {
+        form_.cboPort.SetFocus();
+        what();
+    });
+}
+
 /// The field that was left has no number in it: the user hears of that and is there again. Nobody who goes to Cancel
 /// wants it.
 void OptionsDialogWindow::returnTo(HWND field)
@@ -309,7 +336,9 @@ void OptionsDialogWindow::takeSelection(HWND window, PowerCombo& list)
     if (::SendMessageW(window, CB_GETDROPPEDSTATE, 0, 0) != 0)
         return;
     const auto row = static_cast<Int32>(::SendMessageW(window, CB_GETCURSEL, 0, 0));
-    if (row != list.CurrentRow())
+    if (row >= list.RowCount())
+        refresh(); // a line that says why a port cannot be chosen
+    else if (row != list.CurrentRow())
         act([&] { list.CurrentRow(row); });
 }
 
@@ -327,18 +356,6 @@ bool OptionsDialogWindow::spin(const NMHDR& notice)
         }
     }
     return false;
-}
-
-void OptionsDialogWindow::openHelp()
-{
-    const std::wstring file = wideText(form_.HelpFile());
-    if (file.empty())
-        return;
-    const bool isOldHelp = file.size() > 4 && ::lstrcmpiW(file.c_str() + file.size() - 4, L".hlp") == 0;
-    if (isOldHelp && form_.HelpContextID() != 0)
-        ::WinHelpW(window_, file.c_str(), HELP_CONTEXT, static_cast<ULONG_PTR>(form_.HelpContextID()));
-    else
-        ::ShellExecuteW(window_, L"open", file.c_str(), nullptr, nullptr, SW_SHOWNORMAL);
 }
 
 OptionsDialogWindow::Shown* OptionsDialogWindow::shown(int number)

@@ -19,10 +19,17 @@ namespace kel {
 /// The options dialog as a modal dialog of the system, with the system's own controls.
 ///
 /// The buttons OK and Cancel have the usual numbers, so that Enter and Escape work them; every other control has 1000
-/// and its place in the form's list, from 0.
+/// and its place in the form's list, from 0. What the dialog adds to the form's controls has 2000 and more; a button
+/// that resets a setting has 3000 and the setting's place.
 class OptionsDialogWindow {
 public:
     static constexpr int kFirstControl = 1000;
+    static constexpr int kPortAdvice = 2000;
+    static constexpr int kLookAgain = 2001;
+    static constexpr int kNoModel = 2002;
+    static constexpr int kNotice = 2003;
+    static constexpr int kAssignPort = 2004;
+    static constexpr int kFirstReset = 3000;
 
     OptionsDialogWindow(frmOptions& form, DialogScreen& screen, WindowPlace& place);
     ~OptionsDialogWindow();
@@ -41,6 +48,12 @@ private:
         Control* control = nullptr;
         HWND window = nullptr;
         Action refresh;
+    };
+
+    /// The button that brings back a setting's default.
+    struct Reset {
+        Control* control = nullptr;
+        HWND window = nullptr;
     };
 
     static INT_PTR CALLBACK procedure(HWND window, UINT message, WPARAM first, LPARAM second);
@@ -65,8 +78,20 @@ private:
     void create(PowerCombo& list);
     void create(PowerEdit& edit);
     void create(Frame& frame);
+    [[nodiscard]] HWND createAid(const wchar_t* kind, DWORD style, int number);
+    static void tabAfter(HWND before, HWND window);
+    void createAids();
+    void createResets();
+    void createExplanations();
 
     void refresh();
+    [[nodiscard]] bool refreshAids();
+    [[nodiscard]] bool refreshResets();
+    void refreshExplanations();
+    void widenOpenPorts();
+    void explain(HWND window, const std::string& text);
+    void turn();
+    [[nodiscard]] bool canBeWorked(const Control& control) const;
     [[nodiscard]] bool arrange();
     [[nodiscard]] bool placeList(HWND list, const RECT& place);
     void act(const Action& what);
@@ -74,11 +99,24 @@ private:
     void command(int number, int notice);
     void returnTo(HWND field);
     void takeSelection(HWND window, PowerCombo& list);
+    void click(PowerButton& button);
+    [[nodiscard]] bool leaves(NumberEdit& field, bool isOk);
+    [[nodiscard]] bool mayBeSaved();
+    void assignPort();
+    void actOnPorts(const Action& what);
+    [[nodiscard]] bool clickTool(int number);
+    static LRESULT CALLBACK listProcedure(HWND list, UINT message, WPARAM first, LPARAM second);
+    [[nodiscard]] bool type(HWND window, wchar_t letter);
     [[nodiscard]] bool spin(const NMHDR& notice);
+    void draw(const DRAWITEMSTRUCT& item);
     void drawList(const DRAWITEMSTRUCT& item);
     void paintBackground(HDC screen);
     [[nodiscard]] bool isOnHeader(HWND window) const;
-    void openHelp();
+    [[nodiscard]] const Reset* resetOf(HWND window) const;
+    static void drawReset(const DRAWITEMSTRUCT& item);
+    void openHelp(HWND window);
+    void showExplanation(HWND window);
+    void hideExplanation();
 
     [[nodiscard]] Shown* shown(int number);
     [[nodiscard]] Shown* shown(const Control& control);
@@ -91,6 +129,18 @@ private:
     HWND window_ = nullptr;
     std::vector<Shown> shown_;
     std::vector<std::unique_ptr<NumberEdit>> numbers_;
+    HWND portAdvice_ = nullptr;
+    HWND lookAgain_ = nullptr;
+    HWND assignPort_ = nullptr;
+    HWND noModel_ = nullptr;
+    HWND notice_ = nullptr;
+    std::vector<Reset> resets_;
+    HWND toolTips_ = nullptr;
+    HWND help_ = nullptr;
+    std::map<HWND, std::wstring> explanations_; // as the tool tips have them
+    WNDPROC list_ = nullptr;                    // of the lists themselves
+    std::wstring typed_;                        // into a list
+    DWORD typedAt_ = 0;
     DialogLayout layout_;
     bool refreshing_ = false;
     std::exception_ptr failure_;

@@ -97,8 +97,17 @@ public:
         }
     }
 
-    /// Until nothing is left to paint: of the dialog, or of another window.
-    void waitUntilPainted() const { waitUntilPainted(dialog); }
+    /// Until nothing is left to paint: of the dialog, which then has the focus, or of another window. A busy display
+    /// may have given the focus to a window that was there before.
+    void waitUntilPainted() const
+    {
+        const auto end = std::chrono::steady_clock::now() + std::chrono::minutes(10);
+        while (!focus() && std::chrono::steady_clock::now() < end) {
+            ::SetForegroundWindow(dialog);
+            settle();
+        }
+        waitUntilPainted(dialog);
+    }
     void waitUntilPainted(HWND window) const
     {
         const auto end = std::chrono::steady_clock::now() + std::chrono::minutes(10);

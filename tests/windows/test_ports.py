@@ -23,6 +23,7 @@ class Ports(WindowsTest):
         with SimulatedReader(21, port=PORT, seed=7, count=1):
             ports = {entry["port"]: entry for entry in self.ports()}
             self.assertEqual((ports[MAPPED]["device"], ports[MAPPED]["opens"]), (f"COM{PORT}", True))
+            self.assertEqual(ports[1]["device"], "COM1")
             self.assertIn('"event":"sheet"', self.there("scan", "--model", 21, "--port", MAPPED, "--max-sheets", 1, "--set",
                                                              "Timeout=600"))
         self.there("ports", "clear", MAPPED)

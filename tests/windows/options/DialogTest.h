@@ -17,7 +17,7 @@
 namespace kel {
 
 /// A machine whose ports 1 and 3 can be opened, whatever goes on elsewhere, and say nothing.
-class TwoPorts final : public Platform {
+class TwoPorts : public Platform {
 public:
     [[nodiscard]] std::unique_ptr<SerialControl> newSerialControl() override { return std::make_unique<Control>(); }
     [[nodiscard]] std::unique_ptr<ScanTimer> newScanTimer() override { return machine_.newScanTimer(); }
