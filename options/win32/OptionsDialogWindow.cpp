@@ -31,7 +31,7 @@ struct alignas(DWORD) EmptyDialog {
 OptionsDialogWindow::OptionsDialogWindow(frmOptions& form, DialogScreen& screen, WindowPlace& place)
     : form_(form), screen_(screen), place_(place)
 {
-    const INITCOMMONCONTROLSEX wanted{sizeof wanted, ICC_STANDARD_CLASSES | ICC_UPDOWN_CLASS};
+    const INITCOMMONCONTROLSEX wanted{sizeof wanted, ICC_STANDARD_CLASSES | ICC_UPDOWN_CLASS | ICC_BAR_CLASSES};
     ::InitCommonControlsEx(&wanted);
     form_.Measure(&fonts_);
     form_.onHide = [this] { end(); };

@@ -58,7 +58,7 @@ HKEY WINAPI openDeviceKey(HDEVINFO devices, PSP_DEVINFO_DATA device, DWORD scope
     static auto* const function =
         reinterpret_cast<HKEY(WINAPI*)(HDEVINFO, PSP_DEVINFO_DATA, DWORD, DWORD, DWORD, REGSAM)>(
             functionOf(L"setupapi.dll", "SetupDiOpenDevRegKey"));
-    return function ? function(devices, device, scope, profile, kind, access) : HKEY(INVALID_HANDLE_VALUE);
+    return function ? function(devices, device, scope, profile, kind, access) : static_cast<HKEY>(INVALID_HANDLE_VALUE);
 }
 
 BOOL WINAPI getDeviceProperty(HDEVINFO devices, PSP_DEVINFO_DATA device, DWORD property, PDWORD type, PBYTE buffer,

@@ -78,6 +78,17 @@ public:
         return state.hwndFocus;
     }
 
+    /// Brings a window to the front, and waits until a control of the dialog, or none, has the focus: a busy display
+    /// takes its time.
+    void bringToFront(HWND window, HWND focused) const
+    {
+        const auto end = std::chrono::steady_clock::now() + std::chrono::minutes(10);
+        do {
+            ::SetForegroundWindow(window);
+            settle();
+        } while (focus() != focused && std::chrono::steady_clock::now() < end);
+    }
+
     [[nodiscard]] std::wstring text(int number) const { return textOf(control(number)); }
 
     [[nodiscard]] static std::wstring textOf(HWND window)

@@ -170,15 +170,13 @@ TEST_F(OptionsDialogWindowTest, AWindowThatWasAwayHasWhatWasTyped)
                                            nullptr, nullptr, nullptr, nullptr);
         const auto lookElsewhere = [&] {
             ASSERT_EQ(user.focus(), user.control(pause));
-            ::SetForegroundWindow(other);
-            user.settle();
+            user.bringToFront(other, nullptr);
             ASSERT_EQ(user.focus(), nullptr);
-            ::SetForegroundWindow(user.dialog);
-            user.settle();
+            user.bringToFront(user.dialog, user.control(pause));
             ASSERT_EQ(user.focus(), user.control(pause));
         };
-        ::SetForegroundWindow(user.dialog);
         user.enter(pause);
+        user.bringToFront(user.dialog, user.control(pause));
         user.type(pause, L"1");
         lookElsewhere();
         user.type(pause, L"2");
