@@ -49,7 +49,7 @@ std::string TerminalOperator::readLine()
         if (typed && typed->empty())
             throw host::UsageError(
                 "There is nobody to answer: standard input has ended. Put the sheets in the feeder and use "
-                "--yes in place of --interactive.");
+                "--yes instead of --interactive.");
         typed_ += typed.value_or("");
     }
 }
