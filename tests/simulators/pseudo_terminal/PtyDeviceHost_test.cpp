@@ -7,6 +7,7 @@
 #include "platform/posix/TerminalAttributes.h"
 #include "tests/platform/posix/PosixTest.h"
 #include "tests/support/Patience.h"
+#include "tests/support/WatchedDevice.h"
 
 #include <atomic>
 #include <condition_variable>
@@ -436,6 +437,21 @@ TEST_F(PtyDeviceHostTest, TakesNoFilesPlaceForALink)
     ::close(::open(file.c_str(), O_CREAT | O_WRONLY | O_CLOEXEC, 0600));
     EXPECT_THROW(PtyDeviceHost(device, {file, true}), std::system_error);
     EXPECT_TRUE(std::filesystem::is_regular_file(file));
+}
+
+TEST(WatchedDevice, HangsUpWhenASessionHasNoEnd)
+{
+    ToyDevice device;
+    test::WatchedDevice watched(device, 5ms);
+    watched.lineOpened(10ms, {});
+    watched.lineClosed(12ms);
+    EXPECT_EQ(watched.nextEvent(), std::nullopt);
+    watched.lineOpened(20ms, {});
+    EXPECT_EQ(watched.nextEvent(), Moment(25ms));
+    EXPECT_EQ(watched.takeByte(24ms), std::nullopt);
+    EXPECT_FALSE(watched.hungUp());
+    EXPECT_EQ(watched.takeByte(25ms), std::nullopt);
+    EXPECT_TRUE(watched.hungUp());
 }
 
 TEST(Pty, KeepsItsNameToItselfAfterHangingUp)
