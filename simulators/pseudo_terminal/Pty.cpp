@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/inotify.h>
 #include <sys/ioctl.h>
 #include <system_error>
@@ -89,13 +90,21 @@ Pty::Openings Pty::newOpenings()
 
 bool Pty::allRead() const
 {
+    deliver();
     int unread = 0;
     return ::ioctl(slave_.number(), FIONREAD, &unread) != 0 || unread == 0;
 }
 
 void Pty::dropUnread()
 {
+    deliver();
     ::tcflush(slave_.number(), TCIFLUSH);
+}
+
+void Pty::deliver() const noexcept
+{
+    pollfd line{slave_.number(), POLLIN, 0};
+    static_cast<void>(::poll(&line, 1, 0));
 }
 
 void Pty::hangUp() noexcept

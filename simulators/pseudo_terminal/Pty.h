@@ -51,6 +51,10 @@ public:
     void hangUp() noexcept;
 
 private:
+    /// What was written comes to the far end after a while, on a busy machine after a long one. A look at that end
+    /// brings it there at once.
+    void deliver() const noexcept;
+
     FileDescriptor master_;
     FileDescriptor slave_;
     FileDescriptor watch_;

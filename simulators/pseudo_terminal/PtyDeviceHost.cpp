@@ -254,19 +254,19 @@ void PtyDeviceHost::fetchBytes()
     }
 }
 
-/// The last bytes are lost with the line unless the host has read them before. It may be a moment before they show as
-/// unread.
+/// The last bytes are lost with the line unless the host has read them before.
 void PtyDeviceHost::hangUp()
 {
     constexpr Moment kLook = milliseconds(5);
     const Moment end = now() + kTimeToReadRest;
-    for (int looksWithoutRest = 0; looksWithoutRest < 2 && now() < end && !stopped(kLook);) {
+    while (now() < end && !stopped(kLook)) {
         const Pty::Openings changes = pty_.newOpenings();
         openings_ += changes.opened - changes.closed;
         if (pty_.watchHandle() >= 0 && openings_ <= 0)
             break;
         writeOut();
-        looksWithoutRest = outgoing_.empty() && pty_.allRead() ? looksWithoutRest + 1 : 0;
+        if (outgoing_.empty() && pty_.allRead())
+            break;
     }
     pty_.hangUp();
 }
