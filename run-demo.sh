@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: MIT
 # Installs what is missing, builds, and reads a batch of sheets from a simulated reader behind a real pseudo-terminal.
 # Usage: ./run-demo.sh [--model NUMBER|NAME] [--sheets N]
-# Any of the 41 models will do; a USB model is read through the simulated library of its maker.
+# Any model will do; a USB model is read through the simulated library of its maker.
 set -euo pipefail
 cd "$(dirname "$0")"
 sheets=12

@@ -3,10 +3,7 @@
 
 #include "failure/ObjectLife.h"
 #include "failure/guarded.h"
-#include "types/ModelRows.h"
-
-#include <algorithm>
-#include <initializer_list>
+#include "types/ModelTable.h"
 
 namespace kel {
 
@@ -40,76 +37,14 @@ clsKELReaderPrinter::~clsKELReaderPrinter() = default;
 
 namespace {
 
-enum class Imprinter {
-    None,         ///< the model has none: it cannot be enabled
-    Optional,     ///< the model may have one
-    NotConcerned, ///< the setting is not this model's
-};
-
-struct ImprintModel {
-    kelReaderType type;
-    Imprinter imprinter;
-    Int16 lines;
-    Int32 minPosition, maxPosition, maxCharacters; // -1: not told
-};
-
-using enum Imprinter;
-
-// One row a model, in the order of the model numbers.
-constexpr ImprintModel kImprintModels[] = {
-    {kelReaderTypeNone, NotConcerned, 0, -1, -1, -1},
-    {kelReaderTypeAppersonAdvantageLink, None, 0, -1, -1, -1},
-    {kelReaderTypeNCSOpScan2, Optional, 1, 0, 24, 24},
-    {kelReaderTypeNCSOpScan3, Optional, 1, 0, 24, 24},
-    {kelReaderTypeNCSOpScan4, Optional, 1, 0, 24, 24},
-    {kelReaderTypeNCSOpScan5, Optional, 1, 0, 40, 40},
-    {kelReaderTypeNCSOpScan7, Optional, 1, 10, 25, 25},
-    {kelReaderTypeScanningSystemsSR601, Optional, 3, 10, 245, 41},
-    {kelReaderTypeScanningSystemsSR607, Optional, 3, 10, 245, 41},
-    {kelReaderTypeScanningSystemsSR700351, Optional, 3, 10, 245, 41},
-    {kelReaderTypeScanningSystemsSR700352, Optional, 3, 10, 245, 41},
-    {kelReaderTypeScantronScanMark2000, Optional, 1, 0, 135, 135},
-    {kelReaderTypeScantronScanMark2250, Optional, 1, 0, 135, 135},
-    {kelReaderTypeScantronScanMark2500, Optional, 1, 0, 135, 135},
-    {kelReaderTypeScantronScanMark4000, Optional, 1, 0, 135, 135},
-    {kelReaderTypeScantronScanMark5500, Optional, 1, 0, 135, 135},
-    {kelReaderTypeScantron8000, Optional, 1, 0, 135, 135},
-    {kelReaderTypeScantron8400, Optional, 1, 0, 135, 135},
-    {kelReaderTypeAppersonGradeMaster, None, 0, -1, -1, -1},
-    {kelReaderTypeScanningSystemsSR410, NotConcerned, 0, -1, -1, -1},
-    {kelReaderTypeChatsworthOMR1100, None, 0, -1, -1, -1},
-    {kelReaderTypeChatsworthOMR2000, None, 0, -1, -1, -1},
-    {kelReaderTypeChatsworthALSAccelScanOMR, None, 0, -1, -1, -1},
-    {kelReaderTypeNCSEZData, None, 0, -1, -1, -1},
-    {kelReaderTypePDIVMR138, NotConcerned, 0, -1, -1, -1},
-    {kelReaderTypeNCSOpScan6, Optional, 1, 0, 25, 25},
-    {kelReaderTypeNCSOpScan8, Optional, 1, 10, 54, 54},
-    {kelReaderTypeScantronScanMarkES2010, Optional, 1, 0, 135, 135},
-    {kelReaderTypeScantronScanMarkES2260, Optional, 1, 0, 135, 135},
-    {kelReaderTypeScantronScanMarkES2800, Optional, 1, 0, 135, 135},
-    {kelReaderTypeSekonicSR2300, Optional, 3, 10, 245, 41},
-    {kelReaderTypeNCSOpScaniNSIGHT4, Optional, 1, 0, 24, 24},
-    {kelReaderTypeNCSOpScaniNSIGHT2, Optional, 1, 0, 24, 24},
-    {kelReaderTypeSekonicSR3500, Optional, 3, 10, 245, 41},
-    {kelReaderTypeSekonicSR6500, Optional, 3, 10, 245, 41},
-    {kelReaderTypeChatsworthACF200, None, 0, -1, -1, -1},
-    {kelReaderTypeSekonicSR1800, Optional, 3, 10, 245, 41},
-    {kelReaderTypeChatsworthACF100, None, 0, -1, -1, -1},
-    {kelReaderTypeSekonicSR430, NotConcerned, 0, -1, -1, -1},
-    {kelReaderTypeAppersonBenchMark3000, NotConcerned, 0, -1, -1, -1},
-    {kelReaderTypeAppersonAdvantage1200, NotConcerned, 0, -1, -1, -1},
-    {kelReaderTypeChatsworthACP200, None, 0, -1, -1, -1},
-};
-static_assert(modelWithoutRow(kImprintModels, &ImprintModel::type) == 0,
-              "nobody knows the imprinter of the model of this number: it needs one row in kImprintModels");
-
 constexpr Int16 kThreeLineDistance = 245;
 
-const ImprintModel& imprintModel(kelReaderType type)
+constexpr ModelPrinter kOfNoModel = {.imprinter = Imprinter::NotConcerned};
+
+const ModelPrinter& modelPrinter(kelReaderType type)
 {
-    const auto* row = std::find_if(std::begin(kImprintModels), std::end(kImprintModels),
-                                   [&](const ImprintModel& model) { return model.type == type; });
-    return row == std::end(kImprintModels) ? kImprintModels[0] : *row;
+    const ModelRow* row = modelRow(type);
+    return row ? row->printer : kOfNoModel;
 }
 
 } // namespace
@@ -131,10 +66,10 @@ Boolean clsKELReaderPrinter::Enabled() const
 void clsKELReaderPrinter::Enabled(Boolean value)
 {
     guarded("KELReader81 - clsKELReaderPrinter.Enabled", KEL_PARAMETERS(value) + moduleOf(*fields_), [&] {
-        switch (imprintModel(fields_->uReaderType).imprinter) {
-        case None: fields_->bEnabled = False; break;
-        case Optional: fields_->bEnabled = value; break;
-        case NotConcerned: break;
+        switch (modelPrinter(fields_->uReaderType).imprinter) {
+        case Imprinter::None: fields_->bEnabled = False; break;
+        case Imprinter::Optional: fields_->bEnabled = value; break;
+        case Imprinter::NotConcerned: break;
         }
     });
 }
@@ -204,7 +139,7 @@ Int16 clsKELReaderPrinter::FilledBufferCount() const
 
 Int16 clsKELReaderPrinter::BufferCount() const
 {
-    return imprintModel(fields_->uReaderType).lines;
+    return modelPrinter(fields_->uReaderType).lines;
 }
 
 Int16 clsKELReaderPrinter::Distance() const
@@ -219,17 +154,17 @@ void clsKELReaderPrinter::Distance(Int16 value)
 
 Int32 clsKELReaderPrinter::MinPosition() const
 {
-    return Enabled() ? imprintModel(fields_->uReaderType).minPosition : -1;
+    return Enabled() ? modelPrinter(fields_->uReaderType).minPosition : -1;
 }
 
 Int32 clsKELReaderPrinter::MaxPosition() const
 {
-    return Enabled() ? imprintModel(fields_->uReaderType).maxPosition : -1;
+    return Enabled() ? modelPrinter(fields_->uReaderType).maxPosition : -1;
 }
 
 Int32 clsKELReaderPrinter::MaxCharacters() const
 {
-    return Enabled() ? imprintModel(fields_->uReaderType).maxCharacters : -1;
+    return Enabled() ? modelPrinter(fields_->uReaderType).maxCharacters : -1;
 }
 
 } // namespace kel

@@ -9,10 +9,10 @@
 #include "drivers/scanning_systems/basScanningSystems.h"
 #include "drivers/scantron/basScantron.h"
 #include "drivers/sekonic_usb/basSekonicSR.h"
-#include "types/ModelRows.h"
+#include "types/ModelTable.h"
 
-#include <algorithm>
-#include <iterator>
+#include <array>
+#include <string_view>
 
 namespace kel {
 
@@ -138,63 +138,33 @@ constexpr DriverFamily kApperson = {
     .Eject = [](ReaderContract& oReader, Boolean&) { EjectPageAP(oReader); },
 };
 
-struct ModelRow {
-    kelReaderType eReaderType;
+struct NamedFamily {
+    std::string_view name;
     const DriverFamily* family;
 };
 
-constexpr ModelRow kModelRows[] = {
-    {kelReaderTypeScanningSystemsSR601, &kScanningSystems},
-    {kelReaderTypeScanningSystemsSR607, &kScanningSystems},
-    {kelReaderTypeScanningSystemsSR700351, &kScanningSystems},
-    {kelReaderTypeScanningSystemsSR700352, &kScanningSystems},
-    {kelReaderTypeScanningSystemsSR410, &kScanningSystemsReadOnly},
-    {kelReaderTypeSekonicSR430, &kScanningSystemsReadOnly},
-    {kelReaderTypeSekonicSR2300, &kSekonicUsb},
-    {kelReaderTypeSekonicSR3500, &kSekonicUsb},
-    {kelReaderTypeSekonicSR6500, &kSekonicUsb},
-    {kelReaderTypeSekonicSR1800, &kSekonicUsb},
-    {kelReaderTypePDIVMR138, &kPeripheralDynamics},
-    {kelReaderTypeNCSOpScan2, &kNcs},
-    {kelReaderTypeNCSOpScan3, &kNcs},
-    {kelReaderTypeNCSOpScan4, &kNcs},
-    {kelReaderTypeNCSOpScan5, &kNcs},
-    {kelReaderTypeNCSOpScan7, &kNcs},
-    {kelReaderTypeNCSOpScan6, &kNcs},
-    {kelReaderTypeNCSOpScan8, &kNcs},
-    {kelReaderTypeNCSOpScaniNSIGHT4, &kNcs},
-    {kelReaderTypeNCSOpScaniNSIGHT2, &kNcs},
-    {kelReaderTypeScantronScanMark2000, &kScantron},
-    {kelReaderTypeScantronScanMark2250, &kScantron},
-    {kelReaderTypeScantronScanMark2500, &kScantron},
-    {kelReaderTypeScantronScanMark4000, &kScantron},
-    {kelReaderTypeScantronScanMark5500, &kScantron},
-    {kelReaderTypeScantronScanMarkES2800, &kScantron},
-    {kelReaderTypeScantron8000, &kScantronStraight},
-    {kelReaderTypeScantron8400, &kScantronStraight},
-    {kelReaderTypeScantronScanMarkES2010, &kScantronStraight},
-    {kelReaderTypeScantronScanMarkES2260, &kScantronStraight},
-    {kelReaderTypeNCSEZData, &kEzData},
-    {kelReaderTypeChatsworthACF100, &kEzData},
-    {kelReaderTypeChatsworthALSAccelScanOMR, &kChatsworthAls},
-    {kelReaderTypeChatsworthOMR1100, &kChatsworth},
-    {kelReaderTypeChatsworthOMR2000, &kChatsworth},
-    {kelReaderTypeChatsworthACF200, &kChatsworth},
-    {kelReaderTypeChatsworthACP200, &kChatsworth},
-    {kelReaderTypeAppersonAdvantageLink, &kApperson},
-    {kelReaderTypeAppersonGradeMaster, &kApperson},
-    {kelReaderTypeAppersonBenchMark3000, &kApperson},
-    {kelReaderTypeAppersonAdvantage1200, &kApperson},
-};
-static_assert(modelWithoutRow(kModelRows, &ModelRow::eReaderType) == 0,
-              "the model of this number has no driver: it needs one row in kModelRows");
+constexpr std::array kFamilies = std::to_array<NamedFamily>({
+    {"Apperson", &kApperson},
+    {"Chatsworth", &kChatsworth},
+    {"ChatsworthAls", &kChatsworthAls},
+    {"EzData", &kEzData},
+    {"Ncs", &kNcs},
+    {"PeripheralDynamics", &kPeripheralDynamics},
+    {"ScanningSystems", &kScanningSystems},
+    {"ScanningSystemsReadOnly", &kScanningSystemsReadOnly},
+    {"Scantron", &kScantron},
+    {"ScantronStraight", &kScantronStraight},
+    {"SekonicUsb", &kSekonicUsb},
+});
+static_assert(modelWithUnknown(&ModelRow::driver, kFamilies) == 0,
+              "the model of this number names a driver that kFamilies lacks");
 
 } // namespace
 
 const DriverFamily* driverFamily(kelReaderType eReaderType)
 {
-    const auto* row = std::ranges::find(kModelRows, eReaderType, &ModelRow::eReaderType);
-    return row == std::end(kModelRows) ? nullptr : row->family;
+    const ModelRow* row = modelRow(eReaderType);
+    return row ? entryNamed(kFamilies, row->driver)->family : nullptr;
 }
 
 } // namespace kel

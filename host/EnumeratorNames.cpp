@@ -1,66 +1,30 @@
 // SPDX-License-Identifier: MIT
 #include "host/EnumeratorNames.h"
 
-#include "types/ModelRows.h"
+#include "types/ModelTable.h"
 #include "types/Text.h"
 
 #include <algorithm>
+#include <array>
 
 namespace kel::host {
 
 namespace {
 
 #define KEL_ENUMERATOR(name)                                                                                           \
+    Enumerator                                                                                                         \
     {                                                                                                                  \
 #name, name                                                                                                    \
     }
 
-constexpr Enumerator kReaderTypes[] = {
-    KEL_ENUMERATOR(kelReaderTypeNone),
-    KEL_ENUMERATOR(kelReaderTypeAppersonAdvantageLink),
-    KEL_ENUMERATOR(kelReaderTypeNCSOpScan2),
-    KEL_ENUMERATOR(kelReaderTypeNCSOpScan3),
-    KEL_ENUMERATOR(kelReaderTypeNCSOpScan4),
-    KEL_ENUMERATOR(kelReaderTypeNCSOpScan5),
-    KEL_ENUMERATOR(kelReaderTypeNCSOpScan7),
-    KEL_ENUMERATOR(kelReaderTypeScanningSystemsSR601),
-    KEL_ENUMERATOR(kelReaderTypeScanningSystemsSR607),
-    KEL_ENUMERATOR(kelReaderTypeScanningSystemsSR700351),
-    KEL_ENUMERATOR(kelReaderTypeScanningSystemsSR700352),
-    KEL_ENUMERATOR(kelReaderTypeScantronScanMark2000),
-    KEL_ENUMERATOR(kelReaderTypeScantronScanMark2250),
-    KEL_ENUMERATOR(kelReaderTypeScantronScanMark2500),
-    KEL_ENUMERATOR(kelReaderTypeScantronScanMark4000),
-    KEL_ENUMERATOR(kelReaderTypeScantronScanMark5500),
-    KEL_ENUMERATOR(kelReaderTypeScantron8000),
-    KEL_ENUMERATOR(kelReaderTypeScantron8400),
-    KEL_ENUMERATOR(kelReaderTypeAppersonGradeMaster),
-    KEL_ENUMERATOR(kelReaderTypeScanningSystemsSR410),
-    KEL_ENUMERATOR(kelReaderTypeChatsworthOMR1100),
-    KEL_ENUMERATOR(kelReaderTypeChatsworthOMR2000),
-    KEL_ENUMERATOR(kelReaderTypeChatsworthALSAccelScanOMR),
-    KEL_ENUMERATOR(kelReaderTypeNCSEZData),
-    KEL_ENUMERATOR(kelReaderTypePDIVMR138),
-    KEL_ENUMERATOR(kelReaderTypeNCSOpScan6),
-    KEL_ENUMERATOR(kelReaderTypeNCSOpScan8),
-    KEL_ENUMERATOR(kelReaderTypeScantronScanMarkES2010),
-    KEL_ENUMERATOR(kelReaderTypeScantronScanMarkES2260),
-    KEL_ENUMERATOR(kelReaderTypeScantronScanMarkES2800),
-    KEL_ENUMERATOR(kelReaderTypeSekonicSR2300),
-    KEL_ENUMERATOR(kelReaderTypeNCSOpScaniNSIGHT4),
-    KEL_ENUMERATOR(kelReaderTypeNCSOpScaniNSIGHT2),
-    KEL_ENUMERATOR(kelReaderTypeSekonicSR3500),
-    KEL_ENUMERATOR(kelReaderTypeSekonicSR6500),
-    KEL_ENUMERATOR(kelReaderTypeChatsworthACF200),
-    KEL_ENUMERATOR(kelReaderTypeSekonicSR1800),
-    KEL_ENUMERATOR(kelReaderTypeChatsworthACF100),
-    KEL_ENUMERATOR(kelReaderTypeSekonicSR430),
-    KEL_ENUMERATOR(kelReaderTypeAppersonBenchMark3000),
-    KEL_ENUMERATOR(kelReaderTypeAppersonAdvantage1200),
-    KEL_ENUMERATOR(kelReaderTypeChatsworthACP200),
-};
-static_assert(modelWithoutRow(kReaderTypes, &Enumerator::value) == 0,
-              "the model of this number needs its KEL_ENUMERATOR in kReaderTypes");
+// In the order of the numbers.
+constexpr auto kReaderTypes = [] {
+    std::array<Enumerator, kReaderTypeCount> types{};
+    types[kelReaderTypeNone] = KEL_ENUMERATOR(kelReaderTypeNone);
+    for (const ModelRow& row : kModels)
+        types[static_cast<std::size_t>(row.number)] = {row.enumerator, row.number};
+    return types;
+}();
 
 constexpr Enumerator kBaudRates[] = {
     KEL_ENUMERATOR(kelReaderBaudRate110),    KEL_ENUMERATOR(kelReaderBaudRate300),

@@ -8,8 +8,7 @@
 #include "platform/Platform.h"
 #include "reader/clsKELReader.h"
 #include "strings/VBLMRTSModule.h"
-
-#include <array>
+#include "types/ModelTable.h"
 
 namespace kel {
 
@@ -18,24 +17,18 @@ namespace {
 /// Blank between the list of the ports and the button beside it, in twips.
 constexpr double kLocateGap = 120;
 
-/// The models that judge the marks themselves when they grade: the option has a wording of its own for them, and fixes
-/// their three numbers.
-constexpr std::array kMarkGradingTypes = {
-    kelReaderTypeNCSEZData,  kelReaderTypeNCSOpScan2,        kelReaderTypeNCSOpScaniNSIGHT2, kelReaderTypeNCSOpScan3,
-    kelReaderTypeNCSOpScan4, kelReaderTypeNCSOpScaniNSIGHT4, kelReaderTypeNCSOpScan5,        kelReaderTypeNCSOpScan6,
-    kelReaderTypeNCSOpScan7, kelReaderTypeNCSOpScan8,
-};
-
 /// The three numbers while the reader grades. The threshold is not the catalogue's.
 constexpr const char* kGradingMarkCutOff = "10";
 constexpr const char* kGradingRecognitionThreshold = "6";
 constexpr const char* kGradingMarkDiscrimination = "3";
 
+/// Whether a model judges the marks itself when it grades: the option has a wording of its own for it, and fixes its
+/// three numbers.
 bool gradesMarks(const std::string& type)
 {
-    for (const kelReaderType each : kMarkGradingTypes) {
-        if (type == CStr(each))
-            return true;
+    for (const ModelRow& row : kModels) {
+        if (type == CStr(row.number))
+            return Wire("OpScan").isOf(row.number) || row.number == kelReaderTypeNCSEZData;
     }
     return false;
 }

@@ -2,6 +2,7 @@
 #include "pictures/MarkScale.h"
 
 #include "profiles/clsKELReaderProfiles.h"
+#include "types/ModelTable.h"
 #include "types/Text.h"
 
 #include <algorithm>
@@ -17,18 +18,8 @@ constexpr Int16 kDarkestOfAdvantageLink = 199;
 /// or the next one.
 bool saysMarkedOnly(kelReaderType model)
 {
-    switch (model) {
-    case kelReaderTypeAppersonGradeMaster:
-    case kelReaderTypePDIVMR138:
-    case kelReaderTypeNCSEZData:
-    case kelReaderTypeChatsworthACF100:
-    case kelReaderTypeChatsworthOMR1100:
-    case kelReaderTypeChatsworthOMR2000:
-    case kelReaderTypeChatsworthALSAccelScanOMR:
-    case kelReaderTypeChatsworthACF200:
-    case kelReaderTypeChatsworthACP200: return true;
-    default: return false;
-    }
+    return Wire("GradeMaster").isOf(model) || Wire("VMR138").isOf(model) || Wire("EZData").isOf(model) ||
+           Wire("Chatsworth").isOf(model);
 }
 
 } // namespace

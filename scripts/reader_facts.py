@@ -36,9 +36,11 @@ def need(condition, what):
         raise SystemExit(f"generate_reader_pages.py: {what}")
 
 
-def model_numbers(root):
-    rows = re.findall(r"\b(kelReaderType\w+) = (\d+),", read(root, "types/Enumerations.h"))
-    return {name: int(number) for name, number in rows}
+def model_rows(root):
+    """The rows of the table of models, by their numbers: the text of each."""
+    rows = re.findall(r"^    \{(\d+), (.*?)\},$", read(root, "types/ModelTable.h"), re.MULTILINE | re.DOTALL)
+    need(rows, "types/ModelTable.h has no rows of models")
+    return {int(number): row for number, row in rows}
 
 
 def families_of_models(root):
@@ -53,21 +55,21 @@ def families_of_models(root):
         ]
         need(len(holders) == 1, f"{init} is declared in {len(holders)} drivers")
         folders[name] = holders[0]
-    numbers = model_numbers(root)
-    rows = re.findall(r"\{(kelReaderType\w+), &(\w+)\},", source)
-    need(rows, "dispatch/DriverFamilies.cpp has no rows of models")
-    return {numbers[model]: folders[family] for model, family in rows}
+    named = {name: folders[family] for name, family in re.findall(r'\{"(\w+)", &(\w+)\},', source)}
+    drivers = {number: re.findall(r'"([^"]*)"', row)[2] for number, row in model_rows(root).items()}
+    need(set(drivers.values()) <= set(named), "a model names a driver that dispatch/DriverFamilies.cpp lacks")
+    return {number: named[driver] for number, driver in drivers.items()}
 
 
 def print_lines(root):
     """Print lines, positions from and to, and characters of the models that may have an imprinter."""
-    numbers = model_numbers(root)
-    source = read(root, "contract/clsKELReaderPrinter.cpp")
-    rows = re.findall(r"\{(kelReaderType\w+), (\w+), (\d+), (-?\d+), (-?\d+), (-?\d+)\},", source)
-    need(len(rows) == len(numbers), "contract/clsKELReaderPrinter.cpp does not have a row for each model")
-    return {
-        numbers[model]: tuple(map(int, figures)) for model, kind, *figures in rows if kind == "Optional"
-    }
+    found = {}
+    for number, row in model_rows(root).items():
+        printer = re.search(r"\{(.*)\}$", row)
+        if printer:
+            found[number] = tuple(map(int, printer[1].split(",")))
+    need(found, "types/ModelTable.h has no model that prints")
+    return found
 
 
 def failure_texts(root):

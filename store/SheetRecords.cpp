@@ -4,6 +4,7 @@
 #include "pictures/MarkScale.h"
 #include "store/SheetJson.h"
 #include "types/LineText.h"
+#include "types/ModelTable.h"
 
 #include <algorithm>
 
@@ -19,13 +20,7 @@ Int32 largest(const std::optional<std::vector<Int16>>& sizes)
 /// Readers that send each window row by row, whatever its orientation.
 bool readsRowByRow(kelReaderType model)
 {
-    switch (model) {
-    case kelReaderTypeScanningSystemsSR601:
-    case kelReaderTypeScanningSystemsSR607:
-    case kelReaderTypeScanningSystemsSR700351:
-    case kelReaderTypeScanningSystemsSR700352: return true;
-    default: return false;
-    }
+    return Wire("SekonicLarge").isOf(model) || Wire("SekonicLargeDuplex").isOf(model);
 }
 
 } // namespace

@@ -168,10 +168,10 @@ ReadSheetEntry readSheet(const Json& value, const JsonPlace& place)
     host::Sheet& sheet = read.sheet;
     Int32 model = 0;
     std::vector<std::string> barcodes;
-    constexpr Int32 kLastModel = 41;
     readWhole(value, place,
               {{"number", into(sheet.number, 1)},
-               {"model", [&](const Json& v, const JsonPlace& p) { model = readJsonLongNumber(v, p, 0, kLastModel); }},
+               {"model",
+                [&](const Json& v, const JsonPlace& p) { model = readJsonLongNumber(v, p, 0, kReaderTypeCount - 1); }},
                {"threshold", into(read.setup.threshold)},
                {"side1", into(sheet.side1)},
                {"side2", into(sheet.side2)},

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "cli/check/Dialects.h"
 
+#include "types/ModelTable.h"
 #include "types/Text.h"
 
 #include <algorithm>
@@ -27,6 +28,30 @@ std::string framed(const std::string& text)
 {
     return "\x12\x1B" + text + "\x12" + "E";
 }
+
+struct WireDialect {
+    std::string_view name;
+    Dialect dialect;
+};
+
+constexpr std::array kWires = std::to_array<WireDialect>({
+    {"AdvantageLink", Dialect::AppersonLink},
+    {"GradeMaster", Dialect::AppersonGradeMaster},
+    {"BenchMark3000", Dialect::AppersonLine},
+    {"Advantage1200", Dialect::AppersonLine},
+    {"VMR138", Dialect::PeripheralDynamics},
+    {"EZData", Dialect::EZData},
+    {"Chatsworth", Dialect::Chatsworth},
+    {"SekonicSmall", Dialect::SekonicSmall},
+    {"SekonicLarge", Dialect::SekonicLarge},
+    {"SekonicLargeDuplex", Dialect::SekonicLarge},
+    {"Scanmark", Dialect::Scanmark},
+    {"ScanmarkRaw", Dialect::Scanmark},
+    {"OpScan", Dialect::OpScan},
+    {kNoWire, Dialect::OpScan}, // nobody asks on a line that is not there
+});
+static_assert(modelWithUnknown(&ModelRow::wire, kWires) == 0,
+              "nobody knows how to ask the model of this number how it is: it names what kWires lacks");
 
 const std::vector<DialectEntry>& table()
 {
@@ -172,37 +197,8 @@ const DialectEntry& entryOf(Dialect dialect)
 
 const DialectEntry& dialectOf(kelReaderType model)
 {
-    switch (model) {
-    case kelReaderTypeAppersonAdvantageLink: return entryOf(Dialect::AppersonLink);
-    case kelReaderTypeAppersonGradeMaster: return entryOf(Dialect::AppersonGradeMaster);
-    case kelReaderTypeAppersonBenchMark3000:
-    case kelReaderTypeAppersonAdvantage1200: return entryOf(Dialect::AppersonLine);
-    case kelReaderTypePDIVMR138: return entryOf(Dialect::PeripheralDynamics);
-    case kelReaderTypeNCSEZData:
-    case kelReaderTypeChatsworthACF100: return entryOf(Dialect::EZData);
-    case kelReaderTypeChatsworthOMR1100:
-    case kelReaderTypeChatsworthOMR2000:
-    case kelReaderTypeChatsworthALSAccelScanOMR:
-    case kelReaderTypeChatsworthACF200:
-    case kelReaderTypeChatsworthACP200: return entryOf(Dialect::Chatsworth);
-    case kelReaderTypeScanningSystemsSR410:
-    case kelReaderTypeSekonicSR430: return entryOf(Dialect::SekonicSmall);
-    case kelReaderTypeScanningSystemsSR601:
-    case kelReaderTypeScanningSystemsSR607:
-    case kelReaderTypeScanningSystemsSR700351:
-    case kelReaderTypeScanningSystemsSR700352: return entryOf(Dialect::SekonicLarge);
-    case kelReaderTypeScantron8000:
-    case kelReaderTypeScantron8400:
-    case kelReaderTypeScantronScanMark2000:
-    case kelReaderTypeScantronScanMark2250:
-    case kelReaderTypeScantronScanMark2500:
-    case kelReaderTypeScantronScanMark4000:
-    case kelReaderTypeScantronScanMark5500:
-    case kelReaderTypeScantronScanMarkES2010:
-    case kelReaderTypeScantronScanMarkES2260:
-    case kelReaderTypeScantronScanMarkES2800: return entryOf(Dialect::Scanmark);
-    default: return entryOf(Dialect::OpScan);
-    }
+    const ModelRow* row = modelRow(model);
+    return entryOf(row ? entryNamed(kWires, row->wire)->dialect : Dialect::OpScan);
 }
 
 ReplyKind judgeReplies(Dialect dialect, const std::vector<std::string>& replies)

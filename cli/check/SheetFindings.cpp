@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "cli/check/SheetFindings.h"
 
+#include "types/ModelTable.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -54,9 +56,7 @@ CheckResult checkStatus(const SheetsSeen& seen)
     if (seen.usb || (dialect != Dialect::SekonicLarge && dialect != Dialect::SekonicSmall) || !status ||
         status->arrivals.empty())
         return result;
-    const bool twoSides =
-        seen.model == kelReaderTypeScanningSystemsSR607 || seen.model == kelReaderTypeScanningSystemsSR700352;
-    const std::size_t usual = twoSides ? 2 : 1;
+    const std::size_t usual = Wire("SekonicLargeDuplex").isOf(seen.model) ? 2 : 1;
     const std::size_t length = status->reply().size();
     result.status = length == usual ? CheckStatus::Pass : CheckStatus::Warn;
     result.expected = count(usual, "byte");

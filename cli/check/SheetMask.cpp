@@ -5,6 +5,7 @@
 #include "cli/check/PaperGuard.h"
 #include "recording/ReportSections.h"
 #include "recording/Transcript.h"
+#include "types/ModelTable.h"
 
 #include <algorithm>
 
@@ -75,7 +76,7 @@ std::string maskedSheet(kelReaderType model, const std::string& sent, std::strin
     const Dialect dialect = dialectOf(model).dialect;
     switch (dialect) {
     case Dialect::Scanmark: {
-        const bool raw = model == kelReaderTypeScantron8000 || model == kelReaderTypeScantron8400;
+        const bool raw = Wire("ScanmarkRaw").isOf(model);
         return replaced(std::move(bytes), 0, [&](char c) { return c == '\r' ? c : raw ? '\0' : '0'; });
     }
     // Row openers are small letters, marks are hexadecimal digits, barcodes have capitals too; the byte after 15

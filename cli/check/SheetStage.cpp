@@ -2,6 +2,7 @@
 #include "cli/check/CheckRun.h"
 #include "cli/check/SheetFindings.h"
 #include "host/ModelLookup.h"
+#include "types/ModelTable.h"
 
 namespace kel {
 
@@ -13,7 +14,7 @@ constexpr const char* kSession = "sheets";
 /// The highest value that a model's marks have; 0 where they are raw.
 Int16 highestMark(kelReaderType model)
 {
-    if (host::isUsbModel(model) || model == kelReaderTypeScantron8000 || model == kelReaderTypeScantron8400)
+    if (host::isUsbModel(model) || Wire("ScanmarkRaw").isOf(model))
         return 0;
     switch (dialectOf(model).dialect) {
     case Dialect::OpScan:

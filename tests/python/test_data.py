@@ -17,7 +17,7 @@ ROOT = Path(os.environ["KEL_SOURCES"])
 
 def test_the_models_are_those_of_the_catalogue():
     models = kelreader.models()
-    assert [model.reader_type for model in models] and {model.reader_type for model in models} == set(range(1, 42))
+    assert models and sorted(model.reader_type for model in models) == list(range(1, len(models) + 1))
     scanmark = kelreader.model("Scanmark 2500")
     assert (scanmark.reader_type, scanmark.baud_rate, scanmark.stop_bits, scanmark.max_cols) == (13, 19200, 2.0, 48)
     assert kelreader.model(13) == scanmark

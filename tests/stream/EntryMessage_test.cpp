@@ -131,7 +131,8 @@ TEST(EntryMessage, RefusesWhatHoldsNoEntry)
     EXPECT_THAT(refusalOf(changed("/identity", "")), HasSubstr("identity is empty"));
     EXPECT_THAT(refusalOf(changed("/time", "noon")), HasSubstr("time is not a time"));
     EXPECT_THAT(refusalOf(changed("/sheet/number", 0)), HasSubstr("number has to be a whole number from 1"));
-    EXPECT_THAT(refusalOf(changed("/sheet/model", 42)), HasSubstr("model has to be a whole number from 0 to 41"));
+    EXPECT_THAT(refusalOf(changed("/sheet/model", kReaderTypeCount)),
+                HasSubstr("model has to be a whole number from 0 to " + std::to_string(kReaderTypeCount - 1)));
     EXPECT_THAT(refusalOf(changed("/sheet/side1/marks/0/0", 4)), HasSubstr("whole number from 1 to 3"));
     EXPECT_THAT(refusalOf(changed("/sheet/side1/rows", 1e9)), HasSubstr("rows"));
     EXPECT_THAT(refusalOf(changed("/sheet/extra", 1)), HasSubstr("extra"));
