@@ -187,8 +187,8 @@ def registry_has(key, width=WIDTH):
 
 def class_keys(hive, width=WIDTH):
     """All keys of a hive's classes, as programs of a width see them."""
-    answer = wine("reg", "query", hive + r"\Software\Classes", "/s", width=width)
-    return {line for line in answer.stdout.splitlines() if line.startswith("HKEY_")}
+    folder = BIN if width == WIDTH else pathlib.Path(os.environ[f"KEL_WINDOWS_{width}"]) / "bin"
+    return set(wine(folder / "class_keys.exe", hive, width=width, check=True).stdout.splitlines())
 
 
 class SimulatedReader:
