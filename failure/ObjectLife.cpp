@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "failure/ObjectLife.h"
 
+#include "failure/WithoutHost.h"
 #include "failure/modvbCodeShieldSupport.h"
 
 #include <cstdint>
@@ -15,7 +16,7 @@ constexpr Int32 kObjectEvent = 2000;
 
 void tellDebugger(Int32 lCode, const char* nameAndKind, const ObjectLife* object)
 {
-    if (hasDebugSession())
+    if (hasDebugSession() && !WithoutHost::reports())
         vbcsSend(lCode, nameAndKind, static_cast<std::int64_t>(reinterpret_cast<std::intptr_t>(object)), kObjectEvent,
                  0);
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "failure/basError.h"
 
+#include "failure/WithoutHost.h"
 #include "failure/guarded.h"
 #include "platform/Platform.h"
 #include "types/Text.h"
@@ -104,6 +105,8 @@ Boolean setErrorObject(std::shared_ptr<ErrorObject> object)
 
 std::shared_ptr<ErrorObject> errorObject()
 {
+    if (auto own = WithoutHost::reports())
+        return own;
     const std::lock_guard lock(registered().mutex);
     return registered().object;
 }

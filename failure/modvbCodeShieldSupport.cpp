@@ -3,6 +3,7 @@
 
 #include "failure/ExceptionNames.h"
 #include "failure/TypeName.h"
+#include "failure/WithoutHost.h"
 #include "failure/basError.h"
 #include "failure/guarded.h"
 #include "platform/NamedObjects.h"
@@ -164,6 +165,9 @@ std::string dumpOfGlobals()
 void reportCrash(const CapturedFailure& failure, const std::string& sModule, const std::string& sProcedure,
                  const ProcedureDump& variables)
 {
+    // Whoever has sent the thread learns of the failure by catching it.
+    if (WithoutHost::reports())
+        return;
     ignoringFailures([&] {
         std::shared_ptr<ErrorLibraryObject> library = createErrorLibrary(kErrorLibraryClass);
         if (!library) {

@@ -5,9 +5,9 @@
 #include "host/LocalTime.h"
 #include "host/PropertyTable.h"
 #include "host/Reports.h"
-#include "host/StopCarrier.h"
 #include "host/UsageError.h"
 #include "platform/Platform.h"
+#include "platform/StopCarrier.h"
 #include "types/LineText.h"
 #include "types/Text.h"
 

@@ -2,16 +2,17 @@
 #pragma once
 
 #include "platform/Carrier.h"
+#include "types/Export.h"
 #include "types/Reference.h"
 
 #include <functional>
 
-namespace kel::host {
+namespace kel {
 
 /// A carrier around another one for a batch that somebody may stop. Some waits of a dialogue do not look at
 /// `CancelScan`, and end with their time alone, which may be ten minutes. Once a stop is wanted they have two more
 /// seconds: enough for a reader that is there, also for the last words at the end of the session.
-class StopCarrier final : public Carrier {
+class KEL_INTERNAL StopCarrier final : public Carrier {
 public:
     StopCarrier(Reference<Carrier> carrier, std::function<bool()> stopWanted);
 
@@ -40,4 +41,4 @@ private:
     bool hurried_ = false;
 };
 
-} // namespace kel::host
+} // namespace kel

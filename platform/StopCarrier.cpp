@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
-#include "host/StopCarrier.h"
+#include "platform/StopCarrier.h"
 
 #include <algorithm>
 #include <utility>
 
-namespace kel::host {
+namespace kel {
 
 namespace {
 
@@ -32,4 +32,4 @@ Boolean StopCarrier::Timer::Enabled() const
     return inner().Enabled();
 }
 
-} // namespace kel::host
+} // namespace kel

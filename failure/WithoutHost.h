@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "failure/ErrorReport.h"
+
+#include <memory>
+
+namespace kel {
+
+/// For as long as this lives, the calling thread works for the component itself: its reports go to the given object,
+/// and nothing of the host hears of it, neither the error object nor the error library nor a debugger.
+class WithoutHost {
+public:
+    explicit WithoutHost(std::shared_ptr<ErrorObject> reports);
+    ~WithoutHost();
+    WithoutHost(const WithoutHost&) = delete;
+    WithoutHost& operator=(const WithoutHost&) = delete;
+
+    /// Where the reports of the calling thread go; null while it works for the host.
+    [[nodiscard]] static std::shared_ptr<ErrorObject> reports();
+
+private:
+    std::shared_ptr<ErrorObject> reports_;
+    WithoutHost* previous_;
+};
+
+} // namespace kel
