@@ -47,14 +47,20 @@ std::string fileName(const std::string& device)
 
 } // namespace
 
-FormAids::FormAids(frmOptions& form) : form_(form), sharesMachine_(threadsShareThisMachine()), settings_(form) {}
+FormAids::FormAids(frmOptions& form)
+    : form_(form), sharesMachine_(threadsShareThisMachine()), settings_(form), test_(form)
+{
+}
 
 void FormAids::showPortsAsTheyCome()
 {
     comesBeside_ = sharesMachine_;
     captions_ = {.lookAgain = VBLM_RTString(text::kLookAgainButton),
                  .assignPort = VBLM_RTString(text::kAssignPortButton),
+                 .testReader = VBLM_RTString(text::kTestReader),
+                 .stopTest = VBLM_RTString(text::kStopTest),
                  .noModel = VBLM_RTString(text::kNoModelAdvice),
+                 .corrected = VBLM_RTString(text::kNumberCorrected),
                  .unsought = VBLM_RTString(text::kUnsoughtTitle),
                  .save = VBLM_RTString(text::kSaveAllTheSame),
                  .back = VBLM_RTString(text::kGoBack)};
@@ -126,7 +132,13 @@ bool FormAids::turn()
     // All that has come together is shown together: only then is it known which was the last.
     if (isNew)
         showPorts();
-    return isNew;
+    return test_.turn() || isNew;
+}
+
+void FormAids::testReader()
+{
+    if (canTestReader())
+        test_.start(sharesMachine_);
 }
 
 void FormAids::endLook()

@@ -22,8 +22,11 @@ public:
     struct Captions {
         std::string lookAgain{};  ///< a button that looks at the ports anew
         std::string assignPort{}; ///< a button that gives a port number to a device
-        std::string noModel{};    ///< what to do while no model is chosen
-        std::string unsought{};   ///< the title of a box with `unsoughtChanges`, and its buttons
+        std::string testReader{}; ///< a button that tests the reader, and the same one while it does
+        std::string stopTest{};
+        std::string noModel{};   ///< what to do while no model is chosen
+        std::string corrected{}; ///< the sentence of `corrected`, with %1 to %3 in it
+        std::string unsought{};  ///< the title of a box with `unsoughtChanges`, and its buttons
         std::string save{};
         std::string back{};
     };
@@ -37,7 +40,7 @@ public:
     /// other threads are on another machine, the form looks at the ports one after another while it loads.
     virtual void showPortsAsTheyCome() = 0;
 
-    /// Takes what has come since. True if the view is to show the form anew.
+    /// Takes what has come since, of the ports and of a test. True if the view is to show the form anew.
     virtual bool turn() = 0;
 
     /// Whether ports are being looked at. The search for the reader waits until they are not.
@@ -63,6 +66,24 @@ public:
 
     /// Gives a number to a device, and looks at the ports anew. What goes wrong is said in a box.
     virtual void assignPort(const std::string& number, const std::string& device) = 0;
+
+    // --- The test of the reader
+
+    /// Starts a session with the settings on the form, ends it at once, and says in a box what came of it. No sheet
+    /// moves, nothing is saved, and the host hears nothing of it. It goes on beside the window, which calls `turn`
+    /// until it is over; where other threads are on another machine it is held at once.
+    virtual void testReader() = 0;
+    virtual void stopTest() = 0;
+
+    /// Whether a test makes sense: there is a model, and a port if it needs one. Whether one runs.
+    [[nodiscard]] virtual bool canTestReader() const = 0;
+    [[nodiscard]] virtual bool testsReader() const = 0;
+
+    /// What the test does at the moment or, after it was stopped, that it was; empty otherwise.
+    [[nodiscard]] virtual const std::string& testProgress() const = 0;
+
+    /// Whether somebody works on the ports: no other button that opens them can be worked meanwhile.
+    [[nodiscard]] bool usesPorts() const { return looksAtPorts() || testsReader(); }
 
     // --- The settings
 

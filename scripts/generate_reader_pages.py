@@ -46,7 +46,7 @@ from reader_facts import (
 LAST_CAPTION = 158
 CAPTIONS = (168, 170)
 # What the window of the dialog says around them.
-FIRST_AID, LAST_AID = 560, 656
+FIRST_AID, LAST_AID = 560, 690
 
 # The settings as the dialog names and explains them: caption, property, explanation.
 SETTINGS = (

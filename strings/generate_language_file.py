@@ -36,9 +36,9 @@ STEP = 2
 LAST_NUMBER = 998
 
 # Captions of the options dialog that are visible together. 138 and 140 are texts of lists and have no access key.
-DIALOG_CAPTIONS = tuple(n for n in range(102, 160, STEP) if n not in (138, 140)) + (168, 170)
+DIALOG_CAPTIONS = tuple(n for n in range(102, 160, STEP) if n not in (138, 140)) + (168, 170, 660, 662)
 # Captions that one control bears at different times may have the same access key.
-CAPTIONS_OF_ONE_CONTROL = ((116, 168, 170),)
+CAPTIONS_OF_ONE_CONTROL = ((116, 168, 170), (660, 662))
 # Captions that are titles too, in which an access-key mark would be shown as it stands.
 CAPTIONS_WITHOUT_ACCESS_KEY = (102, 108)
 

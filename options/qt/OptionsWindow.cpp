@@ -188,7 +188,7 @@ QGroupBox* OptionsWindow::portBox()
     QPushButton* const locate = put(form_.cmdLocate);
     port->addWidget(locate);
     updates_.emplace_back([this, locate] {
-        if (form_.Aids().looksAtPorts())
+        if (form_.Aids().usesPorts())
             locate->setEnabled(false);
     });
     grid->addWidget(put(form_.lblPort, ports), 0, 0);
@@ -232,6 +232,7 @@ QWidget* OptionsWindow::buttons()
     notice_->setSizePolicy(policy);
     notice_->hide();
     row->addWidget(notice_, 1);
+    row->addWidget(testButton(bar));
     QPushButton* const ok = put(form_.cmdOK);
     ok->setDefault(true);
     row->addWidget(ok);
@@ -370,6 +371,7 @@ void OptionsWindow::refresh()
     setWindowTitle(text(form_.Caption()));
     for (const auto& update : updates_)
         update();
+    showTest();
     refreshing_ = false;
 }
 

@@ -76,6 +76,9 @@ private:
     void takePlace();
     void keepPlace();
     void openHelp();
+    QPushButton* testButton(QWidget* parent);
+    void testReader();
+    void showTest();
 
     frmOptions& form_;
     WindowPlace& place_;
@@ -86,6 +89,7 @@ private:
     QToolButton* help_ = nullptr;
     QLabel* notice_ = nullptr;
     bool refreshing_ = false;
+    bool showsTest_ = false;
     QSize usualSize_;
 };
 

@@ -14,7 +14,7 @@ namespace kel {
 
 namespace {
 
-/// How often the ports that have come meanwhile are taken.
+/// How often what has come meanwhile is taken.
 constexpr auto kTurn = std::chrono::milliseconds(40);
 
 QString text(const std::string& utf8)
@@ -58,7 +58,7 @@ PortTools::PortTools(OptionsAids& aids, std::function<void()> after, QWidget* pa
     turns_.setInterval(kTurn);
     connect(&turns_, &QTimer::timeout, this, [this] {
         const bool isNew = aids_.turn();
-        if (!aids_.looksAtPorts())
+        if (!aids_.usesPorts())
             turns_.stop();
         if (isNew)
             after_();
@@ -74,10 +74,10 @@ void PortTools::refresh()
     look_->setText(text(captions.lookAgain));
     // The key would be lost with a new text.
     look_->setShortcut(QKeySequence::Refresh);
-    look_->setEnabled(!aids_.looksAtPorts());
+    look_->setEnabled(!aids_.usesPorts());
     assign_->setText(text(captions.assignPort));
-    assign_->setEnabled(!aids_.looksAtPorts() && !aids_.devicesWithoutPort().empty());
-    if (aids_.looksAtPorts() && !turns_.isActive())
+    assign_->setEnabled(!aids_.usesPorts() && !aids_.devicesWithoutPort().empty());
+    if (aids_.usesPorts() && !turns_.isActive())
         turns_.start();
 }
 

@@ -13,8 +13,8 @@ class QToolButton;
 
 namespace kel {
 
-/// What stands under the settings of the line: why no port can be chosen, and what can be done about it. Ports come as
-/// long as it is there.
+/// What stands under the settings of the line: why no port can be chosen, and what can be done about it. Ports come,
+/// and a test of the reader goes on, as long as it is there.
 class PortTools final : public QWidget {
 public:
     /// `after` runs after whatever has come or the user has done here.

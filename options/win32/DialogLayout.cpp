@@ -17,6 +17,9 @@ constexpr const char* kWidestNumber = "8888888";
 /// How many lines an advice about the ports may have.
 constexpr int kAdviceLines = 6;
 
+/// How many lines fit between the buttons.
+constexpr int kNoticeLines = 4;
+
 /// A label with its field, and what follows that.
 struct Row {
     Label* label;
@@ -152,7 +155,22 @@ private:
     }
     [[nodiscard]] double buttonsWidth() const
     {
-        return buttonWidth(form_.cmdDefaults) + 2 * metrics_.line + 2 * decisionWidth() + gap();
+        return buttonWidth(form_.cmdDefaults) + 2 * metrics_.line + noticeWidth() + gap() + testWidth() + gap() +
+               2 * decisionWidth() + gap();
+    }
+    /// Room for the longest sentence, which is broken between words.
+    [[nodiscard]] double noticeWidth() const
+    {
+        constexpr double kLooseness = 1.2;
+        const double label = labelColumn(numberRows());
+        const double sentence = label + form_.TextWidth(form_.Aids().captions().corrected + kWidestNumber);
+        return sentence / kNoticeLines * kLooseness;
+    }
+    /// The button bears the one caption or the other.
+    [[nodiscard]] double testWidth() const
+    {
+        const OptionsAids::Captions& captions = form_.Aids().captions();
+        return std::max(toolWidth(captions.testReader), toolWidth(captions.stopTest));
     }
     [[nodiscard]] double decisionWidth() const
     {
@@ -250,17 +268,18 @@ private:
     void placeButtons(double top)
     {
         layout_.bottomLine = top;
-        top += metrics_.line * 0.75;
+        top += metrics_.line * 1.2;
         const double width = decisionWidth();
         const double right = layout_.width - metrics_.line;
         put(form_.cmdDefaults, {metrics_.line, top, buttonWidth(form_.cmdDefaults), buttonHeight()});
         put(form_.cmdOK, {right - 2 * width - gap(), top, width, buttonHeight()});
         put(form_.cmdCancel, {right - width, top, width, buttonHeight()});
         const double left = 2 * metrics_.line + buttonWidth(form_.cmdDefaults);
-        // Three lines fit between the buttons.
-        layout_.notice = {left, layout_.bottomLine + metrics_.line * 0.1, right - 2 * width - 2 * gap() - left,
-                          3 * metrics_.line};
-        layout_.height = top + buttonHeight() + metrics_.line * 0.75;
+        const double test = right - 2 * width - 2 * gap() - testWidth();
+        layout_.testReader = {test, top, testWidth(), buttonHeight()};
+        layout_.notice = {left, layout_.bottomLine + metrics_.line * 0.1, test - gap() - left,
+                          kNoticeLines * metrics_.line};
+        layout_.height = top + buttonHeight() + metrics_.line * 1.2;
     }
 
     frmOptions& form_;

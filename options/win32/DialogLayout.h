@@ -34,6 +34,7 @@ struct DialogLayout {
     Place assignPort;        ///< the one that gives a number to a device
     Place portAdvice;        ///< why no port can be chosen
     Place noModel;           ///< where the settings of a model will be: what to do
+    Place testReader;        ///< the button beside OK
     Place notice;            ///< between the buttons: what was corrected
     double headerHeight = 0; ///< of the band at the top
     double bottomLine = 0;   ///< where the line above the buttons runs

@@ -11,7 +11,7 @@ namespace kel {
 
 namespace {
 
-/// The timer of the ports that come one by one, and how often they are taken, in milliseconds.
+/// The timer of what comes beside the dialog, and how often that is taken, in milliseconds.
 constexpr UINT_PTR kTurnTimer = 1;
 constexpr UINT kTurn = 40;
 
@@ -58,6 +58,7 @@ void OptionsDialogWindow::createAids()
     const Shown* const last = shown(form_.cboFlowControl);
     tabAfter(last ? last->window : nullptr, assignPort_);
     tabAfter(last ? last->window : nullptr, lookAgain_);
+    createTest();
 }
 
 void OptionsDialogWindow::tabAfter(HWND before, HWND window)
@@ -74,10 +75,11 @@ bool OptionsDialogWindow::refreshAids()
     isNew |= showText(assignPort_, aids.captions().assignPort);
     isNew |= showText(noModel_, aids.captions().noModel);
     isNew |= takeState(portAdvice_, form_.frmComPort.Seen() && !aids.portAdvice().empty(), true);
-    isNew |= takeState(lookAgain_, hasTools, !aids.looksAtPorts());
-    isNew |= takeState(assignPort_, hasTools, !aids.looksAtPorts() && !aids.devicesWithoutPort().empty());
+    isNew |= takeState(lookAgain_, hasTools, !aids.usesPorts());
+    isNew |= takeState(assignPort_, hasTools, !aids.usesPorts() && !aids.devicesWithoutPort().empty());
     isNew |= takeState(noModel_, !form_.frmReader.Seen(), true);
-    if (aids.looksAtPorts())
+    isNew |= refreshTest();
+    if (aids.usesPorts())
         ::SetTimer(window_, kTurnTimer, kTurn, nullptr);
     widenOpenPorts();
     isNew |= refreshResets();
@@ -85,11 +87,11 @@ bool OptionsDialogWindow::refreshAids()
     return isNew;
 }
 
-/// Takes the ports that have come, and comes back for others.
+/// Takes what has come of the ports and of a test, and comes back for more.
 void OptionsDialogWindow::turn()
 {
     const bool isNew = form_.Aids().turn();
-    if (!form_.Aids().looksAtPorts())
+    if (!form_.Aids().usesPorts())
         ::KillTimer(window_, kTurnTimer);
     if (isNew)
         refresh();

@@ -176,6 +176,7 @@ bool OptionsDialogWindow::arrange()
     put(assignPort_, layout_.assignPort);
     put(noModel_, layout_.noModel);
     put(notice_, layout_.notice);
+    put(testReader_, layout_.testReader);
     for (const Reset& reset : resets_)
         put(reset.window, layout_.resets.at(reset.control));
     return moved;

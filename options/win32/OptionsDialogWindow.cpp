@@ -176,7 +176,7 @@ void OptionsDialogWindow::showFonts()
         if (each.window)
             ::SendMessageW(each.window, WM_SETFONT, reinterpret_cast<WPARAM>(fontOf(*each.control)), TRUE);
     }
-    for (const HWND added : {portAdvice_, lookAgain_, assignPort_, noModel_, notice_})
+    for (const HWND added : {portAdvice_, lookAgain_, assignPort_, noModel_, notice_, testReader_})
         ::SendMessageW(added, WM_SETFONT, reinterpret_cast<WPARAM>(fonts_.text()), TRUE);
     refresh();
 }
@@ -211,7 +211,7 @@ void OptionsDialogWindow::refresh()
 /// The search for the reader opens the ports that are being looked at.
 bool OptionsDialogWindow::canBeWorked(const Control& control) const
 {
-    return control.Enabled() != False && !(&control == &form_.cmdLocate && form_.Aids().looksAtPorts());
+    return control.Enabled() != False && !(&control == &form_.cmdLocate && form_.Aids().usesPorts());
 }
 
 void OptionsDialogWindow::paintBackground(HDC screen)
@@ -304,6 +304,8 @@ bool OptionsDialogWindow::clickTool(int number)
         actOnPorts([&] { form_.Aids().lookAgain(); });
     else if (number == kAssignPort)
         assignPort();
+    else if (number == kTestReader)
+        testReader();
     else
         return false;
     return true;

@@ -29,6 +29,7 @@ public:
     static constexpr int kNoModel = 2002;
     static constexpr int kNotice = 2003;
     static constexpr int kAssignPort = 2004;
+    static constexpr int kTestReader = 2005;
     static constexpr int kFirstReset = 3000;
 
     OptionsDialogWindow(frmOptions& form, DialogScreen& screen, WindowPlace& place);
@@ -104,6 +105,9 @@ private:
     [[nodiscard]] bool mayBeSaved();
     void assignPort();
     void actOnPorts(const Action& what);
+    void createTest();
+    [[nodiscard]] bool refreshTest();
+    void testReader();
     [[nodiscard]] bool clickTool(int number);
     static LRESULT CALLBACK listProcedure(HWND list, UINT message, WPARAM first, LPARAM second);
     [[nodiscard]] bool type(HWND window, wchar_t letter);
@@ -134,6 +138,8 @@ private:
     HWND assignPort_ = nullptr;
     HWND noModel_ = nullptr;
     HWND notice_ = nullptr;
+    HWND testReader_ = nullptr;
+    bool showsTest_ = false;
     std::vector<Reset> resets_;
     HWND toolTips_ = nullptr;
     HWND help_ = nullptr;

@@ -111,11 +111,17 @@ public:
     run(OptionsHost& host, Steps steps, void* parent = nullptr,
         std::shared_ptr<OptionsPresenter> shownBy = std::make_shared<QtOptionsPresenter>(registeredWindowPlace()))
     {
+        return run(host.reader(), std::move(steps), parent, std::move(shownBy));
+    }
+
+    /// The same for a reader of this machine.
+    static Boolean run(clsKELReader& reader, Steps steps, void* parent, std::shared_ptr<OptionsPresenter> shownBy)
+    {
         const auto dialog = std::make_shared<DrivenDialog>();
         dialog->steps_ = std::move(steps);
         dialog->shownBy_ = std::move(shownBy);
         setOptionsPresenter(dialog);
-        const Boolean result = host.reader().ShowOptions(parent);
+        const Boolean result = reader.ShowOptions(parent);
         setOptionsPresenter(nullptr);
         return result;
     }

@@ -294,8 +294,8 @@ TEST(OptionsWindowTest, TabGoesThroughTheControlsInTheirOrder)
         EXPECT_EQ(order, (std::vector<std::string>{"cboReaderType", "chkFeeder", "chkDuplex", "txtRecognitionThreshold",
                                                    "txtMarkDiscrimination", "txtMarkCutOff", "txtReaderTimeout",
                                                    "txtSystemPause", "cboPort", "cboBaud", "cboDataBits", "cboParity",
-                                                   "cboStopBits", "cboFlowControl", "cmdDefaults", "help", "cmdOK",
-                                                   "cmdCancel"}));
+                                                   "cboStopBits", "cboFlowControl", "cmdDefaults", "help", "testReader",
+                                                   "cmdOK", "cmdCancel"}));
     });
 }
 

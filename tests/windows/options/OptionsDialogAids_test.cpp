@@ -330,5 +330,109 @@ TEST_F(OptionsDialogPorts, ADeviceGetsANumber)
     EXPECT_EQ(port, kNumber);
 }
 
+/// The test of the reader, whose ports say nothing.
+class OptionsDialogReaderTest : public OptionsDialogPorts {
+protected:
+    static constexpr int kButton = OptionsDialogWindow::kTestReader;
+    static constexpr int kNotice = OptionsDialogWindow::kNotice;
+
+    static bool waitForText(const OtherProgram& user, int number, std::wstring_view text)
+    {
+        const auto end = std::chrono::steady_clock::now() + std::chrono::minutes(10);
+        while (user.text(number) != text && std::chrono::steady_clock::now() < end)
+            user.settle();
+        return user.text(number) == text;
+    }
+
+    static bool isUsable(const OtherProgram& user, int number)
+    {
+        return ::IsWindowEnabled(user.control(number)) != FALSE;
+    }
+};
+
+TEST_F(OptionsDialogReaderTest, IsFollowedAndStopped)
+{
+    std::vector<bool> usable;
+    std::vector<std::wstring> captions;
+    bool isFollowed = false;
+    bool isStopped = false;
+    bool isOpen = false;
+    portAfter([&](const OtherProgram& user) {
+        waitUntilAllHaveCome(user);
+        const auto look = [&] {
+            captions.push_back(user.text(kButton));
+            usable.push_back(isUsable(user, OptionsDialogWindow::kLookAgain));
+        };
+        look();
+        user.click(kButton);
+        isFollowed = waitForText(user, kNotice, L"Test: waiting for the reader …");
+        look();
+        user.waitUntilPainted();
+        Screenshot::of(user.dialog).save("test");
+        user.click(kButton);
+        isStopped = waitForText(user, kNotice, L"The test was stopped.");
+        look();
+        isOpen = ::IsWindowVisible(user.dialog) != FALSE;
+    });
+    EXPECT_TRUE(isFollowed);
+    EXPECT_TRUE(isStopped);
+    EXPECT_EQ(captions, (std::vector<std::wstring>{L"Test t&he reader", L"Stop t&he test", L"Test t&he reader"}));
+    EXPECT_EQ(usable, (std::vector<bool>{true, false, true}));
+    EXPECT_TRUE(isOpen);
+}
+
+TEST_F(OptionsDialogReaderTest, IsSaidInABox)
+{
+    constexpr int kBoxText = 0xFFFF;
+    std::wstring title;
+    std::wstring text;
+    bool isOver = false;
+    portAfter([&](const OtherProgram& user) {
+        const int timeout = number("txtReaderTimeout");
+        waitUntilAllHaveCome(user);
+        user.enter(timeout);
+        user.type(timeout, L"1");
+        user.enter(kButton);
+        user.click(kButton);
+        const HWND box = waitFor(user, L"#32770");
+        ASSERT_NE(box, nullptr);
+        title = OtherProgram::textOf(box);
+        text = OtherProgram::textOf(::GetDlgItem(box, kBoxText));
+        ::PostMessageW(box, WM_CLOSE, 0, 0);
+        isOver = waitForText(user, kButton, L"Test t&he reader");
+    });
+    EXPECT_EQ(title, L"Test of the Reader");
+    EXPECT_EQ(text.rfind(L"Reader Not Answering: The reader did not answer", 0), 0U);
+    EXPECT_TRUE(isOver);
+}
+
+TEST_F(OptionsDialogReaderTest, EndsWithTheDialog)
+{
+    for (const int button : {IDCANCEL, IDOK}) {
+        bool isFollowed = false;
+        const Int16 port = portAfter([&](const OtherProgram& user) {
+            waitUntilAllHaveCome(user);
+            user.click(kButton);
+            isFollowed = waitForText(user, kNotice, L"Test: waiting for the reader …");
+            user.click(button);
+        });
+        EXPECT_TRUE(isFollowed);
+        EXPECT_EQ(port, 3);
+    }
+}
+
+TEST_F(OptionsDialogReaderTest, NeedsAModel)
+{
+    bool without = true;
+    bool with = false;
+    show([&](const OtherProgram& user) {
+        without = isUsable(user, kButton);
+        user.select(number("cboReaderType"), L"Scantron Scanmark 2500");
+        with = isUsable(user, kButton);
+    });
+    EXPECT_FALSE(without);
+    EXPECT_TRUE(with);
+}
+
 } // namespace
 } // namespace kel

@@ -1,0 +1,78 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "types/Boolean.h"
+#include "types/Enumerations.h"
+#include "types/Numbers.h"
+
+#include <atomic>
+#include <optional>
+#include <string>
+
+namespace kel {
+
+class clsKELReader;
+
+/// A test of a reader: a session is started as a scan does it, and ended at once. No sheet moves. It uses a reader
+/// object of its own, whose reports go into the outcome and nowhere else: the host notices nothing.
+///
+///     window's thread   ReaderTest ....... stage ... stop      a wait ends within two seconds, a pause at once
+///     any thread             run ------------------------> TestOutcome
+class ReaderTest {
+public:
+    /// The settings to test, and the device that the port stands for if it is known already.
+    ReaderTest(const clsKELReader& shown, std::optional<std::string> device);
+    ReaderTest(const ReaderTest&) = delete;
+    ReaderTest& operator=(const ReaderTest&) = delete;
+
+    /// What it does at the moment.
+    enum class Stage { OpensPort, Waits, EndsSession, AsksFirmware };
+
+    /// What came of it.
+    struct Outcome {
+        enum class Kind { Answers, Fails, Stopped };
+        Kind kind = Kind::Fails;
+        std::string sentence{}; ///< for the user: one or a few sentences on a line
+    };
+
+    /// Holds the test on the calling thread and its platform, once. How long it lasts at most is in the settings.
+    [[nodiscard]] Outcome run();
+
+    /// From any thread.
+    void stop() noexcept { stopped_ = true; }
+    [[nodiscard]] bool isStopped() const noexcept { return stopped_; }
+    [[nodiscard]] Stage stage() const noexcept { return stage_; }
+
+    /// The stage in words.
+    [[nodiscard]] std::string progress() const;
+
+private:
+    class Work;
+
+    /// What a session depends on, apart from the form.
+    struct Settings {
+        kelReaderType model{};
+        Int16 port = 0;
+        kelReaderBaudRate baudRate{};
+        kelReaderDataBits dataBits{};
+        std::string parity;
+        float stopBits = 0;
+        kelReaderFlowControl flowControl{};
+        Boolean readerGrade;
+        Boolean duplex;
+        Boolean barcode;
+        Boolean feeder;
+        Boolean rejecter;
+        Int16 recognitionThreshold = 0;
+        Int16 markDiscrimination = 0;
+        Int32 sleepTime = 0;
+        Int32 timeout = 0;
+    };
+
+    Settings settings_;
+    std::optional<std::string> device_;
+    std::atomic<bool> stopped_ = false;
+    std::atomic<Stage> stage_ = Stage::OpensPort;
+};
+
+} // namespace kel
