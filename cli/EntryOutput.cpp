@@ -34,7 +34,7 @@ private:
 };
 
 constexpr std::size_t kTimeWidth = 26;
-constexpr std::size_t kNameWidth = 14;
+constexpr std::size_t kReaderWidth = 14;
 constexpr std::size_t kBatchWidth = 22;
 constexpr std::size_t kNumberWidth = 8;
 
@@ -72,7 +72,7 @@ private:
     void row(const std::string& time, const std::string& reader, const std::string& batch, const std::string& number,
              const std::string& marks, const std::string& last)
     {
-        std::string line = padded(time, kTimeWidth) + padded(reader, kNameWidth) + " " + padded(batch, kBatchWidth) +
+        std::string line = padded(time, kTimeWidth) + padded(reader, kReaderWidth) + " " + padded(batch, kBatchWidth) +
                            " " + padded(number, kNumberWidth) + padded(marks, kNumberWidth) + last;
         line.erase(line.find_last_not_of(' ') + 1);
         write_(line + "\n");

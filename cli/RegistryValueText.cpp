@@ -45,14 +45,14 @@ std::optional<std::uint64_t> numberOf(const RegistryValue& value)
 
 std::string bytesText(const std::string& bytes)
 {
-    constexpr const char* kDigits = "0123456789abcdef";
+    constexpr const char* kHexDigits = "0123456789abcdef";
     std::string text;
     for (const char character : bytes) {
         const auto byte = static_cast<unsigned char>(character);
         if (!text.empty())
             text += ',';
-        text += kDigits[byte / 16];
-        text += kDigits[byte % 16];
+        text += kHexDigits[byte / 16];
+        text += kHexDigits[byte % 16];
     }
     return text;
 }

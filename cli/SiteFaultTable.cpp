@@ -7,7 +7,7 @@ namespace kel {
 
 namespace {
 
-constexpr std::size_t kNameWidth = 28;
+constexpr std::size_t kFaultWidth = 28;
 
 std::string familiesOf(const SiteFaultEntry& entry)
 {
@@ -35,7 +35,7 @@ std::string siteFaultTable(std::optional<SimulatedFamily> family)
         std::string name(entry.name);
         if (!entry.argument.empty())
             name += "[:" + std::string(entry.argument) + "]";
-        name.resize(std::max(kNameWidth, name.size() + 1), ' ');
+        name.resize(std::max(kFaultWidth, name.size() + 1), ' ');
         text += name + familiesOf(entry) + "\n    " + std::string(entry.sentence) + "\n";
     }
     return text;

@@ -6,4 +6,23 @@ function(kel_precompile target)
     target_precompile_headers(${target} PRIVATE
         <algorithm> <array> <charconv> <chrono> <cmath> <cstdint> <cstring> <filesystem> <fstream> <functional> <iostream>
         <map> <memory> <optional> <set> <sstream> <string> <string_view> <utility> <variant> <vector> ${ARGN})
+    kel_join_by_folder(${target})
+endfunction()
+
+# Where sources are joined (CMAKE_UNITY_BUILD), those of one folder are: they share the headers of their subject, and their
+# names do not meet those of another folder.
+function(kel_join_by_folder target)
+    get_target_property(sources ${target} SOURCES)
+    foreach(source IN LISTS sources)
+        cmake_path(ABSOLUTE_PATH source NORMALIZE OUTPUT_VARIABLE folder)
+        cmake_path(RELATIVE_PATH folder BASE_DIRECTORY ${PROJECT_SOURCE_DIR})
+        cmake_path(GET folder PARENT_PATH folder)
+        string(REPLACE "/" "_" folder "${folder}")
+        set_source_files_properties(${source} PROPERTIES UNITY_GROUP "${folder}")
+    endforeach()
+    set_target_properties(${target} PROPERTIES UNITY_BUILD_MODE GROUP)
+    if(CMAKE_UNITY_BUILD AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+        # It takes a joined source for a header, in which a class may not hold what is the file's own.
+        target_compile_options(${target} PRIVATE -Wno-subobject-linkage)
+    endif()
 endfunction()

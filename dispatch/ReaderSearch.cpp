@@ -2,17 +2,11 @@
 #include "dispatch/basRead.h"
 
 #include "dispatch/DriverFamilies.h"
+#include "platform/PortMap.h"
 #include "profiles/clsKELReaderProfiles.h"
 #include "types/Text.h"
 
 namespace kel {
-
-namespace {
-
-constexpr Int16 kFirstPort = 1;
-constexpr Int16 kLastPort = 16;
-
-} // namespace
 
 Boolean ReaderLocate(ReaderContract& oReader, Int16 iStartPort)
 {
@@ -24,7 +18,7 @@ Boolean ReaderLocate(ReaderContract& oReader, Int16 iStartPort)
         oReader.Port(iStartPort);
         return True;
     }
-    for (Int16 iPort = kFirstPort; iPort <= kLastPort; ++iPort) {
+    for (Int16 iPort = PortMap::kFirstPort; iPort <= PortMap::kLastPort; ++iPort) {
         if (family->Locate(oReader, iPort)) {
             oReader.Port(iPort);
             return True;

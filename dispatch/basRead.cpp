@@ -5,6 +5,7 @@
 #include "drivers/common/Dialogue.h"
 #include "failure/basError.h"
 #include "failure/guarded.h"
+#include "platform/PortMap.h"
 #include "profiles/clsKELReaderProfiles.h"
 #include "types/Text.h"
 
@@ -12,8 +13,6 @@ namespace kel {
 
 namespace {
 
-constexpr Int16 kFirstPort = 1;
-constexpr Int16 kLastPort = 16;
 constexpr Int32 kLongestTimeout = 600;
 constexpr Int32 kUsualTimeout = 10;
 
@@ -39,7 +38,7 @@ Boolean ReaderInit(ReaderContract& oReader)
         if (oReader.ReaderType() != kelReaderTypeNone && oReader.Profiles()->Exists(sKey)) {
             cProfile = oReader.Profiles()->Item(sKey);
             if (cProfile->InterfaceType() == kelReaderInterfaceTypeSerial) {
-                if (oReader.Port() < kFirstPort || oReader.Port() > kLastPort) {
+                if (oReader.Port() < PortMap::kFirstPort || oReader.Port() > PortMap::kLastPort) {
                     reportPortOutOfRange(oReader.Port());
                     return;
                 }

@@ -14,9 +14,9 @@ namespace kel::host {
 namespace {
 
 constexpr std::size_t kMostFormIds = 2;
-constexpr Int16 kMostPages = 2;
+constexpr Int16 kMostKeyPages = 2;
 constexpr Int16 kMostQuestionsOnPage = 6553; // five characters each have to be counted in 16 bits
-constexpr std::size_t kMostChoices = 5;
+constexpr std::size_t kMostAnswers = 5;
 constexpr Int16 kMostChoiceColumns = 100;
 constexpr Int16 kShiftedColumns = 4;
 constexpr std::size_t kMostVersions = 4;
@@ -69,7 +69,7 @@ void checkChoices(const QuestionEntry& question, const JsonPlace& place)
     if (choices.empty())
         place.refuse("has no choices");
     const bool bShifted = question.choiceColumns == kShiftedColumns;
-    const std::size_t most = bShifted ? kMostChoices - 1 : kMostChoices;
+    const std::size_t most = bShifted ? kMostAnswers - 1 : kMostAnswers;
     if (choices.size() > most)
         place.key("choices").refuse("has " + CStr(static_cast<std::int64_t>(choices.size())) + " choices, and " +
                                     (bShifted ? "in four columns there is room for " : "a reader takes at most ") +
@@ -163,7 +163,7 @@ GradingKey answerKeyOf(const Json& root)
         root, whole,
         {{"formIds", [&](const Json& value, const JsonPlace& place) { formIds = readTexts(value, place, readFormId); }},
          {"pages",
-          [&](const Json& value, const JsonPlace& place) { pages = readJsonNumber(value, place, 1, kMostPages); }},
+          [&](const Json& value, const JsonPlace& place) { pages = readJsonNumber(value, place, 1, kMostKeyPages); }},
          {"questionsOnPage",
           [&](const Json& value, const JsonPlace& place) {
               readJsonArray(value, place, [&](const Json& number, const JsonPlace& here) {

@@ -15,7 +15,7 @@ using Limits = std::numeric_limits<Int16>;
 using LongLimits = std::numeric_limits<Int32>;
 
 // More of each than any reader takes.
-constexpr std::size_t kMostPages = 1000;
+constexpr std::size_t kMostFormPages = 1000;
 constexpr std::size_t kMostWindows = 1000;
 constexpr std::size_t kMostBarcodes = 1000;
 
@@ -28,7 +28,7 @@ JsonReader sizes(std::optional<std::vector<Int16>>& target)
 {
     return [&target](const Json& value, const JsonPlace& place) {
         target.emplace();
-        readBoundedJsonArray(value, place, kMostPages, "pages",
+        readBoundedJsonArray(value, place, kMostFormPages, "pages",
                              [&](const Json& size, const JsonPlace& here) { target->push_back(readSize(size, here)); });
     };
 }

@@ -114,7 +114,7 @@ std::string filled(TextNumber text, const std::string& first, const std::string&
     return replaceAll(replaceAll(VBLM_RTString(text), "%1", first), "%2", second);
 }
 
-std::string sentences(const std::string& first, const std::string& next)
+std::string twoSentences(const std::string& first, const std::string& next)
 {
     return first + " " + next;
 }
@@ -242,15 +242,15 @@ private:
     [[nodiscard]] std::string failure() const
     {
         const bool isSilent = line_->hasOpened() && !line_->hasHeard();
-        return isSilent ? sentences(report_->sentence(), VBLM_RTString(text::kTestAdviceLine)) : report_->sentence();
+        return isSilent ? twoSentences(report_->sentence(), VBLM_RTString(text::kTestAdviceLine)) : report_->sentence();
     }
 
     [[nodiscard]] std::string notStarted() const
     {
         if (!line_->hasOpened() || line_->hasHeard())
             return VBLM_RTString(text::kTestNotStarted);
-        return sentences(filled(text::kTestNothingCame, CStr(test_.settings_.port)),
-                         VBLM_RTString(text::kTestAdviceSilent));
+        return twoSentences(filled(text::kTestNothingCame, CStr(test_.settings_.port)),
+                            VBLM_RTString(text::kTestAdviceSilent));
     }
 
     [[nodiscard]] std::string answer(const std::string& version) const
@@ -259,8 +259,8 @@ private:
                                  ? filled(text::kTestAnswersAtPort, reader_->ReaderName(), CStr(test_.settings_.port))
                                  : filled(text::kTestAnswers, reader_->ReaderName());
         if (!version.empty())
-            result = sentences(result, filled(text::kTestFirmware, version));
-        return sentences(result, VBLM_RTString(text::kTestNoSheetRead));
+            result = twoSentences(result, filled(text::kTestFirmware, version));
+        return twoSentences(result, VBLM_RTString(text::kTestNoSheetRead));
     }
 
     ReaderTest& test_;

@@ -8,6 +8,7 @@
 #include "options/FormAids.h"
 #include "options/ListSelection.h"
 #include "platform/Platform.h"
+#include "platform/PortMap.h"
 #include "reader/clsKELReader.h"
 #include "strings/VBLMRTSModule.h"
 
@@ -16,9 +17,6 @@
 namespace kel {
 
 namespace {
-
-constexpr Int16 kFirstPort = 1;
-constexpr Int16 kLastPort = 16;
 
 struct NamedValue {
     const char* name;
@@ -131,7 +129,7 @@ void frmOptions::fillLineLists()
 void frmOptions::fillPorts(Int16& iPort)
 {
     cboPort.ClearRows();
-    for (iPort = kFirstPort; iPort <= kLastPort; ++iPort) {
+    for (iPort = PortMap::kFirstPort; iPort <= PortMap::kLastPort; ++iPort) {
         if (IsValidPort(iPort))
             AddComboItem(cboPort, CStr(iPort), True, 0, -1);
     }

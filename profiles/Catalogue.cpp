@@ -12,7 +12,7 @@ namespace kel {
 
 namespace {
 
-constexpr UserMay Hidden = UserMay::SeeNothing;
+constexpr UserMay Unseen = UserMay::SeeNothing;
 constexpr UserMay Locked = UserMay::See;
 constexpr UserMay Free = UserMay::Change;
 
@@ -29,8 +29,8 @@ constexpr std::array kScales = std::to_array<Scale>({
     {"Fixed",    {  0,      0,   Locked,      1, Locked,      0,   0}},
     {"AllFixed", {  1,      1,   Locked,      1, Locked,      0,   0}},
     {"Link",     { 20,     10,   Free,       15, Free,        0,  31}},
-    {"ACF100",   {  4,      9,   Hidden,      8, Free,        0,   9}},
-    {"EZData",   {  4,      9,   Hidden,      4, Free,        0,   9}},
+    {"ACF100",   {  4,      9,   Unseen,      8, Free,        0,   9}},
+    {"EZData",   {  4,      9,   Unseen,      4, Free,        0,   9}},
     {"PDI",      {250,      5,   Free,      240, Free,      192, 254}}, // raw grey levels
     {"8000",     { 65,     10,   Free,       35, Free,        0,  99}},
     {"Scantron", { 10,      3,   Free,        7, Free,        0,  15}},

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "recording/ReplayLibrary.h"
 
+#include "recording/TranscriptPlace.h"
 #include "types/RuntimeFailure.h"
 
 #include <algorithm>
@@ -11,11 +12,6 @@ namespace {
 
 constexpr const char* kFeed = "OMR_FeedSheet";
 constexpr const char* kEnd = "OMR_CloseDevice";
-
-std::string place(const TranscriptLine& line)
-{
-    return "Line " + std::to_string(line.number);
-}
 
 } // namespace
 
@@ -36,7 +32,7 @@ std::string ReplayLibrary::unsent() const
 {
     if (!differences_.empty() || next_ == calls_.size())
         return {};
-    return place(calls_[next_]) + ": " + calls_[next_].call + " was not called.";
+    return placeOf(calls_[next_]) + ": " + calls_[next_].call + " was not called.";
 }
 
 Int32 ReplayLibrary::called(const Call& call)
@@ -44,7 +40,7 @@ Int32 ReplayLibrary::called(const Call& call)
     if (differences_.empty() && (next_ == calls_.size() || calls_[next_].call != call.words)) {
         differences_.push_back(next_ == calls_.size()
                                    ? "The host called " + call.words + " after the end of the transcript."
-                                   : place(calls_[next_]) + ": the host called " + call.words +
+                                   : placeOf(calls_[next_]) + ": the host called " + call.words +
                                          " where the transcript has " + calls_[next_].call + ".");
     }
     if (!differences_.empty())

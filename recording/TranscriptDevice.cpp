@@ -15,7 +15,7 @@ Moment milliseconds(double count)
     return Moment(static_cast<Moment::rep>(std::llround(count * 1e6)));
 }
 
-std::string place(const TranscriptLine& line)
+std::string whichLine(const TranscriptLine& line)
 {
     return "line " + std::to_string(line.number);
 }
@@ -109,18 +109,18 @@ void TranscriptDevice::differ(Byte byte)
     }
     const TranscriptLine& line = steps_[position_].line;
     if (line.kind == TranscriptLine::Kind::ToReader)
-        errors_.push_back(place(line) + ": the host sent " + transcriptBytes(line.bytes.substr(0, done_) + sent) +
+        errors_.push_back(whichLine(line) + ": the host sent " + transcriptBytes(line.bytes.substr(0, done_) + sent) +
                           " where the transcript has " + transcriptBytes(line.bytes));
     else
-        errors_.push_back(place(line) + ": the host sent " + transcriptBytes(sent) + " where the transcript has \"" +
-                          writeTranscriptLine(line) + "\" from the reader first");
+        errors_.push_back(whichLine(line) + ": the host sent " + transcriptBytes(sent) +
+                          " where the transcript has \"" + writeTranscriptLine(line) + "\" from the reader first");
 }
 
 std::string TranscriptDevice::next() const
 {
     if (finished())
         return {};
-    return place(steps_[position_].line) + ": " + writeTranscriptLine(steps_[position_].line);
+    return whichLine(steps_[position_].line) + ": " + writeTranscriptLine(steps_[position_].line);
 }
 
 } // namespace kel

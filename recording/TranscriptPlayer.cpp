@@ -2,6 +2,7 @@
 #include "recording/TranscriptPlayer.h"
 
 #include "recording/TraceLog.h"
+#include "recording/TranscriptPlace.h"
 #include "types/Text.h"
 
 #include <algorithm>
@@ -27,11 +28,6 @@ std::string shown(const TranscriptLine& line)
 {
     const char direction = line.kind == TranscriptLine::Kind::ToReader ? '>' : '<';
     return line.bytes.empty() ? writeTranscriptLine(line) : direction + (" " + shown(line.bytes));
-}
-
-std::string place(const TranscriptLine& line)
-{
-    return "Line " + std::to_string(line.number);
 }
 
 } // namespace
@@ -128,10 +124,10 @@ bool TranscriptPlayer::send(std::string_view bytes)
         if (position_ == steps_.size()) {
             differ("The host sent " + shown(bytes.substr(i)) + " after the end of the transcript.");
         } else if (const TranscriptLine& line = steps_[position_].line; line.kind != TranscriptLine::Kind::ToReader) {
-            differ(place(line) + ": the host sent " + shown(bytes.substr(i)) + " where \"" + shown(line) +
+            differ(placeOf(line) + ": the host sent " + shown(bytes.substr(i)) + " where \"" + shown(line) +
                    "\" comes from the reader first.");
         } else if (line.bytes[sent_] != bytes[i]) {
-            differ(place(line) + ": the host sent " + shown(line.bytes.substr(0, sent_)) + (sent_ > 0 ? " " : "") +
+            differ(placeOf(line) + ": the host sent " + shown(line.bytes.substr(0, sent_)) + (sent_ > 0 ? " " : "") +
                    shown(bytes.substr(i)) + " where the transcript has " + shown(line.bytes) + ".");
         } else if (++sent_ == line.bytes.size()) {
             ++position_;
@@ -183,7 +179,7 @@ std::string TranscriptPlayer::unsent() const
 {
     for (std::size_t i = position_; i < steps_.size(); ++i) {
         if (steps_[i].line.kind == TranscriptLine::Kind::ToReader)
-            return place(steps_[i].line) + ": " + shown(steps_[i].line);
+            return placeOf(steps_[i].line) + ": " + shown(steps_[i].line);
     }
     return {};
 }

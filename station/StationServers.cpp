@@ -13,7 +13,7 @@ namespace {
 constexpr int kPageClients = 40;
 constexpr int kMetricsClients = 2;
 
-constexpr int kNotFound = 404;
+constexpr int kNoPage = 404;
 
 std::string urlOf(const WebPlan& plan, const WebServer& server)
 {
@@ -46,7 +46,7 @@ StationServers::StationServers(StationPorts ports, const StationPlan& plan, cons
     if (ports_.metrics) {
         ports_.metrics->serve([this](const WebRequest& request) -> WebAnswer {
             if (request.path != "/metrics")
-                return {.status = kNotFound, .body = "The metrics are at /metrics.\n"};
+                return {.status = kNoPage, .body = "The metrics are at /metrics.\n"};
             return {.type = "text/plain; version=0.0.4; charset=utf-8", .body = stateMetrics(jsonState(state()))};
         });
         tell("The metrics are at " + urlOf(*plan.metrics, *ports_.metrics) + "metrics.");

@@ -12,13 +12,13 @@ namespace kel {
 namespace {
 
 // Readers store their sheets first.
-constexpr int kPatience = 30'000;
+constexpr int kMarkPatience = 30'000;
 
 SqliteDatabase opened(const std::filesystem::path& store)
 {
     std::optional<SqliteDatabase> database;
     onStore(store, [&] {
-        database.emplace(store, SqliteDatabase::Mode::Shared, kPatience);
+        database.emplace(store, SqliteDatabase::Mode::Shared, kMarkPatience);
         checkStore(*database, store);
         // What a crash takes back is sent again, and the stream knows it.
         database->run("PRAGMA synchronous = NORMAL");

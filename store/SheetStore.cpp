@@ -17,14 +17,13 @@ namespace kel {
 namespace {
 
 // Nobody else writes but who forgets old sheets, a few at a time.
-constexpr int kPatience = 1000;
-constexpr mode_t kUserAndGroup = 0660;
+constexpr int kWritePatience = 1000;
+constexpr mode_t kStoreMode = 0660;
 
 /// SQLite is to open what exists; a new file has the access rights of a store.
 void makeFile(const std::filesystem::path& file)
 {
-    const FileDescriptor made(
-        retrying([&] { return ::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, kUserAndGroup); }));
+    const FileDescriptor made(retrying([&] { return ::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, kStoreMode); }));
 }
 
 } // namespace
@@ -50,7 +49,8 @@ std::string storeTime(std::time_t seconds, int milliseconds)
 class SheetStore::Writer {
 public:
     Writer(const std::filesystem::path& file, const Clock& clock)
-        : clock_(clock), database_(file, SqliteDatabase::Mode::Shared, kPatience), tables_(prepared(database_, file)),
+        : clock_(clock), database_(file, SqliteDatabase::Mode::Shared, kWritePatience),
+          tables_(prepared(database_, file)),
           nextId_(database_, "UPDATE store SET last = last + 1 RETURNING last, identity"),
           addSetup_(database_, "INSERT INTO setup (model, threshold, form) VALUES (?, ?, ?) ON CONFLICT DO UPDATE SET "
                                "model = excluded.model RETURNING id"),

@@ -12,7 +12,7 @@ namespace kel {
 
 namespace {
 
-constexpr mode_t kUserAndGroup = 0660;
+constexpr mode_t kLockMode = 0660;
 
 std::string contents(int file)
 {
@@ -26,7 +26,7 @@ std::string contents(int file)
 StoreLock::StoreLock(const std::filesystem::path& store, const std::string& owner)
 {
     const std::string name = store.string() + "-lock";
-    file_ = FileDescriptor(retrying([&] { return ::open(name.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, kUserAndGroup); }));
+    file_ = FileDescriptor(retrying([&] { return ::open(name.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, kLockMode); }));
     if (!file_.isOpen())
         throw StoreProblem("The store " + store.string() + " cannot be written: " + name + ": " + std::strerror(errno) +
                            ". May this user write in its folder?");

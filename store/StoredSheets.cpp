@@ -15,7 +15,7 @@ namespace kel {
 
 namespace {
 
-constexpr int kPatience = 30'000;
+constexpr int kReadPatience = 30'000;
 
 // No transaction of a reader lasts longer than these take: a writer's log would grow meanwhile.
 constexpr int kAtOnce = 500;
@@ -118,7 +118,7 @@ StoredSheets::StoredSheets(const std::filesystem::path& file)
     : file_(existing(file)),
       database_(opened(file,
                        [&] {
-                           SqliteDatabase database(file, SqliteDatabase::Mode::Shared, kPatience);
+                           SqliteDatabase database(file, SqliteDatabase::Mode::Shared, kReadPatience);
                            checkStore(database, file);
                            return database;
                        })),

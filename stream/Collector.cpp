@@ -14,7 +14,7 @@ namespace {
 // What goes to the disk together.
 constexpr int kAtOnce = 256;
 // A wait for messages looks up so often whether it is to end.
-constexpr std::chrono::milliseconds kTurn{250};
+constexpr std::chrono::milliseconds kCollectorTurn{250};
 
 } // namespace
 
@@ -44,7 +44,7 @@ void Collector::collectOnce()
     const std::unique_ptr<StreamConsumer> stream = opener_.consumer(address_, durable_);
     news_.up();
     while (isGoingOn()) {
-        const std::vector<StreamDelivery> deliveries = stream->next(kAtOnce, kTurn);
+        const std::vector<StreamDelivery> deliveries = stream->next(kAtOnce, kCollectorTurn);
         pauses_.reset();
         if (!deliveries.empty() && keep(deliveries))
             stream->acknowledge();

@@ -26,7 +26,7 @@ constexpr std::chrono::seconds kPatience{10};
 // What the stream has not taken is tried again after so long, and on each new connection.
 constexpr std::chrono::minutes kBetweenAttempts{10};
 // A wait for the stream looks up so often whether it is to end.
-constexpr std::chrono::milliseconds kTurn{100};
+constexpr std::chrono::milliseconds kSenderTurn{100};
 
 /// The messages of a reader have one order.
 std::string lineOf(const Origin& origin)
@@ -82,7 +82,7 @@ public:
     /// Whether the stream has acknowledged something.
     [[nodiscard]] bool receive()
     {
-        const std::optional<StreamAnswer> answer = stream_->answer(kTurn);
+        const std::optional<StreamAnswer> answer = stream_->answer(kSenderTurn);
         if (answer) {
             if (!answer->refusal.empty())
                 hold(answer->ticket, answer->refusal);

@@ -6,8 +6,6 @@ namespace kel {
 
 namespace {
 
-constexpr auto kStage = CheckStage::Answers;
-
 std::string shown(const std::vector<std::string>& replies)
 {
     constexpr std::size_t kMost = 24;
@@ -49,7 +47,7 @@ Cause causeOf(const Answer& answer)
 
 CheckResult resultOf(CheckRun& run, const Answer& answer)
 {
-    CheckResult result{.stage = kStage,
+    CheckResult result{.stage = CheckStage::Answers,
                        .name = "the reader answers",
                        .status = CheckStatus::Pass,
                        .expected = std::string(run.dialect().expected),
@@ -73,7 +71,7 @@ void checkErrors(CheckRun& run, const Answer& answer)
 {
     if (!answer.section.errors.any())
         return;
-    run.add({.stage = kStage,
+    run.add({.stage = CheckStage::Answers,
              .name = "characters arrive whole",
              .status = CheckStatus::Warn,
              .seen = lineErrorsText(answer.section.errors),
@@ -84,7 +82,8 @@ void checkErrors(CheckRun& run, const Answer& answer)
 void checkTransparency(CheckRun& run)
 {
     const DialectEntry& dialect = run.dialect();
-    CheckResult result{.stage = kStage, .name = "bytes 11 and 13 get through", .status = CheckStatus::NotApplicable};
+    CheckResult result{
+        .stage = CheckStage::Answers, .name = "bytes 11 and 13 get through", .status = CheckStatus::NotApplicable};
     if (!dialect.withXon.empty() && run.model() != kelReaderTypeChatsworthOMR2000) {
         const Answer answer = run.ask("question with 11", run.question(dialect.withXon));
         const bool swallowed = isAnswer(judgeReplies(dialect.dialect, answer.replies));
@@ -102,7 +101,7 @@ void checkState(CheckRun& run, const Answer& answer)
 {
     const bool unfinished = tellsUnfinished(run.dialect().dialect, answer.replies);
     const bool jam = tellsJam(run.dialect().dialect, answer.replies);
-    CheckResult result{.stage = kStage, .name = "the reader is at rest", .status = CheckStatus::Pass};
+    CheckResult result{.stage = CheckStage::Answers, .name = "the reader is at rest", .status = CheckStatus::Pass};
     if (unfinished || jam) {
         result.status = CheckStatus::Warn;
         result.seen = shown(answer.replies);
@@ -113,7 +112,7 @@ void checkState(CheckRun& run, const Answer& answer)
 
 void tellFound(CheckRun& run, const Found& found)
 {
-    CheckResult result{.stage = kStage,
+    CheckResult result{.stage = CheckStage::Answers,
                        .name = "the search",
                        .status = CheckStatus::Fail,
                        .expected = run.lineSettings(),
@@ -128,7 +127,7 @@ void tellFound(CheckRun& run, const Found& found)
 void lookElsewhere(CheckRun& run)
 {
     if (!run.plan().search) {
-        run.add({.stage = kStage,
+        run.add({.stage = CheckStage::Answers,
                  .name = "the search",
                  .status = CheckStatus::Skipped,
                  .advice = "--search looks for other speeds, parities and models."});
@@ -137,7 +136,7 @@ void lookElsewhere(CheckRun& run)
     if (const std::optional<Found> found = searchReader(run))
         tellFound(run, *found);
     else
-        run.add({.stage = kStage,
+        run.add({.stage = CheckStage::Answers,
                  .name = "the search",
                  .status = CheckStatus::Fail,
                  .seen = "nothing that answers in a known way"});

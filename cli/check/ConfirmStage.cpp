@@ -7,12 +7,10 @@ namespace kel {
 
 namespace {
 
-constexpr auto kStage = CheckStage::Confirm;
-
 void confirm(CheckRun& run, const char* name, const std::string& question)
 {
     const bool confirmed = run.person().confirms(question);
-    run.add({.stage = kStage,
+    run.add({.stage = CheckStage::Confirm,
              .name = name,
              .status = confirmed ? CheckStatus::Pass : CheckStatus::Fail,
              .expected = question,
@@ -66,7 +64,7 @@ void cablePulled(CheckRun& run)
     const Answer back = run.ask("confirm: cable back");
     const bool silent = pulled.kind == ReplyKind::Silence;
     const bool answers = back.kind != ReplyKind::Silence;
-    run.add({.stage = kStage,
+    run.add({.stage = CheckStage::Confirm,
              .name = "the cable may be pulled and put back",
              .status = silent && answers ? CheckStatus::Pass : CheckStatus::Fail,
              .seen = std::string(silent ? "silence" : "answers") + " without it, " + (answers ? "answers" : "silence") +
@@ -79,7 +77,7 @@ void cablePulled(CheckRun& run)
 void confirmStage(CheckRun& run)
 {
     if (!run.plan().interactive) {
-        run.add({.stage = kStage,
+        run.add({.stage = CheckStage::Confirm,
                  .name = "what the operator sees",
                  .status = CheckStatus::Skipped,
                  .advice = "--interactive asks for it."});

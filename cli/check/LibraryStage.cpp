@@ -8,7 +8,6 @@ namespace kel {
 
 namespace {
 
-constexpr auto kStage = CheckStage::Answers;
 constexpr Int32 kColumns = 48;
 
 std::string statesText(Int32 method, Int32 columns, Int32 feedMode)
@@ -27,7 +26,7 @@ void checkState(CheckRun& run, OmrApi& library)
     const Int32 columns = library.OMR_GetNumberOfColumnsToRead();
     library.OMR_GetSheetFeedMode(feedMode, ignored);
     const bool usual = (method == 0 || method == 3) && columns == kColumns && feedMode == 0;
-    run.add({.stage = kStage,
+    run.add({.stage = CheckStage::Answers,
              .name = "the reader is as sessions leave it",
              .status = usual ? CheckStatus::Pass : CheckStatus::Warn,
              .expected = statesText(3, kColumns, 0),
@@ -38,7 +37,7 @@ void checkState(CheckRun& run, OmrApi& library)
 void checkBarcodeUnit(CheckRun& run, OmrApi& library, bool wanted)
 {
     constexpr Int32 kNoUnit = -1;
-    CheckResult result{.stage = kStage, .name = "barcode unit", .status = CheckStatus::NotApplicable};
+    CheckResult result{.stage = CheckStage::Answers, .name = "barcode unit", .status = CheckStatus::NotApplicable};
     if (wanted) {
         const bool there = library.OMR_GetBarcodeReaderUnit() != kNoUnit;
         result.status = there ? CheckStatus::Pass : CheckStatus::Fail;
@@ -57,7 +56,8 @@ bool wantsBarcodes(const CheckRun& run)
 /// Opens the reader; nothing if its library is not there.
 std::optional<Int32> open(CheckRun& run)
 {
-    CheckResult result{.stage = kStage, .name = "the maker's library is there", .status = CheckStatus::Pass};
+    CheckResult result{
+        .stage = CheckStage::Answers, .name = "the maker's library is there", .status = CheckStatus::Pass};
     std::optional<Int32> opened;
     try {
         opened = omrApi().OMR_OpenDeviceUSB();
@@ -81,7 +81,7 @@ void libraryStage(CheckRun& run)
     const std::optional<Int32> opened = open(run);
     if (!opened)
         return;
-    CheckResult result{.stage = kStage, .name = "the reader opens", .status = CheckStatus::Pass};
+    CheckResult result{.stage = CheckStage::Answers, .name = "the reader opens", .status = CheckStatus::Pass};
     if (*opened != 0) {
         result.status = CheckStatus::Fail;
         result.seen = "error " + std::to_string(omrApi().OMR_GetLastError());

@@ -7,7 +7,6 @@ namespace kel {
 
 namespace {
 
-constexpr auto kStage = CheckStage::Line;
 constexpr const char* kLatencyTimer = "latency-timer";
 constexpr int kQuickTimer = 2; // milliseconds
 
@@ -42,7 +41,7 @@ void checkOpening(CheckRun& run, const Answer& answer)
     const bool opened = answer.refused.empty() || !answer.dialogue.exchanges.empty();
     const Cause failed = opened ? Cause::None : causeOf(answer.refusedNumber);
     for (const Cause cause : kOpenings) {
-        CheckResult result{.stage = kStage, .name = nameOfOpening(cause), .status = CheckStatus::Pass};
+        CheckResult result{.stage = CheckStage::Line, .name = nameOfOpening(cause), .status = CheckStatus::Pass};
         if (cause == Cause::LineRefused)
             result.expected = run.lineSettings();
         if (cause == failed) {
@@ -68,7 +67,7 @@ std::string wiresText(const ModemLines& modem)
 void checkModemLines(CheckRun& run, const Answer& answer)
 {
     constexpr Int32 kHardware = 2; // and 3, which is both
-    CheckResult result{.stage = kStage, .name = "modem lines", .status = CheckStatus::NotApplicable};
+    CheckResult result{.stage = CheckStage::Line, .name = "modem lines", .status = CheckStatus::NotApplicable};
     if (!answer.section.modem) {
         result.seen = "this line has none";
         run.add(result);
@@ -99,7 +98,8 @@ void checkAdapter(CheckRun& run)
 {
     const std::string device = deviceOf(run);
     const std::optional<std::string> timer = run.bench().fact(kLatencyTimer, [&] { return latencyTimer(device); });
-    CheckResult result{.stage = kStage, .name = "buffering of the adapter", .status = CheckStatus::NotApplicable};
+    CheckResult result{
+        .stage = CheckStage::Line, .name = "buffering of the adapter", .status = CheckStatus::NotApplicable};
     if (timer) {
         const bool quick = std::atoi(timer->c_str()) <= kQuickTimer;
         result.status = quick ? CheckStatus::Pass : CheckStatus::Warn;
@@ -117,7 +117,7 @@ void checkQuiet(CheckRun& run, const Answer& answer)
 {
     const std::string& bytes = answer.unasked;
     CheckResult result{
-        .stage = kStage, .name = "nothing comes unasked", .status = CheckStatus::Pass, .expected = "silence"};
+        .stage = CheckStage::Line, .name = "nothing comes unasked", .status = CheckStatus::Pass, .expected = "silence"};
     if (!bytes.empty()) {
         result.status = CheckStatus::Warn;
         result.seen = std::to_string(bytes.size()) + (bytes.size() == 1 ? " byte" : " bytes");

@@ -18,13 +18,13 @@ enum class PathState { Unknown, Empty, Fault };
 
 PathState scanmarkPath(const Dialogue& dialogue)
 {
-    constexpr std::size_t kStatusLength = 12;
+    constexpr std::size_t kWholeStatus = 12;
     constexpr std::size_t kFlags = 8;
     constexpr char kFaults = 0x50;
     // The end of the session resets the reader: the last status before it counts.
     const Exchange* const status = dialogue.last("\x1BQSTS");
     const std::string reply = status ? status->reply() : "";
-    if (reply.size() != kStatusLength)
+    if (reply.size() != kWholeStatus)
         return PathState::Unknown;
     return (reply[kFlags] & kFaults) != 0 ? PathState::Fault : PathState::Empty;
 }

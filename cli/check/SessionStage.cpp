@@ -11,7 +11,6 @@ namespace kel {
 
 namespace {
 
-constexpr auto kStage = CheckStage::Session;
 constexpr std::size_t kStarts = 3;
 constexpr double kSecond = 1000;
 
@@ -43,7 +42,8 @@ std::string whyNot(const SessionSeen& seen)
 
 void checkStarts(CheckRun& run, const Starts& starts)
 {
-    CheckResult result{.stage = kStage, .name = "three sessions start and end", .status = CheckStatus::Pass};
+    CheckResult result{
+        .stage = CheckStage::Session, .name = "three sessions start and end", .status = CheckStatus::Pass};
     for (const SessionSeen& seen : starts)
         result.milliseconds += seen.dialogue.milliseconds;
     const auto good = static_cast<std::size_t>(std::ranges::count_if(starts, went));
@@ -102,7 +102,7 @@ void checkReplies(CheckRun& run, const Starts& starts)
         pieces += static_cast<int>(std::ranges::count_if(
             seen.dialogue.exchanges, [](const Exchange& exchange) { return exchange.arrivals.size() > 1; }));
     }
-    CheckResult times{.stage = kStage,
+    CheckResult times{.stage = CheckStage::Session,
                       .name = "replies come in time",
                       .status = slowest > timeout / 2 ? CheckStatus::Warn : CheckStatus::Pass,
                       .expected = "within " + std::to_string(run.timeout()) + " s",
@@ -111,7 +111,8 @@ void checkReplies(CheckRun& run, const Starts& starts)
     if (times.status == CheckStatus::Warn)
         times.advice = "Raise Timeout to " + std::to_string(std::lround(std::ceil(4 * slowest / kSecond))) + ".";
     run.add(times);
-    CheckResult rest{.stage = kStage, .name = "nothing stands before a reply", .status = CheckStatus::Pass};
+    CheckResult rest{
+        .stage = CheckStage::Session, .name = "nothing stands before a reply", .status = CheckStatus::Pass};
     if (garbage > 0) {
         rest.status = CheckStatus::Warn;
         rest.seen = std::to_string(garbage) + " bytes";
@@ -119,7 +120,7 @@ void checkReplies(CheckRun& run, const Starts& starts)
     }
     run.add(rest);
     const long advised = std::max(2L, std::lround(std::ceil(4 * slowest / kSecond)));
-    run.add({.stage = kStage,
+    run.add({.stage = CheckStage::Session,
              .name = "advised settings",
              .status = CheckStatus::Pass,
              .seen = "Timeout " + std::to_string(std::max<long>(advised, run.timeout())) + ", SleepTime " +

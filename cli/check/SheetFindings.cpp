@@ -10,8 +10,6 @@ namespace kel {
 
 namespace {
 
-constexpr auto kStage = CheckStage::Sheets;
-
 constexpr std::size_t kMostMissed = 5;
 constexpr std::size_t kLeastRows = 5;
 
@@ -22,7 +20,7 @@ std::string count(std::size_t number, const char* what)
 
 CheckResult passed(const char* name)
 {
-    return {.stage = kStage, .name = name, .status = CheckStatus::Pass};
+    return {.stage = CheckStage::Sheets, .name = name, .status = CheckStatus::Pass};
 }
 
 std::vector<SheetRows> sidesOf(const SheetsSeen& seen, int side)
@@ -50,7 +48,8 @@ CheckResult checkCount(const SheetsSeen& seen)
 /// The status of a sheet has a byte a side.
 CheckResult checkStatus(const SheetsSeen& seen)
 {
-    CheckResult result{.stage = kStage, .name = "the status has its length", .status = CheckStatus::NotApplicable};
+    CheckResult result{
+        .stage = CheckStage::Sheets, .name = "the status has its length", .status = CheckStatus::NotApplicable};
     const Exchange* const status = seen.dialogue.last("?\r");
     const Dialect dialect = dialectOf(seen.model).dialect;
     if (seen.usb || (dialect != Dialect::SekonicLarge && dialect != Dialect::SekonicSmall) || !status ||

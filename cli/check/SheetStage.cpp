@@ -8,7 +8,6 @@ namespace kel {
 
 namespace {
 
-constexpr auto kStage = CheckStage::Sheets;
 constexpr const char* kSession = "sheets";
 
 /// The highest value that a model's marks have; 0 where they are raw.
@@ -38,17 +37,17 @@ std::string prompt(const CheckRun& run)
 /// a scan mode it makes the mode an unknown one; taken away, it leaves a known one.
 bool opScanMissesXon(CheckRun& run, const Answer& behind)
 {
-    constexpr std::size_t kModeAt = 48;
+    constexpr std::size_t kModePlace = 48;
     const std::string& before = behind.replies.front();
-    if (before.size() <= kModeAt)
+    if (before.size() <= kModePlace)
         return false;
-    const std::string mode(1, before[kModeAt]);
+    const std::string mode(1, before[kModePlace]);
     const std::string other = mode == "w" ? "i" : "w";
     const Answer answer =
         run.ask("mode with 11",
                 run.question({{"e\x11" + other + "\x04", 200, false}, {"s0"}, {"e" + mode + "\x04", 200, false}}));
     const std::string& report = answer.replies[1];
-    return report.size() > kModeAt && report.substr(kModeAt, 1) == other;
+    return report.size() > kModePlace && report.substr(kModePlace, 1) == other;
 }
 
 /// Asks how the reader is after its sheets, and where a Sekonic has said nothing for its timing marks.
@@ -65,7 +64,7 @@ Answer askBehind(CheckRun& run)
 void sheetStage(CheckRun& run)
 {
     if (run.plan().sheets == 0) {
-        run.add({.stage = kStage,
+        run.add({.stage = CheckStage::Sheets,
                  .name = "sheets",
                  .status = CheckStatus::Skipped,
                  .advice = "--sheets N reads the same sheet N times."});

@@ -12,7 +12,7 @@ namespace kel {
 namespace {
 
 // How often a wait for the keyboard looks whether the check was stopped.
-constexpr std::chrono::milliseconds kLook{100};
+constexpr std::chrono::milliseconds kKeyLook{100};
 
 } // namespace
 
@@ -45,7 +45,7 @@ std::string TerminalOperator::readLine()
             typed_.erase(0, end + 1);
             return line;
         }
-        const std::optional<std::string> typed = typedText(kLook);
+        const std::optional<std::string> typed = typedText(kKeyLook);
         if (typed && typed->empty())
             throw host::UsageError(
                 "There is nobody to answer: standard input has ended. Put the sheets in the feeder and use "

@@ -11,7 +11,7 @@ namespace kel {
 
 namespace {
 
-constexpr const char* kReadPage = "KELReader81 - basApperson.ReadPageAPAdvantage1200";
+constexpr const char* kReadPageAPAdvantage1200 = "KELReader81 - basApperson.ReadPageAPAdvantage1200";
 
 /// Takes the bytes of one line; the reader may wait for its sheet as long as it likes. False when the stop flag was
 /// set.
@@ -42,7 +42,7 @@ Boolean ReadPageAPAdvantage1200(ReaderContract& oReader)
     Advantage1200LineAP line(oDataDict);
     const auto variables =
         KEL_PARAMETERS(oReader) + KEL_LOCALS(oDataDict, line, iSide1Arr, iSide2Arr, sBarcodeArr, bNeedsMoreData);
-    guarded(kReadPage, variables, [&] {
+    guarded(kReadPageAPAdvantage1200, variables, [&] {
         oDataDict = newDictionary();
         oDataDict.CompareMode(kTextCompare);
 

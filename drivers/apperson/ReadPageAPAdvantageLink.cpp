@@ -9,7 +9,7 @@ namespace kel {
 
 namespace {
 
-constexpr const char* kReadPage = "KELReader81 - basApperson.ReadPageAPAdvantageLink";
+constexpr const char* kReadPageAPAdvantageLink = "KELReader81 - basApperson.ReadPageAPAdvantageLink";
 
 /// Sends a command and collects the reader's reply. False when none came or the stop flag was set.
 bool ask(ReaderContract& oReader, ExchangeAP& exchange, std::string_view scmd)
@@ -24,7 +24,8 @@ bool ask(ReaderContract& oReader, ExchangeAP& exchange, std::string_view scmd)
 
 void reportAndDrain(ReaderContract& oReader, Int16 iErrCode)
 {
-    reportNumberedFault(kReadPage, iErrCode, ReturnErrorAP(iErrCode), VBLM_RTString(text::kApReaderErrorTitle));
+    reportNumberedFault(kReadPageAPAdvantageLink, iErrCode, ReturnErrorAP(iErrCode),
+                        VBLM_RTString(text::kApReaderErrorTitle));
     drainInputWithPauses(oReader);
 }
 
@@ -37,7 +38,7 @@ Boolean ReadPageAPAdvantageLink(ReaderContract& oReader)
     ExchangeAP exchange;
     Int16 iErrCode = 0;
     RawBlockAP block = newBlockAdvantageLinkAP();
-    guarded(kReadPage, KEL_PARAMETERS(oReader) + KEL_LOCALS(exchange, block, iErrCode, iSide1Arr), [&] {
+    guarded(kReadPageAPAdvantageLink, KEL_PARAMETERS(oReader) + KEL_LOCALS(exchange, block, iErrCode, iSide1Arr), [&] {
         if (!ask(oReader, exchange, "FB\r") || !isOKAP(exchange.reply.sData))
             return;
 

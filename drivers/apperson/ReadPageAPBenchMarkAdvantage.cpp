@@ -12,7 +12,7 @@ namespace kel {
 
 namespace {
 
-constexpr const char* kReadPage = "KELReader81 - basApperson.ReadPageAPBenchMarkAdvantage";
+constexpr const char* kReadPageAPBenchMarkAdvantage = "KELReader81 - basApperson.ReadPageAPBenchMarkAdvantage";
 
 /// Tells the reader to send its sheets. Its reply is not read here: it comes as a short line before the first sheet.
 bool startSheets(ReaderContract& oReader)
@@ -20,10 +20,10 @@ bool startSheets(ReaderContract& oReader)
     oReader.fComm().mscComm().Output("B1");
     switch (waitForReply(oReader)) {
     case Wait::Cancelled:
-        reportNumberedFault(kReadPage, text::kApReadCancelled, text::kSheetNotReadTitle);
+        reportNumberedFault(kReadPageAPBenchMarkAdvantage, text::kApReadCancelled, text::kSheetNotReadTitle);
         return false;
     case Wait::TimedOut:
-        reportNumberedFault(kReadPage, text::kApReadUnanswered, text::kSheetNotReadTitle);
+        reportNumberedFault(kReadPageAPBenchMarkAdvantage, text::kApReadUnanswered, text::kSheetNotReadTitle);
         return false;
     case Wait::Reply: break;
     }
@@ -59,7 +59,7 @@ Boolean ReadPageAPBenchMarkAdvantage(ReaderContract& oReader)
     BenchMarkLineAP line(oDataDict);
     const auto variables =
         KEL_PARAMETERS(oReader) + KEL_LOCALS(oDataDict, line, iSide1Arr, iSide2Arr, sBarcodeArr, bNeedsMoreData);
-    guarded(kReadPage, variables, [&] {
+    guarded(kReadPageAPBenchMarkAdvantage, variables, [&] {
         oDataDict = newDictionary();
         oDataDict.CompareMode(kTextCompare);
         if (!bAPReaderStarted && !startSheets(oReader))

@@ -8,7 +8,7 @@ namespace kel {
 
 namespace {
 
-constexpr const char* kReadPage = "KELReader81 - basApperson.ReadPageAPGradeMaster";
+constexpr const char* kReadPageAPGradeMaster = "KELReader81 - basApperson.ReadPageAPGradeMaster";
 
 } // namespace
 
@@ -23,7 +23,7 @@ Boolean ReadPageAPGradeMaster(ReaderContract& oReader)
     Int16 iThreshold = 0;
     const auto variables =
         KEL_PARAMETERS(oReader) + KEL_LOCALS(block, sBarcodeArr, iSide1Arr, iErrCode, bValue, iThreshold);
-    guarded(kReadPage, variables, [&] {
+    guarded(kReadPageAPGradeMaster, variables, [&] {
         sBarcodeArr.ReDim(1, 1);
         oReader.fComm().mscComm().Output("P\r");
         oReader.fComm().mscComm().InputLen(1);
@@ -31,7 +31,8 @@ Boolean ReadPageAPGradeMaster(ReaderContract& oReader)
             return;
         if (block.status() != kStatusGradeMasterAP) {
             iErrCode = block.status();
-            reportNumberedFault(kReadPage, iErrCode, ReturnErrorAP(iErrCode), VBLM_RTString(text::kApReaderErrorTitle));
+            reportNumberedFault(kReadPageAPGradeMaster, iErrCode, ReturnErrorAP(iErrCode),
+                                VBLM_RTString(text::kApReaderErrorTitle));
             drainInputWithPauses(oReader);
             return;
         }
@@ -41,7 +42,7 @@ Boolean ReadPageAPGradeMaster(ReaderContract& oReader)
         if (sBarcodeArr(1) == kErrorIdentifierGradeMasterAP) {
             iErrCode = errorNumberGradeMasterAP(block);
             if (iErrCode > 0)
-                reportNumberedFault(kReadPage, iErrCode, ReturnErrorAP(iErrCode),
+                reportNumberedFault(kReadPageAPGradeMaster, iErrCode, ReturnErrorAP(iErrCode),
                                     VBLM_RTString(text::kSheetNotReadTitle));
             return;
         }

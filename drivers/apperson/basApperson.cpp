@@ -14,7 +14,7 @@ namespace {
 constexpr const char* kInitReader = "KELReader81 - basApperson.InitReaderAP";
 constexpr const char* kCloseReader = "KELReader81 - basApperson.CloseReaderAP";
 constexpr const char* kReturnError = "KELReader81 - basApperson.ReturnErrorAP";
-constexpr const char* kReadPage = "KELReader81 - basApperson.ReadPageAP";
+constexpr const char* kReadPageAP = "KELReader81 - basApperson.ReadPageAP";
 constexpr const char* kRejectPage = "KELReader81 - basApperson.RejectPageAP";
 constexpr const char* kEjectPage = "KELReader81 - basApperson.EjectPageAP";
 
@@ -142,7 +142,7 @@ std::string ReturnErrorAP(Int16 iErrCode)
 Boolean ReadPageAP(ReaderContract& oReader)
 {
     Boolean bResult = False;
-    guarded(kReadPage, KEL_PARAMETERS(oReader), [&] {
+    guarded(kReadPageAP, KEL_PARAMETERS(oReader), [&] {
         switch (oReader.ReaderType()) {
         case kelReaderTypeAppersonAdvantageLink: bResult = ReadPageAPAdvantageLink(oReader); break;
         case kelReaderTypeAppersonGradeMaster: bResult = ReadPageAPGradeMaster(oReader); break;

@@ -9,7 +9,6 @@ namespace {
 
 constexpr Byte kBlank = ' ';
 constexpr Byte kRowEnd = '\r';
-constexpr Byte kZero = '0';
 
 // The SR-430's names of the columns from 1 on.
 constexpr std::string_view kSR430Columns = "9876543210XYABC";
@@ -19,7 +18,7 @@ constexpr std::string_view kSR430Columns = "9876543210XYABC";
 ColumnSS columnSS(ColumnLettersSS letters, Byte character, Int16 columnBefore)
 {
     if (letters == ColumnLettersSS::Upwards)
-        return {.column = static_cast<Int16>(character - kZero + 1)};
+        return {.column = static_cast<Int16>(character - '0' + 1)};
     const std::size_t at = kSR430Columns.find(static_cast<char>(character));
     if (at != std::string_view::npos)
         return {.column = static_cast<Int16>(at + 1)};
@@ -29,7 +28,7 @@ ColumnSS columnSS(ColumnLettersSS letters, Byte character, Int16 columnBefore)
 PageStepSS PageReplySS::take(MarkArray& marks, Byte byte, ColumnLettersSS letters)
 {
     if (awaits_ == Awaits::Value) {
-        marks(iRowIndex_, iColIndex_) = static_cast<Int16>(byte - kZero);
+        marks(iRowIndex_, iColIndex_) = static_cast<Int16>(byte - '0');
         awaits_ = Awaits::Element;
         return PageStepSS::ElementDone;
     }

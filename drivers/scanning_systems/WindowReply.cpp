@@ -5,8 +5,6 @@ namespace kel {
 
 namespace {
 
-constexpr Int16 kZero = '0';
-
 /// The reply at the place where it is being taken apart, in 16 bits.
 class ReplyCursor {
 public:
@@ -29,7 +27,7 @@ public:
         if (at_.iCurrentPosition > at_.iOutputLen)
             throw RuntimeFailure(FailureCode::InvalidProcedureCall);
         at_.sChar = character(at_.iCurrentPosition);
-        return static_cast<Int16>(static_cast<Byte>(at_.sChar.front()) - kZero);
+        return static_cast<Int16>(static_cast<Byte>(at_.sChar.front()) - '0');
     }
 
 private:

@@ -9,7 +9,7 @@ namespace kel {
 namespace {
 
 // Another process writes for milliseconds; a crowd of them may take longer.
-constexpr int kPatience = 30000;
+constexpr int kLockPatience = 30000;
 
 constexpr std::int64_t kVersion = 1;
 
@@ -52,7 +52,7 @@ HiveDatabase::Statements::Statements(SqliteDatabase& database)
 }
 
 HiveDatabase::HiveDatabase(const HiveFile& file, SqliteDatabase::Mode mode)
-    : forAll_(file.forAll), mode_(mode), database_(file.file, mode, kPatience)
+    : forAll_(file.forAll), mode_(mode), database_(file.file, mode, kLockPatience)
 {
     // A write lasts longer than this process at once, and longer than the machine a moment later.
     database_.run("PRAGMA foreign_keys = ON; PRAGMA synchronous = NORMAL");

@@ -13,7 +13,7 @@ namespace kel {
 
 namespace {
 
-constexpr Moment kPatience = std::chrono::seconds(10);
+constexpr Moment kConnectPatience = std::chrono::seconds(10);
 
 RuntimeFailure failure(FailureCode code, const std::string& text)
 {
@@ -52,7 +52,7 @@ RemoteLine::RemoteLine(Int16 port, const std::string& device, const RemoteAddres
 {
     RemoteResult result{RemoteResult::Cause::NoSuchPlace, "this is not an address"};
     if (!address.stream.empty())
-        loadModule(name_)(address.stream, {.time = kPatience, .ended = ended}, connection_, result);
+        loadModule(name_)(address.stream, {.time = kConnectPatience, .ended = ended}, connection_, result);
     if (!connection_)
         failUnreachable(name_, result);
 }

@@ -2,6 +2,7 @@
 #include "simulators/apperson/DataLineReader.h"
 
 #include "recording/Transcript.h"
+#include "types/Text.h"
 
 #include <algorithm>
 #include <string_view>
@@ -19,7 +20,6 @@ constexpr std::size_t kDigitsAQuestion = 5;
 constexpr Byte kHighestMask = 0x1F;
 constexpr Int32 kMostVersions = 4;
 constexpr Int32 kLetters = 26;
-constexpr const char* kLineEnd = "\r\n";
 constexpr Int32 kAsTheOthers = -1;
 
 // What stands in places of a line whose meaning nobody knows. It looks like what is known.
@@ -315,7 +315,7 @@ void DataLineReader::takeSheet()
         running_ = false;
         waitingForSheet_ = !bench_;
         if (bench_)
-            send(endLine_ + kLineEnd);
+            send(endLine_ + std::string(kLineEnd));
         return;
     }
     schedule(feedTime(), [this] { takeSheet(); });
@@ -349,7 +349,7 @@ std::string DataLineReader::lineOf(const std::string& errorCode) const
         line += "," + field("Page 2 ID", 4, "0000") + unknown(4);                    // to 32
     }
     // What follows the last comma is no answer.
-    return line + "," + answers() + "A" + kLineEnd;
+    return line + "," + answers() + "A" + std::string(kLineEnd);
 }
 
 std::string DataLineReader::answers() const

@@ -74,7 +74,7 @@ constexpr std::array kEntries = std::to_array<SiteFaultEntry>({
      "A sheet (the first) goes in at an angle, and two of its timing marks are missed."},
 });
 
-[[noreturn]] void refuse(std::string_view text, const std::string& why)
+[[noreturn]] void refuseSiteFault(std::string_view text, const std::string& why)
 {
     throw std::invalid_argument("fault \"" + std::string(text) + "\": " + why);
 }
@@ -85,14 +85,14 @@ Int32 argumentFrom(std::string_view text, std::string_view argument, const SiteF
     const std::string wanted = std::string(entry.argument) + " is " + std::string(entry.range);
     if (entry.kind == Kind::WrongParity) {
         if (argument != "N" && argument != "E" && argument != "O")
-            refuse(text, wanted);
+            refuseSiteFault(text, wanted);
         return argument.front();
     }
     Int32 value = 0;
     const char* const end = argument.data() + argument.size();
     const auto [stopped, error] = std::from_chars(argument.data(), end, value);
     if (error != std::errc{} || stopped != end || value < entry.lowest || value > entry.highest)
-        refuse(text, wanted);
+        refuseSiteFault(text, wanted);
     return value;
 }
 
@@ -138,7 +138,7 @@ std::optional<SiteFault> parseSiteFault(std::string_view text)
     if (colon == std::string_view::npos)
         return SiteFault{.kind = entry->kind, .value = {}};
     if (entry->argument.empty())
-        refuse(text, std::string(entry->name) + " takes no argument");
+        refuseSiteFault(text, std::string(entry->name) + " takes no argument");
     return SiteFault{.kind = entry->kind, .value = argumentFrom(text, text.substr(colon + 1), *entry)};
 }
 
