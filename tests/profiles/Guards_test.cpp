@@ -39,7 +39,7 @@ const std::vector<GuardCase> kProfileGuards = {
     {"clsKELReaderProfiles.Remove", FailsBy::Statement, 9,
      [](GuardBench&) {
          clsKELReaderProfiles profiles;
-         profiles.Remove(43);
+         profiles.Remove(kReaderTypeCount + 1);
          EXPECT_EQ(profiles.Count(), kReaderTypeCount);
      }},
     {"clsKELReaderProfiles.RemoveAll", FailsBy::Processor, 0,

@@ -82,7 +82,7 @@ TEST_F(Profiles, UnknownIndexGivesNothingWithoutAReport)
         EXPECT_TRUE(profiles_.Item(key).isNothing()) << key;
         EXPECT_EQ(profiles_.Exists(key), False) << key;
     }
-    for (const Int32 position : {0, -1, 43, -2147483647 - 1, 2147483647}) {
+    for (const Int32 position : {0, -1, kReaderTypeCount + 1, -2147483647 - 1, 2147483647}) {
         EXPECT_TRUE(profiles_.Item(position).isNothing()) << position;
         EXPECT_EQ(profiles_.Exists(position), False) << position;
     }
@@ -177,7 +177,7 @@ TEST_F(Profiles, RemoveByPosition)
     profiles_.Remove(1);
     EXPECT_EQ(profiles_.Exists("0"), False);
     EXPECT_EQ(profiles_.Count(), kReaderTypeCount - 1);
-    profiles_.Remove(41);
+    profiles_.Remove(kReaderTypeCount - 1);
     EXPECT_EQ(profiles_.Exists("34"), False);
 }
 
@@ -228,7 +228,8 @@ TEST_P(ProfilesPosition, RemovingAPositionThatIsNotThereIsReported)
     EXPECT_EQ(profiles_.Count(), kReaderTypeCount);
 }
 
-INSTANTIATE_TEST_SUITE_P(Profiles, ProfilesPosition, testing::Values(0, -1, 43, -2147483647 - 1, 2147483647));
+INSTANTIATE_TEST_SUITE_P(Profiles, ProfilesPosition,
+                         testing::Values(0, -1, kReaderTypeCount + 1, -2147483647 - 1, 2147483647));
 
 TEST(ProfileKeys, AKeyIsTakenOnce)
 {
