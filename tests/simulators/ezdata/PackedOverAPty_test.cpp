@@ -26,20 +26,20 @@ struct PackedModel {
 
 constexpr Int32 kEZDataRows = 150;
 constexpr Int32 kChatsworthRows = 128;
-constexpr const char* kBehindTheReply = "10";
-constexpr const char* kBehindTheHostsLook = "700"; // it counts the answer after 500
-constexpr const char* kBehindTheHostsWork = "120";
+constexpr const char* kAfterTheReply = "10";
+constexpr const char* kAfterTheHostsLook = "2500"; // it counts the answer after 500
+constexpr const char* kAfterTheHostsWork = "2000"; // of a tenth of a second, when it finds a processor at once
 
 const PackedModel kModels[] = {
-    {kelReaderTypeNCSEZData, false, kEZDataRows, kBehindTheHostsLook, 25, true},
-    {kelReaderTypeChatsworthACF100, false, kEZDataRows, kBehindTheHostsLook, 25, true},
-    {kelReaderTypeChatsworthOMR1100, false, kChatsworthRows, kBehindTheHostsWork, 10, false},
-    {kelReaderTypeChatsworthOMR2000, true, kChatsworthRows, kBehindTheReply, 3, false},
-    {kelReaderTypeChatsworthALSAccelScanOMR, false, kChatsworthRows, kBehindTheReply, 3, true},
-    {kelReaderTypeChatsworthACF200, false, kChatsworthRows, kBehindTheHostsWork, 10, false},
-    {kelReaderTypeChatsworthACF200, true, kChatsworthRows, kBehindTheReply, 3, false},
-    {kelReaderTypeChatsworthACP200, false, kChatsworthRows, kBehindTheHostsWork, 10, false},
-    {kelReaderTypeChatsworthACP200, true, kChatsworthRows, kBehindTheReply, 3, false},
+    {kelReaderTypeNCSEZData, false, kEZDataRows, kAfterTheHostsLook, 25, true},
+    {kelReaderTypeChatsworthACF100, false, kEZDataRows, kAfterTheHostsLook, 25, true},
+    {kelReaderTypeChatsworthOMR1100, false, kChatsworthRows, kAfterTheHostsWork, 10, false},
+    {kelReaderTypeChatsworthOMR2000, true, kChatsworthRows, kAfterTheReply, 3, false},
+    {kelReaderTypeChatsworthALSAccelScanOMR, false, kChatsworthRows, kAfterTheReply, 3, true},
+    {kelReaderTypeChatsworthACF200, false, kChatsworthRows, kAfterTheHostsWork, 10, false},
+    {kelReaderTypeChatsworthACF200, true, kChatsworthRows, kAfterTheReply, 3, false},
+    {kelReaderTypeChatsworthACP200, false, kChatsworthRows, kAfterTheHostsWork, 10, false},
+    {kelReaderTypeChatsworthACP200, true, kChatsworthRows, kAfterTheReply, 3, false},
 };
 
 /// What a round trip needs of a simulated reader behind a pseudo-terminal.
@@ -108,7 +108,7 @@ std::vector<PackedModel> modelsOfThisRun()
 {
     std::vector<PackedModel> models(std::begin(kModels), std::end(kModels));
     if (!longRun())
-        std::erase_if(models, [](const PackedModel& model) { return model.feedMilliseconds != kBehindTheReply; });
+        std::erase_if(models, [](const PackedModel& model) { return model.feedMilliseconds != kAfterTheReply; });
     return models;
 }
 
