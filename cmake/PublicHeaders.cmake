@@ -58,8 +58,14 @@ set(KEL_HOST_HEADERS
     host/UsageError.h
 )
 set(KEL_PUBLIC_INCLUDE ${PROJECT_BINARY_DIR}/include)
+# What includes one of them is compiled again in the same build: ninja has to know that they are made.
+list(TRANSFORM KEL_PUBLIC_HEADERS REPLACE "^.*/" "" OUTPUT_VARIABLE laid_out)
+list(TRANSFORM KEL_HOST_HEADERS REPLACE "^formats/" "" OUTPUT_VARIABLE laid_out_for_host)
+list(APPEND laid_out ${laid_out_for_host} KELReader81U.h)
+list(TRANSFORM laid_out PREPEND ${KEL_PUBLIC_INCLUDE}/KELReader81U/)
 add_custom_command(
     OUTPUT ${PROJECT_BINARY_DIR}/public_headers.stamp
+    BYPRODUCTS ${laid_out}
     COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/cmake/public_headers.py ${KEL_PUBLIC_INCLUDE}
             ${KEL_PUBLIC_HEADERS} ${KEL_HOST_HEADERS}
     COMMAND ${CMAKE_COMMAND} -E touch ${PROJECT_BINARY_DIR}/public_headers.stamp
