@@ -4,6 +4,7 @@
 #include "cli/CommandList.h"
 #include "cli/Commands.h"
 #include "cli/Console.h"
+#include "cli/Notice.h"
 #include "cli/ThisSystem.h"
 #include "cli/UsageError.h"
 #include "formats/NearestNames.h"
@@ -22,7 +23,7 @@ namespace {
 
 int complain(const std::string& sentence, int status)
 {
-    std::cerr << "kelreader: " << sentence << std::endl;
+    notice(sentence);
     return status;
 }
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "cli/SearchReports.h"
 
-#include <iostream>
+#include "cli/Notice.h"
 
 namespace kel {
 
@@ -13,14 +13,14 @@ SearchReports::SearchReports(clsKELReader& reader)
 void SearchReports::tell() const
 {
     for (const host::Failure& failure : failures_)
-        std::cerr << "kelreader: " << host::failureSentence(failure) << std::endl;
+        notice(host::failureSentence(failure));
 }
 
 void SearchReports::tellOfDevices() const
 {
     for (const host::Failure& failure : failures_) {
         if (!failure.device.empty())
-            std::cerr << "kelreader: " << host::failureSentence(failure) << std::endl;
+            notice(host::failureSentence(failure));
     }
 }
 

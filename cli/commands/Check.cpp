@@ -2,6 +2,7 @@
 #include "cli/CommandList.h"
 #include "cli/Commands.h"
 #include "cli/Interrupt.h"
+#include "cli/Notice.h"
 #include "cli/UsageError.h"
 #include "cli/check/CheckOutput.h"
 #include "cli/check/ReportHead.h"
@@ -14,7 +15,6 @@
 #include "recording/ReportSections.h"
 
 #include <algorithm>
-#include <iostream>
 
 namespace kel {
 
@@ -25,7 +25,7 @@ constexpr Int32 kMostSheets = 1000;
 // The port that stands for a device which is named.
 constexpr Int16 kDevicePort = 1;
 
-struct Arguments {
+struct CheckArguments {
     std::string model;
     std::optional<Int16> port;
     std::string device;
@@ -45,7 +45,7 @@ struct Arguments {
     std::vector<std::string> settings;
 };
 
-void demandSense(const Arguments& arguments)
+void demandSense(const CheckArguments& arguments)
 {
     if (!arguments.replayFile.empty())
         return;
@@ -67,7 +67,7 @@ void demandSense(const Arguments& arguments)
         throw host::UsageError("--mask needs --report FILE.");
 }
 
-CheckPlan planOf(const Arguments& arguments)
+CheckPlan planOf(const CheckArguments& arguments)
 {
     CheckPlan plan;
     plan.request.model = arguments.model;
@@ -97,7 +97,7 @@ CheckPlan planOf(const Arguments& arguments)
 /// Where the report goes as it is made: a file, masked or not, or nowhere.
 class ReportFile {
 public:
-    ReportFile(const Arguments& arguments, const CheckPlan& plan)
+    ReportFile(const CheckArguments& arguments, const CheckPlan& plan)
     {
         if (arguments.reportFile.empty())
             return;
@@ -120,7 +120,7 @@ private:
     std::optional<SheetMask> mask_;
 };
 
-int checkReader(const Arguments& arguments)
+int checkReader(const CheckArguments& arguments)
 {
     const CheckPlan plan = planOf(arguments);
     static_cast<void>(host::Reader(plan.request)); // refuses what does not fit before anything is made
@@ -175,7 +175,7 @@ bool stoppedIn(const CheckReport& report, CheckStage stage)
     });
 }
 
-int checkReport(const Arguments& arguments)
+int checkReport(const CheckArguments& arguments)
 {
     const CheckReport report =
         parseReport(host::readGivenFile(arguments.replayFile, host::kTranscriptFile), arguments.replayFile);
@@ -197,22 +197,21 @@ int checkReport(const Arguments& arguments)
     const CheckResults results = run.run();
     output.verdict(judge(results));
     for (const std::string& difference : bench.differences())
-        std::cerr << "kelreader: The check differs from its report. " << difference << std::endl;
+        notice("The check differs from its report. " + difference);
     if (!report.whole)
-        std::cerr << "kelreader: " << arguments.replayFile
-                  << " ends before the check did; the verdict covers only what it holds." << std::endl;
+        notice(arguments.replayFile + " ends before the check did; the verdict covers only what it holds.");
     if (InterruptNote::came())
         return kInterruptedStatus;
     return judge(results).usable && bench.differences().empty() ? kDoneStatus : kFailedStatus;
 }
 
-int run(const Arguments& arguments)
+int run(const CheckArguments& arguments)
 {
     demandSense(arguments);
     return arguments.replayFile.empty() ? checkReader(arguments) : checkReport(arguments);
 }
 
-void addReaderOptions(CLI::App& command, Arguments& arguments)
+void addReaderOptions(CLI::App& command, CheckArguments& arguments)
 {
     command.add_option("--model", arguments.model, "Model, by number or name");
     CLI::Option* port =
@@ -248,7 +247,7 @@ void addReaderOptions(CLI::App& command, Arguments& arguments)
 
 void addCheckCommand(Commands& commands)
 {
-    const auto arguments = std::make_shared<Arguments>();
+    const auto arguments = std::make_shared<CheckArguments>();
     CLI::App& command = commands.add("check", "Checks whether a reader works and, if not, what is wrong",
                                      [arguments] { return run(*arguments); });
     addReaderOptions(command, *arguments);

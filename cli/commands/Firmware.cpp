@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "cli/CommandList.h"
 #include "cli/Commands.h"
+#include "cli/Notice.h"
 #include "cli/SearchReports.h"
 #include "host/ModelLookup.h"
 #include "host/PropertyTable.h"
@@ -8,21 +9,20 @@
 #include "platform/PortMap.h"
 #include "types/Text.h"
 
-#include <iostream>
 #include <optional>
 
 namespace kel {
 
 namespace {
 
-struct Arguments {
+struct FirmwareArguments {
     std::string model;
     Int16 port = PortMap::kFirstPort;
     std::string device;
     std::vector<std::string> assignments;
 };
 
-int run(const Arguments& arguments)
+int run(const FirmwareArguments& arguments)
 {
     std::optional<PortOverride> line;
     if (!arguments.device.empty())
@@ -41,10 +41,10 @@ int run(const Arguments& arguments)
     }
     reports.tell();
     if (!reader.Profiles()->Item(CStr(reader.ReaderType()))->FirmwareEnabled())
-        std::cerr << "kelreader: " << reader.ReaderName() << " does not report its firmware version." << std::endl;
+        notice(reader.ReaderName() + " does not report its firmware version.");
     else
-        std::cerr << "kelreader: No " << reader.ReaderName() << " reported its firmware version at port "
-                  << reader.Port() << ". Is it switched on and connected?" << std::endl;
+        notice("No " + reader.ReaderName() + " reported its firmware version at port " + std::to_string(reader.Port()) +
+               ". Is it switched on and connected?");
     return kFailedStatus;
 }
 
@@ -52,7 +52,7 @@ int run(const Arguments& arguments)
 
 void addFirmwareCommand(Commands& commands)
 {
-    const auto arguments = std::make_shared<Arguments>();
+    const auto arguments = std::make_shared<FirmwareArguments>();
     CLI::App& command = commands.add("firmware", "Asks a reader for its firmware version and prints it",
                                      [arguments] { return run(*arguments); });
     command.add_option("--model", arguments->model, "Model number, name, or part of the name")->required();

@@ -2,6 +2,7 @@
 #include "host/Form.h"
 #include "cli/CommandList.h"
 #include "cli/Commands.h"
+#include "cli/Notice.h"
 #include "host/ModelLookup.h"
 #include "host/TextOutput.h"
 #include "pictures/SheetPicture.h"
@@ -10,19 +11,17 @@
 #include "types/Path.h"
 #include "types/Text.h"
 
-#include <iostream>
-
 namespace kel {
 
 namespace {
 
-struct Arguments {
+struct FormArguments {
     std::string formFile;
     std::string pictureFile;
     std::string model;
 };
 
-PictureForm formOf(const Arguments& arguments)
+PictureForm formOf(const FormArguments& arguments)
 {
     const host::Form form = host::readFormFile(pathOf(arguments.formFile));
     if (arguments.model.empty())
@@ -40,7 +39,7 @@ std::string summaryOf(const PictureForm& form)
            "\n";
 }
 
-int run(const Arguments& arguments)
+int run(const FormArguments& arguments)
 {
     const PictureForm form = formOf(arguments);
     if (!arguments.pictureFile.empty())
@@ -48,7 +47,7 @@ int run(const Arguments& arguments)
     host::TextOutput().writeOrFail(summaryOf(form));
     const std::vector<std::string> faults = faultsOfForm(form);
     for (const std::string& fault : faults)
-        std::cerr << "kelreader: " << fault << std::endl;
+        notice(fault);
     return faults.empty() ? kDoneStatus : kFailedStatus;
 }
 
@@ -56,7 +55,7 @@ int run(const Arguments& arguments)
 
 void addFormCommand(Commands& commands)
 {
-    const auto arguments = std::make_shared<Arguments>();
+    const auto arguments = std::make_shared<FormArguments>();
     CLI::App& command =
         commands.add("form", "Checks a form file and describes it", [arguments] { return run(*arguments); });
     command.add_option("file", arguments->formFile, "Form of the sheets (JSON)")->required()->type_name("FILE");

@@ -1,25 +1,24 @@
 // SPDX-License-Identifier: MIT
 #include "cli/CommandList.h"
 #include "cli/Commands.h"
+#include "cli/Notice.h"
 #include "cli/SearchReports.h"
 #include "host/ModelLookup.h"
 #include "host/PropertyTable.h"
 #include "host/TextOutput.h"
 #include "types/Text.h"
 
-#include <iostream>
-
 namespace kel {
 
 namespace {
 
-struct Arguments {
+struct LocateArguments {
     std::string model;
     Int16 startPort = 0;
     std::vector<std::string> assignments;
 };
 
-int run(const Arguments& arguments)
+int run(const LocateArguments& arguments)
 {
     clsKELReader reader;
     const SearchReports reports(reader);
@@ -33,12 +32,11 @@ int run(const Arguments& arguments)
     }
     reports.tellOfDevices();
     if (!reader.Profiles()->Item(CStr(reader.ReaderType()))->LocateEnabled())
-        std::cerr << "kelreader: " << reader.ReaderName() << " cannot be searched for; name its port." << std::endl;
+        notice(reader.ReaderName() + " cannot be searched for; name its port.");
     else
-        std::cerr << "kelreader: No " << reader.ReaderName()
-                  << " answered at any port. Is it switched on and connected, and does its port have a device "
-                     "('kelreader ports')?"
-                  << std::endl;
+        notice("No " + reader.ReaderName() +
+               " answered at any port. Is it switched on and connected, and does its port have a device ('kelreader "
+               "ports')?");
     return kFailedStatus;
 }
 
@@ -46,7 +44,7 @@ int run(const Arguments& arguments)
 
 void addLocateCommand(Commands& commands)
 {
-    const auto arguments = std::make_shared<Arguments>();
+    const auto arguments = std::make_shared<LocateArguments>();
     CLI::App& command = commands.add("locate", "Searches the ports for a reader and prints its port number",
                                      [arguments] { return run(*arguments); });
     command.add_option("--model", arguments->model, "Model number, name, or part of the name")->required();

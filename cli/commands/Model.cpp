@@ -12,12 +12,12 @@ namespace kel {
 
 namespace {
 
-struct Arguments {
+struct ModelArguments {
     std::string model;
     std::string format;
 };
 
-int run(const Arguments& arguments)
+int run(const ModelArguments& arguments)
 {
     const clsKELReaderProfiles profiles;
     const Reference<clsKELReaderProfile> profile = profiles.Item(CStr(host::modelNamed(arguments.model)));
@@ -35,7 +35,7 @@ int run(const Arguments& arguments)
 
 void addModelCommand(Commands& commands)
 {
-    const auto arguments = std::make_shared<Arguments>();
+    const auto arguments = std::make_shared<ModelArguments>();
     CLI::App& command =
         commands.add("model", "Shows all properties of one model", [arguments] { return run(*arguments); });
     command.add_option("model", arguments->model, "Model number, name, or part of the name")->required();

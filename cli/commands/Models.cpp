@@ -10,7 +10,7 @@ namespace kel {
 
 namespace {
 
-struct Arguments {
+struct ModelsArguments {
     std::string maker;
     std::string format;
 };
@@ -27,7 +27,7 @@ ProfileList profilesOf(const std::string& maker)
     return list;
 }
 
-int run(const Arguments& arguments)
+int run(const ModelsArguments& arguments)
 {
     const ProfileList profiles = profilesOf(arguments.maker);
     host::TextOutput output;
@@ -44,7 +44,7 @@ int run(const Arguments& arguments)
 
 void addModelsCommand(Commands& commands)
 {
-    const auto arguments = std::make_shared<Arguments>();
+    const auto arguments = std::make_shared<ModelsArguments>();
     CLI::App& command = commands.add("models", "Lists the supported models", [arguments] { return run(*arguments); });
     command.add_option("--maker", arguments->maker,
                        "Lists the models of one maker: apperson, chatsworth, pdi, scantron or sekonic");

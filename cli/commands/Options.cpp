@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "cli/CommandList.h"
 #include "cli/Commands.h"
+#include "cli/Notice.h"
 #include "cli/SettingsText.h"
 #include "host/Failure.h"
 #include "host/LoadedSettings.h"
@@ -9,14 +10,13 @@
 #include "host/TextOutput.h"
 #include "types/RuntimeFailure.h"
 
-#include <iostream>
 #include <optional>
 
 namespace kel {
 
 namespace {
 
-struct Arguments {
+struct OptionsArguments {
     std::string model;
     std::string settings;
     std::string format;
@@ -38,7 +38,7 @@ private:
     {
         if (failure.number == static_cast<Int32>(FailureCode::InvalidPortNumber))
             return;
-        std::cerr << "kelreader: " << host::failureSentence(failure) << std::endl;
+        notice(host::failureSentence(failure));
         any_ = true;
     }
 
@@ -51,7 +51,7 @@ void prepare(clsKELReader& reader, const std::optional<RegistryPath>& key, const
 {
     if (key) {
         for (const host::Failure& failure : host::loadSettings(reader, *key))
-            std::cerr << "kelreader: " << host::failureSentence(failure) << std::endl;
+            notice(host::failureSentence(failure));
     }
     if (model.empty())
         return;
@@ -60,7 +60,7 @@ void prepare(clsKELReader& reader, const std::optional<RegistryPath>& key, const
         reader.LoadDefaults(wanted);
 }
 
-int run(const Arguments& arguments)
+int run(const OptionsArguments& arguments)
 {
     std::optional<RegistryPath> key;
     if (!arguments.settings.empty())
@@ -70,7 +70,7 @@ int run(const Arguments& arguments)
     const Reporting reporting(reader);
     if (!reader.ShowOptions()) {
         if (reporting.status() == kDoneStatus)
-            std::cerr << "kelreader: Cancelled; nothing was changed." << std::endl;
+            notice("Cancelled; nothing was changed.");
         return reporting.status();
     }
     if (key)
@@ -83,7 +83,7 @@ int run(const Arguments& arguments)
 
 void addOptionsCommand(Commands& commands)
 {
-    const auto arguments = std::make_shared<Arguments>();
+    const auto arguments = std::make_shared<OptionsArguments>();
     CLI::App& command = commands.add("options", "Opens the options window and prints what the user chose",
                                      [arguments] { return run(*arguments); });
     command.add_option("--model", arguments->model, "Model to start with, with its defaults");

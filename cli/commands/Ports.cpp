@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "cli/CommandList.h"
 #include "cli/Commands.h"
+#include "cli/Notice.h"
 #include "cli/PortList.h"
 #include "cli/UsageError.h"
 #include "host/TextOutput.h"
@@ -9,19 +10,18 @@
 #include "types/Text.h"
 
 #include <filesystem>
-#include <iostream>
 
 namespace kel {
 
 namespace {
 
-struct Arguments {
+struct PortsArguments {
     std::string format;
     Int32 port = 0;
     std::string device;
 };
 
-int list(const Arguments& arguments)
+int list(const PortsArguments& arguments)
 {
     const std::vector<host::PortState> ports = host::portStates();
     host::TextOutput output;
@@ -29,7 +29,7 @@ int list(const Arguments& arguments)
     return kDoneStatus;
 }
 
-Int16 portNumber(const Arguments& arguments)
+Int16 portNumber(const PortsArguments& arguments)
 {
     if (arguments.port < host::kFirstPort || arguments.port > host::kLastPort)
         throw host::UsageError("Port numbers are " + CStr(host::kFirstPort) + " to " + CStr(host::kLastPort) +
@@ -37,7 +37,7 @@ Int16 portNumber(const Arguments& arguments)
     return static_cast<Int16>(arguments.port);
 }
 
-int set(const Arguments& arguments)
+int set(const PortsArguments& arguments)
 {
     const Int16 iPort = portNumber(arguments);
     if (arguments.device.empty())
@@ -52,18 +52,17 @@ int set(const Arguments& arguments)
 
     std::error_code ignored;
     if (device.starts_with('/') && !std::filesystem::exists(device, ignored))
-        std::cerr << "kelreader: " << device << " is not there now." << std::endl;
+        notice(device + " is not there now.");
     else if (const std::string stable = stableName(device); stable != device)
-        std::cerr << "kelreader: " << device << " may be another device after the next start; " << stable
-                  << " stays the same." << std::endl;
+        notice(device + " may be another device after the next start; " + stable + " stays the same.");
     return kDoneStatus;
 }
 
-int clear(const Arguments& arguments)
+int clear(const PortsArguments& arguments)
 {
     const Int16 iPort = portNumber(arguments);
     if (!host::deviceOf(iPort)) {
-        std::cerr << "kelreader: Port " << iPort << " has no device." << std::endl;
+        notice("Port " + std::to_string(iPort) + " has no device.");
         return kDoneStatus;
     }
     if (!host::unmapPort(iPort))
@@ -75,7 +74,7 @@ int clear(const Arguments& arguments)
 
 void addPortsCommand(Commands& commands)
 {
-    const auto arguments = std::make_shared<Arguments>();
+    const auto arguments = std::make_shared<PortsArguments>();
     CLI::App& ports = commands.add("ports", "Lists port numbers and serial devices, and whether each one opens",
                                    [arguments] { return list(*arguments); });
     addFormat(ports, arguments->format, {"table", "json"});

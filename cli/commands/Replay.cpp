@@ -3,18 +3,17 @@
 #include "cli/CommandList.h"
 #include "cli/Commands.h"
 #include "cli/Interrupt.h"
+#include "cli/Notice.h"
 #include "cli/ScanOutput.h"
 #include "cli/UsageError.h"
 #include "host/JsonFile.h"
 #include "types/Path.h"
 
-#include <iostream>
-
 namespace kel {
 
 namespace {
 
-struct Arguments {
+struct ReplayArguments {
     std::string file;
     std::string formFile;
     std::vector<std::string> assignments;
@@ -27,16 +26,16 @@ struct Arguments {
 bool tellDifferences(const host::Replay& replay)
 {
     for (const std::string& difference : replay.differences())
-        std::cerr << "kelreader: The session differs from its transcript. " << difference << std::endl;
+        notice("The session differs from its transcript. " + difference);
     if (!replay.differences().empty())
         return false;
     const std::string unsent = replay.unsent();
     if (!unsent.empty())
-        std::cerr << "kelreader: The session ended before the transcript did. " << unsent << std::endl;
+        notice("The session ended before the transcript did. " + unsent);
     return unsent.empty();
 }
 
-int run(const Arguments& arguments)
+int run(const ReplayArguments& arguments)
 {
     host::Replay replay(host::readGivenFile(pathOf(arguments.file), host::kTranscriptFile), arguments.file);
     if (!arguments.formFile.empty())
@@ -61,7 +60,7 @@ int run(const Arguments& arguments)
 
 void addReplayCommand(Commands& commands)
 {
-    const auto arguments = std::make_shared<Arguments>();
+    const auto arguments = std::make_shared<ReplayArguments>();
     CLI::App& command =
         commands.add("replay", "Replays a recorded session without a reader", [arguments] { return run(*arguments); });
     command.add_option("file", arguments->file, "Transcript written by 'scan --trace'")->required()->type_name("FILE");

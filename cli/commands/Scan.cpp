@@ -2,6 +2,7 @@
 #include "cli/CommandList.h"
 #include "cli/Commands.h"
 #include "cli/InterruptWatch.h"
+#include "cli/Notice.h"
 #include "cli/ScanOutput.h"
 #include "cli/ScanStore.h"
 #include "cli/SimulatorArguments.h"
@@ -15,13 +16,11 @@
 #include "types/Path.h"
 #include "types/Text.h"
 
-#include <iostream>
-
 namespace kel {
 
 namespace {
 
-struct Arguments {
+struct ScanArguments {
     std::string model;
     std::string settings;
     std::optional<Int16> port;
@@ -57,7 +56,7 @@ std::string pageTitle(kelReaderType model)
     return ReturnReaderName(model) + ", " + timeNow();
 }
 
-host::Request requestOf(const Arguments& arguments)
+host::Request requestOf(const ScanArguments& arguments)
 {
     host::Request request;
     if (!arguments.settings.empty())
@@ -88,7 +87,7 @@ host::Request requestOf(const Arguments& arguments)
     return request;
 }
 
-void demandLine(const Arguments& arguments, const clsKELReader& reader)
+void demandLine(const ScanArguments& arguments, const clsKELReader& reader)
 {
     const bool usb = host::isUsbModel(reader.ReaderType());
     const bool named = arguments.port || !arguments.device.empty() || arguments.simulate;
@@ -107,7 +106,7 @@ void demandLine(const Arguments& arguments, const clsKELReader& reader)
 void tellFaults(const std::vector<std::string>& faults)
 {
     for (const std::string& fault : faults)
-        std::cerr << "kelreader: The simulated reader did not expect this: " << fault << std::endl;
+        notice("The simulated reader did not expect this: " + fault);
 }
 
 void tellLineErrors(const clsKELReader& reader)
@@ -117,13 +116,13 @@ void tellLineErrors(const clsKELReader& reader)
     const LineErrors errors = counting ? counting->lineErrors() : LineErrors();
     if (!errors.any())
         return;
-    std::cerr << "kelreader: The line had " << lineErrorsText(errors)
-              << (errors.parity > 0 ? " (such characters were read as \"?\")" : "")
-              << "; compare speed, parity and data bits with the reader's, and look at the cable." << std::endl;
+    notice("The line had " + lineErrorsText(errors) +
+           (errors.parity > 0 ? " (such characters were read as \"?\")" : "") +
+           "; compare speed, parity and data bits with the reader's, and look at the cable.");
 }
 
 /// Settings that do not fit leave the reader half set: nothing is read with it.
-int refuseSettings(const Arguments& arguments, const std::vector<host::Failure>& failures)
+int refuseSettings(const ScanArguments& arguments, const std::vector<host::Failure>& failures)
 {
     ScanOutput output(arguments.outFile, arguments.format, timeNow());
     for (const host::Failure& failure : failures)
@@ -133,7 +132,7 @@ int refuseSettings(const Arguments& arguments, const std::vector<host::Failure>&
 }
 
 /// What a store calls a scan, unless somebody has said.
-StoreNames storeNames(const Arguments& arguments)
+StoreNames storeNames(const ScanArguments& arguments)
 {
     StoreNames names{arguments.storeFile, arguments.readerName, arguments.batchName};
     if (names.reader.empty() && arguments.port)
@@ -145,7 +144,7 @@ StoreNames storeNames(const Arguments& arguments)
     return names;
 }
 
-int read(host::Reader& reader, const Arguments& arguments)
+int read(host::Reader& reader, const ScanArguments& arguments)
 {
     demandLine(arguments, reader.object());
     const std::optional<std::vector<host::Field>> fields =
@@ -179,7 +178,7 @@ int read(host::Reader& reader, const Arguments& arguments)
     return result.failures.empty() && result.end.started ? kDoneStatus : kFailedStatus;
 }
 
-int run(const Arguments& arguments)
+int run(const ScanArguments& arguments)
 {
     std::optional<host::Reader> reader;
     try {
@@ -190,7 +189,7 @@ int run(const Arguments& arguments)
     return read(*reader, arguments);
 }
 
-void addReaderOptions(CLI::App& command, Arguments& arguments)
+void addReaderOptions(CLI::App& command, ScanArguments& arguments)
 {
     command.add_option("--model", arguments.model, "Model, by number or name; not needed if --settings names one");
     command
@@ -225,7 +224,7 @@ void addReaderOptions(CLI::App& command, Arguments& arguments)
         ->allow_extra_args(false);
 }
 
-void addSheetOptions(CLI::App& command, Arguments& arguments)
+void addSheetOptions(CLI::App& command, ScanArguments& arguments)
 {
     command.add_option("--max-sheets", arguments.maxSheets, "Stops after N sheets; a negative number is no limit")
         ->capture_default_str()
@@ -247,7 +246,7 @@ void addSheetOptions(CLI::App& command, Arguments& arguments)
 
 void addScanCommand(Commands& commands)
 {
-    const auto arguments = std::make_shared<Arguments>();
+    const auto arguments = std::make_shared<ScanArguments>();
     CLI::App& command = commands.add("scan", "Reads a batch of sheets", [arguments] { return run(*arguments); });
     addReaderOptions(command, *arguments);
     addSheetOptions(command, *arguments);

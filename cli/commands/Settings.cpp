@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "cli/CommandList.h"
 #include "cli/Commands.h"
+#include "cli/Notice.h"
 #include "cli/RegistryValueText.h"
 #include "cli/SettingsText.h"
 #include "cli/UsageError.h"
@@ -16,7 +17,6 @@
 #include "types/Path.h"
 
 #include <algorithm>
-#include <iostream>
 
 namespace kel {
 
@@ -25,7 +25,7 @@ namespace {
 // How the key's default value, which has no name, is called; a registry file does the same.
 constexpr const char* kDefaultName = "@";
 
-struct Arguments {
+struct SettingsArguments {
     std::string key;
     std::optional<std::string> name;
     std::string value;
@@ -38,7 +38,7 @@ Registry& registry()
     return platform().registry();
 }
 
-std::string nameOf(const Arguments& arguments)
+std::string nameOf(const SettingsArguments& arguments)
 {
     return *arguments.name == kDefaultName ? "" : *arguments.name;
 }
@@ -54,7 +54,7 @@ std::string shown(const std::string& name)
 }
 
 /// The key, which has to be there.
-RegistryPath presentKey(const Arguments& arguments)
+RegistryPath presentKey(const SettingsArguments& arguments)
 {
     const RegistryPath key = host::keyNamed(arguments.key);
     if (!registry().exists(key.hive, key.subKey))
@@ -116,21 +116,21 @@ std::string valuesAsJson(const RegistryPath& key)
     return text + "\n]\n";
 }
 
-int list(const Arguments& arguments)
+int list(const SettingsArguments& arguments)
 {
     const RegistryPath key = presentKey(arguments);
     host::TextOutput().writeOrFail(arguments.format == "json" ? valuesAsJson(key) : valuesAsTable(key));
     return kDoneStatus;
 }
 
-int get(const Arguments& arguments)
+int get(const SettingsArguments& arguments)
 {
     const RegistryValue value = presentValue(presentKey(arguments), nameOf(arguments));
     host::TextOutput().writeOrFail(registryValueText(value) + "\n");
     return kDoneStatus;
 }
 
-int set(const Arguments& arguments)
+int set(const SettingsArguments& arguments)
 {
     const RegistryPath key = host::keyNamed(arguments.key);
     std::string value = arguments.value;
@@ -139,7 +139,7 @@ int set(const Arguments& arguments)
     return kDoneStatus;
 }
 
-int remove(const Arguments& arguments)
+int remove(const SettingsArguments& arguments)
 {
     const RegistryPath key = host::keyNamed(arguments.key);
     if (!arguments.name && key.subKey.empty())
@@ -155,7 +155,7 @@ int remove(const Arguments& arguments)
     return kDoneStatus;
 }
 
-int exportKey(const Arguments& arguments)
+int exportKey(const SettingsArguments& arguments)
 {
     const std::string bytes = regFileBytes(registryEntries(registry(), presentKey(arguments)));
     host::TextOutput(pathOf(arguments.file)).writeOrFail(bytes);
@@ -171,20 +171,20 @@ std::vector<RegFileEntry> entriesOf(const std::string& file)
     }
 }
 
-int import(const Arguments& arguments)
+int import(const SettingsArguments& arguments)
 {
     if (const std::optional<RegFileEntry> refused = applyRegistryEntries(registry(), entriesOf(arguments.file)))
         failToWrite(refused->key);
     return kDoneStatus;
 }
 
-int show(const Arguments& arguments)
+int show(const SettingsArguments& arguments)
 {
     clsKELReader reader;
     const std::vector<host::Failure> failures = host::loadSettings(reader, host::keyNamed(arguments.key));
     host::TextOutput().writeOrFail(settingsText(reader, arguments.format == "json"));
     for (const host::Failure& failure : failures)
-        std::cerr << "kelreader: " << host::failureSentence(failure) << std::endl;
+        notice(host::failureSentence(failure));
     return failures.empty() ? kDoneStatus : kFailedStatus;
 }
 
@@ -192,12 +192,12 @@ int show(const Arguments& arguments)
 
 void addSettingsCommand(Commands& commands)
 {
-    const auto arguments = std::make_shared<Arguments>();
+    const auto arguments = std::make_shared<SettingsArguments>();
     CLI::App& settings = commands.add("settings", "Shows and changes saved settings", [] { return kUsageStatus; });
     settings.require_subcommand(1);
     settings.footer("KEY is HIVE\\SUBKEY: HKEY_CURRENT_USER\\Software\\Reader, or HKCU for short. The value of the key "
                     "itself has the name @.");
-    const auto add = [&](const char* name, const char* description, int (*run)(const Arguments&)) -> CLI::App& {
+    const auto add = [&](const char* name, const char* description, int (*run)(const SettingsArguments&)) -> CLI::App& {
         return commands.add(settings, name, description, [arguments, run] { return run(*arguments); });
     };
     const auto addKey = [&](CLI::App& command) {

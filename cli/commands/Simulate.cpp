@@ -14,7 +14,7 @@ namespace kel {
 
 namespace {
 
-struct Arguments {
+struct SimulateArguments {
     std::string model;
     bool listFaults = false;
     std::string link;
@@ -30,7 +30,7 @@ int listFaults(const std::string& model)
     return kDoneStatus;
 }
 
-int run(const Arguments& arguments)
+int run(const SimulateArguments& arguments)
 {
     if (arguments.listFaults)
         return listFaults(arguments.model);
@@ -46,7 +46,7 @@ int run(const Arguments& arguments)
 
 void addSimulateCommand(Commands& commands)
 {
-    const auto arguments = std::make_shared<Arguments>();
+    const auto arguments = std::make_shared<SimulateArguments>();
     CLI::App& command = commands.add("simulate", "Simulates a reader for other programs until Ctrl-C",
                                      [arguments] { return run(*arguments); });
     command.add_option("--model", arguments->model, "Model, by number or name");

@@ -2,6 +2,7 @@
 #include "cli/CommandList.h"
 #include "cli/Commands.h"
 #include "cli/InterruptWatch.h"
+#include "cli/Notice.h"
 #include "host/UsageError.h"
 #include "platform/posix/EventCall.h"
 #include "station/ServiceNotice.h"
@@ -10,14 +11,13 @@
 #include "stream/StreamFiles.h"
 
 #include <algorithm>
-#include <iostream>
 #include <poll.h>
 
 namespace kel {
 
 namespace {
 
-struct Arguments {
+struct CollectArguments {
     StreamAddress address;
     std::string storeFile;
     std::string durable = "kelreader-collect";
@@ -26,7 +26,7 @@ struct Arguments {
 constexpr std::chrono::milliseconds kFirstPause{500};
 constexpr std::chrono::milliseconds kLongestPause{30'000};
 
-int run(const Arguments& arguments)
+int run(const CollectArguments& arguments)
 {
     StreamAddress address = arguments.address;
     address.client = "kelreader collect " + stationName();
@@ -39,21 +39,19 @@ int run(const Arguments& arguments)
     const std::optional<std::chrono::milliseconds> watchdog = watchdogPeriod();
     std::chrono::steady_clock::time_point told; // the service manager
     const CollectorCalls calls{
-        .tell = [](const std::string& sentence) { std::cerr << "kelreader: " << sentence << std::endl; },
-        .pause =
-            [&](std::chrono::milliseconds pause) {
-                do {
-                    if (const auto now = std::chrono::steady_clock::now(); watchdog && now - told >= *watchdog / 2) {
-                        tellServiceManager("WATCHDOG=1");
-                        told = now;
-                    }
-                    const std::chrono::milliseconds step = watchdog ? std::min(pause, *watchdog) : pause;
-                    pollfd handle{interrupted.handle(), POLLIN, 0};
-                    retrying([&] { return ::poll(&handle, 1, static_cast<int>(step.count())); });
-                    pause -= step;
-                } while (pause.count() > 0 && !InterruptNote::came());
-                return !InterruptNote::came();
-            }};
+        .tell = &notice, .pause = [&](std::chrono::milliseconds pause) {
+            do {
+                if (const auto now = std::chrono::steady_clock::now(); watchdog && now - told >= *watchdog / 2) {
+                    tellServiceManager("WATCHDOG=1");
+                    told = now;
+                }
+                const std::chrono::milliseconds step = watchdog ? std::min(pause, *watchdog) : pause;
+                pollfd handle{interrupted.handle(), POLLIN, 0};
+                retrying([&] { return ::poll(&handle, 1, static_cast<int>(step.count())); });
+                pause -= step;
+            } while (pause.count() > 0 && !InterruptNote::came());
+            return !InterruptNote::came();
+        }};
     tellServiceManager("READY=1");
     Collector(store, address, arguments.durable, Pauses(kFirstPause, kLongestPause), calls, opener).run();
     tellServiceManager("STOPPING=1");
@@ -64,7 +62,7 @@ int run(const Arguments& arguments)
 
 void addCollectCommand(Commands& commands)
 {
-    const auto arguments = std::make_shared<Arguments>();
+    const auto arguments = std::make_shared<CollectArguments>();
     CLI::App& command = commands.add("collect", "Takes the sheets of many stations from a stream into a store",
                                      [arguments] { return run(*arguments); });
     // A service gives its options in the environment, where nobody else sees them.

@@ -3,6 +3,7 @@
 
 #include "cli/Commands.h"
 #include "cli/Interrupt.h"
+#include "cli/Notice.h"
 #include "cli/UsageError.h"
 #include "formats/JsonValue.h"
 #include "host/SimulatedLibraryHost.h"
@@ -11,7 +12,6 @@
 #include "simulators/pseudo_terminal/PtyDeviceHost.h"
 
 #include <chrono>
-#include <iostream>
 #include <thread>
 
 namespace kel {
@@ -65,7 +65,7 @@ int playReader(const PlayedModel& played, const std::string& link)
         return kInterruptedStatus;
     if (output.failed())
         throw CommandFailure(output.problem());
-    std::cerr << "kelreader: The simulated reader was unplugged." << std::endl;
+    notice("The simulated reader was unplugged.");
     return reader->errors().empty() ? kDoneStatus : kFailedStatus;
 }
 

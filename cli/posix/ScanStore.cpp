@@ -2,13 +2,13 @@
 #include "cli/ScanStore.h"
 
 #include "cli/Interrupt.h"
+#include "cli/Notice.h"
 #include "cli/UsageError.h"
 #include "store/ReaderSetup.h"
 #include "store/StoreProblem.h"
 #include "store/StoringEvents.h"
 
 #include <chrono>
-#include <iostream>
 #include <thread>
 
 namespace kel {
@@ -30,17 +30,12 @@ bool pauseUnlessInterrupted(std::chrono::milliseconds pause)
     return !InterruptNote::came();
 }
 
-void tell(const std::string& sentence)
-{
-    std::cerr << "kelreader: " << sentence << std::endl;
-}
-
 } // namespace
 
 struct ScanStore::State {
     State(const StoreNames& names, host::Reader& reader, host::Events& output)
         : store(names.file, "'kelreader scan'"),
-          events(store, originOf(names), setupOf(reader), output, {.tell = &tell, .pause = &pauseUnlessInterrupted})
+          events(store, originOf(names), setupOf(reader), output, {.tell = &notice, .pause = &pauseUnlessInterrupted})
     {
     }
 

@@ -3,6 +3,7 @@
 #include "cli/Commands.h"
 #include "cli/EntryOutput.h"
 #include "cli/InterruptWatch.h"
+#include "cli/Notice.h"
 #include "cli/PictureFolder.h"
 #include "cli/UsageError.h"
 #include "host/TextOutput.h"
@@ -11,13 +12,11 @@
 #include "store/StoreWatch.h"
 #include "store/StoredSheets.h"
 
-#include <iostream>
-
 namespace kel {
 
 namespace {
 
-struct Arguments {
+struct SheetsArguments {
     std::string storeFile;
     std::string reader;
     std::string batch;
@@ -41,7 +40,7 @@ std::string timeNamed(const char* option, const std::string& text)
         "', which is not a time; write 2024-01-31 or \"2024-01-31 12:00\", with a Z after it for UTC.");
 }
 
-int forget(const Arguments& arguments)
+int forget(const SheetsArguments& arguments)
 {
     if (arguments.before.empty())
         throw host::UsageError("--forget needs --before T; it removes older sheets and reports for good.");
@@ -49,20 +48,18 @@ int forget(const Arguments& arguments)
     using Forget = StoredSheets::Forget;
     const auto forgotten =
         store.forget(timeNamed("--before", arguments.before), arguments.force ? Forget::All : Forget::SentAlone);
-    std::cerr << "kelreader: " << forgotten.sheets << (forgotten.sheets == 1 ? " sheet" : " sheets") << " forgotten."
-              << std::endl;
+    notice(std::to_string(forgotten.sheets) + (forgotten.sheets == 1 ? " sheet" : " sheets") + " forgotten.");
     if (forgotten.kept > 0)
-        std::cerr << "kelreader: " << forgotten.kept
-                  << (forgotten.kept == 1 ? " sheet or report stays" : " sheets and reports stay")
-                  << ": the stream does not have them yet. Let the station send them first, or use --force."
-                  << std::endl;
+        notice(std::to_string(forgotten.kept) +
+               (forgotten.kept == 1 ? " sheet or report stays" : " sheets and reports stay") +
+               ": the stream does not have them yet. Let the station send them first, or use --force.");
     return kDoneStatus;
 }
 
 /// Where the sheets of a store go.
 class StoreOutput {
 public:
-    explicit StoreOutput(const Arguments& arguments)
+    explicit StoreOutput(const SheetsArguments& arguments)
         : lines_(entryOutput(arguments.format, [this](const std::string& text) { output_.writeOrFail(text); }))
     {
         if (!arguments.pictureFolder.empty())
@@ -83,7 +80,7 @@ private:
     std::unique_ptr<EntryPictures> pictures_;
 };
 
-int show(const Arguments& arguments)
+int show(const SheetsArguments& arguments)
 {
     if (!arguments.before.empty())
         throw host::UsageError("--before goes with --forget.");
@@ -111,7 +108,7 @@ int show(const Arguments& arguments)
     return InterruptNote::came() ? kInterruptedStatus : kDoneStatus;
 }
 
-int run(const Arguments& arguments)
+int run(const SheetsArguments& arguments)
 {
     return arguments.forget ? forget(arguments) : show(arguments);
 }
@@ -120,7 +117,7 @@ int run(const Arguments& arguments)
 
 void addSheetsCommand(Commands& commands)
 {
-    const auto arguments = std::make_shared<Arguments>();
+    const auto arguments = std::make_shared<SheetsArguments>();
     CLI::App& command =
         commands.add("sheets", "Shows the sheets that a store holds", [arguments] { return run(*arguments); });
     command.add_option("store", arguments->storeFile, "Store that a scan or a station writes")

@@ -2,6 +2,7 @@
 #include "station/Station.h"
 #include "cli/CommandList.h"
 #include "cli/Commands.h"
+#include "cli/Notice.h"
 #include "cli/UsageError.h"
 #include "formats/JsonValue.h"
 #include "host/ReaderAdvice.h"
@@ -12,8 +13,6 @@
 #include "station/StationServers.h"
 
 #include <csignal>
-#include <iostream>
-#include <mutex>
 #include <poll.h>
 #include <sys/signalfd.h>
 
@@ -23,20 +22,12 @@ namespace {
 
 constexpr const char* kUsualFile = "/etc/kelreader/station.json";
 
-struct Arguments {
+struct StationArguments {
     std::string file = kUsualFile;
     bool check = false;
     bool state = false;
     std::string format;
 };
-
-/// To standard error, where a person or the journal of the system reads; from any thread.
-void tell(const std::string& sentence)
-{
-    static std::mutex mutex;
-    const std::lock_guard lock(mutex);
-    std::cerr << "kelreader: " << sentence << std::endl;
-}
 
 std::string adviceText(const host::Failure& failure)
 {
@@ -48,11 +39,11 @@ std::string adviceText(const host::Failure& failure)
 bool isSound(const StationFile& file, const std::string& name)
 {
     for (const std::string& fault : file.faults)
-        tell(name + ": " + fault);
+        notice(name + ": " + fault);
     return file.faults.empty();
 }
 
-int check(const Arguments& arguments)
+int check(const StationArguments& arguments)
 {
     const StationFile file = readStationFile(arguments.file);
     if (!isSound(file, arguments.file))
@@ -63,7 +54,7 @@ int check(const Arguments& arguments)
     return kDoneStatus;
 }
 
-int showState(const Arguments& arguments)
+int showState(const StationArguments& arguments)
 {
     const StationFile file = readStationFile(arguments.file);
     if (file.plan.socket.empty()) {
@@ -123,7 +114,7 @@ void readAgain(Station& station, const std::string& name)
     if (isSound(file, name))
         station.change(std::move(file.plan));
     else
-        tell("The station goes on unchanged; correct " + name + " and send SIGHUP again.");
+        notice("The station goes on unchanged; correct " + name + " and send SIGHUP again.");
     tellServiceManager("READY=1");
 }
 
@@ -149,7 +140,7 @@ void lookAfter(Station& station, const StationServers& servers, const StateSocke
     }
 }
 
-int runStation(const Arguments& arguments)
+int runStation(const StationArguments& arguments)
 {
     const Signals signals;
     StationFile file = readStationFile(arguments.file);
@@ -157,9 +148,9 @@ int runStation(const Arguments& arguments)
         return kUsageStatus;
     {
         StationPorts ports = takePorts(file.plan);
-        Station station(file.plan, &tell, &adviceText);
+        Station station(file.plan, &notice, &adviceText);
         const StateSocket socket(file.plan.socket);
-        const StationServers servers(std::move(ports), file.plan, station, &tell);
+        const StationServers servers(std::move(ports), file.plan, station, &notice);
         tellServiceManager("READY=1");
         lookAfter(station, servers, socket, signals, arguments.file);
         tellServiceManager("STOPPING=1");
@@ -168,7 +159,7 @@ int runStation(const Arguments& arguments)
     return kDoneStatus;
 }
 
-int run(const Arguments& arguments)
+int run(const StationArguments& arguments)
 {
     if (arguments.check)
         return check(arguments);
@@ -179,7 +170,7 @@ int run(const Arguments& arguments)
 
 void addStationCommand(Commands& commands)
 {
-    const auto arguments = std::make_shared<Arguments>();
+    const auto arguments = std::make_shared<StationArguments>();
     CLI::App& command = commands.add("station", "Reads with many readers at once and saves the sheets in a store",
                                      [arguments] { return run(*arguments); });
     command.add_option("file", arguments->file, "Station file (JSON): its store and its readers")
