@@ -14,6 +14,7 @@ namespace {
 
 constexpr int kWrongUsage = 2;
 constexpr DWORD kLongestName = 256;
+constexpr const char* kClasses = "Software\\Classes";
 
 void printKeysOf(HKEY parent, const std::string& path)
 {
@@ -41,7 +42,7 @@ int main(int argc, char** argv)
         return kWrongUsage;
     HKEY classes = nullptr;
     const HKEY root = hive == "HKLM" ? HKEY_LOCAL_MACHINE : HKEY_CURRENT_USER;
-    if (RegOpenKeyExA(root, "Software\\Classes", 0, KEY_READ, &classes) == ERROR_SUCCESS)
-        printKeysOf(classes, std::string(hive));
+    if (RegOpenKeyExA(root, kClasses, 0, KEY_READ, &classes) == ERROR_SUCCESS)
+        printKeysOf(classes, std::string(hive) + "\\" + kClasses);
     return 0;
 }
