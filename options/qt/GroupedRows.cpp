@@ -7,12 +7,9 @@ namespace kel {
 
 namespace {
 
-/// The heading above a row; empty for a row within its group.
-QString headingOf(const QModelIndex& index)
+QString headingAbove(const QModelIndex& index)
 {
-    const QString group = index.data(GroupedRows::kGroup).toString();
-    const QModelIndex above = index.siblingAtRow(index.row() - 1);
-    return above.isValid() && above.data(GroupedRows::kGroup).toString() == group ? QString() : group;
+    return index.data(GroupedRows::kHeading).toString();
 }
 
 int heightOf(const QStyleOptionViewItem& option)
@@ -24,7 +21,7 @@ int heightOf(const QStyleOptionViewItem& option)
 
 void GroupedRows::paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const
 {
-    const QString heading = headingOf(index);
+    const QString heading = headingAbove(index);
     QStyleOptionViewItem row = option;
     if (!heading.isEmpty()) {
         row.rect.setTop(option.rect.top() + heightOf(option));
@@ -47,7 +44,7 @@ void GroupedRows::paint(QPainter* painter, const QStyleOptionViewItem& option, c
 QSize GroupedRows::sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const
 {
     QSize size = QStyledItemDelegate::sizeHint(option, index);
-    if (!headingOf(index).isEmpty())
+    if (!headingAbove(index).isEmpty())
         size.rheight() += heightOf(option);
     return size;
 }

@@ -5,11 +5,11 @@
 
 namespace kel {
 
-/// Draws the rows of an open list, the first of each group below a heading.
+/// Draws the rows of an open list, some of them below a heading.
 class GroupedRows final : public QStyledItemDelegate {
 public:
-    /// What a row stands under.
-    static constexpr int kGroup = Qt::UserRole;
+    /// What stands above a row; empty for most.
+    static constexpr int kHeading = Qt::UserRole;
 
     using QStyledItemDelegate::QStyledItemDelegate;
 

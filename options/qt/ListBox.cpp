@@ -72,7 +72,7 @@ void ListBox::setRow(int at, const Row& row)
 {
     insertItem(at, row.text);
     setItemData(at, row.reason, Qt::ToolTipRole);
-    setItemData(at, row.group, GroupedRows::kGroup);
+    setItemData(at, row.heading, GroupedRows::kHeading);
     if (row.isGrey)
         dynamic_cast<QStandardItemModel&>(*model()).item(at)->setFlags(Qt::NoItemFlags);
 }
@@ -82,7 +82,7 @@ void ListBox::takeRows(const std::vector<Row>& rows)
     const auto stands = [&](const Row& row, int at) {
         return at < count() && itemText(at) == row.text && isGrey(at) == row.isGrey &&
                itemData(at, Qt::ToolTipRole).toString() == row.reason &&
-               itemData(at, GroupedRows::kGroup).toString() == row.group;
+               itemData(at, GroupedRows::kHeading).toString() == row.heading;
     };
     const auto isWantedLater = [&](std::size_t from, int at) {
         return std::any_of(rows.begin() + static_cast<std::ptrdiff_t>(from), rows.end(),

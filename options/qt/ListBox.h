@@ -17,7 +17,7 @@ public:
     /// A line of the list; one that cannot be chosen is grey, and has a reason.
     struct Row {
         QString text;
-        QString group{}; ///< what it stands under when the list is open
+        QString heading{}; ///< what stands above it when the list is open
         QString reason{};
         bool isGrey = false;
     };

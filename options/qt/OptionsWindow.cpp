@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "options/qt/OptionsWindow.h"
 
+#include "options/ListLines.h"
 #include "options/qt/FieldAccess.h"
 #include "options/qt/PortTools.h"
 
@@ -55,10 +56,8 @@ public:
 std::vector<ListBox::Row> rowsOf(const PowerCombo& list)
 {
     std::vector<ListBox::Row> rows;
-    for (Int32 row = 0; row < list.RowCount(); ++row) {
-        const QString remark = text(list.Remark(row));
-        rows.push_back({text(list.CellText(0, row)) + (remark.isEmpty() ? "" : " – " + remark), text(list.Group(row))});
-    }
+    for (Int32 row = 0; row < list.RowCount(); ++row)
+        rows.push_back({text(lineOf(list, row)), text(headingOf(list, row))});
     for (const PowerCombo::Line& line : list.Unavailable())
         rows.push_back({text(line.text), {}, text(line.reason), true});
     return rows;

@@ -31,6 +31,7 @@ public:
     [[nodiscard]] double TextWidth(const std::string& text, const Font& font) override;
 
     [[nodiscard]] HFONT text() const noexcept { return text_; }
+    [[nodiscard]] HFONT bold() const noexcept { return bold_; }
     [[nodiscard]] HFONT title() const noexcept { return title_; }
     [[nodiscard]] DialogMetrics metrics() const;
 

@@ -6,42 +6,10 @@
 #include "platform/windows/ComponentInstance.h"
 #include "platform/windows/WindowsText.h"
 
-#include <algorithm>
 #include <commctrl.h>
 #include <utility>
 
 namespace kel {
-
-namespace {
-
-std::wstring rowText(HWND list, int row)
-{
-    const LRESULT length = ::SendMessageW(list, CB_GETLBTEXTLEN, static_cast<WPARAM>(row), 0);
-    if (length < 0)
-        return {};
-    std::wstring text(static_cast<std::size_t>(length) + 1, L'\0');
-    ::SendMessageW(list, CB_GETLBTEXT, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(text.data()));
-    text.pop_back();
-    return text;
-}
-
-/// Gives a list the lines of the model. Those that are there already stay: it may be open.
-void takeLines(HWND window, const std::vector<std::wstring>& lines)
-{
-    const auto count = [window] { return static_cast<std::size_t>(::SendMessageW(window, CB_GETCOUNT, 0, 0)); };
-    const auto stands = [&](std::size_t at) { return rowText(window, static_cast<int>(at)); };
-    for (std::size_t at = 0; at < lines.size(); ++at) {
-        while (at < count() &&
-               std::find(lines.begin() + static_cast<std::ptrdiff_t>(at), lines.end(), stands(at)) == lines.end())
-            ::SendMessageW(window, CB_DELETESTRING, at, 0);
-        if (at >= count() || stands(at) != lines[at])
-            ::SendMessageW(window, CB_INSERTSTRING, at, reinterpret_cast<LPARAM>(lines[at].c_str()));
-    }
-    while (count() > lines.size())
-        ::SendMessageW(window, CB_DELETESTRING, count() - 1, 0);
-}
-
-} // namespace
 
 void OptionsDialogWindow::createControls()
 {
@@ -106,23 +74,6 @@ void OptionsDialogWindow::create(PowerButton& button, bool isDefault)
     shown_.back().refresh = [&button, window] { showText(window, button.Caption()); };
 }
 
-/// Drawn here, for what stands in the field while no row is selected.
-void OptionsDialogWindow::create(PowerCombo& list)
-{
-    const HWND window =
-        create(list, L"COMBOBOX", CBS_DROPDOWNLIST | CBS_OWNERDRAWFIXED | CBS_HASSTRINGS | WS_VSCROLL | WS_TABSTOP);
-    ::SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
-    list_ = reinterpret_cast<WNDPROC>(
-        ::SetWindowLongPtrW(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&listProcedure)));
-    shown_.back().refresh = [&list, window] {
-        takeLines(window, linesOf(list));
-        if (::SendMessageW(window, CB_GETCURSEL, 0, 0) != list.CurrentRow())
-            ::SendMessageW(window, CB_SETCURSEL, static_cast<WPARAM>(list.CurrentRow()), 0);
-        if (list.CurrentRow() < 0)
-            ::SendMessageW(window, CB_SETTOPINDEX, static_cast<WPARAM>(list.TopRow()), 0);
-    };
-}
-
 void OptionsDialogWindow::create(PowerEdit& edit)
 {
     const HWND field = create(edit, L"EDIT", ES_RIGHT | ES_AUTOHSCROLL | WS_TABSTOP, WS_EX_CLIENTEDGE);
@@ -146,36 +97,6 @@ void OptionsDialogWindow::draw(const DRAWITEMSTRUCT& item)
         drawReset(item);
     else
         drawList(item);
-}
-
-void OptionsDialogWindow::drawList(const DRAWITEMSTRUCT& item)
-{
-    const Shown* found = shown(static_cast<int>(item.CtlID));
-    const auto* list = found ? dynamic_cast<const PowerCombo*>(found->control) : nullptr;
-    if (!list)
-        return;
-    const bool isRow = item.itemID != static_cast<UINT>(-1);
-    const bool isSelected = (item.itemState & ODS_SELECTED) != 0;
-    const bool isGrey =
-        !isRow || static_cast<Int32>(item.itemID) >= list->RowCount() || (item.itemState & ODS_DISABLED) != 0;
-    const std::wstring text = isRow ? rowText(item.hwndItem, static_cast<int>(item.itemID)) : wideText(list->Prompt());
-    ::FillRect(item.hDC, &item.rcItem, ::GetSysColorBrush(isSelected ? COLOR_HIGHLIGHT : COLOR_WINDOW));
-    // Each group but the first begins with a line, in the open list.
-    const auto row = static_cast<Int32>(item.itemID);
-    if (isRow && row > 0 && (item.itemState & ODS_COMBOBOXEDIT) == 0 && list->Group(row) != list->Group(row - 1)) {
-        RECT line = item.rcItem;
-        line.bottom = line.top + 1;
-        ::FillRect(item.hDC, &line, ::GetSysColorBrush(COLOR_3DSHADOW));
-    }
-    ::SetBkMode(item.hDC, TRANSPARENT);
-    const int foreground = isSelected ? COLOR_HIGHLIGHTTEXT : COLOR_WINDOWTEXT;
-    ::SetTextColor(item.hDC, ::GetSysColor(isGrey && !isSelected ? COLOR_GRAYTEXT : foreground));
-    RECT inside = item.rcItem;
-    inside.left += 3;
-    ::DrawTextW(item.hDC, text.c_str(), static_cast<int>(text.size()), &inside,
-                DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX | DT_END_ELLIPSIS);
-    if ((item.itemState & ODS_FOCUS) != 0 && (item.itemState & ODS_NOFOCUSRECT) == 0)
-        ::DrawFocusRect(item.hDC, &item.rcItem);
 }
 
 } // namespace kel

@@ -15,9 +15,6 @@ namespace {
 constexpr double kSmallestLetters = 0.6;
 constexpr double kLargestStep = 0.97;
 
-/// How many rows a list shows at a time.
-constexpr int kRowsInView = 20;
-
 /// Puts a control in its place, without painting. True if it stood elsewhere.
 bool takePlace(HWND window, const RECT& place)
 {
@@ -160,8 +157,8 @@ bool OptionsDialogWindow::arrange()
             moved |= takePlace(number->spinner(),
                                {left + fieldWidth, top, left + fieldWidth + spinnerWidth, top + fieldHeight});
         }
-        if (dynamic_cast<const PowerCombo*>(each.control))
-            moved |= placeList(each.window, {left, top, left + fieldWidth, top + fieldHeight});
+        if (const auto* list = dynamic_cast<const PowerCombo*>(each.control))
+            moved |= placeList(each.window, *list, {left, top, left + fieldWidth, top + fieldHeight});
         else
             moved |= takePlace(each.window, {left, top, left + fieldWidth, top + fieldHeight});
     }
@@ -180,24 +177,6 @@ bool OptionsDialogWindow::arrange()
     for (const Reset& reset : resets_)
         put(reset.window, layout_.resets.at(reset.control));
     return moved;
-}
-
-/// A list has the height of its row. What is set beyond that is the height to which it drops down, which the system
-/// does not give back; setting it closes an open list.
-bool OptionsDialogWindow::placeList(HWND list, const RECT& place)
-{
-    const auto row = static_cast<LPARAM>(fonts_.pixels(fonts_.metrics().line * 1.25));
-    RECT now{};
-    ::GetWindowRect(list, &now);
-    ::MapWindowPoints(nullptr, window_, reinterpret_cast<POINT*>(&now), 2);
-    if (::SendMessageW(list, CB_GETITEMHEIGHT, 0, 0) == row && now.left == place.left && now.top == place.top &&
-        now.right == place.right)
-        return false;
-    ::SendMessageW(list, CB_SETITEMHEIGHT, static_cast<WPARAM>(-1), row);
-    ::SendMessageW(list, CB_SETITEMHEIGHT, 0, row);
-    ::MoveWindow(list, place.left, place.top, place.right - place.left,
-                 place.bottom - place.top + static_cast<int>(row) * kRowsInView, FALSE);
-    return true;
 }
 
 } // namespace kel

@@ -94,7 +94,9 @@ private:
     void turn();
     [[nodiscard]] bool canBeWorked(const Control& control) const;
     [[nodiscard]] bool arrange();
-    [[nodiscard]] bool placeList(HWND list, const RECT& place);
+    [[nodiscard]] bool placeList(HWND window, const PowerCombo& list, const RECT& place);
+    [[nodiscard]] bool takeRowHeights(HWND window, const PowerCombo& list) const;
+    [[nodiscard]] int rowHeight() const;
     void act(const Action& what);
 
     void command(int number, int notice);
@@ -110,10 +112,13 @@ private:
     void testReader();
     [[nodiscard]] bool clickTool(int number);
     static LRESULT CALLBACK listProcedure(HWND list, UINT message, WPARAM first, LPARAM second);
+    static LRESULT CALLBACK openListProcedure(HWND list, UINT message, WPARAM first, LPARAM second);
     [[nodiscard]] bool type(HWND window, wchar_t letter);
+    [[nodiscard]] bool isOnHeading(HWND list, LPARAM point) const;
     [[nodiscard]] bool spin(const NMHDR& notice);
     void draw(const DRAWITEMSTRUCT& item);
     void drawList(const DRAWITEMSTRUCT& item);
+    void drawHeading(HDC screen, const RECT& place, const std::wstring& text) const;
     void paintBackground(HDC screen);
     [[nodiscard]] bool isOnHeader(HWND window) const;
     [[nodiscard]] const Reset* resetOf(HWND window) const;
@@ -145,6 +150,7 @@ private:
     HWND help_ = nullptr;
     std::map<HWND, std::wstring> explanations_; // as the tool tips have them
     WNDPROC list_ = nullptr;                    // of the lists themselves
+    WNDPROC openList_ = nullptr;                // of that of the models, when it is open
     std::wstring typed_;                        // into a list
     DWORD typedAt_ = 0;
     DialogLayout layout_;

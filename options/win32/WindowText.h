@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "options/Controls.h"
+#include "options/ListLines.h"
 #include "platform/windows/WindowsText.h"
 
 #include <string>
@@ -44,10 +44,8 @@ inline bool takeState(HWND window, bool seen, bool enabled)
 inline std::vector<std::wstring> linesOf(const PowerCombo& list)
 {
     std::vector<std::wstring> lines;
-    for (Int32 row = 0; row < list.RowCount(); ++row) {
-        const std::string remark = list.Remark(row);
-        lines.push_back(wideText(list.CellText(0, row) + (remark.empty() ? "" : " – " + remark)));
-    }
+    for (Int32 row = 0; row < list.RowCount(); ++row)
+        lines.push_back(wideText(lineOf(list, row)));
     for (const PowerCombo::Line& line : list.Unavailable())
         lines.push_back(wideText(line.text));
     return lines;

@@ -125,11 +125,13 @@ TEST(OptionsAidsTest, TheModelsStandUnderTheirMakers)
         auto& models = window.get<QComboBox>("cboReaderType");
         std::vector<std::string> makers;
         for (int row = 0; row < models.count(); ++row) {
-            const std::string maker = models.itemData(row, GroupedRows::kGroup).toString().toStdString();
-            if (makers.empty() || makers.back() != maker)
-                makers.push_back(maker);
+            const QString maker = models.itemData(row, GroupedRows::kHeading).toString();
+            if (maker.isEmpty())
+                continue;
+            EXPECT_TRUE(models.itemText(row).startsWith(maker)) << row;
+            makers.push_back(maker.toStdString());
         }
-        EXPECT_EQ(makers, (std::vector<std::string>{"", "Apperson", "Chatsworth Data", "Peripheral Dynamics Inc.",
+        EXPECT_EQ(makers, (std::vector<std::string>{"Apperson", "Chatsworth Data", "Peripheral Dynamics Inc.",
                                                     "Scantron", "Sekonic"}));
         models.showPopup();
         const auto height = [&](int row) { return models.view()->sizeHintForRow(row); };

@@ -126,11 +126,15 @@ TEST_F(OptionsDialogScreenshots, OpenLists)
         for (const char* const name :
              {"cboReaderType", "cboPort", "cboBaud", "cboDataBits", "cboParity", "cboStopBits", "cboFlowControl"}) {
             const HWND list = user.control(number(name));
+            const LRESULT chosen = ::SendMessageW(list, CB_GETCURSEL, 0, 0);
             user.enter(number(name));
             ::SendMessageW(list, CB_SHOWDROPDOWN, TRUE, 0);
             COMBOBOXINFO parts{};
             parts.cbSize = sizeof parts;
             ASSERT_TRUE(::GetComboBoxInfo(list, &parts));
+            user.waitUntilPainted(parts.hwndList);
+            // A display that has just begun has its mouse in the middle, and the list has the row beneath it.
+            ::SendMessageW(list, CB_SETCURSEL, static_cast<WPARAM>(chosen), 0);
             user.waitUntilPainted(parts.hwndList);
             Screenshot::of(parts.hwndList).save(name);
             ::SendMessageW(list, CB_SHOWDROPDOWN, FALSE, 0);
