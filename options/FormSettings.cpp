@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "options/FormSettings.h"
 
+#include "options/CaptionText.h"
 #include "options/ListSelection.h"
 #include "options/frmOptions.h"
 #include "profiles/clsKELReaderProfile.h"
@@ -115,17 +116,6 @@ std::string FormSettings::shown(const Setting& setting, const std::string& cell)
     return Trim(seen).empty() ? VBLM_RTString(text::kHelpNone) : seen;
 }
 
-/// A caption without its access key and without the colon of a label.
-std::string FormSettings::name(const Control& caption) const
-{
-    std::string plain = replaceAll(replaceAll(replaceAll(caption.Caption(), "&&", "\x01"), "&", ""), "\x01", "&");
-    for (const std::string_view ending : {":", "\u00a0", " "}) {
-        if (plain.ends_with(ending))
-            plain.resize(plain.size() - ending.size());
-    }
-    return plain;
-}
-
 std::string FormSettings::standardOf(const Setting& setting) const
 {
     const auto profile = form_.reader().Profiles()->Item(selectedValue(form_.cboReaderType));
@@ -212,7 +202,7 @@ std::string FormSettings::unsought() const
             isValue(setting, setting.own(reader)))
             continue;
         std::string line = VBLM_RTString(text::kUnsoughtChange);
-        line = replaceAll(line, "%1", name(*setting.caption));
+        line = replaceAll(line, "%1", plainCaption(setting.caption->Caption()));
         const bool isModel = setting.control == model.control;
         line = replaceAll(line, "%2", isModel ? reader.ReaderName() : shown(setting, setting.own(reader)));
         lines += "\n" + replaceAll(line, "%3", shown(setting, value(setting)));
@@ -226,7 +216,7 @@ std::string FormSettings::corrected(const PowerEdit& field, const std::string& t
     if (!setting || !field.Number() || *field.Number() == Val(typed) || Trim(typed).empty())
         return {};
     std::string sentence = VBLM_RTString(text::kNumberCorrected);
-    sentence = replaceAll(sentence, "%1", name(*setting->caption));
+    sentence = replaceAll(sentence, "%1", plainCaption(setting->caption->Caption()));
     sentence = replaceAll(sentence, "%2", Trim(typed));
     return replaceAll(sentence, "%3", field.Text());
 }

@@ -60,7 +60,6 @@ private:
     [[nodiscard]] std::string value(const Setting& setting) const;
     [[nodiscard]] bool isValue(const Setting& setting, const std::string& text) const;
     [[nodiscard]] std::string shown(const Setting& setting, const std::string& text) const;
-    [[nodiscard]] std::string name(const Control& caption) const;
     [[nodiscard]] bool isModelChosen() const;
     [[nodiscard]] std::string standardOf(const Setting& setting) const;
 

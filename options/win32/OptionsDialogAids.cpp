@@ -84,6 +84,7 @@ bool OptionsDialogWindow::refreshAids()
     widenOpenPorts();
     isNew |= refreshResets();
     refreshExplanations();
+    refreshAnnotations();
     return isNew;
 }
 

@@ -70,7 +70,9 @@ void OptionsDialogWindow::create(CheckBox& box)
 
 void OptionsDialogWindow::create(PowerButton& button, bool isDefault)
 {
-    const HWND window = create(button, L"BUTTON", DWORD{WS_TABSTOP} | (isDefault ? BS_DEFPUSHBUTTON : BS_PUSHBUTTON));
+    // The arrow keys go about in a group: the buttons at the bottom are one.
+    const DWORD group = &button == &form_.cmdDefaults ? WS_GROUP : 0;
+    const HWND window = create(button, L"BUTTON", group | WS_TABSTOP | (isDefault ? BS_DEFPUSHBUTTON : BS_PUSHBUTTON));
     shown_.back().refresh = [&button, window] { showText(window, button.Caption()); };
 }
 
@@ -87,7 +89,7 @@ void OptionsDialogWindow::create(PowerEdit& edit)
 
 void OptionsDialogWindow::create(Frame& frame)
 {
-    const HWND window = create(frame, L"BUTTON", BS_GROUPBOX);
+    const HWND window = create(frame, L"BUTTON", BS_GROUPBOX | WS_GROUP);
     shown_.back().refresh = [&frame, window] { showText(window, frame.Caption()); };
 }
 

@@ -74,7 +74,8 @@ bool OptionsDialogWindow::refreshResets()
         if (!differs)
             continue;
         const std::string caption = form_.Aids().resetCaption(*reset.control);
-        isNew |= showText(reset.window, caption); // for those who have the screen read to them
+        // Not seen, but read to those who need that: it says which setting it is for.
+        isNew |= showText(reset.window, nameOf(*reset.control) + ": " + caption);
         explain(reset.window, caption);
     }
     return isNew;

@@ -154,6 +154,7 @@ INT_PTR OptionsDialogWindow::handle(UINT message, WPARAM first, LPARAM second)
     case kNoNumber: returnTo(reinterpret_cast<HWND>(second)); return TRUE;
     case WM_DESTROY:
         keepPlace();
+        annotations_.takeBack();
         // Its controls live a little longer than this; their fields do not.
         numbers_.clear();
         window_ = nullptr;

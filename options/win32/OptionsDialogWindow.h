@@ -3,6 +3,7 @@
 
 #include "options/WindowPlace.h"
 #include "options/frmOptions.h"
+#include "options/win32/Annotations.h"
 #include "options/win32/DialogFonts.h"
 #include "options/win32/DialogScreen.h"
 #include "options/win32/NumberEdit.h"
@@ -89,6 +90,8 @@ private:
     [[nodiscard]] bool refreshAids();
     [[nodiscard]] bool refreshResets();
     void refreshExplanations();
+    void refreshAnnotations();
+    [[nodiscard]] std::string nameOf(const Control& setting) const;
     void widenOpenPorts();
     void explain(HWND window, const std::string& text);
     void turn();
@@ -149,9 +152,10 @@ private:
     HWND toolTips_ = nullptr;
     HWND help_ = nullptr;
     std::map<HWND, std::wstring> explanations_; // as the tool tips have them
-    WNDPROC list_ = nullptr;                    // of the lists themselves
-    WNDPROC openList_ = nullptr;                // of that of the models, when it is open
-    std::wstring typed_;                        // into a list
+    Annotations annotations_;
+    WNDPROC list_ = nullptr;     // of the lists themselves
+    WNDPROC openList_ = nullptr; // of that of the models, when it is open
+    std::wstring typed_;         // into a list
     DWORD typedAt_ = 0;
     DialogLayout layout_;
     bool refreshing_ = false;

@@ -14,6 +14,7 @@ KEPT = HERE / "options/kept"
 COMPARE = HERE.parent / "options/screenshots.py"
 
 LOOKS = "*.FirstShown:*.NoTextIsCutOff*:*.EveryAccessKey*"
+IN_EACH_LANGUAGE = LOOKS + ":OptionsDialogAccess.*-*.TheTabKey*"
 OTHER_LANGUAGES = ("German", "French", "Spanish")
 FINE = (144, 192)  # dots per inch
 DESKTOP = r"HKCU\Control Panel\Desktop"
@@ -53,7 +54,7 @@ class Dialog(WindowsTest):
     def test_other_languages(self):
         for language in OTHER_LANGUAGES:
             with self.subTest(language):
-                self.run_tests(language, LOOKS, language)
+                self.run_tests(language, IN_EACH_LANGUAGE, language)
 
     def test_fine_screens(self):
         for number in FINE:

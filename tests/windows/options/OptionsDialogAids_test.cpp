@@ -123,7 +123,7 @@ TEST_F(OptionsDialogAids, AButtonBringsBackTheDefaultOfTheModel)
             texts.push_back(user.text(pause));
         };
         look();
-        EXPECT_EQ(user.text(button), L"Reset to the model's default: 50");
+        EXPECT_EQ(user.text(button), L"System pause (ms): Reset to the model's default: 50");
         user.waitUntilPainted();
         Screenshot::of(user.dialog).save("reset");
         user.click(button);
