@@ -126,8 +126,10 @@ void OptionsDialogWindow::assignPort()
     }
     RECT button{};
     ::GetWindowRect(assignPort_, &button);
+    const bool isMirrored = (::GetWindowLongW(window_, GWL_EXSTYLE) & WS_EX_LAYOUTRTL) != 0;
     const auto chosen = static_cast<std::size_t>(
-        ::TrackPopupMenu(menu.handle(), TPM_RETURNCMD | TPM_NONOTIFY, button.left, button.bottom, 0, window_, nullptr));
+        ::TrackPopupMenu(menu.handle(), TPM_RETURNCMD | TPM_NONOTIFY | (isMirrored ? TPM_LAYOUTRTL : 0U),
+                         isMirrored ? button.right : button.left, button.bottom, 0, window_, nullptr));
     if (chosen == 0)
         return;
     const std::size_t at = chosen - 1;

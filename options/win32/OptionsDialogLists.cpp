@@ -145,6 +145,8 @@ void OptionsDialogWindow::drawList(const DRAWITEMSTRUCT& item)
     const bool isSelected = (item.itemState & ODS_SELECTED) != 0;
     const bool isGrey = row < 0 || row >= list->RowCount() || (item.itemState & ODS_DISABLED) != 0;
     const std::wstring text = row < 0 ? wideText(list->Prompt()) : rowText(item.hwndItem, row);
+    // Wine clips the field of a mirrored list as if it were not mirrored.
+    ::SelectClipRgn(item.hDC, nullptr);
     RECT place = item.rcItem;
     const std::string heading = headingOf(*list, row);
     if (!heading.empty() && (item.itemState & ODS_COMBOBOXEDIT) == 0) {

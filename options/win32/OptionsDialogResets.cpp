@@ -5,6 +5,7 @@
 #include "options/win32/WindowText.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace kel {
@@ -16,6 +17,7 @@ constexpr double kPi = 3.14159265358979323846;
 /// The arrow goes anticlockwise, from the first of these angles to the second.
 constexpr double kFrom = -kPi / 4;
 constexpr double kTo = kPi * 5 / 4;
+constexpr int kCorners = 33;
 
 /// A point of a circle; angles run anticlockwise from the right.
 POINT onCircle(POINT centre, double radius, double angle)
@@ -23,21 +25,23 @@ POINT onCircle(POINT centre, double radius, double angle)
     return {centre.x + std::lround(radius * std::cos(angle)), centre.y - std::lround(radius * std::sin(angle))};
 }
 
-/// An arrow that turns back, in the colour of texts: no typeface is sure to have one.
+/// An arrow that turns back, in the colour of texts there: no typeface is sure to have one.
 void drawArrow(HDC screen, const RECT& place)
 {
     const POINT centre{(place.left + place.right) / 2, (place.top + place.bottom) / 2};
     const double radius = static_cast<double>(std::min(place.right - place.left, place.bottom - place.top)) / 4;
-    const COLORREF colour = ::GetSysColor(COLOR_WINDOWTEXT);
+    const COLORREF colour = ::GetSysColor(COLOR_BTNTEXT);
     const HPEN pen = ::CreatePen(PS_SOLID, std::max(1, static_cast<int>(std::lround(radius / 3))), colour);
     const HBRUSH brush = ::CreateSolidBrush(colour);
     const HGDIOBJ penBefore = ::SelectObject(screen, pen);
     const HGDIOBJ brushBefore = ::SelectObject(screen, brush);
-    const auto size = static_cast<LONG>(std::lround(radius));
-    const POINT from = onCircle(centre, radius, kFrom);
-    const POINT to = onCircle(centre, radius, kTo);
-    ::Arc(screen, centre.x - size, centre.y - size, centre.x + size + 1, centre.y + size + 1, from.x, from.y, to.x,
-          to.y);
+    // Not an arc of the system's: in a mirrored window it would run the other way round.
+    std::array<POINT, kCorners> arc{};
+    for (std::size_t corner = 0; corner < arc.size(); ++corner)
+        arc[corner] =
+            onCircle(centre, radius + 0.5, kFrom + (kTo - kFrom) * static_cast<double>(corner) / (kCorners - 1));
+    ::Polyline(screen, arc.data(), kCorners);
+    const POINT to = arc.back();
     const double head = radius * 0.6;
     const POINT tip = onCircle(to, head, kTo + kPi / 2);
     const POINT sides[] = {tip, onCircle(to, head, kTo), onCircle(to, head, kTo + kPi)};

@@ -26,6 +26,14 @@ struct alignas(DWORD) EmptyDialog {
     WORD title = 0;
 };
 
+/// Whether the host has its windows from right to left. A dialog does not take that from its owner by itself.
+bool isMirrored(HWND owner)
+{
+    DWORD layout = 0;
+    const bool all = ::GetProcessDefaultLayout(&layout) && (layout & LAYOUT_RTL) != 0;
+    return all || (owner && (::GetWindowLongW(owner, GWL_EXSTYLE) & WS_EX_LAYOUTRTL) != 0);
+}
+
 } // namespace
 
 OptionsDialogWindow::OptionsDialogWindow(frmOptions& form, DialogScreen& screen, WindowPlace& place)
@@ -52,7 +60,8 @@ bool OptionsDialogWindow::run(HWND owner)
     EmptyDialog dialog;
     // Without WS_CLIPCHILDREN: the inside of a group box shows the dialog's own background.
     dialog.head.style = WS_POPUP | WS_CAPTION | WS_SYSMENU | DS_MODALFRAME;
-    dialog.head.dwExtendedStyle = WS_EX_CONTROLPARENT | WS_EX_CONTEXTHELP;
+    dialog.head.dwExtendedStyle =
+        WS_EX_CONTROLPARENT | WS_EX_CONTEXTHELP | (isMirrored(owner) ? WS_EX_LAYOUTRTL : DWORD{0});
     const INT_PTR result = [&] {
         // The loop is the host's as much as ours.
         const HostCode host;
@@ -145,6 +154,8 @@ INT_PTR OptionsDialogWindow::handle(UINT message, WPARAM first, LPARAM second)
         ::SetWindowLongPtrW(window_, DWLP_MSGRESULT, TRUE);
         return TRUE;
     case WM_SETFONT: takeFont(reinterpret_cast<HFONT>(first)); return TRUE;
+    case WM_SYSCOLORCHANGE: passOn(message); [[fallthrough]];
+    case WM_THEMECHANGED: paintAnew(); return TRUE;
     case WM_DPICHANGED: goToScreen(LOWORD(first), *reinterpret_cast<const RECT*>(second)); return TRUE;
     case WM_HELP: openHelp(static_cast<HWND>(reinterpret_cast<const HELPINFO*>(second)->hItemHandle)); return TRUE;
     case WM_ACTIVATE:
@@ -205,7 +216,7 @@ void OptionsDialogWindow::refresh()
     isNew |= arrange();
     // The controls lie over one another while they change places; only all of them together are right.
     if (isNew)
-        ::RedrawWindow(window_, nullptr, nullptr, RDW_ERASE | RDW_INVALIDATE | RDW_ALLCHILDREN);
+        paintAnew();
     refreshing_ = false;
 }
 
@@ -213,6 +224,21 @@ void OptionsDialogWindow::refresh()
 bool OptionsDialogWindow::canBeWorked(const Control& control) const
 {
     return control.Enabled() != False && !(&control == &form_.cmdLocate && form_.Aids().usesPorts());
+}
+
+/// The user may change to dark colours or to high contrast at any time. The system tells the dialog alone, and some of
+/// its controls keep colours.
+void OptionsDialogWindow::passOn(UINT message) const
+{
+    for (HWND each = ::GetWindow(window_, GW_CHILD); each; each = ::GetWindow(each, GW_HWNDNEXT))
+        ::SendMessageW(each, message, 0, 0);
+    for (const HWND tips : {toolTips_, help_})
+        ::SendMessageW(tips, message, 0, 0);
+}
+
+void OptionsDialogWindow::paintAnew() const
+{
+    ::RedrawWindow(window_, nullptr, nullptr, RDW_ERASE | RDW_INVALIDATE | RDW_ALLCHILDREN);
 }
 
 void OptionsDialogWindow::paintBackground(HDC screen)
@@ -225,7 +251,7 @@ void OptionsDialogWindow::paintBackground(HDC screen)
     rest.top = band.bottom;
     ::FillRect(screen, &band, ::GetSysColorBrush(COLOR_WINDOW));
     ::FillRect(screen, &rest, ::GetSysColorBrush(COLOR_3DFACE));
-    const int below = fonts_.pixels(layout_.bottomLine);
+    const int below = fonts_.pixels(layout_.bottomLine) - 1; // the notice begins right below it
     for (RECT line : {RECT{0, band.bottom, all.right, band.bottom + 2}, RECT{0, below, all.right, below + 2}})
         ::DrawEdge(screen, &line, EDGE_ETCHED, BF_TOP);
 }

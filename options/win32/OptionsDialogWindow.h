@@ -123,6 +123,8 @@ private:
     void drawList(const DRAWITEMSTRUCT& item);
     void drawHeading(HDC screen, const RECT& place, const std::wstring& text) const;
     void paintBackground(HDC screen);
+    void passOn(UINT message) const;
+    void paintAnew() const;
     [[nodiscard]] bool isOnHeader(HWND window) const;
     [[nodiscard]] const Reset* resetOf(HWND window) const;
     static void drawReset(const DRAWITEMSTRUCT& item);

@@ -85,7 +85,7 @@ protected:
 
     /// Shows the options while the actions of the user run.
     template <class Actions>
-    Boolean show(Actions actions)
+    Boolean show(Actions actions, HWND owner = nullptr)
     {
         std::thread user([&] {
             const OtherProgram other;
@@ -94,7 +94,7 @@ protected:
             if (::IsWindow(other.dialog))
                 ::PostMessageW(other.dialog, WM_CLOSE, 0, 0);
         });
-        const Boolean result = reader.ShowOptions();
+        const Boolean result = reader.ShowOptions(owner);
         user.join();
         return result;
     }

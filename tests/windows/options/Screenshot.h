@@ -32,6 +32,7 @@ struct Screenshot {
         BITMAPINFO shape{};
         shape.bmiHeader = {sizeof shape.bmiHeader, result.width, -result.height, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
         const HDC from = ::GetDC(window);
+        ::SetLayout(from, 0); // as it stands on the screen, mirrored or not
         const HDC to = ::CreateCompatibleDC(from);
         void* bits = nullptr;
         const HBITMAP copy = ::CreateDIBSection(to, &shape, DIB_RGB_COLORS, &bits, nullptr, 0);
