@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "options/Decision.h"
 #include "options/WindowPlace.h"
 #include "options/frmOptions.h"
 #include "options/qt/ListBox.h"
@@ -25,7 +26,7 @@ namespace kel {
 /// The options form as a window. Each control of the form is a widget of the same name; the layout is Qt's own, so
 /// that every text has its room in any language and at any size of type. On a small screen what is between the title
 /// and the buttons is scrolled.
-class OptionsWindow final : public QDialog {
+class OptionsWindow final : public QDialog, private DecisionView {
 public:
     OptionsWindow(frmOptions& form, WindowPlace& place, QWidget* parent);
     ~OptionsWindow() override;
@@ -65,8 +66,12 @@ private:
 
     void act(const std::function<void()>& what);
     void click(PowerButton& button);
-    [[nodiscard]] bool leaves(NumberField& field, bool isOk);
-    [[nodiscard]] bool mayBeSaved();
+    [[nodiscard]] NumberField* numberField() const;
+    [[nodiscard]] const PowerEdit* focusedField() override;
+    [[nodiscard]] bool leaveField() override;
+    void showCorrection(const std::string& sentence) override;
+    void showForm() override { refresh(); }
+    [[nodiscard]] bool allows(const std::string& changes) override;
     void notify(const std::string& sentence);
     void explain(Control& control, QWidget& widget);
     void explainFocus();

@@ -85,37 +85,36 @@ QLabel* OptionsWindow::noModel()
 
 void OptionsWindow::click(PowerButton& button)
 {
-    const bool isOk = &button == &form_.cmdOK;
-    // The default button works while a field still has the focus.
-    auto* const field = dynamic_cast<NumberField*>(focusWidget());
-    if (field && &button != &form_.cmdCancel && !leaves(*field, isOk))
-        return;
-    if (isOk && !mayBeSaved())
-        return;
-    act([&button] { button.Click(); });
+    if (mayWork(form_, button, *this))
+        act([&button] { button.Click(); });
 }
 
-/// Whether what is in a field may be saved at once. A number that was put right is shown first.
-bool OptionsWindow::leaves(NumberField& field, bool isOk)
+NumberField* OptionsWindow::numberField() const
 {
-    const std::string typed = field.edit().Text();
-    if (!field.leave())
-        return false;
-    const std::string corrected = isOk ? form_.Aids().corrected(field.edit(), typed) : std::string();
-    if (corrected.empty())
-        return true;
-    notify(corrected);
-    field.selectAll();
-    return false;
+    return dynamic_cast<NumberField*>(focusWidget());
 }
 
-/// Asks about what would change although nobody has touched it.
-bool OptionsWindow::mayBeSaved()
+const PowerEdit* OptionsWindow::focusedField()
 {
-    const std::string changes = form_.Aids().unsoughtChanges();
-    refresh(); // ports may have come
-    if (changes.empty())
-        return true;
+    const NumberField* const field = numberField();
+    return field ? &field->edit() : nullptr;
+}
+
+bool OptionsWindow::leaveField()
+{
+    NumberField* const field = numberField();
+    return !field || field->leave();
+}
+
+void OptionsWindow::showCorrection(const std::string& sentence)
+{
+    notify(sentence);
+    if (NumberField* const field = numberField())
+        field->selectAll();
+}
+
+bool OptionsWindow::allows(const std::string& changes)
+{
     const OptionsAids::Captions& captions = form_.Aids().captions();
     QMessageBox box(QMessageBox::Question, text(captions.unsought), text(changes), QMessageBox::NoButton, this);
     box.setTextFormat(Qt::PlainText);

@@ -35,9 +35,7 @@ void OptionsWindow::testReader()
         aids.stopTest();
         return;
     }
-    // What stands in the field with the focus counts, as with the default button.
-    auto* const field = dynamic_cast<NumberField*>(focusWidget());
-    if (field && !leaves(*field, false))
+    if (!fieldCounts(form_, *this, false))
         return;
     notice_->hide();
     aids.testReader();

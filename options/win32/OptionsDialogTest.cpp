@@ -36,9 +36,7 @@ void OptionsDialogWindow::testReader()
         aids.stopTest();
         return;
     }
-    // What stands in the field with the focus counts, as with the default button.
-    NumberEdit* const field = numberEdit(::GetFocus());
-    if (field && !leaves(*field, false))
+    if (!fieldCounts(form_, *this, false))
         return;
     ::SetWindowTextW(notice_, L"");
     aids.testReader();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "options/Decision.h"
 #include "options/WindowPlace.h"
 #include "options/frmOptions.h"
 #include "options/win32/Annotations.h"
@@ -22,7 +23,7 @@ namespace kel {
 /// The buttons OK and Cancel have the usual numbers, so that Enter and Escape work them; every other control has 1000
 /// and its place in the form's list, from 0. What the dialog adds to the form's controls has 2000 and more; a button
 /// that resets a setting has 3000 and the setting's place.
-class OptionsDialogWindow {
+class OptionsDialogWindow final : private DecisionView {
 public:
     static constexpr int kFirstControl = 1000;
     static constexpr int kPortAdvice = 2000;
@@ -34,7 +35,7 @@ public:
     static constexpr int kFirstReset = 3000;
 
     OptionsDialogWindow(frmOptions& form, DialogScreen& screen, WindowPlace& place);
-    ~OptionsDialogWindow();
+    ~OptionsDialogWindow() override;
     OptionsDialogWindow(const OptionsDialogWindow&) = delete;
     OptionsDialogWindow& operator=(const OptionsDialogWindow&) = delete;
 
@@ -106,8 +107,11 @@ private:
     void returnTo(HWND field);
     void takeSelection(HWND window, PowerCombo& list);
     void click(PowerButton& button);
-    [[nodiscard]] bool leaves(NumberEdit& field, bool isOk);
-    [[nodiscard]] bool mayBeSaved();
+    [[nodiscard]] const PowerEdit* focusedField() override;
+    [[nodiscard]] bool leaveField() override;
+    void showCorrection(const std::string& sentence) override;
+    void showForm() override { refresh(); }
+    [[nodiscard]] bool allows(const std::string& changes) override;
     void assignPort();
     void actOnPorts(const Action& what);
     void createTest();
