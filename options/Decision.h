@@ -12,11 +12,11 @@ class DecisionView {
 public:
     virtual ~DecisionView() = default;
 
-    /// The number field that has the focus; nothing if another control has it.
-    [[nodiscard]] virtual const PowerEdit* focusedField() = 0;
+    /// The number field that the user is in; nothing if there is none.
+    [[nodiscard]] virtual const PowerEdit* field() = 0;
 
-    /// Does what leaving that field does, which keeps the focus. False if there is no number in it, which the user has
-    /// been told.
+    /// Does what leaving that field does. False if there is no number in it: the user has been told, and is still
+    /// there.
     [[nodiscard]] virtual bool leaveField() = 0;
 
     /// Shows a sentence about the number in it that was put right, and selects that.
@@ -33,7 +33,7 @@ public:
 /// is to be seen before OK saves it.
 inline bool fieldCounts(frmOptions& form, DecisionView& view, bool isOk)
 {
-    const PowerEdit* const field = view.focusedField();
+    const PowerEdit* const field = view.field();
     if (!field)
         return true;
     const std::string typed = field->Text();

@@ -67,7 +67,7 @@ private:
     void act(const std::function<void()>& what);
     void click(PowerButton& button);
     [[nodiscard]] NumberField* numberField() const;
-    [[nodiscard]] const PowerEdit* focusedField() override;
+    [[nodiscard]] const PowerEdit* field() override;
     [[nodiscard]] bool leaveField() override;
     void showCorrection(const std::string& sentence) override;
     void showForm() override { refresh(); }

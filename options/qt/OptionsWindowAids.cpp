@@ -94,23 +94,23 @@ NumberField* OptionsWindow::numberField() const
     return dynamic_cast<NumberField*>(focusWidget());
 }
 
-const PowerEdit* OptionsWindow::focusedField()
+const PowerEdit* OptionsWindow::field()
 {
-    const NumberField* const field = numberField();
-    return field ? &field->edit() : nullptr;
+    const NumberField* const focused = numberField();
+    return focused ? &focused->edit() : nullptr;
 }
 
 bool OptionsWindow::leaveField()
 {
-    NumberField* const field = numberField();
-    return !field || field->leave();
+    NumberField* const focused = numberField();
+    return !focused || focused->leave();
 }
 
 void OptionsWindow::showCorrection(const std::string& sentence)
 {
     notify(sentence);
-    if (NumberField* const field = numberField())
-        field->selectAll();
+    if (NumberField* const focused = numberField())
+        focused->selectAll();
 }
 
 bool OptionsWindow::allows(const std::string& changes)

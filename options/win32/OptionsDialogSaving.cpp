@@ -5,6 +5,8 @@
 #include "options/win32/QuestionBox.h"
 #include "platform/windows/WindowsText.h"
 
+#include <algorithm>
+
 namespace kel {
 
 void OptionsDialogWindow::click(PowerButton& button)
@@ -13,16 +15,38 @@ void OptionsDialogWindow::click(PowerButton& button)
         act([&] { button.Click(); });
 }
 
-const PowerEdit* OptionsDialogWindow::focusedField()
+/// The field that the user is in. An access key works a button before the user is back in a field that was left without
+/// a number.
+NumberEdit* OptionsDialogWindow::fieldInHand()
 {
-    const NumberEdit* const field = numberEdit(::GetFocus());
+    if (NumberEdit* const focused = numberEdit(::GetFocus()))
+        return focused;
+    const auto found =
+        std::find_if(numbers_.begin(), numbers_.end(), [](const auto& number) { return !number->canBeLeft(); });
+    return found == numbers_.end() ? nullptr : found->get();
+}
+
+const PowerEdit* OptionsDialogWindow::field()
+{
+    const NumberEdit* const field = fieldInHand();
     return field ? &field->edit() : nullptr;
 }
 
 bool OptionsDialogWindow::leaveField()
 {
-    NumberEdit* const field = numberEdit(::GetFocus());
-    return !field || field->leave();
+    NumberEdit* const field = fieldInHand();
+    return !field || leave(*field);
+}
+
+/// Leaves a field, or is there again once the user has been told that there is no number in it.
+bool OptionsDialogWindow::leave(NumberEdit& field)
+{
+    isLeaving_ = true; // the box that tells it has turns of its own
+    const bool isLeft = field.leave();
+    isLeaving_ = false;
+    if (!isLeft)
+        ::SetFocus(field.field());
+    return isLeft;
 }
 
 void OptionsDialogWindow::showCorrection(const std::string& sentence)

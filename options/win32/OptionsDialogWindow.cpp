@@ -353,10 +353,8 @@ void OptionsDialogWindow::returnTo(HWND field)
 {
     NumberEdit* const edit = numberEdit(field);
     const Shown* const cancel = shown(form_.cmdCancel);
-    if (!edit || ::GetFocus() == field || (cancel && ::GetFocus() == cancel->window))
-        return;
-    static_cast<void>(edit->leave());
-    ::SetFocus(field);
+    if (edit && !isLeaving_ && ::GetFocus() != field && !(cancel && ::GetFocus() == cancel->window))
+        static_cast<void>(leave(*edit));
 }
 
 /// While a list is open, the keys only move about in it; what was chosen counts when it closes.

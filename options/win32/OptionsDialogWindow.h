@@ -107,7 +107,9 @@ private:
     void returnTo(HWND field);
     void takeSelection(HWND window, PowerCombo& list);
     void click(PowerButton& button);
-    [[nodiscard]] const PowerEdit* focusedField() override;
+    [[nodiscard]] NumberEdit* fieldInHand();
+    [[nodiscard]] bool leave(NumberEdit& field);
+    [[nodiscard]] const PowerEdit* field() override;
     [[nodiscard]] bool leaveField() override;
     void showCorrection(const std::string& sentence) override;
     void showForm() override { refresh(); }
@@ -165,6 +167,7 @@ private:
     DWORD typedAt_ = 0;
     DialogLayout layout_;
     bool refreshing_ = false;
+    bool isLeaving_ = false;
     std::exception_ptr failure_;
 };
 

@@ -18,12 +18,12 @@ using testing::IsEmpty;
 /// A window with the focus where a test has it. It notes what it is asked for.
 class NotedView final : public DecisionView {
 public:
-    [[nodiscard]] const PowerEdit* focusedField() override { return field; }
+    [[nodiscard]] const PowerEdit* field() override { return edit; }
     [[nodiscard]] bool leaveField() override
     {
         asked.emplace_back("leave");
-        field->Validate();
-        return field->Number().has_value();
+        edit->Validate();
+        return edit->Number().has_value();
     }
     void showCorrection(const std::string& sentence) override { asked.push_back(sentence); }
     void showForm() override { asked.emplace_back("show"); }
@@ -33,7 +33,7 @@ public:
         return allowed;
     }
 
-    PowerEdit* field = nullptr;
+    PowerEdit* edit = nullptr;
     bool allowed = false;
     std::vector<std::string> asked;
 };
@@ -47,7 +47,7 @@ protected:
 
 TEST_F(DecisionTest, OkShowsANumberThatWasPutRightBeforeItTakesIt)
 {
-    view.field = &form.txtSystemPause;
+    view.edit = &form.txtSystemPause;
     form.txtSystemPause.Text("99999");
     EXPECT_FALSE(mayWork(form, form.cmdOK, view));
     EXPECT_THAT(view.asked, ElementsAre("leave", HasSubstr("99999")));
@@ -59,7 +59,7 @@ TEST_F(DecisionTest, OkShowsANumberThatWasPutRightBeforeItTakesIt)
 
 TEST_F(DecisionTest, WhatIsNoNumberHoldsUpEveryButtonButCancel)
 {
-    view.field = &form.txtSystemPause;
+    view.edit = &form.txtSystemPause;
     form.txtSystemPause.Text("soon");
     for (const PowerButton* const button : {&form.cmdOK, &form.cmdDefaults, &form.cmdLocate})
         EXPECT_FALSE(mayWork(form, *button, view)) << button->Name();
@@ -72,7 +72,7 @@ TEST_F(DecisionTest, WhatIsNoNumberHoldsUpEveryButtonButCancel)
 
 TEST_F(DecisionTest, OtherButtonsTakeANumberAsItWasPutRight)
 {
-    view.field = &form.txtSystemPause;
+    view.edit = &form.txtSystemPause;
     form.txtSystemPause.Text("99999");
     EXPECT_TRUE(mayWork(form, form.cmdLocate, view));
     EXPECT_THAT(view.asked, ElementsAre("leave"));
@@ -81,11 +81,11 @@ TEST_F(DecisionTest, OtherButtonsTakeANumberAsItWasPutRight)
 TEST_F(DecisionTest, OkAsksAboutWhatWouldChangeUntouchedOnceTheFieldCounts)
 {
     host.reader().Port(9);
-    view.field = &form.txtSystemPause;
+    view.edit = &form.txtSystemPause;
     EXPECT_FALSE(mayWork(form, form.cmdOK, view));
     EXPECT_THAT(view.asked, ElementsAre("leave", "show", HasSubstr("Port: now 9")));
     view.asked.clear();
-    view.field = nullptr;
+    view.edit = nullptr;
     view.allowed = true;
     EXPECT_TRUE(mayWork(form, form.cmdOK, view));
     EXPECT_THAT(view.asked, ElementsAre("show", HasSubstr("Port: now 9")));

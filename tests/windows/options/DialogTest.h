@@ -10,6 +10,7 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <map>
 #include <string_view>
 #include <thread>
@@ -19,6 +20,9 @@ namespace kel {
 /// A machine whose ports 1 and 3 can be opened, whatever goes on elsewhere, and say nothing.
 class TwoPorts : public Platform {
 public:
+    /// How many ports are open, on all machines of this kind.
+    static inline std::atomic<int> opened = 0;
+
     [[nodiscard]] std::unique_ptr<SerialControl> newSerialControl() override { return std::make_unique<Control>(); }
     [[nodiscard]] std::unique_ptr<ScanTimer> newScanTimer() override { return machine_.newScanTimer(); }
     [[nodiscard]] MessagePump& pump() override { return machine_.pump(); }
@@ -29,6 +33,10 @@ public:
 
 private:
     class Control final : public SerialControl {
+    public:
+        ~Control() override { opened -= open_ ? 1 : 0; }
+
+    private:
         [[nodiscard]] Int16 CommPort() const override { return port_; }
         void CommPort(Int16 value) override { port_ = value; }
         [[nodiscard]] std::string Settings() const override { return {}; }
@@ -40,6 +48,7 @@ private:
         {
             if (port_ != 1 && port_ != 3)
                 throw RuntimeFailure(FailureCode::InvalidPortNumber);
+            opened += (value ? 1 : 0) - (open_ ? 1 : 0);
             open_ = value;
         }
         [[nodiscard]] Int32 InputLen() const override { return 0; }

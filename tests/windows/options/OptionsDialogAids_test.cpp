@@ -251,12 +251,14 @@ protected:
                 if (::IsWindow(other.dialog))
                     ::PostMessageW(other.dialog, WM_CLOSE, 0, 0);
             });
-            own.ShowOptions();
+            saved = own.ShowOptions();
             user.join();
             port = own.Port();
         }).join();
         return port;
     }
+
+    Boolean saved; // whether the user ended the dialog with OK
 
     static void waitUntilAllHaveCome(const OtherProgram& user)
     {
@@ -409,16 +411,44 @@ TEST_F(OptionsDialogReaderTest, IsSaidInABox)
 TEST_F(OptionsDialogReaderTest, EndsWithTheDialog)
 {
     for (const int button : {IDCANCEL, IDOK}) {
-        bool isFollowed = false;
+        int opened = 0;
         const Int16 port = portAfter([&](const OtherProgram& user) {
             waitUntilAllHaveCome(user);
             user.click(kButton);
-            isFollowed = waitForText(user, kNotice, L"Test: waiting for the reader …");
+            waitForText(user, kNotice, L"Test: waiting for the reader …");
+            opened = TwoPorts::opened;
+            EXPECT_TRUE(isUsable(user, button));
             user.click(button);
         });
-        EXPECT_TRUE(isFollowed);
+        EXPECT_EQ(opened, 1);
+        EXPECT_EQ(TwoPorts::opened, 0) << "the dialog is gone, and the port is free";
+        EXPECT_EQ(saved, button == IDOK ? True : False);
         EXPECT_EQ(port, 3);
     }
+}
+
+TEST_F(OptionsDialogReaderTest, WaitsForANumberInTheFieldThatTheUserWasIn)
+{
+    std::wstring notice;
+    bool isBack = false;
+    portAfter([&](const OtherProgram& user) {
+        const int pause = number("txtSystemPause");
+        waitUntilAllHaveCome(user);
+        user.enter(pause);
+        user.type(pause, L"soon");
+        ::PostMessageW(user.control(kButton), BM_CLICK, 0, 0);
+        const HWND box = waitFor(user, L"#32770");
+        ASSERT_NE(box, nullptr) << "nobody says what is wrong";
+        notice = user.text(kNotice);
+        ::PostMessageW(box, WM_CLOSE, 0, 0);
+        user.bringToFront(user.dialog, user.control(pause));
+        isBack = user.focus() == user.control(pause);
+        EXPECT_EQ(user.text(pause), L"soon");
+        EXPECT_EQ(user.text(kButton), L"Test t&he reader");
+        user.click(IDCANCEL);
+    });
+    EXPECT_EQ(notice, L"");
+    EXPECT_TRUE(isBack);
 }
 
 TEST_F(OptionsDialogReaderTest, NeedsAModel)
