@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "options/ReaderTest.h"
 
-#include "drivers/chatsworth/Models.h"
 #include "failure/WithoutHost.h"
 #include "options/TestLine.h"
 #include "platform/PlatformAround.h"
@@ -131,7 +130,8 @@ public:
         if (test.device_)
             port_.emplace(test.settings_.port, *test.device_);
         takeSettings();
-        line_ = std::make_shared<TestLine>(reader_->fComm(), feedsByItself(), [this] { test_.stage_ = Stage::Waits; });
+        line_ =
+            std::make_shared<TestLine>(reader_->fComm(), test.settings_.model, [this] { test_.stage_ = Stage::Waits; });
         reader_->fComm(makeReference<StopCarrier>(Reference<Carrier>(line_), [this] { return isToEnd(); }));
     }
 
@@ -188,16 +188,6 @@ private:
         return reader_->Profiles()->Item(CStr(test_.settings_.model));
     }
     [[nodiscard]] bool isSerial() const { return profile()->InterfaceType() == kelReaderInterfaceTypeSerial; }
-
-    /// Whether the reader takes sheets as soon as its start is done.
-    [[nodiscard]] bool feedsByItself() const
-    {
-        if (test_.settings_.model == kelReaderTypeAppersonAdvantage1200)
-            return true;
-        const ModelCT& model = modelCT(test_.settings_.model);
-        const bool isFed = model.start == SheetStartCT::Feed && !test_.settings_.feeder;
-        return model.type != kelReaderTypeNone && (model.start == SheetStartCT::None || isFed);
-    }
 
     /// Runs in each turn of a wait and of a pause; whether the test has been stopped.
     bool turn()

@@ -1,36 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "options/TestLine.h"
 
-#include "drivers/common/PackedMarks.h"
+#include "dispatch/PaperCommands.h"
 #include "types/RuntimeFailure.h"
 
-#include <algorithm>
-#include <array>
-#include <string>
-
 namespace kel {
-
-namespace {
-
-using namespace std::string_view_literals;
-
-// The last commands of the start of readers that take sheets by themselves from then on.
-constexpr std::array kLastOfStart = {"\x12R7777I00E"sv,
-                                     "\x1B"
-                                     "FD\r"sv,
-                                     "M8"sv};
-
-// An EZData clears its path with them.
-constexpr std::array kEject = {"EF", "ER"};
-
-} // namespace
-
-bool TestLine::movesSheet(std::string_view bytes) const
-{
-    if (feeds_ && std::ranges::find(kLastOfStart, bytes) != kLastOfStart.end())
-        return true;
-    return std::ranges::any_of(kEject, [&](const char* text) { return bytes == frameCommand(text); });
-}
 
 void TestLine::Control::PortOpen(Boolean value)
 {
@@ -61,10 +35,11 @@ std::string TestLine::Control::Input()
 
 void TestLine::Control::Output(std::string_view bytes)
 {
-    if (line_.movesSheet(bytes)) {
+    if (!movesNoPaper(line_.model_, bytes, line_.before_)) {
         line_.hasWithheld_ = true;
         throw RuntimeFailure(FailureCode::InvalidProcedureCall, "Withheld: a sheet would move.");
     }
+    line_.before_ = bytes;
     line_.hasAsked_ = true;
     inner().Output(bytes);
 }

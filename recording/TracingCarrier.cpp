@@ -90,18 +90,6 @@ void TracingCarrier::Control::keepUntaken()
     inner().InputLen(inputLen);
 }
 
-LineErrors TracingCarrier::Control::lineErrors()
-{
-    auto* const counting = dynamic_cast<CountsLineErrors*>(&inner());
-    return counting ? counting->lineErrors() : LineErrors();
-}
-
-std::optional<ModemLines> TracingCarrier::Control::modemLines()
-{
-    auto* const telling = dynamic_cast<TellsModemLines*>(&inner());
-    return telling ? telling->modemLines() : std::nullopt;
-}
-
 /// After a reply, or what should have been one.
 void TracingCarrier::Control::noteLineErrors()
 {

@@ -2,8 +2,7 @@
 #pragma once
 
 #include "platform/Carrier.h"
-#include "platform/LineErrors.h"
-#include "platform/ModemLines.h"
+#include "platform/ControlAround.h"
 #include "recording/TraceLog.h"
 #include "types/Reference.h"
 #include "types/RuntimeFailure.h"
@@ -23,31 +22,26 @@ public:
     [[nodiscard]] ScanTimer& tmrScan() override { return traced_->tmrScan(); }
 
 private:
-    class Control final : public SerialControl, public CountsLineErrors, public TellsModemLines {
+    class Control final : public ControlAround {
     public:
         Control(TracingCarrier& carrier, TraceLog::Write write) : carrier_(carrier), log_(std::move(write)) {}
 
         [[nodiscard]] TraceLog& log() noexcept { return log_; }
 
-        [[nodiscard]] Int16 CommPort() const override { return inner().CommPort(); }
+        using ControlAround::CommPort;
+        using ControlAround::Handshaking;
+        using ControlAround::PortOpen;
+        using ControlAround::Settings;
         void CommPort(Int16 value) override;
-        [[nodiscard]] std::string Settings() const override { return inner().Settings(); }
         void Settings(const std::string& value) override;
-        [[nodiscard]] Int32 Handshaking() const override { return inner().Handshaking(); }
         void Handshaking(Int32 value) override;
-        [[nodiscard]] Boolean PortOpen() const override { return inner().PortOpen(); }
         void PortOpen(Boolean value) override;
-        [[nodiscard]] Int32 InputLen() const override { return inner().InputLen(); }
-        void InputLen(Int32 value) override { inner().InputLen(value); }
         [[nodiscard]] Int32 InBufferCount() override;
         [[nodiscard]] std::string Input() override;
         void Output(std::string_view bytes) override;
 
-        [[nodiscard]] LineErrors lineErrors() override;
-        [[nodiscard]] std::optional<ModemLines> modemLines() override;
-
     private:
-        [[nodiscard]] SerialControl& inner() const { return carrier_.traced_->mscComm(); }
+        [[nodiscard]] SerialControl& inner() const override { return carrier_.traced_->mscComm(); }
         template <class Action>
         void setting(const char* member, Action action);
         template <class Action>

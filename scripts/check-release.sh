@@ -2,8 +2,8 @@
 # SPDX-License-Identifier: MIT
 # What is too long for every run of the tests, before a release. Each part prints what it counted, and ends the script
 # when it fails.
-# Usage: scripts/check-release.sh [pty] [sweep] [cycles] [scarce] [threads] [stream] [windows] [fuzz] [tidy]
-# (default: all)
+# Usage: scripts/check-release.sh [pty] [sweep] [cycles] [scarce] [threads] [stream] [windows] [demo] [fuzz]
+#        [tidy] (default: all)
 #
 #   pty      all sessions over a pseudo-terminal and with hostile servers; the tests run a sample of them
 #   sweep    a reader that is unplugged, falls silent or sends a wrong byte, at every byte of a short session
@@ -13,6 +13,7 @@
 #   stream   a station that is killed 200 times while it stores and sends 10,000 sheets, and three servers of a stream that
 #            are killed, frozen and stopped in ten rounds; KEL_KILLS, KEL_SHEETS and KEL_ROUNDS are other numbers
 #   windows  the command of 64 bits for Windows; the tests have that of 32
+#   demo     the demo, whose build joins the sources of a folder, as nothing else does
 #   fuzz     the replay with inputs of a megabyte; ten minutes of each fuzz target, or KEL_FUZZ_SECONDS, with limits of
 #            length, time and memory
 #   tidy     clang-tidy on all sources; the tests look at changed ones only
@@ -21,7 +22,7 @@ cd "$(dirname "$0")/.."
 
 fail() { echo "check-release.sh: $*" >&2; exit 1; }
 parts=("$@")
-[ ${#parts[@]} -gt 0 ] || parts=(pty sweep cycles scarce threads stream windows fuzz tidy)
+[ ${#parts[@]} -gt 0 ] || parts=(pty sweep cycles scarce threads stream windows demo fuzz tidy)
 
 # Configures a preset, and builds some of its targets.
 build() {
@@ -83,6 +84,13 @@ check_windows() {
     build asan kelreader
     ctest --preset asan -R Windows64_command
 }
+check_demo() {
+    local log
+    log=$(mktemp)
+    ./run-demo.sh --sheets 12 >"$log" 2>&1 || { tail -n 40 "$log" >&2; fail "the demo fails; its output is in $log"; }
+    echo "  $(grep -c '^Sheet ' "$log") sheets"
+    rm "$log"
+}
 check_fuzz() {
     scripts/install-packages.sh fuzz
     local found name
@@ -111,7 +119,7 @@ check_tidy() {
 
 for part in "${parts[@]}"; do
     declare -F "check_$part" >/dev/null ||
-        fail "there is no part '$part'; there are pty, sweep, cycles, scarce, threads, stream, windows, fuzz and tidy"
+        fail "there is no part '$part'; there are pty, sweep, cycles, scarce, threads, stream, windows, demo, fuzz and tidy"
 done
 scripts/install-packages.sh build test
 for part in "${parts[@]}"; do

@@ -30,7 +30,7 @@ struct ModelRow {
     std::string_view enumerator; ///< "kelReaderTypeScantronScanMark2500"
     const char* name;            ///< that users see
     std::string_view driver;     ///< the entry of dispatch/DriverFamilies.cpp that drives it
-    std::string_view wire;       ///< what it is on its wire: simulators/SimulatorTable.cpp and cli/check/Dialects.cpp
+    std::string_view wire;       ///< what it is on its wire: each table named kWires has it
     kelProfileType maker;
     std::string_view line;  ///< from which its line starts: profiles/ModelLine.h
     const char* options;    ///< one row of signs: profiles/CatalogueModel.h

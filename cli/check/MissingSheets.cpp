@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "cli/check/CheckRun.h"
-#include "cli/check/PaperGuard.h"
 #include "cli/check/SheetFindings.h"
+#include "dispatch/PaperCommands.h"
 
 #include <algorithm>
 

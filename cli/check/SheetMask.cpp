@@ -2,7 +2,7 @@
 #include "cli/check/SheetMask.h"
 
 #include "cli/check/Dialects.h"
-#include "cli/check/PaperGuard.h"
+#include "dispatch/PaperCommands.h"
 #include "recording/ReportSections.h"
 #include "recording/Transcript.h"
 #include "types/ModelTable.h"

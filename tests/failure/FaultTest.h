@@ -3,6 +3,7 @@
 
 #include "failure/guarded.h"
 #include "failure/modvbCodeShieldSupport.h"
+#include "platform/ControlAround.h"
 #include "platform/posix/PosixFaultCapture.h"
 #include "simulators/SimulatorTable.h"
 #include "strings/VBLMRTSModule.h"
@@ -87,29 +88,19 @@ protected:
 /// A machine whose serial controls meet a fault at each output while they are told to.
 class FaultyMachine final : public Platform {
 public:
-    class Control final : public SerialControl {
+    class Control final : public ControlAround {
     public:
         Control(std::unique_ptr<SerialControl> line, const bool& faulty) : line_(std::move(line)), faulty_(faulty) {}
-        Int16 CommPort() const override { return line_->CommPort(); }
-        void CommPort(Int16 value) override { line_->CommPort(value); }
-        std::string Settings() const override { return line_->Settings(); }
-        void Settings(const std::string& value) override { line_->Settings(value); }
-        Int32 Handshaking() const override { return line_->Handshaking(); }
-        void Handshaking(Int32 value) override { line_->Handshaking(value); }
-        Boolean PortOpen() const override { return line_->PortOpen(); }
-        void PortOpen(Boolean value) override { line_->PortOpen(value); }
-        Int32 InputLen() const override { return line_->InputLen(); }
-        void InputLen(Int32 value) override { line_->InputLen(value); }
-        Int32 InBufferCount() override { return line_->InBufferCount(); }
-        std::string Input() override { return line_->Input(); }
         void Output(std::string_view bytes) override
         {
             if (faulty_)
                 writeNullAddress();
-            line_->Output(bytes);
+            ControlAround::Output(bytes);
         }
 
     private:
+        [[nodiscard]] SerialControl& inner() const override { return *line_; }
+
         std::unique_ptr<SerialControl> line_;
         const bool& faulty_;
     };

@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: MIT
-#include "cli/check/PaperGuard.h"
 #include "tests/cli/check/VirtualCheck.h"
 
 #include <gmock/gmock.h>
@@ -11,7 +10,6 @@ namespace kel::test {
 namespace {
 
 using namespace std::chrono_literals;
-using namespace std::string_literals;
 
 bool movesPaper(const SheetRecord& record)
 {
@@ -96,24 +94,6 @@ INSTANTIATE_TEST_SUITE_P(Families, CheckOfFaults,
                              std::erase(name, ' ');
                              return name;
                          });
-
-TEST(PaperGuard, KnowsTheCommandsThatMovePaper)
-{
-    EXPECT_TRUE(movesNoPaper(kelReaderTypeScantronScanMark5500, "\x1BSRST\r", ""));
-    EXPECT_FALSE(movesNoPaper(kelReaderTypeScantronScanMark5500, "\x1BREAD 5 Y\r", ""));
-    EXPECT_FALSE(movesNoPaper(kelReaderTypeScantronScanMark5500, "\x1B"s + "EJCT A \r", ""));
-    EXPECT_TRUE(movesNoPaper(kelReaderTypeNCSOpScan5, "\x11", "ei\x04"));
-    EXPECT_FALSE(movesNoPaper(kelReaderTypeNCSOpScan5, "\x11", "r"));
-    EXPECT_FALSE(movesNoPaper(kelReaderTypeNCSOpScan5, "\x12", ""));
-    EXPECT_FALSE(movesNoPaper(kelReaderTypeNCSEZData, "\x12\x1BSETFLAGS03\x12"s + "E", ""));
-    EXPECT_FALSE(movesNoPaper(kelReaderTypeNCSEZData, "\x12\x1B"s + "E\x12"s + "E", ""));
-    EXPECT_FALSE(movesNoPaper(kelReaderTypePDIVMR138, "8", "Q"));
-    EXPECT_FALSE(movesNoPaper(kelReaderTypeChatsworthOMR1100, "\x12R7777I00E", ""));
-    EXPECT_TRUE(movesNoPaper(kelReaderTypeChatsworthOMR2000, "\x12R7777I00E", ""));
-    EXPECT_FALSE(movesNoPaper(kelReaderTypeScanningSystemsSR601, "?\r", ""));
-    EXPECT_FALSE(movesNoPaper(kelReaderTypeAppersonAdvantage1200, "M8", "M0"));
-    EXPECT_FALSE(movesNoPaper(kelReaderTypeAppersonAdvantageLink, "FD\r", "FB\r"));
-}
 
 } // namespace
 } // namespace kel::test
