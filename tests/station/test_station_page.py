@@ -224,6 +224,9 @@ class StoredSheetsTest(Page):
             details = self.texts("#details dd")
             self.assertEqual(details.count(hostile), 3, hostile[:40])
             self.assertIn(hostile[:200], self.texts("#details dt"))
+            # A long name leaves its text more room than a column of single letters.
+            self.assertGreater(self.browser.run("return Math.min(...[...document.querySelectorAll('#details dd')].map("
+                                                "(text) => text.getBoundingClientRect().width))"), 200)
             picture = self.browser.wait_for(
                 "const image = document.getElementById('picture'); return image.complete && image.naturalWidth")
             self.assertGreater(picture, 0)
