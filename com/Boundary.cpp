@@ -3,6 +3,7 @@
 
 #include "com/ComPtr.h"
 #include "com/Text.h"
+#include "types/CaughtFailure.h"
 
 #include <array>
 #include <new>

@@ -32,37 +32,33 @@ struct Dictionary::Fields {
         DictionaryItem item;
     };
 
-    [[nodiscard]] DictionaryKey comparable(const DictionaryKey& key) const;
-    [[nodiscard]] std::size_t position(const DictionaryKey& key, SourceLocation where) const;
-    Entry& entryOf(const DictionaryKey& key);
+    [[nodiscard]] DictionaryKey comparable(const DictionaryKey& key) const
+    {
+        const auto* text = std::get_if<std::string>(&key);
+        return text && lCompareMode == kTextCompare ? DictionaryKey(lowerCase(*text)) : key;
+    }
+
+    [[nodiscard]] std::size_t position(const DictionaryKey& key, SourceLocation where) const
+    {
+        const auto found = positions.find(comparable(key));
+        if (found == positions.end())
+            throw RuntimeFailure(kElementNotFound, "Element not found", where);
+        return found->second;
+    }
+
+    Entry& entryOf(const DictionaryKey& key)
+    {
+        const auto [found, added] = positions.emplace(comparable(key), entries.size());
+        if (added)
+            entries.push_back({key, {}});
+        return entries[found->second];
+    }
 
     Int32 lCompareMode = kBinaryCompare;
     std::vector<Entry> entries;
     std::map<DictionaryKey, std::size_t> positions; // by the comparable form of the key
     std::shared_ptr<DictionaryObject> object;
 };
-
-DictionaryKey Dictionary::Fields::comparable(const DictionaryKey& key) const
-{
-    const auto* text = std::get_if<std::string>(&key);
-    return text && lCompareMode == kTextCompare ? DictionaryKey(lowerCase(*text)) : key;
-}
-
-std::size_t Dictionary::Fields::position(const DictionaryKey& key, SourceLocation where) const
-{
-    const auto found = positions.find(comparable(key));
-    if (found == positions.end())
-        throw RuntimeFailure(kElementNotFound, "Element not found", where);
-    return found->second;
-}
-
-Dictionary::Fields::Entry& Dictionary::Fields::entryOf(const DictionaryKey& key)
-{
-    const auto [found, added] = positions.emplace(comparable(key), entries.size());
-    if (added)
-        entries.push_back({key, {}});
-    return entries[found->second];
-}
 
 Dictionary::Dictionary() = default;
 Dictionary::Dictionary(const Dictionary& other) = default;

@@ -8,7 +8,14 @@
 namespace kel {
 
 struct clsKELReaderPrinter::Fields {
-    [[nodiscard]] std::string dumpMembers() const;
+    [[nodiscard]] std::string dumpMembers() const
+    {
+        VariableLines lines;
+        lines.add("bEnabled, bActive, sBuffer1, sBuffer2, sBuffer3, iDistance", bEnabled, bActive, sBuffer1, sBuffer2,
+                  sBuffer3, iDistance);
+        lines.add("uReaderType, bInitialized", static_cast<Int32>(uReaderType), bInitialized);
+        return lines.text();
+    }
 
     ObjectLife life{"clsKELReaderPrinter,1"};
     Boolean bEnabled;
@@ -20,15 +27,6 @@ struct clsKELReaderPrinter::Fields {
     kelReaderType uReaderType = kelReaderTypeNone;
     Boolean bInitialized;
 };
-
-std::string clsKELReaderPrinter::Fields::dumpMembers() const
-{
-    VariableLines lines;
-    lines.add("bEnabled, bActive, sBuffer1, sBuffer2, sBuffer3, iDistance", bEnabled, bActive, sBuffer1, sBuffer2,
-              sBuffer3, iDistance);
-    lines.add("uReaderType, bInitialized", static_cast<Int32>(uReaderType), bInitialized);
-    return lines.text();
-}
 
 clsKELReaderPrinter::clsKELReaderPrinter() = default;
 clsKELReaderPrinter::clsKELReaderPrinter(const clsKELReaderPrinter& other) = default;

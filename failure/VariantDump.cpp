@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "failure/VariantDump.h"
 
+#include "types/CaughtFailure.h"
+
 #include <optional>
 
 namespace kel {

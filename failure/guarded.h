@@ -4,7 +4,7 @@
 #include "failure/ProcedureVariables.h"
 #include "platform/FaultCapture.h"
 #include "platform/WayBack.h"
-#include "types/RuntimeFailure.h"
+#include "types/CaughtFailure.h"
 
 #include <exception>
 #include <type_traits>

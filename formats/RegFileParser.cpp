@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "formats/RegFile.h"
 
+#include "formats/KeyLimits.h"
 #include "formats/RegFileText.h"
 #include "formats/Utf16.h"
 #include "types/Text.h"

@@ -1,10 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "formats/RegistryPath.h"
 
-#include "platform/RegistryTransaction.h"
 #include "types/Text.h"
-
-#include <algorithm>
 
 namespace kel {
 
@@ -44,12 +41,6 @@ std::optional<RegistryPath> registryPath(std::string_view text)
         return path;
     }
     return std::nullopt;
-}
-
-bool isTooLong(const RegistryPath& path)
-{
-    const auto levels = 1 + std::count(path.subKey.begin(), path.subKey.end(), '\\');
-    return path.subKey.size() > kLongestKey || static_cast<std::size_t>(levels) > kDeepestKey;
 }
 
 std::string registryPathText(const RegistryPath& path)

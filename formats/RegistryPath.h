@@ -22,10 +22,6 @@ struct RegistryPath {
 /// and after a backslash the path below it. Nothing for a text that does not begin with a hive.
 [[nodiscard]] KEL_PUBLIC std::optional<RegistryPath> registryPath(std::string_view text);
 
-/// How long a key's path may be, in bytes, and how deep a key may lie (`kDeepestKey`).
-inline constexpr std::size_t kLongestKey = 2048;
-[[nodiscard]] bool isTooLong(const RegistryPath& path);
-
 /// The same the other way, with the hive's long name.
 [[nodiscard]] KEL_PUBLIC std::string registryPathText(const RegistryPath& path);
 

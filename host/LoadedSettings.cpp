@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "host/LoadedSettings.h"
 
+#include "formats/KeyLimits.h"
 #include "host/Reports.h"
 #include "host/UsageError.h"
 

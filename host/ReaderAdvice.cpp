@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "host/ReaderAdvice.h"
 
+#include "host/ReaderAdviceRows.h"
 #include "strings/LanguageDatabase.h"
 
 #include <algorithm>

@@ -5,8 +5,6 @@
 #include "types/Export.h"
 #include "types/Numbers.h"
 
-#include <cstddef>
-
 namespace kel::host {
 
 /// The operators' advice on a report. The table is made from the pages for operators.
@@ -18,10 +16,6 @@ struct AdviceRow {
     const char* cause;  ///< the cause of the report
     const char* remedy; ///< what the operator can do
 };
-
-/// All of them.
-extern const AdviceRow kAdviceRows[];
-extern const std::size_t kAdviceCount;
 
 /// The advice on a report, whatever the language of its text; nullptr if there is none.
 [[nodiscard]] KEL_PUBLIC const AdviceRow* adviceOn(const Failure& failure);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "options/OptionsPresenter.h"
+#include "options/OptionsPresenterFactory.h"
 
 #include "types/RuntimeFailure.h"
 

@@ -51,8 +51,4 @@ KEL_PUBLIC void setOptionsPresenter(std::shared_ptr<OptionsPresenter> presenter)
 /// there is neither.
 [[nodiscard]] KEL_PUBLIC std::shared_ptr<OptionsPresenter> optionsPresenter();
 
-/// Installs what makes the component's own presenter. Called once at start-up.
-using OptionsPresenterFactory = std::shared_ptr<OptionsPresenter> (*)();
-void setOptionsPresenterFactory(OptionsPresenterFactory factory);
-
 } // namespace kel

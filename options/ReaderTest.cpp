@@ -8,6 +8,7 @@
 #include "platform/StopCarrier.h"
 #include "reader/clsKELReader.h"
 #include "strings/VBLMRTSModule.h"
+#include "types/CaughtFailure.h"
 #include "types/Text.h"
 
 #include <algorithm>

@@ -57,7 +57,7 @@ def main():
     arguments.out.parent.mkdir(parents=True, exist_ok=True)
     arguments.out.write_text(
         f"// Made by {Path(__file__).name} from docs/readers/advice.\n\n"
-        '#include "host/ReaderAdvice.h"\n\nnamespace kel::host {\n\n'
+        '#include "host/ReaderAdviceRows.h"\n\nnamespace kel::host {\n\n'
         "const AdviceRow kAdviceRows[] = {\n" + "\n".join(rows) + "\n};\n"
         f"const std::size_t kAdviceCount = {len(rows)};\n\n}} // namespace kel::host\n",
         encoding="utf-8",

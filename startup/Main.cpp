@@ -2,7 +2,7 @@
 #include "startup/Main.h"
 
 #include "failure/modvbCodeShieldSupport.h"
-#include "options/OptionsPresenter.h"
+#include "options/OptionsPresenterFactory.h"
 #include "options/ShowOptions.h"
 #include "reader/OptionsDialog.h"
 #include "startup/CrashCapture.h"

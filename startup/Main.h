@@ -10,6 +10,6 @@ namespace kel {
 ///
 /// It runs by itself when the shared library is loaded. A program that takes the objects from a static library calls
 /// it first thing.
-KEL_PUBLIC void Main();
+KEL_INTERNAL void Main();
 
 } // namespace kel

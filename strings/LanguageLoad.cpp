@@ -4,6 +4,7 @@
 #include "platform/Platform.h"
 #include "strings/LastLanguage.h"
 #include "strings/LetterCase.h"
+#include "types/CaughtFailure.h"
 #include "types/Text.h"
 
 #include <filesystem>

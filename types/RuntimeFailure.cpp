@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "types/RuntimeFailure.h"
 
-#include <new>
 #include <utility>
 
 namespace kel {
@@ -107,19 +106,6 @@ RuntimeFailure RuntimeFailure::about(FailedPort port) const
     details.port = std::move(port);
     failure.details_ = std::make_shared<Details>(std::move(details));
     return failure;
-}
-
-RuntimeFailure caughtFailure()
-{
-    try {
-        throw;
-    } catch (const RuntimeFailure& failure) {
-        return failure;
-    } catch (const std::bad_alloc&) {
-        return RuntimeFailure(FailureCode::OutOfMemory);
-    } catch (const std::exception& exception) {
-        return {FailureCode::InternalError, exception.what()};
-    }
 }
 
 } // namespace kel

@@ -44,7 +44,7 @@ enum class FailureCode : std::int32_t {
 };
 
 /// The standard text of a run-time failure: "Subscript out of range" for 9, and so on.
-[[nodiscard]] std::string failureText(FailureCode code);
+[[nodiscard]] KEL_PUBLIC std::string failureText(FailureCode code);
 
 /// The port that a failure is about, if there is one: the parts of its text.
 struct FailedPort {
@@ -89,9 +89,5 @@ private:
 
     std::shared_ptr<const Details> details_;
 };
-
-/// Turns what is being caught into a run-time failure: one as it is, exhausted memory into 7, and any other
-/// standard exception into 51 "Internal error" with its text. For use in a handler.
-[[nodiscard]] RuntimeFailure caughtFailure();
 
 } // namespace kel

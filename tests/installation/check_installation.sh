@@ -34,14 +34,23 @@ if command -v systemd-analyze >/dev/null; then
     done
 fi
 
-# A host sees the public classes and nothing else.
-hidden=$(nm -D --defined-only -C "$library"/libKELReader81U.so.?.?.? | grep -v ' A KELReader81U_' | cut -d' ' -f3- |
-         grep -vE '^((typeinfo( name)?|vtable) for |non-virtual thunk to )?kel::|^__odr_asan' || true)
-[ -z "$hidden" ] || fail "symbols that are nobody's business: $hidden"
+# The command and the layer for hosts use the component, and have none of their own.
+for file in kelreader libKELReader81U_host.so; do
+    readelf -d "$library/$file" | grep -q 'NEEDED.*libKELReader81U\.so\.[0-9]' || fail "$file does not load the component"
+done
+
+# A host can use what the public headers declare, and nothing else.
+python3 -B "$source/tests/installation/exports.py" "$work/root/include" "$library"/libKELReader81U{,_host}.so.?.?.? ||
+    fail "the headers and the libraries do not agree"
 
 # Hosts of the last release find everything as it was.
 python3 -B "$source/tests/installation/interface.py" "$work/root/include" "$library"/libKELReader81U.so.?.?.? ||
     fail "the binary interface has changed"
+
+# What is under one compiler's sanitizers, in a program that has none or is of the other compiler: they are loaded first.
+sanitizers=$(readelf -d "$library"/libKELReader81U.so.?.?.? | sed -n 's/.*NEEDED.*\[\(lib[at]san\.so[^]]*\)\].*/\1/p')
+preload=${sanitizers:+$sanitizers libstdc++.so.6}
+with_sanitizers() { LD_PRELOAD=$preload ASAN_OPTIONS=detect_leaks=0 "$@"; }
 
 # The texts come from the installed language file, and the remote lines' module is found.
 "$kelreader" models --format csv | grep -q 'Scantron Scanmark 2500' || fail "the installed command lists no models"
@@ -56,10 +65,11 @@ fi
 
 # Hosts built against the package by each compiler, with nothing of ours on their path but one folder.
 for compiler in g++ clang++; do
-    [ "$compiler" = g++ ] || [ -z "$flags" ] || continue # a sanitized library has its own compiler's sanitizers
+    own=$flags
+    [ "$compiler" = g++ ] || own= # the library has the sanitizers of g++
     cmake -S "$source/examples" -B "$work/host-$compiler" -G Ninja -DCMAKE_PREFIX_PATH="$work/root" \
           -DCMAKE_CXX_COMPILER="$compiler" -DCMAKE_CXX_COMPILER_LAUNCHER=ccache \
-          -DCMAKE_CXX_FLAGS="-Wall -Wextra -Wpedantic -Werror $flags" >"$work/configure.log"
+          -DCMAKE_CXX_FLAGS="-Wall -Wextra -Wpedantic -Werror $own" >"$work/configure.log"
     cmake --build "$work/host-$compiler" >"$work/build.log" || { cat "$work/build.log" >&2; exit 1; }
 done
 [ "$(ls "$work/root/include")" = KELReader81U ] || fail "hosts get more than one folder: $(ls "$work/root/include")"
@@ -81,27 +91,31 @@ for compiler in g++ clang++; do
 done
 
 # An ALS AccelScan: its driver waits for what comes, however late that is on a busy machine.
-"$kelreader" simulate --model 22 --seed 5 --count 3 --rate unlimited >"$work/simulate.log" &
-simulator=$!
-for _ in $(seq 6000); do
-    grep -q '"ready"' "$work/simulate.log" && break
-    kill -0 "$simulator" 2>/dev/null || break
-    sleep 0.1
-done
-device=$(sed -n 's/.*"device":"\([^"]*\)".*/\1/p' "$work/simulate.log" | head -n 1)
-[ -n "$device" ] || fail "the simulated reader did not start"
-"$kelreader" ports set 1 "$device" >/dev/null
-"$work/host-g++/read_batch" 22 3 >"$work/sheets.txt" || fail "the host program ended with an error"
-[ "$(grep -c '^Sheet ' "$work/sheets.txt")" = 3 ] || fail "the host program read: $(cat "$work/sheets.txt")"
+read_with_hosts() {
+    "$kelreader" simulate --model 22 --seed 5 --count 3 --rate unlimited >"$work/simulate.log" &
+    simulator=$!
+    for _ in $(seq 6000); do
+        grep -q '"ready"' "$work/simulate.log" && break
+        kill -0 "$simulator" 2>/dev/null || break
+        sleep 0.1
+    done
+    device=$(sed -n 's/.*"device":"\([^"]*\)".*/\1/p' "$work/simulate.log" | head -n 1)
+    [ -n "$device" ] || fail "the simulated reader did not start"
+    "$kelreader" ports set 1 "$device" >/dev/null
+    "${@:2}" "$1/read_batch" 22 3 >"$work/sheets.txt" || fail "$1/read_batch ended with an error"
+    [ "$(grep -c '^Sheet ' "$work/sheets.txt")" = 3 ] || fail "$1/read_batch read: $(cat "$work/sheets.txt")"
+    kill "$simulator" 2>/dev/null && wait "$simulator" || true
+    simulator=
 
-"$work/host-g++/read_sheets" 22 simulated 2 >"$work/range.txt" || fail "the range of sheets ended with an error"
-[ "$(grep -c '^Sheet ' "$work/range.txt")" = 2 ] || fail "the range of sheets gave: $(cat "$work/range.txt")"
+    "${@:2}" "$1/read_sheets" 22 simulated 2 >"$work/range.txt" || fail "$1/read_sheets ended with an error"
+    [ "$(grep -c '^Sheet ' "$work/range.txt")" = 2 ] || fail "$1/read_sheets read: $(cat "$work/range.txt")"
+}
+read_with_hosts "$work/host-g++"
+read_with_hosts "$work/host-clang++" with_sanitizers
 
-# The Python package, if it was built. What is under the sanitizers needs them loaded first.
+# The Python package, if it was built.
 read_with_python() {
-    preload=
-    [ -z "$flags" ] || preload="$(g++ -print-file-name=libasan.so) $(g++ -print-file-name=libstdc++.so.6)"
-    LD_PRELOAD=$preload ASAN_OPTIONS=detect_leaks=0 PYTHONPATH=$1 /usr/bin/python3 -B -c '
+    PYTHONPATH=$1 with_sanitizers /usr/bin/python3 -B -c '
 import kelreader
 with kelreader.simulate("AccelScan", count=2, options=["feed-ms=0"]) as simulated:
     with simulated.reader(timeout=600) as reader:

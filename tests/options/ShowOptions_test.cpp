@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/options/OptionsHost.h"
 
-#include "options/OptionsPresenter.h"
+#include "options/OptionsPresenterFactory.h"
 #include "options/posix/OptionsModule.h"
 #include "strings/VBLMRTSModule.h"
 
