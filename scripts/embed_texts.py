@@ -14,7 +14,7 @@ from pathlib import Path
 LONGEST_LITERAL = 16000
 
 
-LICENCE = re.compile(r"\A(//|/\*) SPDX-License-Identifier: .*\n")
+LICENCE = re.compile(r"\A(//|/\*|<!--) SPDX-License-Identifier: .*\n")
 
 
 def text_of(file):

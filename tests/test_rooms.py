@@ -1,7 +1,8 @@
 # SPDX-License-Identifier: MIT
-"""Tests that each folder includes only what lies below it: the order of the rooms is the table here.
+"""Tests that each folder includes only what lies below it: the order of the rooms is the table here; and that each source
+names its licence.
 
-Run with a folder as argument, it checks the sources there instead of this checkout's.
+KEL_SOURCES names a folder whose sources are checked instead of this checkout's.
 """
 
 import os
@@ -56,6 +57,29 @@ APART = (
     {"options/posix", "options/qt", "options/win32"},
 )
 
+# Who may know one system: the parts of the rooms above that are made for it. Everybody else sees the interfaces.
+KNOW_THEIR_SYSTEM = {
+    "platform/posix": (
+        "options/posix",
+        "startup",
+        "simulators/pseudo_terminal",
+        "store",
+        "stream",
+        "station",
+        "cli/posix",
+    ),
+    "platform/windows": (
+        "options/win32",
+        "startup",
+        "simulators/platform/windows",
+        "host/windows",
+        "com",
+        "cli/windows",
+        "cli/main.cpp",
+    ),
+    "platform/remote_line": (),
+}
+
 # Each family is a folder of its own beside what all of them share.
 SHARED = {"drivers": {"common"}, "simulators": {"framework"}}
 
@@ -75,12 +99,24 @@ def sources():
                 yield path, path.relative_to(ROOT)
 
 
-def included(path):
+def meant(source, name):
+    """The project's own file that an include means, if it is one: beside the source first, as a compiler looks for it."""
+    for place in (Path(os.path.normpath(source.parent / name)), Path(name)):
+        if (ROOT / place).is_file():
+            return place
+    return None
+
+
+def included(path, source):
     """The project's own files that a file includes, with the line."""
     for number, line in enumerate(path.read_text(encoding="utf-8").split("\n"), 1):
         found = re.match(r'\s*#\s*include\s+"([^"]+)"', line)
-        if found and (ROOT / found[1]).is_file():
-            yield number, Path(found[1])
+        if found and (target := meant(source, found[1])):
+            yield number, target
+
+
+def lies_in(source, places):
+    return any(place in (str(source), *map(str, source.parents)) for place in places)
 
 
 def fault(source, target):
@@ -102,6 +138,8 @@ def fault(source, target):
     if room in BINDINGS and other != room:
         return f"{room}/ sees what hosts see: the public headers"
     here, there = "/".join(source.parts[:2]), "/".join(target.parts[:2])
+    if here != there and there in KNOW_THEIR_SYSTEM and not lies_in(source, KNOW_THEIR_SYSTEM[there]):
+        return f"{source} is not made for one system, or has no leave to know {there}/"
     if here == there or room in JOINS:
         return None
     if any(there in folders and (here in folders or len(source.parts) == 2) for folders in APART) and room == other:
@@ -117,7 +155,7 @@ class RoomsTest(unittest.TestCase):
         faults = [
             f"{source}:{number}: includes {target}: {wrong}"
             for path, source in sources()
-            for number, target in included(path)
+            for number, target in included(path, source)
             if (wrong := fault(source, target))
         ]
         self.assertEqual(faults, [], "\n" + "\n".join(faults))
@@ -139,18 +177,56 @@ class RoomsTest(unittest.TestCase):
             ("types/Text.h", "platform/Platform.h"),
             ("python/Module.cpp", "host/Batch.h"),
             ("reader/clsKELReader.cpp", "tests/support/ReaderHost.h"),
+            ("reader/clsKELReader.cpp", "platform/posix/LocalLine.h"),
+            ("host/Batch.cpp", "platform/windows/WindowsText.h"),
+            ("cli/Shared.cpp", "platform/windows/WindowsText.h"),
+            ("startup/Main.cpp", "platform/remote_line/GensioBridge.h"),
         ):
             self.assertIsNotNone(fault(Path(source), Path(target)), f"{source} {target}")
+
+    def test_includes_are_found_as_a_compiler_finds_them(self):
+        for source, name, target in (
+            ("reader/clsKELReader.cpp", "platform/Platform.h", "platform/Platform.h"),
+            ("drivers/ncs/basNCS.cpp", "../../reader/clsKELReader.h", "reader/clsKELReader.h"),
+            ("platform/posix/PosixPlatform.h", "../windows/WindowsPlatform.h", "platform/windows/WindowsPlatform.h"),
+            ("reader/clsKELReader.cpp", "ReaderEvents.h", "reader/ReaderEvents.h"),
+        ):
+            self.assertEqual(meant(Path(source), name), Path(target))
+        self.assertIsNone(meant(Path("reader/clsKELReader.cpp"), "TextNames.h"))  # generated
+
+
+# Files of these kinds, and of these names, say in their first lines what their licence is.
+COMMENTED = {
+    *(".h", ".cpp", ".py", ".pyi", ".sh", ".cmake", ".map", ".names", ".html", ".svg", ".css", ".js", ".service", ".sysusers"),
+    *(".idl", ".rc", ".nsi", ".wxs", ".1", ".frm", ".cls", ".cs", ".csproj", ".ps1", ".vbs", ".in", ".ini"),
+}
+COMMENTED_NAMES = {"CMakeLists.txt", "Doxyfile", "triggers", "postinst", "prerm"}
+WITHOUT_COMMENTS = {Path("cmake/WindowsPackage.txt.in")}  # its text is what users read
+MADE_ELSEWHERE = ("tests/transcripts", "fuzz/corpus", "options/qt/kept", "docs/screenshots")
+
+
+def with_comments():
+    for folder, folders, files in os.walk(ROOT):
+        here = Path(folder).relative_to(ROOT)
+        folders[:] = sorted(name for name in folders if not name.startswith((".", "build")) and name != "__pycache__")
+        for source in (here / name for name in sorted(files)):
+            named = source.suffix in COMMENTED or source.name in COMMENTED_NAMES
+            if named and source not in WITHOUT_COMMENTS and not lies_in(source, MADE_ELSEWHERE):
+                yield source
+
+
+def names_its_licence(source):
+    lines = (ROOT / source).read_text(encoding="utf-8").splitlines()
+    if source.suffix in (".h", ".cpp"):
+        return lines[:1] == ["// SPDX-License-Identifier: MIT"]
+    if source.suffix in (".frm", ".cls"):  # the properties of a form or a class come before its code
+        lines = [line for line in lines if line.startswith("'")]
+    return any("SPDX-License-Identifier: MIT" in line for line in lines[:2])
 
 
 class LicenceTest(unittest.TestCase):
     def test_each_source_names_its_licence(self):
-        unnamed = []
-        for path, source in sources():
-            with path.open(encoding="utf-8") as text:
-                if next(text, "") != "// SPDX-License-Identifier: MIT\n":
-                    unnamed.append(str(source))
-        self.assertEqual(unnamed, [])
+        self.assertEqual([str(source) for source in with_comments() if not names_its_licence(source)], [])
 
 
 if __name__ == "__main__":

@@ -48,6 +48,7 @@ Attribute VB_GlobalNameSpace = False
 Attribute VB_Creatable = False
 Attribute VB_PredeclaredId = True
 Attribute VB_Exposed = False
+' SPDX-License-Identifier: MIT
 ' Reads batches of ten sheets and lists their marks. The project has a reference to
 ' "KELReader 8.1 - Optical Mark Readers" in its 32-bit edition, since Visual Basic 6 makes 32-bit programs.
 Option Explicit
