@@ -14,11 +14,15 @@ while [ $# -gt 0 ]; do
         *) echo "run-demo.sh: unknown word '$1'; try --model NUMBER|NAME or --sheets N" >&2; exit 2 ;;
     esac
 done
+[[ $sheets =~ ^[1-9][0-9]{0,5}$ ]] || {
+    echo "run-demo.sh: --sheets takes a number from 1 to 999999, and not '$sheets'" >&2
+    exit 2
+}
 
 log=$(mktemp)
 cleanup() {
     [ -z "${simulator:-}" ] || { kill "$simulator" && wait "$simulator"; } 2>/dev/null || true
-    rm -f "$log" "${ready:-}" "${form:-}"
+    rm -f "$log" "$log.failed" "${ready:-}" "${form:-}"
 }
 trap cleanup EXIT
 
@@ -38,7 +42,6 @@ else
         echo "$shown%" >&2
     done
     if [ -e "$log.failed" ]; then
-        rm -f "$log.failed"
         cat "$log" >&2
         exit 1
     fi
@@ -50,7 +53,7 @@ form=$(mktemp)
 echo '{"side1Rows":[20],"side1Cols":[48],"side2Rows":[0],"side2Cols":[0]}' >"$form"
 "$kelreader" simulate --model "$model" --form "$form" --seed 2024 --count "$sheets" >"$ready" &
 simulator=$!
-for _ in $(seq 600); do
+for _ in $(seq 6000); do
     grep -q '"ready"' "$ready" && break
     kill -0 "$simulator" 2>/dev/null || exit 1 # it has said why
     sleep 0.1
