@@ -4,6 +4,7 @@
 #include "failure/modvbCodeShieldSupport.h"
 #include "platform/NamedObjects.h"
 #include "tests/failure/FailureTest.h"
+#include "tests/support/BuiltFiles.h"
 
 #include <gmock/gmock.h>
 #include <thread>
@@ -125,7 +126,7 @@ TEST_F(CrashCapture, TellsTheErrorLibraryOfEveryVariable)
     EXPECT_EQ(reports[0].procedure, "SendCommandST");
     EXPECT_EQ(reports[0].description, "Invalid property value");
     EXPECT_EQ(reports[0].line, procedure);
-    EXPECT_EQ(reports[0].version, "8.1.0");
+    EXPECT_EQ(reports[0].version, builtVersion());
     EXPECT_EQ(reports[0].variables, "<Variables>\r\n"
                                     "<LocalVariables>\r\n"
                                     "    <iSide1Arr>\r\n"
@@ -409,7 +410,7 @@ TEST_F(DebugSession, AnswersTheDebuggersQuestions)
     };
     EXPECT_EQ(answer(1), "1 KELReader81U");
     EXPECT_EQ(answer(2), "1 " + platform.process_.ComponentFile().string());
-    EXPECT_EQ(answer(3), "1 8.1.0");
+    EXPECT_EQ(answer(3), "1 " + builtVersion());
     EXPECT_EQ(answer(4), "1 /L=English x");
     EXPECT_EQ(answer(0), "-6 ");
     EXPECT_EQ(answer(5), "-6 ");

@@ -3,6 +3,10 @@
 
 namespace kel::test {
 
+std::string builtVersion()
+{
+    return KEL_VERSION;
+}
 std::string testData()
 {
     return KEL_TEST_DATA;

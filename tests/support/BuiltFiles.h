@@ -7,6 +7,7 @@
 /// the compiler cache of the first one.
 namespace kel::test {
 
+std::string builtVersion();           ///< the version of the component, "8.1.0"
 std::string testData();               ///< the folder tests/
 std::string readerProgram();          ///< kelreader
 std::string readBatchProgram();       ///< the example read_batch
