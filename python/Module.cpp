@@ -6,6 +6,8 @@
 #include <KELReader81U/host/Failure.h>
 #include <KELReader81U/host/UsageError.h>
 
+#include <utility>
+
 namespace py = pybind11;
 
 namespace {
@@ -43,7 +45,7 @@ PYBIND11_MODULE(_core, module)
     py::register_exception_translator([](std::exception_ptr thrown) {
         try {
             if (thrown)
-                std::rethrow_exception(thrown);
+                std::rethrow_exception(std::move(thrown));
         } catch (const kel::host::UsageError& error) {
             PyErr_SetString(usageError, error.what());
         } catch (const kel::host::OperationError& error) {

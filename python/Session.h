@@ -193,7 +193,7 @@ private:
     /// After the news of a batch.
     std::shared_ptr<HeldSheet> settled()
     {
-        const std::shared_ptr<HeldSheet> sheet = batch_->current();
+        std::shared_ptr<HeldSheet> sheet = batch_->current();
         const auto add = [](std::vector<host::Failure>& to, std::vector<host::Failure> more) {
             to.insert(to.end(), more.begin(), more.end());
         };

@@ -113,8 +113,10 @@ check_fuzz() {
     rm -r "$found"
 }
 check_tidy() {
-    build asan kel_language_file
-    KEL_TIDY=all KEL_INCLUDE_FOLDERS="$PWD:$PWD/build/asan/strings/generated" python3 -B tests/test_style.py
+    build asan all
+    cmake --preset windows -DKEL_COMMAND=ON >/dev/null
+    build windows all
+    KEL_TIDY=all KEL_BUILDS="$PWD/build/asan:$PWD/build/windows" python3 -B tests/test_style.py
 }
 
 for part in "${parts[@]}"; do
