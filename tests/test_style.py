@@ -27,8 +27,9 @@ BUILDS = [Path(folder) for folder in os.environ.get("KEL_BUILDS", "").split(":")
 COMPILER = re.compile(r"(.*/)?(?P<target>\w+-w64-mingw32-)?(c|g|clang)\+\+(-[\w.]+)?")
 
 
-def told(*command, check=True):
-    """The lines that a command writes. One that fails is an error, or has nothing to tell."""
+def git(*words, check=True):
+    """The lines that git writes, whoever the checkout belongs to. A git that refuses is an error, or has nothing to tell."""
+    command = ["git", "-c", f"safe.directory={ROOT}", *words]
     done = subprocess.run(command, cwd=ROOT, capture_output=True, text=True)
     if check and done.returncode != 0:
         raise RuntimeError(f"{' '.join(command)}: {done.stderr}")
@@ -37,7 +38,7 @@ def told(*command, check=True):
 
 def sources():
     """The sources in C++ that git knows or would take."""
-    return [path for path in told("git", "ls-files", "--cached", "--others", "--exclude-standard", "*.h", "*.cpp")
+    return [path for path in git("ls-files", "--cached", "--others", "--exclude-standard", "*.h", "*.cpp")
             if (ROOT / path).is_file()]
 
 
@@ -56,9 +57,9 @@ def changed():
     units = [path for path in files if path.endswith(".cpp")]
     if ALL:
         return units
-    upstream = told("git", "merge-base", "HEAD", "@{upstream}", check=False) or told("git", "rev-parse", "HEAD")
-    new = set(told("git", "diff", "--name-only", *upstream))
-    new.update(told("git", "ls-files", "--others", "--exclude-standard"))
+    upstream = git("merge-base", "HEAD", "@{upstream}", check=False) or git("rev-parse", "HEAD")
+    new = set(git("diff", "--name-only", *upstream))
+    new.update(git("ls-files", "--others", "--exclude-standard"))
     looked_at = {path if path.endswith(".cpp") else compiled_for(path, units) for path in files if path in new}
     return sorted(looked_at - {None})
 
