@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# Installs what is missing, builds, and reads a batch of sheets from a simulated reader behind a real pseudo-terminal.
+# Installs what is missing, builds, and reads a batch of sheets from a simulated reader at the far end of a real
+# pseudo-terminal.
 # Usage: ./run-demo.sh [--model NUMBER|NAME] [--sheets N]
 # Any model will do; a USB model is read through the simulated library of its maker.
 set -euo pipefail

@@ -21,7 +21,7 @@ public:
 
     /// Number of answers.
     [[nodiscard]] Int32 Count() const override;
-    /// Failure 5, with a text that names the answer and the choices, for a text that is no choice.
+    /// Failure 5, with a text that names the answer and the choices, for a text that is not a choice.
     [[nodiscard]] Int32 Position(std::string_view answer) const override;
 
 private:
@@ -32,8 +32,9 @@ private:
 /// A question of an `AnswerKey`.
 class KEL_PUBLIC AnswerKeyEntry final : public AnswerKeyQuestion {
 public:
-    /// `correctAnswers` has one text a version of the key, with that version's right answers separated by commas; a
-    /// reader stores at most four versions. `choiceColumns` is how many columns the form has for the question.
+    /// `correctAnswers` has one text for each version of the key, with that version's correct answers separated by
+    /// commas; a reader stores at most four versions. `choiceColumns` is how many columns the form has for the
+    /// question.
     AnswerKeyEntry(std::string name, std::vector<std::string> choices, Int32 choiceColumns,
                    std::vector<std::string> correctAnswers);
     AnswerKeyEntry(const AnswerKeyEntry& other);
@@ -44,7 +45,7 @@ public:
     [[nodiscard]] Reference<AnswerChoices> Choices() const override;
     [[nodiscard]] Reference<AnswerChoices> ChoiceColumns() const override;
     [[nodiscard]] Int32 CorrectAnswersCount() const override;
-    /// Failure 9 for a version that is not there.
+    /// Failure 9 for a version that does not exist.
     [[nodiscard]] std::string CorrectAnswers(Int32 version) const override;
 
 private:
@@ -61,7 +62,7 @@ private:
 ///     key->AddQuestion("Essay Score", {}, {"25"});
 ///     reader.AnswerKey(key);
 ///
-/// Nothing is checked when it is set; what does not fit is reported when the key goes into the reader.
+/// Nothing is checked when it is set; what does not fit is reported when the key is sent to the reader.
 class KEL_PUBLIC AnswerKey final : public AnswerKeyObject {
 public:
     AnswerKey();
@@ -77,7 +78,7 @@ public:
     void NumberOfPages(Int32 value);
 
     [[nodiscard]] Int32 QuestionsCount() const override;
-    /// Failure 9 for a number that is not there.
+    /// Failure 9 for a number that does not exist.
     [[nodiscard]] Reference<AnswerKeyQuestion> Questions(Int32 number) const override;
 
     /// Adds a question at the end; with a column a choice, or with another number of columns.

@@ -16,7 +16,7 @@ public:
     virtual ~AnswerChoices() = default;
     /// Number of texts.
     [[nodiscard]] virtual Int32 Count() const = 0;
-    /// The 1-based position of an answer's text. A text that is no choice is a failure of the key's own.
+    /// The 1-based position of an answer's text. For a text that is not a choice the key raises a failure of its own.
     [[nodiscard]] virtual Int32 Position(std::string_view answer) const = 0;
 };
 
@@ -29,12 +29,12 @@ public:
     [[nodiscard]] virtual Reference<AnswerChoices> Choices() const = 0;
     /// Only the count of the choice columns is used.
     [[nodiscard]] virtual Reference<AnswerChoices> ChoiceColumns() const = 0;
-    /// How many versions of the key there are, and the right answers of one (from 1), separated by commas.
+    /// How many versions of the key there are, and the correct answers of one (from 1), separated by commas.
     [[nodiscard]] virtual Int32 CorrectAnswersCount() const = 0;
     [[nodiscard]] virtual std::string CorrectAnswers(Int32 version) const = 0;
 };
 
-/// The answer key that a host hands to a reader which grades on the device.
+/// The answer key that a host sets for a reader that grades on the device.
 class KEL_PUBLIC AnswerKeyObject {
 public:
     virtual ~AnswerKeyObject() = default;

@@ -19,10 +19,10 @@ class DictionaryObject;
 /// A key of a dictionary: a whole number or a text. The number 1 and the text "1" are two keys.
 using DictionaryKey = std::variant<Int32, std::string>;
 
-/// The value of a key: nothing yet, a whole number or a text.
+/// The value of a key: empty, a whole number or a text.
 using DictionaryItem = std::variant<std::monostate, Int32, std::string>;
 
-/// An item as text: a number in decimal, nothing as an empty text.
+/// An item as text: a number in decimal, an empty item as an empty text.
 [[nodiscard]] KEL_PUBLIC std::string itemText(const DictionaryItem& item);
 
 /// Values of `Dictionary::CompareMode`: text keys are compared exactly, or without regard to the case of
@@ -50,12 +50,12 @@ public:
     /// Whether there is an entry of that key; none is added.
     [[nodiscard]] Boolean Exists(const DictionaryKey& key) const;
 
-    /// The item of a key. Asking for a missing key adds it, with nothing as its item.
+    /// The item of a key. Asking for a missing key adds it, with an empty item.
     [[nodiscard]] DictionaryItem Item(const DictionaryKey& key);
     /// Sets the item of a key, and adds a missing key.
     void Item(const DictionaryKey& key, DictionaryItem item);
 
-    /// Gives an entry another key; it keeps its item and its place. Failure 32811 when `key` is missing, 457 when
+    /// Changes the key of an entry; its item and its position stay. Failure 32811 when `key` is missing, 457 when
     /// `newKey` belongs to another entry.
     void Key(const DictionaryKey& key, const DictionaryKey& newKey, SourceLocation where = SourceLocation::current());
 

@@ -13,7 +13,7 @@ namespace kel {
 template <class Object>
 class StatedModule;
 
-/// A barcode zone: where on the sheet a reader with a barcode unit is to look. Nothing is checked.
+/// A barcode zone: where on the sheet a reader with a barcode unit looks for a barcode. Nothing is checked.
 class KEL_PUBLIC clsKELReaderBarcode {
 public:
     /// The class's name, as dumps of variables show it.

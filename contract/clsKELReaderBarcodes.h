@@ -25,20 +25,20 @@ public:
     /// Number of zones.
     [[nodiscard]] Int32 Count() const;
 
-    /// Adds a zone before or after a position, or at the end. A position that is not there is reported, and nothing
-    /// is added.
+    /// Adds a zone before or after a position, or at the end. A position that does not exist is reported, and the
+    /// collection does not change.
     void Add(Reference<clsKELReaderBarcode> Item, std::optional<Int32> Before = {}, std::optional<Int32> After = {});
 
-    /// Removes the zone at a position; one that is not there is reported.
+    /// Removes the zone at a position; one that does not exist is reported.
     void Remove(Int32 Index);
 
     /// Removes all zones.
     void RemoveAll();
 
-    /// The zone at a position, or nothing, without a report, where none is.
+    /// The zone at a position; a null reference, without a report, if there is none.
     [[nodiscard]] Reference<clsKELReaderBarcode> Item(Int32 Index) const;
 
-    /// Whether a position holds a zone.
+    /// Whether there is a zone at a position.
     [[nodiscard]] Boolean Exists(Int32 Index) const;
 
 private:

@@ -39,7 +39,7 @@ public:
     [[nodiscard]] Boolean Active() const;
     void Active(Boolean value);
 
-    /// The print lines: a byte a character, as the printer takes them.
+    /// The print lines: one byte for each character, as the printer expects them.
     [[nodiscard]] std::string Buffer1() const;
     void Buffer1(const std::string& text);
     [[nodiscard]] std::string Buffer2() const;
@@ -47,7 +47,7 @@ public:
     [[nodiscard]] std::string Buffer3() const;
     void Buffer3(const std::string& text);
 
-    /// How many of the model's print lines hold text.
+    /// How many of the model's print lines have text.
     [[nodiscard]] Int16 FilledBufferCount() const;
     /// How many print lines the model has: 3, 1 or 0.
     [[nodiscard]] Int16 BufferCount() const;

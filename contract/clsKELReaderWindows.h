@@ -25,20 +25,20 @@ public:
     /// Number of windows.
     [[nodiscard]] Int32 Count() const;
 
-    /// Adds a window before or after a position, or at the end. A position that is not there is reported, and nothing
-    /// is added.
+    /// Adds a window before or after a position, or at the end. A position that does not exist is reported, and the
+    /// collection does not change.
     void Add(Reference<clsKELReaderWindow> Item, std::optional<Int32> Before = {}, std::optional<Int32> After = {});
 
-    /// Removes the window at a position; one that is not there is reported.
+    /// Removes the window at a position; one that does not exist is reported.
     void Remove(Int32 Position);
 
     /// Removes all windows.
     void RemoveAll();
 
-    /// The window at a position, or nothing, without a report, where none is.
+    /// The window at a position; a null reference, without a report, if there is none.
     [[nodiscard]] Reference<clsKELReaderWindow> Item(Int32 Position) const;
 
-    /// Whether a position holds a window.
+    /// Whether there is a window at a position.
     [[nodiscard]] Boolean Exists(Int32 Position) const;
 
 private:

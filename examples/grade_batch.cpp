@@ -74,7 +74,7 @@ int main(int argc, char** argv)
     for (int question = 1; question <= kQuestions; ++question)
         key->AddQuestion("Question " + std::to_string(question), {"A", "B", "C", "D", "E"},
                          {question == 2 ? "B,D" : "B"});
-    reader.AnswerKey(key); // taken away by EndReader, so set before each session
+    reader.AnswerKey(key); // EndReader clears it, so set it before each session
 
     kel::Int32 reads = 0;
     return reader.ReadBatch(kel::False, std::atoi(argv[2]), reads) ? EXIT_SUCCESS : EXIT_FAILURE;

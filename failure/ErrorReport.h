@@ -59,7 +59,7 @@ public:
     /// only: the source already carries the number, and `Silent` is set.
     virtual Int32 RaiseError(const ErrorReport& report) = 0;
 
-    /// Gives a dialog the host's font; `form` is the options dialog's window of the presenter in use.
+    /// Sets the host's font in a dialog; `form` is the options dialog's window of the presenter in use.
     virtual void SetFont(void* form) { static_cast<void>(form); }
 
 private:

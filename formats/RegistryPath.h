@@ -18,8 +18,8 @@ struct RegistryPath {
     friend bool operator==(const RegistryPath&, const RegistryPath&) = default;
 };
 
-/// A key as it is written: the hive by its long or its short name (HKEY_CURRENT_USER, HKCU) in any case of letters,
-/// and after a backslash the path below it. Nothing for a text that does not begin with a hive.
+/// A key as it is written: the hive by its long or its short name (HKEY_CURRENT_USER, HKCU) in any case of letters, and
+/// after a backslash the path below it. nullopt for a text that does not begin with a hive.
 [[nodiscard]] KEL_PUBLIC std::optional<RegistryPath> registryPath(std::string_view text);
 
 /// The same the other way, with the hive's long name.

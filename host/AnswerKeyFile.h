@@ -13,11 +13,11 @@ namespace kel::host {
 
 /// An answer key as a file describes it.
 struct GradingKey {
-    Reference<AnswerKey> key;             ///< what goes into the reader
+    Reference<AnswerKey> key;             ///< the key to send to the reader
     std::vector<Int16> questionsOnPage{}; ///< the first element is page 1
     std::string source{}; ///< the JSON text that it was read from, on one line; empty if it was made otherwise
 
-    /// How many questions a page (from 1) holds, for the event `GetQuestionsOnPage`; 0 for an unknown page.
+    /// How many questions a page (from 1) has, for the event `GetQuestionsOnPage`; 0 for an unknown page.
     [[nodiscard]] KEL_PUBLIC Int16 questionsOn(Int16 page) const;
 };
 
@@ -33,7 +33,7 @@ struct GradingKey {
 ///
 /// - `formIds`: the identifier of each page, one or two texts.
 /// - `pages`: 1 or 2; as many as there are identifiers when it is left out.
-/// - `questionsOnPage`: how many questions each page holds; may be left out on a form with one identifier.
+/// - `questionsOnPage`: how many questions each page has; may be left out on a form with one identifier.
 /// - `questions`: in the order of the form. A name starts "Question", or "Essay Score" for the number of points that
 ///   an essay gets.
 /// - `choices`: up to five texts, none of them twice and none with a comma.

@@ -13,7 +13,7 @@
 
 namespace kel::host {
 
-/// When a batch asks whether it is to stop.
+/// When a batch checks whether it has to stop.
 enum class StopAsked {
     InEachTurn,  ///< in every turn of its waits, so that these have a clock
     AtEachSheet, ///< before and after a sheet; `CancelScan`, set from elsewhere, ends or hurries a wait
@@ -28,7 +28,7 @@ struct Mark {
     friend bool operator==(const Mark&, const Mark&) = default;
 };
 
-/// A sheet that was read, with what became of it.
+/// A sheet that was read, and whether it was rejected and printed on.
 struct Sheet {
     Int32 number = 0; ///< counted from 1
     MarkArray side1{};

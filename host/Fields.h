@@ -11,7 +11,7 @@
 
 namespace kel::host {
 
-/// A place on a side of a sheet: its row and column, both from 1.
+/// A cell on a side of a sheet: its row and column, both from 1.
 struct FieldCell {
     Int32 row = 0;    ///< from 1
     Int32 column = 0; ///< from 1
@@ -39,7 +39,7 @@ struct Field {
     std::string blank = "-"; ///< the value where no cell is marked
 };
 
-/// The value in a column: nothing if a side or a cell was not read, a truth value, a number, or a text (UTF-8).
+/// The value in a column: empty if a side or a cell was not read, a truth value, a number, or a text (UTF-8).
 using FieldValue = std::variant<std::monostate, bool, Int32, std::string>;
 
 /// The value of a field on a sheet.

@@ -27,7 +27,7 @@ struct Form {
     std::vector<Field> fields{}; ///< named fields of a sheet; the reader does not know of them
     std::string source{};        ///< the JSON text that it was read from, on one line; empty if it was made otherwise
 
-    /// Whether it describes nothing.
+    /// Whether it is empty.
     [[nodiscard]] bool empty() const
     {
         return source.empty() && !side1Rows && !side1Cols && !side2Rows && !side2Cols && windows.empty() &&
@@ -68,10 +68,10 @@ struct Form {
 /// The sizes of a form as a form's text on one line.
 [[nodiscard]] KEL_PUBLIC std::string sizesText(const Form& form);
 
-/// Gives the form's sizes to a reader; those that are not given it leaves as they are.
+/// Sets the form's sizes in a reader; sizes that the form does not have stay as they are.
 KEL_PUBLIC void applySizes(const Form& form, clsKELReader& reader);
 
-/// Gives the whole form to a reader. Windows and zones are added to those that its collections hold.
+/// Sets the whole form in a reader. Windows and zones are added to those in its collections.
 KEL_PUBLIC void applyForm(const Form& form, clsKELReader& reader);
 
 } // namespace kel::host

@@ -26,11 +26,11 @@ struct PortState {
 /// All sixteen port numbers, then the serial devices that have none. Each device is opened and closed again.
 [[nodiscard]] KEL_PUBLIC std::vector<PortState> portStates();
 
-/// The device or remote line that a port number, 1 to 16, stands for; nothing if there is none.
+/// The device or remote line that a port number, 1 to 16, stands for; nullopt if there is none.
 [[nodiscard]] KEL_PUBLIC std::optional<std::string> deviceOf(Int16 port);
 
-/// Maps a port number to a device or a remote line, or takes its device away. False for a number outside 1 to 16, for
-/// a device whose name is empty or longer than 4,096 bytes, for a port that has none to remove, and if the settings
+/// Assigns a port number to a device or a remote line, or removes its device. False for a number outside 1 to 16, for a
+/// device whose name is empty or longer than 4,096 bytes, for a port that has none to remove, and if the settings
 /// cannot be written.
 KEL_PUBLIC bool mapPort(Int16 port, const std::string& device);
 KEL_PUBLIC bool unmapPort(Int16 port);

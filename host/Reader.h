@@ -18,14 +18,14 @@ namespace kel::host {
 
 class Sheets;
 
-/// What becomes of reports while a range of sheets is read.
+/// What to do with reports while a range of sheets is read.
 enum class OnFailure {
     Throw, ///< the range throws ReaderFailed once the reader has ended
     Keep,  ///< the range ends; `Reader::failures()` has them
 };
 
-/// A reader as a program in modern C++ uses it: a thin layer over `clsKELReader`, which is there for all that this
-/// leaves out.
+/// A reader as a program in modern C++ uses it: a thin layer over `clsKELReader`, which `object()` returns for
+/// everything else.
 ///
 ///     kel::host::Reader reader({.model = "GradeMaster", .device = "/dev/ttyUSB0"});
 ///     for (const kel::host::Sheet& sheet : reader.sheets())
@@ -45,12 +45,12 @@ public:
     /// The published object.
     [[nodiscard]] clsKELReader& object() noexcept;
 
-    /// Starts the simulated reader and makes the trace, if the request has them. The first batch does it too.
-    /// UsageError for options of the simulated reader that are wrong, OperationError for a file that cannot be made.
+    /// Starts the simulated reader and creates the trace file, if the request has them. The first batch also does this.
+    /// UsageError for options of the simulated reader that are wrong, OperationError for a file that cannot be created.
     void connect();
 
-    /// Reads a batch and reports all that happens as it happens. While it runs, `stopWanted`, if there is one, takes
-    /// the place of the host's pump: it is asked now and then, and once it says true the batch stops.
+    /// Reads a batch and reports all that happens as it happens. While it runs, `stopWanted`, if there is one, runs
+    /// instead of the host's pump: it is called again and again, and once it returns true the batch stops.
     Result read(Events& events, const std::function<bool()>& stopWanted = {}, StopAsked asked = StopAsked::InEachTurn);
 
     /// The sheets of a batch, each read when the loop comes to it. The session begins with the loop, and ends with it
@@ -58,13 +58,13 @@ public:
     [[nodiscard]] Sheets sheets(OnFailure onFailure = OnFailure::Throw);
 
     /// Within a range of sheets: sends the sheet that was read last to the reject side, or out; a further call for the
-    /// same sheet does nothing. And has the range end after this sheet.
+    /// same sheet does nothing. `stop` ends the range after this sheet.
     void reject();
     void eject();
     void stop();
 
     /// Looks for the reader at the ports, first at `startPort` if it is above 0, and asks for its firmware version;
-    /// nothing if none answers. `failures()` says why.
+    /// nullopt if none answers; `failures()` says why.
     [[nodiscard]] std::optional<Int16> locate(Int16 startPort = 0);
     [[nodiscard]] std::optional<std::string> firmware();
 

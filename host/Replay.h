@@ -13,7 +13,7 @@
 
 namespace kel::host {
 
-/// Replays a recorded session without a reader. Time is the transcript's: a wait of ten seconds takes none.
+/// Replays a recorded session without a reader. Time is that of the transcript, so recorded waits take none.
 class KEL_PUBLIC Replay {
 public:
     /// From the text of a transcript, as a trace has it, or of a report of `kelreader check`, of which it replays the
@@ -30,8 +30,8 @@ public:
     /// Replays the session, as `Reader::read` reads a batch.
     Result read(Events& events, const std::function<bool()>& stopWanted = {});
 
-    /// Where the session left its transcript, a sentence each; and the first line that the host should have sent
-    /// and has not, empty if there is none.
+    /// Where the session differed from its transcript, a sentence each; and the first line that the host should have
+    /// sent and did not, empty if there is none.
     [[nodiscard]] const std::vector<std::string>& differences() const noexcept;
     [[nodiscard]] std::string unsent() const;
 

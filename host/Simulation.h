@@ -29,9 +29,10 @@ struct Simulation {
 
 class PlayedReader;
 
-/// A simulated reader, at work for as long as the object lives: behind a pseudo-terminal in a thread of its own, or
-/// on Windows in the calling thread, for whose readers alone it is; or,
-/// for a USB model, as the library of the readers' maker, which the calling thread's readers load from now on.
+/// A simulated reader, which runs as long as the object lives. On Linux it is at the far end of a pseudo-terminal, in a
+/// thread of its own; on Windows it runs in the calling thread, and only that thread's readers can use it. A USB model
+/// is simulated by a library with the functions of the readers' maker, which the calling thread's readers load from now
+/// on.
 class KEL_PUBLIC SimulatedReader {
 public:
     /// UsageError for a value that does not fit, and std::system_error if there is no pseudo-terminal.

@@ -27,8 +27,8 @@ private:
     }
 };
 
-/// What was asked for rightly cannot be done: a file that cannot be written, a terminal that cannot be made. The text
-/// is one sentence.
+/// A correct request that cannot be carried out: a file that cannot be written, a pseudo-terminal that cannot be
+/// opened. The text is one sentence.
 class KEL_PUBLIC OperationError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;

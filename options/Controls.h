@@ -17,10 +17,10 @@
 
 /// The controls of a form as plain state: what a window shows and what its user does, without any toolkit.
 ///
-/// A view reads the state, and tells what the user did by calling the same operations that code calls: it selects a
+/// A view reads the state, and passes on what the user did by calling the same operations that code calls: it selects a
 /// row, sets a text, clicks a button. The form's handlers run within these calls, and afterwards the view shows what
-/// the state has become. Everything here stands in the header, so that a view that is a module of its own needs
-/// nothing of the component but this.
+/// the state has become. Everything is in this header, so that a view in a module of its own needs nothing else of the
+/// component.
 ///
 /// Positions and sizes are in twips, 1440 to the inch, relative to the container.
 namespace kel {
@@ -77,27 +77,27 @@ public:
     [[nodiscard]] const std::string& Caption() const { return caption_; }
     void Caption(std::string value) { caption_ = std::move(value); }
 
-    /// Whether the control itself can be worked; it is greyed out if not.
+    /// Whether the control itself can be used; it is greyed out if not.
     [[nodiscard]] Boolean Enabled() const { return enabled_; }
     void Enabled(Boolean value) { enabled_ = value; }
 
-    /// Whether the control itself is visible; on a hidden frame it is not seen all the same.
+    /// Whether the control itself is visible. On a hidden frame the user does not see it even so.
     [[nodiscard]] Boolean Visible() const { return visible_; }
     void Visible(Boolean value) { visible_ = value; }
 
-    /// The frame that it is on, or nothing on the form itself.
+    /// The frame that it is on; null for a control on the form itself.
     [[nodiscard]] const Control* Container() const { return container_; }
 
     /// Whether a user sees it: it is visible, and so is its frame.
     [[nodiscard]] bool Seen() const { return static_cast<bool>(visible_) && (!container_ || container_->Seen()); }
 
-    /// Whether a user can work it.
+    /// Whether a user can use it.
     [[nodiscard]] bool Usable() const
     {
         return Seen() && static_cast<bool>(enabled_) && (!container_ || static_cast<bool>(container_->Enabled()));
     }
 
-    /// Place and size in twips.
+    /// Position and size in twips.
     [[nodiscard]] double Left() const { return left_; }
     void Left(double value) { left_ = value; }
     [[nodiscard]] double Top() const { return top_; }
@@ -122,8 +122,8 @@ public:
     void SetFocus() { host_.activeControl_ = this; }
 
 protected:
-    /// Puts the control on a form, after those that are there; on a frame of the form if `container` is one. The
-    /// names must live as long as the control.
+    /// Adds the control to a form, after the controls that are already there; to a frame of the form if `container` is
+    /// one. The names must live as long as the control.
     Control(ControlHost& host, std::string_view typeName, std::string_view name, const Control* container)
         : host_(host), typeName_(typeName), name_(name), container_(container)
     {
@@ -148,7 +148,7 @@ private:
 /// A text.
 class KEL_PUBLIC Label final : public Control {
 public:
-    /// Puts it on a form.
+    /// Adds it to a form.
     Label(ControlHost& host, std::string_view name, const Control* container = nullptr)
         : Control(host, "Label", name, container)
     {
@@ -158,14 +158,14 @@ public:
 /// A titled box around other controls.
 class KEL_PUBLIC Frame final : public Control {
 public:
-    /// Puts it on a form.
+    /// Adds it to a form.
     Frame(ControlHost& host, std::string_view name) : Control(host, "Frame", name, nullptr) {}
 };
 
-/// A part of the form that only adorns it: a band, a line.
+/// A decoration of the form: a band, a line.
 class KEL_PUBLIC Ornament final : public Control {
 public:
-    /// Puts it on a form.
+    /// Adds it to a form.
     Ornament(ControlHost& host, std::string_view typeName, std::string_view name)
         : Control(host, typeName, name, nullptr)
     {
@@ -175,7 +175,7 @@ public:
 /// A box that is ticked or not.
 class KEL_PUBLIC CheckBox final : public Control {
 public:
-    /// Puts it on a form.
+    /// Adds it to a form.
     CheckBox(ControlHost& host, std::string_view name, const Control* container)
         : Control(host, "CheckBox", name, container)
     {
@@ -192,7 +192,7 @@ public:
             onClick();
     }
 
-    /// The user clicks: the tick changes, if the user can work the box.
+    /// The user clicks: the tick changes, if the user can use the box.
     void Click()
     {
         if (Usable())
@@ -209,13 +209,13 @@ private:
 /// A button.
 class KEL_PUBLIC PowerButton final : public Control {
 public:
-    /// Puts it on a form.
+    /// Adds it to a form.
     PowerButton(ControlHost& host, std::string_view name, const Control* container = nullptr)
         : Control(host, "PowerButton", name, container)
     {
     }
 
-    /// The user clicks; nothing happens while the user cannot work the button.
+    /// The user clicks; nothing happens while the user cannot use the button.
     void Click()
     {
         if (Usable() && onClick)
@@ -230,16 +230,16 @@ public:
 /// -1 is no row.
 class KEL_PUBLIC PowerCombo final : public Control {
 public:
-    /// Each row has so many.
+    /// Number of columns of each row.
     static constexpr Int32 kColumns = 2;
 
-    /// Puts it on a form.
+    /// Adds it to a form.
     PowerCombo(ControlHost& host, std::string_view name, const Control* container = nullptr)
         : Control(host, "PowerCombo", name, container)
     {
     }
 
-    /// Takes all rows away, and the selection with them; no event.
+    /// Deletes all rows, and clears the selection; no event.
     void ClearRows()
     {
         rows_.clear();
@@ -259,7 +259,7 @@ public:
     /// How many rows there are.
     [[nodiscard]] Int32 RowCount() const { return static_cast<Int32>(rows_.size()); }
 
-    /// Sets a cell; 9 "Subscript out of range" for one that is not there.
+    /// Sets a cell; failure 9 "Subscript out of range" for one that does not exist.
     void SetCell(Int32 row, Int32 column, std::string text)
     {
         if (!isCell(row, column))
@@ -267,7 +267,7 @@ public:
         rows_[static_cast<std::size_t>(row)][static_cast<std::size_t>(column)] = std::move(text);
     }
 
-    /// A cell's text, empty for one that is not there.
+    /// A cell's text; empty for one that does not exist.
     [[nodiscard]] std::string CellText(Int32 column, Int32 row) const
     {
         if (!isCell(row, column))
@@ -285,8 +285,8 @@ public:
         return -1;
     }
 
-    /// The selected row. A row that is not there is no row. Every change fires `onSelChangeEx` with the row before
-    /// and the row now, whoever makes it.
+    /// The selected row. A row that does not exist counts as -1. Every change calls `onSelChangeEx` with the previous
+    /// and the current row, whoever makes it.
     [[nodiscard]] Int32 CurrentRow() const { return currentRow_; }
     void CurrentRow(Int32 row)
     {
@@ -305,25 +305,25 @@ public:
     /// Column 0 of the selected row, empty without one.
     [[nodiscard]] std::string Text() const { return CellText(0, currentRow_); }
 
-    /// What a view shows after column 0 of a row, for people alone: the device of a port. Empty for none.
+    /// What a view shows after column 0 of a row, for people only: the device of a port. May be empty.
     [[nodiscard]] std::string Remark(Int32 row) const { return isCell(row, 0) ? aidOf(row).remark : std::string(); }
     void Remark(Int32 row, std::string text) { aid(row).remark = std::move(text); }
 
-    /// What rows of the same kind stand under when the list is open: the maker of a model. Empty for none.
+    /// The heading under which an open list shows the row: the maker of a model. May be empty.
     [[nodiscard]] std::string Group(Int32 row) const { return isCell(row, 0) ? aidOf(row).group : std::string(); }
     void Group(Int32 row, std::string text) { aid(row).group = std::move(text); }
 
-    /// A line that is no row: nobody can select it.
+    /// A line that is not a row and cannot be selected.
     struct Line {
-        std::string text{};   ///< what it is
+        std::string text{};   ///< its text
         std::string reason{}; ///< why it cannot be chosen
         friend bool operator==(const Line&, const Line&) = default;
     };
-    /// What a view shows greyed after the rows.
+    /// The lines that a view shows, greyed out, after the rows.
     [[nodiscard]] const std::vector<Line>& Unavailable() const { return unavailable_; }
     void Unavailable(std::vector<Line> lines) { unavailable_ = std::move(lines); }
 
-    /// What stands in the field while nothing is selected.
+    /// The text in the field while no row is selected.
     [[nodiscard]] const std::string& Prompt() const { return prompt_; }
     void Prompt(std::string value) { prompt_ = std::move(value); }
 
@@ -356,24 +356,23 @@ private:
     std::string prompt_;
 };
 
-/// A field for a number, with spin buttons of step 1. It does not look at its text by itself: the form does at
-/// `Validate`.
+/// A field for a number, with spin buttons of step 1. It does not check its text itself; the form does, in `Validate`.
 class KEL_PUBLIC PowerEdit final : public Control {
 public:
-    /// Puts it on a form.
+    /// Adds it to a form.
     PowerEdit(ControlHost& host, std::string_view name, const Control* container)
         : Control(host, "PowerEdit", name, container)
     {
     }
 
-    /// What stands in the field. The user's typing goes here as it is.
+    /// The text in the field, as the user types it.
     [[nodiscard]] const std::string& Text() const { return text_; }
     void Text(std::string value) { text_ = std::move(value); }
 
-    /// The number that the text is, as the form reads it; nothing if it is none.
+    /// The text as a number, as the form reads it; nullopt if it is not a number.
     [[nodiscard]] std::optional<double> Number() const { return onNumber ? onNumber(text_) : std::optional<double>(); }
 
-    /// One step up or down: the next whole number, and not beyond the bounds. A text that is no number counts as the
+    /// One step up or down: the next whole number, and not beyond the bounds. A text that is not a number counts as the
     /// minimum.
     void StepUp() { step(1); }
     void StepDown() { step(-1); }
@@ -395,15 +394,16 @@ public:
         maximum_ = value;
     }
 
-    /// How many digits may stand behind the separator.
+    /// How many digits may follow the separator.
     [[nodiscard]] Int32 DecimalPlaces() const { return decimalPlaces_; }
     void DecimalPlaces(Int32 value) { decimalPlaces_ = value; }
 
-    /// What stands before the digits of a fraction.
+    /// The separator between a whole number and its fraction.
     [[nodiscard]] const std::string& DecimalSeparator() const { return decimalSeparator_; }
     void DecimalSeparator(std::string value) { decimalSeparator_ = std::move(value); }
 
-    /// Selects characters from the 0-based `start`; a length of -1 is up to the end. The view shows it.
+    /// Selects characters from `start`, which counts from 0; a length of -1 reaches to the end. The view shows the
+    /// selection.
     void SelectRange(Int32 start, Int32 length)
     {
         selectionStart_ = start;
@@ -412,8 +412,8 @@ public:
     [[nodiscard]] Int32 SelectionStart() const { return selectionStart_; }
     [[nodiscard]] Int32 SelectionLength() const { return selectionLength_; }
 
-    /// The user comes into the field, and leaves it: a view calls `Validate` when the focus goes elsewhere in the
-    /// form. `ValidationError` is for a view whose field finds by itself that its text is no number.
+    /// The user enters the field, and leaves it: a view calls `Validate` when the focus goes elsewhere in the form.
+    /// `ValidationError` is for a view whose field itself finds that its text is not a number.
     void GotFocus()
     {
         SetFocus();
@@ -431,7 +431,7 @@ public:
             onValidationError();
     }
 
-    /// The user types a character: the answer is the one that the field is to take, 0 for none.
+    /// The user types a character: the result is the character that the field accepts, 0 for none.
     [[nodiscard]] Int16 KeyPress(Int16 KeyAscii)
     {
         if (onKeyPress)

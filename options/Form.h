@@ -41,11 +41,11 @@ public:
         return measure_ ? measure_->TextWidth(text, font_) : estimatedWidth(text);
     }
 
-    /// Who measures; nothing for an estimate. Set before the form is shown, and to outlive it.
+    /// Measures texts; null: widths are estimated. Set it before the form is shown; it must outlive the form.
     void Measure(TextMeasure* measure) { measure_ = measure; }
 
     /// The window of the view that shows the form, for the host's error object to give it a font: a `QWidget*`, a
-    /// `HWND`. Set before the form is shown; nothing where there is no window.
+    /// `HWND`. Set it before the form is shown; null if there is no window.
     [[nodiscard]] void* Window() const { return window_; }
     void Window(void* window) { window_ = window; }
 
@@ -61,7 +61,7 @@ public:
             onLoad();
     }
 
-    /// Loads the form and declares it shown. `Hide` ends that; the form calls it by itself once it is decided.
+    /// Loads the form and makes it visible. `Hide` ends that; the form calls it itself after OK or Cancel.
     void Show()
     {
         Load();
@@ -90,11 +90,11 @@ public:
 
 protected:
     Form() = default;
-    /// Those of the form, which are to live as long as it.
+    /// Sets the form's aids, which must live as long as the form.
     void Aids(OptionsAids& aids) { aids_ = &aids; }
 
 private:
-    /// As wide as 5 points a character.
+    /// 5 points for each character.
     [[nodiscard]] static double estimatedWidth(const std::string& text)
     {
         const auto characters = std::count_if(text.begin(), text.end(), [](char c) { return (c & 0xC0) != 0x80; });

@@ -11,10 +11,10 @@ namespace kel {
 
 class frmOptions;
 
-/// Shows the options dialog: what stands between its model and a window system.
+/// Shows the options dialog: it connects the dialog's model with a window system.
 ///
-/// The component brings one for each system: on Linux a Qt window in a module of its own, which is loaded at the first
-/// `ShowOptions`, on Windows a dialog. A host with a window system of its own, a test or a script gives its own with
+/// The component has one for each system: on Linux a Qt window in a module of its own, which is loaded at the first
+/// `ShowOptions`, on Windows a dialog. A host with a window system of its own, a test or a script sets its own with
 /// `setOptionsPresenter`:
 ///
 ///     class ChooseScanmark final : public kel::OptionsPresenter {
@@ -31,13 +31,13 @@ class KEL_PUBLIC OptionsPresenter {
 public:
     virtual ~OptionsPresenter() = default;
 
-    /// Shows the form and comes back when it is decided. In this order: set `form.Measure` and `form.Window` if there
-    /// are any; `form.Show()`, which fills the controls; show them, with the focus on `form.ActiveControl()`; pass on
-    /// what the user does, until `form.Visible()` is False (`form.onHide` reports when). A window that is closed in
-    /// another way is `form.cmdCancel.Click()`; a form that is still visible when this returns counts as cancelled.
+    /// Shows the form and returns after OK or Cancel. In this order: set `form.Measure` and `form.Window`, if there are
+    /// any; `form.Show()`, which fills the controls; show them, with the focus on `form.ActiveControl()`; pass on what
+    /// the user does, until `form.Visible()` is False (`form.onHide` reports when). A window that is closed in another
+    /// way is `form.cmdCancel.Click()`; a form that is still visible when this returns counts as cancelled.
     ///
-    /// `parent` is the owner that the host gave to `ShowOptions`, of this presenter's own kind, or nothing.
-    /// False if the form could not be shown: `reason` then says why, in a sentence that `ShowOptions` reports.
+    /// `parent` is the owner that the host gave to `ShowOptions`, of this presenter's own kind, or null. False if the
+    /// form could not be shown; `reason` then says why, in a sentence that `ShowOptions` reports.
     virtual bool show(frmOptions& form, void* parent, std::string& reason) = 0;
 
     /// Where boxes, beeps and the mouse pointer go while `show` runs; nullptr for the platform's own.

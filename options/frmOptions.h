@@ -23,32 +23,32 @@ class StatedModule;
 
 /// The options dialog without a toolkit: the user chooses a model and adjusts its settings.
 ///
-/// The catalogue rules it: a change of the model sets the value, the bounds, and the enabled and visible state of every
-/// control anew. The port alone stays. Nothing goes into the reader before OK.
+/// The catalogue decides: a change of the model sets the value, the bounds, and the enabled and visible state of every
+/// control again, except the port. The reader's settings do not change before OK.
 ///
-/// A view reads the controls and hands on what its user does through them (see `OptionsPresenter`):
+/// A view reads the controls and passes on what its user does through them (see `OptionsPresenter`):
 ///
 ///     form.cboReaderType.CurrentRow(3);       a row is selected; so with all lists
 ///     form.chkDuplex.Click();                 a box is clicked
 ///     form.txtMarkCutOff.GotFocus();          a field is entered, then
 ///     key = form.txtMarkCutOff.KeyPress(key)  for each character that is typed,
-///     form.txtMarkCutOff.Text("12");          with what stands there now,
+///     form.txtMarkCutOff.Text("12");          with the whole text now,
 ///     form.txtMarkCutOff.Validate();          and left
 ///     form.cmdLocate.Click();                 a button is clicked
 ///
-/// Any of these may change any control, so the view then shows all of them anew.
+/// Any of these may change any control, so the view then shows all of them again.
 class KEL_PUBLIC frmOptions final : public Form {
 public:
-    /// The class's name, as dumps of variables tell it.
+    /// The class's name, as dumps of variables show it.
     static constexpr const char* kClassName = "frmOptions";
 
     frmOptions();
     ~frmOptions() override;
 
-    /// The reader under edit, which must outlive the form. True when it is set.
+    /// The reader whose settings are edited; it must outlive the form. True when it is set.
     Boolean SetReader(clsKELReader& oReader);
 
-    /// Whether the last dialog of this thread was cancelled. True, too, for one that is not decided yet.
+    /// Whether the last dialog of this thread was cancelled. Also True while it is still open.
     [[nodiscard]] static Boolean Cancelled();
 
     // --- The controls, in tab order
@@ -65,7 +65,7 @@ public:
     /// The frame of the reader's options.
     Frame frmReader{*this, "frmReader"};
 
-    /// An option that the model has or not.
+    /// An option that the model may have.
     CheckBox chkFeeder{*this, "chkFeeder", &frmReader};
     CheckBox chkDuplex{*this, "chkDuplex", &frmReader};
     CheckBox chkRejecter{*this, "chkRejecter", &frmReader};
@@ -114,12 +114,12 @@ public:
     /// The line above the buttons.
     Ornament linBottom{*this, "Line", "linBottom"};
 
-    /// The buttons. OK is the default, Cancel that of the Escape key.
+    /// The buttons. OK is the default; the Escape key is Cancel.
     PowerButton cmdDefaults{*this, "cmdDefaults"};
     PowerButton cmdOK{*this, "cmdOK"};
     PowerButton cmdCancel{*this, "cmdCancel"};
 
-    // --- Its procedures, which run by themselves when the form is loaded and its controls are worked
+    // --- Its procedures, which run when the form is loaded and when its controls are used
 
     /// Captions, the host's font, layout and values, in this order.
     void Form_Load();
@@ -130,11 +130,12 @@ public:
     /// Makes room for the captions: fields and lists go right of the longest label.
     void RepositionControls();
 
-    /// Fills the lists and shows the reader's settings. Each port from 1 to 16 is opened for an instant, unless the
-    /// view has asked for the ports to come by themselves.
+    /// Fills the lists and shows the reader's settings. Each port from 1 to 16 is opened for a moment, unless the view
+    /// has called `showPortsAsTheyCome`.
     void LoadValues();
 
-    /// Writes the settings to a reader: those of the line only for a serial model; for no model the defaults of none.
+    /// Writes the settings to a reader: those of the line only for a serial model; without a model, the defaults of "No
+    /// reader".
     void SaveValues(clsKELReader& cSaveReader);
 
     /// Whether a port can be opened at this moment; nothing is reported.
@@ -144,20 +145,20 @@ public:
     static void AddComboItem(PowerCombo& cboCombo, std::string sItem, Boolean bAddNewRow, Int16 iColIndex,
                              Int32 lRowIndex);
 
-    /// Sets both bounds of a field in an order in which neither is refused.
+    /// Sets both bounds of a field, in the order in which neither is refused.
     static void SetSpinMinMax(PowerEdit& txtSpin, Int32 lMinValue, Int32 lMaxValue);
 
-    /// Writes the number of a field the usual way and brings it within the bounds, with a beep unless `bQuiet`.
+    /// Formats the number of a field and moves it to a bound if it lies outside, with a beep unless `bQuiet`.
     static void ValidateSpinValue(PowerEdit& txtEdit, Boolean bQuiet);
 
-    /// The number of a text: with a decimal point as `Val` reads it, else by the locale; 13 "Type mismatch" if it is
-    /// none.
+    /// The number of a text: with a decimal point as `Val` reads it, else by the locale; failure 13 "Type mismatch" if
+    /// it is not a number.
     [[nodiscard]] static double CVal(std::string_view vValue);
 
     /// Sets every control but the port from the catalogue's record of the model that was chosen.
     void cboReaderType_SelChangeEx(Int32 PreviousRowNum, Int32 CurrentRowNum);
 
-    /// Fixes or frees the three numbers of models that judge the marks themselves when they grade.
+    /// Disables or enables the three numbers on models that evaluate the marks themselves when they grade.
     void chkReaderGrade_Click();
 
     /// Saves and closes, unless a serial model has no port.

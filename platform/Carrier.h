@@ -6,8 +6,8 @@
 
 namespace kel {
 
-/// The object that carries a reader's serial control and timer. A host may put one of its own instead of the
-/// reader's; drivers fetch both members anew for every access.
+/// The object that carries a reader's serial control and timer. A host may replace it with one of its own; drivers
+/// fetch both members again for every access.
 class Carrier {
 public:
     virtual ~Carrier() = default;

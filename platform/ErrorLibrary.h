@@ -10,7 +10,7 @@
 
 namespace kel {
 
-/// A failure that no procedure has handled, its fields in the order in which an error library takes them.
+/// A failure that no procedure has handled, its fields in the order in which an error library expects them.
 struct CrashReport {
     Int32 number = 0;          ///< of the failure
     std::string component{};   ///< "KELReader81U"
@@ -27,7 +27,7 @@ class KEL_PUBLIC ErrorLibraryObject {
 public:
     virtual ~ErrorLibraryObject() = default;
 
-    /// Takes a report. A failure of it is ignored.
+    /// Receives a report. A failure of the library itself is ignored.
     virtual void ErrorHandler(const CrashReport& report) = 0;
 
     /// What the user chose to do; it is read after each report, and its value is not used.
@@ -37,7 +37,7 @@ public:
 /// The class by whose name the component creates its error library.
 inline constexpr const char* kErrorLibraryClass = "KELError10.Error";
 
-/// Makes an object; nothing if it cannot.
+/// Makes an object; null if it cannot.
 using ErrorLibraryFactory = std::function<std::shared_ptr<ErrorLibraryObject>()>;
 
 /// Registers what makes the objects of a class, for the whole process. An empty function removes it. A host that

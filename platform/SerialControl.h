@@ -11,7 +11,7 @@ namespace kel {
 
 /// A serial line with reception in the background: what the drivers call `mscComm`.
 ///
-/// Characters are bytes; a text holds one byte a character, zero bytes included.
+/// Characters are bytes; a text has one byte for each character, zero bytes included.
 class SerialControl {
 public:
     virtual ~SerialControl() = default;
@@ -32,22 +32,23 @@ public:
 
     /// Opens or closes the line. Opening fails with 8002 (no such port), 8005 (open already, here or in another
     /// process), 8010 (not permitted, or not available), 8012 (not a serial device), 380 or 8015 (a setting that the
-    /// device does not take); the text says which port and what. Closing a closed line does nothing.
+    /// device does not accept); the text says which port and what. Closing a closed line does nothing.
     [[nodiscard]] virtual Boolean PortOpen() const = 0;
     virtual void PortOpen(Boolean value) = 0;
 
-    /// How many characters one `Input` takes at most; 0 is all that wait. A negative number is 380.
+    /// The maximum number of characters that one `Input` returns; 0 is all that wait. A negative number is 380.
     [[nodiscard]] virtual Int32 InputLen() const = 0;
     virtual void InputLen(Int32 value) = 0;
 
-    /// How many received characters wait, those that have arrived just now included; needs no message pump.
-    /// On a closed line 8018; on a line that has hung up 8020, once what came before is taken.
+    /// How many received characters wait, those that have arrived just now included; needs no message pump. On a closed
+    /// line 8018; on a line that has hung up 8020, once everything that came before has been read.
     [[nodiscard]] virtual Int32 InBufferCount() = 0;
 
-    /// Takes up to `InputLen` characters; empty when none wait. Fails as `InBufferCount` does.
+    /// Returns up to `InputLen` characters, and removes them from the input; empty if none wait. Fails as
+    /// `InBufferCount` does.
     [[nodiscard]] virtual std::string Input() = 0;
 
-    /// Sends bytes, all of them, as they stand. On a closed line 8018; 8020 when the device is gone or takes nothing.
+    /// Sends all bytes, unchanged. On a closed line 8018; 8020 when the device is gone or accepts nothing.
     virtual void Output(std::string_view bytes) = 0;
 };
 

@@ -68,7 +68,7 @@ public:
 #undef KEL_NOT_STORED
 #undef KEL_PROPERTY
 
-    /// The model's name as users see it, found anew by `ReaderType` at each call; empty if that is not a model.
+    /// The model's name as users see it, looked up by `ReaderType` at each call; empty if that is not a model.
     [[nodiscard]] std::string ReaderName() const;
 
 private:

@@ -21,7 +21,7 @@ public:
 
     /// After a successful read. The host may change the arrays in place, call `RejectPage` or `EjectPage`, fill the
     /// printer's buffers and set its `Active`. A barcode has one byte per character, as it came. `bReject` set True
-    /// suppresses the print, nothing else.
+    /// suppresses only the print.
     virtual void ReadSheet(MarkArray& iSide1Array, MarkArray& iSide2Array, TextArray& sBarcodeArray, Boolean& bReject)
     {
         static_cast<void>(iSide1Array);
@@ -39,9 +39,9 @@ public:
     /// After a print that succeeded.
     virtual void AfterPrint() {}
 
-    /// From readers that deliver records of named fields: the host turns the dictionary into marks and barcodes.
-    /// The arrays it dimensions itself where they arrive undimensioned. Setting `bNeedsMoreData` asks for a further
-    /// record first, on readers that can.
+    /// From readers that deliver records of named fields: the host turns the dictionary into marks and barcodes. It
+    /// dimensions arrays that arrive undimensioned. Setting `bNeedsMoreData` asks for a further record first, on
+    /// readers that can.
     virtual void TranslateData(Dictionary& oData, MarkArray& iSide1Array, MarkArray& iSide2Array,
                                TextArray& sBarcodeArray, Boolean& bNeedsMoreData)
     {
@@ -52,7 +52,7 @@ public:
         static_cast<void>(bNeedsMoreData);
     }
 
-    /// While an answer key goes into the reader: the host stores how many questions page `iPage` holds.
+    /// While an answer key is sent to the reader: the host stores how many questions page `iPage` holds.
     virtual void GetQuestionsOnPage(Int16& iPage, Int16& iNumberQuestions)
     {
         static_cast<void>(iPage);

@@ -41,7 +41,7 @@ public:
     clsKELReader(const clsKELReader&) = delete;
     clsKELReader& operator=(const clsKELReader&) = delete;
 
-    // --- Objects. Any may be replaced, by nothing too.
+    // --- Objects. Each may be replaced, also by a null reference.
 
     /// Barcode zones of the form.
     [[nodiscard]] Reference<clsKELReaderBarcodes> Barcodes() const;
@@ -106,7 +106,7 @@ public:
     /// Mark discrimination; read by the Scanning Systems driver.
     [[nodiscard]] Int16 MarkDiscrimination() const;
     void MarkDiscrimination(Int16 value);
-    /// The model's name, as `ReturnReaderName` gives it.
+    /// The model's name, as `ReturnReaderName` returns it.
     [[nodiscard]] std::string ReaderName() const;
 
     /// Timing marks that the reader reported on each side of the last sheet, -1 if it reported none.
@@ -185,7 +185,7 @@ public:
     /// the form do not change. False, after a report, for a model without a profile.
     Boolean LoadDefaults(kelReaderType eReaderType);
 
-    /// Takes the settings from values of a registry key, or saves them there: the 19 settings of the options dialog as
+    /// Loads the settings from values of a registry key, or saves them there: the 19 settings of the options dialog as
     /// texts. A key or a value that is missing or cannot be read takes its default; a key that cannot be written is no
     /// failure. Loading is False, after a report, when a text does not fit; the settings before it are then set.
     Boolean LoadSettings(kelReaderRegistryKey lRegistryKey, const std::string& sRegistrySubKey);
@@ -193,9 +193,9 @@ public:
 
     /// Lets the user choose the model and its settings in the options dialog; `fParent` is the owner window (a
     /// `QWidget*` of the host's own application, a `HWND`), if there is one. True when the dialog was closed with OK,
-    /// and the settings are set; False when it was cancelled or, after a report, when it could not be shown.
-    /// The reader must not be in a session: the dialog opens each port for an instant to see which there are.
-    /// A host can replace the window that shows the dialog (options/OptionsPresenter.h).
+    /// and the settings are set; False when it was cancelled or, after a report, when it could not be shown. The reader
+    /// must not be in a session: the dialog opens each port for a moment to find out which ones can be used. A host can
+    /// replace the window that shows the dialog (`<KELReader81U/OptionsPresenter.h>`).
     Boolean ShowOptions(void* fParent = nullptr);
 
     /// Searches the serial ports for the reader: first `iStartPort` if it is above 0, then 1 to 16. The port that

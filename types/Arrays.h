@@ -21,7 +21,7 @@ public:
     /// An array `lower To upper`, every element in its initial state. An upper bound below the lower is failure 9.
     Array1(Int32 lower, Int32 upper, SourceLocation where = SourceLocation::current()) { ReDim(lower, upper, where); }
 
-    /// Elements that stand somewhere else already, numbered from `lower`; may be none.
+    /// Copies of existing elements, numbered from `lower`; may be empty.
     [[nodiscard]] static Array1 of(Int32 lower, std::vector<T> elements)
     {
         Array1 result;
@@ -31,7 +31,7 @@ public:
         return result;
     }
 
-    /// Gives the array bounds and initial elements; what it held is gone. Fails as the constructor does.
+    /// Sets new bounds and initial elements; the old elements are lost. Fails as the constructor does.
     void ReDim(Int32 lower, Int32 upper, SourceLocation where = SourceLocation::current())
     {
         if (upper < lower)
@@ -122,7 +122,7 @@ public:
     /// An array `(1 To rows, 1 To columns)` of initial elements. Less than one row or column is failure 9.
     Array2(Int32 rows, Int32 columns, SourceLocation where = SourceLocation::current()) { ReDim(rows, columns, where); }
 
-    /// Gives the array bounds and initial elements; what it held is gone. Fails as the constructor does.
+    /// Sets new bounds and initial elements; the old elements are lost. Fails as the constructor does.
     void ReDim(Int32 rows, Int32 columns, SourceLocation where = SourceLocation::current())
     {
         if (rows < 1 || columns < 1)
@@ -185,7 +185,7 @@ private:
     Int32 columns_ = 0;
 };
 
-/// The marks of one side of a sheet: (row, column), both from 1; 0 is no mark, any other value is the mark's.
+/// The marks of one side of a sheet: (row, column), both from 1; 0 is no mark, any other value is that of the mark.
 using MarkArray = Array2<Int16>;
 
 /// Texts in a row, such as the barcodes of a sheet.

@@ -12,7 +12,7 @@ class Boolean {
 public:
     constexpr Boolean() noexcept = default;
 
-    /// True or False; numbers and pointers are no truth values and do not convert.
+    /// True or False; numbers and pointers are not truth values and do not convert.
     template <std::same_as<bool> T>
     constexpr Boolean(T value) noexcept : bits_(value ? std::int16_t{-1} : std::int16_t{0})
     {
@@ -42,7 +42,7 @@ private:
     std::int16_t bits_ = 0;
 };
 
-/// The two values that the component itself gives.
+/// The two values that the component itself uses.
 inline constexpr Boolean True = Boolean::fromBits(-1);
 inline constexpr Boolean False = Boolean::fromBits(0);
 

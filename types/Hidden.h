@@ -6,8 +6,8 @@
 
 namespace kel {
 
-/// What a public class keeps for itself: a value whose type only the class's own source file knows, so that it can
-/// change without the hosts being built again. A copy has a value of its own.
+/// The private part of a public class: a value whose type only the class's own source file knows, so that it can change
+/// without rebuilding hosts. A copy has a value of its own.
 template <class T>
 class Hidden {
 public:

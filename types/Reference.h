@@ -10,15 +10,15 @@
 
 namespace kel {
 
-/// A counted reference to an object, or to nothing. Reaching through nothing is failure 91
-/// "Object variable or With block variable not set".
+/// A counted reference to an object, or a null reference. Using a null reference is failure 91 "Object variable or With
+/// block variable not set".
 template <class T>
 class Reference {
 public:
     Reference() noexcept = default;
-    /// To nothing.
+    /// A null reference.
     Reference(std::nullptr_t) noexcept {}
-    /// To an object that others may hold too.
+    /// To an object that may have other references.
     template <class U>
     requires std::convertible_to<U*, T*> Reference(std::shared_ptr<U> object)
     noexcept : object_(std::move(object)) {}
@@ -27,11 +27,11 @@ public:
     requires std::convertible_to<U*, T*> Reference(const Reference<U>& other)
     noexcept : object_(other.shared()) {}
 
-    /// Whether it refers to nothing, and the contrary as a condition.
+    /// Whether it is null, and the opposite as a condition.
     [[nodiscard]] bool isNothing() const noexcept { return object_ == nullptr; }
     explicit operator bool() const noexcept { return !isNothing(); }
 
-    /// The object; failure 91 for nothing.
+    /// The object; failure 91 for a null reference.
     T* operator->() const { return &**this; }
     T& operator*() const
     {
@@ -40,7 +40,7 @@ public:
         return *object_;
     }
 
-    /// The same as a pointer of the standard library; empty for nothing.
+    /// The same as a pointer of the standard library; null for a null reference.
     [[nodiscard]] const std::shared_ptr<T>& shared() const noexcept { return object_; }
 
     friend bool operator==(const Reference&, const Reference&) noexcept = default;

@@ -49,7 +49,7 @@ enum class FailureCode : std::int32_t {
 /// The port that a failure is about, if there is one: the parts of its text.
 struct FailedPort {
     std::int16_t number = 0; ///< 1 to 16; 0 if the failure is about no port
-    std::string device{};    ///< what the port stands for: a device, a remote line, COM1; empty if there is nothing
+    std::string device{};    ///< what the port stands for: a device, a remote line, COM1; empty if there is none
     std::string cause{};     ///< what is wrong, worded to follow the name: "is in use by process 812 (minicom)"
     std::string remedy{};    ///< what to try, a sentence; may be empty
 };
@@ -75,7 +75,7 @@ public:
     [[nodiscard]] FailureCode code() const noexcept { return static_cast<FailureCode>(number()); }
     /// The failure's text.
     [[nodiscard]] const std::string& text() const noexcept;
-    /// Who raised it: the component's name, or whatever else it came from.
+    /// The source: the component's name, or that of another library.
     [[nodiscard]] const std::string& source() const noexcept;
     [[nodiscard]] const SourceLocation& where() const noexcept;
     [[nodiscard]] const char* what() const noexcept override;
