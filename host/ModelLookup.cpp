@@ -86,16 +86,21 @@ std::string nameWithNumber(const ModelNames& model)
 [[noreturn]] void refuseUnknown(std::string_view text, const std::vector<ModelNames>& models)
 {
     std::vector<std::string> names;
-    for (const ModelNames& model : models)
-        names.push_back(model.displayName);
+    for (const ModelNames& model : models) {
+        if (model.eReaderType != kelReaderTypeNone)
+            names.push_back(model.displayName);
+    }
     std::vector<std::string> nearest;
+    const std::string wanted = plain(text);
     for (const std::string& name : nearestNames(text, names)) {
+        if (plain(name).find_first_of(wanted) == std::string::npos)
+            continue; // not a letter in common
         const auto model = std::find_if(models.begin(), models.end(),
                                         [&](const ModelNames& candidate) { return candidate.displayName == name; });
         nearest.push_back(nameWithNumber(*model));
     }
-    throw UsageError("There is no model '" + std::string(text) + "'; " + nearestListed(nearest) +
-                     " ('kelreader models' lists all).");
+    throw UsageError("There is no model '" + std::string(text) + "'" +
+                     (nearest.empty() ? "" : "; " + nearestListed(nearest)) + " ('kelreader models' lists all).");
 }
 
 struct Maker {
@@ -123,7 +128,7 @@ kelReaderType modelNamed(std::string_view text)
 
     const std::vector<ModelNames> models = modelNames();
     const std::string wanted = plain(text);
-    // A number that is none is not taken for a part of a name.
+    // What is almost a number is not a part of a name.
     if (wanted.empty() || text.starts_with('-') || text.starts_with('+') || text.starts_with(' '))
         refuseUnknown(text, models);
     const NameTest tests[] = {

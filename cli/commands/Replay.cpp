@@ -63,7 +63,9 @@ void addReplayCommand(Commands& commands)
     const auto arguments = std::make_shared<ReplayArguments>();
     CLI::App& command =
         commands.add("replay", "Replays a recorded session without a reader", [arguments] { return run(*arguments); });
-    command.add_option("file", arguments->file, "Transcript written by 'scan --trace'")->required()->type_name("FILE");
+    command.add_option("file", arguments->file, "Transcript of 'scan --trace', or report of 'check --report'")
+        ->required()
+        ->type_name("FILE");
     command.add_option("--form", arguments->formFile, "Form to use instead of the recorded one")->type_name("FILE");
     command.add_option("--set", arguments->assignments, "Sets a property of the reader after the recorded settings")
         ->type_name("Property=Value")

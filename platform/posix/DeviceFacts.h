@@ -10,7 +10,7 @@ namespace kel {
 /// Who may use a device and who is asking: "it belongs to root, group dialout, with mode 0660, and you are alice".
 [[nodiscard]] std::string deviceAccessText(const std::string& device);
 
-/// What the present user could do to be let in: the group to join, or to log in anew when that is done already.
+/// What the current user could do to get access: the group to join, or to log in again if that is already done.
 [[nodiscard]] std::string deviceAccessAdvice(const std::string& device);
 
 /// A process and what it is called.

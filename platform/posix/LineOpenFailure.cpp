@@ -34,7 +34,7 @@ FailedPort busy(Int16 port, const std::string& device)
             "Close that program."};
 }
 
-std::string mapTo(Int16 port)
+std::string assignTo(Int16 port)
 {
     return ": kelreader ports set " + std::to_string(port) + " DEVICE";
 }
@@ -52,7 +52,7 @@ FailureCode lineOpenFailureCode(int error)
     case ENOTTY:
     case EINVAL:
     case EISDIR: return FailureCode::DeviceNotOpen;
-    // A device file whose driver finds nothing behind it says so with one of the last three.
+    // A device file whose driver finds no device fails with one of the last three.
     case ENOENT:
     case ENOTDIR:
     case ELOOP:
@@ -75,17 +75,18 @@ RuntimeFailure lineOpenFailure(Int16 port, const std::string& device, int error)
     const std::string cause = std::generic_category().message(error);
     switch (code) {
     case FailureCode::InvalidPortNumber:
-        return failure(code, {port, device, "is not there: " + cause,
-                              "Connect the reader and switch it on, or map the port to another device" + mapTo(port)});
+        return failure(code,
+                       {port, device, "is not there: " + cause,
+                        "Connect the reader and switch it on, or assign the port to another device" + assignTo(port)});
     case FailureCode::PortAlreadyOpen: return failure(code, busy(port, device));
     case FailureCode::DeviceNotOpen:
-        return failure(
-            code, {port, device, "is not a serial device: " + cause, "Map the port to a serial device" + mapTo(port)});
+        return failure(code, {port, device, "is not a serial device: " + cause,
+                              "Assign the port to a serial device" + assignTo(port)});
     default: break;
     }
     if (error == EACCES || error == EPERM)
         return failure(code, {port, device, "may not be opened: " + cause + "; " + deviceAccessText(device),
-                              "To be let in, " + deviceAccessAdvice(device) + "."});
+                              "To get access, " + deviceAccessAdvice(device) + "."});
     return failure(code, {port, device, "cannot be opened: " + cause});
 }
 
@@ -95,7 +96,7 @@ RuntimeFailure unmappedPortFailure(Int16 port)
         return RuntimeFailure(FailureCode::InvalidPortNumber, failureText(FailureCode::InvalidPortNumber) +
                                                                   ": There is no port " + std::to_string(port) +
                                                                   "; ports are 1 to 16 ('kelreader ports')");
-    return failure(FailureCode::InvalidPortNumber, {port, {}, "has no device", "Map it to one" + mapTo(port)});
+    return failure(FailureCode::InvalidPortNumber, {port, {}, "has no device", "Assign it to one" + assignTo(port)});
 }
 
 RuntimeFailure overlongDeviceFailure(Int16 port, std::size_t length)
@@ -105,7 +106,7 @@ RuntimeFailure overlongDeviceFailure(Int16 port, std::size_t length)
                     {},
                     "has a device whose name is " + std::to_string(length) + " bytes long; the limit is " +
                         std::to_string(PortMap::kLongestDevice),
-                    "Map it to another one" + mapTo(port)});
+                    "Assign it to another one" + assignTo(port)});
 }
 
 } // namespace kel

@@ -172,7 +172,7 @@ TEST(HugePortName, InTheRegistryOpensNothing)
     const std::string key = R"(HKEY_CURRENT_USER\Software\KELReader81U\Ports)";
     EXPECT_EQ(imported("[" + key + "]\r\n\"3\"=\"" + std::string(1'000'000, 'x') + "\"\r\n").errors, "");
     const std::string sentence = "Port 3 has a device whose name is 1000000 bytes long; the limit is 4096. "
-                                 "Map it to another one: kelreader ports set 3 DEVICE";
+                                 "Assign it to another one: kelreader ports set 3 DEVICE";
 
     const CommandOutcome scan = runCommand({"scan", "--model", "13", "--port", "3"});
     EXPECT_EQ(scan.status, 1);

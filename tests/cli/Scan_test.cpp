@@ -163,7 +163,7 @@ TEST(ScanCommand, PortThatIsAbsentIsReportedWithWhatToTry)
 TEST(ScanCommand, PortWithoutADeviceAndPortThatIsNoneAreReported)
 {
     const CommandOutcome unmapped = runCommand({"scan", "--model", "24", "--port", "16"});
-    EXPECT_THAT(unmapped.errors, StartsWith("kelreader: Invalid port number: Port 16 has no device. Map it to one: "
+    EXPECT_THAT(unmapped.errors, StartsWith("kelreader: Invalid port number: Port 16 has no device. Assign it to one: "
                                             "kelreader ports set 16 DEVICE"));
     EXPECT_EQ(unmapped.status, 1);
     const CommandOutcome outside = runCommand({"scan", "--model", "24", "--port", "0"});

@@ -198,7 +198,7 @@ TEST_F(SearchOverAPseudoTerminal, NoVersionIsAFailureWithItsReason)
     MappedDevice other(4, std::make_unique<Parrot>("Rev 3.1?\r"));
     const std::map<std::string, std::string> reasons = {
         {"0", "There is no port 0; ports are 1 to 16 ('kelreader ports') (8002, basNCSEZData.Firmware"},
-        {"1", "Port 1 has no device. Map it to one: kelreader ports set 1 DEVICE (8002, basNCSEZData.Firmware"},
+        {"1", "Port 1 has no device. Assign it to one: kelreader ports set 1 DEVICE (8002, basNCSEZData.Firmware"},
         {"2", "(/dev/no-such-device) is not there"},
         {"4", "No Scantron EZData reported its firmware version at port 4."}};
     for (const auto& [port, reason] : reasons) {

@@ -10,6 +10,7 @@ namespace kel {
 namespace {
 
 using testing::HasSubstr;
+using testing::Not;
 
 std::string refusal(const std::string& text)
 {
@@ -62,11 +63,18 @@ TEST(ModelLookup, UnknownModelNamesTheNearest)
     EXPECT_EQ(refusal("Scanmrk 2500"),
               "There is no model 'Scanmrk 2500'; the nearest are Scantron Scanmark 2500 (13), Scantron Scanmark 2000 "
               "(11) and Scantron Scanmark 5500 (15) ('kelreader models' lists all).");
-    EXPECT_THAT(refusal("999"), HasSubstr("There is no model '999'; the nearest "));
+    EXPECT_THAT(refusal("noreader1"), Not(HasSubstr("No reader")));
     EXPECT_THAT(refusal("-1"), HasSubstr("There is no model '-1'"));
     EXPECT_THAT(refusal("+13"), HasSubstr("There is no model '+13'"));
     EXPECT_THAT(refusal(" 13"), HasSubstr("There is no model ' 13'"));
     EXPECT_THAT(refusal(""), HasSubstr("There is no model ''"));
+}
+
+TEST(ModelLookup, UnknownModelWithoutALetterInCommonNamesNone)
+{
+    EXPECT_EQ(refusal("zz"), "There is no model 'zz' ('kelreader models' lists all).");
+    EXPECT_EQ(refusal("999"), "There is no model '999' ('kelreader models' lists all).");
+    EXPECT_EQ(refusal("%"), "There is no model '%' ('kelreader models' lists all).");
 }
 
 TEST(ModelLookup, MakersGoByTheirNames)

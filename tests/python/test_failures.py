@@ -20,7 +20,7 @@ def test_a_start_that_fails_is_raised_with_its_report_and_its_advice():
     assert error.port == 5
     assert error.description.startswith("Invalid port number: Port 5 has no device.")
     assert error.cause == "Port 5 has no device."
-    assert error.remedy == "Map it to one: kelreader ports set 5 DEVICE"
+    assert error.remedy == "Assign it to one: kelreader ports set 5 DEVICE"
     assert error.__notes__ == [f"Cause: {error.cause}", f"Do: {error.remedy}"]
     assert error.reports[0].sentence == str(error)
     assert len(error.reports) > 1, "closing what never opened is reported as well"
