@@ -193,8 +193,8 @@ GradingKey answerKeyOf(const Json& root)
 
 Int16 GradingKey::questionsOn(Int16 page) const
 {
-    const bool told = page >= 1 && static_cast<std::size_t>(page) <= questionsOnPage.size();
-    return told ? questionsOnPage[static_cast<std::size_t>(page) - 1] : Int16{0};
+    const bool isKnown = page >= 1 && static_cast<std::size_t>(page) <= questionsOnPage.size();
+    return isKnown ? questionsOnPage[static_cast<std::size_t>(page) - 1] : Int16{0};
 }
 
 GradingKey parseAnswerKey(std::string_view text, const std::string& fileName)

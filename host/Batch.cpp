@@ -46,7 +46,7 @@ std::string printText(const std::string& text)
     throw UsageError("'" + text + "' cannot be printed: a reader prints only characters of Latin-1.");
 }
 
-/// The host of one scan: it hears the reader's events and its reports, and makes the scan's events of them.
+/// The host of one scan: it receives the reader's events and reports, and makes the scan's events from them.
 class Listener final : public ReaderEvents {
 public:
     Listener(clsKELReader& reader, const Request& request, Events& sink, std::function<bool()> stopWanted)
@@ -64,7 +64,7 @@ public:
 
     void ReadSheet(MarkArray& iSide1Array, MarkArray& iSide2Array, TextArray& sBarcodeArray, Boolean& bReject) override
     {
-        stopIfWanted(); // it may have come while the read could not hear it
+        stopIfWanted(); // it may have come when the read could not notice it
         sheet_ = {};
         sheet_.number = sheets_ + 1;
         sheet_.side1 = iSide1Array;
@@ -140,7 +140,7 @@ private:
     std::function<bool()> stopWanted_;
     Sheet sheet_;
     std::optional<Dictionary> record_;
-    bool answered_ = false; ///< by a reader that sends answers in place of marks
+    bool answered_ = false; ///< by a reader that sends answers instead of marks
     Int32 sheets_ = 0;
     bool readingBegan_ = false;
 };

@@ -10,18 +10,18 @@
 
 namespace kel::host {
 
-/// Gives a reader the kept settings or the defaults of the model, the form, the answer key, the port, the assignments
-/// and the print settings, and tells which of the kept settings failed. UsageError for an assignment
-/// that is wrong and for a text that cannot be printed.
+/// Sets a reader up with the saved settings or the model's defaults, the form, the answer key, the port, the
+/// assignments and the print settings, and reports which of the saved settings failed. UsageError for a wrong
+/// assignment and for a text that cannot be printed.
 std::vector<Failure> prepareReader(clsKELReader& reader, const Request& request);
 
-/// Reads a batch with a reader that is prepared, and tells the sink of all that happens. While it runs, the reports of
-/// the calling thread go to the sink, and `stopWanted` is asked now and then: once it says true, `CancelScan` is set.
+/// Reads a batch with a reader that is set up, and reports everything that happens to the sink. While it runs, the
+/// reports of the calling thread go to the sink, and `stopWanted` is called again and again: once it returns true,
+/// `CancelScan` is set.
 [[nodiscard]] Result runScan(clsKELReader& reader, const Request& request, Events& sink,
                              const std::function<bool()>& stopWanted = {}, StopAsked asked = StopAsked::InEachTurn);
 
-/// A batch that its caller carries forward sheet by sheet. While it lives, the reports of the calling thread go to the
-/// sink.
+/// A batch that its caller reads sheet by sheet. While it exists, the reports of the calling thread go to the sink.
 class Session {
 public:
     Session(clsKELReader& reader, const Request& request, Events& sink);
@@ -32,7 +32,7 @@ public:
     /// Starts the reader; false after a report.
     bool start();
 
-    /// Reads on until a sheet is there, and hands it to the sink; false when the batch has ended.
+    /// Reads the next sheet and passes it to the sink; false when the batch has ended.
     bool next();
 
     /// Sends the last sheet out and ends the reader, as `ReadBatch` would. It may be called again.

@@ -17,11 +17,11 @@ inline constexpr FileKind kTranscriptFile{"transcript", 32};
 /// The bytes of a file that the command was given; UsageError if it cannot be read, or is too large.
 [[nodiscard]] std::string readGivenFile(const std::filesystem::path& file, const FileKind& kind);
 
-/// UsageError for what was refused in a file: one sentence with the file's name and the place. An unknown key is told
-/// with the ones that come nearest.
+/// UsageError for what was refused in a file: one sentence with the file's name and the place. An unknown key is
+/// reported with the ones that come nearest.
 [[noreturn]] void refuseFile(const std::string& fileName, const JsonRefusal& refusal);
 
-/// Gives what `read` makes of a file's JSON; what it refuses is told by `refuseFile`.
+/// Gives what `read` makes of a file's JSON; `refuseFile` reports what it refuses.
 template <class Read>
 auto readingFile(const std::string& fileName, Read&& read)
 {

@@ -14,7 +14,7 @@ namespace kel::host {
 /// The key of the registry that a person means, by HIVE\SUBKEY; UsageError for a text that begins with no hive.
 [[nodiscard]] RegistryPath keyNamed(std::string_view text);
 
-/// Gives a reader the settings of a key, and tells what failed: a text that does not fit ends the loading.
+/// Loads the settings of a key into a reader, and reports what failed: a text that does not fit ends the loading.
 [[nodiscard]] std::vector<Failure> loadSettings(clsKELReader& reader, const RegistryPath& key);
 
 /// The names of the 19 settings as the reader's properties have them, in the order in which they are loaded.

@@ -68,8 +68,8 @@ struct Reader::State {
 
 namespace {
 
-/// What a session ties to the thread: the device in the place of the reader's port, if one is named, and the trace of
-/// what a USB reader's library is called for.
+/// What a session ties to the thread: the device instead of the reader's port, if one is named, and the trace of what a
+/// USB reader's library is called for.
 class Joined {
 public:
     Joined(const clsKELReader& reader, const std::string& device, const std::shared_ptr<TextOutput>& trace = {})

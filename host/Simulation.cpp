@@ -54,7 +54,7 @@ void set(std::map<std::string, std::string>& settings, const std::string& text)
     settings.insert_or_assign(text.substr(0, sign), text.substr(sign + 1));
 }
 
-/// Has what is wrong with the options told in a sentence.
+/// Reports what is wrong with the options in a sentence.
 template <class Make>
 auto orRefuse(Make&& make)
 {
@@ -140,7 +140,7 @@ OmrSimulationState omrState(const Simulation& simulation, const Form& form)
 {
     return orRefuse([&] {
         const OmrSimulationState state = omrSimulationState(optionsOf(simulation, form));
-        // What somebody has written is looked at here, where it can be told.
+        // The user's texts are checked here, where a mistake can be reported.
         return simulation.sheets.empty() ? state : omrStateFromJson(toJson(state));
     });
 }

@@ -12,17 +12,16 @@
 
 namespace kel {
 
-/// What is done beside a window, each errand on a thread of its own, and what the window's thread does with the
-/// outcome.
+/// Background tasks of a window, one thread each, and what the window's thread does with their results.
 ///
 ///     window's thread   send ... take ..... take ........... ~Errands
 ///                         |                  ^ arrival          | ends the waits, and comes back when all have ended;
 ///     errand              +--> work ---------+                  v nothing arrives any more
 class Errands {
 public:
-    /// What an outcome means, run on the window's thread.
+    /// What to do with a result, run on the window's thread.
     using Arrival = std::function<void()>;
-    /// The work. What fails in it arrives as if it were late.
+    /// The work. If it fails, `late` arrives.
     using Errand = std::function<Arrival()>;
     using Clock = std::chrono::steady_clock;
 
@@ -34,14 +33,14 @@ public:
     /// Sends one out. After the limit its waits are ended, and `late` stands for whatever it brings.
     void send(Errand errand, Arrival late, Clock::duration limit = Clock::duration::max());
 
-    /// Runs what has arrived since; True if anything has. `takeAll` waits for all of them, at most to their limits.
+    /// Runs what has arrived; True if anything has. `takeAll` waits for all tasks, at most until their limits.
     bool take();
     void takeAll();
 
-    /// Ends the waits of all that are out. They arrive all the same.
+    /// Ends the waits of all running tasks. They still arrive.
     void callBack();
 
-    /// Whether none is out.
+    /// Whether no task is running.
     [[nodiscard]] bool isIdle() const;
 
 private:

@@ -26,7 +26,7 @@ public:
     /// Notes that the form shows the reader's values.
     void noteLoaded();
 
-    /// Waits until all ports have been looked at.
+    /// Waits until all ports have been checked.
     void endLook();
 
     [[nodiscard]] const Captions& captions() const override { return captions_; }

@@ -25,34 +25,34 @@ class FormSettings {
 public:
     explicit FormSettings(frmOptions& form);
 
-    /// What a setting is in a sentence or two, with its range and the default of the model; empty for what is none.
+    /// What a setting is in a sentence or two, with its range and the default of the model; empty for other controls.
     [[nodiscard]] std::string explanation(const Control& control) const;
 
-    /// Whether the user could bring back the model's default, and what it is, as the user sees it.
+    /// Whether the user can restore the model's default, and what it is, as the user sees it.
     [[nodiscard]] bool differs(const Control& control) const;
     [[nodiscard]] std::string standard(const Control& control) const;
 
-    /// Takes the model's default, as if the user had chosen it.
+    /// Sets the model's default, as if the user had chosen it.
     void reset(Control& control);
 
-    /// Notes what the form has made of the reader's values: all of them, or one that it has changed by itself since.
+    /// Notes what the form has made of the reader's values: all of them, or one that the form itself has changed since.
     void noteLoaded();
     void noteLoaded(const Control& control);
 
-    /// The settings that the user has left alone and that saving would change, a line each.
+    /// The settings that the user has not touched and that saving would change, one on each line.
     [[nodiscard]] std::string unsought() const;
 
-    /// The sentence about a number that was not taken as it was typed; empty if it was.
+    /// The sentence about a number that was not accepted as it was typed; empty if it was.
     [[nodiscard]] std::string corrected(const PowerEdit& field, const std::string& typed) const;
 
 private:
     struct Setting {
         Control* control;
-        const Control* caption; // where its name stands
+        const Control* caption; // that shows its name
         TextNumber help;
-        std::function<std::string(const clsKELReaderProfile&)> standard; // nothing for what has no default
+        std::function<std::string(const clsKELReaderProfile&)> standard; // null if it has no default
         std::function<std::string(const clsKELReader&)> own;
-        int column = 0;      // of a list, where the texts stand
+        int column = 0;      // of a list, with the texts
         bool isLine = false; // saved for serial models alone
     };
 

@@ -43,7 +43,7 @@ void FormTest::start(bool sharesMachine)
         screen.MousePointer(kMousePointerHourglass);
         const ReaderTest::Outcome outcome = test->run();
         screen.MousePointer(kMousePointerDefault);
-        tell(outcome);
+        show(outcome);
         return;
     }
     test_ = test;
@@ -73,11 +73,11 @@ bool FormTest::turn()
     const ReaderTest::Outcome outcome = *std::exchange(outcome_, std::nullopt);
     errand_.reset();
     test_.reset();
-    tell(outcome);
+    show(outcome);
     return true;
 }
 
-void FormTest::tell(const ReaderTest::Outcome& outcome)
+void FormTest::show(const ReaderTest::Outcome& outcome)
 {
     using Kind = ReaderTest::Outcome::Kind;
     progress_ = outcome.kind == Kind::Stopped ? outcome.sentence : std::string();

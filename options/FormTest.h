@@ -12,11 +12,11 @@ namespace kel {
 
 class frmOptions;
 
-/// The test of the reader with the settings on the form, beside the window. What came of it is said in a box.
+/// The test of the reader with the settings on the form, in the background. A box shows the result.
 class FormTest {
 public:
     explicit FormTest(frmOptions& form) : form_(form) {}
-    /// A test that still runs is stopped; its line is closed then.
+    /// Stops a test that is still running, and waits until its line is closed.
     ~FormTest();
     FormTest(const FormTest&) = delete;
     FormTest& operator=(const FormTest&) = delete;
@@ -24,26 +24,27 @@ public:
     /// Whether there is a model, and a port if it needs one.
     [[nodiscard]] bool isPossible() const;
 
-    /// Starts one on a thread of its own or, where that would be on another machine, holds it here.
+    /// Starts a test on a thread of its own, or runs it within this call if other threads do not share the machine's
+    /// lines.
     void start(bool sharesMachine);
     void stop();
     [[nodiscard]] bool isRunning() const { return test_ != nullptr; }
 
-    /// What it does; after it was stopped, that it was. Empty otherwise.
+    /// What the test is doing or, after it was stopped, that it was; empty otherwise.
     [[nodiscard]] const std::string& progress() const { return progress_; }
 
-    /// Takes what has come since, and shows the box. True if there is anything new.
+    /// Processes new results, and shows the box. True if there is anything new.
     bool turn();
 
 private:
     [[nodiscard]] std::shared_ptr<ReaderTest> ofForm(bool sharesMachine) const;
-    void tell(const ReaderTest::Outcome& outcome);
+    void show(const ReaderTest::Outcome& outcome);
 
     frmOptions& form_;
     std::shared_ptr<ReaderTest> test_;
     std::optional<ReaderTest::Outcome> outcome_;
     std::string progress_;
-    std::optional<Errands> errand_; // goes first
+    std::optional<Errands> errand_; // destroyed first
 };
 
 } // namespace kel

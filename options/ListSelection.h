@@ -6,7 +6,7 @@
 
 namespace kel {
 
-/// Selects the row with a text in a column. Where there is none nothing is selected, and the list stands at its first
+/// Selects the row with a text in a column. If there is none, no row is selected, and the list is scrolled to its first
 /// row.
 inline void selectText(PowerCombo& cboCombo, std::string_view text, Int32 column)
 {
@@ -15,7 +15,7 @@ inline void selectText(PowerCombo& cboCombo, std::string_view text, Int32 column
         cboCombo.ScrollToRow(0);
 }
 
-/// The whole number that a cell says; 13 "Type mismatch" if it says none.
+/// The whole number in a cell; failure 13 "Type mismatch" if the cell is not a number.
 [[nodiscard]] inline Int32 integerOf(const std::string& text, SourceLocation where = SourceLocation::current())
 {
     if (!IsNumeric(text))

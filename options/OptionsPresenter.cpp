@@ -10,8 +10,8 @@ namespace kel {
 
 namespace {
 
-/// Who shows the dialog. Never destroyed by the end of the process: the code of a host's presenter, or of a module,
-/// may be gone before this one.
+/// The presenter in use. Never destroyed by the end of the process: the code of a host's presenter, or of a module, may
+/// be gone before this one.
 struct Presenters {
     std::mutex mutex;
     std::shared_ptr<OptionsPresenter> host;

@@ -228,7 +228,7 @@ private:
         return version;
     }
 
-    // --- What came of it
+    // --- The result
 
     [[nodiscard]] std::string failure() const
     {

@@ -14,7 +14,7 @@ namespace kel {
 class clsKELReader;
 
 /// A test of a reader: a session is started as a scan does it, and ended at once. No sheet moves. It uses a reader
-/// object of its own, whose reports go into the outcome and nowhere else: the host notices nothing.
+/// object of its own, whose reports go into the outcome and nowhere else: the host gets no events and no reports.
 ///
 ///     window's thread   ReaderTest ....... stage ... stop      a wait ends within two seconds, a pause at once
 ///     any thread             run ------------------------> TestOutcome
@@ -25,17 +25,17 @@ public:
     ReaderTest(const ReaderTest&) = delete;
     ReaderTest& operator=(const ReaderTest&) = delete;
 
-    /// What it does at the moment.
+    /// What it is doing.
     enum class Stage { OpensPort, Waits, EndsSession, AsksFirmware };
 
-    /// What came of it.
+    /// The result.
     struct Outcome {
         enum class Kind { Answers, Fails, Stopped };
         Kind kind = Kind::Fails;
         std::string sentence{}; ///< for the user: one or a few sentences on a line
     };
 
-    /// Holds the test on the calling thread and its platform, once. How long it lasts at most is in the settings.
+    /// Runs the test on the calling thread and its platform, once. The settings limit its duration.
     [[nodiscard]] Outcome run();
 
     /// From any thread.

@@ -12,8 +12,8 @@
 
 namespace kel {
 
-/// The carrier of a test around another one. It notes whether the reader answers, and withholds what would move a
-/// sheet: the session that sends such a command fails there.
+/// A carrier for a test, around another carrier. It notes whether the reader answers, and does not send commands that
+/// would move a sheet: the session fails at such a command.
 class TestLine final : public Carrier {
 public:
     TestLine(Reference<Carrier> inner, kelReaderType model, std::function<void()> whenOpen)
@@ -24,7 +24,7 @@ public:
     [[nodiscard]] SerialControl& mscComm() override { return control_; }
     [[nodiscard]] ScanTimer& tmrScan() override { return inner_->tmrScan(); }
 
-    /// Whether the port could be opened; whether anything has come since; whether something was taken as an answer.
+    /// Whether the port could be opened; whether anything has arrived since; whether anything counted as an answer.
     [[nodiscard]] bool hasOpened() const noexcept { return hasOpened_; }
     [[nodiscard]] bool hasHeard() const noexcept { return hasHeard_; }
     [[nodiscard]] bool isAnswered() const noexcept { return isAnswered_; }
@@ -53,7 +53,7 @@ private:
     kelReaderType model_;
     std::function<void()> whenOpen_;
     Control control_;
-    std::string before_; // what was sent last
+    std::string before_; // the last output
     bool hasOpened_ = false;
     bool hasAsked_ = false;
     bool hasHeard_ = false;

@@ -5,17 +5,17 @@
 
 namespace kel {
 
-/// Where the options window stood when it was last closed, and what size it had, in the window's own words.
+/// Position and size of the options window when it was last closed, in the window's own format.
 class WindowPlace {
 public:
     virtual ~WindowPlace() = default;
 
-    /// Empty before the first time, and where nothing can be kept.
+    /// Empty before the first time, and where nothing can be saved.
     [[nodiscard]] virtual std::string recall() = 0;
     virtual void keep(const std::string& place) = 0;
 };
 
-/// The one that the registry keeps for the user: HKEY_CURRENT_USER "Software\KELReader81U\Options", "Window".
+/// The one that is saved in the registry for the user: HKEY_CURRENT_USER "Software\KELReader81U\Options", "Window".
 [[nodiscard]] WindowPlace& registeredWindowPlace();
 
 } // namespace kel

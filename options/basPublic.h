@@ -26,10 +26,10 @@ void ControlAutoSize(Form& oForm, const ControlList& vControlList);
 void ControlPositionRight(Form& oForm, Control& oLeftCtrl, Control& oRightCtrl, const ControlList* vRightControls,
                           Boolean bSameWidth, Int32 lSpaceBetween, Boolean bOnlyMoveRight);
 
-/// Lines controls up at the rightmost one's left edge; with `bSameWidth` their right edges stay.
+/// Aligns controls at the left edge of the rightmost one; with `bSameWidth` their right edges stay.
 void ControlAlignLeft(const ControlList& vControlList, Boolean bSameWidth);
 
-/// Unloads a form, if there is one, and lets go of it.
+/// Unloads a form, if there is one, and releases it.
 template <class AnyForm>
 void UnloadForm(std::shared_ptr<AnyForm>& oFormObject)
 {

@@ -8,8 +8,8 @@
 
 namespace kel {
 
-/// The module that shows the options dialog, and what it exports: a new presenter, which stays with the caller and
-/// keeps its window's place.
+/// The module that shows the options dialog, and what it exports: a new presenter, which the caller owns, and which
+/// saves the position of its window.
 inline constexpr const char* kOptionsModuleName = "libKELReader81U_options_qt.so";
 inline constexpr const char* kNewOptionsPresenterName = "kelNewOptionsPresenter";
 using NewOptionsPresenter = OptionsPresenter* (*)(WindowPlace& place);

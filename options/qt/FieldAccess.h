@@ -3,8 +3,8 @@
 
 namespace kel {
 
-/// Has screen readers and other assistive programs told the text and the bounds of the number fields. Qt knows neither:
-/// the fields keep them in the model.
+/// Gives screen readers and other assistive programs the text and the bounds of the number fields. Qt knows neither:
+/// they are in the model.
 void describeNumberFields();
 
 } // namespace kel

@@ -44,7 +44,7 @@ void NumberField::refresh()
 
 bool NumberField::leave()
 {
-    // An empty field is no wish for a number.
+    // An empty field does not ask for a number.
     if (lineEdit()->text().trimmed().isEmpty())
         edit_.Text(textOnEntry_);
     edit_.Validate();

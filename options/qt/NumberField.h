@@ -9,8 +9,8 @@
 
 namespace kel {
 
-/// A number field of the form as a spin box. It shows the text that the model has, whatever the bounds, and leaves it
-/// to the model to put it right.
+/// A number field of the form as a spin box. It shows the text that the model has, whatever the bounds; the model
+/// corrects it.
 class NumberField final : public QAbstractSpinBox {
 public:
     /// `after` runs after whatever the user has done here.
@@ -19,14 +19,14 @@ public:
     /// Shows the model's text, bounds and selection.
     void refresh();
 
-    /// What leaving the field does; for a default button that works while the field keeps the focus. False if there is
-    /// no number in it, which the user has been told.
+    /// What leaving the field does; for a default button that works while the field keeps the focus. False, after a
+    /// message to the user, if its text is not a number.
     [[nodiscard]] bool leave();
 
     /// The field of the form.
     [[nodiscard]] const PowerEdit& edit() const { return edit_; }
 
-    /// What stands in the field, the bounds, and another text as if it were typed and the field left; for programs that
+    /// The text in the field, the bounds, and another text as if it were typed and the field left; for programs that
     /// assist the user.
     [[nodiscard]] QString shownText() const { return text(); }
     [[nodiscard]] int minimum() const { return edit_.Minimum(); }

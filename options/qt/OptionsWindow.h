@@ -31,7 +31,7 @@ public:
     OptionsWindow(frmOptions& form, WindowPlace& place, QWidget* parent);
     ~OptionsWindow() override;
 
-    /// Shows the window and comes back when the form has been hidden.
+    /// Shows the window and returns when the form has been hidden.
     void run();
 
     /// Shows the form as it is now.

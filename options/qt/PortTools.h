@@ -13,17 +13,17 @@ class QToolButton;
 
 namespace kel {
 
-/// What stands under the settings of the line: why no port can be chosen, and what can be done about it. Ports come,
-/// and a test of the reader goes on, as long as it is there.
+/// The area below the line's settings: why no port can be chosen, and what can be done about it. While it exists, ports
+/// are added and a test of the reader runs.
 class PortTools final : public QWidget {
 public:
     /// `after` runs after whatever has come or the user has done here.
     PortTools(OptionsAids& aids, std::function<void()> after, QWidget* parent);
 
-    /// Shows what is known by now, and goes on looking while there is something to come.
+    /// Shows what is known, and checks again while results are missing.
     void refresh();
 
-    /// Looks at the ports anew, and asks which device is to have which number.
+    /// Checks the ports again; asks which device gets which port number.
     void lookAgain();
 
 private:

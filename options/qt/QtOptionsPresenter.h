@@ -11,11 +11,11 @@ namespace kel {
 
 /// Shows the options dialog as a Qt window.
 ///
-/// A `QApplication` of the host is used, on its thread; `parent` is then a `QWidget*` or nothing. Without one an
-/// application is made for the call, and `parent` is not looked at.
+/// A `QApplication` of the host is used, on its thread; `parent` is then a `QWidget*` or null. Without one an
+/// application is made for the call, and `parent` is ignored.
 class QtOptionsPresenter final : public OptionsPresenter {
 public:
-    /// `place` is to outlive it.
+    /// `place` must outlive it.
     explicit QtOptionsPresenter(WindowPlace& place) : place_(place) {}
 
     bool show(frmOptions& form, void* parent, std::string& reason) override;

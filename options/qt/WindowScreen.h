@@ -7,7 +7,7 @@ namespace kel {
 
 class OptionsWindow;
 
-/// The screen while the options window is open: boxes stand before it, the pointer is the application's.
+/// The screen while the options window is open: boxes appear on top of it, the pointer is the application's.
 class WindowScreen final : public Screen {
 public:
     BoxAnswer MsgBox(const std::string& text, BoxIcon icon, BoxButtons buttons, const std::string& title) override;
