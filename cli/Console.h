@@ -9,7 +9,7 @@
 
 namespace kel {
 
-/// What the system has to be told about the streams and the terminal of a command, for as long as it runs.
+/// The system's settings for the streams and the terminal of a command, as long as it runs.
 class Console {
 public:
     Console();

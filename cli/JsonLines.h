@@ -23,8 +23,8 @@ namespace kel {
 /// A sheet as one line that has the columns of a form's fields by their names.
 [[nodiscard]] std::string jsonLine(const host::Sheet& event, const std::vector<host::Field>& fields);
 
-/// Writes each event as its line of JSON, line end included. A failure is told to a person as well. With fields a sheet
-/// has their columns in the place of its marks.
+/// Writes each event as its line of JSON, line end included. A failure is also reported to a person. With fields a
+/// sheet has their columns instead of its marks.
 class JsonLines final : public host::Events {
 public:
     using Write = std::function<void(const std::string& line)>;

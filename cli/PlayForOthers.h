@@ -20,8 +20,8 @@ struct PlayedModel {
 /// name for it, or empty. The answer is the exit status. UsageError where the system has no such devices.
 [[nodiscard]] int playReader(const PlayedModel& played, const std::string& link);
 
-/// The same for a USB model: a library to load lies where the first line says, and what happens in it is told as it
-/// comes.
+/// The same for a USB model: the first line names the library to load, and the following lines report what happens in
+/// it.
 [[nodiscard]] int playLibrary(const PlayedModel& played, const std::string& link);
 
 } // namespace kel

@@ -8,8 +8,8 @@
 
 namespace kel {
 
-/// The line at the bottom of a terminal that tells how a scan goes: "12 sheets, 43 a minute". It goes to standard
-/// error, and only where that is a terminal.
+/// The line at the bottom of a terminal that shows the progress of a scan: "12 sheets, 43 a minute". It goes to
+/// standard error, and only where that is a terminal.
 class Progress {
 public:
     Progress();
@@ -20,7 +20,7 @@ public:
     /// One more sheet.
     void sheet();
 
-    /// Takes the line away, for something that is to be written; the next sheet brings it back.
+    /// Removes the line, before other output; the next sheet shows it again.
     void clear();
 
 private:

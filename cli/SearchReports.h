@@ -7,7 +7,7 @@
 
 namespace kel {
 
-/// Collects the reports of a look for a reader at its ports, as long as it lives, and tells them to a person.
+/// Collects the reports of a search for a reader, as long as it exists, and prints them for a person.
 class SearchReports {
 public:
     explicit SearchReports(clsKELReader& reader);

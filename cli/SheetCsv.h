@@ -11,9 +11,9 @@
 
 namespace kel {
 
-/// The scan as a table for a spreadsheet: a heading, then one row a sheet. `side1` and `side2` hold the marks alone,
-/// as row:column=value with blanks between; several barcodes stand with blanks between. Failures are no rows: they go
-/// to `tell`, as the end does not. With fields a row has their columns in the place of the marks.
+/// The scan as a table for a spreadsheet: a heading, then one row for each sheet. `side1` and `side2` have the marks
+/// alone, as row:column=value, separated by blanks; so are several barcodes. Failures are not rows: they go to `tell`;
+/// the end does not. With fields a row has their columns instead of the marks.
 class SheetCsv final : public host::Events {
 public:
     using Write = std::function<void(const std::string& text)>;

@@ -9,8 +9,7 @@
 
 namespace kel {
 
-/// The scan as a page to look at. Failures stand in it with the advice of the pages for operators, and go to `tell` as
-/// well.
+/// The scan as a page for a browser. It shows failures with the advice of the operators' pages; they also go to `tell`.
 class SheetPage final : public host::Events {
 public:
     using Write = std::function<void(const std::string& text)>;

@@ -12,7 +12,7 @@ namespace kel {
 /// hold them. A mark is its value: 1 to 9, A to Z for 10 to 35, # above; a blank is a dot.
 [[nodiscard]] std::string sheetTable(const host::Sheet& sheet, std::size_t width);
 
-/// Shows the sheets to a person. What goes wrong is no part of the table: it goes to `tell`, as one sentence.
+/// Shows the sheets to a person. Failures are not part of the table: they go to `tell`, each as one sentence.
 class TableText final : public host::Events {
 public:
     using Write = std::function<void(const std::string& text)>;

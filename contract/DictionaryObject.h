@@ -15,14 +15,14 @@ public:
 };
 
 /// Installs how such an object is made; it fails where the system does not have the class. Called once at start-up;
-/// with nothing, as at first, dictionaries have none.
+/// with null, as at first, dictionaries have none.
 using DictionaryObjectCreator = std::shared_ptr<DictionaryObject> (*)();
 void setDictionaryObjectCreator(DictionaryObjectCreator creator);
 
 /// An empty dictionary together with its object. Its copies share the object.
 [[nodiscard]] Dictionary newDictionary();
 
-/// The object of a dictionary; nothing for one that was not made by `newDictionary`.
+/// The object of a dictionary; null for one that was not made by `newDictionary`.
 [[nodiscard]] std::shared_ptr<DictionaryObject> objectOf(const Dictionary& dictionary);
 
 } // namespace kel

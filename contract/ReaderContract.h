@@ -67,7 +67,7 @@ public:
     [[nodiscard]] virtual Int16 LargestSide2Rows() const = 0;
     [[nodiscard]] virtual Int16 LargestSide2Cols() const = 0;
 
-    /// The line. Fetched anew for every single access, since the host may replace the carrier at any time.
+    /// The line. Fetched again for every single access, since the host may replace the carrier at any time.
     [[nodiscard]] virtual Carrier& fComm() const = 0;
 
     /// The stop flag, looked at in each waiting loop.

@@ -77,7 +77,7 @@ template <StatedVariables Stated>
 ///
 ///     guarded(kSendCommand, KEL_PARAMETERS(oReader, sCmd) + KEL_LOCALS(sReply), [&] { … });
 ///
-/// Locals that are to show stand in front of it, since those within the body are gone when the trap fires.
+/// Locals that a dump has to show come before it, since those within the body are gone when the trap fires.
 ///
 /// The processor's faults are taken while a procedure of an object runs, and what it calls: one that states `moduleOf`
 /// its object. Those of modules are within one of these, and cost nothing until they fail.

@@ -35,7 +35,7 @@ void vbcsInitialise();
 /// Whether a debugger watches the component's objects.
 [[nodiscard]] Boolean hasDebugSession();
 
-/// Undoes the start-up, so that the next object does it anew. For tests.
+/// Undoes the start-up, so that the next object does it again. For tests.
 void vbcsForgetInitialisation();
 
 /// Turns a fault of the processor into a run-time failure: the number is made of the code of the innermost record, the

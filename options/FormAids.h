@@ -20,7 +20,7 @@ class FormAids final : public OptionsAids {
 public:
     explicit FormAids(frmOptions& form);
 
-    /// Starts the look at the ports, if that goes on beside the window; the port that is to be chosen when it comes.
+    /// Starts checking the ports, if that runs in the background; `wanted` is chosen when it is known.
     [[nodiscard]] bool beginsToLook(Int16 wanted);
 
     /// Notes that the form shows the reader's values.

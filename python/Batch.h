@@ -100,7 +100,7 @@ private:
 /// Asks a callback of the host whether the form goes on with a further record; what it throws ends the batch.
 using MoreDataAsked = std::function<bool(const Dictionary& record)>;
 
-/// What a batch hears of its reader.
+/// The events and reports of a batch.
 class SheetListener final : public ReaderEvents {
 public:
     SheetListener(host::Reader& reader, Batch& batch, const MoreDataAsked& moreData)

@@ -62,7 +62,7 @@ py::list ports()
     return list;
 }
 
-/// A simulated reader behind a pseudo-terminal, until it is ended.
+/// A simulated reader at the far end of a pseudo-terminal, until it is ended.
 class SimulatedDevice {
 public:
     SimulatedDevice(kelReaderType model, const host::Simulation& simulation, const host::Form& form)
@@ -135,7 +135,7 @@ void addPorts(py::module_& module)
     module.def("map_port", [](const py::object& port, const std::string& device) {
         const auto number = static_cast<Int16>(wholeNumber(port, "port", host::kFirstPort, host::kLastPort));
         if (!host::mapPort(number, device))
-            throw host::UsageError(device.empty() ? "A port needs a device; unmap_port() takes it away."
+            throw host::UsageError(device.empty() ? "A port needs a device; unmap_port() removes it."
                                                   : "The settings cannot be written; see which folder "
                                                     "KELREADER_REGISTRY_DIR or ~/.config/kelreader is.");
     });

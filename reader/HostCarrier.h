@@ -15,7 +15,7 @@ public:
     explicit HostCarrier(Reference<Carrier> carrier);
     ~HostCarrier() override;
 
-    /// Each asks the host's carrier anew; what was given before serves what the host has given last.
+    /// Each asks the host's carrier again; objects returned earlier use what the host returned last.
     [[nodiscard]] SerialControl& mscComm() override;
     [[nodiscard]] ScanTimer& tmrScan() override;
 

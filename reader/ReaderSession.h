@@ -14,8 +14,8 @@
 
 namespace kel {
 
-/// What stands behind a reader object: its members, its settings, and the session that the drivers work on.
-/// The public object hands everything on to it; the drivers see it as the contract.
+/// What a reader object consists of: its members, its settings, and the session that the drivers work on. The public
+/// object hands everything on to it; the drivers see it as the contract.
 class ReaderSession final : public ReaderContract {
 public:
     static constexpr const char* kClassName = "clsKELReader";

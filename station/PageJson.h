@@ -9,7 +9,7 @@
 
 namespace kel {
 
-// What a station's page is told, as JSON.
+// The data of a station's page, as JSON.
 
 /// A sheet of the store in a row: where it comes from, what was read from it, how many marks it has (-1 for a side that
 /// was not read).

@@ -7,12 +7,12 @@
 
 namespace kel {
 
-/// Tells the system's service manager about this process, if one has started it as a service that tells: a datagram to
-/// the socket that the environment names. "READY=1", "STOPPING=1", "WATCHDOG=1".
+/// Reports the state of this process to the system's service manager, if it was started as a service that reports it: a
+/// datagram to the socket that the environment names. "READY=1", "STOPPING=1", "WATCHDOG=1".
 void tellServiceManager(const std::string& state);
 
-/// How often the service manager wants to hear "WATCHDOG=1", at half the time after which it ends a silent process;
-/// nothing if it does not.
+/// How often the service manager expects "WATCHDOG=1": half the time after which it ends a silent process; nullopt if
+/// it does not.
 [[nodiscard]] std::optional<std::chrono::milliseconds> watchdogPeriod();
 
 } // namespace kel

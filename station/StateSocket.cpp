@@ -45,10 +45,10 @@ int reach(int (*call)(int, const sockaddr*, socklen_t), const FileDescriptor& so
 StateSocket::StateSocket(std::filesystem::path file) : file_(std::move(file)), listening_(newSocket())
 {
     const sockaddr_un address = addressOf(file_);
-    // The store's lock has shown that no other station is at work here: what lies there was left behind.
+    // The store's lock has shown that no other station is at work here: an existing socket is left over.
     if (std::filesystem::is_socket(file_))
         std::filesystem::remove(file_);
-    // Nobody is heard before `listen`, and by then the rights are set.
+    // Nobody can connect before `listen`, and by then the rights are set.
     if (reach(&::bind, listening_, address) != 0 || ::chmod(file_.c_str(), kUserAndGroup) != 0 ||
         ::listen(listening_.number(), kWaiting) != 0)
         throw host::OperationError("The socket " + file_.string() + " cannot be made: " + std::strerror(errno) +

@@ -8,13 +8,13 @@
 
 namespace kel {
 
-/// A socket in the file system that tells a station's state to whoever opens it: the user who runs the station and the
-/// group of its file.
+/// A socket in the file system that reports a station's state to everybody who may open it: the user who runs the
+/// station and the group of its file.
 class StateSocket {
 public:
-    /// host::OperationError if it cannot be made. One that nobody serves any more is replaced.
+    /// host::OperationError if it cannot be created. A socket without a server is replaced.
     explicit StateSocket(std::filesystem::path file);
-    /// Takes the file away.
+    /// Removes the file.
     ~StateSocket();
     StateSocket(const StateSocket&) = delete;
     StateSocket& operator=(const StateSocket&) = delete;

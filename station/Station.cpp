@@ -104,7 +104,7 @@ StationState Station::state() const
     return state;
 }
 
-/// What several readers find out at the same time is told once.
+/// What several readers find out at the same time is reported once.
 void Station::tellOfStore(const std::string& sentence)
 {
     {

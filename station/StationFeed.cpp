@@ -17,7 +17,7 @@ constexpr std::size_t kLastSheets = 24;
 
 constexpr std::chrono::milliseconds kBetweenLooks{300};
 
-// A watcher that is gone is noticed after so long, and one that is there hears at least this often.
+// A watcher that has gone is noticed after this time; the others get at least a sign this often.
 constexpr std::chrono::seconds kBetweenProofs{1};
 constexpr int kProofsBetweenSigns = 15;
 
@@ -110,7 +110,7 @@ void StationFeed::lookAtStore()
             if (entry->id > lastId_)
                 texts.push_back(eventText("sheet", pageRow(*entry).dump()));
         }
-        // What has come since the question for the last one is told, too.
+        // What has come since the query for the last one is sent, too.
         lastId_ = found.sheets.empty() ? last : std::max(last, found.sheets.front().id);
     } catch (const StoreProblem&) {
         return; // the state says it

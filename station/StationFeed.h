@@ -26,11 +26,11 @@ public:
     StationFeed(const StationFeed&) = delete;
     StationFeed& operator=(const StationFeed&) = delete;
 
-    /// Tells a watcher what happens until it goes, or the feed ends. Counts from the moment when it is given out; empty
-    /// if there are too many.
+    /// Sends a watcher all news until it disconnects, or the feed ends. It counts as a watcher from the moment when it
+    /// is returned; empty if there are too many.
     [[nodiscard]] std::function<void(WebClient& client)> watch();
 
-    /// Ends what all watchers are told.
+    /// Ends the news for all watchers.
     void end();
 
     [[nodiscard]] int watchers() const;

@@ -55,7 +55,7 @@ private:
     StationReader& reader_;
 };
 
-/// The events of a session on their way: a failure that is told already is not stored again and again, and a sheet
+/// The events of a session on their way: a failure that is already reported is not stored again and again, and a sheet
 /// counts once the store has it.
 class StationReader::Session final : public host::Events {
 public:
@@ -263,7 +263,7 @@ void StationReader::become(Activity activity)
     become(activity, lock);
 }
 
-/// The lock is given up where somebody is told.
+/// The lock is released during a report.
 void StationReader::become(Activity activity, std::unique_lock<std::mutex>& lock)
 {
     if (activity == Activity::Idle)

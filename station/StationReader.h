@@ -20,11 +20,11 @@ namespace kel {
 struct StationCalls {
     std::function<void(const std::string& sentence)> tell;             ///< to the people who look after it
     std::function<void(const std::string& sentence)> tellOfStore;      ///< the same, once for all readers
-    std::function<std::string(const host::Failure& failure)> adviceOn; ///< what to do about it, may be nothing
+    std::function<std::string(const host::Failure& failure)> adviceOn; ///< what to do about it, may be empty
 };
 
-/// One reader of a station, at work in a thread of its own: session after session, with growing pauses while nothing
-/// comes. Each change of its state is told once.
+/// One reader of a station, in a thread of its own: it reads session after session, with growing pauses while no sheet
+/// comes. It reports each change of its state once.
 class StationReader {
 public:
     /// Begins at once. The store and the calls outlive it.

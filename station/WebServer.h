@@ -50,7 +50,7 @@ struct WebAnswer {
     std::string policy = "default-src 'none'; frame-ancestors 'none'"; ///< what a browser lets it do
     std::vector<std::pair<std::string, std::string>> headers{};        ///< more of them
     std::string body{};
-    /// In place of the body: sends until it returns, in a thread of this client.
+    /// Instead of the body: sends until it returns, in a thread of this client.
     std::function<void(WebClient& client)> stream{};
 };
 

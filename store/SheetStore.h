@@ -33,9 +33,9 @@ public:
 
     [[nodiscard]] const std::filesystem::path& file() const noexcept { return file_; }
 
-    /// Takes an entry, and fills in what the store gives it: id, identity, time, and the number of the sheet. An entry
-    /// with an identity comes from another store and keeps it with all the rest; one that is there already stays as it
-    /// is. StoreProblem if it cannot be kept; the next call opens the file anew.
+    /// Saves an entry, and fills in what the store adds: id, identity, time, and the number of the sheet. An entry with
+    /// an identity comes from another store and keeps it with all the rest; one that is there already stays as it is.
+    /// StoreProblem if it cannot be saved; the next call opens the file again.
     void add(Entry& entry);
 
     /// The same for several at once, which all come from readers or all from other stores: all of them or none.

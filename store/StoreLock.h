@@ -12,7 +12,8 @@ namespace kel {
 /// process, however that ends.
 class StoreLock {
 public:
-    /// StoreProblem if another one has it, or if there can be no such file; `owner` is who it is told as.
+    /// StoreProblem if another one has it, or if the file cannot be created; `owner` is the name that others see in
+    /// messages.
     StoreLock(const std::filesystem::path& store, const std::string& owner);
 
 private:

@@ -10,7 +10,7 @@
 
 namespace kel {
 
-// The file changes before the commit is there to be read, and nothing is heard of the commit itself.
+// The file changes before the commit can be read, and the commit itself raises no event.
 constexpr int kCommitIsSeen = 500;
 
 StoreWatch::StoreWatch(const std::filesystem::path& store) : changes_(::inotify_init1(IN_CLOEXEC | IN_NONBLOCK))

@@ -74,7 +74,7 @@ public:
     /// The batches with sheets that began last, newest first.
     [[nodiscard]] std::vector<StoredBatch> batches(std::size_t most);
 
-    /// What became of old entries.
+    /// Which old entries were removed, and which stayed.
     struct Forgotten {
         std::int64_t sheets = 0; ///< that are gone
         std::int64_t kept = 0;   ///< sheets and reports that are old too, and that the stream does not have yet
@@ -106,8 +106,8 @@ private:
     SqliteStatement failureRow_;
 };
 
-/// A time that a person has written, as the store writes times: a date, or date and time, of this place
-/// ("2024-01-31", "2024-01-31 12:00"), or of UTC with a Z at its end. Nothing for a text that is none.
+/// A time that a person has written, as the store writes times: a date, or date and time, of this place ("2024-01-31",
+/// "2024-01-31 12:00"), or of UTC with a Z at its end. nullopt for any other text.
 [[nodiscard]] std::optional<std::string> storeTimeOf(const std::string& text);
 
 } // namespace kel

@@ -8,13 +8,13 @@
 
 namespace kel {
 
-/// Whether a stream can be reached, for the people who look after it: each change is told once, and each reason,
-/// however often it is tried again. Any thread may ask.
+/// Whether a stream can be reached, for the people in charge of it: each change is reported once, and each reason,
+/// however often the connection is tried again. Any thread may ask.
 class StreamNews {
 public:
     using Tell = std::function<void(const std::string& sentence)>;
 
-    /// What is told when the stream can be reached, and what follows the first reason why not.
+    /// The sentence when the stream can be reached, and the one that follows the first reason why not.
     StreamNews(std::string up, std::string meanwhile, Tell tell)
         : upText_(std::move(up)), meanwhile_(std::move(meanwhile)), tell_(std::move(tell))
     {

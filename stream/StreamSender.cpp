@@ -136,7 +136,7 @@ private:
         mark_.release(id);
     }
 
-    /// The store keeps what the stream does not take. It is told once for each reader.
+    /// The store keeps what the stream does not accept. That is reported once for each reader.
     void hold(std::int64_t id, const std::string& refusal)
     {
         if (!held_.insert(id).second)

@@ -8,7 +8,7 @@ namespace kel {
 
 namespace {
 
-/// The mark that some editors put in front of a text in UTF-8.
+/// The mark that some editors write before a text in UTF-8.
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 std::string_view withoutBlanks(std::string_view text)

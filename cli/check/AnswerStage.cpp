@@ -78,7 +78,7 @@ void checkErrors(CheckRun& run, const Answer& answer)
              .cause = causeOf(answer.section.errors)});
 }
 
-/// A byte 11 in the middle of a question spoils it, unless somebody takes it away.
+/// A byte 11 in the middle of a question spoils it, unless something removes it.
 void checkTransparency(CheckRun& run)
 {
     const DialectEntry& dialect = run.dialect();

@@ -27,16 +27,16 @@ struct Section {
     std::optional<ModemLines> modem{};
 };
 
-/// What a check's sessions are held on: a line or a USB reader's library, or the report of another check.
+/// What a check's sessions run on: a line or a USB reader's library, or the report of another check.
 class Bench {
 public:
     virtual ~Bench() = default;
 
-    /// Begins a section with a head of its own: the carrier to use in the place of a reader's.
+    /// Begins a section with a head of its own: the carrier to use instead of a reader's.
     [[nodiscard]] virtual Reference<Carrier> begin(const std::string& name, const Reference<Carrier>& own,
                                                    const TraceLog::Head& head) = 0;
 
-    /// Looks at the wires of the far end, once the line is open.
+    /// Reads the wires of the far end, once the line is open.
     virtual void lookAtModemLines() = 0;
 
     /// Ends the section.

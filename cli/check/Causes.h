@@ -6,7 +6,7 @@
 
 namespace kel {
 
-/// What can be wrong between a host and a reader, as a check can tell it. Of several the first here explains the
+/// What can be wrong between a host and a reader, as far as a check can find out. The first of several explains the
 /// others.
 enum class Cause {
     None,

@@ -23,7 +23,7 @@ enum class CheckStatus { Pass, Warn, Fail, Skipped, NotApplicable };
 [[nodiscard]] CheckStage stageNamed(std::string_view name);
 [[nodiscard]] CheckStatus statusNamed(std::string_view name);
 
-/// What became of one check.
+/// The result of one check.
 struct CheckResult {
     CheckStage stage{};
     std::string name{};

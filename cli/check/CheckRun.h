@@ -21,7 +21,7 @@ struct CheckPlan {
     Int32 sheets = 0;         ///< how many copies of one sheet are to be read
     bool formGiven = false;   ///< whether the form is that of the sheets, and not merely the model's usual size
     bool search = false;      ///< look for the reader where it does not answer
-    bool interactive = false; ///< ask the operator what only he can see
+    bool interactive = false; ///< ask the operator what only a person can see
     bool yes = false;         ///< the sheets lie in the feeder
 };
 
@@ -29,11 +29,11 @@ struct CheckPlan {
 class Operator {
 public:
     virtual ~Operator() = default;
-    /// Tells what to do, and waits until it is done; false when he stops the check.
+    /// Says what to do, and waits until it is done; false if the operator stops the check.
     [[nodiscard]] virtual bool doThis(const std::string& what) = 0;
     /// Asks for a yes or no.
     [[nodiscard]] virtual bool confirms(const std::string& question) = 0;
-    /// Tells what goes on.
+    /// Shows the progress.
     virtual void tell(const std::string& what) = 0;
 };
 
@@ -47,7 +47,7 @@ struct Question {
     bool patient = false; ///< waits longer than a reader needs: what answers late must not count as silent
 };
 
-/// What came of it.
+/// The answers to it.
 struct Answer {
     ReplyKind kind = ReplyKind::Silence;
     std::string unasked;              ///< what came before the first of the asks
@@ -63,7 +63,7 @@ struct Answer {
 [[nodiscard]] bool tellsHangUp(Int32 number);
 [[nodiscard]] bool tellsHangUp(const std::vector<host::Failure>& failures);
 
-/// What came of a session.
+/// The result of a session.
 struct SessionSeen {
     bool started = false;
     std::string withheld{}; ///< the first command that was not sent, since paper might have moved
@@ -164,7 +164,7 @@ void sessionStage(CheckRun& run);
 void sheetStage(CheckRun& run);
 void confirmStage(CheckRun& run);
 void afterStage(CheckRun& run);
-/// In the place of the first two for readers that have no line.
+/// Instead of the first two, for readers without a line.
 void libraryStage(CheckRun& run);
 
 } // namespace kel

@@ -13,9 +13,9 @@ namespace {
 
 using Kind = TranscriptLine::Kind;
 
-// A stretch of bytes without a pause is one from which a pace can be told when it has so many of them.
+// A run of bytes without a pause shows a pace if it has at least this many.
 constexpr int kLeastBytes = 24;
-// And to tell lumps from it, so many looks.
+// And to distinguish lumps, this many looks.
 constexpr std::size_t kLeastLooks = 3;
 
 // A pause is longer than this: milliseconds, and bytes on the line.

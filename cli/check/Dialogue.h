@@ -48,7 +48,7 @@ struct Pace {
     double lump = 0;          ///< milliseconds of line that came at once, where bytes came in lumps; 0 if not
 };
 
-/// From the replies long enough to tell; nothing if there are none. `character` is what a byte takes on the line.
+/// From the replies that are long enough; nullopt if there are none. `character` is what a byte takes on the line.
 [[nodiscard]] std::optional<Pace> paceOf(const Dialogue& dialogue, double character);
 
 } // namespace kel

@@ -5,7 +5,7 @@
 
 #include <algorithm>
 
-// Why fewer sheets came than were put in: what the reader said at the end tells.
+// Why fewer sheets came than were put in: the reader's last replies show it.
 
 namespace kel {
 
@@ -82,7 +82,7 @@ PathState pathOf(const SheetsSeen& seen)
     }
 }
 
-/// A Sekonic that says nothing of a sheet, and tells its timing marks all the same, has lost its status.
+/// A Sekonic that does not report a sheet, and yet reports its timing marks, has lost its status.
 bool statusIsMissing(const SheetsSeen& seen)
 {
     const Exchange* const status = seen.dialogue.last("?\r");

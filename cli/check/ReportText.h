@@ -25,14 +25,14 @@ namespace kel {
 //     # result: {"stage":"answers","check":"the reader answers","status":"pass"}
 
 [[nodiscard]] std::string sectionLine(const std::string& name);
-/// What a line has counted and how its wires stood, where it told; may be no line at all.
+/// The errors that a line counted and the state of its wires, if known; may be empty.
 [[nodiscard]] std::string sectionEndLines(const Section& section);
 [[nodiscard]] std::string factLine(const std::string& name, const std::string& value);
 [[nodiscard]] std::string resultLine(const CheckResult& result);
 
-/// What a report tells.
+/// The content of a report.
 struct CheckReport {
-    std::string head; ///< the lines in front of the first section
+    std::string head; ///< the lines before the first section
     std::vector<Section> sections;
     CheckResults results;
     ReportBench::Facts facts;

@@ -18,7 +18,7 @@ struct Place {
     friend bool operator==(const Place&, const Place&) = default;
 };
 
-/// All places in which a reader could be in the place of one of a model, the likely ones first.
+/// All places in which a reader could be instead of one of a model, the likely ones first.
 [[nodiscard]] std::vector<Place> placesFor(kelReaderType model, const std::string& lineSettings);
 
 /// A place in which something answers.

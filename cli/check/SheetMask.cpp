@@ -93,7 +93,7 @@ std::string maskedSheet(kelReaderType model, const std::string& sent, std::strin
         return replaced(std::move(bytes), 0,
                         [](char c) { return static_cast<unsigned char>(c) < kBlockEnd ? '\0' : c; });
     case Dialect::PeripheralDynamics: return maskedHalfRows(std::move(bytes));
-    // The letter in front of a sheet says that it comes.
+    // The letter before a sheet announces it.
     case Dialect::EZData:
     case Dialect::Chatsworth:
         return replaced(std::move(bytes), bytes.size() > 1 && bytes[1] == '\r' ? 2 : 0,

@@ -33,8 +33,8 @@ std::string prompt(const CheckRun& run)
     return "Have one filled sheet ready. Feed it " + sheets + " times, whenever the reader asks for it.";
 }
 
-/// A reader that takes the byte 11 for the command to feed, and does nothing: does it get that byte? In the letter of
-/// a scan mode it makes the mode an unknown one; taken away, it leaves a known one.
+/// A reader that takes the byte 11 for the command to feed, and does nothing: does it get that byte? In the letter of a
+/// scan mode it makes the mode an unknown one; removed, it leaves a known one.
 bool opScanMissesXon(CheckRun& run, const Answer& behind)
 {
     constexpr std::size_t kModePlace = 48;
@@ -50,7 +50,7 @@ bool opScanMissesXon(CheckRun& run, const Answer& behind)
     return report.size() > kModePlace && report.substr(kModePlace, 1) == other;
 }
 
-/// Asks how the reader is after its sheets, and where a Sekonic has said nothing for its timing marks.
+/// Asks for the reader's status after its sheets, and where a Sekonic has said nothing for its timing marks.
 Answer askBehind(CheckRun& run)
 {
     std::vector<Ask> asks = run.dialect().asks;

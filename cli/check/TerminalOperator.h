@@ -7,8 +7,8 @@
 
 namespace kel {
 
-/// The person at a terminal: asked on standard error, heard on standard input. A line that tells what goes on is only
-/// shown where standard error is a terminal, and goes when something else is written.
+/// The person at a terminal: asked on standard error, answering on standard input. A line that shows the progress
+/// appears only if standard error is a terminal, and disappears when something else is written.
 class TerminalOperator final : public Operator {
 public:
     TerminalOperator();
@@ -21,7 +21,7 @@ public:
     [[nodiscard]] bool confirms(const std::string& question) override;
     void tell(const std::string& what) override;
 
-    /// Takes the line away.
+    /// Removes the line.
     void clear();
 
 private:

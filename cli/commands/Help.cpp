@@ -33,7 +33,7 @@ int run(CLI::App& program, const std::vector<std::string>& words)
             path += " " + word;
         }
     }
-    // Its own help() would tell of the command that was called, which is this one.
+    // Its own help() would describe the command that was called, which is this one.
     host::TextOutput().writeOrFail(command->get_formatter()->make_help(command, path, CLI::AppFormatMode::Normal));
     return kDoneStatus;
 }

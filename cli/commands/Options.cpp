@@ -22,7 +22,7 @@ struct OptionsArguments {
     std::string format;
 };
 
-/// Tells reports while the window is open. A search comes past ports that are not there; these are no news.
+/// Prints reports while the window is open. A search tries ports that do not exist; those are not worth a report.
 class Reporting {
 public:
     explicit Reporting(clsKELReader& reader) : reports_(reader, [this](const host::Failure& failure) { tell(failure); })

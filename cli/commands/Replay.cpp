@@ -22,7 +22,7 @@ struct ReplayArguments {
     std::string outFile;
 };
 
-/// Tells where the session has left its transcript; false if it has.
+/// Reports where the session differed from its transcript; false if it did.
 bool tellDifferences(const host::Replay& replay)
 {
     for (const std::string& difference : replay.differences())

@@ -42,7 +42,7 @@ void endOutOfTime(int)
 Console::Console()
 {
     holdStandardStreams();
-    // A reader of our output that goes away, and a file that may not grow, are told as a failed write.
+    // A reader of our output that goes away, and a file that may not grow, are reported as a failed write.
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);
     std::signal(SIGXCPU, &endOutOfTime);

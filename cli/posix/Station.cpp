@@ -35,7 +35,7 @@ std::string adviceText(const host::Failure& failure)
     return advice ? advice->remedy : failure.remedy;
 }
 
-/// Whether nothing is wrong with a file; what is wrong is told.
+/// Whether a file has no mistakes; mistakes are reported.
 bool isSound(const StationFile& file, const std::string& name)
 {
     for (const std::string& fault : file.faults)

@@ -11,7 +11,7 @@ namespace {
 
 std::atomic<bool> interrupted = false;
 
-// The handler runs in a thread that the system makes for it, and must not find what a note has taken away.
+// The handler runs in a thread that the system makes for it, and must not use what a note has removed.
 std::mutex noteMutex;
 bool noted = false;
 InterruptNote::Action interruptAction = nullptr;

@@ -16,7 +16,7 @@ namespace {
 constexpr const char* kNoStore =
     "On Windows there is no store of sheets; 'kelreader scan --out FILE' keeps them, with --format json, csv or html.";
 
-/// A command that no help lists; whoever knows it from elsewhere is told why it is not here.
+/// A command that no help lists; it reports why it is not in this edition.
 void addAbsent(Commands& commands, const std::string& name, const char* why)
 {
     commands.add(name, why, [why]() -> int { throw host::UsageError(why); }).group("")->allow_extras();

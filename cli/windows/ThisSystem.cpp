@@ -10,7 +10,7 @@ namespace kel {
 
 namespace {
 
-/// What the system says of itself; it tells programs an older version than its own by the usual call.
+/// The system's description of itself; the usual call reports an older version than its own.
 std::string fromRegistry(const wchar_t* name)
 {
     std::array<wchar_t, 256> text{};

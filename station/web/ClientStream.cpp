@@ -114,7 +114,7 @@ ssize_t ClientStream::write(const char* bytes, size_t size)
     }
 }
 
-// Nobody is told where a client is.
+// Addresses of clients are not reported.
 
 void ClientStream::get_remote_ip_and_port(std::string& ip, int& port) const
 {

@@ -15,7 +15,7 @@ constexpr const char* kExpectedStream = "Nats-Expected-Stream";
 // How long the stream knows a message again. What is sent twice within is kept once.
 constexpr std::int64_t kNanosecondsKnown = std::int64_t{10} * 60 * 1'000'000'000;
 
-/// What stands in front of a message's content.
+/// The part before a message's content.
 std::size_t headSize(const StreamMessage& message, const std::string& stream)
 {
     const std::string head = std::string("NATS/1.0\r\n") + kIdentity + ": " + message.identity + "\r\n" +
