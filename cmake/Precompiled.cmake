@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: MIT
 # The headers of the standard library that most sources take, read once a target. Headers of the project's own stay
-# out: a change of one would compile everything anew. With its own copy a target keeps its own flags.
+# out: a change of one would compile everything again. With its own copy a target keeps its own flags.
 function(kel_precompile target)
     target_compile_options(${target} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-fpch-preprocess>)
     target_precompile_headers(${target} PRIVATE

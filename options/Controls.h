@@ -227,7 +227,7 @@ public:
 };
 
 /// A drop-down list with rows of one or two columns, of which the user sees column 0. Rows and columns count from 0;
-/// -1 is no row.
+/// -1 stands for no row.
 class KEL_PUBLIC PowerCombo final : public Control {
 public:
     /// Number of columns of each row.

@@ -74,7 +74,7 @@ SCARCITIES = {
     "files of no byte": ["prlimit", "--fsize=0"],
     "files of 4 kB": ["prlimit", "--fsize=4096"],
     "no further process or thread": [*user_of_limits(), "prlimit", "--nproc=0"],
-    PROCESSOR_TIME: ["prlimit", "--cpu=1:6"],  # what goes on after it was told is ended
+    PROCESSOR_TIME: ["prlimit", "--cpu=1:6"],  # what runs on after the signal is killed
     "nothing": [],
 }
 

@@ -4,10 +4,10 @@
 
     generate_reader_pages.py [--check] [--kelreader PROGRAM] [--root FOLDER]
 
-A page is made of the catalogue (as "kelreader models --format json" tells it), the table of print lines, the English
+A page is made of the catalogue (as "kelreader models --format json" prints it), the table of print lines, the English
 texts, and advice that is written by hand, one file a family in docs/readers/advice and one for what all readers share.
-An advice file is Markdown. Its first heading is the page's title, and what follows it stands in front of the tables.
-Behind it come sections; in a section
+An advice file is Markdown. Its first heading is the page's title, and what follows it comes before the tables.
+Sections come next; in a section
 
     ## 438 446 + 440 442 | 188
     When: ...
@@ -180,7 +180,7 @@ def settings_table(texts):
 
 
 def shown(text):
-    """A text on one line, N where a value is filled in, and three dots where one stands behind it."""
+    """A text on one line, N where a value is filled in, and three dots where one follows."""
     open_end = text.endswith(" ")
     words = " ".join(text.replace("~~", " ").replace("&&", "&").replace("%1", "N").split())
     return words + (" …" if open_end else "")

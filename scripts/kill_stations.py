@@ -2,11 +2,10 @@
 # SPDX-License-Identifier: MIT
 """Kills a station again and again while simulated readers feed, and counts what its store holds.
 
-Each sheet is made up, and no two are the same. A reader is told to feed the next sheet once the store has the last one:
-so a sheet may be missing only if it was the last that was fed when the station was killed, or was fed because the
-station had asked for it by then. The store is read without
-the program that wrote it. With --stream the station sends into a stream, too: what is in the store is in the stream once,
-and comes out of it once.
+Each sheet is random, and no two are the same. A reader gets the command to feed the next sheet once the store has the
+last one: so a sheet may be missing only if it was the last that was fed when the station was killed, or was fed because
+the station had asked for it by then. The store is read without the program that wrote it. With --stream the station
+also sends to a stream: what is in the store is in the stream once, and comes out of it once.
 
 Usage: kill_stations.py KELREADER [--readers N] [--sheets N] [--kills N] [--seed N] [--stream]
 """
@@ -132,7 +131,7 @@ def kill_again_and_again(program, folder, readers, kills, chance, stream):
             on_their_way[reader.name] |= {last, last + 1}
     station = subprocess.Popen([program, "station", file], stderr=subprocess.DEVNULL)
     wait_for(lambda: all(reader.last_fed() == reader.sheets for reader in readers), "feeding the last sheet")
-    # A station that is told to end leaves out a sheet that it is reading.
+    # A station that has to end leaves out a sheet that it is reading.
     wait_for(lambda: all(reader.sheets in on_their_way[reader.name] | last_stored(folder, reader) for reader in readers),
              "storing the last sheet")
     if stream:

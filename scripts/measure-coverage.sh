@@ -4,7 +4,7 @@
 # Usage: scripts/measure-coverage.sh [BUILD-FOLDER]   (default: build/coverage)
 #
 # Branches to exceptions do not count: nearly every call has one. Tests of the Windows component do not run here.
-# Needs the packages of `scripts/install-packages.sh build test coverage`. Lines that no test reaches are told by
+# Needs the packages of `scripts/install-packages.sh build test coverage`. This lists the lines that no test reaches:
 #   gcovr --root . --object-directory BUILD-FOLDER --exclude-throw-branches --filter drivers/ BUILD-FOLDER
 set -euo pipefail
 

@@ -31,7 +31,7 @@ HRESULT setFirstPage(_clsKELReader* reader, HRESULT (STDMETHODCALLTYPE _clsKELRe
     return result;
 }
 
-/// Hears the events of a reader. It lives where it is declared, so that its references need no count.
+/// Receives the events of a reader. It lives where it is declared, so that its references need no count.
 class Sheets final : public IDispatch {
 public:
     STDMETHODIMP QueryInterface(REFIID iid, void** object) override

@@ -9,7 +9,7 @@ using System;
 using System.Runtime.InteropServices;
 using System.Runtime.InteropServices.ComTypes;
 
-/// The events that this host hears. A reader has more; what is not declared is not heard.
+/// The events that this host handles. A reader has more; only those that are declared arrive.
 [ComImport, Guid("B7AF0FA2-83D5-4BB3-809A-847BC8F17A82"), InterfaceType(ComInterfaceType.InterfaceIsIDispatch)]
 public interface IReaderEvents
 {

@@ -36,7 +36,7 @@ class Reader(Sheets):
     printing, print_distance: whether sheets may be printed on, and where the print begins in the model's own steps.
     needs_more: called with the record of a reader that delivers such; True has the form go on with the next record.
     trace: a file for what goes over the line, to be replayed.
-    usb_library: the library of the USB readers' maker, in place of the usual one.
+    usb_library: the library of the USB readers' maker, instead of the usual one.
     settings by name, such as recognition_threshold=7, are set last.
 
     One thread uses a reader at a time, and a batch belongs to one thread; InUseError says so to any other.

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""What the tests of the Windows edition stand on: a Wine prefix, ports, readers behind them. See README.md."""
+"""The base of the tests of the Windows edition: a Wine prefix, ports, readers connected to them. See README.md."""
 
 import contextlib
 import fcntl
@@ -192,7 +192,7 @@ def class_keys(hive, width=WIDTH):
 
 
 class SimulatedReader:
-    """A reader of ours behind a port: what `kelreader simulate` plays. What it tells is in `events` at the end."""
+    """A simulated reader (`kelreader simulate`) connected to a port. What it reported is in `events` at the end."""
 
     def __init__(self, model, port=1, sheets=None, seed=1, count=3, form=None, rate="unlimited", faults=(), settings=()):
         arguments = [READER_PROGRAM, "simulate", "--model", str(model), "--link", str(port_link(port)), "--rate", rate]
