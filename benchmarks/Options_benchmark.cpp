@@ -55,7 +55,7 @@ private:
     QtOptionsPresenter qt_{place_};
 };
 
-/// `ShowOptions` on a machine whose 16 ports are all absent, the application made anew for each call.
+/// `ShowOptions` on a machine whose 16 ports are all absent, with a new application for each call.
 void Options_Show(benchmark::State& state)
 {
     setenv("QT_QPA_PLATFORM", "offscreen", 0);

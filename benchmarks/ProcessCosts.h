@@ -12,8 +12,8 @@ namespace kel {
 [[nodiscard]] int countSystemCalls(void (*session)());
 
 /// Most memory that a program has held, in megabytes, when it comes to its end. Its process is to be a child that has
-/// called `ptrace(PTRACE_TRACEME)` in front of exec. What the system counts for a child would begin with what its
-/// parent held.
+/// called `ptrace(PTRACE_TRACEME)` before exec. What the system counts for a child would begin with what its parent
+/// held.
 [[nodiscard]] double peakMegabytesAtEnd(pid_t child);
 
 } // namespace kel

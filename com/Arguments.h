@@ -15,7 +15,7 @@ namespace kel::com {
 /// Script hosts pass variants that refer to variants, and values where the interface has references. Each argument is
 /// brought into its declared form; what the call changes by reference goes back to where the host's argument refers to,
 /// in the type that the host has there. An array passes as it is, whatever its elements are and even if they are an
-/// object's: the member itself looks into it, and tells what is wrong with it.
+/// object's: the member itself checks it, and reports what is wrong with it.
 class Arguments {
 public:
     Arguments(const Member& member, const DISPPARAMS& given);

@@ -16,7 +16,7 @@ constexpr std::int32_t kLowestNumber = 1;
 constexpr std::int32_t kHighestNumber = 0xFFFF;
 constexpr wchar_t kSource[] = L"KELReader81U";
 
-/// What hosts call the failures that Automation tells by codes of its own.
+/// The hosts' numbers for failures that Automation reports with codes of its own.
 struct KnownCode {
     HRESULT code;
     std::int32_t number;

@@ -12,7 +12,7 @@
 
 namespace kel::com {
 
-/// A failure that is told as a result code of COM.
+/// A failure that is returned as a result code of COM.
 class ComFailure : public std::exception {
 public:
     explicit ComFailure(HRESULT code) noexcept : code_(code) {}

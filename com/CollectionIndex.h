@@ -9,7 +9,7 @@
 
 namespace kel::com {
 
-/// What a host has told as the index of a collection: a position or a key.
+/// What a host has passed as the index of a collection: a position or a key.
 using CollectionIndex = std::variant<Int32, std::string>;
 
 /// A text is a key and any number is a position, rounded to a whole one; 13 "Type mismatch" for anything else.

@@ -10,7 +10,7 @@ namespace {
 
 constexpr WORD kAnyPut = DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF;
 
-/// Hosts do not always tell the setting of a value from that of a reference: whatever the property has is meant.
+/// Hosts do not always distinguish the setting of a value from that of a reference: whatever the property has is meant.
 WORD fittingFlags(const TypeInformation& type, DISPID id, WORD flags)
 {
     if ((flags & kAnyPut) == 0)
@@ -23,7 +23,7 @@ WORD fittingFlags(const TypeInformation& type, DISPID id, WORD flags)
 HRESULT call(const TypeInformation& type, IDispatch* object, DISPID id, WORD flags, DISPPARAMS* parameters,
              VARIANT* result, EXCEPINFO* exception, UINT* argument)
 {
-    // The failure that a method told belongs to this call.
+    // The failure that a method reported belongs to this call.
     SetErrorInfo(0, nullptr);
     return type.information().Invoke(object, id, flags, parameters, result, exception, argument);
 }

@@ -99,7 +99,7 @@ void EventSinks::raise(DISPID event, std::span<const VARIANT> arguments)
         const ComPtr<IDispatch> object = sink->object;
         if (!object)
             continue;
-        // The last argument comes first, for each sink anew.
+        // The last argument comes first, again for each sink.
         std::vector<VARIANT> reversed(arguments.rbegin(), arguments.rend());
         DISPPARAMS parameters{reversed.data(), nullptr, static_cast<UINT>(reversed.size()), 0};
         EXCEPINFO exception{};

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What the system calls of the server. The names are told in KELReader81U.def.
+// What the system calls of the server. The names are in KELReader81U.def.
 
 #include "com/ClassFactory.h"
 #include "com/LateBoundErrorLibrary.h"

@@ -14,7 +14,7 @@ namespace {
 
 constexpr WORD kGet = DISPATCH_METHOD | DISPATCH_PROPERTYGET;
 
-/// The number of a member. Some script engines tell the members of a script's own objects by their extended interface
+/// The number of a member. Some script engines report the members of a script's own objects by their extended interface
 /// alone.
 HRESULT findId(IDispatch& object, const wchar_t* member, DISPID& id)
 {

@@ -48,8 +48,8 @@ private:
     LateBound object_;
 };
 
-/// A host's object in the place of a reader's carrier: any object that has the members `mscComm` and `tmrScan`. Both
-/// are fetched anew for every access.
+/// A host's object instead of a reader's carrier: any object that has the members `mscComm` and `tmrScan`. Both are
+/// fetched again for every access.
 class LateBoundCarrier final : public Carrier, public StandsForAnother {
 public:
     explicit LateBoundCarrier(ComPtr<IDispatch> object) : object_(std::move(object)) {}

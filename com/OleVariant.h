@@ -59,7 +59,7 @@ private:
     VARIANT value_;
 };
 
-/// The value behind a variant that refers to another variant, and that variant itself otherwise.
+/// The value of a variant that refers to another variant, and that variant itself otherwise.
 [[nodiscard]] const VARIANT& behindReference(const VARIANT& value) noexcept;
 
 /// Whether an optional argument was left out.

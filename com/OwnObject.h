@@ -18,7 +18,7 @@ struct IOwnObject : IUnknown {
 
 inline constexpr IID IID_IOwnObject = {0x503d4e32, 0x8769, 0x49dc, {0x85, 0xfa, 0xb8, 0x67, 0x0e, 0xe9, 0xf5, 0x76}};
 
-/// The native object behind a host's reference; nothing for nothing. 13 "Type mismatch" for an object that is none of
+/// The native object of a host's reference; null for a null reference. 13 "Type mismatch" for an object that is none of
 /// this component's, or of another kind.
 template <class Native>
 [[nodiscard]] Reference<Native> nativeOf(IUnknown* object)

@@ -23,7 +23,7 @@ private:
 /// A new one; failure 429 where the system cannot create it.
 [[nodiscard]] std::shared_ptr<DictionaryObject> newScriptingDictionary();
 
-/// The scripting dictionary of a record, holding what the record holds in the place of what it held before.
+/// The scripting dictionary of a record, filled with the items of the record instead of its former items.
 [[nodiscard]] ComPtr<IDispatch> filledScriptingDictionary(const Dictionary& record);
 
 } // namespace kel::com

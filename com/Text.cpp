@@ -57,7 +57,7 @@ bool startsWithTwo(std::string_view bytes)
     return bytes.size() > 1 && IsDBCSLeadByte(static_cast<BYTE>(bytes.front())) != FALSE;
 }
 
-/// The text's character that the first bytes are; takes them away.
+/// The character that the first bytes encode; removes them.
 wchar_t takeCharacter(std::string_view& bytes)
 {
     if (startsWithTwo(bytes)) {

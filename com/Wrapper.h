@@ -16,7 +16,7 @@
 namespace kel::com {
 
 /// What every public class of the server has in common: an object that stands for a native one, with its dual
-/// interface. `Interface` is the one of the type library, `Native` the class of this component behind it.
+/// interface. `Interface` is the one of the type library, `Native` the class of this component that it wraps.
 template <class Interface, class Native>
 class Wrapper : public Interface,
                 public ISupportErrorInfo,

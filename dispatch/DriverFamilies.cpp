@@ -20,7 +20,7 @@ namespace {
 
 constexpr DriverFamily kPeripheralDynamics = {
     .Init = InitReaderPD,
-    // The reader is told that the session ends, but its close step counts as failed.
+    // The reader is informed that the session ends, but its close step counts as failed.
     .Close =
         [](ReaderContract& oReader) {
             CloseReaderPD(oReader);
@@ -50,7 +50,7 @@ constexpr DriverFamily kScanningSystems = {
     .Init = InitReaderSS,
     .Close = [](ReaderContract&) { return CloseReaderSS(); },
     .Read = ReadPageSS,
-    // The reader is told of a cancelled print too, and that ends the sheet.
+    // The reader is also informed of a cancelled print, and that ends the sheet.
     .Print =
         [](ReaderContract& oReader, Boolean bAbort, Boolean& bSheetEjected) {
             const Boolean bResult = PrintSS(oReader, bAbort);

@@ -17,14 +17,14 @@ Boolean ReaderClose(ReaderContract& oReader);
 /// Reads one sheet through the family's driver. Any result but exactly True sets `CancelScan`.
 Boolean ReaderRead(ReaderContract& oReader);
 
-/// Prints on the current sheet, or with `bAbort` tells the reader that it will not be printed on, on models that want
+/// Prints on the current sheet, or with `bAbort` informs the reader that it will not be printed on, on models that want
 /// to know. True if the sheet was printed.
 Boolean ReaderPrint(ReaderContract& oReader, Boolean bAbort, Boolean& bSheetEjected);
 
 /// Sends the current sheet to the reject side, on models that can; does nothing on the others.
 void ReaderReject(ReaderContract& oReader);
 
-/// Sends the current sheet out, on models that need to be told. Some models' answer decides whether the sheet counts
+/// Sends the current sheet out, on models that need the command. Some models' answer decides whether the sheet counts
 /// as ejected.
 void ReaderEject(ReaderContract& oReader, Boolean& bSheetEjected);
 
@@ -32,7 +32,7 @@ void ReaderEject(ReaderContract& oReader, Boolean& bSheetEjected);
 /// answered. False, without a touch of any line, for a model that cannot be searched for.
 Boolean ReaderLocate(ReaderContract& oReader, Int16 iStartPort);
 
-/// Asks the reader for its firmware version. False, with `sReturn` as it was, for a model that does not tell it.
+/// Asks the reader for its firmware version. False, with `sReturn` as it was, for a model that does not report it.
 Boolean ReaderFirmware(ReaderContract& oReader, std::string& sReturn);
 
 } // namespace kel

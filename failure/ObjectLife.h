@@ -14,13 +14,13 @@ public:
     ObjectLife& operator=(const ObjectLife&) { return *this; }
     ~ObjectLife();
 
-    /// For the destructor of an object that has something to release: its end is told before that.
+    /// For the destructor of an object that has something to release: its end is reported before that.
     void ends();
 
 private:
     void begins();
 
-    const char* nameAndKind_; // nothing once the end is told
+    const char* nameAndKind_; // null once the end is reported
 };
 
 } // namespace kel

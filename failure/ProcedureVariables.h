@@ -22,7 +22,7 @@ namespace kel {
 
 class VariableLines;
 
-/// An object that holds variables of a procedure, and tells them in its own place (failure/TellsVariables.h).
+/// An object that holds variables of a procedure, and shows them itself (failure/TellsVariables.h).
 template <class T>
 concept TellsVariables = requires(const T& object, VariableLines& lines)
 {
@@ -66,7 +66,7 @@ private:
     std::string text_;
 };
 
-/// The three texts that are told of a procedure's variables. What has no variables reads "{None}".
+/// The three texts that a dump shows of a procedure's variables. What has no variables reads "{None}".
 struct ProcedureDump {
     static constexpr const char* kNone = "{None}";
     std::string parameters = kNone;

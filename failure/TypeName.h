@@ -9,7 +9,7 @@
 
 namespace kel {
 
-/// An object in the place of one from elsewhere, whose type has a name of its own.
+/// An object that stands for one from elsewhere, whose type has a name of its own.
 class StandsForAnother {
 public:
     virtual ~StandsForAnother() = default;

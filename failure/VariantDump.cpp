@@ -36,8 +36,8 @@ std::string errorText()
     return "{Error " + CStr(caughtFailure().number()) + " formatting for output}";
 }
 
-/// The dimensions of an array as far as they can be told: one less than the first whose lower bound cannot be had, and
-/// none at all where all four can.
+/// The dimensions of an array as far as they can be found out: one less than the first whose lower bound cannot be had,
+/// and none at all where all four can.
 Int32 dimensionCount(const ArrayValue& array)
 {
     for (Int32 dimension = 1; dimension <= kMostDimensions; ++dimension) {

@@ -19,7 +19,7 @@ namespace kel {
 ///     </sBarcodeArr>
 ///
 /// `lIndent` is the number of blanks in front, `lDepth` counts the levels of arrays down and limits nothing. A value
-/// without a text is told by the number of its failure; the dump itself never fails.
+/// without a text is shown as the number of its failure; the dump itself never fails.
 [[nodiscard]] std::string dumpOfValue(std::string_view sName, const Variant& vValue, Int32 lDepth = 99,
                                       Int32 lIndent = 4);
 

@@ -53,8 +53,8 @@ using CodeOf = std::conditional_t<Stated::kIsOfAnObject, CalledByHost, CalledCod
 /// How a cold function asks for a procedure's variables.
 using TellVariables = void (*)(const void* stated, ProcedureDump& dump);
 
-/// The second trap of a procedure, called by its handler: captures what is being caught, reports it with the
-/// variables, and raises it once more.
+/// The second trap of a procedure, called by its handler: captures what is being caught, reports it with the variables,
+/// and raises it again.
 [[noreturn, gnu::cold]] void captureAndRaise(const char* source, SourceLocation procedure, TellVariables tell,
                                              const void* stated);
 
@@ -70,8 +70,8 @@ template <StatedVariables Stated>
 
 /// The traps of a procedure. Its body runs; a run-time failure in it, a fault of the processor too, is reported under
 /// `source` and goes no further, so that the procedure ends normally with the result assigned so far. What fails while
-/// this is done meets the second trap: it is told to the host's error library with the procedure's variables, and goes
-/// on to the caller.
+/// this is done meets the second trap: it is reported to the host's error library with the procedure's variables, and
+/// goes on to the caller.
 ///
 /// `source` has the form "KELReader81 - basScantron.InitReaderST". `stated` are the variables:
 ///
@@ -152,7 +152,7 @@ decltype(auto) captured(const char* source, Body&& body, SourceLocation procedur
     return captured(source, NothingStated(), std::forward<Body>(body), procedure);
 }
 
-/// Runs a body that is allowed to fail without anybody being told. True if it came to its end.
+/// Runs a body that is allowed to fail without a report. True if it came to its end.
 template <class Body>
 bool ignoringFailures(Body&& body)
 {

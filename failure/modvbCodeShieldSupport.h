@@ -48,7 +48,7 @@ void captureFailure(SourceLocation procedure);
 /// The lines of the process's variables.
 [[nodiscard]] std::string dumpOfGlobals();
 
-/// Tells the error library of a captured failure: its object is created by name for each report. Without one the
+/// Reports a captured failure to the error library: its object is created by name for each report. Without one the
 /// failure is shown in a box of last resort. Never fails.
 void reportCrash(const CapturedFailure& failure, const std::string& sModule, const std::string& sProcedure,
                  const ProcedureDump& variables);

@@ -28,7 +28,7 @@ DebuggerFactory factoryInUse()
     return debuggerFactory();
 }
 
-/// The number of debuggers that are installed, as the value "Count" tells it.
+/// The number of debuggers that are installed, as the value "Count" has it.
 double installedDebuggers()
 {
     const auto value = platform().registry().read(kelReaderRegistryKeyCurrentUser, kDebuggerKey, "Count");

@@ -33,7 +33,7 @@ public:
 };
 
 /// Starts the debugger for a client; nothing if that does not work. None is known to this component: a tool, or a test
-/// that plays one, sets its own. An empty function takes it away.
+/// that plays one, sets its own. An empty function removes it.
 using DebuggerFactory = std::function<std::shared_ptr<DebuggerIPC>(IVBCSClient& client)>;
 void setDebuggerFactory(DebuggerFactory factory);
 

@@ -41,7 +41,7 @@ std::string parserMessage(const Json::exception& error)
     return message;
 }
 
-/// What is written out, copied or taken away goes down into a value by recursion.
+/// Writing, copying and destroying a value is recursive.
 void refuseDeepNesting(std::string_view text)
 {
     constexpr int kDeepest = 64;
@@ -121,7 +121,7 @@ std::string readWholeFile(const std::filesystem::path& file, const FileKind& kin
     const std::string subject = std::string("The ") + kind.name + " " + file.string();
     std::ifstream stream(file, std::ios::binary);
     std::string text;
-    // Not by the size that the system tells: a pipe has none.
+    // Not by the size that the system reports: a pipe has none.
     while (stream.good() && text.size() <= most) {
         constexpr std::size_t kBlock = 65536;
         const std::size_t before = text.size();

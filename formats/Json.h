@@ -51,7 +51,7 @@ public:
     [[nodiscard]] const std::string& name() const noexcept { return name_; }
     [[nodiscard]] const std::vector<std::string>& known() const noexcept { return known_; }
 
-    /// The place again, with an end of the sentence that tells more than all the keys that are known.
+    /// The place again, with an end of the sentence that says more than the list of known keys.
     [[nodiscard]] JsonRefusal endingWith(const std::string& end) const;
 
 private:

@@ -10,7 +10,7 @@ namespace kel {
 
 namespace {
 
-// How many letters a name may be farther away than the nearest one to be worth telling.
+// How many letters a name may be farther away than the nearest one to be worth mentioning.
 constexpr std::size_t kClearlyFarther = 2;
 
 /// Where the words of a name begin, and its end: "Scantron Scanmark 2500", "NumRows".

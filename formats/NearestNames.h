@@ -8,7 +8,7 @@
 
 namespace kel {
 
-/// How many letters have to be added, taken away or changed to make one text the other, whatever the case of letters.
+/// How many letters have to be added, removed or changed to make one text the other, whatever the case of letters.
 [[nodiscard]] std::size_t editDistance(std::string_view a, std::string_view b);
 
 /// The names that come nearest to what was asked for, the nearest first, at most `count` of them; those that are

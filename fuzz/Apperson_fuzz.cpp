@@ -12,8 +12,8 @@
 #include <string>
 
 // What an Apperson reader may send: lines and blocks of any bytes, and replies within a session; and what a host may
-// want to be sent: answer keys. The first byte chooses. Only run-time failures may come out, and they are told by their
-// number.
+// want to be sent: answer keys. The first byte chooses. Only run-time failures may come out, and they are recognised by
+// their number.
 
 namespace {
 

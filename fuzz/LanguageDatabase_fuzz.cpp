@@ -41,7 +41,7 @@ const std::string& writeFile(std::string_view content)
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    // The first byte tells what else there is: a language in the command line, and the answers to boxes.
+    // The first byte says what else there is: a language in the command line, and the answers to boxes.
     const unsigned kind = size > 0 ? data[0] : 0;
     const std::string_view content(reinterpret_cast<const char*>(data) + (size > 0 ? 1 : 0), size > 0 ? size - 1 : 0);
     test::RecordingPlatform platform;

@@ -18,7 +18,7 @@
 #endif
 
 // Runs the corpora through their targets, without libFuzzer. An input that a target does not hold ends the process, as
-// it does there; its file is told.
+// it does there; the message names its file.
 
 #define FUZZ_TARGET(name) extern "C" int fuzz##name(const kel::Byte* data, std::size_t size);
 #include "FuzzTargets.inc"

@@ -103,7 +103,7 @@ void readState(std::span<const std::uint8_t> bytes)
     }
 }
 
-/// A library whose every answer is the input's. It keeps to the room that it is given, and to the rows that it tells.
+/// A library whose every answer is the input's. It keeps to the room that it gets, and to the rows that it reports.
 class HostileLibrary final : public OmrApi {
 public:
     explicit HostileLibrary(Input answers) : answers_(answers) {}

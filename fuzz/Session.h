@@ -14,7 +14,7 @@ class SimulatedPlatform;
 /// `machine`. The front of the input says which model it is, what the host has set and what it does; the line or the
 /// library is the caller's. The sheets are read one by one or as a batch.
 ///
-/// Whatever comes, the session ends, the line is closed after it, what fails tells why, failures of statements are of
+/// Whatever comes, the session ends, the line is closed after it, what fails says why, failures of statements are of
 /// the few kinds that a damaged reply may cause, and a sheet that counts has marks within its bounds.
 void fuzzSession(SimulatedPlatform& machine, std::span<const kelReaderType> models, Input& input);
 

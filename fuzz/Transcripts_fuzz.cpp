@@ -19,8 +19,8 @@
 
 using namespace kel;
 
-// Transcripts that strangers send in: they are written as they are read, and the session that they tell can be held
-// again, which ends and tells all in lines of JSON.
+// Transcripts that strangers send in: they are written as they are read, and the session in them can be replayed, which
+// ends and reports everything in lines of JSON.
 
 namespace {
 

@@ -114,7 +114,7 @@ private:
     }
 };
 
-/// The scale of darkness on which a model tells marks from dirt.
+/// The scale of darkness on which a model distinguishes marks from dirt.
 struct ModelThresholds {
     Int16 MarkCutOff = 0;
     Int16 MarkDiscrimination = 0;

@@ -13,8 +13,8 @@
 namespace kel {
 
 /// The listeners of a reader object's events. A listener may leave, or another come, while an event is under way: one
-/// that has left hears nothing more, one that has come hears the next event. A listener that fails stops no other;
-/// its failure comes out when all have been told.
+/// that has left hears nothing more, one that has come hears the next event. A listener that fails stops no other; its
+/// failure comes out when all have been called.
 class EventSource {
 public:
     using Cookie = std::uint32_t;

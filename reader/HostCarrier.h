@@ -8,8 +8,8 @@
 
 namespace kel {
 
-/// A carrier that the host has put in the place of the reader's own, as the drivers use it: a fault of the processor in
-/// the host's carrier, control or timer is the host's.
+/// A carrier that the host uses instead of the reader's own, as the drivers use it: a fault of the processor in the
+/// host's carrier, control or timer is the host's.
 class HostCarrier final : public Carrier {
 public:
     explicit HostCarrier(Reference<Carrier> carrier);

@@ -10,7 +10,7 @@ namespace kel {
 /// The carrier that a reader object makes for itself: a closed line and a timer of ten seconds, off.
 class frmComm final : public Carrier {
 public:
-    /// The class's name, as dumps of variables tell it.
+    /// The class's name, as dumps of variables show it.
     static constexpr const char* kClassName = "frmComm";
 
     frmComm() : mscComm_(platform().newSerialControl()), tmrScan_(platform().newScanTimer())

@@ -111,7 +111,7 @@ void demandThatApply(const std::vector<SiteFault>& faults, SimulatedFamily famil
                                         " readers");
 }
 
-/// The model that is there in the place of one of a family.
+/// The model that is there instead of one of a family.
 std::optional<kelReaderType> otherModel(const std::vector<SiteFault>& faults, SimulatedFamily family)
 {
     const bool speaksAsEZData = family == SimulatedFamily::EZData || family == SimulatedFamily::Chatsworth;

@@ -11,11 +11,11 @@
 
 namespace kel {
 
-/// Whether a BenchMark 3000 has been told to send sheets. From then on it sends one after the other by itself, so the
-/// command goes out once for a run of sheets.
+/// Whether a BenchMark 3000 has got the command to send sheets. From then on it sends one after the other by itself, so
+/// the command goes out once for a run of sheets.
 extern constinit thread_local Boolean bAPReaderStarted;
 
-/// What is reported when an exchange fails, all under one title. Without a number a missing reply is told in fixed
+/// What is reported when an exchange fails, all under one title. Without a number a missing reply is reported in fixed
 /// words.
 struct ExchangeFaultsAP {
     TextNumber cancelled = text::kApStartRefused;
@@ -23,7 +23,7 @@ struct ExchangeFaultsAP {
     TextNumber refused = text::kApStartRefused;
 };
 
-/// Whether a reply says that the reader has done what it was told. What follows the two letters says nothing.
+/// Whether a reply says that the reader has carried out its command. What follows the two letters says nothing.
 [[nodiscard]] bool isOKAP(std::string_view sData);
 
 /// How a reply is collected: a slow reader gets a pause to add to it.

@@ -8,8 +8,8 @@
 
 namespace kel {
 
-/// The block of bytes that stands for a sheet, numbered from 1. Its last byte is the status: the first that reaches
-/// the limit. The status byte is kept after the others, so that a short block shows it in the place of a mark.
+/// The block of bytes that stands for a sheet, numbered from 1. Its last byte is the status: the first that reaches the
+/// limit. The status byte is kept after the others, so that a short block shows it instead of a mark.
 class RawBlockAP {
 public:
     /// `mostBytes` is how many bytes there is room for; one more is failure 9.
@@ -29,7 +29,7 @@ public:
     /// A byte by its number; 0 for one that did not come, failure 9 beyond the room.
     [[nodiscard]] Byte operator()(Int32 index) const { return bDataArr_(index); }
 
-    /// The bytes that have come are told as a text too, and the last one by itself.
+    /// A dump also shows the received bytes as a text, and the last one separately.
     template <class Lines>
     void tellVariables(Lines& lines) const
     {

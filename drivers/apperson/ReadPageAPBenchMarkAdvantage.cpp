@@ -14,7 +14,7 @@ namespace {
 
 constexpr const char* kReadPageAPBenchMarkAdvantage = "KELReader81 - basApperson.ReadPageAPBenchMarkAdvantage";
 
-/// Tells the reader to send its sheets. Its reply is not read here: it comes as a short line before the first sheet.
+/// Sends the command to send the sheets. Its reply is not read here: it comes as a short line before the first sheet.
 bool startSheets(ReaderContract& oReader)
 {
     oReader.fComm().mscComm().Output("B1");

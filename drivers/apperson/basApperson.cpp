@@ -18,7 +18,7 @@ constexpr const char* kReadPageAP = "KELReader81 - basApperson.ReadPageAP";
 constexpr const char* kRejectPage = "KELReader81 - basApperson.RejectPageAP";
 constexpr const char* kEjectPage = "KELReader81 - basApperson.EjectPageAP";
 
-// The steps of the start whose failures are told in other words than the usual.
+// The steps of the start whose failures have other texts than the usual.
 constexpr ExchangeFaultsAP kDoNotGradeFaults = {.timedOut = std::nullopt};
 constexpr ExchangeFaultsAP kSendToHostFaults = {.cancelled = text::kApSendToHostRefused,
                                                 .refused = text::kApSendToHostRefused};

@@ -8,7 +8,7 @@
 
 namespace kel {
 
-/// How a model is told to begin a sheet.
+/// The command by which a model begins a sheet.
 enum class SheetStartCT {
     None,   ///< it sends by itself
     Byte11, ///< 0x11, whose reply is the sheet itself
@@ -33,7 +33,7 @@ struct ModelCT {
     std::optional<SetUpCT> feeder;
 };
 
-/// The row of a model. A model that is none of the family's is one that is not told anything.
+/// The row of a model. A model outside the family gets no commands.
 [[nodiscard]] const ModelCT& modelCT(kelReaderType eReaderType);
 
 } // namespace kel

@@ -51,7 +51,7 @@ void sendCommand(ReaderContract& oReader, ExchangeCT& exchange, const std::strin
     send(oReader, exchange, "\x1B" + letters + "\r");
 }
 
-/// Takes and drops characters until a CR comes. Only the time-out, and where it is told the stop flag, ends this.
+/// Takes and drops characters until a CR comes. Only the time-out ends this, and where it is asked to, the stop flag.
 Wait waitForCarriageReturn(ReaderContract& oReader, std::string& sData, bool bCancellable)
 {
     oReader.fComm().tmrScan().Enabled(True);

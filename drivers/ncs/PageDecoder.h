@@ -33,7 +33,7 @@ public:
     /// Without room for anything.
     PageDecoderNCS() = default;
 
-    /// Takes the next byte; a row length fault is told and the decoding goes on.
+    /// Takes the next byte; a row length fault is reported, and the decoding goes on.
     std::optional<RowFault> take(Byte byte);
 
     /// The reader has fallen silent within the barcodes, which ends the page. The entry opened last stays.

@@ -69,7 +69,7 @@ void stepThreshold(ReaderContract& oReader, const char* command, Int16 iDifferen
     }
 }
 
-/// Tells the reader to read a sheet, unless one is under way already. False when the status tells a fault.
+/// Sends the command to read a sheet, unless one is already under way. False if the status has a fault.
 bool startPage(ReaderContract& oReader, Int16& iStatusByte1, Int16& iStatusByte2)
 {
     if (!CheckStatusPD(oReader, iStatusByte1, iStatusByte2))
@@ -255,8 +255,8 @@ Boolean ReadPagePD(ReaderContract& oReader)
         bResult = True;
     };
     guarded(kReadPage, variables, read, [&](const RuntimeFailure&) {
-        // More row bytes than the count taken at the start byte: row 0 is refused. Whatever else fails while no row
-        // is under way is told in the same words.
+        // More row bytes than the count taken at the start byte: row 0 is refused. Whatever else fails while no row is
+        // under way is reported in the same words.
         if (iRow != 0)
             return false;
         reportRowOverrun(oReader);

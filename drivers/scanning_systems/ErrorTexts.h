@@ -9,7 +9,7 @@
 
 namespace kel {
 
-/// How an error code of the reader is told: one text, or a text in front of the code and one after it.
+/// How an error code of the reader is reported: one text, or a text before the code and one after it.
 struct ErrorTextSS {
     TextNumber text;
     std::optional<TextNumber> behindCode = std::nullopt;
@@ -17,8 +17,8 @@ struct ErrorTextSS {
     friend bool operator==(const ErrorTextSS&, const ErrorTextSS&) = default;
 };
 
-/// The words for an error code, which is the decimal text of a status byte. What a code means depends on the model,
-/// and on the models with emulation modes on the mode. Nothing for a code that is not told.
+/// The words for an error code, which is the decimal text of a status byte. What a code means depends on the model, and
+/// on the models with emulation modes on the mode. nullopt for a code that is not reported.
 [[nodiscard]] std::optional<ErrorTextSS> errorTextSS(kelReaderType eReaderType, Int16 iEmulationMode,
                                                      std::string_view sErr);
 

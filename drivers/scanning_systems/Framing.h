@@ -21,7 +21,7 @@ inline constexpr std::string_view kCrSS = "\r";
 inline constexpr std::string_view kResetSS = "\x18\r";
 inline constexpr char kAckSS = '\x06';
 
-/// In front of a command that is for side 2.
+/// Precedes a command for side 2.
 inline constexpr std::string_view kSide2SS = "/";
 
 [[nodiscard]] inline std::string querySS(std::string_view text)

@@ -32,7 +32,7 @@ enum class PageStepSS {
 ///
 ///   column value column value ... CR
 ///
-/// One blank may stand in front of a column or a CR: the byte after it, whatever it is, takes its place.
+/// One blank may come before a column or a CR: the byte after it, whatever it is, is used instead.
 class PageReplySS {
 public:
     /// The next byte, a column being named by `letters`; the marks go into `marks` from row 1 on. A mark outside the

@@ -26,10 +26,10 @@ std::string SendCommandSS(ReaderContract& oReader, const std::string& sCmd, Bool
 /// Does nothing for a code that has no words.
 void ReturnErrorSS(ReaderContract& oReader, const std::string& sErr);
 
-/// Sets up the barcode unit for the next sheet, from the first barcode zone alone; nobody is told of a failure.
+/// Sets up the barcode unit for the next sheet, from the first barcode zone alone; a failure is not reported.
 void InitBarcodeSS(ReaderContract& oReader);
 
-/// Sets up the printer for the next sheet; nobody is told of a failure.
+/// Sets up the printer for the next sheet; a failure is not reported.
 void InitPrinterSS(ReaderContract& oReader);
 
 /// Reads one sheet: status, timing marks, barcode and then the marks, of the page or of the windows.
@@ -41,19 +41,19 @@ Boolean ReadEntirePageSS(ReaderContract& oReader);
 /// Fetches the marks of the read windows.
 Boolean ReadWindowsSS(ReaderContract& oReader);
 
-/// Puts the reply `sOutput` of the windows of one page into their cells of `iPageArr`. What stands in front of a
-/// failure in the reply stays in the array.
+/// Puts the reply `sOutput` of the windows of one page into their cells of `iPageArr`. What comes before a failure in
+/// the reply stays in the array.
 void AddToArraySS(ReaderContract& oReader, const std::string& sOutput, Int16 iPage, MarkArray& iPageArr);
 
-/// Prints the filled lines of `Printer` on the sheet that has been read, or with `bAbort` tells the reader that no
+/// Prints the filled lines of `Printer` on the sheet that has been read, or with `bAbort` informs the reader that no
 /// print follows. True if the reader says that it has printed.
 Boolean PrintSS(ReaderContract& oReader, Boolean bAbort);
 
-/// Sends the sheet to the reject hopper, or out. Without a rejecter and with a prepared
-/// printer the reader is only told that no print follows.
+/// Sends the sheet to the reject hopper, or out. Without a rejecter and with a prepared printer the reader is only
+/// informed that no print follows.
 void RejectPageSS(ReaderContract& oReader, Boolean bRejectHopper);
 
-/// Tells the reader that no print follows and drops its reply. Leaves `InputLen` at 0.
+/// Informs the reader that no print follows, and drops its reply. Leaves `InputLen` at 0.
 void RejectPrintSS(ReaderContract& oReader);
 
 } // namespace kel

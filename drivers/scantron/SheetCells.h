@@ -35,7 +35,7 @@ private:
 /// row for any other. A window that runs towards lower numbers is walked from its low end.
 ///
 /// Where the window begins and which way it runs is taken from it at the start; how far a line of cells reaches is
-/// asked anew at the start of each line, since the host runs in between.
+/// asked again at the start of each line, since the host runs in between.
 class WindowCellsST {
 public:
     /// Without a window, and so without cells.

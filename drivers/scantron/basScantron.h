@@ -29,7 +29,7 @@ Boolean ResetReaderST(ReaderContract& oReader);
 /// Sends a framed command and takes the reply. True if the reply begins with CR; nothing is reported otherwise.
 Boolean SendCommandST(ReaderContract& oReader, const std::string& sCmd);
 
-/// Asks for the status block. A fault is reported where the block tells a known one.
+/// Asks for the status block. A fault is reported if the block has a known one.
 ScantronReady CheckStatusST(ReaderContract& oReader);
 
 /// Empties the input side; never fails and reports nothing.

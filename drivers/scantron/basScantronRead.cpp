@@ -50,7 +50,7 @@ bool sheetIsReady(ReaderContract& oReader, ScantronReady& eReady)
     return eReady == ScantronReady::Sheet;
 }
 
-/// Asks for the sheet and waits for its first byte. The timer then runs anew: the whole transfer has to fit into one
+/// Asks for the sheet and waits for its first byte. The timer then starts again: the whole transfer has to fit into one
 /// time-out.
 bool startTransfer(ReaderContract& oReader, const ReadStart& start, ScantronReady& eReady)
 {

@@ -14,7 +14,7 @@ enum class FeedResultSR {
 
 [[nodiscard]] FeedResultSR feedResultSR(Int32 lError);
 
-/// The message that tells an error code of the library; codes that are not known share one.
+/// The message for an error code of the library; unknown codes share one.
 [[nodiscard]] TextNumber errorMessageSR(Int32 lError);
 
 /// The number under which a code is shown: its hexadecimal text read as a decimal number, so that 0x40120003 shows as

@@ -5,7 +5,7 @@
 
 namespace kel {
 
-/// The maker's library, fetched anew for every call.
+/// The maker's library, fetched again for every call.
 inline OmrApi& omrApi()
 {
     return platform().omrApiLoader().omrApi();

@@ -10,7 +10,7 @@ namespace kel {
 // nowhere meanwhile.
 
 /// Opens the reader and brings it to what the reads need: reading method, 48 columns, the back sensor, the feed mode
-/// and, if barcodes are wanted, the barcode unit. A missing library is told in a box of its own.
+/// and, if barcodes are wanted, the barcode unit. A missing library is reported in a box of its own.
 Boolean InitReaderSR(ReaderContract& oReader);
 
 /// Closes the reader.
@@ -30,7 +30,7 @@ Boolean ReadPageSR(ReaderContract& oReader, Int32 lRecognitionThreshold);
 /// printer is not to print or the library refuses a step; what came before stays set in the library.
 Boolean PrintSR(const Reference<clsKELReaderPrinter>& cPrinter);
 
-/// Sends the sheet to the reject hopper, or out. With the stop flag set the reader is told that it is the last.
+/// Sends the sheet to the reject hopper, or out. With the stop flag set the reader is informed that it is the last.
 Boolean RejectPageSR(ReaderContract& oReader);
 Boolean EjectPageSR(ReaderContract& oReader);
 

@@ -46,7 +46,7 @@ struct BarcodesSR {
     KEL_TELLS(bReadBarcodes, uBarcodeArea, lReadCount, lSettingCount, bBcType, lDataLen, bBarcodeArr, sBarcodeArr)
 };
 
-/// Tells the library where the barcodes are and which; True if they are to be fetched after the sheet.
+/// Passes the positions and types of the barcodes to the library; True if they have to be fetched after the sheet.
 bool prepareBarcodes(ReaderContract& oReader, SRBarcodeArea& uBarcodeArea)
 {
     uBarcodeArea = barcodeAreaSR(*oReader.Barcodes());

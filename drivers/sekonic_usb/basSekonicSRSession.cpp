@@ -20,7 +20,7 @@ constexpr const char* kReturnError = "KELReader81 - basSekonicSR.ReturnErrorSR";
 // An eject is reported under this name too.
 constexpr const char* kRejectPage = "KELReader81 - basSekonicSR.RejectPageSR";
 
-/// Tells a missing library in words of its own; answers False for any other failure.
+/// Reports a missing library with a text of its own; False for any other failure.
 bool toldMissingLibrary(const RuntimeFailure& failure)
 {
     if (failure.text().find("OMRAPI.DLL") == std::string::npos || failure.code() != FailureCode::FileNotFound)

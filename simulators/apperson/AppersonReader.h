@@ -16,7 +16,7 @@ namespace kel {
 /// and not at all; neither has an effect), `reply-lump` (how many bytes of a reply come together; 1 without it, as they
 /// are on the wire, 0 is all of them), `end-lump` (the same for the reply that ends a session, which a host takes in
 /// one look; 0 without it), `reader-grade` (the host leaves the grading to the reader, and so must not switch it to
-/// sending for the host), `jam-code` (206 without it: what is told of a sheet that is stuck).
+/// sending for the host), `jam-code` (206 without it: the code for a sheet that is stuck).
 class AppersonReader : public Simulator {
 protected:
     explicit AppersonReader(SimulatorOptions options);

@@ -89,7 +89,7 @@ void DataLineReader::onByte(Byte byte)
         onKeyByte(byte);
         return;
     }
-    // A host that gives up starts anew.
+    // A host that gives up starts again.
     keyOpen_ = false;
     if (argumentLength_ == 0) {
         command_ += static_cast<char>(byte);

@@ -33,10 +33,10 @@ namespace kel {
 /// of each line of the BenchMark, in the notation of transcripts), `end-line` ("Z1"), `away-reply` (what comes back
 /// after A6 and A7, in the notation of transcripts).
 ///
-/// Fields of a sheet: "Student ID", "Page 1 ID", and on the BenchMark "Test ID", "School ID", "Class ID" and
-/// "Error Code", on the 1200 "Test Version", "Essay Score" and "Page 2 ID". A row of marks is a question, a column a
-/// letter from A; after those of side 1 come those of side 2 on the 1200. The BenchMark tells a jam as an error code;
-/// the 1200 is silent.
+/// Fields of a sheet: "Student ID", "Page 1 ID", and on the BenchMark "Test ID", "School ID", "Class ID" and "Error
+/// Code", on the 1200 "Test Version", "Essay Score" and "Page 2 ID". A row of marks is a question, a column a letter
+/// from A; after those of side 1 come those of side 2 on the 1200. The BenchMark reports a jam as an error code; the
+/// 1200 is silent.
 class DataLineReader final : public AppersonReader {
 public:
     explicit DataLineReader(SimulatorOptions options);
@@ -45,7 +45,7 @@ public:
     struct Key {
         std::string page1;
         std::string page2;                     ///< empty on a form of one page
-        std::string essay;                     ///< empty if none was told
+        std::string essay;                     ///< empty if there was none
         std::map<Int32, std::string> versions; ///< without the Q
         bool complete = false;
     };

@@ -194,7 +194,7 @@ std::string RawMarkReader::gradeBytes(const std::string& errorCode) const
 {
     const std::string identifier = sheet().barcodes.empty() ? "" : sheet().barcodes.front();
     const std::string told = !errorCode.empty() ? "Error" : identifier.empty() ? "Blank ID#" : identifier;
-    // Where nothing went wrong, what stands in the place of the error's number means nothing.
+    // Without an error, the bytes of the error's number mean nothing.
     return cutOrPadded(told, kIdentifierBytes) + kNoMeaning +
            cutOrPadded(errorCode.empty() ? "206" : errorCode, kErrorNumberBytes) + rowsAsBits();
 }

@@ -26,11 +26,11 @@ namespace kel {
 /// not done with FE, and FE before the whole block is there.
 ///
 /// Settings beside those of all Apperson readers: `columns` (of the Advantage Link, those of the form or 12 without
-/// it), `empty-code` (what is told when the feeder is empty; without it the reader waits for a sheet), `fault-tail`
-/// (what follows the code of a block that went wrong, in the notation of transcripts).
+/// it), `empty-code` (the code when the feeder is empty; without it the reader waits for a sheet), `fault-tail` (what
+/// follows the code of a block that went wrong, in the notation of transcripts).
 ///
-/// Fields of a sheet: "Status" (the code in place of 200 or 217), "End Code" (of the Advantage Link, in place of the OK
-/// of FE), "Error Code" (of the Grade Master, three characters after "Error     "). The identifier is the barcode.
+/// Fields of a sheet: "Status" (the code instead of 200 or 217), "End Code" (of the Advantage Link, instead of the OK
+/// of FE), "Error Code" (of the Grade Master, three characters after "Error "). The identifier is the barcode.
 class RawMarkReader final : public AppersonReader {
 public:
     explicit RawMarkReader(SimulatorOptions options);

@@ -34,7 +34,7 @@ class EZData final : public Simulator {
 public:
     explicit EZData(SimulatorOptions options);
 
-    /// The configuration as the host would be told it, without the CR.
+    /// The configuration as the reader would report it, without the CR.
     [[nodiscard]] std::string configuration() const;
 
 private:

@@ -13,7 +13,7 @@ using Kind = SiteFault::Kind;
 
 constexpr Byte kXon = 0x11;
 constexpr Byte kXoff = 0x13;
-constexpr Byte kWrongParity = '?'; // what a port puts in the place of such a byte
+constexpr Byte kWrongParity = '?'; // what a port reads instead of such a byte
 
 constexpr Int32 kHardware = 2; // and 3, which is both
 

@@ -15,7 +15,7 @@ struct Fault {
     enum class Kind {
         Drop,   ///< the byte is lost
         Garble, ///< the byte is changed; `value` is what it is exclusive-ored with
-        Split,  ///< a pause of `value` ms in front of the byte
+        Split,  ///< a pause of `value` ms before the byte
         Drip,   ///< from the byte on, each comes `value` ms later than the one before it
         Late,   ///< the reply that holds the byte begins `value` ms later
         Silent, ///< neither the byte nor any after it

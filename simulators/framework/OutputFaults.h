@@ -19,13 +19,13 @@ public:
     struct Fate {
         Byte byte = 0;
         bool lost = false;
-        bool unplugged = false; ///< the line hangs up in the place of this byte
-        Moment pause{};         ///< on the wire, in front of it
+        bool unplugged = false; ///< the line hangs up instead of this byte
+        Moment pause{};         ///< on the wire, before it
     };
 
     [[nodiscard]] bool none() const noexcept { return faults_.empty(); }
 
-    /// The pause in front of a reply of so many bytes.
+    /// The pause before a reply of this many bytes.
     [[nodiscard]] Moment beforeReply(std::size_t length) const;
 
     /// The next byte.

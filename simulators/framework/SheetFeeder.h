@@ -42,7 +42,7 @@ struct SeededSheets {
 /// The sheet that a seed gives at a place of the pile, the same on every machine and whatever the pile's height.
 [[nodiscard]] SimulatedSheet randomSheet(const SheetShape& shape, std::uint64_t seed, std::uint64_t place);
 
-/// The pile of sheets in front of a simulated reader.
+/// The pile of sheets in the feeder of a simulated reader.
 class SheetFeeder {
 public:
     /// An empty feeder.

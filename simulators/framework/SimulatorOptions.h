@@ -34,8 +34,8 @@ struct SimulatorOptions {
     /// How the model's line is set where nobody has changed it, as "9600,N,8,1"; `makeSimulator` fills it in.
     std::string usualLine = "9600,N,8,1";
 
-    /// Whether the reader is told of the host's parity and data bits. Over a pseudo-terminal it is not, and takes them
-    /// to be the usual ones.
+    /// Whether the reader knows the host's parity and data bits. Over a pseudo-terminal it is not, and takes them to be
+    /// the usual ones.
     bool wireShows = true;
 
     /// What only some models know, by name. `line` is known to all: the line settings that the reader demands,

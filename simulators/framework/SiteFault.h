@@ -70,7 +70,7 @@ struct SiteFault {
 struct SiteFaultEntry {
     SiteFault::Kind kind;
     std::string_view name;     ///< "wrong-speed"
-    std::string_view argument; ///< what may stand behind its colon, "BAUD"; empty for nothing
+    std::string_view argument; ///< what may follow its colon, "BAUD"; empty for none
     std::string_view range;    ///< what that may be, in words
     Int32 lowest = 0;
     Int32 highest = 0;

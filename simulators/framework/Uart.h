@@ -30,17 +30,17 @@ public:
     /// How many bytes are on the wire, or wait for it.
     [[nodiscard]] std::size_t onTheWire() const noexcept { return frames_.size(); }
 
-    /// When the next byte can be told, whatever else is sent. Nothing while the wire is at rest.
+    /// When the next byte is complete, whatever else is sent. nullopt while the wire is idle.
     [[nodiscard]] std::optional<Moment> due() const;
 
-    /// The next byte that can be told now.
+    /// The next complete byte.
     [[nodiscard]] std::optional<Received> receive(Moment now);
 
 private:
     struct Frame {
         Moment begin;
         unsigned bits; ///< the first in the lowest bit
-        int count;     ///< of bits in front of the stop bit
+        int count;     ///< of bits before the stop bit
     };
 
     [[nodiscard]] std::optional<Moment> nextStart() const;

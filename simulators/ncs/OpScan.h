@@ -26,9 +26,9 @@ namespace kel {
 /// read; that, too, is in the log.
 ///
 /// Settings: `mode` (the letter at power-on, i; with a capital its reports have capitals), `driver-status` (the status
-/// letter, N), `late-reports` (so many reports after a change still tell the mode before), `status1` and `status2`
-/// (bits that stand at power-on; with 0x40 in both, which means nothing), `status-length` and `report-length` (4 and 51
-/// at the least), `reply-ms` (from s0 and s1 to the report), `feed-ms` (from 11 to the reply), `compress`, `alternate`,
+/// letter, N), `late-reports` (this many reports after a change still have the old mode), `status1` and `status2` (bits
+/// that stand at power-on; with 0x40 in both, which means nothing), `status-length` and `report-length` (4 and 51 at
+/// the least), `reply-ms` (from s0 and s1 to the report), `feed-ms` (from 11 to the reply), `compress`, `alternate`,
 /// `end` (crlf or silence), `barcode-prefix`: as OpScanFormat has them; `feeder` (true: 0E is a mistake; false: closing
 /// a session without it is one).
 class OpScan final : public Simulator {

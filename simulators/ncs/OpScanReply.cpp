@@ -12,7 +12,7 @@ constexpr Int32 kColumns = 48;
 constexpr char kRun = 0x15;
 constexpr std::size_t kCountBase = 0x40;
 constexpr std::size_t kLongestRun = 0x3F;
-constexpr std::size_t kShortestRun = 4; // three bytes tell a run
+constexpr std::size_t kShortestRun = 4; // three bytes encode a run
 
 char digitOf(Int16 value)
 {

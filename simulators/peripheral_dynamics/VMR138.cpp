@@ -20,7 +20,7 @@ constexpr Byte kSheetUnderWay = 0x20;
 // Status byte 2.
 constexpr Byte kWantsE = 0x08;
 
-// What stands in front of the status bytes. Its bits would be every fault at once if it were taken for one of them.
+// The byte before the status bytes. Its bits would be every fault at once if it were taken for one of them.
 constexpr char kBeforeStatus = 0x7F;
 
 constexpr Int32 kLowestThreshold = 0xC0;

@@ -20,8 +20,8 @@ namespace kel {
 /// second "8" while a sheet is under way or its page not ended.
 ///
 /// Settings: `threshold` (0xC5 at power-on), `status1` and `status2` (bits that stand at power-on), `feed-ms` (from "8"
-/// to the page reply), `noise` (bytes in front of a page reply, in the notation of transcripts), `high-bits` (the two
-/// bits of a row byte that mean nothing, 0 to 3; without it they change from byte to byte).
+/// to the page reply), `noise` (bytes before a page reply, in the notation of transcripts), `high-bits` (the two bits
+/// of a row byte that mean nothing, 0 to 3; without it they change from byte to byte).
 class VMR138 final : public Simulator {
 public:
     explicit VMR138(SimulatorOptions options);

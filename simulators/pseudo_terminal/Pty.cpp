@@ -41,7 +41,7 @@ Pty::Pty() : master_(::posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC))
     if (!attributes.writeTo(slave_.number()))
         fail("no pseudo-terminal");
 
-    // Watches are few on some systems. Without one the line works, and the first byte tells that it is open.
+    // Watches are few on some systems. Without one the line works, and the first byte shows that it is open.
     watch_ = FileDescriptor(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC));
     if (watch_.isOpen() &&
         ::inotify_add_watch(watch_.number(), name_.c_str(), IN_OPEN | IN_CLOSE_WRITE | IN_CLOSE_NOWRITE) < 0)

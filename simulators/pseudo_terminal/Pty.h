@@ -11,8 +11,8 @@ namespace kel {
 
 /// A pseudo-terminal as its far end sees it: a serial line whose other end any program can open by a name.
 ///
-/// The near end is kept open here too, so that nothing is lost while no program has it open, and so that the line
-/// stays when one closes it. Openings and closings are seen all the same: the kernel's file watch tells of them.
+/// The near end is kept open here too, so that nothing is lost while no program has it open, and so that the line stays
+/// when one closes it. Openings and closings are still noticed: the kernel's file watch reports them.
 class Pty {
 public:
     /// Throws std::system_error when the system has no more of them.

@@ -18,7 +18,7 @@ namespace {
 
 using std::chrono::milliseconds;
 
-// A host opens a line and then sets it. Readers that speak first are told a little later.
+// A host opens a line and then sets it. Readers that speak first learn of it a little later.
 constexpr Moment kTimeToSetLine = milliseconds(50);
 
 // How long a host may take to read the last bytes of a reader that is unplugged.
@@ -230,7 +230,7 @@ void PtyDeviceHost::lookAtHost()
     }
 }
 
-/// An opening that the device has not been told of waits no longer.
+/// An opening that the device does not know of yet waits no longer.
 void PtyDeviceHost::openNow()
 {
     if (!open_) {

@@ -13,12 +13,12 @@
 
 namespace kel {
 
-/// Runs a device behind a pseudo-terminal: another program, or this one, opens it as it would a serial port.
+/// Runs a device at the far end of a pseudo-terminal: another program, or this one, opens it as it would a serial port.
 ///
-/// The device is told that the line is open when the host's first byte comes, or a moment after the opening, so that
-/// the host has set the line by then; and that it is closed when the last program has closed it and its bytes have
-/// left the wire. Where the system does not tell of openings, the first byte is the opening, and the line stays open.
-/// What the device sends while the line is closed is lost, as on a wire.
+/// The device learns that the line is open when the host's first byte comes, or a moment after the opening, so that the
+/// host has set the line by then; and that it is closed when the last program has closed it and its bytes have left the
+/// wire. Where the system does not report openings, the first byte is the opening, and the line stays open. What the
+/// device sends while the line is closed is lost, as on a wire.
 ///
 /// The device's bytes are written when they are due, those due together in one piece. A host that does not read them
 /// holds the device up after ReceivedInput::kRoom: what was due meanwhile happens as soon as there is room. When the
@@ -86,7 +86,7 @@ private:
     Moment begin_;
     std::deque<HostEvent> hostEvents_;
     Moment wireFree_{};   // when the last of the host's bytes has left the wire
-    Moment deviceTime_{}; // what the device was told last
+    Moment deviceTime_{}; // the last time that the device got
     int openings_ = 0;    // how many programs have the line open
     bool open_ = false;   // as the device will see it after all events
     std::string outgoing_;

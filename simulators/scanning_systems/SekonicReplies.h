@@ -16,12 +16,12 @@ enum class ColumnLetters {
 
 /// How freely a reader uses what its replies allow. Each comes at places that change from row to row.
 struct ReplyStyle {
-    bool blanks = true;        ///< a blank in front of a mark or of a row's end
+    bool blanks = true;        ///< a blank before a mark or a row's end
     bool separators = true;    ///< more than one CR and comma between windows
     bool explicitZeros = true; ///< a pair of the value 0 for a column without a mark
 };
 
-/// A loaded window: what is behind STX, field by field.
+/// A loaded window: what follows STX, field by field.
 struct LoadedWindow {
     Int32 startRow = 0;
     Int32 rows = 0;

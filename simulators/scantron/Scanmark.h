@@ -11,24 +11,24 @@ namespace kel {
 ///
 ///     SRST            forgets the form and all faults                  CR
 ///     THR= n          threshold; Scantron 8000 and 8400 only           CR
-///     FRM=FS ...      begins a form; FRM=DK, FRM=MC, FRM=LS as ScanmarkForm tells them         CR
+///     FRM=FS ...      begins a form; FRM=DK, FRM=MC, FRM=LS as in ScanmarkForm         CR
 ///     QSTS            12 characters of status; position 9: 40 and 10 faults, 01 a sheet is ready
 ///     READ 5 Y [E]    a byte for each cell of the form, and CR
 ///     EJCT A , EJCT C to the stacker, to the reject hopper             CR
 ///     PRN$ 1 Y text   prints on the sheet                              CR
-///     PRN$ 1 N        does not print; goes in front of EJCT C          CR
+///     PRN$ 1 N        does not print; precedes EJCT C          CR
 ///
 /// A cell is the character "0" with the mark's value added; on the 8000 and the 8400 it is the value itself, where 13,
 /// which would end the reply, goes out as 12. With several forms the sheets take them in turn, from the first after
 /// the loading. FRM=MC is known to the 8000 and 8400 alone, EJCT to the 2000, 2250, 2500, 4000, 5500 and ES 2800.
 /// A sheet that was read stays until it is ejected or the next one is read; that, too, is in the log.
 ///
-/// It refuses as the host's mistake, with "?" in the place of CR: unknown commands, those that the model lacks, a
-/// definition that is outside a form or does not fit it, a form without an end, eject or print without a sheet, a print
-/// of more than 125 characters. A mistake too: bytes outside a command, anything before the first SRST, a command while
-/// a reply is outstanding (but not SRST, and not EJCT after PRN$ N), EJCT C without PRN$ N. A read without a form or
-/// without a status that told a sheet is not answered at all. A read at an empty feeder is answered when a sheet comes;
-/// a jam is an end without cells and the bit 0x40.
+/// It refuses as the host's mistake, with "?" instead of CR: unknown commands, those that the model lacks, a definition
+/// that is outside a form or does not fit it, a form without an end, eject or print without a sheet, a print of more
+/// than 125 characters. A mistake too: bytes outside a command, anything before the first SRST, a command while a reply
+/// is outstanding (but not SRST, and not EJCT after PRN$ N), EJCT C without PRN$ N. A read without a form or without a
+/// status that announced a sheet gets no answer. A read at an empty feeder is answered when a sheet comes; a jam is an
+/// end without cells and the bit 0x40.
 ///
 /// Settings: `status` (the 12 characters in the notation of transcripts; bit 0x01 of position 9 is the feeder's all the
 /// same), `reply-ms` (from any other command to its reply), `feed-ms` (from READ to its reply), `ready-ms` (how long

@@ -136,7 +136,7 @@ ScanmarkForm::Refusal ScanmarkForm::misfit(const Rectangle& rectangle) const
     const Int32 rows = rectangle.side == 1 ? side1Rows_ : side2Rows_;
     if (rectangle.firstRow < 1 || rectangle.lastRow > rows)
         return "the rows are not on the form";
-    // The form start tells the columns of side 1 alone.
+    // The form start has the columns of side 1 only.
     if (rectangle.firstColumn < 1 || (rectangle.side == 1 && rectangle.lastColumn > side1Columns_))
         return "the columns are not on the form";
     if (rectangle.firstRow > rectangle.lastRow || rectangle.firstColumn > rectangle.lastColumn)

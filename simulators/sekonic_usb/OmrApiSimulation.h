@@ -21,7 +21,7 @@ public:
     /// refuses the state.
     explicit OmrApiSimulation(std::filesystem::path library, const OmrSimulationState& state = {});
 
-    /// Sets the library up anew; nothing that happened before is remembered.
+    /// Sets the library up again, and forgets what happened before.
     void configure(const OmrSimulationState& state);
 
     /// Lays a sheet under those in the feeder that no seed gives.

@@ -21,7 +21,7 @@ struct OmrSimSheet {
     std::int32_t barcodeCount;
 };
 
-/// "OMRSIM_Configure": sets the library up anew from a state in JSON. 1 is success; 0 leaves everything as it was and
+/// "OMRSIM_Configure": sets the library up again from a state in JSON. 1 is success; 0 leaves everything as it was and
 /// says why, in as much of the message's room as there is.
 using OmrSimConfigure = std::int32_t(const char* state, char* message, std::int32_t size);
 

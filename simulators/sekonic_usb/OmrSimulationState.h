@@ -40,12 +40,12 @@ struct OmrSimulationState {
     std::vector<SiteFault> paperFaults{};
 
     bool connected = true;                    ///< whether there is a reader to open
-    std::array<Int32, 2> readingMethod{3, 0}; ///< the two values that the reader tells
+    std::array<Int32, 2> readingMethod{3, 0}; ///< the two values that the reader reports
     Int32 columns = 48;
     std::array<Int32, 2> feedMode{0, 0};
     Int32 barcodeUnit = 0; ///< -1 there is none, 0 off, 1 on
 
-    /// What `OMR_GetLastError` tells at the n-th feed, from 1. Three codes leave the sheet read, 0x40110000 leaves it
+    /// What `OMR_GetLastError` returns at the n-th feed, from 1. Three codes leave the sheet read, 0x40110000 leaves it
     /// in the feeder, any other leaves it stuck.
     struct FeedCode {
         Int32 feed = 0;

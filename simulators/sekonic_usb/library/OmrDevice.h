@@ -11,8 +11,8 @@
 
 namespace kel {
 
-/// The reader behind the simulated library, with the library's own memory of it. Every member function is one call of
-/// the host; it does what the reader would do, and notes what a host must not do.
+/// The reader that the simulated library controls, with the library's own memory of it. Every member function is one
+/// call of the host; it does what the reader would do, and notes what a host must not do.
 class OmrDevice {
 public:
     OmrDevice() = default;
@@ -86,7 +86,7 @@ private:
     [[nodiscard]] SimulatedSheet takeSheet();
     /// The sheet leaves the transport, printed on if lines were set for it.
     void leave(SheetEvent event, const std::string& where);
-    /// What the library tells where this simulation knows no better.
+    /// What the library reports if this simulation knows no better.
     static constexpr Int32 kSomeError = 1;
     Int32 fail(Int32 code, Int32 result = 0);
 

@@ -59,15 +59,15 @@ std::string fileBesideLibrary()
 #endif
 }
 
-/// What tells how the reader is; empty if nothing does.
+/// The source of the reader's state; empty if there is none.
 std::string stateFile()
 {
     const char* named = std::getenv("KEL_OMRAPI_SIMULATION");
     return named ? named : fileBesideLibrary();
 }
 
-/// A reader that nobody has set up: as the state file tells it, with an empty feeder without one, and no reader at all
-/// where the file is broken.
+/// A reader that nobody has set up: as the state file describes it, with an empty feeder without one, and no reader at
+/// all where the file is broken.
 std::unique_ptr<kel::OmrDevice> deviceOfFile()
 {
     const std::string file = stateFile();
