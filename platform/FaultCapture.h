@@ -24,7 +24,7 @@ using FaultFilter = void (*)(const FaultRecord& record);
 /// reaches whatever would have got it without the component. The filter is called as if the failing statement had
 /// called it: what it throws is caught by the procedure that was running.
 ///
-/// An implementation tells the thread with `faultTaken` before it calls the filter, so that a fault of the unwinding
+/// An implementation informs the thread with `faultTaken` before it calls the filter, so that a fault of the unwinding
 /// itself does not come here again and again; the trap that catches the exception goes on from there.
 ///
 /// Only code compiled with `-fnon-call-exceptions` can be left in this way at any statement. Where an exception cannot
@@ -33,7 +33,7 @@ class FaultCapture {
 public:
     virtual ~FaultCapture() = default;
 
-    /// Puts the filter in front of the handlers that the process has now. Calling it again does no harm.
+    /// Puts the filter before the handlers that the process has now. Calling it again does no harm.
     virtual void install(FaultFilter filter) = 0;
 };
 
@@ -92,7 +92,7 @@ void maskNumericFaults() noexcept;
     return detail::readThreadRuns() == detail::ThreadRuns::Component;
 }
 
-/// To be called by what takes a fault while `componentRuns()`, in front of the filter.
+/// To be called by what takes a fault while `componentRuns()`, before the filter.
 inline void faultTaken() noexcept
 {
     detail::setThreadRuns(detail::ThreadRuns::Unwinding);

@@ -25,8 +25,8 @@ struct LineParameters {
 };
 
 /// The far end of a serial line: a reader, or something that plays one. It never waits and has no thread: whoever
-/// drives it tells it the time, hands it the bytes of the host and takes its own when they are due. The same object
-/// so serves a line in memory under a virtual clock and a pseudo-terminal under the real one.
+/// drives it gives it the time, hands it the bytes of the host and takes its own when they are due. The same object so
+/// serves a line in memory under a virtual clock and a pseudo-terminal under the real one.
 class LineDevice {
 public:
     virtual ~LineDevice() = default;

@@ -25,8 +25,8 @@ public:
 
     [[nodiscard]] virtual Moment now() const = 0;
 
-    /// What the host wants to run at each `DoEvents`: its message loop, a look at its Cancel button.
-    /// An empty function takes it away.
+    /// What the host wants to run at each `DoEvents`: its message loop, a look at its Cancel button. An empty function
+    /// removes it.
     virtual void hostPump(std::function<void()> pump) = 0;
 };
 

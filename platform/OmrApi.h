@@ -91,8 +91,8 @@ public:
     /// The library. Nothing is loaded before one of its functions is called.
     [[nodiscard]] virtual OmrApi& omrApi() = 0;
 
-    /// The file to load in the place of the one that would be found by name, from the next call on; empty for that
-    /// one. A platform whose library is no file ignores it.
+    /// The file to load instead of the one that would be found by name, from the next call on; empty for that one. A
+    /// platform whose library is no file ignores it.
     virtual void libraryFile(const std::filesystem::path& file) { static_cast<void>(file); }
 
     /// The width in bits that the library must have, if one was found and is of no use in this process; 0 otherwise.

@@ -29,8 +29,8 @@ public:
     /// is none.
     [[nodiscard]] std::optional<std::string> get(Int16 port) const;
 
-    /// Maps a port to a device, or takes its device away. False for a number outside 1 to 16, for a device
-    /// whose name is empty or too long, for a port that has none to take away, and when the registry refuses it.
+    /// Assigns a port to a device, or removes its device. False for a number outside 1 to 16, for a device whose name
+    /// is empty or too long, for a port that has none to take away, and when the registry refuses it.
     bool set(Int16 port, const std::string& device);
     bool clear(Int16 port);
 
@@ -41,8 +41,8 @@ private:
     Registry& registry_;
 };
 
-/// Puts a device in the place of a port's for this thread, for as long as it lives, and leaves the registry alone.
-/// Of several for the same port the latest wins. It ends on the thread that made it.
+/// Uses a device instead of a port's for this thread, for as long as it lives, and leaves the registry alone. Of
+/// several for the same port the latest wins. It ends on the thread that made it.
 class KEL_INTERNAL PortOverride {
 public:
     PortOverride(Int16 port, std::string device);

@@ -10,7 +10,7 @@ namespace kel {
 
 /// The signs within a number as the user writes it.
 struct NumberSigns {
-    std::string decimal = "."; ///< in front of the fraction
+    std::string decimal = "."; ///< before the fraction
     std::string thousands;     ///< between groups of digits; empty if there is none
 };
 

@@ -30,8 +30,8 @@ public:
 
     // --- For the caller of the line
 
-    /// How many bytes wait. 8020 on a line that has hung up and has no more, or that the caller waits on in vain:
-    /// told the same number three times, and time passed in between.
+    /// How many bytes wait. 8020 on a line that has hung up and has no more, or that the caller waits on in vain: it
+    /// got the same number three times, and time passed in between.
     [[nodiscard]] Int32 count();
 
     /// Takes up to `most` bytes, or with 0 all that wait.
@@ -66,12 +66,12 @@ public:
     /// hung up.
     void fetch(bool hangUpSignalled = false);
 
-    /// Whether something waits that the caller has not been told yet.
+    /// Whether something waits that the caller does not know of yet.
     [[nodiscard]] bool untold() const noexcept { return news_ != News::None; }
 
     /// Whether the caller is not to be kept: since the pump last returned it has taken or sent something, or has been
-    /// told of more than before; or something waits that is news to it. So a caller that pauses whenever nothing waits
-    /// gets to its pause, and one that yields between asking and taking is not held up.
+    /// learnt of more than before; or something waits that is news to it. So a caller that pauses whenever nothing
+    /// waits gets to its pause, and one that yields between asking and taking is not held up.
     [[nodiscard]] bool inviting() const noexcept { return busyInTurn_ || (waiting() > 0 && news_ == News::Fresh); }
 
     /// The pump gives the thread back to the caller.
@@ -107,7 +107,7 @@ protected:
         bool more = false;
     };
 
-    /// Reads what is there, up to `room` bytes; it never waits. A line that is gone is told by `hangUp`.
+    /// Reads what is there, up to `room` bytes; it never waits. A line that is gone is reported by `hangUp`.
     [[nodiscard]] virtual Fetched read(char* into, std::size_t room) = 0;
 
     /// Waits until something may have come, up to a moment.
@@ -151,7 +151,7 @@ private:
     Known known_ = Known::Looked;
     News news_ = News::None;
     std::size_t told_ = 0;    // how many bytes wait, as the caller knows
-    bool busyInTurn_ = false; // the caller has taken or sent bytes since the pump last returned, or was told of more
+    bool busyInTurn_ = false; // the caller has taken or sent bytes since the pump last returned, or learnt of more
     bool hungUp_ = false;
     int vainLooks_ = 0; // at a dead line, without taking anything
     bool timePassed_ = false;

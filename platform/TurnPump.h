@@ -17,10 +17,10 @@ class WakeCall;
 /// timers of one thread.
 ///
 /// `DoEvents` runs the host's pump, the system's messages and the timers that are due. Then it returns at once if a
-/// line has input that the caller takes bit by bit, or has not been told of yet. Otherwise it blocks until a byte
-/// arrives, a timer is due, a message or a signal comes, or another thread calls. What arrives is fetched into the
-/// line's buffer right there. So a waiting loop sees a byte at once and takes next to no processor time. Only what
-/// cannot be waited for has a clock: a host's pump, a line of the host, a timer of the host.
+/// line has input that the caller takes bit by bit, or does not know of yet. Otherwise it blocks until a byte arrives,
+/// a timer is due, a message or a signal comes, or another thread calls. What arrives is fetched into the line's buffer
+/// right there. So a waiting loop sees a byte at once and takes next to no processor time. Only what cannot be waited
+/// for has a clock: a host's pump, a line of the host, a timer of the host.
 ///
 /// Input that comes in the turn in which a timer ends goes first: the timer's event runs one turn later. The event of a
 /// timer that has ended before, in a pause for example, runs in the next turn, whatever has come meanwhile.

@@ -20,7 +20,7 @@ public:
     TurnTimer& operator=(const TurnTimer&) = delete;
 
     [[nodiscard]] Int32 Interval() const override { return interval_; }
-    /// Starts the countdown anew if the timer is running. A negative interval is 380.
+    /// Starts the countdown again if the timer is running. A negative interval is 380.
     void Interval(Int32 milliseconds) override;
 
     [[nodiscard]] Boolean Enabled() const override { return enabled_; }

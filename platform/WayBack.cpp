@@ -49,7 +49,7 @@ private:
         return false;
 #endif
     SystemsWay::call(run, what);
-    // The jump needs this frame: no call in the place of the return.
+    // The jump needs this frame: no call instead of the return.
     asm volatile("" : : "r"(&place) : "memory");
     return true;
 }

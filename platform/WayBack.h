@@ -50,8 +50,8 @@ struct TakenFault {
     FaultFilter filter = nullptr;
 };
 
-/// The thread's innermost way back; null if there is none. A handler that takes a fault tells it which, so that the way
-/// is there for whatever becomes of the exception.
+/// The thread's innermost way back; null if there is none. A handler that takes a fault notes there which one, so that
+/// the way is there for whatever becomes of the exception.
 [[nodiscard]] WayBack* innermostWayBack() noexcept;
 void expectFault(const TakenFault& fault) noexcept;
 

@@ -17,7 +17,7 @@ inline constexpr std::string_view kReportMark = "# report: ";
 inline constexpr std::string_view kSheetsSection = "sheets";
 inline constexpr std::string_view kStartSection = "start";
 
-/// The text of a section, its mark included. The part in front of the first has no name.
+/// The text of a section, its mark included. The part before the first has no name.
 struct ReportSection {
     std::string name;
     std::string text;

@@ -8,7 +8,7 @@ namespace kel {
 
 namespace {
 
-// Lets what came behind a look stand behind it.
+// Writes what came after a look on a line after the look's.
 constexpr Moment kJustAfter = std::chrono::microseconds(1);
 
 double milliseconds(Moment time)

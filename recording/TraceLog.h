@@ -19,8 +19,8 @@ inline const std::string kNotBefore = "not before ";
 /// Makes a transcript of what passes a serial control, while it happens.
 ///
 /// A reader's bytes become known to the host when it looks at the line, and what they are when it takes them; a line is
-/// handed out as soon as it is complete and all lines before it are. The pause in front of them lasts to the look that
-/// showed them, and its note tells how much of it had passed at the last look that did not: whenever exactly they came
+/// handed out as soon as it is complete and all lines before it are. The pause before them lasts to the look that
+/// showed them, and its note says how much of it had passed at the last look that did not: whenever exactly they came
 /// in between, it made no difference to the host.
 ///
 ///     > 1B "QSTS" 0D
@@ -38,10 +38,10 @@ public:
 
     explicit TraceLog(Write write) : write_(std::move(write)) {}
 
-    /// A line of the head; to be told before the dialogue begins, and dropped after that.
+    /// A line of the head; to be set before the dialogue begins, and ignored after that.
     void head(const std::string& key, const std::string& value);
 
-    /// The line is open from now on: the pause in front of its first line begins.
+    /// The line is open from now on: the pause before its first line begins.
     void opened(Moment now);
 
     /// The host sends.
@@ -56,11 +56,11 @@ public:
     /// Bytes that the host knows of and has not taken.
     [[nodiscard]] std::size_t known() const noexcept { return known_; }
 
-    /// The line has hung up, and the host was told so with this text. What it could not take any more is left out.
+    /// The line has hung up, and the host got this text. What it could not take any more is left out.
     void hungUp(const std::string& text);
 
-    /// Characters have gone wrong on the line by now, so many in all. The note stands in front of bytes that the host
-    /// has not taken yet.
+    /// Characters have gone wrong on the line by now, so many in all. The note comes before bytes that the host has not
+    /// taken yet.
     void wentWrong(const std::string& text) { write_("# so far " + text + "\n"); }
 
     /// The host has closed the line; what it did not take is left out.

@@ -9,8 +9,8 @@
 
 namespace kel {
 
-/// A platform that writes a transcript of all calls of the USB readers' library. The pause in front of a call lasts to
-/// its end. A trailing run of zeros is left out of what it delivers.
+/// A platform that writes a transcript of all calls of the USB readers' library. The pause before a call lasts to its
+/// end. A trailing run of zeros is left out of what it delivers.
 ///
 ///     @ OMR_SetReadingMethod 3 0 = 1
 ///     + 812.4

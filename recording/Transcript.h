@@ -63,9 +63,9 @@ private:
     int line_;
 };
 
-/// Reads a transcript. `# key: value` in front of the dialogue is its head; any other line that begins with `#`, and
-/// what follows a `#` on a line of the dialogue, is a comment. Bytes are pairs of hexadecimal digits and texts
-/// in double quotes. Throws TranscriptError.
+/// Reads a transcript. `# key: value` before the dialogue is its head; any other line that begins with `#`, and what
+/// follows a `#` on a line of the dialogue, is a comment. Bytes are pairs of hexadecimal digits and texts in double
+/// quotes. Throws TranscriptError.
 [[nodiscard]] Transcript parseTranscript(std::string_view text);
 
 /// The text of a transcript, which parses to the same.

@@ -24,7 +24,7 @@ namespace kel {
     };
 }
 
-/// A platform whose pauses look at the line all the while, so that a trace tells when bytes came and not when a driver
+/// A platform whose pauses look at the line all the while, so that a trace shows when bytes came and not when a driver
 /// got round to them. Everything else is another platform's.
 class WatchfulPlatform final : public PlatformAround {
 public:

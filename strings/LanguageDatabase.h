@@ -57,7 +57,7 @@ private:
 /// The database of the process, which VBLM_RTString asks.
 [[nodiscard]] KEL_INTERNAL LanguageDatabase& languageDatabase();
 
-/// Puts a fresh database in the place of the process's, for tests. No other thread may be using the old one.
+/// Replaces the process's database with a new one, for tests. No other thread may be using the old one.
 void renewLanguageDatabase(std::string fileName = kLanguageFileName);
 
 } // namespace kel

@@ -12,7 +12,7 @@
 
 namespace kel {
 
-/// What stands in the place of a text when the language file cannot be used.
+/// The replacement for a text when the language file cannot be used.
 inline constexpr const char* kNotAvailable = "LDB Error - String not available";
 
 /// What outlives a load of the language database, be it successful or not.
@@ -21,7 +21,7 @@ struct LanguageState {
     Boolean mbCriticalError;      ///< a required key was missing; never taken back
 };
 
-/// The end of a load that has failed, with the text that stands in the place of every text.
+/// The end of a load that has failed, with the text that replaces every text.
 struct LoadFailed {
     std::string answer;
 };
@@ -52,11 +52,11 @@ public:
     /// there is none.
     [[nodiscard]] std::unique_ptr<const StringTable> run();
 
-    /// The names of the languages alone; throws LoadFailed if the file does not tell them.
+    /// The names of the languages alone; throws LoadFailed if the file does not have them.
     [[nodiscard]] std::vector<std::string> languageNames();
 
 private:
-    /// A language as the head tells it, with the position of its section.
+    /// A language as the head describes it, with the position of its section.
     struct Language {
         std::string name;
         Int32 start = 0;

@@ -7,7 +7,7 @@
 
 namespace kel {
 
-/// The screen while the options dialog is open: the dialog shows its fields anew before a box stands in front of it.
+/// The screen while the options dialog is open: the dialog shows its fields again before a box appears on top of it.
 class DialogScreen final : public Screen {
 public:
     BoxAnswer MsgBox(const std::string& text, BoxIcon icon, BoxButtons buttons, const std::string& title) override

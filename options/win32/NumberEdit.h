@@ -8,8 +8,8 @@
 
 namespace kel {
 
-/// A number field of the form as an edit control with spin buttons behind it. It shows the text that the model has,
-/// whatever the bounds, and leaves it to the model to put it right.
+/// A number field of the form as an edit control with spin buttons after it. It shows the text that the model has,
+/// whatever the bounds, and the model corrects it.
 class NumberEdit {
 public:
     using Action = std::function<void()>;
@@ -34,8 +34,8 @@ public:
     void enter();
     void step(int by);
 
-    /// What leaving the field does; for a default button, too, that works while the field keeps the focus. False if
-    /// there is no number in it, which the user has been told.
+    /// What leaving the field does; for a default button, too, that works while the field keeps the focus. False, after
+    /// a message to the user, if its text is not a number.
     [[nodiscard]] bool leave();
 
     /// Whether leaving the field needs no message.

@@ -73,8 +73,8 @@ bool HiveDatabase::ready(bool create)
     return true;
 }
 
-/// With a log in front of the file, a write is a hundred times faster. But the log needs a folder in which its readers
-/// may write; so a hive that others read does without. The file remembers the choice.
+/// With a write-ahead log, a write is a hundred times faster. But the log needs a folder in which its readers may
+/// write; so a hive that others read does without. The file remembers the choice.
 void HiveDatabase::chooseJournal()
 {
     if (forAll_)

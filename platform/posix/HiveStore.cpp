@@ -21,7 +21,7 @@ namespace kel {
 
 namespace {
 
-// How often a file that another process takes away is made anew.
+// How often a file that another process removes is made again.
 constexpr int kTries = 100;
 
 /// A path as it is stored: without the empty names that doubled or outer backslashes would give.

@@ -44,8 +44,8 @@ void takeDefaultAction(int signalNumber, const siginfo_t& info)
     struct sigaction action {};
     action.sa_handler = SIG_DFL;
     ::sigaction(signalNumber, &action, nullptr);
-    // The failing statement runs once more and meets the default action by itself. A statement that traps has already
-    // run, and a signal that was sent does not come again.
+    // The failing statement runs again and meets the default action by itself. A statement that traps has already run,
+    // and a signal that was sent does not come again.
     if (!isOfTheProcessor(info) || signalNumber == SIGTRAP)
         ::raise(signalNumber);
 }

@@ -9,7 +9,7 @@
 
 namespace kel {
 
-/// The faults that the system tells by SIGSEGV, SIGBUS, SIGFPE, SIGILL and SIGTRAP.
+/// The faults that the system reports by SIGSEGV, SIGBUS, SIGFPE, SIGILL and SIGTRAP.
 ///
 /// The handlers that the process had before are kept and get what is not the component's, with their flags and masks as
 /// the system would have called them: faults outside the component's procedures, and signals that somebody has sent.

@@ -24,7 +24,7 @@ bool isThere(const std::filesystem::path& file)
     return std::filesystem::exists(file, ignored);
 }
 
-/// A file that is there and cannot be loaded is told with the loader's own words.
+/// A file that is there and cannot be loaded is reported with the loader's own words.
 void* open(const std::filesystem::path& file)
 {
     if (void* handle = ::dlopen(file.c_str(), kOpenMode))

@@ -10,8 +10,8 @@ namespace kel {
 
 /// The library of the USB readers' maker as a shared object.
 ///
-/// Looked for beside the component and then on the dynamic loader's own path, as libOMRAPI.so and OMRAPI.so; beside
-/// the component the name OMRAPI.DLL is taken too. A missing library is looked for anew at the next call. One that is
+/// Looked for beside the component and then on the dynamic loader's own path, as libOMRAPI.so and OMRAPI.so; beside the
+/// component the name OMRAPI.DLL is taken too. A missing library is looked for again at the next call. One that is
 /// loaded stays so until the process ends, since the maker's library may have threads of its own.
 class PosixOmrApiLoader final : public OmrApiLoader {
 public:

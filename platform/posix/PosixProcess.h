@@ -7,7 +7,7 @@
 
 namespace kel {
 
-/// This process as the system tells of it.
+/// This process as the system describes it.
 class PosixProcess final : public Process {
 public:
     /// Program and arguments, joined by blanks; one that is empty or holds a blank stands in double quotes.

@@ -11,7 +11,7 @@ namespace kel {
 class LineInput;
 class PosixMessagePump;
 
-/// A serial line of this machine, or one behind the network (see RemoteLine).
+/// A serial line of this machine, or one across the network (see RemoteLine).
 ///
 /// The device is opened and set through libserialport, and by ourselves where it has no modem lines (see LocalLine).
 /// The library hands out the descriptor, and the buffer and the waiting are ours: a burst of bytes so costs one poll

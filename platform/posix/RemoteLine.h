@@ -19,8 +19,8 @@ public:
     /// cause, and what to try.
     RemoteLine(Int16 port, const std::string& device, const RemoteAddress& address, int ended);
 
-    /// Sets the serial line behind the server where the address says that it takes settings, or where the stream
-    /// happens to; otherwise whoever owns it has set it.
+    /// Sets the serial line of the server where the address says that it takes settings, or where the stream happens
+    /// to; otherwise whoever owns it has set it.
     void set(const LineParameters& line) override;
 
     void dropInput() noexcept override;

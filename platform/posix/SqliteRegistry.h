@@ -14,12 +14,11 @@ class HiveStore;
 
 /// The registry in SQLite files, one a hive.
 ///
-/// A hive's file is created by the first write; reading never creates one. Every write, or what is written
-/// together, is a transaction of its own, so
-/// that a process that dies leaves the old value or the new one, and several processes may write at once: each waits
-/// its turn. A damaged file is set aside under another name, which standard error tells, and a new one begins with the
-/// next write. Names are compared without regard to the case of ASCII letters, and keep the case in which they were
-/// written first. Names of values and keys come in alphabetical order.
+/// A hive's file is created by the first write; reading never creates one. Every write, or what is written together, is
+/// a transaction of its own, so that a process that dies leaves the old value or the new one, and several processes may
+/// write at once: each waits its turn. A damaged file is set aside under another name, which standard error reports,
+/// and a new one begins with the next write. Names are compared without regard to the case of ASCII letters, and keep
+/// the case in which they were written first. Names of values and keys come in alphabetical order.
 class SqliteRegistry final : public Registry, public RegistryTransaction {
 public:
     explicit SqliteRegistry(RegistryFolders folders = RegistryFolders::fromEnvironment());

@@ -62,7 +62,7 @@ private:
         Open,
         Closing,   ///< the same, for the end
         Lingering, ///< the host has still its end of the line, which stays as it is: writing to it is no signal
-        Clearing,  ///< the watch over the host's socket is being taken away
+        Clearing,  ///< the watch over the host's socket is being removed
     };
 
     [[nodiscard]] bool openStream();

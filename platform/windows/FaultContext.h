@@ -25,7 +25,7 @@ void throwAtStatement(const EXCEPTION_POINTERS& fault, std::uint32_t code) noexc
 /// Sends the thread on at a way back, on the stack that is free there.
 void continueAtWayBack(CONTEXT& context, detail::WayBack& place) noexcept;
 
-/// A numeric exception of the x87 comes up anew at the next statement that computes, unless its status is cleared.
+/// A numeric exception of the x87 comes up again at the next statement that computes, unless its status is cleared.
 void clearNumericStatus(CONTEXT& context) noexcept;
 
 } // namespace kel

@@ -7,7 +7,7 @@
 #include <cstring>
 
 // The arguments are the code in EDX, the failing statement in ECX and its stack pointer in EAX. The stub keeps them in
-// its frame, which tells the unwinder so:
+// its frame, which informs the unwinder:
 //
 //     ESP + 0  code, the argument of the call
 //         + 8  ESP   at the failing statement: the frame's address

@@ -52,7 +52,7 @@ HANDLE PortInput::arrival()
     return watching_ ? watch_->event.get() : nullptr;
 }
 
-/// A watch that failed says nothing about the port: reading tells.
+/// A watch that failed says nothing about the port: a read shows it.
 void PortInput::arrived()
 {
     DWORD ignored = 0;

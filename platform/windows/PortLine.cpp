@@ -146,7 +146,7 @@ SystemHandle PortLine::open(Int16 port, const std::string& device)
                                       FILE_FLAG_OVERLAPPED, nullptr));
     if (!handle)
         throw portOpenFailure(port, device, ::GetLastError());
-    // Wine opens a port that has nothing behind it, and any file that a port is mapped to.
+    // Wine opens a port that leads nowhere, and any file that a port is mapped to.
     const DWORD kind = ::GetFileType(handle.get());
     if (kind != FILE_TYPE_CHAR)
         throw portOpenFailure(port, device, kind == FILE_TYPE_UNKNOWN ? ERROR_FILE_NOT_FOUND : ERROR_INVALID_FUNCTION);
@@ -166,7 +166,7 @@ void PortLine::set(const LineParameters& line)
         refuse("1.5 stop bits go with 5 data bits only.");
     DCB state{};
     state.DCBlength = sizeof state;
-    // Whatever the state is, as far as it can be told: all that matters of it is set.
+    // Whatever the state is, as far as it is known: all that matters of it is set.
     if (!::GetCommState(port_.get(), &state))
         state = {};
     put(line, state);

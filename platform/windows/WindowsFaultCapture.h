@@ -8,7 +8,7 @@
 
 namespace kel {
 
-/// The faults that the system tells as exceptions of its own, of whatever code.
+/// The faults that the system reports as exceptions of its own, of whatever code.
 ///
 /// A vectored handler takes what fails in this module, or at an address that is no code. A fault in any other module
 /// may be its own affair, which it handles in its own way; only if nobody between it and the component does, a handler

@@ -31,7 +31,7 @@ void* entryOf(void* module, const char* name)
     throw RuntimeFailure(FailureCode::FileNotFound, failureText(FailureCode::FileNotFound) + ": " + kOmrLibraryName);
 }
 
-/// A file that is there and cannot be loaded is told with the system's own words.
+/// A file that is there and cannot be loaded is reported with the system's own words.
 [[noreturn]] void failToLoad(unsigned long error)
 {
     throw RuntimeFailure(FailureCode::ErrorLoadingLibrary, failureText(FailureCode::ErrorLoadingLibrary) + " " +

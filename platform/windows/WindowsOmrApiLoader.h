@@ -8,10 +8,10 @@
 
 namespace kel {
 
-/// OMRAPI.DLL, looked for beside the component and then where the system looks. A missing library is looked for anew at
-/// the next call, and one of the other width is as good as missing. One that is loaded stays so until the process ends,
-/// since the maker's library may have threads of its own. The maker's own edition is 32 bits wide: one for 64 bits that
-/// lacks a function is none.
+/// OMRAPI.DLL, looked for beside the component and then where the system looks. A missing library is looked for again
+/// at the next call, and one of the other width is as good as missing. One that is loaded stays so until the process
+/// ends, since the maker's library may have threads of its own. The maker's own edition is 32 bits wide: one for 64
+/// bits that lacks a function is none.
 class WindowsOmrApiLoader final : public OmrApiLoader {
 public:
     explicit WindowsOmrApiLoader(std::filesystem::path componentFolder);

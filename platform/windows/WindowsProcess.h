@@ -5,7 +5,7 @@
 
 namespace kel {
 
-/// This process as the system tells of it.
+/// This process as the system describes it.
 class WindowsProcess final : public Process {
 public:
     [[nodiscard]] std::string CommandLine() const override;

@@ -157,7 +157,7 @@ std::optional<Moment> SimulatedLine::nextEvent() const
 
 bool SimulatedLine::hasNews()
 {
-    // The device may have been made to do something behind the line's back.
+    // The device may have been made to do something without the line's knowledge.
     settle();
     const bool news = open_ && waiting() > 0 && arrivedCount_ != arrivedSeen_;
     const bool hostWasBusy = busyCount_ != busySeen_;

@@ -65,7 +65,7 @@ public:
         return received_.size() - taken_;
     }
 
-    /// The host has been told how many bytes wait; being told of more than before counts as its being busy.
+    /// The host has learnt how many bytes wait; a higher number than before counts as its being busy.
     void told(std::size_t waiting)
     {
         if (waiting > told_)
@@ -123,7 +123,7 @@ private:
     std::size_t taken_ = 0;
     std::uint64_t arrivedCount_ = 0;
     std::size_t told_ = 0;
-    std::uint64_t busyCount_ = 0; // what the host has taken, sent and been told
+    std::uint64_t busyCount_ = 0; // what the host has taken, sent and learnt
     std::uint64_t arrivedSeen_ = 0;
     std::uint64_t busySeen_ = 0;
     bool hangUpSeen_ = false;

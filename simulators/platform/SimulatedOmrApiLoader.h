@@ -16,7 +16,7 @@ public:
         return *api_;
     }
 
-    /// The library from now on; must outlive its use. Nothing takes it away again.
+    /// The library from now on; must outlive its use. Nothing removes it again.
     void set(OmrApi* api) noexcept { api_ = api; }
 
     /// A library was found that is of no use to a host of so many bits.

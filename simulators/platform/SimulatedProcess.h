@@ -5,8 +5,8 @@
 
 namespace kel {
 
-/// A process with a command line and a component folder as told. The folder is at first that of the running program,
-/// beside which the build puts the language file.
+/// A process with a given command line and component folder. The folder is at first that of the running program, beside
+/// which the build puts the language file.
 class SimulatedProcess final : public Process {
 public:
     SimulatedProcess();
