@@ -8,7 +8,7 @@ namespace kel {
 
 namespace {
 
-// Writes what came after a look on a line after the look's.
+// Places what came just after a look after it in the trace.
 constexpr Moment kJustAfter = std::chrono::microseconds(1);
 
 double milliseconds(Moment time)

@@ -63,7 +63,7 @@ int run(const CollectArguments& arguments)
 void addCollectCommand(Commands& commands)
 {
     const auto arguments = std::make_shared<CollectArguments>();
-    CLI::App& command = commands.add("collect", "Takes the sheets of many stations from a stream into a store",
+    CLI::App& command = commands.add("collect", "Collects the sheets of many stations from a stream in one store",
                                      [arguments] { return run(*arguments); });
     // A service gives its options in the environment, where nobody else sees them.
     const auto add = [&](const char* option, const char* variable, auto& target, const char* type, const char* text) {
