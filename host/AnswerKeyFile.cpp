@@ -22,7 +22,7 @@ constexpr Int16 kShiftedColumns = 4;
 constexpr std::size_t kMostVersions = 4;
 constexpr std::size_t kMostEssayDigits = 4;
 
-/// A text that goes to the reader as it stands, or that is separated from others by commas.
+/// A text that goes to the reader unchanged, or is separated from others by commas.
 std::string readPlainText(const Json& value, const JsonPlace& place)
 {
     std::string text = readJsonText(value, place);
@@ -55,7 +55,7 @@ bool contains(const std::vector<std::string>& texts, const std::string& text)
     return std::find(texts.begin(), texts.end(), text) != texts.end();
 }
 
-/// A question as it stands in the file, with the places of what may be refused later.
+/// A question as in the file, with the places of values that may be refused later.
 struct QuestionEntry {
     std::string name;
     std::vector<std::string> choices;
@@ -144,7 +144,7 @@ void addQuestion(AnswerKey& key, const Json& value, const JsonPlace& place)
                     question.choiceColumns ? *question.choiceColumns : choices);
 }
 
-/// The identifiers as the key object gives them: one text with commas.
+/// The identifiers as the key object returns them: one text with commas.
 std::string joined(const std::vector<std::string>& texts)
 {
     std::string all;

@@ -22,10 +22,10 @@ struct Enumeration {
     std::string_view name;
     std::span<const Enumerator> members;
 
-    /// The name without that of the enumeration in front.
+    /// The name without the enumeration's name before it.
     [[nodiscard]] std::string_view shortName(const Enumerator& member) const { return member.name.substr(name.size()); }
 
-    /// The number after either name of a member, in any case of letters.
+    /// The number for either name of a member, in any case of letters.
     [[nodiscard]] std::optional<Int32> valueOf(std::string_view wanted) const;
 
     [[nodiscard]] std::vector<std::string> names() const;

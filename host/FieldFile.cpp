@@ -18,14 +18,14 @@ constexpr std::size_t kMostFields = 10000; // more than a form has cells that an
 constexpr std::size_t kMostChoices = 200;
 constexpr Int16 kMostCells = std::numeric_limits<Int16>::max();
 
-/// Rows or columns as they stand in the file: one, or from one to another.
+/// Rows or columns as in the file: one, or from one to another.
 struct Range {
     Int16 first = 0;
     Int16 last = 0;
     JsonPlace place;
 };
 
-/// A field as it stands in the file.
+/// A field as in the file.
 struct Entry {
     std::optional<std::string> name;
     std::optional<Int16> side;
@@ -98,7 +98,7 @@ Value oneOf(const Json& value, const JsonPlace& place, const char* first, Value 
     place.refuse("has to be \"" + std::string(first) + "\" or \"" + second + "\", not " + value.dump());
 }
 
-/// One text is a label a character; an array has a label an element.
+/// One text has a label in each character; an array has one in each element.
 std::vector<std::string> readLabels(const Json& value, const JsonPlace& place)
 {
     std::vector<std::string> labels;
@@ -246,7 +246,7 @@ std::vector<std::string> labelsFor(std::size_t choices, const Entry& entry, cons
     return *entry.labels;
 }
 
-/// A column's name may stand once, and those that every sheet has are taken.
+/// A column's name may be used once, and the names of the columns of every sheet not at all.
 class Names {
 public:
     Names() : taken_{"event"}

@@ -14,7 +14,7 @@ namespace {
 using Limits = std::numeric_limits<Int16>;
 using LongLimits = std::numeric_limits<Int32>;
 
-// More of each than any reader takes.
+// More of each than any reader accepts.
 constexpr std::size_t kMostFormPages = 1000;
 constexpr std::size_t kMostWindows = 1000;
 constexpr std::size_t kMostBarcodes = 1000;

@@ -11,7 +11,7 @@
 
 namespace kel::host {
 
-/// The key of the registry that a person means, by HIVE\SUBKEY; UsageError for a text that begins with no hive.
+/// The key of the registry that a person means, by HIVE\SUBKEY; UsageError for a text that does not begin with a hive.
 [[nodiscard]] RegistryPath keyNamed(std::string_view text);
 
 /// Loads the settings of a key into a reader, and reports what failed: a text that does not fit ends the loading.

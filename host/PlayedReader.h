@@ -9,7 +9,7 @@
 
 namespace kel::host {
 
-/// A simulated reader at work.
+/// A running simulated reader.
 class PlayedReader {
 public:
     virtual ~PlayedReader() = default;
@@ -17,7 +17,7 @@ public:
     /// The device at the end of its line; empty for a USB model.
     [[nodiscard]] virtual std::string device() const = 0;
 
-    /// Ends it, and gives what was done wrongly to it.
+    /// Ends it, and returns the errors of its host.
     [[nodiscard]] virtual std::vector<std::string> end() = 0;
 };
 

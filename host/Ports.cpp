@@ -12,7 +12,7 @@ namespace kel::host {
 
 namespace {
 
-/// As much of a name as is shown where it is longer than a device's can be.
+/// The part that is shown of a name that is too long for a device.
 constexpr std::size_t kBeginning = 40;
 
 /// Notes whether a line opens, and why not. The reason of a device without a number names none.
@@ -47,7 +47,7 @@ PortState stateOfNumber(Int16 port)
     return state;
 }
 
-/// A device without a number is tried under the number that it could be given.
+/// A device without a port number is tried under a number that could be assigned to it.
 PortState stateOfDevice(const SerialDevice& device, Int16 iFreePort)
 {
     PortState state;

@@ -23,7 +23,7 @@ struct PropertyRow {
 
 [[nodiscard]] std::span<const PropertyRow> readerProperties();
 
-/// The row of a name in any case of letters; UsageError, with the nearest names, for a name that is not there.
+/// The row of a name in any case of letters; UsageError, with the nearest names, for a name that does not exist.
 [[nodiscard]] const PropertyRow& propertyNamed(std::string_view name);
 
 /// Carries out "Property=Value" on a reader.

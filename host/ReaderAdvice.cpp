@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::string_view kFilledIn = "%1";
 
-/// Whether a report's text is one of the database, with what was filled in; some reports add a second text.
+/// Whether a report's text is one of the database, with its values filled in; some reports add a second text.
 bool isText(const std::string& description, const std::string& text)
 {
     if (text.empty())

@@ -34,7 +34,7 @@ struct Replay::State {
     std::shared_ptr<ReplayCarrier> carrier;
     ReplayLibrary library;
     std::vector<std::string> differences{}; ///< of both
-    bool ofReport;                          ///< its host has looked at the line within its pauses
+    bool ofReport;                          ///< its host also read the line during pauses
 };
 
 Replay::Replay(const std::string& text, const std::string& fileName)

@@ -10,28 +10,28 @@
 
 namespace kel::host {
 
-/// The simulated library of the USB readers' maker, laid out for other processes: a link to it, beside the link the
-/// state that the library takes when it is loaded under that name, and what it then writes down. Every process that
-/// loads it finds the whole pile of sheets. All of it is gone with the object.
+/// The simulated library of the USB readers' maker, prepared for other processes: a link to it, and beside the link the
+/// state that the library loads under that name, and its log. Every process that loads it finds all the sheets. The
+/// object removes all of it when it ends.
 class SimulatedLibraryHost {
 public:
-    /// Makes the link at a place, where only another link may be, or in a folder of its own.
-    /// std::filesystem::filesystem_error if that cannot be.
+    /// Creates the link at a path, where at most another link may exist, or in a folder of its own.
+    /// std::filesystem::filesystem_error if that is not possible.
     explicit SimulatedLibraryHost(OmrSimulationState state, const std::filesystem::path& link = {});
     ~SimulatedLibraryHost();
     SimulatedLibraryHost(const SimulatedLibraryHost&) = delete;
     SimulatedLibraryHost& operator=(const SimulatedLibraryHost&) = delete;
 
-    /// What is to be loaded.
+    /// The library to load.
     [[nodiscard]] const std::filesystem::path& library() const noexcept { return link_; }
 
-    /// A thing that happened in the library: an entry of its log in JSON, or what its host did wrongly.
+    /// An event in the library: an entry of its log in JSON, or an error of its host.
     struct News {
         bool isFault;
         std::string text;
     };
 
-    /// What has happened since the call before.
+    /// The events since the previous call.
     [[nodiscard]] std::vector<News> news();
 
 private:

@@ -45,7 +45,7 @@ FormDescription simulatedForm(const Form& form)
     return result;
 }
 
-/// NAME=VALUE; the last value of a name is the one that counts.
+/// NAME=VALUE; the last value of a name counts.
 void set(std::map<std::string, std::string>& settings, const std::string& text)
 {
     const std::size_t sign = text.find('=');
@@ -98,7 +98,7 @@ SimulatorOptions optionsOf(const Simulation& simulation, const Form& form)
     options.rate = simulation.unlimited ? Rate::Unlimited : Rate::Wire;
     for (const std::string& setting : simulation.settings)
         set(options.settings, setting);
-    // The parity and the data bits of a pseudo-terminal do not show.
+    // The parity and the data bits of a pseudo-terminal are not visible.
     options.wireShows = false;
     for (const std::string& fault : simulation.faults) {
         if (const std::optional<SiteFault> siteFault = parseSiteFault(fault))

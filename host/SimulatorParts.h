@@ -14,11 +14,10 @@ namespace kel::host {
 [[nodiscard]] std::unique_ptr<Simulator> makeSimulator(const Simulation& simulation, kelReaderType model,
                                                        const Form& form);
 
-/// What the simulated library of the USB models is to be set up with. UsageError for options that are wrong.
+/// The state with which to set up the simulated library of the USB models. UsageError for options that are wrong.
 [[nodiscard]] OmrSimulationState omrState(const Simulation& simulation, const Form& form);
 
-/// The simulated library of the USB readers' maker, which lies beside the component. OperationError if it is not
-/// there.
+/// The simulated library of the USB readers' maker, which is beside the component. OperationError if it does not exist.
 [[nodiscard]] std::filesystem::path simulatedOmrApiFile();
 
 } // namespace kel::host

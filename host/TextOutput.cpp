@@ -36,7 +36,7 @@ bool TextOutput::write(std::string_view line)
         if (written < 0) {
             const int error = errno;
             fail(error);
-            // What a full disk has still taken of the line is taken back.
+            // The part of the line that a full disk has accepted is removed.
             if (rest.size() < line.size() && start >= 0 && ::ftruncate(descriptor_, start) != 0)
                 problem_ += " Its last line is not whole.";
             return false;

@@ -7,24 +7,24 @@
 
 namespace kel::host {
 
-/// Where lines of output go: standard output, or a file. A line is one system call and so there at once and as a
+/// Where lines of output go: standard output, or a file. A line is one system call, so it appears at once and as a
 /// whole. When a line cannot be written the output stops for good, and a file is cut back to the lines before it.
 class TextOutput {
 public:
     /// Standard output.
     TextOutput() = default;
 
-    /// A file, made new. OperationError if that is not possible.
+    /// A new or emptied file. OperationError if that is not possible.
     explicit TextOutput(const std::filesystem::path& file);
 
     ~TextOutput();
     TextOutput(const TextOutput&) = delete;
     TextOutput& operator=(const TextOutput&) = delete;
 
-    /// Writes a line, or several, line end included. False if it did not go, or an earlier one did not.
+    /// Writes a line, or several, line end included. False if it could not be written, or an earlier one could not.
     bool write(std::string_view line);
 
-    /// The same; OperationError if it did not go.
+    /// The same; OperationError if it could not be written.
     void writeOrFail(std::string_view line);
 
     /// Whether a line could not be written, and the sentence that says so.

@@ -20,8 +20,8 @@ std::string propertyText(const Json& value)
     return value.is_string() ? value.get<std::string>() : value.dump();
 }
 
-/// The settings in which a reader is not as its model's defaults have it. The model stands by itself, and a session
-/// begins without a stop.
+/// The settings of a reader that differ from its model's defaults. The model has a key of its own, and a session begins
+/// without a stop.
 void addSettings(TraceLog::Head& head, const clsKELReader& reader)
 {
     clsKELReader usual;
@@ -42,7 +42,7 @@ std::string datedText(const std::string& text)
     return replaceAll(text, "{date}", filledIn("{date}", 0, ""));
 }
 
-/// The values of a head, with the place of each for what is wrong with it.
+/// The values of a head, each with its place for messages.
 class HeadReader {
 public:
     HeadReader(const Transcript& transcript, const std::string& text, const std::string& fileName)

@@ -9,8 +9,8 @@
 
 namespace kel::host {
 
-/// The head of a session's transcript: all that it takes to replay the session. The reader is prepared already. Of a
-/// form that was not read from a text it has the sizes, and it has answer keys that were.
+/// The head of a session's transcript: everything that a replay of the session needs. The reader is already set up. A
+/// form that was not read from a text is recorded by its sizes; an answer key only if it was read from a text.
 [[nodiscard]] TraceLog::Head traceHead(const Request& request, const clsKELReader& reader);
 
 /// The session that a transcript's head describes. UsageError, one sentence with `fileName` and the line's number, for

@@ -18,7 +18,7 @@ namespace kel {
 
 namespace {
 
-/// How long a port behind the network may take to open: it need not answer at all.
+/// How long a port across the network may take to open: it need not answer at all.
 constexpr auto kRemoteLimit = std::chrono::seconds(3);
 
 /// The failure of a port that does not answer in time; the run time has no number for it.
@@ -29,7 +29,7 @@ TextNumber whyNot(const PortLook& look)
     switch (static_cast<FailureCode>(look.failure)) {
     case FailureCode::InvalidPortNumber: return text::kPortNotThere;
     case FailureCode::PortAlreadyOpen: return text::kPortInUse;
-    // Who may not open a port can do something about it.
+    // A user who may not open a port can get access.
     case FailureCode::HardwareNotAvailable:
         return look.port.remedy.empty() ? text::kPortNotOpened : text::kPortNotPermitted;
     case FailureCode::DeviceNotOpen: return text::kPortNotSerial;
@@ -129,7 +129,7 @@ void FormAids::look()
 bool FormAids::turn()
 {
     const bool isNew = looks_ && looks_->take();
-    // All that has come together is shown together: only then is it known which was the last.
+    // All new results are shown together: only then is it known which was the last.
     if (isNew)
         showPorts();
     return test_.turn() || isNew;
@@ -155,8 +155,8 @@ void FormAids::lookAgain()
         look();
 }
 
-/// Shows what is known by now. The port that the user has chosen, or the reader's own, is chosen as soon as it is
-/// there; at the end any.
+/// Shows what is known by now. The port that the user has chosen, or the reader's own, is selected as soon as it is
+/// known; at the end any port.
 void FormAids::showPorts()
 {
     PowerCombo& list = form_.cboPort;
@@ -199,7 +199,7 @@ std::string FormAids::resetCaption(const Control& control) const
     return replaceAll(VBLM_RTString(text::kResetToDefault), "%1", settings_.standard(control));
 }
 
-/// What the device says of itself, or at least what it is called.
+/// The device's own description, or else its name.
 std::string FormAids::nameOf(const std::string& device) const
 {
     const auto found = std::find_if(serialDevices_.begin(), serialDevices_.end(),
@@ -250,7 +250,7 @@ void FormAids::assignPort(const std::string& number, const std::string& device)
                                    BoxIcon::Exclamation, BoxButtons::Ok, captions_.assignPort);
         return;
     }
-    // Whoever gives a device a number wants to work with it.
+    // A user who assigns a port number to a device wants to use it.
     form_.cboPort.CurrentRow(-1);
     wantedPort_ = number;
     look();

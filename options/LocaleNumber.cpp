@@ -9,13 +9,13 @@ namespace kel {
 
 namespace {
 
-/// Every kind of blank that stands between digits, as the one that is typed.
+/// Replaces every kind of blank between digits by the one that people type.
 std::string withPlainBlanks(std::string_view text)
 {
     return replaceAll(replaceAll(text, "\u00A0", " "), "\u202F", " ");
 }
 
-/// Whether the digits stand in groups: "12,345" or "1,23,456". A sign may stand in front.
+/// Whether the digits are in groups: "12,345" or "1,23,456". A sign may come first.
 bool isGrouped(std::string_view whole, std::string_view sign)
 {
     if (whole.starts_with('-') || whole.starts_with('+'))

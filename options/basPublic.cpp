@@ -9,10 +9,10 @@ namespace kel {
 
 namespace {
 
-/// Blank between a frame's title and what comes right of it, in twips.
+/// Space to the right of a frame's title, in twips.
 constexpr double kFrameTitleMargin = 90;
 
-/// What a caption shows: no access-key marks, and "&&" as one ampersand.
+/// The visible text of a caption: no access-key marks, and "&&" as one ampersand.
 std::string shownCaption(const std::string& caption)
 {
     const std::string ampersand(1, '\0');
@@ -24,7 +24,7 @@ bool isOneOf(std::string_view type, std::initializer_list<std::string_view> type
     return std::ranges::find(types, type) != types.end();
 }
 
-/// Gives the form another font for as long as it lives.
+/// Sets another font for the form as long as this object exists.
 class FontLoan {
 public:
     FontLoan(Form& form, const Font& font) : form_(form), own_(form.Font()) { form_.Font(font); }

@@ -25,7 +25,7 @@ struct OwnSettings {
     float sngStopBits = 0;
 };
 
-/// Borrows a reader's settings for a search. They stand again at the latest when this ends.
+/// Changes a reader's settings for a search. They are restored at the latest when this ends.
 class BorrowedSettings {
 public:
     BorrowedSettings(clsKELReader& reader, OwnSettings& own) : reader_(reader), own_(own)

@@ -15,7 +15,7 @@ namespace kel {
 
 namespace {
 
-/// The number that the user has typed into a field; failure 13 if it is none.
+/// The number that the user has typed into a field; failure 13 if it is not a number.
 double typedNumber(const std::string& text)
 {
     const double dValue = frmOptions::CVal(text);

@@ -14,7 +14,7 @@ namespace kel {
 
 namespace {
 
-/// Blank between the list of the ports and the button beside it, in twips.
+/// Space between the list of the ports and the button beside it, in twips.
 constexpr double kLocateGap = 120;
 
 /// The three numbers while the reader grades. The threshold is not the catalogue's.
@@ -22,7 +22,7 @@ constexpr const char* kGradingMarkCutOff = "10";
 constexpr const char* kGradingRecognitionThreshold = "6";
 constexpr const char* kGradingMarkDiscrimination = "3";
 
-/// Whether a model judges the marks itself when it grades: the option has a wording of its own for it, and fixes its
+/// Whether a model evaluates the marks itself when it grades: the option then has its own caption, and disables its
 /// three numbers.
 bool gradesMarks(const std::string& type)
 {

@@ -27,7 +27,7 @@ constexpr std::array kBaudRates = {"110",   "300",   "600",   "1200",  "2400",  
                                    "19200", "28800", "38400", "56000", "128000", "256000"};
 constexpr std::array kDataBits = {"4", "5", "6", "7", "8"};
 constexpr std::array kStopBits = {"1", "1.5", "2"};
-// The last one is a blank; it is no letter.
+// The last one is a blank, not a letter.
 constexpr std::array kParities = {NamedValue{"None", "N"}, NamedValue{"Odd", "O"}, NamedValue{"Even", "E"},
                                   NamedValue{"Mark", "M"}, NamedValue{"Space", " "}};
 constexpr std::array kFlowControls = {NamedValue{"None", "0"}, NamedValue{"Xon / Xoff", "1"},
@@ -61,13 +61,13 @@ void setTick(CheckBox& box, Boolean value)
     box.Value(value ? Int16{1} : Int16{0});
 }
 
-/// The number in a field, or the one that it was to replace if there is none in it.
+/// The number in a field, or the former one if the field has none.
 double numberOr(const PowerEdit& field, Int32 otherwise)
 {
     return field.Number().value_or(otherwise);
 }
 
-// Whether the last dialog of a thread was cancelled; one that is under way is, as long as nothing is decided.
+// Whether the last dialog of a thread was cancelled; an open one counts as cancelled.
 thread_local Boolean bCancelled = True;
 
 } // namespace
@@ -154,7 +154,7 @@ void frmOptions::LoadValues()
         }
         fillLineLists();
 
-        // This sets every control from the catalogue; the reader's own values go on top of it.
+        // This sets every control from the catalogue; the reader's own values replace those.
         cboReaderType.CurrentRow(cboReaderType.FindRow(CStr(reader().ReaderType()), 0, 1));
         if (cboReaderType.CurrentRow() == -1)
             selectText(cboReaderType, CStr(kelReaderTypeNone), 1);

@@ -14,10 +14,10 @@ namespace kel::host {
 
 namespace {
 
-// A console takes no more than 64 kB at once.
+// A console accepts at most 64 kB at once.
 constexpr std::size_t kAtOnce = 8192;
 
-/// Nothing if the descriptor leads elsewhere.
+/// Null if the descriptor is not a console's.
 HANDLE consoleOf(int descriptor)
 {
     // NOLINTNEXTLINE(performance-no-int-to-ptr): the run time gives a handle as a number
@@ -26,7 +26,8 @@ HANDLE consoleOf(int descriptor)
     return ::GetConsoleMode(handle, &mode) ? handle : nullptr;
 }
 
-/// In UTF-16, which every console takes: before Windows 10 they break letters that come as bytes, and miscount those.
+/// In UTF-16, which every console accepts: before Windows 10 they break characters that come as bytes, and miscount
+/// those.
 std::ptrdiff_t writeToConsole(HANDLE console, std::string_view text)
 {
     const std::wstring letters = wideText(text);
