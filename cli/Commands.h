@@ -12,16 +12,16 @@ inline constexpr int kDoneStatus = 0;
 inline constexpr int kFailedStatus = 1;
 inline constexpr int kUsageStatus = 2;
 
-/// The commands of the program, while the arguments are read: each adds itself with what it takes, and the one that
-/// was called is run afterwards.
+/// The commands of the program, while the arguments are read: each adds itself with its options, and the one that was
+/// called runs afterwards.
 class Commands {
 public:
-    /// Does the work once all arguments are read, and gives the exit status.
+    /// Does the work once all arguments are read, and returns the exit status.
     using Run = std::function<int()>;
 
     explicit Commands(CLI::App& app) : app_(app) { addLanguage(app); }
 
-    /// Adds a command; the caller gives its options to the result.
+    /// Adds a command; the caller adds its options to the result.
     CLI::App& add(const std::string& name, const std::string& description, Run run)
     {
         return add(app_, name, description, std::move(run));
@@ -40,7 +40,7 @@ public:
     [[nodiscard]] int runChosen() const { return chosen_(); }
 
 private:
-    /// Every command takes it.
+    /// Every command accepts it.
     void addLanguage(CLI::App& command);
 
     CLI::App& app_;

@@ -21,16 +21,16 @@ public:
 /// The arguments after the program's name, in UTF-8.
 [[nodiscard]] std::vector<std::string> programArguments(int argc, const char* const* argv);
 
-/// How many characters a line of the terminal has; 100 where standard output is none.
+/// How many characters a line of the terminal has; 100 if standard output is not a terminal.
 [[nodiscard]] std::size_t terminalWidth();
 
-/// Whether somebody sees what goes to standard error.
+/// Whether standard error is a terminal.
 [[nodiscard]] bool errorsAreSeen();
 
-/// Takes away what stands in the line of the terminal to which standard error goes.
+/// Clears the line of the terminal to which standard error goes.
 void clearErrorLine();
 
-/// What has come from standard input: nothing if none did for so long, an empty text at its end.
+/// The next input from standard input: nullopt if none came for this long, an empty text at its end.
 [[nodiscard]] std::optional<std::string> typedText(std::chrono::milliseconds atMost);
 
 } // namespace kel

@@ -21,7 +21,7 @@ public:
     virtual void begin() {}
 };
 
-/// As lines of JSON, as a table for a spreadsheet (csv), or for the eye (table). The latter two hold sheets alone.
+/// As lines of JSON, as a table for a spreadsheet (csv), or for people (table). The latter two have only sheets.
 [[nodiscard]] std::unique_ptr<EntryOutput> entryOutput(const std::string& format, EntryOutput::Write write);
 
 /// The line of JSON of an entry: a scan's line with where it comes from.

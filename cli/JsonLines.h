@@ -12,7 +12,7 @@
 
 namespace kel {
 
-/// The events of a scan as JSON, one line each and without the line end. Marks stand row by row from row 1; an array
+/// The events of a scan as JSON, one line each and without the line end. Marks come row by row from row 1; an array
 /// that was never dimensioned is `[]`.
 [[nodiscard]] Json jsonSheet(const host::Sheet& event);
 [[nodiscard]] Json jsonFailure(const host::Failure& event);

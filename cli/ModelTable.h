@@ -12,7 +12,7 @@ namespace kel {
 /// The records of models, for the commands that show them.
 using ProfileList = std::vector<Reference<clsKELReaderProfile>>;
 
-/// A line for each model: number, name and what a person asks first.
+/// A line for each model: number, name and the most important properties.
 [[nodiscard]] std::string modelsAsTable(const ProfileList& profiles);
 
 /// One model in all its properties, a line each.

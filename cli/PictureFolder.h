@@ -10,7 +10,8 @@
 
 namespace kel {
 
-/// Puts a picture of each sheet into a folder: 000001.svg for the first. When one cannot be written no others are.
+/// Saves a picture of each sheet in a folder: 000001.svg for the first. After one that cannot be written there are no
+/// others.
 class PictureFolder final : public host::Events {
 public:
     /// CommandFailure if there is no such folder and none can be made.

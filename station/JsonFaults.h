@@ -9,13 +9,13 @@
 
 namespace kel {
 
-/// What is wrong with a file, all of it: one thing does not hide the next.
+/// All mistakes in a file: one does not hide the next.
 class JsonFaults {
 public:
-    /// Reads something at a place; what it refuses is kept.
+    /// Reads a value at a place, and collects refusals.
     void attempt(const JsonPlace& place, const std::function<void()>& read);
 
-    /// Hands each key's value to its reader, as `readJsonObject`, and goes on after a fault.
+    /// Passes each key's value to its reader, as `readJsonObject` does, and goes on after a mistake.
     void readObject(const Json& value, const JsonPlace& place, const JsonKeyReaders& readers);
 
     void add(const JsonPlace& place, const std::string& complaint);

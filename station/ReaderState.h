@@ -17,7 +17,7 @@ enum class Activity {
     Reading,  ///< it reads sheets, or waits for one
     Idle,     ///< it has ended without a failure, as when the feeder is empty; it is tried again
     Failed,   ///< it does not read; it is tried again
-    Storing,  ///< the store takes nothing; no sheet is fed
+    Storing,  ///< the store accepts nothing; no sheet is fed
     Stopped,  ///< for good
 };
 

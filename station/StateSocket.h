@@ -22,7 +22,7 @@ public:
     /// Can be read while somebody asks.
     [[nodiscard]] int handle() const noexcept { return listening_.number(); }
 
-    /// Gives the next one who asks an answer. Somebody who does not take it loses it.
+    /// Answers the next client. A client that does not read its answer loses it.
     void answer(const std::string& text) const;
 
 private:

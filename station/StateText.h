@@ -13,7 +13,7 @@ namespace kel {
 
 // What is made of that JSON:
 
-/// A table for the eye: a row a reader, with its last problem and what to do about it.
+/// A table for people: a row for each reader, with its last problem and what to do about it.
 [[nodiscard]] std::string stateTable(const Json& state);
 
 /// Metrics in the text format of Prometheus.

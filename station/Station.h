@@ -20,7 +20,7 @@ struct StationState {
     std::string station{};
     ReaderState::Time since{};
     std::string store{};
-    std::string storeProblem{};  ///< empty while the store takes sheets
+    std::string storeProblem{};  ///< empty while the store accepts sheets
     std::int64_t storeBytes = 0; ///< with what is not in the file itself yet
     int watchers = 0;            ///< pages that watch the station
     std::optional<StreamState> stream{};
@@ -41,8 +41,8 @@ public:
     Station(const Station&) = delete;
     Station& operator=(const Station&) = delete;
 
-    /// Goes over to another plan: stops the readers that are gone or changed, starts those that are new or changed, and
-    /// leaves the others alone. What concerns the station as a whole stays as it is.
+    /// Changes to another plan: stops the readers that were removed or changed, starts those that are new or changed,
+    /// and leaves the others alone. What concerns the station as a whole stays as it is.
     void change(StationPlan plan);
 
     [[nodiscard]] StationState state() const;

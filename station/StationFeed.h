@@ -16,11 +16,11 @@
 namespace kel {
 
 /// What happens in a station, for pages that watch it, as server-sent events: "state" with the state when it changes,
-/// "sheet" with each sheet. It looks at the state and the store by itself, and only while somebody watches, so that no
-/// reader ever waits for it. Who is slow misses sheets: the last ones alone are kept, once for all.
+/// "sheet" with each sheet. It checks the state and the store itself, and only while there is a watcher, so that no
+/// reader ever waits for it. A slow watcher misses sheets: only the last ones are kept, once for all watchers.
 class StationFeed {
 public:
-    /// `state` gives the state as JSON; it is called in the feed's thread.
+    /// `state` returns the state as JSON; it is called in the feed's thread.
     StationFeed(std::function<std::string()> state, std::filesystem::path store);
     ~StationFeed();
     StationFeed(const StationFeed&) = delete;

@@ -35,13 +35,13 @@ struct StationPlan {
     std::string content{}; ///< what the file says of all but the readers
 };
 
-/// A station's file, and all that is wrong with it: sentences with the place, without the file's name.
+/// A station's file, and its mistakes: sentences with the place, without the file's name.
 struct StationFile {
     StationPlan plan{};
     std::vector<std::string> faults{};
 };
 
-/// Reads a station's file and the files that it names; those are looked for beside it.
+/// Reads a station's file and the files that it names; their names are relative to its folder.
 [[nodiscard]] StationFile readStationFile(const std::filesystem::path& file);
 
 /// The names that a station's file knows, at the top and for a reader.

@@ -11,18 +11,18 @@
 
 namespace kel {
 
-/// The page of a station: what there is to look at, by its path. Any thread may ask.
+/// The page of a station: its contents by their paths. Any thread may ask.
 class StationPage {
 public:
-    /// `station` gives the state of the station; any thread may call it.
+    /// `station` returns the state of the station; any thread may call it.
     StationPage(std::function<StationState()> station, std::filesystem::path store);
 
     [[nodiscard]] WebAnswer answer(const WebRequest& request);
 
-    /// Ends the streams of those who watch.
+    /// Ends the streams of all watchers.
     void end() { feed_.end(); }
 
-    /// The state of the station, with those who watch it.
+    /// The state of the station, with its watchers.
     [[nodiscard]] StationState state() const;
 
 private:

@@ -18,7 +18,7 @@ namespace kel {
 
 /// What a station does for its readers. May be called in any thread.
 struct StationCalls {
-    std::function<void(const std::string& sentence)> tell;             ///< to the people who look after it
+    std::function<void(const std::string& sentence)> tell;             ///< to the people in charge of it
     std::function<void(const std::string& sentence)> tellOfStore;      ///< the same, once for all readers
     std::function<std::string(const host::Failure& failure)> adviceOn; ///< what to do about it, may be empty
 };

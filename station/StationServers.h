@@ -11,13 +11,13 @@
 
 namespace kel {
 
-/// The ports of a station's page and of its metrics, taken; nothing where none is asked for.
+/// The open ports of a station's page and of its metrics; null if the file does not ask for them.
 struct StationPorts {
     std::unique_ptr<WebServer> page{};
     std::unique_ptr<WebServer> metrics{};
 };
 
-/// host::OperationError, a sentence, if one of them cannot be had.
+/// host::OperationError, a sentence, if one of them cannot be opened.
 [[nodiscard]] StationPorts takePorts(const StationPlan& plan);
 
 /// A station's page and metrics, for as long as it lives.

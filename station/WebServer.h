@@ -12,21 +12,21 @@
 
 namespace kel {
 
-/// Where a server answers, and whom.
+/// Where a server answers, and which clients.
 struct WebPlan {
     std::string address = "127.0.0.1"; ///< an IP address of this machine
     int port = 0;                      ///< 0: any free one
-    std::filesystem::path passwords{}; ///< lines of name:hash; empty: everybody is answered
+    std::filesystem::path passwords{}; ///< lines of name:hash; empty: no password is needed
     std::filesystem::path certificate{};
     std::filesystem::path key{}; ///< empty, as the certificate: HTTP, and not HTTPS
 };
 
-/// What somebody wants to have.
+/// A request of a client.
 struct WebRequest {
     std::string path{};                          ///< "/sheets"
     std::map<std::string, std::string> values{}; ///< of the query, by their names
 
-    /// One of the values; empty if it is not there.
+    /// One of the values; empty if there is none.
     [[nodiscard]] std::string value(const std::string& name) const
     {
         const auto found = values.find(name);
@@ -34,7 +34,7 @@ struct WebRequest {
     }
 };
 
-/// Somebody who gets an answer piece by piece.
+/// A client that gets an answer piece by piece.
 class WebClient {
 public:
     virtual ~WebClient() = default;
@@ -43,7 +43,7 @@ public:
     [[nodiscard]] virtual bool isThere() const = 0;
 };
 
-/// What somebody gets.
+/// The answer to a client.
 struct WebAnswer {
     int status = 200;
     std::string type = "text/plain; charset=utf-8";
@@ -60,18 +60,18 @@ class WebServer {
 public:
     using Respond = std::function<WebAnswer(const WebRequest& request)>;
 
-    /// Stops: whoever is answered loses the rest, and streams have to end by themselves.
+    /// Stops: unfinished answers are cut off; streams have to end themselves.
     virtual ~WebServer() = default;
 
-    /// The port that was taken.
+    /// The port that was opened.
     [[nodiscard]] virtual int port() const = 0;
 
     /// Begins to answer. `respond` is called in the threads of the server.
     virtual void serve(Respond respond) = 0;
 };
 
-/// Takes the port of a plan, and answers nobody yet. `most` are answered at once. host::OperationError, a sentence, if
-/// the port cannot be had, or if something is wrong with the plan's files.
+/// Opens the port of a plan, and does not answer yet. `most` are answered at once. host::OperationError, a sentence, if
+/// the port cannot be opened, or if something is wrong with the plan's files.
 [[nodiscard]] std::unique_ptr<WebServer> openWebServer(const WebPlan& plan, int most);
 
 /// host::OperationError, a sentence, if something is wrong with the files of a plan.

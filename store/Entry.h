@@ -13,7 +13,7 @@ namespace kel {
 
 /// Where a sheet comes from.
 struct Origin {
-    std::string store{}; ///< the identity of the store that took it first
+    std::string store{}; ///< the identity of the store that saved it first
     std::string station{};
     std::string reader{};
     std::string batch{};
@@ -21,7 +21,7 @@ struct Origin {
     friend bool operator==(const Origin&, const Origin&) = default;
 };
 
-/// How the reader was set that read it.
+/// The settings of the reader that read it.
 struct Setup {
     kelReaderType model{};
     Int16 threshold = 0;
@@ -42,7 +42,7 @@ struct ReportEntry {
 
 /// What a store holds: in the order in which it came, each with a number of its own.
 struct Entry {
-    std::int64_t id = 0;    ///< from 1, in the store's order; never given twice
+    std::int64_t id = 0;    ///< from 1, in the store's order; never used twice
     std::string identity{}; ///< the same in every store that it comes to
     Origin origin{};
     std::string time{}; ///< UTC, 2024-01-31T12:00:00.000Z
@@ -52,7 +52,7 @@ struct Entry {
     [[nodiscard]] const ReportEntry* report() const { return std::get_if<ReportEntry>(&what); }
 };
 
-/// A message from a stream that holds no entry.
+/// A message from a stream without an entry.
 struct UnreadMessage {
     std::string subject{};
     std::string reason{}; ///< why not, a sentence

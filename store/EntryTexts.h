@@ -39,10 +39,10 @@ struct EntryTexts {
 [[nodiscard]] SheetTexts textsOf(const ReadSheetEntry& read);
 [[nodiscard]] EntryTexts textsOf(const Entry& entry);
 
-/// What the texts stand for. JsonRefusal for one that is not what it has to be.
+/// The values of the texts. JsonRefusal for a text that does not fit.
 [[nodiscard]] Entry entryOf(EntryTexts texts);
 
-/// JsonRefusal for a text that is no JSON.
+/// JsonRefusal for a text that is not JSON.
 void demandJson(const EntryTexts& texts);
 
 } // namespace kel

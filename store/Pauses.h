@@ -21,7 +21,7 @@ public:
         return pause;
     }
 
-    /// Something has gone well.
+    /// An attempt has succeeded.
     void reset() { next_ = first_; }
 
 private:

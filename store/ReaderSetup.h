@@ -9,13 +9,13 @@
 
 namespace kel {
 
-/// How a reader is set, once it is connected.
+/// The settings of a reader, once it is connected.
 [[nodiscard]] Setup setupOf(host::Reader& reader);
 
-/// What a batch is called that nobody has named: the second in which it began, in UTC.
+/// The default name of a batch: the second in which it began, in UTC.
 [[nodiscard]] std::string batchName(std::chrono::system_clock::time_point begin);
 
-/// What a station is called that nobody has named: the machine's name, with "_" for what is no letter, digit or "-".
+/// The default name of a station: the machine's name, with "_" for every character except letters, digits and "-".
 [[nodiscard]] std::string stationName();
 
 } // namespace kel

@@ -18,7 +18,7 @@ public:
     /// The store exists.
     explicit SentMark(std::filesystem::path store);
 
-    /// Whether a stream is to have what the store holds, so that nothing is forgotten that it does not have.
+    /// Whether a stream gets what the store holds, so that nothing is removed that it does not have.
     void want(bool wanted);
 
     /// The stream has everything up to this id; 0 if it has nothing.
@@ -27,18 +27,18 @@ public:
     /// Moves the mark. It may come back to an earlier place if the power fails, and is never too far on.
     void move(std::int64_t id);
 
-    /// The stream does not take an entry, for a reason that is a sentence: the mark may go past it.
+    /// The stream does not accept an entry, for a reason, a sentence: the mark may pass it.
     void hold(std::int64_t id, const std::string& reason);
     /// The stream has it now, or the store has it no more.
     void release(std::int64_t id);
-    /// What is held, and why the last of it is; an empty text if nothing is.
+    /// The entries that were not accepted, and why the last of them was not; an empty text if there are none.
     [[nodiscard]] std::vector<std::int64_t> held();
     [[nodiscard]] std::string reason();
 
-    /// How many entries the stream does not have yet, those that are held included.
+    /// How many entries the stream does not have yet, including those that it did not accept.
     [[nodiscard]] std::int64_t unsent();
 
-    /// Whether another file has taken the store's place.
+    /// Whether the store's file has been replaced by another.
     [[nodiscard]] bool hasMoved() const noexcept { return database_.hasMoved(); }
 
 private:

@@ -22,7 +22,7 @@ namespace kel {
 [[nodiscard]] Dictionary recordOf(const Json& record);
 
 /// A side as its size and its marks alone, each as row, column and value: `{"rows":63,"columns":48,"marks":[[2,5,9]]}`.
-/// A side without bounds is null. JsonRefusal for a text that is no side.
+/// A side without bounds is null. JsonRefusal for a text that is not a side.
 [[nodiscard]] Json jsonSide(const MarkArray& marks);
 [[nodiscard]] MarkArray sideOf(const Json& side);
 

@@ -14,7 +14,7 @@ namespace kel {
 /// The same for a model, whose marks and windows are its own.
 [[nodiscard]] PictureForm pictureForm(const host::Form& form, kelReaderType model, Int16 threshold);
 
-/// The same for a reader as it was set when a sheet was read.
+/// The same for a reader with its settings at the time of a sheet.
 [[nodiscard]] PictureForm pictureForm(const Setup& setup);
 
 /// A sheet as pictures show it.

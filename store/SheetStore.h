@@ -24,8 +24,8 @@ class SheetStore {
 public:
     using Clock = std::function<std::chrono::system_clock::time_point()>;
 
-    /// Opens the store for writing, and makes it if there is none. StoreProblem if that fails, or if somebody writes to
-    /// it already. `clock` has the times of the sheets; it may be set back.
+    /// Opens the store for writing, and creates it if there is none. StoreProblem if that fails, or if another process
+    /// is writing to it. `clock` has the times of the sheets; it may be set back.
     SheetStore(std::filesystem::path file, const std::string& owner, Clock clock = &std::chrono::system_clock::now);
     ~SheetStore();
     SheetStore(const SheetStore&) = delete;
@@ -34,7 +34,7 @@ public:
     [[nodiscard]] const std::filesystem::path& file() const noexcept { return file_; }
 
     /// Saves an entry, and fills in what the store adds: id, identity, time, and the number of the sheet. An entry with
-    /// an identity comes from another store and keeps it with all the rest; one that is there already stays as it is.
+    /// an identity comes from another store and keeps it with all the rest; an existing one stays as it is.
     /// StoreProblem if it cannot be saved; the next call opens the file again.
     void add(Entry& entry);
 
@@ -42,7 +42,7 @@ public:
     /// EntryRefused for one from another store that contradicts what is there.
     void add(std::span<Entry> entries);
 
-    /// Keeps messages that hold no entry, each once.
+    /// Saves messages without an entry, each once.
     void setAside(std::span<const UnreadMessage> messages);
 
 private:

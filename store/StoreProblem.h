@@ -8,13 +8,13 @@
 
 namespace kel {
 
-/// A store cannot do what it is to do. The text is a sentence for a person, with what to try.
+/// A store that cannot do its work. The text is a sentence for a person, with what to try.
 class StoreProblem : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
 
-/// An entry of another store contradicts one that is there: the same number of the same batch, but not the same sheet.
+/// An entry of another store contradicts an existing one: the same number of the same batch, but not the same sheet.
 class EntryRefused final : public StoreProblem {
 public:
     using StoreProblem::StoreProblem;

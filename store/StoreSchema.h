@@ -11,7 +11,7 @@ namespace kel {
 /// The version of the tables that this program makes and reads; a store has its own as `user_version`.
 inline constexpr std::int64_t kStoreVersion = 3;
 
-/// Makes the tables of a new store, or brings those of an older one up to this version, in one transaction.
+/// Creates the tables of a new store, or updates those of an older one to this version, in one transaction.
 /// StoreProblem for a store of a newer version and for a database that is something else.
 void prepareStore(SqliteDatabase& database, const std::filesystem::path& file);
 

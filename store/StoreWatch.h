@@ -7,7 +7,7 @@
 
 namespace kel {
 
-/// Sees that somebody writes to a store: its files change in their folder.
+/// Notices that a process writes to a store: its files change in their folder.
 class StoreWatch {
 public:
     /// StoreProblem if the system refuses to watch.

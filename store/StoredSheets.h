@@ -14,7 +14,7 @@
 
 namespace kel {
 
-/// Which entries are wanted; an empty text is no condition.
+/// Which entries to read; an empty text sets no condition.
 struct StoreFilter {
     std::string reader{};
     std::string batch{};
@@ -22,12 +22,12 @@ struct StoreFilter {
     bool failures = true; ///< the reports of the readers, too
 };
 
-/// Which sheets are looked for; an empty text, or false, is no condition.
+/// Which sheets to search for; an empty text, or false, sets no condition.
 struct SheetSearch {
     std::string reader{};
     std::string batch{};
     std::string since{};   ///< from this time on, as the store writes times
-    std::string barcode{}; ///< what one of the barcodes has in it
+    std::string barcode{}; ///< a part of one of the barcodes
     bool rejected = false;
     bool blank = false;
 };
@@ -35,7 +35,7 @@ struct SheetSearch {
 /// What a search has found, newest first.
 struct FoundSheets {
     std::vector<Entry> sheets{};
-    std::int64_t next = 0; ///< where to go on: the sheets before this id have not been looked at; 0 if there are none
+    std::int64_t next = 0; ///< where to go on: the sheets before this id have not been searched; 0 if there are none
 };
 
 /// A batch of a store.
@@ -46,29 +46,29 @@ struct StoredBatch {
     std::int64_t sheets = 0; ///< the number of its last sheet
 };
 
-/// Reads a store, also while somebody writes to it. Every failure is a StoreProblem.
+/// Reads a store, also while another process writes to it. Every failure is a StoreProblem.
 class StoredSheets {
 public:
     explicit StoredSheets(const std::filesystem::path& file);
 
     using Take = std::function<bool(const Entry& entry)>;
 
-    /// Hands out the entries after an id, in their order, until `take` answers false. The id of the last.
+    /// Passes on the entries after an id, in their order, until `take` returns false. Returns the id of the last.
     std::int64_t read(const StoreFilter& filter, std::int64_t after, const Take& take);
 
     using TakeTexts = std::function<bool(const EntryTexts& entry)>;
 
-    /// The same for all entries as they are written, for whoever passes them on. What is JSON is sound.
+    /// The same for all entries as they are in the file, to pass them on unchanged. JSON in them is valid.
     std::int64_t readTexts(std::int64_t after, const TakeTexts& take);
 
-    /// Looks for sheets with ids below `before`, or for the newest of all if it is 0: at most so many, and no longer
-    /// than somebody who looks at a page waits.
+    /// Searches sheets with ids below `before`, or the newest of all if it is 0: at most this many, and no longer than
+    /// a person waits for a page.
     [[nodiscard]] FoundSheets find(const SheetSearch& search, std::int64_t before, std::size_t most);
 
     /// The sheet of an id, if there is one.
     [[nodiscard]] std::optional<Entry> sheet(std::int64_t id);
 
-    /// The id that was given last, to a sheet or a report.
+    /// The last id that was assigned, to a sheet or a report.
     [[nodiscard]] std::int64_t lastId();
 
     /// The batches with sheets that began last, newest first.
@@ -76,11 +76,11 @@ public:
 
     /// Which old entries were removed, and which stayed.
     struct Forgotten {
-        std::int64_t sheets = 0; ///< that are gone
+        std::int64_t sheets = 0; ///< that were removed
         std::int64_t kept = 0;   ///< sheets and reports that are old too, and that the stream does not have yet
     };
 
-    /// Which old entries go.
+    /// Which old entries to remove.
     enum class Forget {
         SentAlone, ///< those that a stream is to have, and does not have yet, stay
         All,

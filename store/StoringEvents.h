@@ -11,15 +11,15 @@
 
 namespace kel {
 
-/// What somebody does about a store that takes nothing.
+/// What to do about a store that accepts nothing.
 struct StoreTrouble {
     std::function<void(const std::string& sentence)> tell; ///< what is wrong, once; and that it is over
     /// Waits before the next attempt; false to give up.
     std::function<bool(std::chrono::milliseconds pause)> pause;
 };
 
-/// Keeps each event of a batch in a store, and only then hands it on. While the store takes nothing, an event does not
-/// return, so that no further sheet is fed.
+/// Saves each event of a batch in a store, and only then passes it on. While the store accepts nothing, an event does
+/// not return, so that no further sheet is fed.
 class StoringEvents final : public host::Events {
 public:
     StoringEvents(SheetStore& store, Origin origin, Setup setup, host::Events& next, StoreTrouble trouble)
@@ -31,7 +31,7 @@ public:
     void failure(const host::Failure& event) override;
     void end(const host::BatchEnd& event) override { next_.end(event); }
 
-    /// How many events the store has not taken before somebody gave up.
+    /// How many events were given up, since the store did not accept them.
     [[nodiscard]] int lost() const noexcept { return lost_; }
 
 private:

@@ -12,15 +12,15 @@
 
 namespace kel {
 
-/// What somebody does for a collector.
+/// The calls of a collector.
 struct CollectorCalls {
     StreamNews::Tell tell;
     /// Waits before the next attempt, or for no time at all; false if the collector is to end.
     std::function<bool(std::chrono::milliseconds pause)> pause;
 };
 
-/// Takes messages from a stream into a store: each is acknowledged when it is safe on the disk. One that comes twice is
-/// one row; one that holds no sheet and no report is set aside.
+/// Collects messages from a stream in a store: each is acknowledged when it is safe on the disk. One that comes twice
+/// is one row; one without a sheet or a report is set aside.
 class Collector {
 public:
     Collector(SheetStore& store, StreamAddress address, std::string durable, Pauses pauses, CollectorCalls calls,

@@ -16,7 +16,7 @@ inline constexpr int kMessageVersion = 1;
 [[nodiscard]] StreamMessage messageOf(const EntryTexts& entry, const std::string& root);
 [[nodiscard]] StreamMessage messageOf(const Entry& entry, const std::string& root);
 
-/// The entry that a message holds, without an id. JsonRefusal for one that holds none.
+/// The entry in a message, without an id. JsonRefusal if there is none.
 [[nodiscard]] Entry entryIn(std::string_view content);
 
 } // namespace kel

@@ -24,9 +24,9 @@ public:
     /// `last`: the stream has everything up to this id.
     explicit Outbox(std::int64_t last) : loaded_(last) {}
 
-    /// Takes the next message of the store.
+    /// Adds the next message of the store.
     void add(std::int64_t id, std::string line, StreamMessage message);
-    /// Takes one that was left out before; the others do not wait for it.
+    /// Adds one that was left out before; the others do not wait for it.
     void addAgain(std::int64_t id, std::string line, StreamMessage message);
 
     /// The id of the last one that was added.
@@ -40,10 +40,10 @@ public:
         const StreamMessage* message = nullptr;
     };
 
-    /// Hands out the next one, once; nothing if all that may be sent is under way.
+    /// Returns the next one, once; nullopt if all that may be sent are under way.
     [[nodiscard]] std::optional<Due> next(Time now);
 
-    /// The stream has a message, or is to be left without it.
+    /// The stream has a message, or will not get it.
     void acknowledge(std::int64_t id);
 
     /// How many messages are under way, and since when the oldest of them.

@@ -8,13 +8,13 @@
 
 namespace kel {
 
-/// Whether an address names something that nobody else may know: a key, credentials, or a password in a server's name.
+/// Whether an address contains a secret: a key, credentials, or a password in a server's name.
 [[nodiscard]] bool hasSecrets(const StreamAddress& address);
 
-/// What is wrong with a file that holds secrets and that users outside of its group may read, a sentence; else nothing.
+/// A sentence about a file with secrets that users outside its group may read; empty if there is nothing wrong.
 [[nodiscard]] std::string exposureOf(const std::filesystem::path& file);
 
-/// What is wrong with an address and the files that it names, a sentence; else nothing.
+/// A sentence about what is wrong with an address and the files that it names; empty if nothing is.
 [[nodiscard]] std::string faultOf(const StreamAddress& address);
 
 } // namespace kel

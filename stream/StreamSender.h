@@ -16,15 +16,15 @@
 
 namespace kel {
 
-/// How a stream does that a store is sent into.
+/// The state of the stream that a store is sent to.
 struct StreamState {
     bool isUp = false;
-    std::string problem{};   ///< why not, a sentence; or why it does not take some, while it takes others
+    std::string problem{};   ///< why not, a sentence; or why it refuses some messages, while it accepts others
     std::int64_t unsent = 0; ///< entries of the store that the stream does not have yet; -1 if nobody can say
 };
 
-/// Sends what a store holds into a stream, in a thread of its own: from where it was left off, and on as sheets come.
-/// While the stream cannot be reached the store keeps them.
+/// Sends what a store holds to a stream, in a thread of its own: from where it stopped, and on as sheets come. While
+/// the stream cannot be reached the store keeps them.
 class StreamSender {
 public:
     using Opener = std::function<StreamOpener&()>;
