@@ -2,10 +2,12 @@
 #include "options/Errands.h"
 
 #include <algorithm>
-#include <utility>
+#include <system_error>
 #include <vector>
 
 namespace kel {
+
+Errands::Errands(BeginThread beginThread) : beginThread_(std::move(beginThread)) {}
 
 Errands::~Errands()
 {
@@ -14,8 +16,10 @@ Errands::~Errands()
         ended_ = true;
     }
     callBack();
-    for (Task& task : tasks_)
-        task.thread.join();
+    for (Task& task : tasks_) {
+        if (task.thread.joinable())
+            task.thread.join();
+    }
 }
 
 void Errands::send(Errand errand, Arrival late, Clock::duration limit)
@@ -28,7 +32,11 @@ void Errands::send(Errand errand, Arrival late, Clock::duration limit)
         task = &tasks_.emplace_back(
             Task{.late = std::move(late), .end = isLimited ? now + limit : Clock::time_point::max()});
     }
-    task->thread = std::thread([this, task, errand = std::move(errand)] { run(*task, errand); });
+    try {
+        task->thread = beginThread_([this, task, errand = std::move(errand)] { run(*task, errand); });
+    } catch (const std::system_error&) {
+        arrive(*task, nullptr);
+    }
 }
 
 void Errands::run(Task& task, const Errand& errand)
@@ -47,6 +55,12 @@ void Errands::run(Task& task, const Errand& errand)
     } catch (const std::exception&) {
         arrival = nullptr;
     }
+    arrive(task, std::move(arrival));
+}
+
+/// Without an arrival of its own it is late.
+void Errands::arrive(Task& task, Arrival arrival)
+{
     const std::lock_guard lock(mutex_);
     task.arrival = arrival ? std::move(arrival) : task.late;
     task.isDone = true;

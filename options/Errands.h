@@ -7,8 +7,10 @@
 #include <condition_variable>
 #include <functional>
 #include <list>
+#include <memory>
 #include <mutex>
 #include <thread>
+#include <utility>
 
 namespace kel {
 
@@ -24,13 +26,16 @@ public:
     /// The work. If it fails, `late` arrives.
     using Errand = std::function<Arrival()>;
     using Clock = std::chrono::steady_clock;
+    /// Begins a thread that does a work. std::system_error if there is none to be had.
+    using BeginThread = std::function<std::thread(std::function<void()> work)>;
 
-    Errands() = default;
+    explicit Errands(BeginThread beginThread = [](std::function<void()> work) { return std::thread(std::move(work)); });
     ~Errands();
     Errands(const Errands&) = delete;
     Errands& operator=(const Errands&) = delete;
 
-    /// Sends one out. After the limit its waits are ended, and `late` stands for whatever it brings.
+    /// Sends one out. After the limit its waits are ended, and `late` stands for whatever it brings. An errand
+    /// for which the system has no thread is late at once.
     void send(Errand errand, Arrival late, Clock::duration limit = Clock::duration::max());
 
     /// Runs what has arrived; True if anything has. `takeAll` waits for all tasks, at most until their limits.
@@ -55,7 +60,9 @@ private:
     };
 
     void run(Task& task, const Errand& errand);
+    void arrive(Task& task, Arrival arrival);
 
+    BeginThread beginThread_;
     mutable std::mutex mutex_;
     std::condition_variable arrived_;
     std::list<Task> tasks_;

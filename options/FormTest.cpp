@@ -50,7 +50,7 @@ void FormTest::start(bool sharesMachine)
     progress_ = test->progress();
     errand_.emplace();
     errand_->send([this, test]() -> Errands::Arrival { return [this, outcome = test->run()] { outcome_ = outcome; }; },
-                  [this] { outcome_ = ReaderTest::Outcome{}; });
+                  [this] { outcome_ = {.sentence = failureText(FailureCode::OutOfMemory)}; });
 }
 
 void FormTest::stop()

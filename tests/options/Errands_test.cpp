@@ -5,11 +5,12 @@
 #include "startup/Main.h"
 #include "tests/support/Patience.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <future>
 #include <poll.h>
 #include <stdexcept>
+#include <system_error>
 
 namespace kel::test {
 namespace {
@@ -116,6 +117,33 @@ TEST_F(ErrandsTest, WhatFailsArrivesAsIfItWereLate)
     errands.send([]() -> Errands::Arrival { throw std::runtime_error("no"); }, late("failed"));
     errands.takeAll();
     EXPECT_EQ(arrived, (std::vector<std::string>{"late failed"}));
+}
+
+TEST_F(ErrandsTest, WithoutAThreadAnErrandIsLate)
+{
+    bool hasThreads = false;
+    bool hasRun = false;
+    {
+        Errands errands([&](std::function<void()> work) {
+            if (!hasThreads)
+                throw std::system_error(std::make_error_code(std::errc::resource_unavailable_try_again));
+            return std::thread(std::move(work));
+        });
+        errands.send(
+            [&]() -> Errands::Arrival {
+                hasRun = true;
+                return [] {};
+            },
+            late("one"));
+        hasThreads = true;
+        errands.send([this]() -> Errands::Arrival { return [this] { arrived.push_back("two"); }; }, late("two"));
+        EXPECT_FALSE(errands.isIdle()) << "it arrives with a turn of the window";
+        errands.takeAll();
+        EXPECT_TRUE(errands.isIdle());
+        EXPECT_FALSE(errands.take());
+    } // joins the thread that there is
+    EXPECT_THAT(arrived, testing::UnorderedElementsAre("late one", "two"));
+    EXPECT_FALSE(hasRun);
 }
 
 } // namespace
