@@ -5,10 +5,7 @@
 
 namespace kel {
 
-SearchReports::SearchReports(clsKELReader& reader)
-    : reports_(reader, [this](const host::Failure& failure) { failures_.push_back(failure); })
-{
-}
+SearchReports::SearchReports() : reports_([this](const host::Failure& failure) { failures_.push_back(failure); }) {}
 
 void SearchReports::tell() const
 {

@@ -10,7 +10,7 @@ namespace kel {
 /// Collects the reports of a search for a reader, as long as it exists, and prints them for a person.
 class SearchReports {
 public:
-    explicit SearchReports(clsKELReader& reader);
+    SearchReports();
     SearchReports(const SearchReports&) = delete;
     SearchReports& operator=(const SearchReports&) = delete;
 

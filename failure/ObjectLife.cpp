@@ -16,7 +16,7 @@ constexpr Int32 kObjectEvent = 2000;
 
 void tellDebugger(Int32 lCode, const char* nameAndKind, const ObjectLife* object)
 {
-    if (hasDebugSession() && !WithoutHost::reports())
+    if (hasDebugSession() && !WithoutHost::isHere())
         vbcsSend(lCode, nameAndKind, static_cast<std::int64_t>(reinterpret_cast<std::intptr_t>(object)), kObjectEvent,
                  0);
 }

@@ -7,23 +7,23 @@ namespace kel {
 
 namespace {
 
-thread_local WithoutHost* innermost = nullptr;
+thread_local int living = 0;
 
 } // namespace
 
-WithoutHost::WithoutHost(std::shared_ptr<ErrorObject> reports)
-    : reports_(std::move(reports)), previous_(std::exchange(innermost, this))
+WithoutHost::WithoutHost(std::shared_ptr<ErrorObject> reports) : reports_(std::move(reports))
 {
+    ++living;
 }
 
 WithoutHost::~WithoutHost()
 {
-    innermost = previous_;
+    --living;
 }
 
-std::shared_ptr<ErrorObject> WithoutHost::reports()
+bool WithoutHost::isHere() noexcept
 {
-    return innermost ? innermost->reports_ : nullptr;
+    return living > 0;
 }
 
 } // namespace kel

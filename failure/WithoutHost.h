@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "failure/ErrorReport.h"
-
-#include <memory>
+#include "failure/ThreadReports.h"
 
 namespace kel {
 
@@ -16,12 +14,11 @@ public:
     WithoutHost(const WithoutHost&) = delete;
     WithoutHost& operator=(const WithoutHost&) = delete;
 
-    /// Where the reports of the calling thread go; null while it works for the host.
-    [[nodiscard]] static std::shared_ptr<ErrorObject> reports();
+    /// Whether the calling thread works for the component itself.
+    [[nodiscard]] static bool isHere() noexcept;
 
 private:
-    std::shared_ptr<ErrorObject> reports_;
-    WithoutHost* previous_;
+    ThreadReports reports_;
 };
 
 } // namespace kel

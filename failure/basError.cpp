@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "failure/basError.h"
 
-#include "failure/WithoutHost.h"
+#include "failure/ThreadReports.h"
 #include "failure/guarded.h"
 #include "platform/Platform.h"
 #include "types/Text.h"
@@ -105,7 +105,7 @@ Boolean setErrorObject(std::shared_ptr<ErrorObject> object)
 
 std::shared_ptr<ErrorObject> errorObject()
 {
-    if (auto own = WithoutHost::reports())
+    if (auto own = ThreadReports::taker())
         return own;
     const std::lock_guard lock(registered().mutex);
     return registered().object;

@@ -16,7 +16,8 @@ Int16 DisplayError(ErrorReport report);
 /// Registers the host's error object for the whole process; nothing switches back to message boxes.
 /// True if an object is set now.
 Boolean setErrorObject(std::shared_ptr<ErrorObject> object);
-/// Where the reports of the calling thread go: to the host's object, unless the thread works without the host.
+/// Where the reports of the calling thread go: to the host's object, unless the thread has a taker of its own
+/// (`ThreadReports`).
 [[nodiscard]] std::shared_ptr<ErrorObject> errorObject();
 
 /// Reports a fault of the reader or the link that a driver has detected: type 2, without an error number.

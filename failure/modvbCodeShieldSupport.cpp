@@ -166,7 +166,7 @@ void reportCrash(const CapturedFailure& failure, const std::string& sModule, con
                  const ProcedureDump& variables)
 {
     // Whoever has sent the thread learns of the failure by catching it.
-    if (WithoutHost::reports())
+    if (WithoutHost::isHere())
         return;
     ignoringFailures([&] {
         std::shared_ptr<ErrorLibraryObject> library = createErrorLibrary(kErrorLibraryClass);

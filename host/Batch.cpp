@@ -192,11 +192,10 @@ public:
     Ties(clsKELReader& reader, const Request& request, Events& sink, const std::function<bool()>& stopWanted,
          StopAsked asked)
         : reader_(reader), listener_(std::make_shared<Listener>(reader, request, sink, stopWanted)),
-          cookie_(reader.Advise(listener_)), reports_(reader,
-                                                      [this, &sink](const Failure& failure) {
-                                                          failures_.push_back(failure);
-                                                          sink.failure(failure);
-                                                      }),
+          cookie_(reader.Advise(listener_)), reports_([this, &sink](const Failure& failure) {
+              failures_.push_back(failure);
+              sink.failure(failure);
+          }),
           pumps_(stopWanted != nullptr && asked == StopAsked::InEachTurn)
     {
         if (stopWanted) {

@@ -21,7 +21,7 @@ RegistryPath keyNamed(std::string_view text)
 std::vector<Failure> loadSettings(clsKELReader& reader, const RegistryPath& key)
 {
     std::vector<Failure> failures;
-    const Reports reports(reader, [&](const Failure& failure) { failures.push_back(failure); });
+    const Reports reports([&](const Failure& failure) { failures.push_back(failure); });
     reader.LoadSettings(key.hive, key.subKey);
     return failures;
 }

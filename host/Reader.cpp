@@ -147,7 +147,7 @@ std::optional<Int16> Reader::locate(Int16 startPort)
 {
     state_->failures.clear();
     const Joined joined(state_->reader, state_->device());
-    const Reports reports(state_->reader, [this](const Failure& failure) { state_->failures.push_back(failure); });
+    const Reports reports([this](const Failure& failure) { state_->failures.push_back(failure); });
     if (!state_->reader.Locate(startPort))
         return std::nullopt;
     return state_->reader.Port();
@@ -157,7 +157,7 @@ std::optional<std::string> Reader::firmware()
 {
     state_->failures.clear();
     const Joined joined(state_->reader, state_->device());
-    const Reports reports(state_->reader, [this](const Failure& failure) { state_->failures.push_back(failure); });
+    const Reports reports([this](const Failure& failure) { state_->failures.push_back(failure); });
     std::string version;
     if (!state_->reader.Firmware(version))
         return std::nullopt;

@@ -31,8 +31,8 @@ enum class OnFailure {
 ///     for (const kel::host::Sheet& sheet : reader.sheets())
 ///         std::cout << sheet.barcode() << '\n';
 ///
-/// It belongs to the thread that made it. Reports of its thread are its own while it reads; those of other threads are
-/// not. There is no other error object meanwhile, and none afterwards.
+/// It belongs to the thread that made it. Reports of its thread are its own while it reads, searches or asks; the
+/// host's error object has all others.
 class KEL_PUBLIC Reader {
 public:
     /// Sets the reader up for the request. UsageError for a value that does not fit, ReaderFailed for settings that

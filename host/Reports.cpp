@@ -1,48 +1,39 @@
 // SPDX-License-Identifier: MIT
 #include "host/Reports.h"
 
-#include <algorithm>
-#include <iostream>
-#include <mutex>
+#include "failure/ThreadReports.h"
+
+#include <utility>
 
 namespace kel::host {
 
 namespace {
 
-thread_local std::vector<const Reports::Take*> takers;
-
-std::mutex registration;
-int living = 0;
-
-/// The process's error object: it finds out whose report it is by the thread.
-class Router final : public ErrorObject {
+/// Hands each report on as a value.
+class Taker final : public ErrorObject {
 public:
+    explicit Taker(Reports::Take take) : take_(std::move(take)) {}
+
     Int32 RaiseError(const ErrorReport& report) override
     {
-        if (takers.empty())
-            std::cerr << failureSentence(failureOf(report)) << std::endl;
-        else
-            (*takers.back())(failureOf(report));
+        take_(failureOf(report));
         return 0;
     }
+
+private:
+    Reports::Take take_;
 };
 
 } // namespace
 
-Reports::Reports(clsKELReader& reader, Take take) : reader_(reader), take_(std::move(take))
-{
-    takers.push_back(&take_);
-    const std::lock_guard lock(registration);
-    if (living++ == 0)
-        reader_.SetError(std::make_shared<Router>());
-}
+struct Reports::Place {
+    explicit Place(Take take) : reports(std::make_shared<Taker>(std::move(take))) {}
 
-Reports::~Reports()
-{
-    std::erase(takers, &take_);
-    const std::lock_guard lock(registration);
-    if (--living == 0)
-        reader_.SetError(nullptr);
-}
+    ThreadReports reports;
+};
+
+Reports::Reports(Take take) : place_(std::make_unique<Place>(std::move(take))) {}
+
+Reports::~Reports() = default;
 
 } // namespace kel::host

@@ -67,8 +67,7 @@ py::tuple settings(ReaderSession& reader, const std::string& key, bool load)
                                "' is not a key of the settings; write HIVE\\SUBKEY with a hive such as HKCU.");
     std::vector<host::Failure> failures;
     const bool done = reader.call([&](LiveSource& source) {
-        const host::Reports reports(source.reader.object(),
-                                    [&](const host::Failure& failure) { failures.push_back(failure); });
+        const host::Reports reports([&](const host::Failure& failure) { failures.push_back(failure); });
         clsKELReader& object = source.reader.object();
         return static_cast<bool>(load ? object.LoadSettings(path->hive, path->subKey)
                                       : object.SaveSettings(path->hive, path->subKey));

@@ -28,7 +28,7 @@ int run(const FirmwareArguments& arguments)
     if (!arguments.device.empty())
         line.emplace(arguments.port, arguments.device);
     clsKELReader reader;
-    const SearchReports reports(reader);
+    const SearchReports reports;
     reader.LoadDefaults(host::modelNamed(arguments.model));
     reader.Port(arguments.port);
     for (const std::string& assignment : arguments.assignments)

@@ -21,7 +21,7 @@ struct LocateArguments {
 int run(const LocateArguments& arguments)
 {
     clsKELReader reader;
-    const SearchReports reports(reader);
+    const SearchReports reports;
     reader.LoadDefaults(host::modelNamed(arguments.model));
     for (const std::string& assignment : arguments.assignments)
         host::applyAssignment(reader, assignment);

@@ -25,9 +25,7 @@ struct OptionsArguments {
 /// Prints reports while the window is open. A search tries ports that do not exist; those are not worth a report.
 class Reporting {
 public:
-    explicit Reporting(clsKELReader& reader) : reports_(reader, [this](const host::Failure& failure) { tell(failure); })
-    {
-    }
+    Reporting() : reports_([this](const host::Failure& failure) { tell(failure); }) {}
     Reporting(const Reporting&) = delete;
     Reporting& operator=(const Reporting&) = delete;
 
@@ -67,7 +65,7 @@ int run(const OptionsArguments& arguments)
         key = host::keyNamed(arguments.settings);
     clsKELReader reader;
     prepare(reader, key, arguments.model);
-    const Reporting reporting(reader);
+    const Reporting reporting;
     if (!reader.ShowOptions()) {
         if (reporting.status() == kDoneStatus)
             notice("Cancelled; nothing was changed.");
