@@ -190,8 +190,13 @@ struct Sheets::Batch {
         session.emplace(state.reader, state.request, last);
     }
 
+    /// Reads the next sheet, at first after the reader's start; nothing once the batch is over.
     void goOn()
     {
+        if (!session)
+            return;
+        if (!std::exchange(begun, true))
+            session->start();
         if (session->next())
             return;
         finish();
@@ -214,6 +219,7 @@ struct Sheets::Batch {
     Last last;
     std::optional<Joined> joined;
     std::optional<Session> session;
+    bool begun = false;
 };
 
 Sheets::Sheets(Reader& reader, OnFailure onFailure) : batch_(std::make_unique<Batch>(*reader.state_, onFailure)) {}
@@ -225,7 +231,6 @@ Sheets::~Sheets()
 
 Sheets::Iterator Sheets::begin()
 {
-    batch_->session->start();
     batch_->goOn();
     return Iterator(*this);
 }

@@ -87,7 +87,7 @@ private:
     std::unique_ptr<State> state_;
 };
 
-/// A range of sheets, for one loop.
+/// A range of sheets: one batch, whether one loop reads it or several in turn.
 class KEL_PUBLIC Sheets {
 public:
     /// At the sheet that was read last.
@@ -123,7 +123,8 @@ public:
     Sheets(const Sheets&) = delete;
     Sheets& operator=(const Sheets&) = delete;
 
-    /// Starts the reader and reads the first sheet. To be called once.
+    /// Starts the reader and reads the first sheet. A further call goes on with the next sheet of the same batch, and
+    /// is at the end once that is over.
     [[nodiscard]] Iterator begin();
     [[nodiscard]] std::default_sentinel_t end() const { return {}; }
 

@@ -89,6 +89,41 @@ TEST_F(HostReaderTest, LoopThatIsLeftEndsTheSession)
     EXPECT_THAT(log(), Not(Contains("fed 3")));
 }
 
+TEST_F(HostReaderTest, AFurtherLoopGoesOnWithTheBatch)
+{
+    host::Request wanted = request();
+    wanted.maxSheets = 3;
+    host::Reader reader(wanted);
+    std::vector<Int32> numbers;
+    host::Sheets sheets = reader.sheets();
+    const auto readUpTo = [&](Int32 last) {
+        for (const host::Sheet& sheet : sheets) {
+            numbers.push_back(sheet.number);
+            if (sheet.number == last)
+                break;
+        }
+    };
+    readUpTo(1);
+    EXPECT_TRUE(machine_.line(1).isOpen());
+    readUpTo(4);
+    EXPECT_FALSE(machine_.line(1).isOpen());
+    readUpTo(4);
+    EXPECT_THAT(numbers, ElementsAre(1, 2, 3)) << "a batch that is over has no more sheets";
+    EXPECT_THAT(device_->errors(), IsEmpty());
+}
+
+TEST_F(HostReaderTest, AFurtherLoopAfterAFailureIsEmpty)
+{
+    host::Request wanted = request();
+    wanted.port = Int16{17};
+    host::Reader reader(wanted);
+    host::Sheets sheets = reader.sheets();
+    EXPECT_THROW(static_cast<void>(sheets.begin()), host::ReaderFailed);
+    for ([[maybe_unused]] const host::Sheet& sheet : sheets)
+        ADD_FAILURE() << "the batch is over";
+    EXPECT_FALSE(reader.failures().empty());
+}
+
 TEST_F(HostReaderTest, StopEndsTheRangeAfterTheSheet)
 {
     host::Reader reader(request());
