@@ -4,7 +4,7 @@
 #include "platform/LineDevice.h"
 #include "platform/LineErrors.h"
 #include "platform/ModemLines.h"
-#include "platform/SerialControl.h"
+#include "platform/SerialProperties.h"
 
 #include <memory>
 
@@ -29,23 +29,13 @@ public:
     [[nodiscard]] virtual std::optional<ModemLines> modemLines() { return std::nullopt; }
 };
 
-/// A serial control on the lines of some system: the properties, and the line while it is open.
-class LineControl : public SerialControl, public CountsLineErrors, public TellsModemLines {
+/// A serial control on the lines of some system: the line while it is open. A device that refuses new settings fails
+/// with 8015, and keeps the old ones.
+class LineControl : public SerialProperties, public CountsLineErrors, public TellsModemLines {
 public:
-    [[nodiscard]] Int16 CommPort() const override { return port_; }
-    void CommPort(Int16 value) override;
-
-    /// Takes effect at once on an open line. When the device refuses the new settings, 8015, the old ones stay.
-    [[nodiscard]] std::string Settings() const override { return settings_; }
-    void Settings(const std::string& value) override;
-    [[nodiscard]] Int32 Handshaking() const override { return parameters_.handshaking; }
-    void Handshaking(Int32 value) override;
-
     [[nodiscard]] Boolean PortOpen() const override { return open_ != nullptr; }
     void PortOpen(Boolean value) override;
 
-    [[nodiscard]] Int32 InputLen() const override { return inputLen_; }
-    void InputLen(Int32 value) override;
     [[nodiscard]] Int32 InBufferCount() override;
     [[nodiscard]] std::string Input() override;
     void Output(std::string_view bytes) override;
@@ -55,7 +45,7 @@ public:
 
 protected:
     /// Closed, set to 9600,N,8,1 without handshaking. Fewer data bits than the least are refused with 380.
-    explicit LineControl(Int32 leastDataBits) : leastDataBits_(leastDataBits) {}
+    explicit LineControl(Int32 leastDataBits) : SerialProperties(leastDataBits) {}
 
     /// The open line; 8018 on a closed one.
     [[nodiscard]] OpenLine& line();
@@ -64,13 +54,8 @@ private:
     /// Opens a port and sets it; fails as `SerialControl::PortOpen` does.
     [[nodiscard]] virtual std::unique_ptr<OpenLine> open(Int16 port, const LineParameters& parameters) = 0;
 
-    void change(const LineParameters& wanted);
+    void setLine(const LineParameters& wanted) override;
 
-    Int32 leastDataBits_;
-    Int16 port_ = 1;
-    std::string settings_ = "9600,N,8,1";
-    LineParameters parameters_;
-    Int32 inputLen_ = 0;
     std::unique_ptr<OpenLine> open_;
     LineErrors errorsBefore_; // on lines that are closed
 };

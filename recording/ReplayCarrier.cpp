@@ -135,24 +135,19 @@ void ReplayCarrier::Control::refuseAsRecorded(const std::string& member) const
 void ReplayCarrier::Control::CommPort(Int16 value)
 {
     refuseAsRecorded("CommPort");
-    if (open_)
-        throw RuntimeFailure(FailureCode::PortAlreadyOpen);
-    port_ = value;
+    SerialProperties::CommPort(value);
 }
 
 void ReplayCarrier::Control::Settings(const std::string& value)
 {
     refuseAsRecorded("Settings");
-    static_cast<void>(parseLineSettings(value));
-    settings_ = value;
+    SerialProperties::Settings(value);
 }
 
 void ReplayCarrier::Control::Handshaking(Int32 value)
 {
     refuseAsRecorded("Handshaking");
-    if (value < 0 || value > 3)
-        throw RuntimeFailure(FailureCode::InvalidPropertyValue);
-    handshaking_ = value;
+    SerialProperties::Handshaking(value);
 }
 
 void ReplayCarrier::Control::PortOpen(Boolean value)
@@ -166,17 +161,10 @@ void ReplayCarrier::Control::PortOpen(Boolean value)
         throw RuntimeFailure(FailureCode::PortAlreadyOpen);
     refuseAsRecorded("PortOpen");
     if (const auto line = player_.transcript().value("line");
-        line && lineSettingsText(parseLineSettings(*line)) != lineSettingsText(parseLineSettings(settings_)))
-        player_.differ("The line is set to " + settings_ + "; in the transcript it was " + *line + ".");
+        line && lineSettingsText(parseLineSettings(*line)) != lineSettingsText(parameters()))
+        player_.differ("The line is set to " + Settings() + "; in the transcript it was " + *line + ".");
     open_ = True;
     player_.opened();
-}
-
-void ReplayCarrier::Control::InputLen(Int32 value)
-{
-    if (value < 0)
-        throw RuntimeFailure(FailureCode::InvalidPropertyValue);
-    inputLen_ = value;
 }
 
 void ReplayCarrier::Control::demandOpen() const
@@ -213,7 +201,7 @@ Int32 ReplayCarrier::Control::InBufferCount()
 std::string ReplayCarrier::Control::Input()
 {
     demandOpen();
-    std::string bytes = player_.take(inputLen_ == 0 ? std::string::npos : static_cast<std::size_t>(inputLen_));
+    std::string bytes = player_.take(mostOfInput());
     player_.seen();
     if (bytes.empty() && player_.hungUp())
         failHungUp();

@@ -3,6 +3,7 @@
 
 #include "platform/Carrier.h"
 #include "platform/MessagePump.h"
+#include "platform/SerialProperties.h"
 #include "recording/TranscriptPlayer.h"
 
 #include <functional>
@@ -77,20 +78,18 @@ private:
         bool stopped_ = false;
     };
 
-    class Control final : public SerialControl {
+    class Control final : public SerialProperties {
     public:
         explicit Control(TranscriptPlayer& player) : player_(player) {}
 
-        [[nodiscard]] Int16 CommPort() const override { return port_; }
+        using SerialProperties::CommPort;
         void CommPort(Int16 value) override;
-        [[nodiscard]] std::string Settings() const override { return settings_; }
+        using SerialProperties::Settings;
         void Settings(const std::string& value) override;
-        [[nodiscard]] Int32 Handshaking() const override { return handshaking_; }
+        using SerialProperties::Handshaking;
         void Handshaking(Int32 value) override;
         [[nodiscard]] Boolean PortOpen() const override { return open_; }
         void PortOpen(Boolean value) override;
-        [[nodiscard]] Int32 InputLen() const override { return inputLen_; }
-        void InputLen(Int32 value) override;
         [[nodiscard]] Int32 InBufferCount() override;
         [[nodiscard]] std::string Input() override;
         void Output(std::string_view bytes) override;
@@ -101,10 +100,6 @@ private:
         [[noreturn]] void failHungUp() const;
 
         TranscriptPlayer& player_;
-        Int16 port_ = 1;
-        std::string settings_ = "9600,N,8,1";
-        Int32 handshaking_ = 0;
-        Int32 inputLen_ = 0;
         Boolean open_ = False;
         int vainLooks_ = 0;
     };

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "simulators/platform/SimulatedSerialControl.h"
 
-#include "platform/LineSettings.h"
+#include <algorithm>
 
 namespace kel {
 
@@ -22,26 +22,19 @@ SimulatedSerialControl::~SimulatedSerialControl()
 
 void SimulatedSerialControl::CommPort(Int16 value)
 {
-    if (open_)
-        throw RuntimeFailure(FailureCode::PortAlreadyOpen);
-    port_ = value;
+    SerialProperties::CommPort(value);
     record(HostAction::Kind::Port, std::to_string(value));
 }
 
 void SimulatedSerialControl::Settings(const std::string& value)
 {
-    LineParameters parsed = parseLineSettings(value);
-    parsed.handshaking = parameters_.handshaking;
-    parameters_ = parsed;
-    settings_ = value;
+    SerialProperties::Settings(value);
     record(HostAction::Kind::Settings, value);
 }
 
 void SimulatedSerialControl::Handshaking(Int32 value)
 {
-    if (value < 0 || value > 3)
-        throw RuntimeFailure(FailureCode::InvalidPropertyValue);
-    parameters_.handshaking = value;
+    SerialProperties::Handshaking(value);
     record(HostAction::Kind::Handshaking, std::to_string(value));
 }
 
@@ -56,18 +49,11 @@ void SimulatedSerialControl::PortOpen(Boolean value)
     }
     if (open_)
         throw RuntimeFailure(FailureCode::PortAlreadyOpen);
-    if (port_ < 1 || static_cast<std::size_t>(port_) > lines_.size())
+    SimulatedLine* const line = lineOfPort();
+    if (!line)
         throw RuntimeFailure(FailureCode::InvalidPortNumber);
-    SimulatedLine& line = lines_[static_cast<std::size_t>(port_ - 1)];
-    line.open(port_, parameters_, settings_);
-    open_ = &line;
-}
-
-void SimulatedSerialControl::InputLen(Int32 value)
-{
-    if (value < 0)
-        throw RuntimeFailure(FailureCode::InvalidPropertyValue);
-    inputLen_ = value;
+    line->open(CommPort(), parameters(), Settings());
+    open_ = line;
 }
 
 Int32 SimulatedSerialControl::InBufferCount()
@@ -85,7 +71,7 @@ std::string SimulatedSerialControl::Input()
 {
     SimulatedLine& line = openLine();
     clock_.idleLook();
-    std::string bytes = line.take(inputLen_ == 0 ? std::string::npos : static_cast<std::size_t>(inputLen_));
+    std::string bytes = line.take(mostOfInput());
     if (bytes.empty() && line.hungUp())
         failHungUp();
     return bytes;
@@ -119,10 +105,16 @@ SimulatedLine& SimulatedSerialControl::openLine() const
     return *open_;
 }
 
+SimulatedLine* SimulatedSerialControl::lineOfPort() const
+{
+    const auto port = static_cast<std::size_t>(std::max<Int16>(CommPort(), 0));
+    return port >= 1 && port <= lines_.size() ? &lines_[port - 1] : nullptr;
+}
+
 void SimulatedSerialControl::record(HostAction::Kind kind, const std::string& text)
 {
-    if (port_ >= 1 && static_cast<std::size_t>(port_) <= lines_.size())
-        lines_[static_cast<std::size_t>(port_ - 1)].record(kind, text);
+    if (SimulatedLine* const line = lineOfPort())
+        line->record(kind, text);
 }
 
 } // namespace kel

@@ -3,7 +3,7 @@
 
 #include "platform/LineErrors.h"
 #include "platform/ModemLines.h"
-#include "platform/SerialControl.h"
+#include "platform/SerialProperties.h"
 #include "simulators/platform/SimulatedLine.h"
 
 #include <span>
@@ -11,7 +11,7 @@
 namespace kel {
 
 /// A serial control on the lines of a simulated platform.
-class SimulatedSerialControl final : public SerialControl, public CountsLineErrors, public TellsModemLines {
+class SimulatedSerialControl final : public SerialProperties, public CountsLineErrors, public TellsModemLines {
 public:
     /// The lines of the ports from 1 on.
     SimulatedSerialControl(std::span<SimulatedLine> lines, SimulatedClock& clock) : lines_(lines), clock_(clock) {}
@@ -19,16 +19,14 @@ public:
     SimulatedSerialControl(const SimulatedSerialControl&) = delete;
     SimulatedSerialControl& operator=(const SimulatedSerialControl&) = delete;
 
-    [[nodiscard]] Int16 CommPort() const override { return port_; }
+    using SerialProperties::CommPort;
     void CommPort(Int16 value) override;
-    [[nodiscard]] std::string Settings() const override { return settings_; }
+    using SerialProperties::Settings;
     void Settings(const std::string& value) override;
-    [[nodiscard]] Int32 Handshaking() const override { return parameters_.handshaking; }
+    using SerialProperties::Handshaking;
     void Handshaking(Int32 value) override;
     [[nodiscard]] Boolean PortOpen() const override { return open_ != nullptr; }
     void PortOpen(Boolean value) override;
-    [[nodiscard]] Int32 InputLen() const override { return inputLen_; }
-    void InputLen(Int32 value) override;
     [[nodiscard]] Int32 InBufferCount() override;
     [[nodiscard]] std::string Input() override;
     void Output(std::string_view bytes) override;
@@ -39,16 +37,13 @@ public:
 
 private:
     [[nodiscard]] SimulatedLine& openLine() const;
+    [[nodiscard]] SimulatedLine* lineOfPort() const;
     void record(HostAction::Kind kind, const std::string& text);
 
     std::span<SimulatedLine> lines_;
     SimulatedClock& clock_;
     SimulatedLine* open_ = nullptr;
-    Int16 port_ = 1;
-    std::string settings_ = "9600,n,8,1";
-    LineParameters parameters_;
     LineErrors errors_;
-    Int32 inputLen_ = 0;
 };
 
 } // namespace kel
