@@ -8,8 +8,6 @@
 #include <algorithm>
 #include <cmath>
 #include <fcntl.h>
-#include <filesystem>
-#include <libserialport.h>
 #include <linux/serial.h>
 #include <sys/file.h>
 #include <sys/ioctl.h>
@@ -37,17 +35,6 @@ std::string errorText(int error)
     return std::generic_category().message(error);
 }
 
-sp_parity libraryParity(char letter)
-{
-    switch (letter) {
-    case 'E': return SP_PARITY_EVEN;
-    case 'O': return SP_PARITY_ODD;
-    case 'M': return SP_PARITY_MARK;
-    case 'S': return SP_PARITY_SPACE;
-    default: return SP_PARITY_NONE;
-    }
-}
-
 /// "19200 baud, 8 data bits, parity N, 2 stop bits, handshaking 0".
 std::string describe(const LineParameters& line)
 {
@@ -57,19 +44,11 @@ std::string describe(const LineParameters& line)
 
 } // namespace
 
-void LocalLine::ClosePort::operator()(sp_port* port) const noexcept
-{
-    sp_close(port);
-    sp_free_port(port);
-}
-
 LocalLine::LocalLine(Int16 port, const std::string& device)
     : device_(deviceFile(device)), name_(lineName(port, device_)), terminal_(open())
 {
     if (!terminal_.isOpen() || !former_.readFrom(terminal_.number()) || !claim())
         throw lineOpenFailure(port, device_, errno);
-    handle_ = terminal_.number();
-    openThroughLibrary();
 }
 
 LocalLine::~LocalLine()
@@ -112,49 +91,21 @@ bool LocalLine::claim()
         errno = EBUSY;
         return false;
     }
+    ::ioctl(terminal_.number(), TIOCEXCL);
     return true;
-}
-
-void LocalLine::openThroughLibrary()
-{
-    std::error_code failed;
-    const std::filesystem::path file = std::filesystem::canonical(device_, failed);
-    sp_port* found = nullptr;
-    if (failed || sp_get_port_by_name(file.c_str(), &found) != SP_OK)
-        return;
-    if (sp_open(found, SP_MODE_READ_WRITE) != SP_OK) {
-        sp_free_port(found);
-        return;
-    }
-    port_.reset(found);
-    if (sp_get_port_handle(found, &handle_) != SP_OK) {
-        port_.reset();
-        handle_ = terminal_.number();
-        return;
-    }
-    ::fcntl(handle_, F_SETFD, FD_CLOEXEC);
-    if (hasModemLines_)
-        ::ioctl(handle_, TIOCEXCL);
 }
 
 void LocalLine::set(const LineParameters& line)
 {
     if (line.stopBits == 1.5 && line.dataBits != 5)
         refuse("1.5 stop bits go with 5 data bits only");
-    if (port_)
-        setThroughLibrary(line);
-    // The library leaves reads in a mode in which the end of a line looks like a pause, and its version 0.1.1 puts the
-    // hardware handshaking where the kernel does not look for it.
     TerminalAttributes attributes;
-    if (!attributes.readFrom(handle_))
+    if (!attributes.readFrom(terminal_.number()))
         refuse(errorText(errno));
-    if (port_)
-        attributes.setHandshaking(line.handshaking);
-    else
-        attributes.set(line);
+    attributes.set(line);
     attributes.makeRaw();
     attributes.markParity(line.parity != 'N');
-    if (!attributes.writeTo(handle_))
+    if (!attributes.writeTo(terminal_.number()))
         refuse("the device does not take " + describe(line) + ": " + errorText(errno));
     marksParity_ = line.parity != 'N';
     characterTime_ = line.characterTime();
@@ -165,7 +116,7 @@ void LocalLine::set(const LineParameters& line)
 std::optional<LineErrors> LocalLine::countedErrors() const noexcept
 {
     serial_icounter_struct counts{};
-    if (::ioctl(handle_, TIOCGICOUNT, &counts) != 0)
+    if (::ioctl(terminal_.number(), TIOCGICOUNT, &counts) != 0)
         return std::nullopt;
     const auto number = [](int count) { return static_cast<std::uint64_t>(count); };
     return LineErrors{.parity = number(counts.parity),
@@ -176,35 +127,18 @@ std::optional<LineErrors> LocalLine::countedErrors() const noexcept
 std::optional<ModemLines> LocalLine::modemLines() const noexcept
 {
     int bits = 0;
-    if (::ioctl(handle_, TIOCMGET, &bits) != 0)
+    if (::ioctl(terminal_.number(), TIOCMGET, &bits) != 0)
         return std::nullopt;
     return ModemLines{.clearToSend = (bits & TIOCM_CTS) != 0,
                       .dataSetReady = (bits & TIOCM_DSR) != 0,
                       .carrierDetect = (bits & TIOCM_CAR) != 0};
 }
 
-void LocalLine::setThroughLibrary(const LineParameters& line)
-{
-    sp_port_config* made = nullptr;
-    if (sp_new_config(&made) != SP_OK)
-        throw RuntimeFailure(FailureCode::OutOfMemory);
-    const std::unique_ptr<sp_port_config, decltype(&sp_free_config)> config(made, &sp_free_config);
-    sp_set_config_baudrate(made, line.baudRate);
-    sp_set_config_bits(made, line.dataBits);
-    sp_set_config_parity(made, libraryParity(line.parity));
-    sp_set_config_stopbits(made, line.stopBits > 1 ? 2 : 1);
-    switch (sp_set_config(port_.get(), made)) {
-    case SP_OK: return;
-    case SP_ERR_FAIL: refuse("the device does not take " + describe(line) + ": " + errorText(sp_last_error_code()));
-    default: refuse("the device does not take " + describe(line));
-    }
-}
-
 /// A device takes what it can of a setting, and says only when asked what that was.
 void LocalLine::check(const LineParameters& wanted) const
 {
     TerminalAttributes attributes;
-    if (!attributes.readFrom(handle_))
+    if (!attributes.readFrom(terminal_.number()))
         refuse(errorText(errno));
     const LineParameters kept = attributes.line();
     const bool speedFits = std::abs(kept.baudRate - wanted.baudRate) <= kSpeedTolerance * wanted.baudRate;
@@ -221,7 +155,7 @@ void LocalLine::refuse(const std::string& why) const
 
 void LocalLine::dropInput() noexcept
 {
-    ::tcflush(handle_, TCIFLUSH);
+    ::tcflush(terminal_.number(), TCIFLUSH);
 }
 
 /// A close waits until the driver has sent everything, and with a reader that holds its hand up that is half a minute.
@@ -230,7 +164,7 @@ void LocalLine::letOutputLeave() const noexcept
 {
     const auto waiting = [&] {
         int count = 0;
-        return ::ioctl(handle_, TIOCOUTQ, &count) == 0 ? count : 0;
+        return ::ioctl(terminal_.number(), TIOCOUTQ, &count) == 0 ? count : 0;
     };
     const Moment end = steadyTime() + kFarewell;
     int before = waiting();
@@ -242,7 +176,7 @@ void LocalLine::letOutputLeave() const noexcept
         before = left;
     }
     if (before > 0)
-        ::tcflush(handle_, TCOFLUSH);
+        ::tcflush(terminal_.number(), TCOFLUSH);
 }
 
 } // namespace kel

@@ -6,20 +6,11 @@
 #include "platform/posix/LineEnd.h"
 #include "platform/posix/TerminalAttributes.h"
 
-#include <memory>
 #include <string>
-
-struct sp_port;
 
 namespace kel {
 
 /// A serial device of this machine, opened for exclusive use.
-///
-/// The device is set through libserialport where the library knows it: all serial ports with a driver of their own.
-/// The library takes no pseudo-terminal: it looks a device up among the kernel's serial ports, and insists on modem
-/// lines. Such a device is set here, through `TerminalAttributes`. In both cases this object has opened and locked the
-/// device first, so that the library touches no line that somebody uses, and that the modem lines stay as they are
-/// while the library opens and closes it.
 class LocalLine final : public LineEnd {
 public:
     /// Opens the device of a port; a name without a folder is one below /dev. Fails with 8002 (absent), 8005 (in use),
@@ -44,20 +35,14 @@ public:
     void dropInput() noexcept override;
 
     /// What to read, write and wait on; it never blocks.
-    [[nodiscard]] int handle() const noexcept override { return handle_; }
+    [[nodiscard]] int handle() const noexcept override { return terminal_.number(); }
 
     /// How failures name it: "Port 3 (/dev/ttyUSB0)".
     [[nodiscard]] const std::string& name() const noexcept override { return name_; }
 
 private:
-    struct ClosePort {
-        void operator()(sp_port* port) const noexcept;
-    };
-
     [[nodiscard]] int open() const;
     [[nodiscard]] bool claim();
-    void openThroughLibrary();
-    void setThroughLibrary(const LineParameters& line);
     void check(const LineParameters& wanted) const;
     [[noreturn]] void refuse(const std::string& why) const;
     void letOutputLeave() const noexcept;
@@ -66,8 +51,6 @@ private:
     std::string name_;
     FileDescriptor terminal_;
     TerminalAttributes former_;
-    std::unique_ptr<sp_port, ClosePort> port_;
-    int handle_ = -1;
     bool hasModemLines_ = false;
     bool marksParity_ = false;
     Moment characterTime_ = LineParameters().characterTime();

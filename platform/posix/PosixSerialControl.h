@@ -13,9 +13,8 @@ class PosixMessagePump;
 
 /// A serial line of this machine, or one across the network (see RemoteLine).
 ///
-/// The device is opened and set through libserialport, and by ourselves where it has no modem lines (see LocalLine).
-/// The library hands out the descriptor, and the buffer and the waiting are ours: a burst of bytes so costs one poll
-/// and one read, where the library's own calls would cost two for every byte.
+/// Its buffer and its waiting are the component's own: a burst of bytes costs one poll and one read, where a library of
+/// serial ports would make two calls for every byte.
 class PosixSerialControl final : public LineControl {
 public:
     /// Closed, set to 9600,N,8,1 without handshaking. The pump serves the line while it is open; the registry has the

@@ -110,16 +110,12 @@ void TerminalAttributes::set(const LineParameters& line)
     }
     if (line.stopBits > 1)
         control_ |= CSTOPB;
-    setHandshaking(line.handshaking);
-}
 
-void TerminalAttributes::setHandshaking(Int32 handshaking)
-{
     input_ &= ~static_cast<std::uint32_t>(IXON | IXOFF | IXANY);
     control_ &= ~static_cast<std::uint32_t>(CRTSCTS);
-    if (handshaking == 1 || handshaking == 3)
+    if (line.handshaking == 1 || line.handshaking == 3)
         input_ |= IXON | IXOFF;
-    if (handshaking == 2 || handshaking == 3)
+    if (line.handshaking == 2 || line.handshaking == 3)
         control_ |= CRTSCTS;
 }
 

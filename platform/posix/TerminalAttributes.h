@@ -26,8 +26,6 @@ public:
     /// Speed, parity, data bits, stop bits and handshaking. One and a half stop bits are what two are with 5 data
     /// bits.
     void set(const LineParameters& line);
-    /// Handshaking alone.
-    void setHandshaking(Int32 handshaking);
 
     /// How the terminal is set. A pseudo-terminal always has 8 data bits and no parity.
     [[nodiscard]] LineParameters line() const;
