@@ -10,9 +10,10 @@
 #include "platform/RemoteAddress.h"
 #include "platform/ThreadPlatform.h"
 #include "strings/VBLMRTSModule.h"
+#include "types/ModelTable.h"
+#include "types/Text.h"
 
 #include <algorithm>
-#include <array>
 
 namespace kel {
 
@@ -37,8 +38,20 @@ TextNumber whyNot(const PortLook& look)
     }
 }
 
-/// The makers, as the models' names begin.
-constexpr std::array kMakers = {"Apperson", "Chatsworth Data", "Peripheral Dynamics Inc.", "Scantron", "Sekonic"};
+/// The heading over the models of a maker. One that is added does not compile without it.
+const char* headingOf(kelProfileType maker)
+{
+    switch (maker) {
+    case kelProfileTypeAP: return "Apperson";
+    case kelProfileTypeCT: return "Chatsworth Data";
+    case kelProfileTypePDI: return "Peripheral Dynamics Inc.";
+    case kelProfileTypeScantron: return "Scantron";
+    case kelProfileTypeSekonic: return "Sekonic";
+    case kelProfileTypeNone:
+    case kelProfileTypeAll: break;
+    }
+    return "";
+}
 
 std::string fileName(const std::string& device)
 {
@@ -76,10 +89,8 @@ void FormAids::groupModels()
 {
     PowerCombo& models = form_.cboReaderType;
     for (Int32 row = 0; row < models.RowCount(); ++row) {
-        const std::string name = models.CellText(0, row);
-        const auto maker =
-            std::find_if(kMakers.begin(), kMakers.end(), [&](const char* each) { return name.starts_with(each); });
-        models.Group(row, maker == kMakers.end() ? "" : *maker);
+        const ModelRow* const model = modelRow(static_cast<Int32>(Val(models.CellText(1, row))));
+        models.Group(row, model ? headingOf(model->maker) : "");
     }
 }
 
