@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "cli/EntryOutput.h"
 
-#include "cli/Columns.h"
+#include "formats/Columns.h"
 #include "cli/JsonLines.h"
 #include "store/SheetRows.h"
 #include "types/LineText.h"

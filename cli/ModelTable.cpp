@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "cli/ModelTable.h"
 
-#include "cli/Columns.h"
+#include "formats/Columns.h"
 #include "cli/ProfileRecord.h"
 #include "store/SheetRows.h"
 #include "types/Text.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "cli/PortList.h"
 
-#include "cli/Columns.h"
+#include "formats/Columns.h"
 #include "formats/JsonValue.h"
 #include "types/Text.h"
 

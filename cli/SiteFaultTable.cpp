@@ -1,13 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "cli/SiteFaultTable.h"
 
+#include "formats/Columns.h"
+
 #include <algorithm>
 
 namespace kel {
 
 namespace {
 
-constexpr std::size_t kFaultWidth = 28;
+constexpr std::size_t kFaultWidth = 27;
 
 std::string familiesOf(const SiteFaultEntry& entry)
 {
@@ -35,8 +37,7 @@ std::string siteFaultTable(std::optional<SimulatedFamily> family)
         std::string name(entry.name);
         if (!entry.argument.empty())
             name += "[:" + std::string(entry.argument) + "]";
-        name.resize(std::max(kFaultWidth, name.size() + 1), ' ');
-        text += name + familiesOf(entry) + "\n    " + std::string(entry.sentence) + "\n";
+        text += padded(name, kFaultWidth) + " " + familiesOf(entry) + "\n    " + std::string(entry.sentence) + "\n";
     }
     return text;
 }

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "station/StateText.h"
 
+#include "formats/Columns.h"
 #include "formats/JsonValue.h"
 #include "store/SheetStore.h"
 #include "types/Text.h"
 
-#include <algorithm>
 #include <array>
 #include <cmath>
 #include <ctime>
@@ -61,12 +61,6 @@ std::string epochSeconds(const std::string& time)
     return std::to_string(::timegm(&parts)) + milliseconds;
 }
 
-std::string padded(std::string text, std::size_t width)
-{
-    text.resize(std::max(text.size() + 1, width), ' ');
-    return text;
-}
-
 /// Null for a station that has no stream.
 Json jsonStream(const std::optional<StreamState>& stream)
 {
@@ -111,7 +105,7 @@ Json jsonState(const StationState& state)
 
 std::string stateTable(const Json& state)
 {
-    constexpr std::size_t kWidths[] = {16, 26, 10, 26, 9, 10, 10};
+    constexpr std::size_t kWidths[] = {15, 25, 9, 25, 8, 9, 9};
     std::string text = "Station " + state.at("station").get<std::string>() + ", since " +
                        state.at("since").get<std::string>() + ", store " + state.at("store").get<std::string>() + "\n";
     if (const auto problem = state.at("storeProblem").get<std::string>(); !problem.empty())
@@ -121,7 +115,7 @@ std::string stateTable(const Json& state)
     const auto row = [&](const std::array<std::string, 7>& fields) {
         std::string line;
         for (std::size_t i = 0; i < fields.size(); ++i)
-            line += padded(fields[i], kWidths[i]);
+            line += padded(fields[i], kWidths[i]) + " ";
         line.erase(line.find_last_not_of(' ') + 1);
         text += line + "\n";
     };

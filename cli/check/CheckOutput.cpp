@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "cli/check/CheckOutput.h"
 
-#include "cli/Columns.h"
+#include "formats/Columns.h"
 #include "cli/check/ReportText.h"
 #include "formats/JsonValue.h"
 

@@ -5,6 +5,7 @@
 #include "cli/RegistryValueText.h"
 #include "cli/SettingsText.h"
 #include "cli/UsageError.h"
+#include "formats/Columns.h"
 #include "formats/RegistryCopy.h"
 #include "formats/StoredValue.h"
 #include "host/Failure.h"
@@ -78,12 +79,6 @@ std::vector<RegFileEntry> valuesOf(const RegistryPath& key)
             values.push_back({key, name, false, withoutEnd(std::move(*value))});
     }
     return values;
-}
-
-std::string padded(std::string text, std::size_t width)
-{
-    text.resize(std::max(text.size(), width), ' ');
-    return text;
 }
 
 std::string valuesAsTable(const RegistryPath& key)
