@@ -6,6 +6,7 @@
 #include "reader/clsKELReader.h"
 #include "simulators/platform/SimulatedPlatform.h"
 #include "tests/platform/FakeLine.h"
+#include "tests/support/KeptReports.h"
 
 #include <gtest/gtest.h>
 
@@ -68,18 +69,6 @@ private:
     test::FakePump& pump_;
 };
 
-class CountReports final : public ErrorObject {
-public:
-    Int32 RaiseError(const ErrorReport& report) override
-    {
-        last = report.ErrorDescription;
-        ++count;
-        return 0;
-    }
-    int count = 0;
-    std::string last;
-};
-
 class EndlessSenderTest : public ::testing::TestWithParam<kelReaderType> {
 protected:
     EndlessSenderTest() : machine(simulated, *pump), scope(machine)
@@ -89,7 +78,7 @@ protected:
         reader.Side1Rows(PageArray::of(1, {60}));
         reader.Side1Cols(PageArray::of(1, {12}));
         reader.fComm(Reference<Carrier>(makeReference<FakeCarrier>(line, pump)));
-        reader.SetError(reports);
+        reader.SetError(std::make_shared<test::KeptReports>());
     }
     ~EndlessSenderTest() override { reader.SetError(nullptr); }
 
@@ -108,7 +97,6 @@ protected:
     FakeMachine machine;
     PlatformScope scope;
     clsKELReader reader;
-    std::shared_ptr<CountReports> reports = std::make_shared<CountReports>();
 };
 
 TEST_P(EndlessSenderTest, Zeros)

@@ -6,6 +6,7 @@
 #include "failure/basError.h"
 #include "failure/guarded.h"
 #include "simulators/platform/SimulatedPlatform.h"
+#include "tests/support/KeptReports.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -14,17 +15,6 @@
 
 namespace kel {
 namespace {
-
-/// Counts what it gets.
-class Counting final : public ErrorObject {
-public:
-    Int32 RaiseError(const ErrorReport& report) override
-    {
-        sources.push_back(report.ErrorSource);
-        return 0;
-    }
-    std::vector<std::string> sources;
-};
 
 void fail(const char* source)
 {
@@ -38,8 +28,8 @@ protected:
 
     SimulatedPlatform machine;
     PlatformScope scope{machine};
-    std::shared_ptr<Counting> host = std::make_shared<Counting>();
-    std::shared_ptr<Counting> own = std::make_shared<Counting>();
+    std::shared_ptr<test::KeptReports> host = std::make_shared<test::KeptReports>();
+    std::shared_ptr<test::KeptReports> own = std::make_shared<test::KeptReports>();
 };
 
 TEST_F(WithoutHostTest, ReportsGoToTheOwnObjectForItsTime)
@@ -48,18 +38,18 @@ TEST_F(WithoutHostTest, ReportsGoToTheOwnObjectForItsTime)
         const WithoutHost alone(own);
         fail("KELReader81 - basA.One");
         {
-            const auto inner = std::make_shared<Counting>();
+            const auto inner = std::make_shared<test::KeptReports>();
             const WithoutHost again(inner);
             fail("KELReader81 - basA.Two");
-            EXPECT_EQ(inner->sources.size(), 1U);
+            EXPECT_EQ(inner->reports.size(), 1U);
         }
         EXPECT_EQ(errorObject(), own);
     }
     fail("KELReader81 - basA.Three");
-    ASSERT_EQ(own->sources.size(), 1U);
-    EXPECT_THAT(own->sources[0], testing::StartsWith("basA.One"));
-    ASSERT_EQ(host->sources.size(), 1U);
-    EXPECT_THAT(host->sources[0], testing::StartsWith("basA.Three"));
+    ASSERT_EQ(own->reports.size(), 1U);
+    EXPECT_THAT(own->reports[0].ErrorSource, testing::StartsWith("basA.One"));
+    ASSERT_EQ(host->reports.size(), 1U);
+    EXPECT_THAT(host->reports[0].ErrorSource, testing::StartsWith("basA.Three"));
 }
 
 TEST_F(WithoutHostTest, OtherThreadsReportToTheHost)
@@ -69,8 +59,8 @@ TEST_F(WithoutHostTest, OtherThreadsReportToTheHost)
         const PlatformScope there(machine);
         fail("KELReader81 - basA.There");
     }).join();
-    EXPECT_THAT(own->sources, testing::IsEmpty());
-    EXPECT_EQ(host->sources.size(), 1U);
+    EXPECT_THAT(own->reports, testing::IsEmpty());
+    EXPECT_EQ(host->reports.size(), 1U);
 }
 
 TEST_F(WithoutHostTest, AFailureOfTheSecondTrapIsForTheCallerAlone)
@@ -79,8 +69,8 @@ TEST_F(WithoutHostTest, AFailureOfTheSecondTrapIsForTheCallerAlone)
     EXPECT_THROW(captured("basA.Accessor", []() -> int { throw RuntimeFailure(FailureCode::Overflow); }),
                  RuntimeFailure);
     EXPECT_THAT(machine.screen().boxes(), testing::IsEmpty());
-    EXPECT_THAT(own->sources, testing::IsEmpty());
-    EXPECT_THAT(host->sources, testing::IsEmpty());
+    EXPECT_THAT(own->reports, testing::IsEmpty());
+    EXPECT_THAT(host->reports, testing::IsEmpty());
 }
 
 } // namespace

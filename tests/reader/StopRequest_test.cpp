@@ -5,6 +5,7 @@
 #include "platform/posix/PosixPlatform.h"
 #include "reader/clsKELReader.h"
 #include "tests/platform/posix/PosixTest.h"
+#include "tests/support/KeptReports.h"
 
 #include <atomic>
 #include <csignal>
@@ -21,14 +22,9 @@ protected:
         reader.LoadDefaults(kelReaderTypeAppersonAdvantageLink);
         reader.Port(1);
         reader.Timeout(600);
-        reader.SetError(std::make_shared<Silent>());
+        reader.SetError(std::make_shared<test::KeptReports>());
     }
     ~StopRequestTest() override { reader.SetError(nullptr); }
-
-    /// Nobody sees the reports.
-    class Silent final : public ErrorObject {
-        Int32 RaiseError(const ErrorReport&) override { return 0; }
-    };
 
     /// The host has sent its first command, and is waiting or about to.
     void awaitCommand()
