@@ -1,21 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "recording/TranscriptPlayer.h"
 
-#include "recording/TraceLog.h"
 #include "recording/TranscriptPlace.h"
-#include "types/Text.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace kel {
 
 namespace {
-
-Moment duration(double milliseconds)
-{
-    return Moment(static_cast<Moment::rep>(std::llround(milliseconds * 1e6)));
-}
 
 /// Bytes for a sentence, which names the first of them only.
 std::string shown(std::string_view bytes)
@@ -32,21 +24,7 @@ std::string shown(const TranscriptLine& line)
 
 } // namespace
 
-TranscriptPlayer::TranscriptPlayer(Transcript transcript)
-    : transcript_(std::move(transcript)), recorded_(transcript_.value("times") == "recorded")
-{
-    Moment least{};
-    for (const TranscriptLine& line : transcript_.lines) {
-        if (line.kind == TranscriptLine::Kind::Pause) {
-            const bool early = recorded_ && line.note.starts_with(kNotBefore);
-            least = lastPause_ + duration(early ? Val(line.note.substr(kNotBefore.size())) : line.milliseconds);
-            lastPause_ += duration(line.milliseconds);
-        } else if (line.kind != TranscriptLine::Kind::Call) {
-            steps_.push_back({line, lastPause_, least});
-            lastPause_ = least = {};
-        }
-    }
-}
+TranscriptPlayer::TranscriptPlayer(Transcript transcript) : transcript_(std::move(transcript)), script_(transcript_) {}
 
 void TranscriptPlayer::opened()
 {
@@ -60,13 +38,13 @@ void TranscriptPlayer::opened()
 void TranscriptPlayer::beginStep(Moment when)
 {
     sent_ = 0;
-    due_ = when + (position_ < steps_.size() ? steps_[position_].pause : lastPause_);
-    earliest_ = when + (position_ < steps_.size() ? steps_[position_].least : lastPause_);
+    due_ = when + (position_ < script_.steps.size() ? script_.steps[position_].pause : script_.lastPause);
+    earliest_ = when + (position_ < script_.steps.size() ? script_.steps[position_].least : script_.lastPause);
 }
 
 bool TranscriptPlayer::atHost() const
 {
-    return position_ == steps_.size() || steps_[position_].line.kind == TranscriptLine::Kind::ToReader;
+    return position_ == script_.steps.size() || script_.steps[position_].line.kind == TranscriptLine::Kind::ToReader;
 }
 
 std::optional<Moment> TranscriptPlayer::nextOfReader() const
@@ -78,7 +56,7 @@ std::optional<Moment> TranscriptPlayer::nextOfReader() const
 
 std::optional<Moment> TranscriptPlayer::nextOfHost() const
 {
-    if (!recorded_ || !plays() || unseen_ || !atHost())
+    if (!script_.recorded || !plays() || unseen_ || !atHost())
         return std::nullopt;
     return due_;
 }
@@ -86,14 +64,14 @@ std::optional<Moment> TranscriptPlayer::nextOfHost() const
 /// The reader's line that is next happens, due or not.
 void TranscriptPlayer::playStep()
 {
-    const TranscriptLine& line = steps_[position_].line;
+    const TranscriptLine& line = script_.steps[position_].line;
     if (line.kind == TranscriptLine::Kind::Unplug) {
         hungUp_ = true;
         hangUpText_ = line.note;
     } else {
         received_ += line.bytes;
         arrivals_ += line.bytes.size();
-        unseen_ = recorded_;
+        unseen_ = script_.recorded;
     }
     ++position_;
     beginStep(std::min(due_, now_));
@@ -121,9 +99,10 @@ bool TranscriptPlayer::send(std::string_view bytes)
     if (hungUp_)
         return false;
     for (std::size_t i = 0; i < bytes.size() && differences_.empty(); ++i) {
-        if (position_ == steps_.size()) {
+        if (position_ == script_.steps.size()) {
             differ("The host sent " + shown(bytes.substr(i)) + " after the end of the transcript.");
-        } else if (const TranscriptLine& line = steps_[position_].line; line.kind != TranscriptLine::Kind::ToReader) {
+        } else if (const TranscriptLine& line = script_.steps[position_].line;
+                   line.kind != TranscriptLine::Kind::ToReader) {
             differ(placeOf(line) + ": the host sent " + shown(bytes.substr(i)) + " where \"" + shown(line) +
                    "\" comes from the reader first.");
         } else if (line.bytes[sent_] != bytes[i]) {
@@ -177,9 +156,9 @@ void TranscriptPlayer::differ(const std::string& sentence)
 
 std::string TranscriptPlayer::unsent() const
 {
-    for (std::size_t i = position_; i < steps_.size(); ++i) {
-        if (steps_[i].line.kind == TranscriptLine::Kind::ToReader)
-            return placeOf(steps_[i].line) + ": " + shown(steps_[i].line);
+    for (std::size_t i = position_; i < script_.steps.size(); ++i) {
+        if (script_.steps[i].line.kind == TranscriptLine::Kind::ToReader)
+            return placeOf(script_.steps[i].line) + ": " + shown(script_.steps[i].line);
     }
     return {};
 }

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "platform/MessagePump.h"
-#include "recording/Transcript.h"
+#include "recording/TranscriptSteps.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -66,13 +66,6 @@ public:
     [[nodiscard]] std::string unsent() const;
 
 private:
-    /// A line with the pause in front of it.
-    struct Step {
-        TranscriptLine line;
-        Moment pause{};
-        Moment least{}; ///< of the pause, what a look without the line has passed of it
-    };
-
     [[nodiscard]] bool plays() const { return open_ && !hungUp_ && differences_.empty(); }
     [[nodiscard]] bool atHost() const;
     void settle();
@@ -80,9 +73,7 @@ private:
     void beginStep(Moment when);
 
     Transcript transcript_;
-    std::vector<Step> steps_;
-    Moment lastPause_{};
-    bool recorded_ = false;
+    TranscriptSteps script_;
     Moment now_{};
     std::size_t position_ = 0;
     std::size_t sent_ = 0; // bytes of the host's line under way

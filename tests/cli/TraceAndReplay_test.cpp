@@ -4,10 +4,10 @@
 #include "host/TraceHead.h"
 #include "recording/ReplayPlatform.h"
 #include "recording/TracingCarrier.h"
-#include "recording/TranscriptDevice.h"
 #include "simulators/platform/SimulatedPlatform.h"
 #include "tests/cli/CommandRun.h"
 #include "tests/support/BuiltFiles.h"
+#include "tests/support/TranscriptDevice.h"
 
 #include <gmock/gmock.h>
 

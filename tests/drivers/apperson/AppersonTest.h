@@ -6,8 +6,8 @@
 #include "drivers/apperson/basApperson.h"
 #include "failure/basError.h"
 #include "reader/ReaderSession.h"
-#include "recording/TranscriptDevice.h"
 #include "simulators/platform/SimulatedPlatform.h"
+#include "tests/support/TranscriptDevice.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -103,7 +103,7 @@ protected:
         setErrorObject(host);
         session = std::make_unique<ReaderSession>();
         session->events().add(host);
-        device = std::make_unique<TranscriptDevice>(parseTranscript(dialogue));
+        device = std::make_unique<test::TranscriptDevice>(parseTranscript(dialogue));
         machine.attach(1, *device);
         session->ReaderType(eReaderType);
         session->SleepTime(kPause);
@@ -159,7 +159,7 @@ protected:
     SimulatedPlatform machine;
     PlatformScope scope;
     std::shared_ptr<KeepingHost> host;
-    std::unique_ptr<TranscriptDevice> device;
+    std::unique_ptr<test::TranscriptDevice> device;
     std::unique_ptr<ReaderSession> session;
     Moment beganAt{};
     std::size_t pausesBefore = 0;

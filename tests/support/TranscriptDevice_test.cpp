@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
-#include "recording/TranscriptDevice.h"
 #include "tests/simulators/DeviceBench.h"
+#include "tests/support/TranscriptDevice.h"
 
 #include <gtest/gtest.h>
 
-namespace kel {
+namespace kel::test {
 namespace {
 
 using namespace std::chrono_literals;
@@ -121,4 +121,4 @@ TEST(TranscriptDevice, DemandsTheLineOfItsHead)
 }
 
 } // namespace
-} // namespace kel
+} // namespace kel::test

@@ -1,19 +1,11 @@
 // SPDX-License-Identifier: MIT
-#include "recording/TranscriptDevice.h"
+#include "tests/support/TranscriptDevice.h"
 
 #include "platform/LineSettings.h"
 
-#include <algorithm>
-#include <cmath>
-
-namespace kel {
+namespace kel::test {
 
 namespace {
-
-Moment milliseconds(double count)
-{
-    return Moment(static_cast<Moment::rep>(std::llround(count * 1e6)));
-}
 
 std::string whichLine(const TranscriptLine& line)
 {
@@ -22,17 +14,8 @@ std::string whichLine(const TranscriptLine& line)
 
 } // namespace
 
-TranscriptDevice::TranscriptDevice(Transcript transcript)
+TranscriptDevice::TranscriptDevice(const Transcript& transcript) : steps_(TranscriptSteps(transcript).steps)
 {
-    Moment pause{};
-    for (TranscriptLine& line : transcript.lines) {
-        if (line.kind == TranscriptLine::Kind::Pause) {
-            pause += milliseconds(line.milliseconds);
-        } else {
-            steps_.push_back({std::move(line), pause});
-            pause = {};
-        }
-    }
     if (const std::optional<std::string> line = transcript.value("line"))
         demandedLine_ = lineSettingsText(parseLineSettings(*line));
 }
@@ -123,4 +106,4 @@ std::string TranscriptDevice::next() const
     return whichLine(steps_[position_].line) + ": " + writeTranscriptLine(steps_[position_].line);
 }
 
-} // namespace kel
+} // namespace kel::test

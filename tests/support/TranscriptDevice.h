@@ -2,19 +2,19 @@
 #pragma once
 
 #include "platform/LineDevice.h"
-#include "recording/Transcript.h"
+#include "recording/TranscriptSteps.h"
 
 #include <string>
 #include <vector>
 
-namespace kel {
+namespace kel::test {
 
 /// Plays the reader's end of a transcript. The host must send exactly the bytes that stand in it, in their order;
 /// the reader's bytes come at the times told, counted from when the line above was done. The first difference is an
 /// error with both sides, and nothing more comes after it.
 class TranscriptDevice final : public LineDevice {
 public:
-    explicit TranscriptDevice(Transcript transcript);
+    explicit TranscriptDevice(const Transcript& transcript);
 
     void lineOpened(Moment now, const LineParameters& line) override;
     void lineClosed(Moment now) override;
@@ -31,16 +31,10 @@ public:
     [[nodiscard]] std::string next() const;
 
 private:
-    /// A line with the pause in front of it.
-    struct Step {
-        TranscriptLine line;
-        Moment pause{};
-    };
-
     void beginStep(Moment when);
     void differ(Byte byte);
 
-    std::vector<Step> steps_;
+    std::vector<TranscriptStep> steps_;
     std::string demandedLine_;
     std::size_t position_ = 0; // the step under way
     std::size_t done_ = 0;     // bytes of it that are through
@@ -51,4 +45,4 @@ private:
     std::vector<std::string> errors_;
 };
 
-} // namespace kel
+} // namespace kel::test
