@@ -72,8 +72,9 @@ Json jsonStream(const std::optional<StreamState>& stream)
 std::string streamLine(const Json& stream)
 {
     const auto problem = stream.at("problem").get<std::string>();
+    const auto unsent = stream.at("unsent").get<std::int64_t>();
     return std::string("Stream: ") + (stream.at("up").get<bool>() ? "up" : "down") + ", " +
-           std::to_string(stream.at("unsent").get<std::int64_t>()) + " not sent yet" +
+           (unsent < 0 ? "unknown how many" : std::to_string(unsent)) + " not sent yet" +
            (problem.empty() ? "" : "\n    " + problem) + "\n";
 }
 
@@ -170,8 +171,9 @@ std::string stateMetrics(const Json& state)
     if (const Json& stream = state.at("stream"); !stream.is_null()) {
         gauge("kelreader_stream_up", "1 while the stream accepts sheets.")
             .value(station, stream.at("up").get<bool>() ? 1 : 0);
-        gauge("kelreader_stream_unsent", "Sheets and reports of the store that the stream does not have.")
-            .value(station, stream.at("unsent").get<std::int64_t>());
+        if (const auto unsent = stream.at("unsent").get<std::int64_t>(); unsent >= 0)
+            gauge("kelreader_stream_unsent", "Sheets and reports of the store that the stream does not have.")
+                .value(station, unsent);
     }
     gauge("kelreader_store_size_bytes", "Size of the store on the disk.")
         .value(station, state.at("storeBytes").get<std::int64_t>());

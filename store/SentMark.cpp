@@ -32,7 +32,7 @@ SentMark::SentMark(std::filesystem::path store) : store_(std::move(store)), data
 
 void SentMark::want(bool wanted)
 {
-    change("UPDATE store SET sends = ?", wanted ? 1 : 0);
+    change("UPDATE store SET sends = ?1 WHERE sends <> ?1", wanted ? 1 : 0);
 }
 
 std::int64_t SentMark::last()
@@ -81,7 +81,13 @@ std::string SentMark::reason()
 
 std::int64_t SentMark::unsent()
 {
-    return number("SELECT last - sent + (SELECT count(*) FROM held) FROM store");
+    // What was forgotten is older than what is there.
+    return number(R"(
+        SELECT last + 1 - min((SELECT ifnull(min(id), last + 1) FROM sheet WHERE id > sent),
+                              (SELECT ifnull(min(id), last + 1) FROM failure WHERE id > sent)) +
+               (SELECT count(*) FROM held
+                WHERE id <= sent AND (id IN (SELECT id FROM sheet) OR id IN (SELECT id FROM failure)))
+        FROM store)");
 }
 
 std::int64_t SentMark::number(const char* query)

@@ -20,6 +20,10 @@ constexpr int kReadPatience = 30'000;
 // No transaction of a reader lasts longer than these take: a writer's log would grow meanwhile.
 constexpr int kAtOnce = 500;
 
+// What is removed at once, sheets and then pages: far less than a writer waits for.
+constexpr int kForgottenAtOnce = 100;
+constexpr int kPagesAtOnce = 500;
+
 constexpr const char* kFind = R"(
     SELECT sheet.id, 0 FROM sheet JOIN batch ON batch.id = sheet.batch
     WHERE sheet.id > ?1 AND (?2 = '' OR reader = ?2) AND (?3 = '' OR name = ?3) AND time >= ?4
@@ -88,7 +92,11 @@ std::optional<std::time_t> pointOf(const std::string& text, const char* format, 
     const char* const end = ::strptime(text.c_str(), format, &parts);
     if (!end || *end != '\0')
         return std::nullopt;
-    return utc ? ::timegm(&parts) : std::mktime(&parts);
+    const int day = parts.tm_mday;
+    const std::time_t point = utc ? ::timegm(&parts) : std::mktime(&parts);
+    if (parts.tm_mday != day) // the month has fewer
+        return std::nullopt;
+    return point;
 }
 
 } // namespace
@@ -131,21 +139,32 @@ SqliteStatement StoredSheets::statement(const char* text)
     return opened(file_, [&] { return SqliteStatement(database_, text); });
 }
 
-std::int64_t StoredSheets::read(const StoreFilter& filter, std::int64_t after, const Take& take)
+std::int64_t StoredSheets::read(const StoreFilter& filter, std::int64_t after, const Take& take, const Damaged& damaged)
 {
-    return walk(filter, after, [&](EntryTexts texts) { return take(entry(std::move(texts))); });
-}
-
-std::int64_t StoredSheets::readTexts(std::int64_t after, const TakeTexts& take)
-{
-    return walk({}, after, [&](const EntryTexts& texts) {
-        sound(texts.id, [&] { demandJson(texts); });
-        return take(texts);
+    return walk(filter, after, [&](std::int64_t id, bool isFailure) {
+        std::optional<Entry> entry;
+        const bool isGood = isWhole(id, damaged, [&] {
+            if (auto texts = textsAt(id, isFailure))
+                entry = entryOf(std::move(*texts));
+        });
+        return !isGood || !entry || take(*entry);
     });
 }
 
-std::int64_t StoredSheets::walk(const StoreFilter& filter, std::int64_t after,
-                                const std::function<bool(EntryTexts texts)>& take)
+std::int64_t StoredSheets::readTexts(std::int64_t after, const TakeTexts& take, const Damaged& damaged)
+{
+    return walk({}, after, [&](std::int64_t id, bool isFailure) {
+        std::optional<EntryTexts> texts;
+        const bool isGood = isWhole(id, damaged, [&] {
+            texts = textsAt(id, isFailure);
+            if (texts)
+                demandJson(*texts);
+        });
+        return !isGood || !texts || take(*texts);
+    });
+}
+
+std::int64_t StoredSheets::walk(const StoreFilter& filter, std::int64_t after, const Visit& visit)
 {
     onStore(file_, [&] {
         std::vector<std::pair<std::int64_t, bool>> found;
@@ -160,9 +179,7 @@ std::int64_t StoredSheets::walk(const StoreFilter& filter, std::int64_t after,
             }
             for (const auto& [id, isFailure] : found) {
                 after = id;
-                // Somebody may have had it forgotten just now.
-                std::optional<EntryTexts> texts = isFailure ? failureTexts(id) : sheetTexts(id);
-                if (texts && !take(std::move(*texts)))
+                if (!visit(id, isFailure))
                     return;
             }
         } while (found.size() == kAtOnce);
@@ -192,7 +209,8 @@ FoundSheets StoredSheets::find(const SheetSearch& search, std::int64_t before, s
             }
             before = from;
             for (const std::int64_t id : ids) {
-                if (std::optional<Entry> entry = sheetOf(id))
+                // Whoever reads the store from end to end learns of a damaged one.
+                if (std::optional<Entry> entry = sheetOf(id, [](std::int64_t, const std::string&) {}))
                     found.sheets.push_back(std::move(*entry));
                 if (found.sheets.size() == most)
                     before = id;
@@ -206,7 +224,7 @@ FoundSheets StoredSheets::find(const SheetSearch& search, std::int64_t before, s
 std::optional<Entry> StoredSheets::sheet(std::int64_t id)
 {
     std::optional<Entry> entry;
-    onStore(file_, [&] { entry = sheetOf(id); });
+    onStore(file_, [&] { entry = sheetOf(id, {}); });
     return entry;
 }
 
@@ -242,28 +260,42 @@ std::int64_t StoredSheets::numberOf(const char* query)
     return row.next() ? row.numberAt(0) : 0;
 }
 
-std::optional<Entry> StoredSheets::sheetOf(std::int64_t id)
+std::optional<Entry> StoredSheets::sheetOf(std::int64_t id, const Damaged& damaged)
 {
-    std::optional<EntryTexts> texts = sheetTexts(id);
-    return texts ? std::optional(entry(std::move(*texts))) : std::nullopt;
-}
-
-Entry StoredSheets::entry(EntryTexts texts) const
-{
-    Entry entry;
-    sound(texts.id, [&] { entry = entryOf(std::move(texts)); });
+    std::optional<Entry> entry;
+    static_cast<void>(isWhole(id, damaged, [&] {
+        if (auto texts = sheetTexts(id))
+            entry = entryOf(std::move(*texts));
+    }));
     return entry;
 }
 
-/// Runs work on what a row holds, and makes a StoreProblem of what is not as it was written.
-void StoredSheets::sound(std::int64_t id, const std::function<void()>& work) const
+/// Reads a row, and sees whether it is as it was written.
+bool StoredSheets::isWhole(std::int64_t id, const Damaged& damaged, const std::function<void()>& read) const
 {
+    std::string reason;
     try {
-        work();
+        read();
+        return true;
     } catch (const JsonRefusal& refusal) {
-        throw StoreProblem("The store " + file_.string() + " is damaged at sheet " + std::to_string(id) + ": " +
-                           validUtf8(refusal.what()) + ".");
+        reason = validUtf8(refusal.what());
+    } catch (const SqliteFailure& failure) {
+        if (!failure.isDamage())
+            throw;
+        reason = failure.what();
     }
+    const std::string sentence =
+        "The store " + file_.string() + " is damaged at sheet " + std::to_string(id) + ": " + reason + ".";
+    if (!damaged)
+        throw StoreProblem(sentence);
+    damaged(id, sentence);
+    return false;
+}
+
+/// Nothing if somebody has just had it forgotten.
+std::optional<EntryTexts> StoredSheets::textsAt(std::int64_t id, bool isFailure)
+{
+    return isFailure ? failureTexts(id) : sheetTexts(id);
 }
 
 std::optional<EntryTexts> StoredSheets::sheetTexts(std::int64_t id)
@@ -306,35 +338,56 @@ std::optional<EntryTexts> StoredSheets::failureTexts(std::int64_t id)
     return entry;
 }
 
-StoredSheets::Forgotten StoredSheets::forget(const std::string& before, Forget which)
+StoredSheets::Forgotten StoredSheets::forget(const std::string& before, Forget which, const Pause& pause)
 {
     Forgotten forgotten;
     onStore(file_, [&] {
-        for (const std::string table : {"sheet", "failure"}) {
-            // The mark may move meanwhile.
-            const std::string old = " FROM " + table + " WHERE time < ?1";
-            const std::string sent = old + " AND (?2 OR NOT (SELECT sends FROM store) OR " +
-                                     "(id <= (SELECT sent FROM store) AND id NOT IN (SELECT id FROM held)))";
-            const std::string removal =
-                "DELETE FROM " + table + " WHERE id IN (SELECT id" + sent + " LIMIT " + std::to_string(kAtOnce) + ")";
-            SqliteStatement statement(database_, removal.c_str());
-            int gone = 0;
-            do {
-                SqliteTransaction transaction(database_);
-                SqliteStatement::Run(statement).text(before).number(which == Forget::All).next();
-                gone = database_.changes();
-                transaction.commit();
-                if (table == "sheet")
-                    forgotten.sheets += gone;
-            } while (gone > 0);
-            SqliteStatement rest(database_, ("SELECT count(*)" + old).c_str());
-            SqliteStatement::Run row(rest);
-            row.text(before).next();
-            forgotten.kept += row.numberAt(0);
-        }
-        database_.run("PRAGMA incremental_vacuum; PRAGMA wal_checkpoint(TRUNCATE)");
+        for (const char* table : {"sheet", "failure"})
+            forgetIn(table, before, which, pause, forgotten);
+        giveBackPages(pause);
     });
     return forgotten;
+}
+
+void StoredSheets::forgetIn(const std::string& table, const std::string& before, Forget which, const Pause& pause,
+                            Forgotten& forgotten)
+{
+    // The mark may move meanwhile.
+    const std::string old = " FROM " + table + " WHERE time < ?1";
+    const std::string sent = old + " AND (?2 OR NOT (SELECT sends FROM store) OR " +
+                             "(id <= (SELECT sent FROM store) AND id NOT IN (SELECT id FROM held)))";
+    SqliteStatement removal(database_, ("DELETE FROM " + table + " WHERE id IN (SELECT id" + sent + " LIMIT " +
+                                        std::to_string(kForgottenAtOnce) + ")")
+                                           .c_str());
+    int gone = 0;
+    do {
+        const auto begin = std::chrono::steady_clock::now();
+        SqliteTransaction transaction(database_);
+        SqliteStatement::Run(removal).text(before).number(which == Forget::All).next();
+        gone = database_.changes();
+        transaction.commit();
+        if (table == "sheet")
+            forgotten.sheets += gone;
+        pause(std::chrono::steady_clock::now() - begin);
+    } while (gone == kForgottenAtOnce);
+    SqliteStatement rest(database_, ("SELECT count(*)" + old).c_str());
+    SqliteStatement::Run row(rest);
+    row.text(before).next();
+    forgotten.kept += row.numberAt(0);
+}
+
+/// Makes the file smaller.
+void StoredSheets::giveBackPages(const Pause& pause)
+{
+    std::int64_t free = numberOf("PRAGMA freelist_count");
+    for (std::int64_t before = free + 1; free > 0 && free < before; free = numberOf("PRAGMA freelist_count")) {
+        before = free;
+        const auto begin = std::chrono::steady_clock::now();
+        database_.run(("PRAGMA incremental_vacuum(" + std::to_string(kPagesAtOnce) + ")").c_str());
+        pause(std::chrono::steady_clock::now() - begin);
+    }
+    // The first holds nobody up, and leaves little to the second.
+    database_.run("PRAGMA wal_checkpoint(PASSIVE); PRAGMA wal_checkpoint(TRUNCATE)");
 }
 
 } // namespace kel

@@ -5,11 +5,13 @@
 #include "store/Entry.h"
 #include "store/EntryTexts.h"
 
+#include <chrono>
 #include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <optional>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace kel {
@@ -52,14 +54,17 @@ public:
     explicit StoredSheets(const std::filesystem::path& file);
 
     using Take = std::function<bool(const Entry& entry)>;
+    /// Learns of a row that is not as it was written, and what is wrong with it: a sentence.
+    using Damaged = std::function<void(std::int64_t id, const std::string& sentence)>;
 
-    /// Passes on the entries after an id, in their order, until `take` returns false. Returns the id of the last.
-    std::int64_t read(const StoreFilter& filter, std::int64_t after, const Take& take);
+    /// Hands out the entries after an id, in their order, until `take` answers false. The id of the last. A damaged row
+    /// is left out if somebody is to learn of it, and a StoreProblem if nobody is.
+    std::int64_t read(const StoreFilter& filter, std::int64_t after, const Take& take, const Damaged& damaged = {});
 
     using TakeTexts = std::function<bool(const EntryTexts& entry)>;
 
-    /// The same for all entries as they are in the file, to pass them on unchanged. JSON in them is valid.
-    std::int64_t readTexts(std::int64_t after, const TakeTexts& take);
+    /// The same for all entries as they are written, for whoever passes them on. What is JSON is sound.
+    std::int64_t readTexts(std::int64_t after, const TakeTexts& take, const Damaged& damaged = {});
 
     /// Searches sheets with ids below `before`, or the newest of all if it is 0: at most this many, and no longer than
     /// a person waits for a page.
@@ -70,6 +75,9 @@ public:
 
     /// The last id that was assigned, to a sheet or a report.
     [[nodiscard]] std::int64_t lastId();
+
+    /// Whether the file is gone from its place, or another one has taken it.
+    [[nodiscard]] bool hasMoved() const noexcept { return database_.hasMoved(); }
 
     /// The batches with sheets that began last, newest first.
     [[nodiscard]] std::vector<StoredBatch> batches(std::size_t most);
@@ -86,17 +94,25 @@ public:
         All,
     };
 
-    /// Removes what is older than a time, a little at a time so that a writer does not wait.
-    Forgotten forget(const std::string& before, Forget which);
+    /// Lets others write for as long as they had to wait.
+    using Pause = std::function<void(std::chrono::nanoseconds waited)>;
+
+    /// Removes what is older than a time, a little at a time: between two portions others write.
+    Forgotten forget(const std::string& before, Forget which, const Pause& pause = &sleepFor);
 
 private:
+    static void sleepFor(std::chrono::nanoseconds time) { std::this_thread::sleep_for(time); }
+    void forgetIn(const std::string& table, const std::string& before, Forget which, const Pause& pause,
+                  Forgotten& forgotten);
+    void giveBackPages(const Pause& pause);
     [[nodiscard]] SqliteStatement statement(const char* text);
-    std::int64_t walk(const StoreFilter& filter, std::int64_t after, const std::function<bool(EntryTexts)>& take);
-    [[nodiscard]] std::optional<Entry> sheetOf(std::int64_t id);
+    using Visit = std::function<bool(std::int64_t id, bool isFailure)>;
+    std::int64_t walk(const StoreFilter& filter, std::int64_t after, const Visit& visit);
+    [[nodiscard]] std::optional<Entry> sheetOf(std::int64_t id, const Damaged& damaged);
+    [[nodiscard]] std::optional<EntryTexts> textsAt(std::int64_t id, bool isFailure);
     [[nodiscard]] std::optional<EntryTexts> sheetTexts(std::int64_t id);
     [[nodiscard]] std::optional<EntryTexts> failureTexts(std::int64_t id);
-    [[nodiscard]] Entry entry(EntryTexts texts) const;
-    void sound(std::int64_t id, const std::function<void()>& work) const;
+    [[nodiscard]] bool isWhole(std::int64_t id, const Damaged& damaged, const std::function<void()>& read) const;
     [[nodiscard]] std::int64_t numberOf(const char* query);
 
     std::filesystem::path file_;

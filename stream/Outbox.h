@@ -29,7 +29,10 @@ public:
     /// Adds one that was left out before; the others do not wait for it.
     void addAgain(std::int64_t id, std::string line, StreamMessage message);
 
-    /// The id of the last one that was added.
+    /// Leaves the next message of the store out.
+    void pass(std::int64_t id) { loaded_ = id; }
+
+    /// The id of the last one that was added or left out.
     [[nodiscard]] std::int64_t loaded() const noexcept { return loaded_; }
 
     [[nodiscard]] std::size_t size() const noexcept { return size_; }

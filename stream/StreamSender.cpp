@@ -46,11 +46,14 @@ std::string nameOf(const EntryTexts& entry)
 /// What is sent on one connection, and what the stream says to it.
 class StreamSender::Sending {
 public:
-    Sending(const std::filesystem::path& store, const StreamAddress& address, StreamOpener& opener,
+    Sending(const std::filesystem::path& store, const StreamAddress& address, const Opener& opener,
             const StreamNews::Tell& tell)
         : address_(address), tell_(tell), sheets_(store), mark_(store), watch_(store), outbox_(mark_.last()),
-          marked_(outbox_.last()), stream_(opener.publisher(address))
+          marked_(outbox_.last())
     {
+        // It may be a new one, and the stream may be far away for long.
+        mark_.want(true);
+        stream_ = opener().publisher(address);
         tryHeldAgain();
     }
 
@@ -59,14 +62,22 @@ public:
 
     void load()
     {
+        if (Clock::now() - triedAgain_ > kBetweenAttempts)
+            tryHeldAgain();
         if (outbox_.size() >= kMostLoaded / 2)
             return;
         for (; !again_.empty() && outbox_.size() < kMostLoaded; again_.pop_front())
             loadAgain(again_.front());
-        sheets_.readTexts(outbox_.loaded(), [&](const EntryTexts& entry) {
-            outbox_.add(entry.id, lineOf(entry.origin), messageOf(entry, address_.subject));
-            return outbox_.size() < kMostLoaded;
-        });
+        sheets_.readTexts(
+            outbox_.loaded(),
+            [&](const EntryTexts& entry) {
+                outbox_.add(entry.id, lineOf(entry.origin), messageOf(entry, address_.subject));
+                return outbox_.size() < kMostLoaded;
+            },
+            [&](std::int64_t id, const std::string& sentence) {
+                outbox_.pass(id);
+                hold(id, sentence, "");
+            });
     }
 
     void send()
@@ -84,8 +95,9 @@ public:
     {
         const std::optional<StreamAnswer> answer = stream_->answer(kSenderTurn);
         if (answer) {
+            tried_.erase(answer->ticket);
             if (!answer->refusal.empty())
-                hold(answer->ticket, answer->refusal);
+                refused(answer->ticket, answer->refusal);
             else if (held_.erase(answer->ticket) > 0)
                 mark_.release(answer->ticket);
             outbox_.acknowledge(answer->ticket);
@@ -102,8 +114,6 @@ public:
         moveMark();
         stream_->check();
         static_cast<void>(watch_.wait(stop));
-        if (Clock::now() - triedAgain_ > kBetweenAttempts)
-            tryHeldAgain();
     }
 
     void moveMark()
@@ -127,7 +137,10 @@ private:
 
     void loadAgain(std::int64_t id)
     {
+        if (tried_.contains(id))
+            return;
         const bool isThere = with(id, [&](const EntryTexts& entry) {
+            tried_.insert(id);
             outbox_.addAgain(id, lineOf(entry.origin), messageOf(entry, address_.subject));
         });
         if (isThere)
@@ -136,29 +149,35 @@ private:
         mark_.release(id);
     }
 
-    /// The store keeps what the stream does not accept. That is reported once for each reader.
-    void hold(std::int64_t id, const std::string& refusal)
+    void refused(std::int64_t id, const std::string& refusal)
     {
-        if (!held_.insert(id).second)
-            return;
         with(id, [&](const EntryTexts& entry) {
-            const std::string sentence = nameOf(entry) + " does not go into the stream: " + refusal + ".";
-            mark_.hold(id, sentence);
-            if (told_.insert(lineOf(entry.origin)).second)
-                tell_(sentence + " The store keeps it, and the others are sent.");
+            hold(id, nameOf(entry) + " does not go into the stream: " + refusal + ".", lineOf(entry.origin));
         });
     }
 
-    /// Whether the store has an entry; if so, something is done with it.
+    /// The store keeps what does not go into the stream. It is told once for each reader.
+    void hold(std::int64_t id, const std::string& sentence, const std::string& line)
+    {
+        if (!held_.insert(id).second)
+            return;
+        mark_.hold(id, sentence);
+        if (told_.insert(line).second)
+            tell_(sentence + " The store keeps it, and the others are sent.");
+    }
+
+    /// Whether the store has an entry; if it can be read, something is done with it.
     bool with(std::int64_t id, const std::function<void(const EntryTexts& entry)>& work)
     {
         bool isThere = false;
-        sheets_.readTexts(id - 1, [&](const EntryTexts& entry) {
-            isThere = entry.id == id;
-            if (isThere)
+        const auto take = [&](const EntryTexts& entry) {
+            isThere = isThere || entry.id == id;
+            if (entry.id == id)
                 work(entry);
             return false;
-        });
+        };
+        sheets_.readTexts(id - 1, take,
+                          [&](std::int64_t damaged, const std::string&) { isThere = isThere || damaged == id; });
         return isThere;
     }
 
@@ -169,8 +188,9 @@ private:
     StoreWatch watch_;
     Outbox outbox_;
     std::int64_t marked_;
-    std::set<std::int64_t> held_;    ///< what the stream has not taken
+    std::set<std::int64_t> held_;    ///< what is not in the stream and does not go into it
     std::deque<std::int64_t> again_; ///< what of it is to be tried again now
+    std::set<std::int64_t> tried_;   ///< what of it is being tried
     Clock::time_point triedAgain_{};
     std::set<std::string> told_; ///< readers with something that it does not take
     std::unique_ptr<StreamPublisher> stream_;
@@ -238,7 +258,11 @@ void StreamSender::run()
 /// when it has taken something, or when there is nothing to take.
 void StreamSender::sendOnce()
 {
-    Sending sending(store_, address_, opener_(), tell_);
+    if (!std::filesystem::exists(store_)) {
+        pauses_.reset(); // the next sheet makes a new one
+        return;
+    }
+    Sending sending(store_, address_, opener_, tell_);
     try {
         while (!stopping() && !sending.hasMoved()) {
             sending.load();

@@ -30,7 +30,7 @@ public:
     using Opener = std::function<StreamOpener&()>;
 
     /// Begins at once. The store exists. `tell` may be called in any thread. What `opener` throws is a stream that
-    /// cannot be reached.
+    /// cannot be reached. What does not go into the stream is tried again on each new connection, and now and then.
     StreamSender(std::filesystem::path store, StreamAddress address, Pauses pauses, StreamNews::Tell tell,
                  Opener opener = &streamOpener);
     ~StreamSender();

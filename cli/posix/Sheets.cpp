@@ -80,6 +80,14 @@ private:
     std::unique_ptr<EntryPictures> pictures_;
 };
 
+/// Whether there is a store; a file without contents is about to become one.
+bool isMade(const std::string& store)
+{
+    std::error_code error;
+    const std::uintmax_t size = std::filesystem::file_size(store, error);
+    return !error && size > 0;
+}
+
 int show(const SheetsArguments& arguments)
 {
     if (!arguments.before.empty())
@@ -88,24 +96,44 @@ int show(const SheetsArguments& arguments)
                              .batch = arguments.batch,
                              .since = timeNamed("--since", arguments.since),
                              .failures = arguments.format == "json"};
-    StoredSheets store(arguments.storeFile);
+    std::optional<StoredSheets> store(arguments.storeFile);
     StoreOutput output(arguments);
     EventCall interrupted;
     const InterruptWatch interrupt([&] { interrupted.call(); });
-    std::int64_t last = 0;
-    const auto take = [&](const Entry& entry) {
-        output.entry(entry);
-        return !InterruptNote::came();
+    int damaged = 0;
+    const auto read = [&](std::int64_t after) {
+        const auto take = [&](const Entry& entry) {
+            output.entry(entry);
+            return !InterruptNote::came();
+        };
+        return store->read(filter, after, take, [&](std::int64_t, const std::string& sentence) {
+            notice(sentence);
+            ++damaged;
+        });
     };
     if (!arguments.follow) {
-        store.read(filter, last, take);
+        read(0);
     } else {
         const StoreWatch watch(arguments.storeFile);
-        do
-            last = store.read(filter, last, take);
-        while (!InterruptNote::came() && watch.wait(interrupted.handle()));
+        std::int64_t last = 0;
+        do {
+            const bool isLeft = store && store->hasMoved(); // and what it holds is read to the end
+            if (store)
+                last = read(last);
+            if (isLeft)
+                store.reset();
+            if (!store && isMade(arguments.storeFile)) {
+                store.emplace(arguments.storeFile);
+                last = read(0);
+            }
+        } while (!InterruptNote::came() && watch.wait(interrupted.handle()));
     }
-    return InterruptNote::came() ? kInterruptedStatus : kDoneStatus;
+    if (InterruptNote::came())
+        return kInterruptedStatus;
+    if (damaged == 0)
+        return kDoneStatus;
+    throw CommandFailure(std::to_string(damaged) + (damaged == 1 ? " row" : " rows") +
+                         " could not be read; 'sqlite3 FILE .recover' may save more.");
 }
 
 int run(const SheetsArguments& arguments)

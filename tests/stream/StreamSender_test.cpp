@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "stream/StreamSender.h"
 
+#include "platform/posix/Sqlite.h"
 #include "store/SheetStore.h"
+#include "store/StoreProblem.h"
 #include "store/StoredSheets.h"
 #include "stream/EntryMessage.h"
 #include "tests/support/Patience.h"
@@ -132,6 +134,15 @@ protected:
                 told_.push_back(sentence);
             },
             [this]() -> StreamOpener& { return stream_; });
+    }
+
+    /// Whether a store knows that a stream is to have its sheets.
+    [[nodiscard]] static bool wants(const std::filesystem::path& store)
+    {
+        SqliteDatabase database(store, SqliteDatabase::Mode::Shared, 0);
+        SqliteStatement query(database, "SELECT sends FROM store");
+        SqliteStatement::Run row(query);
+        return row.next() && row.numberAt(0) != 0;
     }
 
     [[nodiscard]] bool waitSent() const
@@ -278,6 +289,49 @@ TEST_F(ASender, TriesInVainWhatIsForgottenMeanwhile)
     const auto sender = this->sender();
     ASSERT_TRUE(waitSent());
     EXPECT_THAT(stream_.messages(), IsEmpty());
+}
+
+TEST_F(ASender, LeavesOutADamagedRow)
+{
+    feed(5, {"left"});
+    SqliteDatabase(file_, SqliteDatabase::Mode::Shared, 0).run("UPDATE sheet SET side1 = '{' WHERE id = 2");
+    const auto sender = this->sender();
+    ASSERT_TRUE(waitUntil([&] { return SentMark(file_).last() == 5; }));
+    EXPECT_THAT(numbers()["left"], ElementsAre(1, 3, 4, 5));
+    EXPECT_THAT(SentMark(file_).held(), ElementsAre(2));
+    EXPECT_EQ(sender->state().unsent, 1);
+    EXPECT_TRUE(sender->state().isUp);
+    EXPECT_THAT(sender->state().problem, HasSubstr("is damaged at sheet 2: "));
+    EXPECT_THAT(told(), UnorderedElementsAre("The stream KELREADER takes sheets.",
+                                             AllOf(HasSubstr("is damaged at sheet 2: "),
+                                                   HasSubstr("The store keeps it, and the others are sent."))));
+
+    // It is put right.
+    SqliteDatabase(file_, SqliteDatabase::Mode::Shared, 0).run("UPDATE sheet SET side1 = NULL WHERE id = 2");
+    stream_.losesEach = 1; // so that there is another connection
+    feed(2, {"left"});
+    ASSERT_TRUE(waitSent());
+    EXPECT_THAT(SentMark(file_).held(), IsEmpty());
+}
+
+TEST_F(ASender, SendsFromAStoreThatIsMadeMeanwhile)
+{
+    stream_.isThere = false;
+    feed(2, {"left"});
+    const auto sender = this->sender();
+    ASSERT_TRUE(waitUntil([&] { return !told().empty(); }));
+    std::filesystem::rename(file_, folder_.path() / "away.db");
+    EXPECT_THROW(feed(1, {"left"}), StoreProblem);
+    feed(3, {"left"});
+    // It knows that a stream is wanted although that cannot be reached.
+    ASSERT_TRUE(waitUntil([&] { return wants(file_); }));
+    EXPECT_EQ(StoredSheets(file_).forget("2999-01-01", StoredSheets::Forget::SentAlone).kept, 3);
+    stream_.isThere = true;
+    ASSERT_TRUE(waitSent());
+    EXPECT_THAT(numbers()["left"], ElementsAre(1, 2, 3));
+    EXPECT_EQ(SentMark(folder_.path() / "away.db").unsent(), 2);
+    for (const std::string& sentence : told())
+        EXPECT_THAT(sentence, testing::Not(HasSubstr("There is no store")));
 }
 
 TEST_F(ASender, TellsOnceThatTheStreamIsFull)
