@@ -10,6 +10,8 @@
 
 #include <array>
 #include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 #include <utility>
 
 namespace kel {
@@ -20,10 +22,65 @@ namespace {
 constexpr int kWritePatience = 1000;
 constexpr mode_t kStoreMode = 0660;
 
-/// SQLite is to open what exists; a new file has the access rights of a store.
+/// Where a store is, for which a link may stand.
+std::filesystem::path placeOf(std::filesystem::path file)
+{
+    constexpr int kMostLinks = 40;
+    std::error_code error;
+    for (int links = 0; links < kMostLinks && std::filesystem::is_symlink(file, error); ++links)
+        file = file.parent_path() / std::filesystem::read_symlink(file, error);
+    return file;
+}
+
+/// The file beside a store with its last sheets.
+std::filesystem::path logOf(const std::filesystem::path& place)
+{
+    return place.string() + "-wal";
+}
+
+bool isEmptyOrMissing(const std::filesystem::path& file)
+{
+    std::error_code error;
+    const std::uintmax_t size = std::filesystem::file_size(file, error);
+    return error || size == 0;
+}
+
+/// What is left beside a place from which a store has gone belongs to whoever still has that one open: another store
+/// has files of its own.
+void removeFilesBeside(const std::filesystem::path& place)
+{
+    if (!isEmptyOrMissing(logOf(place)))
+        return;
+    std::error_code ignored;
+    std::filesystem::remove(logOf(place), ignored);
+    std::filesystem::remove(place.string() + "-shm", ignored);
+}
+
+/// A new store is there at once and whole, for others who look for it.
 void makeFile(const std::filesystem::path& file)
 {
-    const FileDescriptor made(retrying([&] { return ::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, kStoreMode); }));
+    // One that exists is not opened: closing it again would give up the locks of others in this process.
+    if (std::filesystem::exists(file))
+        return;
+    const std::filesystem::path place = placeOf(file);
+    if (!isEmptyOrMissing(logOf(place)))
+        throw StoreProblem("There is no store " + file.string() + ", but " + logOf(place).string() +
+                           " holds sheets of the store that was there. Move it to where that store is now, and give it "
+                           "the name of that store with -wal after it.");
+    removeFilesBeside(place);
+    const std::filesystem::path made = place.string() + "-new";
+    std::filesystem::remove(made.string() + "-journal");
+    std::filesystem::remove(made);
+    const FileDescriptor created(
+        retrying([&] { return ::open(made.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, kStoreMode); }));
+    {
+        SqliteDatabase database(made, SqliteDatabase::Mode::Shared, kWritePatience);
+        prepareStore(database, made);
+    }
+    std::filesystem::rename(made, place);
+    const std::filesystem::path folder = place.has_parent_path() ? place.parent_path() : std::filesystem::path(".");
+    const FileDescriptor names(retrying([&] { return ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); }));
+    ::fsync(names.number());
 }
 
 } // namespace
@@ -50,8 +107,9 @@ class SheetStore::Writer {
 public:
     Writer(const std::filesystem::path& file, const Clock& clock)
         : clock_(clock), database_(file, SqliteDatabase::Mode::Shared, kWritePatience),
+          place_(retrying([&] { return ::open(file.c_str(), O_PATH | O_CLOEXEC); })),
           tables_(prepared(database_, file)),
-          nextId_(database_, "UPDATE store SET last = last + 1 RETURNING last, identity"),
+          nextId_(database_, "UPDATE store SET last = last + 1 RETURNING last, identity, lower(hex(randomblob(4)))"),
           addSetup_(database_, "INSERT INTO setup (model, threshold, form) VALUES (?, ?, ?) ON CONFLICT DO UPDATE SET "
                                "model = excluded.model RETURNING id"),
           addBatch_(database_, "INSERT INTO batch (store, station, reader, name) VALUES (?, ?, ?, ?) ON CONFLICT DO "
@@ -66,11 +124,35 @@ public:
     {
     }
 
+    /// Whether the file is gone from its place, or another one has taken it.
+    [[nodiscard]] bool hasMoved() const noexcept { return database_.hasMoved(); }
+
+    /// Sees that all sheets are in a file that has a name, and gives the sentence that says in which. The last sheets
+    /// are still in the log, which stays where the file was.
+    [[nodiscard]] std::string leave(const std::filesystem::path& file)
+    {
+        const std::string next = " In a new store in its place the numbers of each batch begin at 1 again.";
+        if (hasName()) {
+            SqliteStatement everything(database_, "PRAGMA wal_checkpoint(TRUNCATE)");
+            SqliteStatement::Run row(everything);
+            if (!row.next() || row.numberAt(0) != 0)
+                throw StoreProblem("The store " + file.string() +
+                                   " has been moved away while another program was reading its last sheets; they go "
+                                   "to it when that one has done so.");
+            return "The store " + file.string() + " has been moved away, with all its sheets." + next;
+        }
+        const std::string rescued =
+            file.string() + "-" + storeTime(std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now()));
+        SqliteStatement copy(database_, "VACUUM INTO ?");
+        SqliteStatement::Run(copy).text(rescued).next();
+        database_.run("PRAGMA wal_checkpoint(TRUNCATE)");
+        return "The store " + file.string() + " has been deleted or replaced. All its sheets are in " + rescued + "." +
+               next;
+    }
+
     void write(const std::vector<Waiting*>& group)
     {
-        // What is written to a file that has lost its name would be gone with the program.
-        if (database_.hasMoved())
-            throw StoreProblem("The store's file is no longer in its place.");
+        database_.demandOwnFile();
         SqliteTransaction transaction(database_);
         for (const Waiting* waiting : group) {
             isOwn_ = waiting->own;
@@ -83,6 +165,13 @@ public:
     }
 
 private:
+    /// Whether the open file has a name at all, wherever.
+    [[nodiscard]] bool hasName() const noexcept
+    {
+        struct stat status {};
+        return ::fstat(place_.number(), &status) == 0 && status.st_nlink > 0;
+    }
+
     static bool prepared(SqliteDatabase& database, const std::filesystem::path& file)
     {
         prepareStore(database, file);
@@ -115,7 +204,8 @@ private:
         if (!isOwn_)
             return;
         entry.origin.store = run.textAt(1);
-        entry.identity = entry.origin.store + "-" + std::to_string(entry.id);
+        // A store may be copied or put back, and goes on with the numbers that another one has given.
+        entry.identity = entry.origin.store + "-" + std::to_string(entry.id) + "-" + run.textAt(2);
         entry.time = storeTime(clock_());
     }
 
@@ -194,7 +284,8 @@ private:
 
     const Clock& clock_;
     SqliteDatabase database_;
-    bool tables_; // made before the statements that name them
+    FileDescriptor place_; // leaves the locks alone
+    bool tables_;          // made before the statements that name them
     SqliteStatement nextId_;
     SqliteStatement addSetup_;
     SqliteStatement addBatch_;
@@ -209,11 +300,30 @@ private:
 SheetStore::SheetStore(std::filesystem::path file, const std::string& owner, Clock clock)
     : file_(std::move(file)), clock_(std::move(clock)), lock_(file_, owner)
 {
-    makeFile(file_);
-    onStore(file_, [&] { writer_ = std::make_unique<Writer>(file_, clock_); });
+    onStore(file_, [&] {
+        makeFile(file_);
+        writer_ = std::make_unique<Writer>(file_, clock_);
+    });
 }
 
-SheetStore::~SheetStore() = default;
+SheetStore::~SheetStore()
+{
+    try {
+        static_cast<void>(leaveMoved());
+    } catch (const std::exception&) { // the log keeps what it has, and no other store is made there
+    }
+}
+
+/// Whether the file had gone from its place; if so, it has all its sheets now, and is open no more.
+std::optional<std::string> SheetStore::leaveMoved()
+{
+    if (!writer_ || !writer_->hasMoved())
+        return std::nullopt;
+    std::string sentence = writer_->leave(file_);
+    removeFilesBeside(placeOf(file_));
+    writer_.reset();
+    return sentence;
+}
 
 void SheetStore::add(Entry& entry)
 {
@@ -274,6 +384,10 @@ void SheetStore::waitFor(Waiting& mine)
 
 void SheetStore::write(const std::vector<Waiting*>& group)
 {
+    onStore(file_, [&] {
+        if (const auto left = leaveMoved())
+            throw StoreProblem(*left);
+    });
     try {
         onStore(file_, [&] {
             if (!writer_) {

@@ -12,6 +12,7 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -33,9 +34,10 @@ public:
 
     [[nodiscard]] const std::filesystem::path& file() const noexcept { return file_; }
 
-    /// Saves an entry, and fills in what the store adds: id, identity, time, and the number of the sheet. An entry with
-    /// an identity comes from another store and keeps it with all the rest; an existing one stays as it is.
-    /// StoreProblem if it cannot be saved; the next call opens the file again.
+    /// Takes an entry, and fills in what the store gives it: id, identity, time, and the number of the sheet. An entry
+    /// with an identity comes from another store and keeps it with all the rest; one that is there already stays as it
+    /// is. StoreProblem if it cannot be kept; the next call opens the file anew. A file that was moved away takes all
+    /// its sheets along, and one that was deleted is saved under another name.
     void add(Entry& entry);
 
     /// The same for several at once, which all come from readers or all from other stores: all of them or none.
@@ -57,6 +59,7 @@ private:
 
     void waitFor(Waiting& mine);
     void write(const std::vector<Waiting*>& group);
+    [[nodiscard]] std::optional<std::string> leaveMoved();
 
     std::filesystem::path file_;
     Clock clock_;

@@ -17,7 +17,8 @@ std::string sentence(const std::string& file, const SqliteFailure& failure)
         return "The store " + file + " is locked by another program; end what holds it.";
     if (failure.isDamage())
         return "The store " + file + " is damaged: " + failure.what() +
-               ". Move it away, and a new store is made; 'sqlite3 FILE .recover' saves what can be read.";
+               ". Move it away, with the file FILE-wal that may be beside it, and a new store is made; 'sqlite3 FILE "
+               ".recover' saves what can be read.";
     if (failure.isAccess())
         return "The store " + file + " cannot be opened for writing: " + failure.what() +
                ". May this user write the file and its folder?";

@@ -112,6 +112,9 @@ std::int64_t versionOf(SqliteDatabase& database)
 /// The version of a store that this program may have written, or 0 for an empty file.
 std::int64_t knownVersion(SqliteDatabase& database, const std::filesystem::path& file)
 {
+    std::error_code error;
+    if (std::filesystem::file_size(file, error) > 0 && !error)
+        database.demandOwnFile(); // SQLite would find a beginning in the log
     const std::int64_t version = versionOf(database);
     const bool isEmpty = numberOf(database, "SELECT count(*) FROM sqlite_schema") == 0;
     if (!isEmpty && numberOf(database, "PRAGMA application_id") != kApplication)

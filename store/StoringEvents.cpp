@@ -16,17 +16,19 @@ constexpr std::chrono::milliseconds kLongestPause{5000};
 
 void StoringEvents::sheet(const host::Sheet& event)
 {
-    keep({.origin = origin_, .what = ReadSheetEntry{.setup = setup_, .sheet = event}});
+    if (!keep({.origin = origin_, .what = ReadSheetEntry{.setup = setup_, .sheet = event}}))
+        ++lost_;
     next_.sheet(event);
 }
 
 void StoringEvents::failure(const host::Failure& event)
 {
-    keep({.origin = origin_, .what = ReportEntry{.failure = event}});
+    static_cast<void>(keep({.origin = origin_, .what = ReportEntry{.failure = event}}));
     next_.failure(event);
 }
 
-void StoringEvents::keep(Entry entry)
+/// Whether the store has it; if not, somebody has given up.
+bool StoringEvents::keep(Entry entry)
 {
     std::string told;
     for (std::chrono::milliseconds pause = kFirstPause;; pause = std::min(2 * pause, kLongestPause)) {
@@ -34,16 +36,14 @@ void StoringEvents::keep(Entry entry)
             store_.add(entry);
             if (!told.empty())
                 trouble_.tell("The store " + store_.file().string() + " takes sheets again.");
-            return;
+            return true;
         } catch (const StoreProblem& problem) {
             if (told != problem.what())
                 trouble_.tell(problem.what());
             told = problem.what();
         }
-        if (!trouble_.pause(pause)) {
-            ++lost_;
-            return;
-        }
+        if (!trouble_.pause(pause))
+            return false;
     }
 }
 

@@ -31,11 +31,11 @@ public:
     void failure(const host::Failure& event) override;
     void end(const host::BatchEnd& event) override { next_.end(event); }
 
-    /// How many events were given up, since the store did not accept them.
+    /// How many sheets the store has not taken before somebody gave up; they have to be fed again.
     [[nodiscard]] int lost() const noexcept { return lost_; }
 
 private:
-    void keep(Entry entry);
+    [[nodiscard]] bool keep(Entry entry);
 
     SheetStore& store_;
     Origin origin_;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/posix/Sqlite.h"
 
+#include <array>
 #include <sqlite3.h>
 
 namespace kel {
@@ -89,6 +90,24 @@ bool SqliteDatabase::hasMoved() const noexcept
     int moved = 0;
     sqlite3_file_control(handle(), "main", SQLITE_FCNTL_HAS_MOVED, &moved);
     return moved != 0;
+}
+
+void SqliteDatabase::demandOwnFile() const
+{
+    // Through SQLite's own handle: closing another one would give up the locks on the file.
+    sqlite3_file* file = nullptr;
+    sqlite3_file_control(handle(), "main", SQLITE_FCNTL_FILE_POINTER, &file);
+    constexpr std::string_view kBeginning("SQLite format 3\0", 16);
+    std::array<char, kBeginning.size()> found{};
+    if (!file || !file->pMethods)
+        return;
+    const int result = file->pMethods->xRead(file, found.data(), static_cast<int>(found.size()), 0);
+    if (result == SQLITE_OK && std::string_view(found.data(), found.size()) == kBeginning)
+        return;
+    if (result != SQLITE_OK && result != SQLITE_IOERR_SHORT_READ)
+        throw SqliteFailure(result, sqlite3_errstr(result));
+    sqlite3_db_config(handle(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
+    throw SqliteFailure(SQLITE_NOTADB, "it is no database, or something else has been written over it");
 }
 
 void SqliteStatement::Finalize::operator()(sqlite3_stmt* statement) const noexcept

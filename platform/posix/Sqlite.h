@@ -55,6 +55,10 @@ public:
     /// Whether the file is gone from its place, or another one has taken it.
     [[nodiscard]] bool hasMoved() const noexcept;
 
+    /// A failure for damage if the file is no database, or has been written over; then nothing more goes into it, not
+    /// even when it is closed.
+    void demandOwnFile() const;
+
     [[nodiscard]] sqlite3* handle() const noexcept { return database_.get(); }
 
 private:

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "platform/posix/Sqlite.h"
 #include "store/SheetStore.h"
 #include "tests/cli/CommandRun.h"
 #include "tests/support/TemporaryFolder.h"
@@ -114,6 +115,32 @@ TEST_F(StoreCommand, FollowsWhatIsWrittenUntilCtrlC)
     EXPECT_EQ(Json::parse(following.readLine())["sheet"], 2);
     following.signal(SIGINT);
     EXPECT_EQ(following.finish().status, 130);
+}
+
+TEST_F(StoreCommand, FollowsOnWhenAnotherStoreTakesThePlace)
+{
+    ASSERT_EQ(scan(1, {"--batch", "first"}).status, 0);
+    RunningCommand following({"sheets", store_, "--follow"});
+    EXPECT_EQ(Json::parse(following.readLine())["batch"], "first");
+    std::filesystem::rename(store_, folder_.file("away.db"));
+    ASSERT_EQ(scan(2, {"--batch", "second"}).status, 0);
+    const Json line = Json::parse(following.readLine());
+    EXPECT_EQ(line["batch"], "second");
+    EXPECT_EQ(line["sheet"], 1);
+    EXPECT_EQ(Json::parse(following.readLine())["sheet"], 2);
+    following.signal(SIGINT);
+    EXPECT_EQ(following.finish().status, 130);
+}
+
+TEST_F(StoreCommand, ShowsWhatIsLeftOfADamagedStore)
+{
+    ASSERT_EQ(scan(4).status, 0);
+    SqliteDatabase(store_, SqliteDatabase::Mode::Shared, 0).run("UPDATE sheet SET side1 = '{' WHERE id = 2");
+    const CommandOutcome shown = sheets();
+    EXPECT_EQ(shown.status, 1);
+    ASSERT_THAT(shown.lines(), SizeIs(3));
+    EXPECT_EQ(Json::parse(shown.lines()[1])["sheet"], 3);
+    EXPECT_THAT(shown.errors, AllOf(HasSubstr("is damaged at sheet 2: "), HasSubstr("1 row could not be read")));
 }
 
 TEST_F(StoreCommand, RefusesASecondWriterBeforeAnythingIsRead)

@@ -6,6 +6,8 @@
 
 #include <gmock/gmock.h>
 
+#include <fstream>
+#include <optional>
 #include <set>
 #include <thread>
 
@@ -249,18 +251,162 @@ TEST_F(Store, RefusesWhatIsNoStore)
     EXPECT_THAT(problemOf([&] { SheetStore("/nowhere/x.db", "a test"); }), HasSubstr("cannot be written"));
 }
 
-TEST_F(Store, WritesNothingToAFileThatIsGoneFromItsPlace)
+TEST_F(Store, IsWrittenWhileOldSheetsAreForgotten)
+{
+    constexpr int kSheets = 450;
+    const auto now = std::chrono::system_clock::now();
+    auto clock = now - std::chrono::hours(1);
+    SheetStore store(file_, "a test", [&] { return clock; });
+    std::vector<Entry> old(kSheets, entryWith(std::string(10'000, 'x')));
+    store.add(old);
+    clock = now;
+    int pauses = 0;
+    const auto forgotten =
+        StoredSheets(file_).forget(storeTime(now), StoredSheets::Forget::All, [&](std::chrono::nanoseconds) {
+            ++pauses;
+            Entry entry = entryWith("y");
+            store.add(entry);
+        });
+    EXPECT_EQ(forgotten.sheets, kSheets);
+    EXPECT_GT(pauses, 8); // five for the sheets, one for no reports, and several for their pages
+    EXPECT_THAT(entries(), SizeIs(pauses));
+    EXPECT_LT(std::filesystem::file_size(file_), 1'000'000U);
+}
+
+/// A store whose file goes away while it is at work.
+class StoreThatLeaves : public StoreTest {
+protected:
+    static void feed(SheetStore& store, int sheets)
+    {
+        for (int sheet = 0; sheet < sheets; ++sheet) {
+            Entry entry = entryWith("x");
+            store.add(entry);
+        }
+    }
+
+    /// The numbers of the sheets in a file.
+    [[nodiscard]] static std::vector<Int32> numbersIn(const std::filesystem::path& file)
+    {
+        std::vector<Int32> found;
+        StoredSheets(file).read({}, 0, [&](const Entry& entry) {
+            found.push_back(entry.sheet()->sheet.number);
+            return true;
+        });
+        return found;
+    }
+
+    [[nodiscard]] std::vector<std::filesystem::path> rescued() const
+    {
+        std::vector<std::filesystem::path> found;
+        for (const auto& entry : std::filesystem::directory_iterator(folder_.path())) {
+            if (entry.path().filename().string().starts_with("hall.db-2"))
+                found.push_back(entry.path());
+        }
+        return found;
+    }
+
+    std::filesystem::path away_ = folder_.path() / "away.db";
+};
+
+TEST_F(StoreThatLeaves, TakesItsSheetsAlongAndTheOthersAreInANewOne)
 {
     SheetStore store(file_, "a test");
-    Entry entry = entryWith("x");
-    store.add(entry);
-    std::filesystem::rename(file_, folder_.path() / "away.db");
+    feed(store, 11);
+    const std::string first = entries()[0].origin.store;
+    // Somebody reads it all the while.
+    StoredSheets reader(file_);
+    std::filesystem::rename(file_, away_);
     Entry next = entryWith("y");
-    EXPECT_THAT(problemOf([&] { store.add(next); }), HasSubstr("no longer in its place"));
+    EXPECT_THAT(problemOf([&] { store.add(next); }),
+                AllOf(HasSubstr("has been moved away, with all its sheets"), HasSubstr("begin at 1 again")));
     store.add(next);
-    EXPECT_THAT(entries(), SizeIs(1));
+    feed(store, 8);
+    EXPECT_THAT(numbersIn(away_), ElementsAre(1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11));
+    EXPECT_THAT(numbersIn(file_), ElementsAre(1, 2, 3, 4, 5, 6, 7, 8, 9));
     EXPECT_EQ(next.origin.store, entries()[0].origin.store);
-    EXPECT_NE(next.origin.store, entry.origin.store);
+    EXPECT_NE(next.origin.store, first);
+    EXPECT_EQ(reader.lastId(), 11); // as before
+}
+
+TEST_F(StoreThatLeaves, HasItsSheetsWhenItsWriterEndsWithoutAnother)
+{
+    {
+        SheetStore store(file_, "a test");
+        feed(store, 3);
+        std::filesystem::rename(file_, away_);
+    }
+    EXPECT_THAT(numbersIn(away_), ElementsAre(1, 2, 3));
+}
+
+TEST_F(StoreThatLeaves, IsNotMixedUpWithTheOneThatTakesItsPlace)
+{
+    {
+        SheetStore other(away_, "a test");
+        feed(other, 2);
+    }
+    SheetStore store(file_, "a test");
+    feed(store, 5);
+    std::filesystem::rename(away_, file_); // the open file has no name any more
+    Entry next = entryWith("y");
+    EXPECT_THAT(problemOf([&] { store.add(next); }), HasSubstr("has been deleted or replaced. All its sheets are in "));
+    store.add(next);
+    EXPECT_THAT(numbersIn(file_), ElementsAre(1, 2, 3));
+    ASSERT_THAT(rescued(), SizeIs(1));
+    EXPECT_THAT(numbersIn(rescued()[0]), ElementsAre(1, 2, 3, 4, 5));
+}
+
+TEST_F(StoreThatLeaves, IsSavedUnderAnotherNameIfItIsDeleted)
+{
+    {
+        SheetStore store(file_, "a test");
+        feed(store, 3);
+        std::filesystem::remove(file_);
+    }
+    ASSERT_THAT(rescued(), SizeIs(1));
+    EXPECT_THAT(numbersIn(rescued()[0]), ElementsAre(1, 2, 3));
+    SheetStore store(file_, "a test");
+    feed(store, 1);
+    EXPECT_THAT(numbersIn(file_), ElementsAre(1));
+}
+
+TEST_F(StoreThatLeaves, GetsNoOtherInItsPlaceAsLongAsItsLastSheetsAreThere)
+{
+    const std::filesystem::path log = file_.string() + "-wal";
+    {
+        // Whoever else has it open keeps the writer from tidying up at its end, as a crash does.
+        std::optional<SheetStore> store(std::in_place, file_, "a test");
+        feed(*store, 3);
+        SqliteDatabase other(file_, SqliteDatabase::Mode::Shared, 0);
+        other.run("SELECT * FROM store");
+        store.reset();
+        std::filesystem::rename(file_, away_);
+    }
+    ASSERT_GT(std::filesystem::file_size(log), 0U);
+    EXPECT_THAT(problemOf([&] { SheetStore(file_, "a test"); }),
+                AllOf(HasSubstr(log.string() + " holds sheets of the store that was there"),
+                      HasSubstr("give it the name of that store with -wal")));
+    std::filesystem::rename(log, away_.string() + "-wal");
+    EXPECT_THAT(numbersIn(away_), ElementsAre(1, 2, 3));
+    const SheetStore store(file_, "a test");
+    EXPECT_THAT(numbersIn(file_), IsEmpty());
+}
+
+TEST_F(StoreThatLeaves, IsNoticedIfSomethingElseIsWrittenOverIt)
+{
+    SheetStore store(file_, "a test");
+    feed(store, 3);
+    {
+        std::fstream over(file_, std::ios::in | std::ios::out | std::ios::binary);
+        over << std::string(20'000, '\xA5');
+    }
+    Entry next = entryWith("y");
+    const std::string sentence = "is damaged: it is no database, or something else has been written over it";
+    EXPECT_THAT(problemOf([&] { store.add(next); }), HasSubstr(sentence));
+    EXPECT_THAT(problemOf([&] { store.add(next); }), HasSubstr("is damaged"));
+    std::filesystem::rename(file_, away_);
+    std::filesystem::rename(file_.string() + "-wal", away_.string() + "-wal");
+    store.add(next);
+    EXPECT_THAT(numbersIn(file_), ElementsAre(1));
 }
 
 TEST(StoreTime, IsReadAsPeopleWriteIt)
@@ -269,8 +415,10 @@ TEST(StoreTime, IsReadAsPeopleWriteIt)
     EXPECT_EQ(storeTimeOf("2024-01-31 12:05Z"), "2024-01-31T12:05:00.000Z");
     EXPECT_EQ(storeTimeOf("2024-01-31T12:05:09Z"), "2024-01-31T12:05:09.000Z");
     EXPECT_EQ(storeTimeOf("2024-01-31T12:05:09.250Z"), "2024-01-31T12:05:09.250Z");
+    EXPECT_EQ(storeTimeOf("2024-02-29Z"), "2024-02-29T00:00:00.000Z");
     EXPECT_TRUE(storeTimeOf("2024-01-31"));
-    for (const char* wrong : {"", "yesterday", "2024-13-01", "2024-01-31 12", "2024-01-31T12:05:09.x5Z"})
+    for (const char* wrong : {"", "yesterday", "2024-13-01", "2023-02-31", "2023-02-29Z", "2024-04-31 12:00Z",
+                              "2024-01-31 12", "2024-01-31T12:05:09.x5Z"})
         EXPECT_FALSE(storeTimeOf(wrong)) << wrong;
 }
 

@@ -36,6 +36,28 @@ TEST_F(StoreAndStream, KeepsASheetOfAnotherStoreOnceAndAsItWas)
     EXPECT_EQ(found[1].sheet()->sheet.number, 2);
 }
 
+TEST_F(StoreAndStream, SheetsOfACopiedStoreAreOthers)
+{
+    const std::filesystem::path copy = folder_.path() / "copy.db";
+    {
+        const SheetStore first(folder_.path() / "first.db", "a test");
+    }
+    std::filesystem::copy_file(folder_.path() / "first.db", copy);
+    SheetStore first(folder_.path() / "first.db", "a test");
+    SheetStore second(copy, "a test");
+    Entry here = entryWith("x");
+    Entry there = entryWith("x");
+    there.origin.station = "yard";
+    first.add(here);
+    second.add(there);
+    EXPECT_EQ(here.origin.store, there.origin.store);
+    EXPECT_NE(here.identity, there.identity);
+    SheetStore all(file_, "a test");
+    all.add(here);
+    all.add(there);
+    EXPECT_THAT(entries(), SizeIs(2));
+}
+
 TEST_F(StoreAndStream, RefusesASheetOfAnotherStoreThatContradictsOneThatIsThere)
 {
     Entry entry = entryWith("x");
@@ -96,6 +118,25 @@ TEST_F(StoreAndStream, ForgetsNothingThatTheStreamDoesNotHave)
     forgotten = StoredSheets(file_).forget("2999-01-01", Forget::All);
     EXPECT_EQ(forgotten.sheets, 2);
     EXPECT_EQ(forgotten.kept, 0);
+    EXPECT_EQ(mark.unsent(), 0);
+}
+
+TEST_F(StoreAndStream, CountsWhatIsNotSentYetAndStillThere)
+{
+    SheetStore store(file_, "a test");
+    SentMark mark(file_);
+    EXPECT_EQ(mark.unsent(), 0);
+    for (const char* barcode : {"1", "2", "3", "4"}) {
+        Entry entry = entryWith(barcode);
+        store.add(entry);
+    }
+    EXPECT_EQ(mark.unsent(), 4);
+    mark.hold(2, "it is too large");
+    EXPECT_EQ(mark.unsent(), 4);
+    mark.move(3);
+    EXPECT_EQ(mark.unsent(), 2);
+    SqliteDatabase(file_, SqliteDatabase::Mode::Shared, 0).run("DELETE FROM sheet WHERE id = 2");
+    EXPECT_EQ(mark.unsent(), 1);
 }
 
 } // namespace

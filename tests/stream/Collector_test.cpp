@@ -138,6 +138,34 @@ TEST_F(ACollector, SetsAsideWhatHoldsNoSheetAndGoesOn)
                                        "of the reader left already exists, as another sheet.")));
 }
 
+TEST_F(ACollector, TellsOfAStoreThatWasRestoredAndKeepsItsSheets)
+{
+    const std::filesystem::path hall = folder_.path() / "hall.db";
+    const std::filesystem::path backup = folder_.path() / "backup.db";
+    const auto feed = [&](const char* barcode) {
+        Entry entry{.origin = {.station = "hall", .reader = "left", .batch = "monday"},
+                    .what = ReadSheetEntry{.sheet = {.barcodes = TextArray::of(1, {barcode})}}};
+        SheetStore(hall, "a test").add(entry);
+        const StreamMessage message = messageOf(entry, "k");
+        stream_.waiting.push_back({.subject = message.subject, .content = message.content});
+    };
+    feed("1");
+    std::filesystem::copy_file(hall, backup);
+    feed("2");
+    std::filesystem::copy_file(backup, hall, std::filesystem::copy_options::overwrite_existing);
+    feed("another 2");
+    collect();
+    EXPECT_THAT(numbers(), ElementsAre(1, 2));
+    EXPECT_THAT(told_, ElementsAre("Collecting from the stream KELREADER.",
+                                   StartsWith("A message of k.sheet.hall.left is set aside: Sheet 2 of the batch "
+                                              "monday of the reader left already exists, as another sheet.")));
+    SqliteDatabase database(file_, SqliteDatabase::Mode::Shared, 0);
+    SqliteStatement query(database, "SELECT content FROM unread");
+    SqliteStatement::Run row(query);
+    ASSERT_TRUE(row.next());
+    EXPECT_THAT(row.textAt(0), HasSubstr("another 2"));
+}
+
 TEST_F(ACollector, WaitsForAStreamThatIsNotThere)
 {
     stream_.absences = 3;
