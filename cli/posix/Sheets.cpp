@@ -172,7 +172,7 @@ void addSheetsCommand(Commands& commands)
     command.footer(
         "json: one line per sheet or report, as a scan writes it, with station, reader, batch, time and id. csv: "
         "one row per sheet, with its marks. table: one row per sheet, easy to read.\n"
-        "Exit status: 0 done, 1 the store cannot be read, 2 wrong usage, 130 interrupted.");
+        "Exit status: 0 done, 1 the store, or a row of it, cannot be read, 2 wrong usage, 130 interrupted.");
 }
 
 } // namespace kel

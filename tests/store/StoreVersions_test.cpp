@@ -33,6 +33,29 @@ TEST_F(StoreVersions, BringsAStoreOfTheFirstVersionUpToDate)
     EXPECT_EQ(SentMark(file_).unsent(), 2);
 }
 
+TEST_F(StoreVersions, BringsAStoreOfTheSecondVersionUpToDateWithItsMark)
+{
+    {
+        SheetStore store(file_, "a test");
+        for (const char* barcode : {"1", "2", "3"}) {
+            Entry entry = entryWith(barcode);
+            store.add(entry);
+        }
+        SqliteDatabase(file_, SqliteDatabase::Mode::Shared, 0)
+            .run("UPDATE store SET sends = 1, sent = 2; DROP TABLE held; PRAGMA user_version = 2; "
+                 "UPDATE sheet SET identity = (SELECT identity FROM store) || '-' || id");
+    }
+    EXPECT_THAT(problemOf([&] { StoredSheets{file_}; }), HasSubstr("has version 2, which a scan or a station brings"));
+    SheetStore store(file_, "a test");
+    Entry next = entryWith("4");
+    store.add(next);
+    EXPECT_THAT(numbers("left"), ElementsAre(1, 2, 3, 4));
+    EXPECT_EQ(entries()[2].identity, next.origin.store + "-3"); // as it was
+    EXPECT_EQ(SentMark(file_).last(), 2);
+    EXPECT_EQ(SentMark(file_).unsent(), 2);
+    EXPECT_EQ(StoredSheets(file_).forget("2999-01-01", StoredSheets::Forget::SentAlone).kept, 2);
+}
+
 TEST_F(StoreVersions, RefusesAStoreOfANewerVersionAndLeavesItAlone)
 {
     {
