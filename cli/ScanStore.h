@@ -15,16 +15,20 @@ struct StoreNames {
     std::string batch;
 };
 
-/// The store of a scan: `output` has what it has taken.
+/// The store of a scan.
 class ScanStore {
 public:
     /// CommandFailure if the store cannot be opened or made, UsageError where this system has none.
-    ScanStore(const StoreNames& names, host::Reader& reader, host::Events& output);
+    explicit ScanStore(const StoreNames& names);
     ~ScanStore();
     ScanStore(const ScanStore&) = delete;
     ScanStore& operator=(const ScanStore&) = delete;
 
-    [[nodiscard]] host::Events& events();
+    /// How many sheets it has of the batch.
+    [[nodiscard]] Int32 sheetsBefore();
+
+    /// Takes what the reader reports, once that is connected, and hands it on to `output`.
+    [[nodiscard]] host::Events& events(host::Reader& reader, host::Events& output);
 
     /// A sheet that went through the reader and is not there is what the person must know: CommandFailure.
     void demandAll() const;

@@ -125,13 +125,14 @@ private:
     void fillPrinter()
     {
         const std::string barcode = sheet_.barcodes.elements().empty() ? "" : sheet_.barcodes.elements().front();
+        const Int32 number = request_.sheetsBefore + sheet_.number;
         const Print& print = request_.print;
         if (print.print1)
-            reader_.Printer()->Buffer1(filledIn(printText(*print.print1), sheet_.number, barcode));
+            reader_.Printer()->Buffer1(filledIn(printText(*print.print1), number, barcode));
         if (print.print2)
-            reader_.Printer()->Buffer2(filledIn(printText(*print.print2), sheet_.number, barcode));
+            reader_.Printer()->Buffer2(filledIn(printText(*print.print2), number, barcode));
         if (print.print3)
-            reader_.Printer()->Buffer3(filledIn(printText(*print.print3), sheet_.number, barcode));
+            reader_.Printer()->Buffer3(filledIn(printText(*print.print3), number, barcode));
     }
 
     clsKELReader& reader_;

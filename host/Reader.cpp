@@ -109,6 +109,11 @@ void Reader::connect()
     state_->connect();
 }
 
+void Reader::sheetsBefore(Int32 count) noexcept
+{
+    state_->request.sheetsBefore = count;
+}
+
 std::string Reader::traceProblem() const
 {
     return state_->trace ? state_->trace->problem() : std::string();

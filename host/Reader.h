@@ -49,8 +49,11 @@ public:
     /// UsageError for options of the simulated reader that are wrong, OperationError for a file that cannot be created.
     void connect();
 
-    /// Reads a batch and reports all that happens as it happens. While it runs, `stopWanted`, if there is one, runs
-    /// instead of the host's pump: it is called again and again, and once it returns true the batch stops.
+    /// The batch has so many sheets from earlier sessions: `{sheet}` in the texts to print counts on from there.
+    void sheetsBefore(Int32 count) noexcept;
+
+    /// Reads a batch and reports all that happens as it happens. While it runs, `stopWanted`, if there is one, takes
+    /// the place of the host's pump: it is asked now and then, and once it says true the batch stops.
     Result read(Events& events, const std::function<bool()>& stopWanted = {}, StopAsked asked = StopAsked::InEachTurn);
 
     /// The sheets of a batch, each read when the loop comes to it. The session begins with the loop, and ends with it

@@ -59,9 +59,10 @@ struct Request {
     std::optional<Simulation> simulated{}; ///< instead of both: a simulated reader of the model
     std::filesystem::path usbLibrary{};    ///< the library of the USB readers' maker, instead of the usual one
     std::filesystem::path traceFile{};     ///< the session is recorded here, for a replay
+    Int32 sheetsBefore = 0;                ///< that the batch has from earlier sessions: `{sheet}` counts on from there
     Int32 maxSheets = -1;                  ///< negative: until the feeder is empty
     bool rejectBlank = false;
-    std::set<Int32> rejectSheets{}; ///< their numbers, from 1
+    std::set<Int32> rejectSheets{}; ///< their numbers in this session, from 1
     Print print{};
 };
 

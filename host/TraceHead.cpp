@@ -104,6 +104,8 @@ TraceLog::Head traceHead(const Request& request, const clsKELReader& reader)
     if (request.answerKey && !request.answerKey->source.empty())
         head.emplace_back("answer-key", request.answerKey->source);
     addSettings(head, reader);
+    if (request.sheetsBefore != 0)
+        head.emplace_back("sheets-before", CStr(request.sheetsBefore));
     if (request.maxSheets != -1)
         head.emplace_back("max-sheets", CStr(request.maxSheets));
     if (request.rejectBlank)
@@ -137,6 +139,8 @@ Request requestOfTranscript(const Transcript& transcript, const std::string& tex
     head.use("answer-key",
              [&](const std::string& value) { request.answerKey = parseAnswerKey(value, "the answer key"); });
     head.use("port", [&](const std::string& value) { request.port = HeadReader::number<Int16>(value); });
+    head.use("sheets-before",
+             [&](const std::string& value) { request.sheetsBefore = HeadReader::number<Int32>(value); });
     head.use("max-sheets", [&](const std::string& value) { request.maxSheets = HeadReader::number<Int32>(value); });
     head.use("reject-blank", [&](const std::string&) { request.rejectBlank = true; });
     head.use("reject-sheets", [&](const std::string& value) {

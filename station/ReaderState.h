@@ -38,6 +38,7 @@ struct ReaderState {
     std::int64_t failures = 0;
     std::optional<Time> lastSheet{};
     double sheetsPerMinute = 0; ///< of the last sheets; 0 if none has come for a minute
+    std::string storeProblem{}; ///< why the store takes nothing from it now, a sentence; empty while it does
     std::string problem{};      ///< the last failure, a sentence; stays when it is over
     std::string advice{};       ///< what to do about it, may be empty
 };

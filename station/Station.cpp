@@ -1,12 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include "station/Station.h"
 
+#include "store/StoreProblem.h"
+
 #include <algorithm>
 #include <utility>
 
 namespace kel {
 
 namespace {
+
+constexpr int kNoPatience = 0;
 
 std::int64_t sizeOf(const std::filesystem::path& file)
 {
@@ -19,22 +23,35 @@ std::int64_t sizeOf(const std::filesystem::path& file)
 
 Station::Station(StationPlan plan, Tell tell, Advice advice)
     : plan_(std::move(plan)), tell_(std::move(tell)), since_(std::chrono::system_clock::now()),
-      store_(plan_.store, "station " + plan_.station), calls_{.tell = tell_,
-                                                              .tellOfStore =
-                                                                  [this](const std::string& sentence) {
-                                                                      tellOfStore(sentence);
-                                                                  },
-                                                              .adviceOn = std::move(advice)}
+      store_(plan_.store, "station " + plan_.station, &std::chrono::system_clock::now, WhenBusy::OpenLater),
+      calls_{.tell = tell_,
+             .tellOfStore = [this](const std::string& sentence) { tellOfStore(sentence); },
+             .adviceOn = std::move(advice)}
+{
+    openStore();
+}
+
+void Station::begin()
 {
     startSending();
+    const std::lock_guard lock(mutex_);
     for (ReaderPlan& reader : std::exchange(plan_.readers, {}))
         start(std::move(reader));
 }
 
 /// Sheets that the stream is to have are not forgotten before it has them.
+void Station::openStore()
+{
+    try {
+        store_.open();
+        SentMark(plan_.store, kNoPatience).want(plan_.stream.has_value());
+    } catch (const StoreBusy& problem) {
+        tellOfStore(problem.what());
+    }
+}
+
 void Station::startSending()
 {
-    SentMark(plan_.store).want(plan_.stream.has_value());
     if (!plan_.stream)
         return;
     plan_.stream->client = "kelreader station " + plan_.station;
@@ -87,20 +104,20 @@ void Station::change(StationPlan plan)
 
 StationState Station::state() const
 {
-    const std::lock_guard lock(mutex_);
     StationState state;
+    if (sender_)
+        state.stream = sender_->state();
+    const std::lock_guard lock(mutex_);
     state.station = plan_.station;
     state.since = since_;
     state.store = store_.file().string();
     state.storeBytes = sizeOf(store_.file()) + sizeOf(store_.file().string() + "-wal");
     for (const auto& reader : readers_)
         state.readers.push_back(reader->state());
-    const bool isStoring = std::any_of(state.readers.begin(), state.readers.end(),
-                                       [](const ReaderState& reader) { return reader.activity == Activity::Storing; });
-    if (isStoring)
-        state.storeProblem = toldOfStore_;
-    if (sender_)
-        state.stream = sender_->state();
+    const auto waiting = std::find_if(state.readers.begin(), state.readers.end(),
+                                      [](const ReaderState& reader) { return !reader.storeProblem.empty(); });
+    if (waiting != state.readers.end())
+        state.storeProblem = waiting->storeProblem;
     return state;
 }
 

@@ -33,22 +33,26 @@ public:
     using Tell = std::function<void(const std::string& sentence)>;
     using Advice = std::function<std::string(const host::Failure& failure)>;
 
-    /// Opens the store and starts the readers. StoreProblem if the store cannot be opened. `tell` and `advice` may be
-    /// called in any thread.
+    /// Takes the store. StoreProblem if that cannot be had for another reason than that it is full or locked; then the
+    /// readers wait for it. `tell` and `advice` may be called in any thread.
     Station(StationPlan plan, Tell tell, Advice advice);
     /// Ends every session in order.
     ~Station();
     Station(const Station&) = delete;
     Station& operator=(const Station&) = delete;
 
-    /// Changes to another plan: stops the readers that were removed or changed, starts those that are new or changed,
-    /// and leaves the others alone. What concerns the station as a whole stays as it is.
+    /// Starts the readers. To be called once.
+    void begin();
+
+    /// Goes over to another plan: stops the readers that are gone or changed, starts those that are new or changed, and
+    /// leaves the others alone. What concerns the station as a whole stays as it is.
     void change(StationPlan plan);
 
     [[nodiscard]] StationState state() const;
 
 private:
     void start(ReaderPlan plan);
+    void openStore();
     void startSending();
     void tellOfStore(const std::string& sentence);
     static void end(std::vector<std::unique_ptr<StationReader>> readers);
@@ -59,7 +63,7 @@ private:
     SheetStore store_;
     StationCalls calls_;
     mutable std::mutex mutex_;
-    std::string toldOfStore_;
+    std::string toldOfStore_; ///< the last sentence
     std::vector<std::unique_ptr<StationReader>> readers_;
     std::optional<StreamSender> sender_;
 };

@@ -4,6 +4,7 @@
 #include "profiles/ReaderModels.h"
 #include "store/ReaderSetup.h"
 #include "store/StoringEvents.h"
+#include "types/Text.h"
 
 #include <exception>
 #include <sys/prctl.h>
@@ -19,6 +20,9 @@ constexpr std::chrono::milliseconds kAskAgain{20};
 // How much later a sleep of this thread may end, so that those of many readers end together: waking a processor up
 // takes longer than what a reader then does. A byte ends a wait at once all the same.
 constexpr std::chrono::nanoseconds kSlackOfSleeps = std::chrono::milliseconds(1);
+
+constexpr const char* kDeviceAdvice =
+    "Connect the reader and switch it on, or correct its \"device\" in the station file.";
 
 std::string_view toldAs(Activity activity)
 {
@@ -59,44 +63,67 @@ private:
 /// counts once the store has it.
 class StationReader::Session final : public host::Events {
 public:
-    Session(StationReader& reader, host::Reader& host, const std::string& batch)
-        : reader_(reader),
-          storing_(reader.store_, {.station = reader.station_, .reader = reader.plan_.name, .batch = batch},
-                   setupOf(host), nobody_, trouble())
+    Session(StationReader& reader, std::string batch)
+        : reader_(reader), origin_{.station = reader.station_, .reader = reader.plan_.name, .batch = std::move(batch)}
     {
     }
 
+    [[nodiscard]] const std::string& batch() const noexcept { return origin_.batch; }
+
+    /// Waits for the store. How many sheets it has of the batch; nothing if the reader is to stop.
+    [[nodiscard]] std::optional<Int32> sheetsBefore() { return kel::sheetsBefore(reader_.store_, origin_, trouble()); }
+
+    /// How the reader is set that reads from now on.
+    void setup(Setup setup) { storing_.emplace(reader_.store_, origin_, std::move(setup), nobody_, trouble()); }
+
     void sheet(const host::Sheet& event) override
     {
-        storing_.sheet(event);
+        storing_->sheet(event);
         if (lost() == 0)
             reader_.stored(event);
     }
 
     void failure(const host::Failure& event) override
     {
-        if (!reader_.failed(host::failureSentence(event), reader_.calls_.adviceOn(event)))
-            return;
-        storing_.failure(event);
-        reader_.become(Activity::Failed);
+        host::Failure failure = event;
+        std::string advice = reader_.calls_.adviceOn(event);
+        // A device that the station's file names has no port that could be mapped to another one.
+        if (!reader_.plan_.request.device.empty() && event.remedy.find("ports set") != std::string::npos) {
+            failure.description = replaceAll(event.description, " " + event.remedy, "");
+            failure.remedy = advice = kDeviceAdvice;
+        }
+        keep(failure, host::failureSentence(failure), advice);
     }
 
-    [[nodiscard]] int lost() const noexcept { return storing_.lost(); }
+    /// A failure that came as an exception.
+    void refused(const std::string& sentence)
+    {
+        keep({.description = sentence, .source = "kelreader station", .title = {}}, sentence, {});
+    }
+
+    [[nodiscard]] int lost() const noexcept { return storing_ ? storing_->lost() : 0; }
 
 private:
+    void keep(const host::Failure& failure, const std::string& sentence, const std::string& advice)
+    {
+        if (!reader_.failed(sentence, advice))
+            return;
+        if (!storing_)
+            setup({});
+        storing_->failure(failure);
+    }
+
     StoreTrouble trouble()
     {
-        return {.tell = [this](const std::string& sentence) { reader_.calls_.tellOfStore(sentence); },
-                .pause =
-                    [this](std::chrono::milliseconds time) {
-                        reader_.become(Activity::Storing);
-                        return reader_.pause(time);
-                    }};
+        return {.tell = [this](const std::string& problem) { reader_.storeFailed(problem); },
+                .over = [this](const std::string& sentence) { reader_.storeRecovered(sentence); },
+                .pause = [this](std::chrono::milliseconds time) { return reader_.pause(time); }};
     }
 
     StationReader& reader_;
+    Origin origin_;
     host::Events nobody_;
-    StoringEvents storing_;
+    std::optional<StoringEvents> storing_;
 };
 
 StationReader::StationReader(std::string station, ReaderPlan plan, Pauses pauses, SheetStore& store,
@@ -162,8 +189,10 @@ void StationReader::run()
         readOnce(reader, pauses);
     while (pause(pauses.next()));
     reader.reset();
-    become(Activity::Stopped);
-    const std::lock_guard lock(mutex_);
+    std::unique_lock lock(mutex_);
+    become(Activity::Stopped, lock);
+    if (!lock.owns_lock())
+        lock.lock();
     ended_ = true;
     changed_.notify_all();
 }
@@ -175,34 +204,42 @@ void StationReader::readOnce(std::optional<host::Reader>& reader, Pauses& pauses
         reads_ = false;
         failedNow_ = false;
     }
+    Session session(*this, plan_.batch.empty() ? batchName(std::chrono::system_clock::now()) : plan_.batch);
     try {
+        const std::optional<Int32> before = session.sheetsBefore();
+        if (!before)
+            return;
         if (!reader)
             reader.emplace(plan_.request);
+        reader->sheetsBefore(*before);
         reader->connect();
-        readWith(*reader, pauses);
+        readWith(*reader, session, pauses);
+        return;
+    } catch (const host::ReaderFailed& refusal) {
+        for (const host::Failure& failure : refusal.failures())
+            session.failure(failure);
     } catch (const std::exception& error) {
-        {
-            const std::lock_guard lock(mutex_);
-            object_ = nullptr;
-        }
-        reader.reset();
-        static_cast<void>(failed(error.what(), {}));
+        session.refused(error.what());
     }
+    {
+        const std::lock_guard lock(mutex_);
+        object_ = nullptr;
+    }
+    reader.reset();
 }
 
 /// One session.
-void StationReader::readWith(host::Reader& reader, Pauses& pauses)
+void StationReader::readWith(host::Reader& reader, Session& session, Pauses& pauses)
 {
-    const std::string batch = plan_.batch.empty() ? batchName(std::chrono::system_clock::now()) : plan_.batch;
     {
         const std::lock_guard lock(mutex_);
         object_ = &reader.object();
-        state_.batch = batch;
+        state_.batch = session.batch();
         state_.model = ReturnReaderName(reader.object().ReaderType());
     }
     const std::int64_t before = state().sheets;
     const std::uint32_t cookie = reader.object().Advise(std::make_shared<Beginning>(*this));
-    Session session(*this, reader, batch);
+    session.setup(setupOf(reader));
     static_cast<void>(reader.read(
         session, [this] { return stopping(); }, host::StopAsked::AtEachSheet));
     reader.object().Unadvise(cookie);
@@ -230,6 +267,10 @@ bool StationReader::failed(const std::string& problem, const std::string& advice
     std::unique_lock lock(mutex_);
     if (std::exchange(failedNow_, true))
         return isNews_;
+    if (stopping_ && !reads_) {
+        isNews_ = false; // a start that is given up fails
+        return false;
+    }
     isNews_ = state_.activity != Activity::Failed || state_.problem != problem;
     needsSheet_ = reads_;
     if (!isNews_)
@@ -242,6 +283,28 @@ bool StationReader::failed(const std::string& problem, const std::string& advice
     lock.unlock();
     calls_.tell(plan_.name + ": " + problem + (advice.empty() ? "" : " " + advice));
     return true;
+}
+
+void StationReader::storeFailed(const std::string& problem)
+{
+    std::unique_lock lock(mutex_);
+    if (state_.activity != Activity::Storing)
+        beforeStoring_ = state_.activity;
+    state_.storeProblem = problem;
+    become(Activity::Storing, lock);
+    if (lock.owns_lock())
+        lock.unlock();
+    calls_.tellOfStore(problem);
+}
+
+void StationReader::storeRecovered(const std::string& sentence)
+{
+    std::unique_lock lock(mutex_);
+    state_.storeProblem.clear();
+    become(beforeStoring_, lock);
+    if (lock.owns_lock())
+        lock.unlock();
+    calls_.tellOfStore(sentence);
 }
 
 void StationReader::stored(const host::Sheet& sheet)
@@ -257,20 +320,14 @@ void StationReader::stored(const host::Sheet& sheet)
     become(Activity::Reading, lock);
 }
 
-void StationReader::become(Activity activity)
-{
-    std::unique_lock lock(mutex_);
-    become(activity, lock);
-}
-
-/// The lock is released during a report.
+/// The lock is given up where somebody is told.
 void StationReader::become(Activity activity, std::unique_lock<std::mutex>& lock)
 {
     if (activity == Activity::Idle)
         needsSheet_ = true; // it would go to and fro with each attempt
     if (state_.activity == activity)
         return;
-    const bool toldByStore = state_.activity == Activity::Storing || activity == Activity::Storing;
+    const bool toldByStore = state_.activity == Activity::Storing && activity != Activity::Stopped;
     state_.activity = activity;
     state_.since = std::chrono::system_clock::now();
     lock.unlock();

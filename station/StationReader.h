@@ -48,11 +48,12 @@ private:
 
     void run();
     void readOnce(std::optional<host::Reader>& reader, Pauses& pauses);
-    void readWith(host::Reader& reader, Pauses& pauses);
+    void readWith(host::Reader& reader, Session& session, Pauses& pauses);
     void begun();
     [[nodiscard]] bool failed(const std::string& problem, const std::string& advice);
+    void storeFailed(const std::string& problem);
+    void storeRecovered(const std::string& sentence);
     void stored(const host::Sheet& sheet);
-    void become(Activity activity);
     void become(Activity activity, std::unique_lock<std::mutex>& lock);
     [[nodiscard]] bool pause(std::chrono::milliseconds time);
     [[nodiscard]] bool stopping() const;
@@ -69,7 +70,8 @@ private:
     Speed speed_;
     bool stopping_ = false;
     bool ended_ = false;
-    bool reads_ = false;      ///< the session has come to its first sheet
+    bool reads_ = false; ///< the session has come to its first sheet
+    Activity beforeStoring_ = Activity::Starting;
     bool needsSheet_ = false; ///< what failed is over with a sheet, and not with a beginning
     bool failedNow_ = false;  ///< in this session, since its last sheet
     bool isNews_ = false;     ///< what failed then was not the same as before

@@ -11,14 +11,11 @@ namespace kel {
 
 namespace {
 
-// Readers store their sheets first.
-constexpr int kMarkPatience = 30'000;
-
-SqliteDatabase opened(const std::filesystem::path& store)
+SqliteDatabase opened(const std::filesystem::path& store, int patience)
 {
     std::optional<SqliteDatabase> database;
     onStore(store, [&] {
-        database.emplace(store, SqliteDatabase::Mode::Shared, kMarkPatience);
+        database.emplace(store, SqliteDatabase::Mode::Shared, patience);
         checkStore(*database, store);
         // What a crash takes back is sent again, and the stream knows it.
         database->run("PRAGMA synchronous = NORMAL");
@@ -28,11 +25,15 @@ SqliteDatabase opened(const std::filesystem::path& store)
 
 } // namespace
 
-SentMark::SentMark(std::filesystem::path store) : store_(std::move(store)), database_(opened(store_)) {}
+SentMark::SentMark(std::filesystem::path store, int patience)
+    : store_(std::move(store)), database_(opened(store_, patience))
+{
+}
 
 void SentMark::want(bool wanted)
 {
-    change("UPDATE store SET sends = ?1 WHERE sends <> ?1", wanted ? 1 : 0);
+    if (number("SELECT sends FROM store") != (wanted ? 1 : 0)) // a store that is full can be read
+        change("UPDATE store SET sends = ?", wanted ? 1 : 0);
 }
 
 std::int64_t SentMark::last()

@@ -15,8 +15,11 @@ namespace kel {
 /// Up to where a stream has what a store holds. Every failure is a StoreProblem.
 class SentMark {
 public:
-    /// The store exists.
-    explicit SentMark(std::filesystem::path store);
+    /// Readers store their sheets first.
+    static constexpr int kPatience = 30'000;
+
+    /// The store exists. Others who write to it are waited for up to `patience` milliseconds.
+    explicit SentMark(std::filesystem::path store, int patience = kPatience);
 
     /// Whether a stream gets what the store holds, so that nothing is removed that it does not have.
     void want(bool wanted);

@@ -297,13 +297,16 @@ private:
     Int32 lastSheet_ = 0;
 };
 
-SheetStore::SheetStore(std::filesystem::path file, const std::string& owner, Clock clock)
+SheetStore::SheetStore(std::filesystem::path file, const std::string& owner, Clock clock, WhenBusy whenBusy)
     : file_(std::move(file)), clock_(std::move(clock)), lock_(file_, owner)
 {
-    onStore(file_, [&] {
-        makeFile(file_);
-        writer_ = std::make_unique<Writer>(file_, clock_);
-    });
+    makeFile(file_);
+    try {
+        onStore(file_, [&] { writer_ = std::make_unique<Writer>(file_, clock_); });
+    } catch (const StoreBusy&) {
+        if (whenBusy == WhenBusy::Refuse)
+            throw;
+    }
 }
 
 SheetStore::~SheetStore()
@@ -347,7 +350,16 @@ void SheetStore::add(std::span<Entry> entries)
 
 void SheetStore::setAside(std::span<const UnreadMessage> messages)
 {
-    Waiting mine{.unread = messages};
+    demand({.unread = messages});
+}
+
+void SheetStore::open()
+{
+    demand({});
+}
+
+void SheetStore::demand(Waiting mine)
+{
     waitFor(mine);
     if (mine.problem)
         std::rethrow_exception(mine.problem);

@@ -19,20 +19,30 @@
 
 namespace kel {
 
+/// What becomes of a store that is full or locked when it is to be opened.
+enum class WhenBusy {
+    Refuse,    ///< StoreProblem
+    OpenLater, ///< it is opened by the first call for which it can be
+};
+
 /// Keeps sheets in a file, each safe on the disk before `add` returns. Any thread may call it: entries that wait for
 /// the disk at the same time go to it together.
 class SheetStore {
 public:
     using Clock = std::function<std::chrono::system_clock::time_point()>;
 
-    /// Opens the store for writing, and creates it if there is none. StoreProblem if that fails, or if another process
-    /// is writing to it. `clock` has the times of the sheets; it may be set back.
-    SheetStore(std::filesystem::path file, const std::string& owner, Clock clock = &std::chrono::system_clock::now);
+    /// Opens the store for writing, and makes it if there is none. StoreProblem if that fails, or if somebody writes to
+    /// it already. `clock` has the times of the sheets; it may be set back.
+    SheetStore(std::filesystem::path file, const std::string& owner, Clock clock = &std::chrono::system_clock::now,
+               WhenBusy whenBusy = WhenBusy::Refuse);
     ~SheetStore();
     SheetStore(const SheetStore&) = delete;
     SheetStore& operator=(const SheetStore&) = delete;
 
     [[nodiscard]] const std::filesystem::path& file() const noexcept { return file_; }
+
+    /// Opens the file if it is not open. StoreProblem if it cannot be written to now.
+    void open();
 
     /// Takes an entry, and fills in what the store gives it: id, identity, time, and the number of the sheet. An entry
     /// with an identity comes from another store and keeps it with all the rest; one that is there already stays as it
@@ -58,6 +68,7 @@ private:
     };
 
     void waitFor(Waiting& mine);
+    void demand(Waiting mine);
     void write(const std::vector<Waiting*>& group);
     [[nodiscard]] std::optional<std::string> leaveMoved();
 

@@ -32,7 +32,10 @@ void onStore(const std::filesystem::path& file, const std::function<void()>& wor
     try {
         work();
     } catch (const SqliteFailure& failure) {
-        throw StoreProblem(sentence(file.string(), failure));
+        const std::string problem = sentence(file.string(), failure);
+        if (failure.isFull() || failure.isBusy())
+            throw StoreBusy(problem);
+        throw StoreProblem(problem);
     }
 }
 

@@ -14,7 +14,13 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// An entry of another store contradicts an existing one: the same number of the same batch, but not the same sheet.
+/// A store takes nothing now: its disk is full, or another program holds it. That may pass.
+class StoreBusy final : public StoreProblem {
+public:
+    using StoreProblem::StoreProblem;
+};
+
+/// An entry of another store contradicts one that is there: the same number of the same batch, but not the same sheet.
 class EntryRefused final : public StoreProblem {
 public:
     using StoreProblem::StoreProblem;

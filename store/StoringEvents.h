@@ -7,19 +7,25 @@
 
 #include <chrono>
 #include <functional>
+#include <optional>
 #include <string>
 
 namespace kel {
 
 /// What to do about a store that accepts nothing.
 struct StoreTrouble {
-    std::function<void(const std::string& sentence)> tell; ///< what is wrong, once; and that it is over
+    std::function<void(const std::string& problem)> tell;  ///< what is wrong, once
+    std::function<void(const std::string& sentence)> over; ///< and that it is over
     /// Waits before the next attempt; false to give up.
     std::function<bool(std::chrono::milliseconds pause)> pause;
 };
 
-/// Saves each event of a batch in a store, and only then passes it on. While the store accepts nothing, an event does
-/// not return, so that no further sheet is fed.
+/// Waits until the store can be written to, and returns how many sheets it has of a batch: the next one gets the number
+/// after that. Nothing if somebody gave up.
+[[nodiscard]] std::optional<Int32> sheetsBefore(SheetStore& store, const Origin& origin, const StoreTrouble& trouble);
+
+/// Keeps each event of a batch in a store, and only then hands it on. While the store takes nothing, an event does not
+/// return, so that no further sheet is fed.
 class StoringEvents final : public host::Events {
 public:
     StoringEvents(SheetStore& store, Origin origin, Setup setup, host::Events& next, StoreTrouble trouble)
@@ -31,11 +37,11 @@ public:
     void failure(const host::Failure& event) override;
     void end(const host::BatchEnd& event) override { next_.end(event); }
 
-    /// How many sheets the store has not taken before somebody gave up; they have to be fed again.
+    /// How many sheets the store has not taken before somebody gave up.
     [[nodiscard]] int lost() const noexcept { return lost_; }
 
 private:
-    [[nodiscard]] bool keep(Entry entry);
+    [[nodiscard]] bool keep(Entry& entry);
 
     SheetStore& store_;
     Origin origin_;

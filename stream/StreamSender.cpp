@@ -220,7 +220,7 @@ StreamState StreamSender::state() const
 {
     StreamState state{.isUp = news_.isUp(), .problem = news_.problem()};
     try {
-        SentMark mark(store_);
+        SentMark mark(store_, 0); // whoever asks for the state does not wait
         state.unsent = mark.unsent();
         if (state.problem.empty())
             state.problem = mark.reason();

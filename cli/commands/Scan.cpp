@@ -149,20 +149,22 @@ int read(host::Reader& reader, const ScanArguments& arguments)
     demandLine(arguments, reader.object());
     const std::optional<std::vector<host::Field>> fields =
         wantedFields(arguments.fields, reader.form(), arguments.format);
+    std::optional<ScanStore> store;
+    if (!arguments.storeFile.empty()) {
+        store.emplace(storeNames(arguments));
+        reader.sheetsBefore(store->sheetsBefore());
+    }
     reader.connect();
     const clsKELReader& object = reader.object();
     const PictureForm form = pictureForm(reader.form(), object.ReaderType(), object.RecognitionThreshold());
     ScanOutput output(arguments.outFile, arguments.format, pageTitle(object.ReaderType()), form, fields);
     if (!arguments.pictureFolder.empty())
         output.addPictures(pathOf(arguments.pictureFolder), form);
-    std::optional<ScanStore> store;
-    if (!arguments.storeFile.empty())
-        store.emplace(storeNames(arguments), reader, output);
+    host::Events& events = store ? store->events(reader, output) : output;
     const host::Result result = [&] {
         const InterruptWatch interrupt([&] { reader.object().CancelScan(True); });
         return reader.read(
-            store ? store->events() : output, [&] { return InterruptNote::came() || !output.problem().empty(); },
-            host::StopAsked::AtEachSheet);
+            events, [&] { return InterruptNote::came() || !output.problem().empty(); }, host::StopAsked::AtEachSheet);
     }();
     tellFaults(reader.simulatorErrors());
     tellLineErrors(reader.object());
@@ -230,7 +232,9 @@ void addSheetOptions(CLI::App& command, ScanArguments& arguments)
         ->capture_default_str()
         ->type_name("N");
     command.add_flag("--reject-blank", arguments.rejectBlank, "Rejects sheets without a mark or an answer");
-    command.add_option("--reject-sheets", arguments.rejectSheets, "Rejects these sheets; the first sheet is 1")
+    command
+        .add_option("--reject-sheets", arguments.rejectSheets,
+                    "Rejects these sheets; the first sheet of this scan is 1")
         ->delimiter(',')
         ->allow_extra_args(false)
         ->type_name("2,5");

@@ -9,6 +9,7 @@
 #include "store/StoringEvents.h"
 
 #include <chrono>
+#include <optional>
 #include <thread>
 
 namespace kel {
@@ -33,31 +34,32 @@ bool pauseUnlessInterrupted(std::chrono::milliseconds pause)
 } // namespace
 
 struct ScanStore::State {
-    State(const StoreNames& names, host::Reader& reader, host::Events& output)
-        : store(names.file, "'kelreader scan'"),
-          events(store, originOf(names), setupOf(reader), output, {.tell = &notice, .pause = &pauseUnlessInterrupted})
-    {
-    }
+    explicit State(const StoreNames& names) : store(names.file, "'kelreader scan'"), origin(originOf(names)) {}
 
     SheetStore store;
-    StoringEvents events;
+    Origin origin;
+    StoreTrouble trouble{.tell = &notice, .over = &notice, .pause = &pauseUnlessInterrupted};
+    std::optional<StoringEvents> events;
 };
 
-ScanStore::ScanStore(const StoreNames& names, host::Reader& reader, host::Events& output)
-    : state_(std::make_unique<State>(names, reader, output))
-{
-}
+ScanStore::ScanStore(const StoreNames& names) : state_(std::make_unique<State>(names)) {}
 
 ScanStore::~ScanStore() = default;
 
-host::Events& ScanStore::events()
+Int32 ScanStore::sheetsBefore()
 {
-    return state_->events;
+    // Whoever gives up here has pressed Ctrl-C, and no sheet is read.
+    return kel::sheetsBefore(state_->store, state_->origin, state_->trouble).value_or(0);
+}
+
+host::Events& ScanStore::events(host::Reader& reader, host::Events& output)
+{
+    return state_->events.emplace(state_->store, state_->origin, setupOf(reader), output, state_->trouble);
 }
 
 void ScanStore::demandAll() const
 {
-    if (state_->events.lost() > 0)
+    if (state_->events && state_->events->lost() > 0)
         throw CommandFailure("The store " + state_->store.file().string() +
                              " does not have the last sheet; feed it again.");
 }

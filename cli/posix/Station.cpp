@@ -14,6 +14,7 @@
 
 #include <csignal>
 #include <poll.h>
+#include <sys/resource.h>
 #include <sys/signalfd.h>
 
 namespace kel {
@@ -140,8 +141,19 @@ void lookAfter(Station& station, const StationServers& servers, const StateSocke
     }
 }
 
+/// Each reader has two or three descriptors, and a process has 1,024 unless it asks for more.
+void allowManyReaders()
+{
+    rlimit files{};
+    if (::getrlimit(RLIMIT_NOFILE, &files) != 0)
+        return;
+    files.rlim_cur = files.rlim_max;
+    ::setrlimit(RLIMIT_NOFILE, &files);
+}
+
 int runStation(const StationArguments& arguments)
 {
+    allowManyReaders();
     const Signals signals;
     StationFile file = readStationFile(arguments.file);
     if (!isSound(file, arguments.file))
@@ -150,6 +162,7 @@ int runStation(const StationArguments& arguments)
         StationPorts ports = takePorts(file.plan);
         Station station(file.plan, &notice, &adviceText);
         const StateSocket socket(file.plan.socket);
+        station.begin();
         const StationServers servers(std::move(ports), file.plan, station, &notice);
         tellServiceManager("READY=1");
         lookAfter(station, servers, socket, signals, arguments.file);

@@ -43,16 +43,21 @@ int playLibrary(const PlayedModel&, const std::string&)
 
 struct ScanStore::State {};
 
-ScanStore::ScanStore(const StoreNames&, host::Reader&, host::Events&)
+ScanStore::ScanStore(const StoreNames&)
 {
     throw host::UsageError(kNoStore);
 }
 
 ScanStore::~ScanStore() = default;
 
-host::Events& ScanStore::events()
+Int32 ScanStore::sheetsBefore()
 {
     std::terminate(); // no object has been made
+}
+
+host::Events& ScanStore::events(host::Reader&, host::Events&)
+{
+    std::terminate();
 }
 
 void ScanStore::demandAll() const {}

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/posix/Sqlite.h"
 #include "store/SheetStore.h"
+#include "store/StoredSheets.h"
 #include "tests/cli/CommandRun.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -72,6 +73,35 @@ TEST_F(StoreCommand, NumbersOfABatchRunOnInTheNextScan)
     EXPECT_THAT(sheets({"--batch", "tuesday"}).lines(), SizeIs(1));
     EXPECT_THAT(sheets({"--reader", "nobody"}).lines(), IsEmpty());
     EXPECT_THAT(sheets({"--since", "2999-01-01"}).lines(), IsEmpty());
+}
+
+TEST_F(StoreCommand, SheetsHaveTheSameNumberOnPaperInTheOutputAndInTheStore)
+{
+    const Words printing = {"--batch", "monday", "--set", "Printer.Enabled=true", "--print1", "no {sheet}"};
+    for (const std::string trace : {"first", "second"}) {
+        Words words = printing;
+        words.insert(words.end(), {"--trace", folder_.file(trace)});
+        ASSERT_EQ(scan(2, words).status, 0);
+    }
+    Words words = printing;
+    words.insert(words.end(), {"--reject-sheets", "2"}); // counts the sheets of this scan
+    std::vector<std::string> scanned;
+    for (const std::string& line : scan(2, words).lines()) {
+        const Json event = Json::parse(line);
+        if (event["event"] == "sheet")
+            scanned.push_back(event["sheet"].dump() + " rejected " + event["rejected"].dump());
+    }
+    EXPECT_THAT(scanned, ElementsAre("5 rejected false", "6 rejected true"));
+    std::vector<std::string> printed;
+    StoredSheets(store_).read({.failures = false}, 0, [&](const Entry& entry) {
+        for (const std::string& text : entry.sheet()->sheet.printedLines)
+            printed.push_back(std::to_string(entry.sheet()->sheet.number) + ": " + text);
+        return true;
+    });
+    EXPECT_THAT(printed, ElementsAre("1: no 1", "2: no 2", "3: no 3", "4: no 4", "5: no 5"));
+    // A replay prints the same.
+    const CommandOutcome replay = runCommand({"replay", folder_.file("second")});
+    EXPECT_EQ(replay.status, 0) << replay.output << replay.errors;
 }
 
 TEST_F(StoreCommand, WritesRowsForSpreadsheetsAndForTheEye)

@@ -27,7 +27,8 @@ struct Trouble {
 
     StoreTrouble calls()
     {
-        return {.tell = [this](const std::string& sentence) { told.push_back(sentence); },
+        return {.tell = [this](const std::string& problem) { told.push_back(problem); },
+                .over = [this](const std::string& sentence) { told.push_back(sentence); },
                 .pause =
                     [this](std::chrono::milliseconds) {
                         ++pauses;

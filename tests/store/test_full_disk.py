@@ -20,9 +20,9 @@ FORM = {"side1Rows": [63], "side1Cols": [48]}
 SHEETS = 30
 DISK, TAKEN = 8 << 20, 7850 << 10  # what is free takes a new store and some of the sheets
 
-# Runs the rest of the words where the first one names a small disk, on which there is little space left.
-ON_A_SMALL_DISK = f"""
-mount -t tmpfs -o size={DISK} none "$1" && head -c {TAKEN} /dev/zero > "$1/taken" && shift && exec "$@"
+# Runs the rest of the words where the first one names a small disk, on which so much of the space is taken.
+ON_A_SMALL_DISK = """
+mount -t tmpfs -o size=%d none "$1" && head -c %d /dev/zero > "$1/taken" && shift && exec "$@"
 """
 FILE_SYSTEM_OF_ITS_OWN = ["unshare", "--user", "--map-root-user", "--mount"]
 
@@ -45,13 +45,19 @@ class FullDisk(unittest.TestCase):
             reader = subprocess.Popen([PROGRAM, "simulate", *made_up(), "--link", str(device)], stdout=log)
         self.addCleanup(reader.wait, HUNG)
         self.addCleanup(reader.terminate)
+        self.device = str(device)
+
+    def start(self, taken):
         self.station = Station(
             PROGRAM,
-            [{"name": "left", "model": MODEL, "device": str(device), "form": "form.json", "set": {"SleepTime": 1}}],
+            [{"name": "left", "model": MODEL, "device": self.device, "form": "form.json", "set": {"SleepTime": 1}}],
             self.folder,
-            [*FILE_SYSTEM_OF_ITS_OWN, "sh", "-c", ON_A_SMALL_DISK, "sh", str(self.folder / "disk")],
+            [*FILE_SYSTEM_OF_ITS_OWN, "sh", "-c", ON_A_SMALL_DISK % (DISK, taken), "sh", str(self.folder / "disk")],
             store="disk/hall.db")
         self.addCleanup(self.station.close)
+
+    def make_space(self):
+        Path(f"/proc/{self.station.process.pid}/root{self.folder}/disk/taken").unlink()  # as the station sees it
 
     def enterContext(self, manager):
         self.addCleanup(manager.__exit__, None, None, None)
@@ -79,12 +85,26 @@ class FullDisk(unittest.TestCase):
                         "--max-sheets", str(SHEETS), "--store", store], capture_output=True, check=True, timeout=HUNG)
         return self.sheets(store)
 
+    def test_a_station_starts_on_a_full_disk_and_reads_when_there_is_space(self):
+        self.start(DISK)
+        self.station.wait(lambda: "is full: its disk has no space left. Free some" in self.station.told())
+        state = self.station.wait(lambda: (now := self.station.json("/state"))["readers"][0]["state"] == "storing" and now)
+        self.assertIn("is full", state["storeProblem"])
+        self.assertEqual(self.fed(), 0)
+        self.make_space()
+        self.station.wait(lambda: "takes sheets again." in self.station.told())
+        self.station.wait(lambda: self.fed() == SHEETS and len(self.stored()) == SHEETS)
+        self.assertEqual(self.stored(), self.as_scanned())
+        self.assertEqual(self.station.told().count("is full"), 1)
+        self.assertEqual(self.station.stop(), 0)
+
     def test_nothing_is_fed_until_there_is_space_and_no_sheet_is_lost(self):
+        self.start(TAKEN)
         self.station.wait(lambda: "is full: its disk has no space left. Free some" in self.station.told())
         stored = len(self.stored())
         self.assertLess(stored, SHEETS)
         self.assertEqual(self.fed(), stored + 1)  # one sheet waits until it is stored
-        Path(f"/proc/{self.station.process.pid}/root{self.folder}/disk/taken").unlink()  # as the station sees it
+        self.make_space()
         self.station.wait(lambda: "takes sheets again." in self.station.told())
         self.station.wait(lambda: len(self.stored()) == SHEETS)
         self.assertEqual(self.stored(), self.as_scanned())
