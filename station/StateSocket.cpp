@@ -5,10 +5,11 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cstring>
+#include <poll.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
-#include <sys/time.h>
 #include <sys/un.h>
 
 namespace kel {
@@ -17,7 +18,8 @@ namespace {
 
 constexpr mode_t kUserAndGroup = 0660;
 constexpr int kWaiting = 16;
-constexpr timeval kPatience{.tv_sec = 1, .tv_usec = 0};
+// Whoever looks after the station waits for nobody longer than this.
+constexpr std::chrono::seconds kPatience{2};
 
 sockaddr_un addressOf(const std::filesystem::path& file)
 {
@@ -29,9 +31,9 @@ sockaddr_un addressOf(const std::filesystem::path& file)
     return address;
 }
 
-FileDescriptor newSocket()
+FileDescriptor newSocket(int more = 0)
 {
-    return FileDescriptor(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    return FileDescriptor(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | more, 0));
 }
 
 /// A free function, so that its cast stands once.
@@ -40,35 +42,64 @@ int reach(int (*call)(int, const sockaddr*, socklen_t), const FileDescriptor& so
     return call(socket.number(), reinterpret_cast<const sockaddr*>(&address), sizeof address);
 }
 
+/// Whether somebody listens at a socket.
+bool isServed(const sockaddr_un& address)
+{
+    const FileDescriptor asking = newSocket(SOCK_NONBLOCK);
+    return reach(&::connect, asking, address) == 0 || errno == EAGAIN; // so many ask that this one would have to wait
+}
+
+/// Waits until something can be done with a socket; false once the time is over.
+bool waitFor(const FileDescriptor& socket, short what, std::chrono::steady_clock::time_point end)
+{
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - std::chrono::steady_clock::now());
+    pollfd handle{socket.number(), what, 0};
+    return left.count() > 0 && retrying([&] { return ::poll(&handle, 1, static_cast<int>(left.count())); }) > 0;
+}
+
 } // namespace
 
 StateSocket::StateSocket(std::filesystem::path file) : file_(std::move(file)), listening_(newSocket())
 {
     const sockaddr_un address = addressOf(file_);
-    // The store's lock has shown that no other station is at work here: an existing socket is left over.
-    if (std::filesystem::is_socket(file_))
-        std::filesystem::remove(file_);
-    // Nobody can connect before `listen`, and by then the rights are set.
+    std::error_code none;
+    if (std::filesystem::is_socket(file_, none)) {
+        if (isServed(address))
+            throw host::OperationError("The socket " + file_.string() +
+                                       " is that of a station at work; name another one as \"socket\".");
+        std::filesystem::remove(file_, none); // left behind
+    }
+    // Nobody is heard before `listen`, and by then the rights are set.
     if (reach(&::bind, listening_, address) != 0 || ::chmod(file_.c_str(), kUserAndGroup) != 0 ||
         ::listen(listening_.number(), kWaiting) != 0)
         throw host::OperationError("The socket " + file_.string() + " cannot be made: " + std::strerror(errno) +
                                    ". May this user write in its folder?");
+    bound_ = identity();
 }
 
 StateSocket::~StateSocket()
 {
     std::error_code ignored;
-    std::filesystem::remove(file_, ignored);
+    if (identity() == bound_)
+        std::filesystem::remove(file_, ignored);
+}
+
+StateSocket::FileIdentity StateSocket::identity() const
+{
+    struct stat facts {};
+    if (::lstat(file_.c_str(), &facts) != 0)
+        return {};
+    return {facts.st_dev, facts.st_ino};
 }
 
 void StateSocket::answer(const std::string& text) const
 {
-    const FileDescriptor asking(::accept4(listening_.number(), nullptr, nullptr, SOCK_CLOEXEC));
+    const FileDescriptor asking(::accept4(listening_.number(), nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK));
     if (!asking.isOpen())
         return;
-    ::setsockopt(asking.number(), SOL_SOCKET, SO_SNDTIMEO, &kPatience, sizeof kPatience);
+    const auto end = std::chrono::steady_clock::now() + kPatience;
     std::string_view rest = text;
-    while (!rest.empty()) {
+    while (!rest.empty() && waitFor(asking, POLLOUT, end)) {
         const ssize_t sent = retrying([&] { return ::send(asking.number(), rest.data(), rest.size(), MSG_NOSIGNAL); });
         if (sent <= 0)
             return;
@@ -76,10 +107,17 @@ void StateSocket::answer(const std::string& text) const
     }
 }
 
-std::string askStation(const std::filesystem::path& socket)
+std::string askStation(const std::filesystem::path& socket, std::chrono::milliseconds patience)
 {
-    const FileDescriptor asking = newSocket();
+    const FileDescriptor asking = newSocket(SOCK_NONBLOCK);
+    const auto end = std::chrono::steady_clock::now() + patience;
+    const auto refuseStuck = [&] {
+        throw host::OperationError("The station at " + socket.string() +
+                                   " does not answer: it is stuck, or its machine is very busy. Restart it.");
+    };
     if (reach(&::connect, asking, addressOf(socket)) != 0) {
+        if (errno == EAGAIN) // others wait for it already, more than it may have waiting
+            refuseStuck();
         if (errno == EACCES)
             throw host::OperationError("You may not ask the station at " + socket.string() +
                                        ": its user and its group may; join the group, or use sudo.");
@@ -89,6 +127,8 @@ std::string askStation(const std::filesystem::path& socket)
     std::string text;
     std::array<char, 65536> bytes;
     for (;;) {
+        if (!waitFor(asking, POLLIN, end))
+            refuseStuck();
         const ssize_t count = retrying([&] { return ::read(asking.number(), bytes.data(), bytes.size()); });
         if (count <= 0)
             return text;
