@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace kel {
@@ -17,6 +18,9 @@ public:
 
     /// Passes each key's value to its reader, as `readJsonObject` does, and goes on after a mistake.
     void readObject(const Json& value, const JsonPlace& place, const JsonKeyReaders& readers);
+
+    /// A key that an object has twice, of which JSON's readers take the last. The text is JSON.
+    void findRepeatedKeys(std::string_view text);
 
     void add(const JsonPlace& place, const std::string& complaint);
 

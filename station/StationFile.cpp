@@ -2,12 +2,15 @@
 #include "station/StationFile.h"
 
 #include "formats/JsonValue.h"
+#include "formats/RegistryCopy.h"
 #include "host/JsonFile.h"
 #include "host/LoadedSettings.h"
 #include "host/PropertyTable.h"
 #include "host/Reader.h"
+#include "platform/Platform.h"
 #include "station/IpAddress.h"
 #include "station/JsonFaults.h"
+#include "station/StationChecks.h"
 #include "store/ReaderSetup.h"
 #include "stream/StreamFiles.h"
 #include "types/Text.h"
@@ -74,10 +77,12 @@ class Reading {
 public:
     explicit Reading(std::filesystem::path file) : file_(std::move(file)), folder_(file_.parent_path()) {}
 
-    void read(const Json& root)
+    void read(const std::string& text)
     {
+        const Json root = parseJson(text);
+        faults_.findRepeatedKeys(text);
         faults_.readObject(root, {}, stationReaders());
-        if (!faults_.all().empty() && !root.is_object())
+        if (!root.is_object())
             return;
         plan_.content = contentOfAllButReaders(root);
         if (!root.contains("store"))
@@ -91,6 +96,9 @@ public:
                                         " bytes); give it a shorter one");
         if (plan_.page && plan_.metrics && plan_.page->port != 0 && plan_.page->port == plan_.metrics->port)
             faults_.add({"metrics.port"}, "is the port of the page; give it another one");
+        checkFolder(plan_.store, {"store"}, faults_);
+        if (root.contains("socket"))
+            checkFolder(plan_.socket, {"socket"}, faults_);
         if (plan_.firstPause > plan_.longestPause)
             faults_.add({"retry.first"}, "is longer than \"longest\"");
     }
@@ -118,40 +126,51 @@ public:
         const auto text = [](std::optional<std::string>& target) {
             return [&target](const Json& v, const JsonPlace& p) { target = readJsonText(v, p); };
         };
-        return {
-            {"name", [&](const Json& v, const JsonPlace& p) { plan.name = readName(v, p); }},
-            {"batch", [&](const Json& v, const JsonPlace& p) { plan.batch = readFilled(v, p); }},
-            {"model",
-             [&](const Json& v, const JsonPlace& p) {
-                 request.model = v.is_number_integer() ? host::Model(jsonText(v)) : host::Model(readJsonText(v, p));
-             }},
-            {"settings",
-             [&](const Json& v, const JsonPlace& p) { request.settings = host::keyNamed(readJsonText(v, p)); }},
-            {"port", [&](const Json& v, const JsonPlace& p) { request.port = readJsonNumber(v, p, 1, 16); }},
-            {"device", [&](const Json& v, const JsonPlace& p) { request.device = readFilled(v, p); }},
-            {"simulate", [&](const Json& v, const JsonPlace& p) { readSimulation(v, p, request.simulated.emplace()); }},
-            {"form",
-             [&](const Json& v, const JsonPlace& p) {
-                 request.form = host::readFormFile(named(v, p, plan, host::kFormFile));
-             }},
-            {"answerKey",
-             [&](const Json& v, const JsonPlace& p) {
-                 request.answerKey = host::readAnswerKeyFile(named(v, p, plan, host::kAnswerKeyFile));
-             }},
-            {"set", [&](const Json& v, const JsonPlace& p) { readAssignments(v, p, request); }},
-            {"omrapi", [&](const Json& v, const JsonPlace& p) { request.usbLibrary = path(v, p); }},
-            {"trace", [&](const Json& v, const JsonPlace& p) { request.traceFile = path(v, p); }},
-            {"rejectBlank", [&](const Json& v, const JsonPlace& p) { request.rejectBlank = readJsonTruth(v, p); }},
-            {"print1", text(request.print.print1)},
-            {"print2", text(request.print.print2)},
-            {"print3", text(request.print.print3)},
-            {"printDistance", [&](const Json& v, const JsonPlace& p) {
-                 using Limits = std::numeric_limits<Int16>;
-                 request.print.distance = readJsonNumber(v, p, Limits::min(), Limits::max());
-             }}};
+        return {{"name", [&](const Json& v, const JsonPlace& p) { plan.name = readName(v, p); }},
+                {"batch", [&](const Json& v, const JsonPlace& p) { plan.batch = readFilled(v, p); }},
+                {"model",
+                 [&](const Json& v, const JsonPlace& p) {
+                     request.model = v.is_number_integer() ? host::Model(jsonText(v)) : host::Model(readJsonText(v, p));
+                 }},
+                {"settings",
+                 [&](const Json& v, const JsonPlace& p) {
+                     request.settings = host::keyNamed(readJsonText(v, p));
+                     plan.content += regFileBytes(registryEntries(platform().registry(), *request.settings));
+                 }},
+                {"port", [&](const Json& v, const JsonPlace& p) { request.port = readJsonNumber(v, p, 1, 16); }},
+                {"device", [&](const Json& v, const JsonPlace& p) { request.device = readFilled(v, p); }},
+                {"simulate", [&](const Json& v, const JsonPlace& p) { readSimulation(v, p, plan); }},
+                {"form",
+                 [&](const Json& v, const JsonPlace& p) {
+                     request.form = host::readFormFile(named(v, p, plan, host::kFormFile));
+                 }},
+                {"answerKey",
+                 [&](const Json& v, const JsonPlace& p) {
+                     request.answerKey = host::readAnswerKeyFile(named(v, p, plan, host::kAnswerKeyFile));
+                 }},
+                {"set", [&](const Json& v, const JsonPlace& p) { readAssignments(v, p, request); }},
+                {"omrapi", [&](const Json& v, const JsonPlace& p) { request.usbLibrary = path(v, p); }},
+                {"trace",
+                 [&](const Json& v, const JsonPlace& p) {
+                     request.traceFile = path(v, p);
+                     checkFolder(request.traceFile, p, faults_);
+                 }},
+                {"rejectBlank", [&](const Json& v, const JsonPlace& p) { request.rejectBlank = readJsonTruth(v, p); }},
+                {"print1", text(request.print.print1)},
+                {"print2", text(request.print.print2)},
+                {"print3", text(request.print.print3)},
+                {"printDistance", [&](const Json& v, const JsonPlace& p) {
+                     using Limits = std::numeric_limits<Int16>;
+                     request.print.distance = readJsonNumber(v, p, Limits::min(), Limits::max());
+                 }}};
     }
 
 private:
+    struct Line {
+        std::string reader{};
+        std::string name{};
+    };
+
     [[nodiscard]] std::filesystem::path path(const Json& value, const JsonPlace& place) const
     {
         return folder_ / readFilled(value, place);
@@ -167,7 +186,7 @@ private:
 
     void readRetry(const Json& value, const JsonPlace& place)
     {
-        readJsonObject(
+        faults_.readObject(
             value, place,
             {{"first", [this](const Json& v, const JsonPlace& p) { plan_.firstPause = readSeconds(v, p); }},
              {"longest", [this](const Json& v, const JsonPlace& p) { plan_.longestPause = readSeconds(v, p); }}});
@@ -183,13 +202,12 @@ private:
         const auto file = [this](std::filesystem::path& target) {
             return [this, &target](const Json& v, const JsonPlace& p) { target = path(v, p); };
         };
-        const std::size_t before = faults_.all().size();
         faults_.readObject(
             value, place,
             {{"servers",
               [&](const Json& v, const JsonPlace& p) {
                   readJsonArray(v, p, [&](const Json& server, const JsonPlace& here) {
-                      stream.servers.push_back(readFilled(server, here));
+                      faults_.attempt(here, [&] { stream.servers.push_back(readFilled(server, here)); });
                   });
               }},
              {"name", text(stream.stream)},
@@ -200,15 +218,10 @@ private:
              {"certificate", file(stream.certificate)},
              {"key", file(stream.key)},
              {"credentials", file(stream.credentials)}});
-        if (stream.certificate.empty() != stream.key.empty())
-            faults_.add(place, "has one of \"certificate\" and \"key\"; it needs both");
-        if (faults_.all().size() != before)
-            return;
-        std::string fault = faultOf(stream);
-        if (fault.empty() && hasSecrets(stream))
-            fault = exposureOf(file_);
-        if (!fault.empty())
-            faults_.add(place, "cannot be used: " + fault.substr(0, fault.size() - 1));
+        checkStream(stream, place, faults_);
+        const std::string exposure = hasSecrets(stream) ? exposureOf(file_) : std::string();
+        if (!exposure.empty())
+            faults_.add(place, "cannot be used: " + exposure.substr(0, exposure.size() - 1));
     }
 
     static Int32 readPort(const Json& value, const JsonPlace& place)
@@ -223,7 +236,6 @@ private:
         const auto file = [this](std::filesystem::path& target) {
             return [this, &target](const Json& v, const JsonPlace& p) { target = path(v, p); };
         };
-        const std::size_t before = faults_.all().size();
         faults_.readObject(value, place,
                            {{"port", [&](const Json& v, const JsonPlace& p) { page.port = readPort(v, p); }},
                             {"address", [&](const Json& v, const JsonPlace& p) { page.address = readAddress(v, p); }},
@@ -232,13 +244,11 @@ private:
                             {"key", file(page.key)}});
         if (value.is_object() && !value.contains("port"))
             faults_.add(place, "has no \"port\"");
-        if (page.certificate.empty() != page.key.empty())
-            faults_.add(place, "has one of \"certificate\" and \"key\"; it needs both");
-        else if (!isLoopback(page.address) && (page.passwords.empty() || page.key.empty()))
+        checkPage(page, place, faults_);
+        if (page.certificate.empty() == page.key.empty() && !isLoopback(page.address) &&
+            (page.passwords.empty() || page.key.empty()))
             faults_.add(place, "can be reached from other machines at " + page.address +
                                    "; give it \"passwords\", \"certificate\" and \"key\", or leave the address out");
-        if (faults_.all().size() == before)
-            faults_.attempt(place, [&] { checkWebPlan(page); });
     }
 
     static std::string readAddress(const Json& value, const JsonPlace& place)
@@ -258,8 +268,10 @@ private:
             faults_.add(place, "has no \"port\"");
     }
 
-    void readSimulation(const Json& value, const JsonPlace& place, host::Simulation& simulation) const
+    void readSimulation(const Json& value, const JsonPlace& place, ReaderPlan& plan)
     {
+        constexpr FileKind kSheetFile{"sheet file", 32};
+        host::Simulation& simulation = plan.request.simulated.emplace();
         const auto texts = [](std::vector<std::string>& target) {
             return [&target](const Json& v, const JsonPlace& p) {
                 readJsonArray(
@@ -272,9 +284,9 @@ private:
                 target = static_cast<std::uint64_t>(readJsonLongNumber(v, p, 0, kMost));
             };
         };
-        readJsonObject(
+        faults_.readObject(
             value, place,
-            {{"sheets", [&](const Json& v, const JsonPlace& p) { simulation.sheets = path(v, p); }},
+            {{"sheets", [&](const Json& v, const JsonPlace& p) { simulation.sheets = named(v, p, plan, kSheetFile); }},
              {"seed", number(simulation.seed)},
              {"count", number(simulation.count)},
              {"faults", texts(simulation.faults)},
@@ -314,32 +326,59 @@ private:
         faults_.readObject(value, place, readerReaders(plan));
         if (value.is_object() && !value.contains("name"))
             faults_.add(place, "has no \"name\"");
+        if (value.is_object())
+            checkReader(value, plan, place);
         if (faults_.all().size() == before)
-            checkReader(plan, place);
+            checkSession(plan, place);
         plan_.readers.push_back(std::move(plan));
     }
 
-    /// What can be wrong although each of its values is right.
-    void checkReader(const ReaderPlan& plan, const JsonPlace& place)
+    /// What can be wrong although each of its values is right. A key counts as named whatever its value is.
+    void checkReader(const Json& value, const ReaderPlan& plan, const JsonPlace& place)
     {
         const host::Request& request = plan.request;
-        const int lines = (request.port ? 1 : 0) + (request.device.empty() ? 0 : 1) + (request.simulated ? 1 : 0);
+        const bool hasSettings = value.contains("settings");
+        const auto lines = value.contains("port") + value.contains("device") + value.contains("simulate");
         const bool isUsb = request.model && host::isUsbModel(*request.model);
-        if (!request.model && !request.settings)
+        if (!value.contains("model") && !hasSettings)
             faults_.add(place, "names neither \"model\" nor \"settings\"");
-        else if (lines > 1)
+        if (lines > 1)
             faults_.add(place, "names more than one of \"port\", \"device\" and \"simulate\"");
-        else if (lines == 0 && !isUsb && !request.settings)
+        else if (lines == 0 && !isUsb && !hasSettings)
             faults_.add(place, "does not say where it is: name its \"port\" or its \"device\"");
         const auto taken = std::find_if(plan_.readers.begin(), plan_.readers.end(),
                                         [&](const ReaderPlan& other) { return other.name == plan.name; });
-        if (taken != plan_.readers.end())
+        if (!plan.name.empty() && taken != plan_.readers.end())
             faults_.add(place.key("name"), "is \"" + plan.name + "\", which another reader has, too");
+        checkLine(plan, place);
+    }
+
+    /// Each reader has a line of its own, whatever that is called.
+    void checkLine(const ReaderPlan& plan, const JsonPlace& place)
+    {
+        const host::Request& request = plan.request;
         const std::string line = request.port ? "port " + CStr(*request.port) : request.device;
-        if (const auto [other, isNew] = lines_.emplace(line, plan.name); !line.empty() && !isNew)
-            faults_.add(place, "has " + line + ", which the reader \"" + other->second + "\" has, too");
-        if (request.model || request.settings)
-            faults_.attempt(place, [&] { const host::Reader probe(request); });
+        if (line.empty())
+            return;
+        std::error_code error;
+        const std::filesystem::path device = std::filesystem::weakly_canonical(line, error);
+        const std::string identity = line.front() == '/' && !error ? device.string() : line;
+        const auto [other, isNew] = lines_.try_emplace(identity, Line{.reader = plan.name, .name = line});
+        if (isNew)
+            return;
+        const std::string asWhat = other->second.name == line ? "" : " as " + other->second.name;
+        faults_.add(place, "has " + line + ", which the reader \"" + other->second.reader + "\" has, too" + asWhat);
+    }
+
+    /// What is found out when a session is prepared.
+    void checkSession(const ReaderPlan& plan, const JsonPlace& place)
+    {
+        const host::Request& request = plan.request;
+        faults_.attempt(place, [&] {
+            host::Reader probe(request);
+            if (request.simulated)
+                checkSimulation(request, probe.object().ReaderType(), place.key("simulate"), faults_);
+        });
     }
 
     [[nodiscard]] static std::string contentOfAllButReaders(Json root)
@@ -353,7 +392,7 @@ private:
     std::filesystem::path folder_;
     StationPlan plan_;
     JsonFaults faults_;
-    std::map<std::string, std::string> lines_;
+    std::map<std::string, Line> lines_; ///< by what is the same however it is called
 
 public:
     std::string batch_; ///< of the readers that have none of their own
@@ -372,7 +411,7 @@ std::vector<std::string> names(const JsonKeyReaders& readers)
 StationFile readStationFile(const std::filesystem::path& file)
 {
     Reading reading(std::filesystem::absolute(file));
-    reading.faults().attempt({}, [&] { reading.read(parseJson(host::readGivenFile(file, kStationFile))); });
+    reading.faults().attempt({}, [&] { reading.read(host::readGivenFile(file, kStationFile)); });
     const std::string batch = reading.batch_;
     StationFile result = std::move(reading).result();
     if (result.plan.station.empty())

@@ -125,27 +125,60 @@ TEST_F(AStationFile, IsToldAllThatIsWrongAtOnce)
 {
     const StationFile file = read(R"({"station": "hall x", "stor": "hall.db", "retry": {"first": 2, "longest": 1},
         "readers": [
-            {"name": "left", "model": 99, "simulate": {"count": -3}, "set": {"SleepTim": 1, "Port": "x"}},
+            {"name": "left", "model": 99, "simulate": {"count": -3, "seed": "x"}, "set": {"SleepTim": 1, "Port": "x"}},
             {"name": "a", "model": 13, "device": "/dev/nothing", "port": 17},
             {"name": "b", "model": 13, "device": "/dev/nothing", "port": 1},
             {"name": "b", "model": 13}, 7,
             {"name": "c", "model": 13, "port": 2}, {"name": "d", "model": 13, "port": 2},
-            {"model": 13, "form": "none.json"}]})");
+            {"model": 13, "form": "none.json"},
+            {"name": "e", "model": 13, "trace": "none/trace", "simulate": {"sheets": "none.json"}},
+            {"name": "f", "model": 13, "name": "g", "simulate": {"faults": ["jam@sheet=2", "bogus=1", "x"],
+             "settings": ["a"]}},
+            {"name": "h", "model": 13, "device": "/dev/null"},
+            {"name": "i", "model": 13, "device": "/dev/../dev/null"}]})");
+    EXPECT_THAT(
+        file.faults,
+        ElementsAre(
+            "readers[9].name is there twice; remove one of them.", HasSubstr("station has to be 1 to 64 letters"),
+            "the file has an unknown key \"stor\"; the nearest is store.",
+            HasSubstr("readers[0].model: There is no model '99'"),
+            HasSubstr("readers[0].simulate.count has to be a whole number"),
+            HasSubstr("readers[0].simulate.seed has to be a whole number"),
+            HasSubstr("readers[0].set.SleepTim: The reader has no property 'SleepTim'"),
+            HasSubstr("readers[0].set.Port: 'x' does not fit Port"),
+            HasSubstr("readers[1].port has to be a whole number from 1 to 16"),
+            HasSubstr("readers[1] names more than one of \"port\", \"device\" and \"simulate\""),
+            HasSubstr("readers[2] names more than one of \"port\", \"device\" and \"simulate\""),
+            HasSubstr("readers[3] does not say where it is"),
+            "readers[3].name is \"b\", which another reader has, too.", "readers[4] has to be an object, not a number.",
+            "readers[6] has port 2, which the reader \"c\" has, too.", HasSubstr("readers[7].form: The form file "),
+            "readers[7] has no \"name\".", HasSubstr("readers[7] does not say where it is"),
+            HasSubstr("readers[8].trace is to be in the folder "),
+            HasSubstr("readers[8].simulate.sheets: The sheet file "), HasSubstr("readers[9].simulate.faults[1]: "),
+            HasSubstr("readers[9].simulate.faults[2]: "), HasSubstr("readers[9].simulate.settings[0]: "),
+            "readers[11] has /dev/../dev/null, which the reader \"h\" has, too, as /dev/null.",
+            "the file names no \"store\".", "retry.first is longer than \"longest\"."));
+}
+
+TEST_F(AStationFile, IsToldAllThatIsWrongWithItsStreamItsPageAndItsFolders)
+{
+    const StationFile file = read(R"({"store": "none/hall.db", "socket": "none/socket",
+        "retry": {"first": "x", "longest": 0},
+        "stream": {"servers": ["a", "http://b", 7], "name": "a.b", "subject": "a.*", "authority": "no.pem",
+                   "credentials": "no.creds", "replicas": 9},
+        "page": {"port": "x", "passwords": "people", "certificate": "no.pem", "key": "no.key"},
+        "readers": [{"name": "left", "model": 13, "port": 1}]})");
     EXPECT_THAT(file.faults,
-                ElementsAre(HasSubstr("station has to be 1 to 64 letters"),
-                            "the file has an unknown key \"stor\"; the nearest is store.",
-                            HasSubstr("readers[0].model: There is no model '99'"),
-                            HasSubstr("readers[0].simulate.count has to be a whole number"),
-                            HasSubstr("readers[0].set.SleepTim: The reader has no property 'SleepTim'"),
-                            HasSubstr("readers[0].set.Port: 'x' does not fit Port"),
-                            HasSubstr("readers[1].port has to be a whole number from 1 to 16"),
-                            HasSubstr("readers[2] names more than one of \"port\", \"device\" and \"simulate\""),
-                            HasSubstr("readers[3] does not say where it is"),
-                            "readers[3].name is \"b\", which another reader has, too.",
-                            "readers[4] has to be an object, not a number.",
-                            "readers[6] has port 2, which the reader \"c\" has, too.",
-                            HasSubstr("readers[7].form: The form file "), "readers[7] has no \"name\".",
-                            "the file names no \"store\".", "retry.first is longer than \"longest\"."));
+                ElementsAre(HasSubstr("retry.first has to be a number of seconds"),
+                            HasSubstr("retry.longest has to be 0.01 to 86400 seconds"),
+                            HasSubstr("stream.servers[2] has to be a text"), HasSubstr("stream.replicas has to be"),
+                            HasSubstr("stream.servers[1] cannot be used: The text 'http://b'"),
+                            HasSubstr("stream.name cannot be used: "), HasSubstr("stream.subject cannot be used: "),
+                            HasSubstr("stream.authority cannot be used: "),
+                            HasSubstr("stream.credentials cannot be used: "),
+                            HasSubstr("stream cannot be used: The file "), HasSubstr("page.port has to be"),
+                            HasSubstr("page: "), HasSubstr("page: "), HasSubstr("store is to be in the folder "),
+                            HasSubstr("socket is to be in the folder ")));
 }
 
 TEST_F(AStationFile, SaysWhereItsPageAndItsMetricsAre)
