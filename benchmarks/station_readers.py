@@ -3,6 +3,7 @@
 """Measures a station with many simulated readers, its store and its stream included, beside the component alone.
 
     station_readers.py KELREADER KEL_MANY_READERS [--out RESULTS.json] [--readers 64,512] [--seconds N]
+                       [--disk FOLDER]
 
 The readers feed sheets of 63 rows and 48 columns at 38,400 baud, in a process of their own. Bytes come in bursts of 15, as
 serial ports give them; those of 512 readers as serial adapters give them, after 16 milliseconds.
@@ -12,7 +13,6 @@ import argparse
 import contextlib
 import json
 import os
-import resource
 import sqlite3
 import statistics
 import subprocess
@@ -28,6 +28,7 @@ ROWS, COLUMNS = 63, 48
 BURST, ADAPTER = 4, 16  # milliseconds
 MANY = 100  # readers, from which on they are taken to stand behind adapters
 WARM_UP = 5
+SHEETS = 500  # to find what a commit takes
 
 
 def processor_seconds(process):
@@ -137,6 +138,28 @@ def station(kelreader, program, readers, seconds):
     return {**found, "page_ms": statistics.median(row[0] for row in rows)}
 
 
+def interval(kelreader, folder, *more):
+    """The median time from sheet to sheet of a simulated reader that loses none, in milliseconds."""
+    command = [kelreader, "scan", "--simulate", "--model", "13", "--rate", "unlimited", "--count", str(SHEETS),
+               "--max-sheets", str(SHEETS), "--set", "SleepTime=1", "--format", "csv", *more]
+    with subprocess.Popen(command, stdout=subprocess.PIPE, env={**os.environ, "KELREADER_REGISTRY_DIR": str(folder)}) as scan:
+        scan.stdout.readline()  # the heading
+        times = [time.monotonic() for _ in scan.stdout]
+    assert scan.returncode == 0 and len(times) == SHEETS
+    return 1000 * statistics.median(after - before for before, after in zip(times, times[1:]))
+
+
+def commit(kelreader, parent):
+    """What a store on a disk adds to a sheet; None if the folder is on no disk."""
+    disk = subprocess.run(["findmnt", "-no", "SOURCE,FSTYPE", "-T", parent], capture_output=True, text=True,
+                          check=True).stdout.split()
+    if disk[-1] in ("tmpfs", "ramfs"):
+        return None
+    with tempfile.TemporaryDirectory(dir=parent) as folder:
+        without = interval(kelreader, folder)
+        return {"ms": interval(kelreader, folder, "--store", f"{folder}/hall.db") - without, "disk": " ".join(disk)}
+
+
 def main():
     arguments = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     arguments.add_argument("kelreader", type=Path)
@@ -144,14 +167,18 @@ def main():
     arguments.add_argument("--out", type=Path)
     arguments.add_argument("--readers", default="64,512")
     arguments.add_argument("--seconds", type=int, default=30)
+    arguments.add_argument("--disk", type=Path, default=Path.cwd(), help="a folder on the disk for the time of a commit")
     options = arguments.parse_args()
     kelreader, program = options.kelreader.resolve(), options.program.resolve()
-    files, most = resource.getrlimit(resource.RLIMIT_NOFILE)
-    resource.setrlimit(resource.RLIMIT_NOFILE, (max(files, min(most, 16_384)), most))
     measures = {"Component": lambda readers: component(program, readers, options.seconds),
                 "Station": lambda readers: station(kelreader, program, readers, options.seconds)}
     results = [{"name": "Station_Waiting", **waiting(kelreader, options.seconds)}]
     print(f"a station that waits: {results[0]['wakeups_per_second']:.2f} wake-ups a second", flush=True)
+    if found := commit(kelreader, options.disk):
+        results.append({"name": "Store_Commit", **found})
+        print(f"a commit to {found['disk']}: {found['ms']:.2f} ms a sheet", flush=True)
+    else:
+        print(f"a commit: {options.disk} is on no disk; name another folder with --disk", flush=True)
     alone = {name: measure(1) for name, measure in measures.items()}
     print(f"one reader alone: {alone['Component']['page_ms']:.1f} ms a page", flush=True)
     for readers in map(int, options.readers.split(",")):

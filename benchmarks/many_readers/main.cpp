@@ -9,6 +9,7 @@
 #include "simulators/SimulatorTable.h"
 #include "simulators/pseudo_terminal/PtyDeviceHost.h"
 
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -125,5 +126,9 @@ int run(const std::vector<std::string>& words)
 
 int main(int count, char** words)
 {
+    rlimit files{};
+    ::getrlimit(RLIMIT_NOFILE, &files);
+    files.rlim_cur = files.rlim_max; // each reader has two descriptors
+    ::setrlimit(RLIMIT_NOFILE, &files);
     return kel::run({words, words + count});
 }
