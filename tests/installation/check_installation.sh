@@ -23,6 +23,8 @@ library=$(dirname "$(find "$work/root" -name 'libKELReader81U.so.*.*.*' -print -
 for unit in kelreader-station kelreader-collect; do
     [ -f "$work/root/lib/systemd/system/$unit@.service" ] || fail "the unit $unit is missing"
 done
+grep -q '^u kelreader ' "$source/service/kelreader.sysusers" && grep -q '^m kelreader dialout$' "$source/service/kelreader.sysusers" ||
+    fail "the stations have no user who may open serial lines"
 [ -f "$work/root/share/kelreader/station.schema.json" ] || fail "the schema of a station's file is missing"
 [ -f "$work/root/share/kelreader/message.schema.json" ] || fail "the schema of a stream's messages is missing"
 if command -v systemd-analyze >/dev/null; then
