@@ -4,13 +4,23 @@
 #include "formats/JsonValue.h"
 #include "formats/NearestNames.h"
 
+#include <algorithm>
 #include <set>
+#include <utility>
 
 namespace kel {
 
 void JsonFaults::add(const JsonPlace& place, const std::string& complaint)
 {
-    faults_.push_back(validUtf8((place.path.empty() ? "the file" : place.path) + " " + complaint + "."));
+    keep((place.path.empty() ? "the file" : place.path) + " " + complaint + ".");
+}
+
+/// What several parts have in common, such as a module that is missing, is told once.
+void JsonFaults::keep(const std::string& sentence)
+{
+    std::string fault = validUtf8(sentence);
+    if (std::find(faults_.begin(), faults_.end(), fault) == faults_.end())
+        faults_.push_back(std::move(fault));
 }
 
 void JsonFaults::attempt(const JsonPlace& place, const std::function<void()>& read)
@@ -18,7 +28,7 @@ void JsonFaults::attempt(const JsonPlace& place, const std::function<void()>& re
     const auto refused = [this](const JsonRefusal& refusal) {
         const std::string text = refusal.what();
         constexpr std::string_view kWhole = "the text";
-        faults_.push_back(validUtf8((refusal.isOfWhole() ? "the file" + text.substr(kWhole.size()) : text) + "."));
+        keep((refusal.isOfWhole() ? "the file" + text.substr(kWhole.size()) : text) + ".");
     };
     try {
         read();
@@ -27,7 +37,7 @@ void JsonFaults::attempt(const JsonPlace& place, const std::function<void()>& re
     } catch (const JsonRefusal& refusal) {
         refused(refusal);
     } catch (const std::runtime_error& error) {
-        faults_.push_back(validUtf8((place.path.empty() ? "" : place.path + ": ") + error.what()));
+        keep((place.path.empty() ? "" : place.path + ": ") + error.what());
     }
 }
 

@@ -27,6 +27,8 @@ public:
     [[nodiscard]] const std::vector<std::string>& all() const noexcept { return faults_; }
 
 private:
+    void keep(const std::string& sentence);
+
     std::vector<std::string> faults_;
 };
 

@@ -366,7 +366,7 @@ private:
         const auto [other, isNew] = lines_.try_emplace(identity, Line{.reader = plan.name, .name = line});
         if (isNew)
             return;
-        const std::string asWhat = other->second.name == line ? "" : " as " + other->second.name;
+        const std::string asWhat = other->second.name == line ? "" : ", as " + other->second.name;
         faults_.add(place, "has " + line + ", which the reader \"" + other->second.reader + "\" has, too" + asWhat);
     }
 

@@ -51,7 +51,8 @@ void StoringEvents::sheet(const host::Sheet& event)
     const bool isKept = keep(entry);
     if (!isKept)
         ++lost_;
-    next_.sheet(isKept ? entry.sheet()->sheet : event); // what is kept has the number of the batch
+    next_.sheet(isKept ? std::get<ReadSheetEntry>(entry.what).sheet
+                       : event); // what is kept has the number of the batch
 }
 
 void StoringEvents::failure(const host::Failure& event)
