@@ -10,10 +10,14 @@
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
+#include <array>
 #include <csignal>
+#include <optional>
+#include <pty.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
+#include <termios.h>
 
 namespace kel::test {
 namespace {
@@ -46,6 +50,35 @@ protected:
     {
         return R"({"name": ")" + name + R"(", "model": 13, "simulate": {"unlimited": true, "count": )" +
                std::to_string(count) + R"(}, "set": {"SleepTime": 1, "Timeout": 600}})";
+    }
+
+    /// A sheet of a simulated reader, with one mark.
+    static std::string sheetWith(const std::string& mark)
+    {
+        const std::string rest = [] {
+            std::string zeros;
+            for (int column = 1; column < 48; ++column)
+                zeros += ", 0";
+            return zeros;
+        }();
+        return R"({"side1": [[)" + mark + rest + "], [0" + rest + "]]}";
+    }
+
+    /// What the store has of a reader: sheets by their numbers, with what became of them, and titles of reports.
+    [[nodiscard]] std::vector<std::string> kept(const std::string& reader) const
+    {
+        std::vector<std::string> found;
+        StoredSheets(store_).read({.reader = reader}, 0, [&](const Entry& entry) {
+            if (const ReportEntry* const report = entry.report()) {
+                found.push_back(report->failure.title + " after " + std::to_string(report->afterSheet));
+                return true;
+            }
+            const host::Sheet& sheet = entry.sheet()->sheet;
+            found.push_back(std::to_string(sheet.number) + (sheet.rejected ? " rejected" : "") +
+                            (sheet.printed ? " printed" : ""));
+            return true;
+        });
+        return found;
     }
 
     [[nodiscard]] std::vector<Int32> numbers(const std::string& reader) const
@@ -103,9 +136,12 @@ TEST_F(StationCommand, TellsAReaderThatIsNotThereOnceAndReadsWhenItComes)
     RunningCommand reader({"simulate", "--model", "13", "--link", device, "--count", "2", "--rate", "unlimited"});
     ASSERT_TRUE(station.waitForError("left: reads."));
     ASSERT_TRUE(waitUntil([&] { return numbers("left").size() == 2; }));
+    const Json left = state()["readers"][0];
+    EXPECT_THAT(left["advice"].get<std::string>(), HasSubstr("correct its \"device\" in the station file"));
     station.signal(SIGINT);
     const CommandOutcome outcome = station.finish();
     EXPECT_EQ(outcome.status, 0);
+    EXPECT_THAT(outcome.errors, Not(HasSubstr("ports set"))); // the file's device is no port's
     EXPECT_EQ(countOf(outcome.errors, "left: Invalid port number"), 1U);
     EXPECT_THAT(outcome.errors, Not(HasSubstr("8018")));
 }
@@ -203,6 +239,240 @@ TEST_F(StationCommand, BringsAStoreOfAnOlderVersionUpToDate)
     EXPECT_EQ(station.finish().status, 0);
 }
 
+TEST_F(StationCommand, PrintsTheNumbersThatTheStoreHasAfterARestartToo)
+{
+    const std::string path = file(R"({"name": "left", "batch": "monday", "model": 13, "print1": "no {sheet}",
+        "simulate": {"unlimited": true, "count": 2}, "set": {"SleepTime": 1, "Timeout": 600, "Printer.Enabled": true}})");
+    for (int run = 0; run < 2; ++run) {
+        RunningCommand station({"station", path});
+        ASSERT_TRUE(station.waitForError("left: has no more sheets"));
+        station.signal(SIGTERM);
+        EXPECT_EQ(station.finish().status, 0);
+    }
+    std::vector<std::string> printed;
+    StoredSheets(store_).read({.failures = false}, 0, [&](const Entry& entry) {
+        const host::Sheet& sheet = entry.sheet()->sheet;
+        printed.push_back(std::to_string(sheet.number) + ": " + sheet.printedLines.at(0));
+        return true;
+    });
+    EXPECT_THAT(printed, testing::ElementsAre("1: no 1", "2: no 2", "3: no 3", "4: no 4"));
+}
+
+TEST_F(StationCommand, LeavesTheSocketOfAnotherOneAlone)
+{
+    const auto named = [&](const std::string& name, const std::string& store) {
+        return folder_.write(name, R"({"station": ")" + store + R"(", "store": ")" + store +
+                                       R"(.db", "socket": "shared", "readers": [)" + simulated("left", 2) + "]}");
+    };
+    const std::string first = named("station.json", "hall");
+    RunningCommand station({"station", first});
+    ASSERT_TRUE(station.waitForError("left: has no more sheets"));
+    const CommandOutcome second = runCommand({"station", named("other.json", "other")});
+    EXPECT_EQ(second.status, 1);
+    EXPECT_EQ(second.errors, "kelreader: The socket " + folder_.file("shared") +
+                                 " is that of a station at work; name another one as \"socket\".\n");
+    EXPECT_EQ(state()["station"], "hall");
+    // One that somebody has put into its place is not taken away.
+    std::filesystem::remove(folder_.file("shared"));
+    folder_.write("shared", "mine");
+    station.signal(SIGTERM);
+    EXPECT_EQ(station.finish().status, 0);
+    EXPECT_TRUE(std::filesystem::exists(folder_.file("shared")));
+}
+
+TEST_F(StationCommand, WaitsAtItsStartForAStoreThatIsLocked)
+{
+    {
+        const SheetStore store(store_, "a test");
+    }
+    SqliteDatabase other(store_, SqliteDatabase::Mode::Shared, 0);
+    other.run("BEGIN IMMEDIATE");
+    RunningCommand station({"station", file(simulated("left", 2))});
+    ASSERT_TRUE(station.waitForError("is locked by another program"));
+    ASSERT_TRUE(waitUntil([&] { return state()["readers"][0]["state"] == "storing"; }));
+    EXPECT_THAT(state()["storeProblem"].get<std::string>(), HasSubstr("is locked by another program"));
+    EXPECT_EQ(state()["readers"][0]["sheets"], 0);
+    other.run("COMMIT");
+    ASSERT_TRUE(station.waitForError("takes sheets again."));
+    ASSERT_TRUE(station.waitForError("left: has no more sheets"));
+    EXPECT_EQ(state()["storeProblem"], "");
+    station.signal(SIGTERM);
+    const CommandOutcome outcome = station.finish();
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(countOf(outcome.errors, "is locked by another program"), 1U);
+    EXPECT_THAT(numbers("left"), testing::ElementsAre(1, 2));
+}
+
+TEST_F(StationCommand, EndsWhileItWaitsForItsStore)
+{
+    {
+        const SheetStore store(store_, "a test");
+    }
+    SqliteDatabase other(store_, SqliteDatabase::Mode::Shared, 0);
+    other.run("BEGIN IMMEDIATE");
+    RunningCommand station({"station", file(simulated("left", 2))});
+    ASSERT_TRUE(station.waitForError("is locked by another program"));
+    station.signal(SIGTERM);
+    const CommandOutcome outcome = station.finish();
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_THAT(outcome.errors, HasSubstr("left: is stopped."));
+}
+
+TEST_F(StationCommand, TouchesAReaderWhoseSettingsOrSheetsHaveChanged)
+{
+    const std::string key = R"(HKCU\Software\StationOfATest)";
+    ASSERT_EQ(runCommand({"settings", "set", key, "ScannerType", "13"}).status, 0);
+    const auto sheets = [&](const std::string& mark) { folder_.write("sheets.json", "[" + sheetWith(mark) + "]"); };
+    sheets("5");
+    RunningCommand station(
+        {"station", file(R"({"name": "left", "model": 13, "simulate": {"unlimited": true, "count": 1},
+                             "settings": "HKCU\\Software\\StationOfATest"},
+                            {"name": "right", "model": 13, "simulate": {"unlimited": true, "sheets": "sheets.json"},
+                             "set": {"SleepTime": 1, "Timeout": 600}}, )" +
+                         simulated("other", 1))});
+    ASSERT_TRUE(station.waitForError("left: reads."));
+    ASSERT_TRUE(station.waitForError("right: has no more sheets"));
+    ASSERT_TRUE(station.waitForError("other: has no more sheets"));
+    ASSERT_EQ(runCommand({"settings", "set", key, "SomethingElse", "1"}).status, 0);
+    station.signal(SIGHUP);
+    ASSERT_TRUE(station.waitForError("left: is stopped."));
+    sheets("7");
+    station.signal(SIGHUP);
+    ASSERT_TRUE(station.waitForError("right: is stopped."));
+    station.signal(SIGTERM);
+    const CommandOutcome outcome = station.finish();
+    EXPECT_EQ(countOf(outcome.errors, "left: is stopped."), 2U);
+    EXPECT_EQ(countOf(outcome.errors, "other: is stopped."), 1U);
+}
+
+/// The end of a line at which nobody answers.
+class SilentLine {
+public:
+    SilentLine()
+    {
+        if (::openpty(&near_, &far_, name_.data(), nullptr, nullptr) != 0)
+            throw std::runtime_error("There is no pseudo-terminal.");
+        termios raw{};
+        ::cfmakeraw(&raw);
+        ::tcsetattr(far_, TCSANOW, &raw);
+    }
+    ~SilentLine()
+    {
+        ::close(near_);
+        ::close(far_);
+    }
+    SilentLine(const SilentLine&) = delete;
+    SilentLine& operator=(const SilentLine&) = delete;
+
+    [[nodiscard]] std::string device() const { return name_.data(); }
+
+    /// Waits until somebody sends something.
+    [[nodiscard]] bool wait() const
+    {
+        char byte = 0;
+        return ::read(near_, &byte, 1) == 1;
+    }
+
+private:
+    int near_ = -1;
+    int far_ = -1;
+    std::array<char, 64> name_{};
+};
+
+TEST_F(StationCommand, AStartThatItGivesUpIsNoFailure)
+{
+    const SilentLine line;
+    RunningCommand station({"station", file(R"({"name": "left", "model": 1, "set": {"Timeout": 600}, "device": ")" +
+                                            line.device() + R"("})")});
+    ASSERT_TRUE(line.wait());
+    station.signal(SIGTERM);
+    const CommandOutcome outcome = station.finish();
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.errors, "kelreader: left: is stopped.\n");
+}
+
+TEST_F(StationCommand, KeepsAFailureThatIsNoReportOfTheReader)
+{
+    std::filesystem::create_directory(folder_.path() / "trace");
+    RunningCommand station({"station", file(R"({"name": "left", "model": 13, "trace": "trace",
+                                                "simulate": {"unlimited": true}})")});
+    ASSERT_TRUE(station.waitForError("left: "));
+    station.signal(SIGTERM);
+    const CommandOutcome outcome = station.finish();
+    std::vector<std::string> kept;
+    StoredSheets(store_).read({.reader = "left"}, 0, [&](const Entry& entry) {
+        kept.push_back(entry.report()->failure.description);
+        return true;
+    });
+    ASSERT_EQ(kept.size(), 1U); // however often it was tried again
+    EXPECT_THAT(kept[0], HasSubstr("trace"));
+    EXPECT_THAT(outcome.errors, HasSubstr("left: " + kept[0]));
+}
+
+TEST_F(StationCommand, GoesOnAfterAJam)
+{
+    RunningCommand station({"station", file(R"({"name": "left", "batch": "monday", "model": 13,
+        "simulate": {"unlimited": true, "count": 4, "faults": ["jam@sheet=2"]},
+        "set": {"SleepTime": 1, "Timeout": 600}})")});
+    ASSERT_TRUE(station.waitForError("left: Reader Fault: "));
+    ASSERT_TRUE(station.waitForError("left: has no more sheets"));
+    EXPECT_EQ(state()["readers"][0]["failures"], 1);
+    station.signal(SIGTERM);
+    EXPECT_EQ(countOf(station.finish().errors, "left: reads."), 2U);
+    // The sheet that jammed has gone past.
+    EXPECT_THAT(kept("left"), testing::ElementsAre("1", "Reader Fault after 1", "2", "3"));
+}
+
+TEST_F(StationCommand, GoesOnWithAReaderThatIsConnectedAgain)
+{
+    const std::string device = folder_.file("reader");
+    folder_.write("form.json", R"({"side1Rows": [63], "side1Cols": [48]})");
+    const auto words = [&](const std::vector<std::string>& more) {
+        std::vector<std::string> all{"simulate", "--model", "13", "--link", device, "--rate", "unlimited"};
+        all.insert(all.end(), more.begin(), more.end());
+        return all;
+    };
+    std::optional<RunningCommand> reader(words({"--count", "3", "--fault", "unplug@sheet=2"}));
+    ASSERT_THAT(reader->readLine(), HasSubstr("ready"));
+    RunningCommand station({"station", file(R"({"name": "left", "batch": "monday", "model": 13, "form": "form.json",
+        "set": {"SleepTime": 1, "Timeout": 600}, "device": ")" +
+                                            device + R"("})")});
+    ASSERT_TRUE(station.waitForError("has hung up: the reader was disconnected or switched off."));
+    ASSERT_TRUE(station.waitForError("left: Invalid port number"));
+    reader.emplace(words({"--count", "2"}));
+    ASSERT_TRUE(waitUntil([&] { return numbers("left").size() == 3; }));
+    ASSERT_TRUE(station.waitForError("left: has no more sheets"));
+    station.signal(SIGTERM);
+    EXPECT_EQ(station.finish().status, 0);
+    EXPECT_THAT(numbers("left"), testing::ElementsAre(1, 2, 3));
+}
+
+TEST_F(StationCommand, RejectsBlankSheetsAndCountsThem)
+{
+    folder_.write("sheets.json", "[" + sheetWith("5") + ", " + sheetWith("0") + ", " + sheetWith("6") + "]");
+    RunningCommand station({"station", file(R"({"name": "left", "batch": "monday", "model": 13, "rejectBlank": true,
+        "print1": "{sheet}", "simulate": {"unlimited": true, "sheets": "sheets.json"},
+        "set": {"SleepTime": 1, "Timeout": 600, "Rejecter": true, "Printer.Enabled": true}})")});
+    ASSERT_TRUE(station.waitForError("left: has no more sheets"));
+    EXPECT_EQ(state()["readers"][0]["rejected"], 1);
+    station.signal(SIGTERM);
+    EXPECT_EQ(station.finish().status, 0);
+    EXPECT_THAT(kept("left"), testing::ElementsAre("1 printed", "2 rejected", "3 printed"));
+}
+
+TEST_F(StationCommand, HasMoreReadersThanAUsualProcessHasDescriptors)
+{
+    std::string readers = simulated("r0", 0);
+    for (int i = 1; i < 30; ++i)
+        readers += "," + simulated("r" + std::to_string(i), 0);
+    RunningCommand station({"-c", R"(ulimit -S -n 48 && exec "$0" station "$1")", readerProgram(), file(readers)},
+                           "/bin/sh");
+    for (int i = 0; i < 30; ++i)
+        ASSERT_TRUE(station.waitForError("r" + std::to_string(i) + ": has no more sheets"));
+    station.signal(SIGTERM);
+    EXPECT_EQ(station.finish().status, 0);
+}
+
 TEST_F(StationCommand, ChecksAFile)
 {
     const CommandOutcome sound = runCommand({"station", "--check", file(simulated("left", 2))});
@@ -210,7 +480,7 @@ TEST_F(StationCommand, ChecksAFile)
     EXPECT_THAT(sound.output, HasSubstr("station hall, 1 reader, nothing is wrong.\n"));
     const CommandOutcome wrong = runCommand({"station", "--check", file(R"({"name": "x"}, 5)")});
     EXPECT_EQ(wrong.status, 2);
-    EXPECT_EQ(countOf(wrong.errors, "kelreader: "), 2U);
+    EXPECT_EQ(countOf(wrong.errors, "kelreader: "), 3U);
     EXPECT_FALSE(std::filesystem::exists(store_));
 }
 

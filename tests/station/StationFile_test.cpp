@@ -114,11 +114,12 @@ TEST_F(AStationFile, SaysWhereTheSheetsGo)
     EXPECT_THAT(read(text(R"({"servers": ["a"], "subject": "a.*"})")).faults,
                 ElementsAre(HasSubstr("cannot begin a subject")));
     EXPECT_THAT(read(text(R"({"servers": ["a"], "credentials": "none"})")).faults,
-                ElementsAre(HasSubstr("none cannot be read")));
+                ElementsAre(HasSubstr("none cannot be read"), HasSubstr("is secret, but every user may read it")));
     EXPECT_THAT(read(text(R"({"servers": ["a"], "certificate": "cert.pem"})")).faults,
                 ElementsAre(HasSubstr("it needs both")));
     EXPECT_THAT(read(text(R"({"servers": ["a"], "replicas": 7})")).faults, ElementsAre(HasSubstr("stream.replicas")));
-    EXPECT_THAT(read(text(R"({"server": "a"})")).faults, ElementsAre(HasSubstr("the nearest is servers")));
+    EXPECT_THAT(read(text(R"({"server": "a"})")).faults,
+                ElementsAre(HasSubstr("the nearest is servers"), HasSubstr("The stream has no server")));
 }
 
 TEST_F(AStationFile, IsToldAllThatIsWrongAtOnce)
