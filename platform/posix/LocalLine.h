@@ -3,7 +3,7 @@
 
 #include "platform/FileDescriptor.h"
 #include "platform/LineDevice.h"
-#include "platform/posix/LineEnd.h"
+#include "platform/posix/SystemLine.h"
 #include "platform/posix/TerminalAttributes.h"
 
 #include <string>
@@ -11,7 +11,7 @@
 namespace kel {
 
 /// A serial device of this machine, opened for exclusive use.
-class LocalLine final : public LineEnd {
+class LocalLine final : public SystemLine {
 public:
     /// Opens the device of a port; a name without a folder is one below /dev. Fails with 8002 (absent), 8005 (in use),
     /// 8010 (not permitted), 8012 (not a serial device); the text names port, device and cause, and what to try.

@@ -16,7 +16,7 @@ namespace {
 
 constexpr Int32 kLeastDataBits = 5;
 
-std::unique_ptr<LineEnd> lineEnd(Int16 port, const std::string& device, const PosixMessagePump& pump)
+std::unique_ptr<SystemLine> systemLine(Int16 port, const std::string& device, const PosixMessagePump& pump)
 {
     if (const std::optional<RemoteAddress> address = remoteAddress(device))
         return std::make_unique<RemoteLine>(port, device, *address, pump.calledHandle());
@@ -37,7 +37,7 @@ std::unique_ptr<OpenLine> PosixSerialControl::open(Int16 port, const LineParamet
         throw unmappedPortFailure(port);
     if (device->size() > PortMap::kLongestDevice)
         throw overlongDeviceFailure(port, device->size());
-    return std::make_unique<ServedLine>(lineEnd(port, *device, *pump_), parameters, pump_);
+    return std::make_unique<ServedLine>(systemLine(port, *device, *pump_), parameters, pump_);
 }
 
 LineInput& PosixSerialControl::input()

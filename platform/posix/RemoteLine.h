@@ -3,7 +3,7 @@
 
 #include "platform/RemoteAddress.h"
 #include "platform/RemoteConnection.h"
-#include "platform/posix/LineEnd.h"
+#include "platform/posix/SystemLine.h"
 #include "types/Numbers.h"
 
 #include <memory>
@@ -12,7 +12,7 @@ namespace kel {
 
 /// A serial line at the far end of a network connection. What does the networking is a module beside the component,
 /// which is loaded with the first such line; the line's bytes pass through a socket of this process.
-class RemoteLine final : public LineEnd {
+class RemoteLine final : public SystemLine {
 public:
     /// Connects, within ten seconds, unless `ended` becomes readable before. Fails with 8002 (no such host, no address)
     /// or 8010 (refused, no answer, a certificate that is not trusted, no module); the text names port, device and

@@ -2,10 +2,10 @@
 #pragma once
 
 #include "platform/LineControl.h"
-#include "platform/posix/LineEnd.h"
 #include "platform/posix/LineInput.h"
 #include "platform/posix/LineOutput.h"
 #include "platform/posix/PosixMessagePump.h"
+#include "platform/posix/SystemLine.h"
 
 #include <memory>
 #include <utility>
@@ -16,7 +16,8 @@ namespace kel {
 class ServedLine final : public OpenLine {
 public:
     /// Sets the line, and drops what has come before: a line that nobody has open receives nothing.
-    ServedLine(std::unique_ptr<LineEnd> end, const LineParameters& parameters, std::shared_ptr<PosixMessagePump> pump)
+    ServedLine(std::unique_ptr<SystemLine> end, const LineParameters& parameters,
+               std::shared_ptr<PosixMessagePump> pump)
         : device_(std::move(end)), input_(device_->handle(), device_->name()), pump_(std::move(pump))
     {
         ServedLine::set(parameters);
@@ -41,7 +42,7 @@ public:
     [[nodiscard]] std::optional<ModemLines> modemLines() override { return device_->modemLines(); }
 
 private:
-    std::unique_ptr<LineEnd> device_;
+    std::unique_ptr<SystemLine> device_;
     LineInput input_;
     std::shared_ptr<PosixMessagePump> pump_;
 };

@@ -48,7 +48,7 @@ TEST(MarkedInputTest, AMarkThatIsNoneLosesNothing)
 }
 
 /// A pseudo-terminal as a device with a wire, whose errors the test counts.
-class CountingEnd final : public LineEnd {
+class CountingEnd final : public SystemLine {
 public:
     CountingEnd(int handle, std::optional<LineErrors>& counted) : handle_(handle), counted_(counted) {}
 

@@ -11,9 +11,9 @@
 namespace kel {
 
 /// This machine's end of an open line, wherever the line goes.
-class LineEnd {
+class SystemLine {
 public:
-    virtual ~LineEnd() = default;
+    virtual ~SystemLine() = default;
 
     /// Sets the line. 8015 when something of it is refused.
     virtual void set(const LineParameters& line) = 0;
