@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "cli/EntryOutput.h"
 
-#include "formats/Columns.h"
 #include "cli/JsonLines.h"
+#include "formats/Columns.h"
 #include "store/SheetRows.h"
 #include "types/LineText.h"
 #include "types/Text.h"

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "cli/ModelTable.h"
 
-#include "formats/Columns.h"
 #include "cli/ProfileRecord.h"
+#include "formats/Columns.h"
 #include "store/SheetRows.h"
 #include "types/Text.h"
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "cli/check/CheckOutput.h"
 
-#include "formats/Columns.h"
 #include "cli/check/ReportText.h"
+#include "formats/Columns.h"
 #include "formats/JsonValue.h"
 
 #include <cmath>
