@@ -12,19 +12,25 @@ QString headingAbove(const QModelIndex& index)
     return index.data(GroupedRows::kHeading).toString();
 }
 
-int heightOf(const QStyleOptionViewItem& option)
+int headingHeight(const QFontMetrics& metrics)
 {
-    return option.fontMetrics.height() * 3 / 2;
+    return metrics.height() * 3 / 2;
 }
 
 } // namespace
+
+bool GroupedRows::isInHeading(const QModelIndex& index, const QRect& row, const QFontMetrics& metrics,
+                              const QPoint& place)
+{
+    return !headingAbove(index).isEmpty() && place.y() < row.top() + headingHeight(metrics);
+}
 
 void GroupedRows::paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const
 {
     const QString heading = headingAbove(index);
     QStyleOptionViewItem row = option;
     if (!heading.isEmpty()) {
-        row.rect.setTop(option.rect.top() + heightOf(option));
+        row.rect.setTop(option.rect.top() + headingHeight(option.fontMetrics));
         QRect above = option.rect;
         above.setBottom(row.rect.top() - 1);
         painter->save();
@@ -45,7 +51,7 @@ QSize GroupedRows::sizeHint(const QStyleOptionViewItem& option, const QModelInde
 {
     QSize size = QStyledItemDelegate::sizeHint(option, index);
     if (!headingAbove(index).isEmpty())
-        size.rheight() += heightOf(option);
+        size.rheight() += headingHeight(option.fontMetrics);
     return size;
 }
 

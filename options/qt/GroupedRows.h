@@ -13,6 +13,10 @@ public:
 
     using QStyledItemDelegate::QStyledItemDelegate;
 
+    /// Whether a place is in the heading above a row, whose place in the list is given.
+    [[nodiscard]] static bool isInHeading(const QModelIndex& index, const QRect& row, const QFontMetrics& metrics,
+                                          const QPoint& place);
+
     void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
     [[nodiscard]] QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override;
 };

@@ -41,6 +41,7 @@ ListBox::ListBox(QWidget* parent) : QComboBox(parent)
     setMaxVisibleItems(kRowsInView);
     setItemDelegate(new GroupedRows(this));
     view()->installEventFilter(this);
+    view()->viewport()->installEventFilter(this);
     takeColors();
 }
 
@@ -170,9 +171,26 @@ void ListBox::wheelEvent(QWheelEvent* event)
         event->ignore();
 }
 
-/// In the open list the same keys move about; nothing is chosen yet.
+/// Whether the mouse is on a heading of the open list.
+bool ListBox::isOnHeading(const QEvent& event) const
+{
+    switch (event.type()) {
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonRelease:
+    case QEvent::MouseButtonDblClick:
+    case QEvent::MouseMove: break;
+    default: return false;
+    }
+    const QPoint place = static_cast<const QMouseEvent&>(event).position().toPoint();
+    const QModelIndex index = view()->indexAt(place);
+    return GroupedRows::isInHeading(index, view()->visualRect(index), view()->fontMetrics(), place);
+}
+
+/// In the open list the same keys move about; nothing is chosen yet. A heading takes no part.
 bool ListBox::eventFilter(QObject* watched, QEvent* event)
 {
+    if (watched == view()->viewport())
+        return isOnHeading(*event) || QComboBox::eventFilter(watched, event);
     if (event->type() != QEvent::KeyPress || !types(*static_cast<QKeyEvent*>(event)))
         return QComboBox::eventFilter(watched, event);
     const int current = view()->currentIndex().row();

@@ -44,6 +44,7 @@ private:
     [[nodiscard]] bool types(const QKeyEvent& event);
     [[nodiscard]] int rowOf(const QString& text, int from) const;
     [[nodiscard]] bool isGrey(int row) const;
+    [[nodiscard]] bool isOnHeading(const QEvent& event) const;
     void setRow(int at, const Row& row);
 
     bool narrow_ = false;

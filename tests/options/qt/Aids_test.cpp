@@ -60,7 +60,7 @@ TEST(OptionsAidsTest, WhatDiffersFromTheDefaultHasAButtonThatBringsItBack)
         window.get<QWidget>("cboBaud").setFocus(Qt::TabFocusReason);
         QCoreApplication::processEvents();
         ASSERT_TRUE(reset.isVisible());
-        EXPECT_EQ(reset.accessibleName(), "Reset to the model's default: 50");
+        EXPECT_EQ(reset.accessibleName(), "System pause (ms): Reset to the model's default: 50");
         reset.setFocus(Qt::TabFocusReason);
         QTest::keyClick(&reset, Qt::Key_Return);
         ASSERT_TRUE(window.window().isVisible()) << "Enter was for the button";
@@ -136,7 +136,16 @@ TEST(OptionsAidsTest, TheModelsStandUnderTheirMakers)
         models.showPopup();
         const auto height = [&](int row) { return models.view()->sizeHintForRow(row); };
         EXPECT_GT(height(1), height(2)) << "the heading has its room";
-        models.hidePopup();
+        const QString before = models.currentText();
+        const auto click = [&](int down) {
+            const QRect row = models.view()->visualRect(models.model()->index(1, 0));
+            QTest::mouseClick(models.view()->viewport(), Qt::LeftButton, {}, row.topLeft() + QPoint(20, down));
+        };
+        click(3);
+        EXPECT_TRUE(models.view()->isVisible()) << "a heading is not a row";
+        EXPECT_EQ(models.currentText(), before);
+        click(height(1) - 3);
+        EXPECT_EQ(models.currentText(), models.itemText(1));
     });
 }
 
