@@ -114,6 +114,9 @@ public:
                                "model = excluded.model RETURNING id"),
           addBatch_(database_, "INSERT INTO batch (store, station, reader, name) VALUES (?, ?, ?, ?) ON CONFLICT DO "
                                "UPDATE SET name = excluded.name RETURNING id, sheets"),
+          lastOfBatch_(database_,
+                       "SELECT sheets FROM batch JOIN store ON batch.store = store.identity WHERE station = ? "
+                       "AND reader = ? AND name = ?"),
           countSheet_(database_, "UPDATE batch SET sheets = max(sheets, ?) WHERE id = ?"),
           addSheet_(database_, "INSERT INTO sheet VALUES (?, ?, ?, ?, ?, ?, nullif(?, ''), nullif(?, ''), ?, ?, ?, "
                                "nullif(?, ''), ?, ?, ?) ON CONFLICT (identity) DO NOTHING"),
@@ -154,12 +157,14 @@ public:
     {
         database_.demandOwnFile();
         SqliteTransaction transaction(database_);
-        for (const Waiting* waiting : group) {
+        for (Waiting* const waiting : group) {
             isOwn_ = waiting->own;
             for (Entry& entry : waiting->entries)
                 write(entry);
             for (const UnreadMessage& message : waiting->unread)
                 write(message);
+            if (waiting->asked)
+                waiting->lastNumber = lastNumber(*waiting->asked);
         }
         transaction.commit();
     }
@@ -207,6 +212,13 @@ private:
         // A store may be copied or put back, and goes on with the numbers that another one has given.
         entry.identity = entry.origin.store + "-" + std::to_string(entry.id) + "-" + run.textAt(2);
         entry.time = storeTime(clock_());
+    }
+
+    Int32 lastNumber(const Origin& origin)
+    {
+        SqliteStatement::Run run(lastOfBatch_);
+        run.text(origin.station).text(origin.reader).text(origin.batch);
+        return run.next() ? static_cast<Int32>(run.numberAt(0)) : 0;
     }
 
     std::int64_t batchOf(const Entry& entry)
@@ -289,6 +301,7 @@ private:
     SqliteStatement nextId_;
     SqliteStatement addSetup_;
     SqliteStatement addBatch_;
+    SqliteStatement lastOfBatch_;
     SqliteStatement countSheet_;
     SqliteStatement addSheet_;
     SqliteStatement addFailure_;
@@ -300,13 +313,18 @@ private:
 SheetStore::SheetStore(std::filesystem::path file, const std::string& owner, Clock clock, WhenBusy whenBusy)
     : file_(std::move(file)), clock_(std::move(clock)), lock_(file_, owner)
 {
-    makeFile(file_);
     try {
-        onStore(file_, [&] { writer_ = std::make_unique<Writer>(file_, clock_); });
+        onStore(file_, [&] { openFile(); });
     } catch (const StoreBusy&) {
         if (whenBusy == WhenBusy::Refuse)
             throw;
     }
+}
+
+void SheetStore::openFile()
+{
+    makeFile(file_);
+    writer_ = std::make_unique<Writer>(file_, clock_);
 }
 
 SheetStore::~SheetStore()
@@ -350,15 +368,24 @@ void SheetStore::add(std::span<Entry> entries)
 
 void SheetStore::setAside(std::span<const UnreadMessage> messages)
 {
-    demand({.unread = messages});
+    Waiting mine{.unread = messages};
+    demand(mine);
 }
 
 void SheetStore::open()
 {
-    demand({});
+    Waiting mine;
+    demand(mine);
 }
 
-void SheetStore::demand(Waiting mine)
+Int32 SheetStore::lastNumber(const Origin& origin)
+{
+    Waiting mine{.asked = &origin};
+    demand(mine);
+    return mine.lastNumber;
+}
+
+void SheetStore::demand(Waiting& mine)
 {
     waitFor(mine);
     if (mine.problem)
@@ -402,10 +429,8 @@ void SheetStore::write(const std::vector<Waiting*>& group)
     });
     try {
         onStore(file_, [&] {
-            if (!writer_) {
-                makeFile(file_);
-                writer_ = std::make_unique<Writer>(file_, clock_);
-            }
+            if (!writer_)
+                openFile();
             writer_->write(group);
         });
     } catch (...) {

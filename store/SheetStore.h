@@ -44,6 +44,10 @@ public:
     /// Opens the file if it is not open. StoreProblem if it cannot be written to now.
     void open();
 
+    /// The number of the last sheet that the store has from a batch of a reader; 0 if it has none. StoreProblem if the
+    /// store cannot be opened for writing.
+    [[nodiscard]] Int32 lastNumber(const Origin& origin);
+
     /// Takes an entry, and fills in what the store gives it: id, identity, time, and the number of the sheet. An entry
     /// with an identity comes from another store and keeps it with all the rest; one that is there already stays as it
     /// is. StoreProblem if it cannot be kept; the next call opens the file anew. A file that was moved away takes all
@@ -62,13 +66,16 @@ private:
     struct Waiting {
         std::span<Entry> entries{};
         std::span<const UnreadMessage> unread{};
-        bool own = true; ///< they come from a reader, and not from another store
+        const Origin* asked = nullptr; ///< whose last number is asked for
+        Int32 lastNumber = 0;
+        bool own = true; ///< entries come from a reader, and not from another store
         bool done = false;
         std::exception_ptr problem = nullptr;
     };
 
+    void openFile();
     void waitFor(Waiting& mine);
-    void demand(Waiting mine);
+    void demand(Waiting& mine);
     void write(const std::vector<Waiting*>& group);
     [[nodiscard]] std::optional<std::string> leaveMoved();
 

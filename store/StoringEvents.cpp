@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "store/StoringEvents.h"
 
-#include "store/LastNumber.h"
 #include "store/StoreProblem.h"
 
 #include <algorithm>
@@ -38,10 +37,7 @@ bool untilDone(const SheetStore& store, const StoreTrouble& trouble, const std::
 std::optional<Int32> sheetsBefore(SheetStore& store, const Origin& origin, const StoreTrouble& trouble)
 {
     Int32 last = 0;
-    const bool isKnown = untilDone(store, trouble, [&] {
-        store.open();
-        last = lastNumber(store.file(), origin);
-    });
+    const bool isKnown = untilDone(store, trouble, [&] { last = store.lastNumber(origin); });
     return isKnown ? std::optional(last) : std::nullopt;
 }
 
