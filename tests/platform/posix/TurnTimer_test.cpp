@@ -28,8 +28,8 @@ TEST_F(TurnTimerTest, ATimerRunsForItsInterval)
     const Pty pty;
     const auto line = openControl(pty);
     const auto limit = timer(50);
-    limit->Enabled(True);
     const Moment begin = steadyTime();
+    limit->Enabled(True);
     while (limit->Enabled())
         machine.pump().DoEvents();
     EXPECT_GE(steadyTime() - begin, 50ms);
