@@ -148,7 +148,7 @@ def faults_of(run, servers):
             faults.append(f"{reader}: the numbers are not 1 to {len(numbers)}, each once")
     # The station goes on, and what it finds at a reader that is empty is sent too.
     marked = run.rows("hall.db", "SELECT sent FROM store")[0][0]
-    messages = wait_for(lambda: servers.messages(STREAM), "the servers agreeing")
+    messages = wait_for(lambda: servers.messages(STREAM), "a leader")
     entries = run.rows("hall.db", "SELECT last FROM store")[0][0]
     faults += miscounted(marked, messages, entries)
     if aside := run.rows("all.db", "SELECT count(*) FROM unread")[0][0]:

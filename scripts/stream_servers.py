@@ -161,9 +161,10 @@ class Servers:
         return None
 
     def messages(self, stream):
-        """How many messages a stream holds, as the servers that keep it say; nothing while they differ."""
-        counts = {found[stream]["state"]["messages"] for server in self.all if stream in (found := server.streams())}
-        return counts.pop() if len(counts) == 1 else None
+        """How many messages a stream holds, as the server that leads it says; nothing while there is none. Another one,
+        after it was down, may get its copy much later."""
+        keeper = self.all[0] if self.count == 1 else self.leader(stream)
+        return keeper and keeper.streams().get(stream, {}).get("state", {}).get("messages")
 
 
 def publish(server, subject, content):
