@@ -16,50 +16,50 @@ using namespace std::string_view_literals;
 /// What a command may begin with.
 using Beginnings = std::span<const std::string_view>;
 
-constexpr std::array kOpScan = {"s0"sv, "s1"sv, "e"sv, "r"sv, "\x0E"sv};
-constexpr std::array kSekonic = {"\x18"sv,
-                                 "\x05"sv,
-                                 "\x10T"sv,
-                                 "\x10"
-                                 "DL"sv,
-                                 "\x10Q"sv,
-                                 "\x10W"sv,
-                                 "/\x10W"sv,
-                                 "\x13"
-                                 "15"sv,
-                                 "\x13"
-                                 "DD"sv};
-constexpr std::array kScanmark = {"\x1BSRST"sv, "\x1BQSTS"sv, "\x1BQ\x11STS"sv,
-                                  "\x1B"
-                                  "FRM="sv,
-                                  "\x1BTHR="sv};
-constexpr std::array kLink = {"T1\r"sv, "T2\r"sv,
-                              "T\x11"
-                              "2\r"sv};
-constexpr std::array kGradeMaster = {"A1\r"sv, "S8\r"sv, "M3\r"sv, "S9\r"sv,
-                                     "S\x11"
-                                     "9\r"sv};
-constexpr std::array kLine = {"R1"sv, "M6"sv, "I1"sv, "A9"sv, "R6"sv, "S1"sv, "M0"sv};
-constexpr std::array kVmr = {"0"sv, "Q"sv, "D"sv, "G"sv, "E"sv, "+"sv, "-"sv, "9"sv};
-constexpr std::array kEZData = {"\x12\x1BGETCONFIG\x12"
-                                "E"sv,
-                                "\x12\x1BGET\x11"
-                                "CONFIG\x12"
-                                "E"sv,
-                                "\x12\x1BS\x12"
-                                "E"sv,
-                                "\x12\x1BV\x12"
-                                "E"sv,
-                                "\x12\x1B"
-                                "D\x12"
-                                "E"sv,
-                                "\x12R7777\x12I00\x12"
-                                "E"sv};
-constexpr std::array kChatsworth = {"\x1BS"sv, "\x1BH"sv, "\x12R7777I00E"sv,
-                                    "\x12\x1BV\x12"
-                                    "E"sv,
-                                    "\x12\x1B\x11V\x12"
-                                    "E"sv};
+constexpr std::array kOpScanCommands = {"s0"sv, "s1"sv, "e"sv, "r"sv, "\x0E"sv};
+constexpr std::array kSekonicCommands = {"\x18"sv,
+                                         "\x05"sv,
+                                         "\x10T"sv,
+                                         "\x10"
+                                         "DL"sv,
+                                         "\x10Q"sv,
+                                         "\x10W"sv,
+                                         "/\x10W"sv,
+                                         "\x13"
+                                         "15"sv,
+                                         "\x13"
+                                         "DD"sv};
+constexpr std::array kScanmarkCommands = {"\x1BSRST"sv, "\x1BQSTS"sv, "\x1BQ\x11STS"sv,
+                                          "\x1B"
+                                          "FRM="sv,
+                                          "\x1BTHR="sv};
+constexpr std::array kLinkCommands = {"T1\r"sv, "T2\r"sv,
+                                      "T\x11"
+                                      "2\r"sv};
+constexpr std::array kGradeMasterCommands = {"A1\r"sv, "S8\r"sv, "M3\r"sv, "S9\r"sv,
+                                             "S\x11"
+                                             "9\r"sv};
+constexpr std::array kLineCommands = {"R1"sv, "M6"sv, "I1"sv, "A9"sv, "R6"sv, "S1"sv, "M0"sv};
+constexpr std::array kVmrCommands = {"0"sv, "Q"sv, "D"sv, "G"sv, "E"sv, "+"sv, "-"sv, "9"sv};
+constexpr std::array kEZDataCommands = {"\x12\x1BGETCONFIG\x12"
+                                        "E"sv,
+                                        "\x12\x1BGET\x11"
+                                        "CONFIG\x12"
+                                        "E"sv,
+                                        "\x12\x1BS\x12"
+                                        "E"sv,
+                                        "\x12\x1BV\x12"
+                                        "E"sv,
+                                        "\x12\x1B"
+                                        "D\x12"
+                                        "E"sv,
+                                        "\x12R7777\x12I00\x12"
+                                        "E"sv};
+constexpr std::array kChatsworthCommands = {"\x1BS"sv, "\x1BH"sv, "\x12R7777I00E"sv,
+                                            "\x12\x1BV\x12"
+                                            "E"sv,
+                                            "\x12\x1B\x11V\x12"
+                                            "E"sv};
 
 struct HarmlessCommands {
     std::string_view name;
@@ -67,19 +67,19 @@ struct HarmlessCommands {
 };
 
 constexpr std::array kWires = std::to_array<HarmlessCommands>({
-    {"AdvantageLink", kLink},
-    {"GradeMaster", kGradeMaster},
-    {"BenchMark3000", kLine},
-    {"Advantage1200", kLine},
-    {"VMR138", kVmr},
-    {"EZData", kEZData},
-    {"Chatsworth", kChatsworth},
-    {"SekonicSmall", kSekonic},
-    {"SekonicLarge", kSekonic},
-    {"SekonicLargeDuplex", kSekonic},
-    {"Scanmark", kScanmark},
-    {"ScanmarkRaw", kScanmark},
-    {"OpScan", kOpScan},
+    {"AdvantageLink", kLinkCommands},
+    {"GradeMaster", kGradeMasterCommands},
+    {"BenchMark3000", kLineCommands},
+    {"Advantage1200", kLineCommands},
+    {"VMR138", kVmrCommands},
+    {"EZData", kEZDataCommands},
+    {"Chatsworth", kChatsworthCommands},
+    {"SekonicSmall", kSekonicCommands},
+    {"SekonicLarge", kSekonicCommands},
+    {"SekonicLargeDuplex", kSekonicCommands},
+    {"Scanmark", kScanmarkCommands},
+    {"ScanmarkRaw", kScanmarkCommands},
+    {"OpScan", kOpScanCommands},
     {kNoWire, {}},
 });
 static_assert(modelWithUnknown(&ModelRow::wire, kWires) == 0,
