@@ -11,7 +11,7 @@ class Pauses {
 public:
     using Time = std::chrono::milliseconds;
 
-    Pauses(Time first, Time longest) : first_(first), longest_(longest), next_(first) {}
+    constexpr Pauses(Time first, Time longest) : first_(first), longest_(longest), next_(first) {}
 
     /// The pause after one more failure.
     [[nodiscard]] Time next()

@@ -9,35 +9,14 @@ namespace kel {
 
 namespace {
 
-constexpr std::chrono::milliseconds kFirstPause{200};
-constexpr std::chrono::milliseconds kLongestPause{5000};
-
-/// Does something with the store until it succeeds; false if somebody gave up.
-bool untilDone(const SheetStore& store, const StoreTrouble& trouble, const std::function<void()>& work)
-{
-    std::string told;
-    for (std::chrono::milliseconds pause = kFirstPause;; pause = std::min(2 * pause, kLongestPause)) {
-        try {
-            work();
-            if (!told.empty())
-                trouble.over("The store " + store.file().string() + " takes sheets again.");
-            return true;
-        } catch (const StoreProblem& problem) {
-            if (told != problem.what())
-                trouble.tell(problem.what());
-            told = problem.what();
-        }
-        if (!trouble.pause(pause))
-            return false;
-    }
-}
+constexpr Pauses kPauses(std::chrono::milliseconds(200), std::chrono::seconds(5));
 
 } // namespace
 
 std::optional<Int32> sheetsBefore(SheetStore& store, const Origin& origin, const StoreTrouble& trouble)
 {
     Int32 last = 0;
-    const bool isKnown = untilDone(store, trouble, [&] { last = store.lastNumber(origin); });
+    const bool isKnown = untilDone(store, trouble, kPauses, [&] { last = store.lastNumber(origin); });
     return isKnown ? std::optional(last) : std::nullopt;
 }
 
@@ -60,7 +39,7 @@ void StoringEvents::failure(const host::Failure& event)
 
 bool StoringEvents::keep(Entry& entry)
 {
-    return untilDone(store_, trouble_, [&] { store_.add(entry); });
+    return untilDone(store_, trouble_, kPauses, [&] { store_.add(entry); });
 }
 
 } // namespace kel

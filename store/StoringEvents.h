@@ -4,21 +4,11 @@
 #include "host/Events.h"
 #include "store/Entry.h"
 #include "store/SheetStore.h"
+#include "store/StoreTrouble.h"
 
-#include <chrono>
-#include <functional>
 #include <optional>
-#include <string>
 
 namespace kel {
-
-/// What to do about a store that accepts nothing.
-struct StoreTrouble {
-    std::function<void(const std::string& problem)> tell;  ///< what is wrong, once
-    std::function<void(const std::string& sentence)> over; ///< and that it is over
-    /// Waits before the next attempt; false to give up.
-    std::function<bool(std::chrono::milliseconds pause)> pause;
-};
 
 /// Waits until the store can be written to, and returns how many sheets it has of a batch: the next one gets the number
 /// after that. Nothing if somebody gave up.

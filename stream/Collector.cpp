@@ -3,6 +3,7 @@
 
 #include "formats/JsonValue.h"
 #include "store/StoreProblem.h"
+#include "store/StoreTrouble.h"
 #include "stream/EntryMessage.h"
 
 #include <utility>
@@ -54,22 +55,8 @@ void Collector::collectOnce()
 /// Whether they are in the store; if not, the collector is to end.
 bool Collector::keep(const std::vector<StreamDelivery>& deliveries)
 {
-    std::string told;
-    Pauses pauses = pauses_;
-    for (;;) {
-        try {
-            store(deliveries);
-            if (!told.empty())
-                calls_.tell("The store " + store_.file().string() + " takes sheets again.");
-            return true;
-        } catch (const StoreProblem& problem) {
-            if (told != problem.what())
-                calls_.tell(problem.what());
-            told = problem.what();
-        }
-        if (!calls_.pause(pauses.next()))
-            return false;
-    }
+    const StoreTrouble trouble{.tell = calls_.tell, .over = calls_.tell, .pause = calls_.pause};
+    return untilDone(store_, trouble, pauses_, [&] { store(deliveries); });
 }
 
 void Collector::store(const std::vector<StreamDelivery>& deliveries)

@@ -1,14 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include "platform/posix/Sqlite.h"
-#include "store/SheetStore.h"
-#include "store/StoreSchema.h"
-#include "store/StoredSheets.h"
-#include "tests/cli/CommandRun.h"
+#include "tests/cli/StationCommandTest.h"
 #include "tests/support/Patience.h"
-#include "tests/support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
-#include <nlohmann/json.hpp>
 
 #include <array>
 #include <csignal>
@@ -26,82 +20,6 @@ using testing::AllOf;
 using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
-using Json = nlohmann::json;
-
-std::size_t countOf(const std::string& text, const std::string& part)
-{
-    std::size_t count = 0;
-    for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1))
-        ++count;
-    return count;
-}
-
-class StationCommand : public testing::Test {
-protected:
-    /// A station's file with these readers.
-    std::string file(const std::string& readers) const
-    {
-        return folder_.write("station.json", R"({"station": "hall", "store": "hall.db",
-            "retry": {"first": 0.05, "longest": 0.1}, "readers": [)" +
-                                                 readers + "]}");
-    }
-
-    static std::string simulated(const std::string& name, int count)
-    {
-        return R"({"name": ")" + name + R"(", "model": 13, "simulate": {"unlimited": true, "count": )" +
-               std::to_string(count) + R"(}, "set": {"SleepTime": 1, "Timeout": 600}})";
-    }
-
-    /// A sheet of a simulated reader, with one mark.
-    static std::string sheetWith(const std::string& mark)
-    {
-        const std::string rest = [] {
-            std::string zeros;
-            for (int column = 1; column < 48; ++column)
-                zeros += ", 0";
-            return zeros;
-        }();
-        return R"({"side1": [[)" + mark + rest + "], [0" + rest + "]]}";
-    }
-
-    /// What the store has of a reader: sheets by their numbers, with what became of them, and titles of reports.
-    [[nodiscard]] std::vector<std::string> kept(const std::string& reader) const
-    {
-        std::vector<std::string> found;
-        StoredSheets(store_).read({.reader = reader}, 0, [&](const Entry& entry) {
-            if (const ReportEntry* const report = entry.report()) {
-                found.push_back(report->failure.title + " after " + std::to_string(report->afterSheet));
-                return true;
-            }
-            const host::Sheet& sheet = entry.sheet()->sheet;
-            found.push_back(std::to_string(sheet.number) + (sheet.rejected ? " rejected" : "") +
-                            (sheet.printed ? " printed" : ""));
-            return true;
-        });
-        return found;
-    }
-
-    [[nodiscard]] std::vector<Int32> numbers(const std::string& reader) const
-    {
-        std::vector<Int32> found;
-        StoredSheets(store_).read({.reader = reader, .failures = false}, 0, [&](const Entry& entry) {
-            found.push_back(entry.sheet()->sheet.number);
-            return true;
-        });
-        return found;
-    }
-
-    [[nodiscard]] Json state() const
-    {
-        const CommandOutcome outcome =
-            runCommand({"station", folder_.file("station.json"), "--state", "--format", "json"});
-        EXPECT_EQ(outcome.status, 0) << outcome.errors;
-        return Json::parse(outcome.output);
-    }
-
-    TemporaryFolder folder_;
-    std::string store_ = folder_.file("hall.db");
-};
 
 TEST_F(StationCommand, ReadsWithAllItsReadersAndKeepsTheSheets)
 {
@@ -194,70 +112,6 @@ TEST_F(StationCommand, ShowsItsStateToItsUserAndGroup)
     EXPECT_THAT(runCommand({"station", path, "--state"}).errors, HasSubstr("No station is at work at "));
 }
 
-TEST_F(StationCommand, IsRefusedOnTheStoreOfAnother)
-{
-    RunningCommand station({"station", file(simulated("left", 2))});
-    ASSERT_TRUE(station.waitForError("left: has no more sheets"));
-    const std::string other = folder_.write("other.json", R"({"station": "other", "store": "hall.db", "readers": [)" +
-                                                              simulated("right", 5) + "]}");
-    const CommandOutcome second = runCommand({"station", other});
-    EXPECT_EQ(second.status, 1);
-    EXPECT_EQ(second.errors, "kelreader: The store " + store_ + " is in use by station hall, process " +
-                                 std::to_string(station.process()) +
-                                 ", and a store has one writer; end that one, or name another store.\n");
-    EXPECT_THAT(numbers("right"), testing::IsEmpty());
-    // The first one's socket, lock and sheets are as they were.
-    EXPECT_EQ(state()["readers"][0]["sheets"], 2);
-    station.signal(SIGTERM);
-    EXPECT_EQ(station.finish().status, 0);
-    EXPECT_THAT(numbers("left"), testing::ElementsAre(1, 2));
-}
-
-TEST_F(StationCommand, LeavesAStoreOfANewerVersionAlone)
-{
-    {
-        const SheetStore store(store_, "a test");
-    }
-    SqliteDatabase(store_, SqliteDatabase::Mode::Shared, 0).run("PRAGMA user_version = 99");
-    const CommandOutcome refused = runCommand({"station", file(simulated("left", 2))});
-    EXPECT_EQ(refused.status, 1);
-    EXPECT_EQ(countOf(refused.errors, "\n"), 1U);
-    EXPECT_THAT(refused.errors, HasSubstr("has version 99, and this program knows versions up to"));
-    EXPECT_FALSE(std::filesystem::exists(store_ + "-socket"));
-    SqliteDatabase(store_, SqliteDatabase::Mode::Shared, 0)
-        .run(("PRAGMA user_version = " + std::to_string(kStoreVersion)).c_str());
-    EXPECT_THAT(numbers("left"), testing::IsEmpty());
-}
-
-TEST_F(StationCommand, BringsAStoreOfAnOlderVersionUpToDate)
-{
-    folder_.write("hall.db", "");
-    RunningCommand station({"station", file(simulated("left", 2))});
-    ASSERT_TRUE(station.waitForError("left: has no more sheets"));
-    EXPECT_THAT(numbers("left"), testing::ElementsAre(1, 2));
-    station.signal(SIGTERM);
-    EXPECT_EQ(station.finish().status, 0);
-}
-
-TEST_F(StationCommand, PrintsTheNumbersThatTheStoreHasAfterARestartToo)
-{
-    const std::string path = file(R"({"name": "left", "batch": "monday", "model": 13, "print1": "no {sheet}",
-        "simulate": {"unlimited": true, "count": 2}, "set": {"SleepTime": 1, "Timeout": 600, "Printer.Enabled": true}})");
-    for (int run = 0; run < 2; ++run) {
-        RunningCommand station({"station", path});
-        ASSERT_TRUE(station.waitForError("left: has no more sheets"));
-        station.signal(SIGTERM);
-        EXPECT_EQ(station.finish().status, 0);
-    }
-    std::vector<std::string> printed;
-    StoredSheets(store_).read({.failures = false}, 0, [&](const Entry& entry) {
-        const host::Sheet& sheet = entry.sheet()->sheet;
-        printed.push_back(std::to_string(sheet.number) + ": " + sheet.printedLines.at(0));
-        return true;
-    });
-    EXPECT_THAT(printed, testing::ElementsAre("1: no 1", "2: no 2", "3: no 3", "4: no 4"));
-}
-
 TEST_F(StationCommand, LeavesTheSocketOfAnotherOneAlone)
 {
     const auto named = [&](const std::string& name, const std::string& store) {
@@ -278,44 +132,6 @@ TEST_F(StationCommand, LeavesTheSocketOfAnotherOneAlone)
     station.signal(SIGTERM);
     EXPECT_EQ(station.finish().status, 0);
     EXPECT_TRUE(std::filesystem::exists(folder_.file("shared")));
-}
-
-TEST_F(StationCommand, WaitsAtItsStartForAStoreThatIsLocked)
-{
-    {
-        const SheetStore store(store_, "a test");
-    }
-    SqliteDatabase other(store_, SqliteDatabase::Mode::Shared, 0);
-    other.run("BEGIN IMMEDIATE");
-    RunningCommand station({"station", file(simulated("left", 2))});
-    ASSERT_TRUE(station.waitForError("is locked by another program"));
-    ASSERT_TRUE(waitUntil([&] { return state()["readers"][0]["state"] == "storing"; }));
-    EXPECT_THAT(state()["storeProblem"].get<std::string>(), HasSubstr("is locked by another program"));
-    EXPECT_EQ(state()["readers"][0]["sheets"], 0);
-    other.run("COMMIT");
-    ASSERT_TRUE(station.waitForError("takes sheets again."));
-    ASSERT_TRUE(station.waitForError("left: has no more sheets"));
-    EXPECT_EQ(state()["storeProblem"], "");
-    station.signal(SIGTERM);
-    const CommandOutcome outcome = station.finish();
-    EXPECT_EQ(outcome.status, 0);
-    EXPECT_EQ(countOf(outcome.errors, "is locked by another program"), 1U);
-    EXPECT_THAT(numbers("left"), testing::ElementsAre(1, 2));
-}
-
-TEST_F(StationCommand, EndsWhileItWaitsForItsStore)
-{
-    {
-        const SheetStore store(store_, "a test");
-    }
-    SqliteDatabase other(store_, SqliteDatabase::Mode::Shared, 0);
-    other.run("BEGIN IMMEDIATE");
-    RunningCommand station({"station", file(simulated("left", 2))});
-    ASSERT_TRUE(station.waitForError("is locked by another program"));
-    station.signal(SIGTERM);
-    const CommandOutcome outcome = station.finish();
-    EXPECT_EQ(outcome.status, 0);
-    EXPECT_THAT(outcome.errors, HasSubstr("left: is stopped."));
 }
 
 TEST_F(StationCommand, TouchesAReaderWhoseSettingsOrSheetsHaveChanged)
