@@ -14,10 +14,7 @@
 namespace kel::test {
 namespace {
 
-using testing::AllOf;
 using testing::HasSubstr;
-using testing::Not;
-using testing::StartsWith;
 
 using StationStore = StationCommand;
 
