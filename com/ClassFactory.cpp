@@ -25,7 +25,7 @@ struct PublicClass {
     IUnknown* (*create)();
 };
 
-const std::array kClasses{
+const std::array kPublicClasses{
     PublicClass{&CLSID_clsKELReader, create<ReaderObject, clsKELReader>},
     PublicClass{&CLSID_clsKELReaderBarcode, create<BarcodeObject, clsKELReaderBarcode>},
     PublicClass{&CLSID_clsKELReaderBarcodes, create<BarcodesObject, clsKELReaderBarcodes>},
@@ -85,9 +85,9 @@ HRESULT classFactoryOf(REFCLSID classID, REFIID iid, void** object) noexcept
     if (!object)
         return E_POINTER;
     *object = nullptr;
-    const auto* const found = std::find_if(kClasses.begin(), kClasses.end(),
+    const auto* const found = std::find_if(kPublicClasses.begin(), kPublicClasses.end(),
                                            [&](const PublicClass& one) { return IsEqualCLSID(*one.classID, classID); });
-    if (found == kClasses.end())
+    if (found == kPublicClasses.end())
         return CLASS_E_CLASSNOTAVAILABLE;
     return atBoundary(iid, [&] {
         const auto factory = ComPtr<IClassFactory>::owning(new ClassFactory(*found));

@@ -88,14 +88,21 @@ def for_clang(command):
     return kept
 
 
+def joined(path):
+    """The sources that a file of the build joins; the file alone if it joins none."""
+    if not path.name.startswith("unity_"):
+        return [path]
+    return [Path(included) for included in re.findall(r'^#include "(.*)"$', path.read_text(encoding="utf-8"), re.MULTILINE)]
+
+
 def commands():
     """How each source is compiled, by the first build that does."""
     found = {}
     for build in BUILDS:
         for entry in json.loads((build / "compile_commands.json").read_text(encoding="utf-8")):
-            path = Path(entry["directory"], entry["file"])
-            if path.suffix == ".cpp" and path.is_relative_to(ROOT):
-                found.setdefault(str(path.relative_to(ROOT)), entry)
+            for path in joined(Path(entry["directory"], entry["file"])):
+                if path.suffix == ".cpp" and path.is_relative_to(ROOT):
+                    found.setdefault(str(path.relative_to(ROOT)), entry)
     return found
 
 

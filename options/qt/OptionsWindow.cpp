@@ -4,6 +4,7 @@
 #include "options/ListLines.h"
 #include "options/qt/FieldAccess.h"
 #include "options/qt/PortTools.h"
+#include "options/qt/Utf8Text.h"
 
 #include <QApplication>
 #include <QFrame>
@@ -24,11 +25,6 @@ constexpr QSize kFrame(16, 40);
 
 /// The title against the other texts.
 constexpr double kTitleSize = 1.4;
-
-QString text(const std::string& utf8)
-{
-    return QString::fromStdString(utf8);
-}
 
 QFrame* line(QWidget* parent)
 {

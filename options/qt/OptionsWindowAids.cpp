@@ -2,6 +2,7 @@
 // What the window has around the controls of the form: explanations, resets, and a word before settings are saved.
 
 #include "options/qt/OptionsWindow.h"
+#include "options/qt/Utf8Text.h"
 
 #include <QAccessible>
 #include <QDesktopServices>
@@ -15,11 +16,6 @@
 namespace kel {
 
 namespace {
-
-QString text(const std::string& utf8)
-{
-    return QString::fromStdString(utf8);
-}
 
 /// A text that a tool tip breaks into lines.
 QString wrapped(const QString& plain)

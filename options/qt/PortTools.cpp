@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "options/qt/PortTools.h"
+#include "options/qt/Utf8Text.h"
 
 #include <QHBoxLayout>
 #include <QLabel>
@@ -16,11 +17,6 @@ namespace {
 
 /// How often what has come meanwhile is taken.
 constexpr auto kTurn = std::chrono::milliseconds(40);
-
-QString text(const std::string& utf8)
-{
-    return QString::fromStdString(utf8);
-}
 
 /// A text of others' in a menu: an ampersand is one.
 QString literal(const std::string& utf8)

@@ -14,6 +14,9 @@ class Commands;
 
 namespace kel::test {
 
+/// What a registry file begins with.
+inline constexpr const char* kRegistryHeading = "Windows Registry Editor Version 5.00\r\n\r\n";
+
 /// How a run of the command came out.
 struct CommandOutcome {
     int status = 0; ///< the exit status; 128 and the signal's number if a signal has ended it

@@ -11,16 +11,16 @@ using testing::HasSubstr;
 
 using Words = std::vector<std::string>;
 
-constexpr const char* kForm = R"({"side1Rows":[2],"side1Cols":[3],"fields":[
+constexpr const char* kFieldForm = R"({"side1Rows":[2],"side1Cols":[3],"fields":[
     {"name":"Q","rows":[1,2],"columns":[1,3],"labels":"ABC"},
     {"name":"back","side":2,"row":1,"columns":[1,2]},
     {"name":"last","row":2,"column":3}]})";
-constexpr const char* kSheets = R"([{"side1":[[1,0,0],[0,1,1]]},{"side1":[[0,0,0],[0,0,1]]}])";
+constexpr const char* kAnswers = R"([{"side1":[[1,0,0],[0,1,1]]},{"side1":[[0,0,0],[0,0,1]]}])";
 
 /// A scan of the two sheets with more words at the end.
 CommandOutcome scanned(const Words& more)
 {
-    const TextFile sheets(kSheets);
+    const TextFile sheets(kAnswers);
     Words words = simulatedScan({"--max-sheets", "2", "--sheets", sheets.path()});
     words.insert(words.end(), more.begin(), more.end());
     return runCommand(words);
@@ -28,7 +28,7 @@ CommandOutcome scanned(const Words& more)
 
 TEST(FieldColumns, CsvHasTheColumnsOfTheForm)
 {
-    const TextFile form(kForm);
+    const TextFile form(kFieldForm);
     const CommandOutcome outcome = scanned({"--form", form.path(), "--fields", "--format", "csv"});
     EXPECT_EQ(outcome.output, "sheet,barcodes,rejected,printed,Q1,Q2,back,last\n"
                               "1,,false,false,A,*,,2\n"
@@ -39,7 +39,7 @@ TEST(FieldColumns, CsvHasTheColumnsOfTheForm)
 
 TEST(FieldColumns, JsonHasTheSameAndTheOtherEvents)
 {
-    const TextFile form(kForm);
+    const TextFile form(kFieldForm);
     const CommandOutcome outcome = scanned({"--form", form.path(), "--fields", "--reject-sheets", "2"});
     EXPECT_THAT(outcome.lines(),
                 ElementsAre(R"({"event":"sheet","sheet":1,"barcodes":"","rejected":false,"printed":false,)"
@@ -51,7 +51,7 @@ TEST(FieldColumns, JsonHasTheSameAndTheOtherEvents)
 
 TEST(FieldColumns, AReplayHasThemToo)
 {
-    const TextFile form(kForm);
+    const TextFile form(kFieldForm);
     const TextFile trace("");
     const CommandOutcome scan =
         scanned({"--form", form.path(), "--fields", "--format", "csv", "--trace", trace.path()});
@@ -64,7 +64,7 @@ TEST(FieldColumns, AReplayHasThemToo)
 TEST(FieldColumns, AFormWithoutFieldsAndAFormatWithoutColumnsAreRefused)
 {
     const TextFile bare(R"({"side1Rows":[2],"side1Cols":[3]})");
-    const TextFile form(kForm);
+    const TextFile form(kFieldForm);
     struct Case {
         Words words;
         const char* sentence;

@@ -18,8 +18,6 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-constexpr const char* kHeading = "Windows Registry Editor Version 5.00\r\n\r\n";
-
 std::string repeated(const std::string& text, std::size_t count)
 {
     std::string all;
@@ -46,7 +44,7 @@ void expectRefused(const CommandOutcome& outcome, const std::string& sentence)
 
 CommandOutcome imported(const std::string& text)
 {
-    return runCommand({"settings", "import", TextFile(kHeading + text).path()});
+    return runCommand({"settings", "import", TextFile(kRegistryHeading + text).path()});
 }
 
 CommandOutcome scanned(const std::string& form)
@@ -87,7 +85,7 @@ TEST(HugeRegistryFile, OfManyValuesIsTakenAsAWhole)
 
 TEST(HugeRegistryFile, IsRefusedBeyondItsLargestSize)
 {
-    const TextFile file(kHeading);
+    const TextFile file(kRegistryHeading);
     expand(file, 9);
     expectRefused(runCommand({"settings", "import", file.path()}), "is larger than 8 MB, the limit");
 }

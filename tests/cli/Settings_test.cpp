@@ -19,8 +19,6 @@ using testing::StartsWith;
 using Words = std::vector<std::string>;
 
 constexpr const char* kKey = "HKCU\\Software\\Reader";
-constexpr const char* kHeading = "Windows Registry Editor Version 5.00\r\n\r\n";
-
 /// The command with a settings store of its own that is not there at first.
 class SettingsCommand : public testing::Test {
 protected:
@@ -108,15 +106,15 @@ TEST_F(SettingsCommand, HiveAsAWholeIsNotDeleted)
 
 TEST_F(SettingsCommand, ListShowsValuesAndTheKeysBelow)
 {
-    const TextFile file(kHeading + std::string("[HKCU\\Software\\Reader]\r\n"
-                                               "@=\"default\"\r\n"
-                                               "\"Text\"=\"9600\"\r\n"
-                                               "\"Number\"=dword:00002580\r\n"
-                                               "\"Long\"=hex(b):00,00,00,00,01,00,00,00\r\n"
-                                               "\"Texts\"=hex(7):61,00,00,00,62,00,00,00,00,00\r\n"
-                                               "\"Bytes\"=hex:0a,FF\r\n"
-                                               "\"Own\"=hex(1234):01\r\n"
-                                               "[HKCU\\Software\\Reader\\Below]\r\n"));
+    const TextFile file(kRegistryHeading + std::string("[HKCU\\Software\\Reader]\r\n"
+                                                       "@=\"default\"\r\n"
+                                                       "\"Text\"=\"9600\"\r\n"
+                                                       "\"Number\"=dword:00002580\r\n"
+                                                       "\"Long\"=hex(b):00,00,00,00,01,00,00,00\r\n"
+                                                       "\"Texts\"=hex(7):61,00,00,00,62,00,00,00,00,00\r\n"
+                                                       "\"Bytes\"=hex:0a,FF\r\n"
+                                                       "\"Own\"=hex(1234):01\r\n"
+                                                       "[HKCU\\Software\\Reader\\Below]\r\n"));
     ASSERT_EQ(settings({"import", file.path()}).errors, "");
     EXPECT_EQ(settings({"list", kKey}).output, "@       REG_SZ        default\n"
                                                "Bytes   REG_BINARY    0a,ff\n"
@@ -187,8 +185,8 @@ TEST_F(SettingsCommand, ImportRemovesWhatTheFileTakesAway)
     set("a", "1");
     set("b", "2");
     ASSERT_EQ(settings({"set", "HKCU\\Software\\Gone", "x", "1"}).status, 0);
-    const TextFile file(kHeading + std::string("[-HKCU\\Software\\Gone]\r\n[-HKCU\\Software\\Never]\r\n"
-                                               "[HKCU\\Software\\Reader]\r\n\"a\"=-\r\n\"never\"=-\r\n"));
+    const TextFile file(kRegistryHeading + std::string("[-HKCU\\Software\\Gone]\r\n[-HKCU\\Software\\Never]\r\n"
+                                                       "[HKCU\\Software\\Reader]\r\n\"a\"=-\r\n\"never\"=-\r\n"));
     EXPECT_EQ(settings({"import", file.path()}).errors, "");
     EXPECT_EQ(settings({"list", kKey}).output, "b  REG_SZ  2\n");
     EXPECT_EQ(settings({"list", "HKCU\\Software"}).output, "[HKEY_CURRENT_USER\\Software\\Reader]\n");
@@ -201,7 +199,7 @@ TEST_F(SettingsCommand, FileThatIsNoneChangesNothing)
            "The registry file " + none.path() +
                " cannot be imported. Line 1: this is not a registry file; such a file "
                "begins with \"Windows Registry Editor Version 5.00\".");
-    const TextFile half(kHeading + std::string("[HKCU\\Software\\Reader]\r\n\"a\"=\"1\"\r\n\"b\"=\"2\r\n"));
+    const TextFile half(kRegistryHeading + std::string("[HKCU\\Software\\Reader]\r\n\"a\"=\"1\"\r\n\"b\"=\"2\r\n"));
     refuse({"import", half.path()}, 2,
            "The registry file " + half.path() + " cannot be imported. Line 5: the text has no quote at its end.");
     EXPECT_EQ(settings({"import", "/no/such/file"}).status, 2);
@@ -211,7 +209,7 @@ TEST_F(SettingsCommand, FileThatIsNoneChangesNothing)
 TEST_F(SettingsCommand, StoreThatIsOnlyReadIsNotMade)
 {
     const std::string none = "There is no key HKEY_CURRENT_USER\\Software\\Reader, or it may not be read.";
-    const TextFile file(kHeading + std::string("[-HKCU\\Software\\Reader]\r\n"));
+    const TextFile file(kRegistryHeading + std::string("[-HKCU\\Software\\Reader]\r\n"));
     refuse({"list", kKey}, 1, none);
     refuse({"get", kKey, "x"}, 1, none);
     refuse({"delete", kKey}, 1, none);
@@ -229,7 +227,7 @@ TEST_F(SettingsCommand, StoreThatCannotBeWrittenIsAFailure)
     store_ = inTheWay.path() + "/store";
     refuse({"set", kKey, "x", "1"}, 1,
            "The settings store cannot be written, so HKEY_CURRENT_USER\\Software\\Reader is unchanged.");
-    const TextFile file(kHeading + std::string("[HKLM\\Software\\Reader]\r\n\"x\"=\"1\"\r\n"));
+    const TextFile file(kRegistryHeading + std::string("[HKLM\\Software\\Reader]\r\n\"x\"=\"1\"\r\n"));
     refuse({"import", file.path()}, 1,
            "The settings store cannot be written, so HKEY_LOCAL_MACHINE\\Software\\Reader is unchanged.");
 }
@@ -262,8 +260,8 @@ TEST_F(SettingsCommand, ShowOfAFreshKeyHasTheDefaults)
 
 TEST_F(SettingsCommand, ShowHasWhatIsKept)
 {
-    const TextFile file(kHeading + std::string("[HKCU\\Software\\Reader]\r\n\"ScannerBaud\"=dword:00002580\r\n"
-                                               "\"TimeOut\"=dword:00000102\r\n\"Port\"=\"4\"\r\n"));
+    const TextFile file(kRegistryHeading + std::string("[HKCU\\Software\\Reader]\r\n\"ScannerBaud\"=dword:00002580\r\n"
+                                                       "\"TimeOut\"=dword:00000102\r\n\"Port\"=\"4\"\r\n"));
     ASSERT_EQ(settings({"import", file.path()}).status, 0);
     set("ScannerType", "24");
     set("Duplex", "true");

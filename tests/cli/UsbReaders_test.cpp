@@ -25,7 +25,7 @@ using testing::StartsWith;
 
 using Words = std::vector<std::string>;
 
-constexpr const char* kForm =
+constexpr const char* kBarcodeForm =
     R"({"barcodes":[{"Page":1,"Distance":100,"Length":50},{"Page":1,"Distance":300,"Length":30}]})";
 
 MarkArray cellsOf(const MarkRows& rows)
@@ -39,7 +39,7 @@ MarkArray cellsOf(const MarkRows& rows)
 }
 
 /// The line that tells a sheet which has been read on one side.
-std::string sheetLine(Int32 number, const SimulatedSheet& sheet)
+std::string readLine(Int32 number, const SimulatedSheet& sheet)
 {
     host::Sheet line;
     line.number = number;
@@ -67,8 +67,8 @@ TEST_P(UsbScan, ReadsMadeUpSheetsUntilThereAreNoMore)
 {
     const CommandOutcome outcome =
         runCommand({"scan", "--simulate", "--model", GetParam(), "--seed", "7", "--count", "3"});
-    EXPECT_THAT(outcome.lines(), ElementsAre(sheetLine(1, madeUp(7, 0)), sheetLine(2, madeUp(7, 1)),
-                                             sheetLine(3, madeUp(7, 2)), endLine(3)));
+    EXPECT_THAT(outcome.lines(), ElementsAre(readLine(1, madeUp(7, 0)), readLine(2, madeUp(7, 1)),
+                                             readLine(3, madeUp(7, 2)), endLine(3)));
     EXPECT_EQ(outcome.errors, "");
     EXPECT_EQ(outcome.status, 0);
 }
@@ -78,7 +78,7 @@ INSTANTIATE_TEST_SUITE_P(Models, UsbScan, testing::Values("30", "33", "34", "36"
 
 TEST(UsbScanCommand, ReadsBothSidesAndBarcodes)
 {
-    const TextFile form(kForm);
+    const TextFile form(kBarcodeForm);
     const CommandOutcome outcome = runCommand({"scan", "--simulate", "--model", "SR3500", "--seed", "9", "--count", "4",
                                                "--max-sheets", "2", "--form", form.path(), "--set", "Duplex=true",
                                                "--set", "DuplexForm=true", "--set", "Barcode=true"});
@@ -113,7 +113,7 @@ TEST(UsbScanCommand, ReadsTheSheetsOfAFile)
 {
     const TextFile sheets(R"([{"side1":[[1,0,255]]},{"side1":[],"side2":[[3]]}])");
     const CommandOutcome outcome = runCommand({"scan", "--simulate", "--model", "36", "--sheets", sheets.path()});
-    EXPECT_THAT(outcome.lines(), ElementsAre(sheetLine(1, {.side1 = {{1, 0, 255}}}), sheetLine(2, {}), endLine(2)));
+    EXPECT_THAT(outcome.lines(), ElementsAre(readLine(1, {.side1 = {{1, 0, 255}}}), readLine(2, {}), endLine(2)));
     EXPECT_EQ(outcome.status, 0);
 }
 
@@ -195,7 +195,7 @@ std::string traced(const Words& more, CommandOutcome& scan)
 
 TEST(UsbScanCommand, IsReplayedFromTheCallsOfItsLibrary)
 {
-    const TextFile form(kForm);
+    const TextFile form(kBarcodeForm);
     for (const Words& more : {Words{"--count", "2", "--form", form.path(), "--set", "Barcode=True"},
                               Words{"--count", "9", "--max-sheets", "2", "--print1", "sheet = {sheet}: \"#1\""},
                               Words{"--count", "3", "--fault", "jam@sheet=2"},
@@ -274,7 +274,7 @@ TEST(UsbScanCommand, TakesAStateOfOnesOwn)
     const TextFile state(R"({"sheets":[{"side1":[[1]],"barcodes":["47","11"]}],"readingMethod":[1,77],"columns":40,)"
                          R"("feedMode":[2,0],"refusals":[{"function":"OMR_GetBarcodeData","call":1}],"logFile":")" +
                          log.path() + "\"}");
-    const TextFile form(kForm);
+    const TextFile form(kBarcodeForm);
     ::setenv("KEL_OMRAPI_SIMULATION", state.path().c_str(), 1);
     const CommandOutcome outcome = runCommand(
         {"scan", "--model", "33", "--omrapi", simulatedOmrApi(), "--form", form.path(), "--set", "Barcode=true"});

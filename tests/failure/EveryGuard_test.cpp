@@ -5,6 +5,7 @@
 
 #include "failure/modvbCodeShieldSupport.h"
 #include "platform/posix/PosixFaultCapture.h"
+#include "tests/support/BuiltFiles.h"
 
 #include <gmock/gmock.h>
 
@@ -102,7 +103,7 @@ std::vector<GuardCase>& guardCases()
 std::set<std::string> sourcesOfComponent()
 {
     constexpr std::string_view kPrefix = "KELReader81 - ";
-    std::ifstream file(KEL_COMPONENT_LIBRARY, std::ios::binary);
+    std::ifstream file(componentLibrary(), std::ios::binary);
     const std::string code{std::istreambuf_iterator<char>(file), {}};
     std::set<std::string> sources;
     for (std::size_t at = code.find(kPrefix); at != std::string::npos; at = code.find(kPrefix, at + 1)) {
@@ -121,7 +122,7 @@ const std::set<std::string> kNoGuards = {
 TEST(EveryGuard, OfTheComponentIsInATable)
 {
     std::set<std::string> sources = sourcesOfComponent();
-    ASSERT_GT(sources.size(), 100U) << KEL_COMPONENT_LIBRARY;
+    ASSERT_GT(sources.size(), 100U) << componentLibrary();
     std::vector<std::string> missing;
     for (const std::string& source : sources) {
         if (!guardedProcedures().contains(source) && !kNoGuards.contains(source))

@@ -149,7 +149,7 @@ TEST(ObjectDump, OfParametersThatAreControls)
 }
 
 /// Writes down what is sent of the dialog.
-class Debugger final : public DebuggerIPC {
+class DialogDebugger final : public DebuggerIPC {
 public:
     Int32 Send(Int32 lCode, const std::string& sText, const Variant&, Int32, Int32) override
     {
@@ -168,7 +168,7 @@ TEST(ObjectLifeOfTheOptionsDialog, LastsFromLoadingToUnloading)
     vbcsForgetInitialisation();
     host.machine.registry().text(kelReaderRegistryKeyCurrentUser, R"(Software\Innovasys\vbCodeShield\Debugger\)",
                                  "Count", "1");
-    const auto debugger = std::make_shared<Debugger>();
+    const auto debugger = std::make_shared<DialogDebugger>();
     setDebuggerFactory([&](IVBCSClient&) { return debugger; });
     vbcsInitialise();
     auto form = std::make_shared<frmOptions>();

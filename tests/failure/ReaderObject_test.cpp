@@ -18,7 +18,7 @@ using testing::EndsWith;
 using testing::HasSubstr;
 
 /// Writes down code and name of what is sent.
-class Debugger : public DebuggerIPC {
+class ReaderDebugger : public DebuggerIPC {
 public:
     Int32 Send(Int32 lCode, const std::string& sText, const Variant&, Int32, Int32) override
     {
@@ -60,7 +60,7 @@ TEST_F(ReaderObject, TellsADebuggerOfItselfAndItsMembersInTheirOrder)
 {
     machine.registry().text(kelReaderRegistryKeyCurrentUser, R"(Software\Innovasys\vbCodeShield\Debugger\)", "Count",
                             "1");
-    const auto debugger = std::make_shared<Debugger>();
+    const auto debugger = std::make_shared<ReaderDebugger>();
     setDebuggerFactory([&](IVBCSClient&) { return debugger; });
     vbcsInitialise();
     {

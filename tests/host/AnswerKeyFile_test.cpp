@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "host/AnswerKeyFile.h"
 
-#include "cli/UsageError.h"
+#include "tests/host/Refusal.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -21,22 +21,17 @@ const std::string kWholeKey = R"({
         {"name": "Essay Score", "correctAnswers": ["25"]}]})";
 
 /// The sentence that refuses a text; empty if it is taken.
-std::string refusal(const std::string& text)
+std::string keyRefusal(const std::string& text)
 {
-    try {
-        static_cast<void>(host::parseAnswerKey(text, "key.json"));
-    } catch (const host::UsageError& error) {
-        return error.what();
-    }
-    return {};
+    return test::refusalOf([&] { return host::parseAnswerKey(text, "key.json"); });
 }
 
 /// The same for a key that is good but for one question.
 std::string questionRefusal(const std::string& question)
 {
-    return refusal(R"({"formIds": ["0001"], "questions": [
+    return keyRefusal(R"({"formIds": ["0001"], "questions": [
         {"name": "Question 1", "choices": ["A"], "correctAnswers": ["A"]}, )" +
-                   question + "]}");
+                      question + "]}");
 }
 
 TEST(AnswerKeyFile, AWholeKey)
@@ -75,20 +70,21 @@ TEST(AnswerKeyFile, WhatMayBeLeftOut)
 
 TEST(AnswerKeyFile, RefusesWhatIsNoKey)
 {
-    EXPECT_EQ(refusal(""), "key.json is not JSON: line 1, column 1: syntax error while parsing value - unexpected end "
-                           "of input; expected '[', '{', or a literal.");
-    EXPECT_EQ(refusal("[]"), "key.json: the file has to be an object, not an array.");
-    EXPECT_EQ(refusal("{}"), "key.json: the file has no form identifier: formIds needs one for each page.");
-    EXPECT_EQ(refusal(R"({"formIds": []})"),
+    EXPECT_EQ(keyRefusal(""),
+              "key.json is not JSON: line 1, column 1: syntax error while parsing value - unexpected end "
+              "of input; expected '[', '{', or a literal.");
+    EXPECT_EQ(keyRefusal("[]"), "key.json: the file has to be an object, not an array.");
+    EXPECT_EQ(keyRefusal("{}"), "key.json: the file has no form identifier: formIds needs one for each page.");
+    EXPECT_EQ(keyRefusal(R"({"formIds": []})"),
               "key.json: the file has no form identifier: formIds needs one for each page.");
-    EXPECT_EQ(refusal(R"({"formIds": ["1"]})"), "key.json: the file has no questions.");
-    EXPECT_EQ(refusal(R"({"formIds": ["1"], "questions": []})"), "key.json: the file has no questions.");
+    EXPECT_EQ(keyRefusal(R"({"formIds": ["1"]})"), "key.json: the file has no questions.");
+    EXPECT_EQ(keyRefusal(R"({"formIds": ["1"], "questions": []})"), "key.json: the file has no questions.");
 }
 
 TEST(AnswerKeyFile, RefusesUnknownKeys)
 {
-    EXPECT_EQ(refusal(R"({"formids": ["1"]})"), "key.json: the file has an unknown key \"formids\"; the "
-                                                "nearest is formIds.");
+    EXPECT_EQ(keyRefusal(R"({"formids": ["1"]})"), "key.json: the file has an unknown key \"formids\"; the "
+                                                   "nearest is formIds.");
     EXPECT_THAT(questionRefusal(R"({"name": "Question 2", "choises": ["A"]})"),
                 testing::StartsWith("key.json: questions[1] has an unknown key \"choises\"; the nearest are "
                                     "choices and choiceColumns."));
@@ -96,12 +92,12 @@ TEST(AnswerKeyFile, RefusesUnknownKeys)
 
 TEST(AnswerKeyFile, RefusesWrongTypes)
 {
-    EXPECT_EQ(refusal(R"({"formIds": "1"})"), "key.json: formIds has to be an array, not a text.");
-    EXPECT_EQ(refusal(R"({"formIds": [1]})"), "key.json: formIds[0] has to be a text, not a number.");
-    EXPECT_EQ(refusal(R"({"formIds": ["1", null]})"), "key.json: formIds[1] has to be a text, not null.");
-    EXPECT_EQ(refusal(R"({"pages": "2"})"), "key.json: pages has to be a whole number, not a text.");
-    EXPECT_EQ(refusal(R"({"pages": true})"), "key.json: pages has to be a whole number, not a truth value.");
-    EXPECT_EQ(refusal(R"({"questions": {}})"), "key.json: questions has to be an array, not an object.");
+    EXPECT_EQ(keyRefusal(R"({"formIds": "1"})"), "key.json: formIds has to be an array, not a text.");
+    EXPECT_EQ(keyRefusal(R"({"formIds": [1]})"), "key.json: formIds[0] has to be a text, not a number.");
+    EXPECT_EQ(keyRefusal(R"({"formIds": ["1", null]})"), "key.json: formIds[1] has to be a text, not null.");
+    EXPECT_EQ(keyRefusal(R"({"pages": "2"})"), "key.json: pages has to be a whole number, not a text.");
+    EXPECT_EQ(keyRefusal(R"({"pages": true})"), "key.json: pages has to be a whole number, not a truth value.");
+    EXPECT_EQ(keyRefusal(R"({"questions": {}})"), "key.json: questions has to be an array, not an object.");
     EXPECT_EQ(questionRefusal("7"), "key.json: questions[1] has to be an object, not a number.");
     EXPECT_EQ(questionRefusal(R"({"name": 7})"), "key.json: questions[1].name has to be a text, not a number.");
     EXPECT_EQ(questionRefusal(R"({"name": "Question 2", "choices": ["A"], "correctAnswers": "A"})"),
@@ -111,12 +107,12 @@ TEST(AnswerKeyFile, RefusesWrongTypes)
 TEST(AnswerKeyFile, RefusesNumbersThatDoNotFit)
 {
     for (const std::string number : {"0", "3", "-1", "1.0", "99999999999999999999", "-9223372036854775808", "1e400"})
-        EXPECT_NE(refusal(R"({"formIds": ["1"], "questions": [{"name": "Question", "choices": ["1"]}], "pages": )" +
-                          number + "}"),
+        EXPECT_NE(keyRefusal(R"({"formIds": ["1"], "questions": [{"name": "Question", "choices": ["1"]}], "pages": )" +
+                             number + "}"),
                   "")
             << number;
-    EXPECT_EQ(refusal(R"({"pages": 3})"), "key.json: pages has to be a whole number from 1 to 2, not 3.");
-    EXPECT_EQ(refusal(R"({"questionsOnPage": [20, 6554]})"),
+    EXPECT_EQ(keyRefusal(R"({"pages": 3})"), "key.json: pages has to be a whole number from 1 to 2, not 3.");
+    EXPECT_EQ(keyRefusal(R"({"questionsOnPage": [20, 6554]})"),
               "key.json: questionsOnPage[1] has to be a whole number from 1 to 6553, not 6554.");
     EXPECT_EQ(questionRefusal(R"({"name": "Question 2", "choices": ["A"], "choiceColumns": 0})"),
               "key.json: questions[1].choiceColumns has to be a whole number from 1 to 100, not 0.");
@@ -124,13 +120,13 @@ TEST(AnswerKeyFile, RefusesNumbersThatDoNotFit)
 
 TEST(AnswerKeyFile, RefusesFormIdentifiersThatCannotBeSent)
 {
-    EXPECT_EQ(refusal(R"({"formIds": [""]})"), "key.json: formIds[0] must not be empty.");
-    EXPECT_EQ(refusal(R"({"formIds": ["1,2"]})"), "key.json: formIds[0] is \"1,2\"; it must not hold a comma.");
-    EXPECT_EQ(refusal(R"({"formIds": ["1\r"]})"),
+    EXPECT_EQ(keyRefusal(R"({"formIds": [""]})"), "key.json: formIds[0] must not be empty.");
+    EXPECT_EQ(keyRefusal(R"({"formIds": ["1,2"]})"), "key.json: formIds[0] is \"1,2\"; it must not hold a comma.");
+    EXPECT_EQ(keyRefusal(R"({"formIds": ["1\r"]})"),
               R"(key.json: formIds[0] is "1\r"; it may hold only letters, digits and signs of ASCII.)");
-    EXPECT_EQ(refusal(R"({"formIds": ["1", "2", "3"]})"),
+    EXPECT_EQ(keyRefusal(R"({"formIds": ["1", "2", "3"]})"),
               "key.json: formIds has more than two identifiers, and a reader takes one a page.");
-    EXPECT_EQ(refusal(R"({"formIds": ["1", "2"], "questions": [{"name": "Question", "choices": ["1"]}]})"),
+    EXPECT_EQ(keyRefusal(R"({"formIds": ["1", "2"], "questions": [{"name": "Question", "choices": ["1"]}]})"),
               "key.json: the file has two form identifiers and no questionsOnPage, which has to say where page 2 "
               "begins.");
 }

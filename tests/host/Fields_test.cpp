@@ -2,7 +2,7 @@
 #include "host/Fields.h"
 
 #include "host/Form.h"
-#include "host/UsageError.h"
+#include "tests/host/Refusal.h"
 
 #include <gmock/gmock.h>
 
@@ -19,14 +19,9 @@ std::vector<Field> fields(const std::string& text, const std::string& more = "")
     return host::parseForm("{" + more + "\"fields\":[" + text + "]}", "form.json").fields;
 }
 
-std::string refusal(const std::string& text, const std::string& more = "")
+std::string fieldsRefusal(const std::string& text, const std::string& more = "")
 {
-    try {
-        static_cast<void>(fields(text, more));
-    } catch (const host::UsageError& error) {
-        return error.what();
-    }
-    return "not refused";
+    return test::refusalOf([&] { return fields(text, more); });
 }
 
 std::vector<std::string> names(const std::vector<Field>& all)
@@ -203,14 +198,14 @@ TEST(Fields, WhatIsWrongIsSaidInOneSentenceWithItsPlace)
              {R"({"name":"Q","row":1,"columns":[1,48],"label":"A"})",
               "fields[0] has an unknown key \"label\"; the nearest are labels and name."},
          })
-        EXPECT_EQ(refusal(field, windows + sizes), std::string("form.json: ") + sentence);
+        EXPECT_EQ(fieldsRefusal(field, windows + sizes), std::string("form.json: ") + sentence);
 }
 
 TEST(Fields, AFieldBeyondAllBoundsIsRefusedBeforeItIsMade)
 {
-    EXPECT_EQ(refusal(R"({"name":"Q","rows":[1,32767],"columns":[1,200]})"),
+    EXPECT_EQ(fieldsRefusal(R"({"name":"Q","rows":[1,32767],"columns":[1,200]})"),
               "form.json: fields[0] makes more than 10000 columns of the form.");
-    EXPECT_EQ(refusal(R"({"name":"Q","row":1,"columns":[1,32767]})"),
+    EXPECT_EQ(fieldsRefusal(R"({"name":"Q","row":1,"columns":[1,32767]})"),
               "form.json: fields[0] has 32767 choices; the limit is 200.");
 }
 

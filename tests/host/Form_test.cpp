@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "host/Form.h"
 
-#include "cli/UsageError.h"
 #include "simulators/platform/SimulatedPlatform.h"
+#include "tests/host/Refusal.h"
 
 #include <gmock/gmock.h>
 
@@ -20,14 +20,9 @@ host::Form form(const std::string& text)
     return host::parseForm(text, "form.json");
 }
 
-std::string refusal(const std::string& text)
+std::string formRefusal(const std::string& text)
 {
-    try {
-        static_cast<void>(form(text));
-    } catch (const host::UsageError& error) {
-        return error.what();
-    }
-    return "not refused";
+    return test::refusalOf([&] { return form(text); });
 }
 
 TEST(FormFile, EmptyFormReadsPagesAndHasNoSizes)
@@ -87,62 +82,63 @@ TEST(FormFile, SizesThatAreNotGivenStayUnset)
 
 TEST(FormFile, BrokenJsonNamesThePlace)
 {
-    EXPECT_EQ(refusal(""), "form.json is not JSON: line 1, column 1: syntax error while parsing value - unexpected end "
-                           "of input; expected '[', '{', or a literal.");
-    EXPECT_THAT(refusal("{\"side1Rows\":\n[1,}"), StartsWith("form.json is not JSON: line 2, column 4: "));
-    EXPECT_THAT(refusal("{} x"), StartsWith("form.json is not JSON: line 1, column 4: "));
-    EXPECT_THAT(refusal("\xFF"), StartsWith("form.json is not JSON: line 1, column 1: "));
+    EXPECT_EQ(formRefusal(""),
+              "form.json is not JSON: line 1, column 1: syntax error while parsing value - unexpected end "
+              "of input; expected '[', '{', or a literal.");
+    EXPECT_THAT(formRefusal("{\"side1Rows\":\n[1,}"), StartsWith("form.json is not JSON: line 2, column 4: "));
+    EXPECT_THAT(formRefusal("{} x"), StartsWith("form.json is not JSON: line 1, column 4: "));
+    EXPECT_THAT(formRefusal("\xFF"), StartsWith("form.json is not JSON: line 1, column 1: "));
 }
 
 TEST(FormFile, UnknownKeysAreRefused)
 {
-    EXPECT_EQ(refusal(R"({"side1Row":[1]})"), "form.json: the file has an unknown key \"side1Row\"; the nearest "
-                                              "are side1Rows, side2Rows and side1Cols.");
-    EXPECT_EQ(refusal(R"({"windows":[{},{"Rows":1}]})"), "form.json: windows[1] has an unknown key \"Rows\"; the "
-                                                         "nearest are NumRows, RowGap and StartRow.");
-    EXPECT_THAT(refusal(R"({"barcodes":[{"page":1}]})"),
+    EXPECT_EQ(formRefusal(R"({"side1Row":[1]})"), "form.json: the file has an unknown key \"side1Row\"; the nearest "
+                                                  "are side1Rows, side2Rows and side1Cols.");
+    EXPECT_EQ(formRefusal(R"({"windows":[{},{"Rows":1}]})"), "form.json: windows[1] has an unknown key \"Rows\"; the "
+                                                             "nearest are NumRows, RowGap and StartRow.");
+    EXPECT_THAT(formRefusal(R"({"barcodes":[{"page":1}]})"),
                 StartsWith("form.json: barcodes[0] has an unknown key \"page\"; the nearest is Page."));
 }
 
 TEST(FormFile, NegativeSizesAreRefused)
 {
-    EXPECT_EQ(refusal(R"({"side1Rows":[63,-1]})"),
+    EXPECT_EQ(formRefusal(R"({"side1Rows":[63,-1]})"),
               "form.json: side1Rows[1] has to be a whole number from 0 to 32767, not -1.");
-    EXPECT_EQ(refusal(R"({"windows":[{"NumRows":-5}]})"),
+    EXPECT_EQ(formRefusal(R"({"windows":[{"NumRows":-5}]})"),
               "form.json: windows[0].NumRows has to be a whole number from 0 to 32767, not -5.");
-    EXPECT_EQ(refusal(R"({"windows":[{"NumCols":-5}]})"),
+    EXPECT_EQ(formRefusal(R"({"windows":[{"NumCols":-5}]})"),
               "form.json: windows[0].NumCols has to be a whole number from 0 to 32767, not -5.");
-    EXPECT_EQ(refusal(R"({"barcodes":[{"Length":-1}]})"),
+    EXPECT_EQ(formRefusal(R"({"barcodes":[{"Length":-1}]})"),
               "form.json: barcodes[0].Length has to be a whole number from 0 to 32767, not -1.");
 }
 
 TEST(FormFile, NumbersThatDoNotFitAreRefused)
 {
-    EXPECT_EQ(refusal(R"({"side2Cols":[32768]})"),
+    EXPECT_EQ(formRefusal(R"({"side2Cols":[32768]})"),
               "form.json: side2Cols[0] has to be a whole number from 0 to 32767, not 32768.");
-    EXPECT_EQ(refusal(R"({"side2Cols":[18446744073709551615]})"),
+    EXPECT_EQ(formRefusal(R"({"side2Cols":[18446744073709551615]})"),
               "form.json: side2Cols[0] has to be a whole number from 0 to 32767, not 18446744073709551615.");
-    EXPECT_EQ(refusal(R"({"windows":[{"StartRow":-32769}]})"),
+    EXPECT_EQ(formRefusal(R"({"windows":[{"StartRow":-32769}]})"),
               "form.json: windows[0].StartRow has to be a whole number from -32768 to 32767, not -32769.");
     EXPECT_EQ(
-        refusal(R"({"barcodes":[{"Symbology":2147483648}]})"),
+        formRefusal(R"({"barcodes":[{"Symbology":2147483648}]})"),
         "form.json: barcodes[0].Symbology has to be a whole number from -2147483648 to 2147483647, not 2147483648.");
 }
 
 TEST(FormFile, WrongTypesAreRefused)
 {
-    EXPECT_EQ(refusal("[]"), "form.json: the file has to be an object, not an array.");
-    EXPECT_EQ(refusal(R"({"side1Rows":63})"), "form.json: side1Rows has to be an array, not a number.");
-    EXPECT_EQ(refusal(R"({"side1Rows":["63"]})"), "form.json: side1Rows[0] has to be a whole number, not a text.");
-    EXPECT_EQ(refusal(R"({"side1Rows":[1.5]})"),
+    EXPECT_EQ(formRefusal("[]"), "form.json: the file has to be an object, not an array.");
+    EXPECT_EQ(formRefusal(R"({"side1Rows":63})"), "form.json: side1Rows has to be an array, not a number.");
+    EXPECT_EQ(formRefusal(R"({"side1Rows":["63"]})"), "form.json: side1Rows[0] has to be a whole number, not a text.");
+    EXPECT_EQ(formRefusal(R"({"side1Rows":[1.5]})"),
               "form.json: side1Rows[0] has to be a whole number from 0 to 32767, not 1.5.");
-    EXPECT_EQ(refusal(R"({"windows":[5]})"), "form.json: windows[0] has to be an object, not a number.");
-    EXPECT_EQ(refusal(R"({"windows":null})"), "form.json: windows has to be an array, not null.");
-    EXPECT_EQ(refusal(R"({"windows":[{"Page":true}]})"),
+    EXPECT_EQ(formRefusal(R"({"windows":[5]})"), "form.json: windows[0] has to be an object, not a number.");
+    EXPECT_EQ(formRefusal(R"({"windows":null})"), "form.json: windows has to be an array, not null.");
+    EXPECT_EQ(formRefusal(R"({"windows":[{"Page":true}]})"),
               "form.json: windows[0].Page has to be a whole number, not a truth value.");
-    EXPECT_EQ(refusal(R"({"recognitionMode":"pages"})"),
+    EXPECT_EQ(formRefusal(R"({"recognitionMode":"pages"})"),
               R"(form.json: recognitionMode has to be "page" or "window", not "pages".)");
-    EXPECT_EQ(refusal(R"({"recognitionMode":1})"), "form.json: recognitionMode has to be a text, not a number.");
+    EXPECT_EQ(formRefusal(R"({"recognitionMode":1})"), "form.json: recognitionMode has to be a text, not a number.");
 }
 
 TEST(FormFile, FileThatCannotBeReadIsRefused)

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include "cli/UsageError.h"
 #include "host/EnumeratorNames.h"
 #include "host/ModelLookup.h"
 #include "profiles/ReaderModels.h"
+#include "tests/host/Refusal.h"
 
 #include <gmock/gmock.h>
 
@@ -12,14 +12,9 @@ namespace {
 using testing::HasSubstr;
 using testing::Not;
 
-std::string refusal(const std::string& text)
+std::string modelRefusal(const std::string& text)
 {
-    try {
-        static_cast<void>(host::modelNamed(text));
-    } catch (const host::UsageError& error) {
-        return error.what();
-    }
-    return "not refused";
+    return test::refusalOf([&] { return host::modelNamed(text); });
 }
 
 TEST(ModelLookup, TakesEveryNumberEveryNameAndEveryEnumerator)
@@ -52,29 +47,31 @@ TEST(ModelLookup, PartWillDoWhereOnlyOneModelHasIt)
 
 TEST(ModelLookup, SeveralModelsAreListed)
 {
-    EXPECT_EQ(refusal("OMR"), "'OMR' fits several models: Chatsworth Data OMR1100 (20), Chatsworth Data OMR2000 (21), "
-                              "Chatsworth Data ALS AccelScan OMR (22), Scantron iNSIGHT 4 (OMR) (31) and Scantron "
-                              "iNSIGHT 2 (OMR) (32).");
-    EXPECT_EQ(refusal("scantron 8"), "'scantron 8' fits several models: Scantron 8000 (16) and Scantron 8400 (17).");
+    EXPECT_EQ(modelRefusal("OMR"),
+              "'OMR' fits several models: Chatsworth Data OMR1100 (20), Chatsworth Data OMR2000 (21), "
+              "Chatsworth Data ALS AccelScan OMR (22), Scantron iNSIGHT 4 (OMR) (31) and Scantron "
+              "iNSIGHT 2 (OMR) (32).");
+    EXPECT_EQ(modelRefusal("scantron 8"),
+              "'scantron 8' fits several models: Scantron 8000 (16) and Scantron 8400 (17).");
 }
 
 TEST(ModelLookup, UnknownModelNamesTheNearest)
 {
-    EXPECT_EQ(refusal("Scanmrk 2500"),
+    EXPECT_EQ(modelRefusal("Scanmrk 2500"),
               "There is no model 'Scanmrk 2500'; the nearest are Scantron Scanmark 2500 (13), Scantron Scanmark 2000 "
               "(11) and Scantron Scanmark 5500 (15) ('kelreader models' lists all).");
-    EXPECT_THAT(refusal("noreader1"), Not(HasSubstr("No reader")));
-    EXPECT_THAT(refusal("-1"), HasSubstr("There is no model '-1'"));
-    EXPECT_THAT(refusal("+13"), HasSubstr("There is no model '+13'"));
-    EXPECT_THAT(refusal(" 13"), HasSubstr("There is no model ' 13'"));
-    EXPECT_THAT(refusal(""), HasSubstr("There is no model ''"));
+    EXPECT_THAT(modelRefusal("noreader1"), Not(HasSubstr("No reader")));
+    EXPECT_THAT(modelRefusal("-1"), HasSubstr("There is no model '-1'"));
+    EXPECT_THAT(modelRefusal("+13"), HasSubstr("There is no model '+13'"));
+    EXPECT_THAT(modelRefusal(" 13"), HasSubstr("There is no model ' 13'"));
+    EXPECT_THAT(modelRefusal(""), HasSubstr("There is no model ''"));
 }
 
 TEST(ModelLookup, UnknownModelWithoutALetterInCommonNamesNone)
 {
-    EXPECT_EQ(refusal("zz"), "There is no model 'zz' ('kelreader models' lists all).");
-    EXPECT_EQ(refusal("999"), "There is no model '999' ('kelreader models' lists all).");
-    EXPECT_EQ(refusal("%"), "There is no model '%' ('kelreader models' lists all).");
+    EXPECT_EQ(modelRefusal("zz"), "There is no model 'zz' ('kelreader models' lists all).");
+    EXPECT_EQ(modelRefusal("999"), "There is no model '999' ('kelreader models' lists all).");
+    EXPECT_EQ(modelRefusal("%"), "There is no model '%' ('kelreader models' lists all).");
 }
 
 TEST(ModelLookup, MakersGoByTheirNames)

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "host/PropertyTable.h"
 
-#include "cli/UsageError.h"
 #include "simulators/platform/SimulatedPlatform.h"
+#include "tests/host/Refusal.h"
 
 #include <gmock/gmock.h>
 
@@ -11,17 +11,12 @@ namespace {
 
 using testing::StartsWith;
 
-std::string refusal(const std::string& assignment)
+std::string assignmentRefusal(const std::string& assignment)
 {
     SimulatedPlatform machine;
     const PlatformScope scope(machine);
     clsKELReader reader;
-    try {
-        host::applyAssignment(reader, assignment);
-    } catch (const host::UsageError& error) {
-        return error.what();
-    }
-    return "not refused";
+    return test::refusalOf([&] { host::applyAssignment(reader, assignment); });
 }
 
 struct Case {
@@ -68,7 +63,7 @@ TEST(PropertyTable, PrintLinesHoldAByteACharacterAndOtherTextsAreTheSettings)
     host::applyAssignment(reader, "Printer.Buffer1=ä");
     EXPECT_EQ(reader.Printer()->Buffer1(), "\xE4");
     EXPECT_EQ(json("Printer.Buffer1"), "\"ä\"");
-    EXPECT_EQ(refusal("Printer.Buffer1=€"),
+    EXPECT_EQ(assignmentRefusal("Printer.Buffer1=€"),
               "'€' does not fit Printer.Buffer1, which takes characters of Latin-1 only.");
 
     const std::string wrong = "ä€";
@@ -89,27 +84,30 @@ TEST(PropertyTable, EveryRowIsFoundByItsName)
 
 TEST(PropertyTable, UnknownNameTellsTheNearest)
 {
-    EXPECT_EQ(refusal("StopBit=1"), "The reader has no property 'StopBit' that can be set; the nearest is "
-                                    "StopBits.");
-    EXPECT_THAT(refusal("ReaderName=x"), StartsWith("The reader has no property 'ReaderName' that can be set"));
-    EXPECT_THAT(refusal("=1"), StartsWith("The reader has no property '' that can be set"));
+    EXPECT_EQ(assignmentRefusal("StopBit=1"), "The reader has no property 'StopBit' that can be set; the nearest is "
+                                              "StopBits.");
+    EXPECT_THAT(assignmentRefusal("ReaderName=x"),
+                StartsWith("The reader has no property 'ReaderName' that can be set"));
+    EXPECT_THAT(assignmentRefusal("=1"), StartsWith("The reader has no property '' that can be set"));
 }
 
 TEST(PropertyTable, ValueThatDoesNotFitTellsWhatWould)
 {
-    EXPECT_EQ(refusal("Port=40000"), "'40000' does not fit Port, which takes a whole number from -32768 to 32767.");
-    EXPECT_EQ(refusal("Port=1.5"), "'1.5' does not fit Port, which takes a whole number from -32768 to 32767.");
-    EXPECT_EQ(refusal("Port="), "'' does not fit Port, which takes a whole number from -32768 to 32767.");
-    EXPECT_EQ(refusal("Timeout=2147483648"),
+    EXPECT_EQ(assignmentRefusal("Port=40000"),
+              "'40000' does not fit Port, which takes a whole number from -32768 to 32767.");
+    EXPECT_EQ(assignmentRefusal("Port=1.5"),
+              "'1.5' does not fit Port, which takes a whole number from -32768 to 32767.");
+    EXPECT_EQ(assignmentRefusal("Port="), "'' does not fit Port, which takes a whole number from -32768 to 32767.");
+    EXPECT_EQ(assignmentRefusal("Timeout=2147483648"),
               "'2147483648' does not fit Timeout, which takes a whole number from -2147483648 to 2147483647.");
-    EXPECT_EQ(refusal("Duplex=1"), "'1' does not fit Duplex, which takes true or false.");
-    EXPECT_EQ(refusal("StopBits=two"), "'two' does not fit StopBits, which takes a number such as 1 or 1.5.");
-    EXPECT_EQ(refusal("StopBits=inf"), "'inf' does not fit StopBits, which takes a number such as 1 or 1.5.");
-    EXPECT_EQ(refusal("FlowControl=Hard"),
+    EXPECT_EQ(assignmentRefusal("Duplex=1"), "'1' does not fit Duplex, which takes true or false.");
+    EXPECT_EQ(assignmentRefusal("StopBits=two"), "'two' does not fit StopBits, which takes a number such as 1 or 1.5.");
+    EXPECT_EQ(assignmentRefusal("StopBits=inf"), "'inf' does not fit StopBits, which takes a number such as 1 or 1.5.");
+    EXPECT_EQ(assignmentRefusal("FlowControl=Hard"),
               "'Hard' does not fit FlowControl, which takes a 32-bit whole number or one of the enumeration's names: "
               "kelReaderFlowControlNone, kelReaderFlowControlXonXoff, kelReaderFlowControlHardware or "
               "kelReaderFlowControlBoth.");
-    EXPECT_EQ(refusal("Port"), "'Port' sets nothing; write Property=Value.");
+    EXPECT_EQ(assignmentRefusal("Port"), "'Port' sets nothing; write Property=Value.");
 }
 
 } // namespace

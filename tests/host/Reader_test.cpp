@@ -24,13 +24,13 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 
-const std::vector<SimulatedSheet> kThreeSheets = {
+const std::vector<SimulatedSheet> kPile = {
     {.side1 = {{1, 0, 0}, {0, 1, 0}}}, {.side1 = {{0}, {0}, {0}}}, {.side1 = {{0, 0, 1}}}};
 
 /// A simulated VMR138 on a machine without hardware.
 class HostReaderTest : public testing::Test {
 protected:
-    HostReaderTest() : scope_(machine_) { feed(kThreeSheets); }
+    HostReaderTest() : scope_(machine_) { feed(kPile); }
 
     void feed(const std::vector<SimulatedSheet>& sheets, std::vector<Fault> faults = {})
     {

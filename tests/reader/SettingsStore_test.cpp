@@ -12,8 +12,8 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::StartsWith;
 
-constexpr kelReaderRegistryKey kHive = kelReaderRegistryKeyCurrentUser;
-const std::string kKey = "Software\\Forms\\Reader";
+constexpr kelReaderRegistryKey kStoreHive = kelReaderRegistryKeyCurrentUser;
+const std::string kStoreKey = "Software\\Forms\\Reader";
 
 class SettingsStoreTest : public testing::Test {
 protected:
@@ -22,15 +22,15 @@ protected:
 
     void put(const std::string& name, const std::string& text)
     {
-        registry().write(kHive, kKey, name, {RegistryType::Text, text});
+        registry().write(kStoreHive, kStoreKey, name, {RegistryType::Text, text});
     }
     void putNumber(const std::string& name, const std::string& bytes)
     {
-        registry().write(kHive, kKey, name, {RegistryType::Number, bytes});
+        registry().write(kStoreHive, kStoreKey, name, {RegistryType::Number, bytes});
     }
     std::string saved(const std::string& name)
     {
-        const auto value = registry().read(kHive, kKey, name);
+        const auto value = registry().read(kStoreHive, kStoreKey, name);
         return value ? value->data : "(missing)";
     }
 
@@ -40,7 +40,7 @@ protected:
 TEST_F(SettingsStoreTest, AFreshKeyGivesTheDefaults)
 {
     reader().Port(9);
-    EXPECT_EQ(reader().LoadSettings(kHive, kKey), True);
+    EXPECT_EQ(reader().LoadSettings(kStoreHive, kStoreKey), True);
     EXPECT_EQ(reader().ReaderType(), kelReaderTypeNone);
     EXPECT_EQ(reader().BaudRate(), kelReaderBaudRate9600);
     EXPECT_EQ(reader().Parity(), "N");
@@ -51,7 +51,7 @@ TEST_F(SettingsStoreTest, AFreshKeyGivesTheDefaults)
     EXPECT_EQ(reader().Timeout(), 10);
     EXPECT_EQ(reader().FlowControl(), kelReaderFlowControlNone);
     EXPECT_EQ(reader().Windowing(), False);
-    EXPECT_FALSE(registry().exists(kHive, kKey)) << "loading makes no key";
+    EXPECT_FALSE(registry().exists(kStoreHive, kStoreKey)) << "loading makes no key";
     EXPECT_THAT(host.heard().reports, IsEmpty());
 }
 
@@ -76,10 +76,10 @@ TEST_F(SettingsStoreTest, EverySettingComesBack)
     reader().SleepTime(100000);
     reader().Timeout(600);
     reader().Windowing(True);
-    EXPECT_EQ(reader().SaveSettings(kHive, kKey), True);
+    EXPECT_EQ(reader().SaveSettings(kStoreHive, kStoreKey), True);
 
     clsKELReader other;
-    EXPECT_EQ(other.LoadSettings(kHive, kKey), True);
+    EXPECT_EQ(other.LoadSettings(kStoreHive, kStoreKey), True);
     EXPECT_EQ(other.ReaderType(), kelReaderTypeScantronScanMark2500);
     EXPECT_EQ(other.ReaderGrade(), True);
     EXPECT_EQ(other.Barcode(), True);
@@ -106,21 +106,21 @@ TEST_F(SettingsStoreTest, TheSavedFormHasItsOwnNamesAndOrder)
     reader().ReaderType(kelReaderTypeNCSOpScan5);
     reader().StopBits(2.0F);
     reader().Rejecter(True);
-    reader().SaveSettings(kHive, kKey);
+    reader().SaveSettings(kStoreHive, kStoreKey);
     EXPECT_EQ(saved("ScannerType"), "5");
     EXPECT_EQ(saved("Reject"), "True");
     EXPECT_EQ(saved("ReaderGrade"), "False");
     EXPECT_EQ(saved("ScannerStopBits"), "2");
     EXPECT_EQ(saved("ScannerParity"), "N") << "an empty parity is saved as it reads";
-    EXPECT_EQ(registry().valueNames(kHive, kKey).size(), 19U);
+    EXPECT_EQ(registry().valueNames(kStoreHive, kStoreKey).size(), 19U);
 }
 
 TEST_F(SettingsStoreTest, NumbersHeldAsNumbersAreReadByTheirBytes)
 {
-    const SettingsStore store(kHive, kKey);
+    const SettingsStore store(kStoreHive, kStoreKey);
     putNumber("ScannerBaud", std::string("\x80\x25\x00\x00", 4));
     EXPECT_EQ(store.LoadValue("ScannerBaud", "1"), "&h2580");
-    reader().LoadSettings(kHive, kKey);
+    reader().LoadSettings(kStoreHive, kStoreKey);
     EXPECT_EQ(reader().BaudRate(), 9600);
     putNumber("ScannerBaud", std::string("\x00\x25\x00\x00", 4));
     EXPECT_EQ(store.LoadValue("ScannerBaud", "1"), "&h") << "a zero low byte cuts the number to nothing";
@@ -130,9 +130,9 @@ TEST_F(SettingsStoreTest, NumbersHeldAsNumbersAreReadByTheirBytes)
 
 TEST_F(SettingsStoreTest, OtherTypesAreEmptyAndLongValuesTheirDefault)
 {
-    const SettingsStore store(kHive, kKey);
-    registry().write(kHive, kKey, "A", {RegistryType::Binary, "text"});
-    registry().write(kHive, kKey, "B", {RegistryType::ExpandableText, "%HOME%"});
+    const SettingsStore store(kStoreHive, kStoreKey);
+    registry().write(kStoreHive, kStoreKey, "A", {RegistryType::Binary, "text"});
+    registry().write(kStoreHive, kStoreKey, "B", {RegistryType::ExpandableText, "%HOME%"});
     put("C", std::string("cut\0off", 7));
     put("D", std::string(1025, 'x'));
     EXPECT_EQ(store.LoadValue("A", "default"), "");
@@ -144,7 +144,7 @@ TEST_F(SettingsStoreTest, OtherTypesAreEmptyAndLongValuesTheirDefault)
 
 TEST_F(SettingsStoreTest, AnEmptyTextIsSavedAsABlank)
 {
-    const SettingsStore store(kHive, kKey);
+    const SettingsStore store(kStoreHive, kStoreKey);
     std::string sValue;
     EXPECT_EQ(store.SaveValue("ScannerParity", sValue), True);
     EXPECT_EQ(sValue, " ");
@@ -153,8 +153,8 @@ TEST_F(SettingsStoreTest, AnEmptyTextIsSavedAsABlank)
 
 TEST_F(SettingsStoreTest, ATextIsNotTouchedWhereItsKeyCannotBeMade)
 {
-    const SettingsStore store(kHive, kKey);
-    registry().access(kHive, SimulatedRegistry::Access::ReadOnly);
+    const SettingsStore store(kStoreHive, kStoreKey);
+    registry().access(kStoreHive, SimulatedRegistry::Access::ReadOnly);
     std::string sValue;
     EXPECT_EQ(store.SaveValue("ScannerParity", sValue), False);
     EXPECT_EQ(sValue, "");
@@ -162,7 +162,7 @@ TEST_F(SettingsStoreTest, ATextIsNotTouchedWhereItsKeyCannotBeMade)
 
 TEST_F(SettingsStoreTest, TheLengthOfATextIsThatOfItsCharacters)
 {
-    const SettingsStore store(kHive, kKey);
+    const SettingsStore store(kStoreHive, kStoreKey);
     const auto umlauts = [](int count) {
         std::string text;
         while (count-- > 0)
@@ -171,7 +171,7 @@ TEST_F(SettingsStoreTest, TheLengthOfATextIsThatOfItsCharacters)
     };
     put("A", umlauts(1024));
     put("B", umlauts(1025));
-    registry().write(kHive, kKey, "C", {RegistryType::Binary, umlauts(513)});
+    registry().write(kStoreHive, kStoreKey, "C", {RegistryType::Binary, umlauts(513)});
     EXPECT_EQ(store.LoadValue("A", "default"), umlauts(1024));
     EXPECT_EQ(store.LoadValue("B", "default"), "default");
     EXPECT_EQ(store.LoadValue("C", "default"), "default");
@@ -183,7 +183,7 @@ TEST_F(SettingsStoreTest, ATruthValueThatIsNoneEndsTheLoad)
     put("ReaderGrade", "1");
     put("Barcode", "maybe");
     put("ScannerBaud", "1200");
-    EXPECT_EQ(reader().LoadSettings(kHive, kKey), False);
+    EXPECT_EQ(reader().LoadSettings(kStoreHive, kStoreKey), False);
     EXPECT_EQ(reader().ReaderType(), kelReaderTypeScantronScanMark2500);
     EXPECT_EQ(reader().ReaderGrade(), True);
     EXPECT_NE(reader().BaudRate(), 1200);
@@ -198,7 +198,7 @@ TEST_F(SettingsStoreTest, NumbersAreTakenAsFarAsTheyGo)
     put("MarkDiscrimination", "2.5");
     put("RecognitionThreshold", "text");
     put("SleepTime", "1e3");
-    EXPECT_EQ(reader().LoadSettings(kHive, kKey), True);
+    EXPECT_EQ(reader().LoadSettings(kStoreHive, kStoreKey), True);
     EXPECT_EQ(reader().MarkCutOff(), 12);
     EXPECT_EQ(reader().MarkDiscrimination(), 2);
     EXPECT_EQ(reader().RecognitionThreshold(), 0);
@@ -208,7 +208,7 @@ TEST_F(SettingsStoreTest, NumbersAreTakenAsFarAsTheyGo)
 TEST_F(SettingsStoreTest, ANumberBeyondItsTypeIsAReportedOverflow)
 {
     put("ScannerPort", "40000");
-    EXPECT_EQ(reader().LoadSettings(kHive, kKey), False);
+    EXPECT_EQ(reader().LoadSettings(kStoreHive, kStoreKey), False);
     ASSERT_EQ(host.heard().reports.size(), 1U);
     EXPECT_EQ(host.heard().reports[0].ErrorNumber, 6);
 }
@@ -217,20 +217,20 @@ TEST_F(SettingsStoreTest, ThePrinterDependsOnTheModel)
 {
     put("ScannerType", "18");
     put("Printer", "True");
-    reader().LoadSettings(kHive, kKey);
+    reader().LoadSettings(kStoreHive, kStoreKey);
     EXPECT_EQ(reader().Printer()->Enabled(), False);
     put("ScannerType", "13");
-    reader().LoadSettings(kHive, kKey);
+    reader().LoadSettings(kStoreHive, kStoreKey);
     EXPECT_EQ(reader().Printer()->Enabled(), True);
 }
 
 TEST_F(SettingsStoreTest, AStoreWithoutAccessGivesDefaultsAndTakesEverything)
 {
     put("ScannerPort", "5");
-    registry().access(kHive, SimulatedRegistry::Access::None);
-    EXPECT_EQ(reader().LoadSettings(kHive, kKey), True);
+    registry().access(kStoreHive, SimulatedRegistry::Access::None);
+    EXPECT_EQ(reader().LoadSettings(kStoreHive, kStoreKey), True);
     EXPECT_EQ(reader().Port(), 1);
-    EXPECT_EQ(reader().SaveSettings(kHive, kKey), True);
+    EXPECT_EQ(reader().SaveSettings(kStoreHive, kStoreKey), True);
     EXPECT_THAT(host.heard().reports, IsEmpty());
 }
 

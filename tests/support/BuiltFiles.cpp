@@ -11,6 +11,10 @@ std::string testData()
 {
     return KEL_TEST_DATA;
 }
+std::string componentLibrary()
+{
+    return KEL_COMPONENT_LIBRARY;
+}
 std::string readerProgram()
 {
     return KEL_READER_PROGRAM;

@@ -26,6 +26,11 @@ using namespace std::chrono_literals;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
+inline constexpr kelReaderType kLink = kelReaderTypeAppersonAdvantageLink;
+inline constexpr kelReaderType kMaster = kelReaderTypeAppersonGradeMaster;
+inline constexpr kelReaderType kBench = kelReaderTypeAppersonBenchMark3000;
+inline constexpr kelReaderType k1200 = kelReaderTypeAppersonAdvantage1200;
+
 inline constexpr Int32 kPause = 20;
 inline constexpr Int32 kTimeout = 10000;
 
@@ -189,6 +194,12 @@ private:
     std::size_t next_ = 0;
     Moment openedAt_{};
 };
+
+/// The part of a dialogue in which the reader sends some bytes.
+inline std::string from(const std::string& bytes)
+{
+    return "< " + transcriptBytes(bytes) + "\n";
+}
 
 /// The part of a dialogue in which the reader says yes to each of some commands.
 inline std::string accepts(const std::vector<std::string>& commands)

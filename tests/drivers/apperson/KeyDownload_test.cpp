@@ -6,9 +6,6 @@
 namespace kel::apperson_test {
 namespace {
 
-const kelReaderType kBench = kelReaderTypeAppersonBenchMark3000;
-const kelReaderType k1200 = kelReaderTypeAppersonAdvantage1200;
-
 const std::vector<std::string> kFive = {"A", "B", "C", "D", "E"};
 const std::string kOK = "+ 3\n< \"OK\"\n";
 

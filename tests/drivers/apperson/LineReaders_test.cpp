@@ -6,9 +6,6 @@
 namespace kel::apperson_test {
 namespace {
 
-const kelReaderType kBench = kelReaderTypeAppersonBenchMark3000;
-const kelReaderType k1200 = kelReaderTypeAppersonAdvantage1200;
-
 /// A line of a BenchMark 3000 with these answers; the first stands at byte 119.
 std::string benchLine(const std::string& student, const std::string& answers)
 {
@@ -20,11 +17,6 @@ std::string benchLine(const std::string& student, const std::string& answers)
 std::string line1200(const std::string& student, const std::string& answers)
 {
     return student + "Vxxx001200001000000000" + answers + "\r\n";
-}
-
-std::string from(const std::string& bytes)
-{
-    return "< " + transcriptBytes(bytes) + "\n";
 }
 
 class LineReaders : public AppersonTest {

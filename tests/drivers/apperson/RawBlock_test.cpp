@@ -1,15 +1,18 @@
 // SPDX-License-Identifier: MIT
 #include "drivers/apperson/RawBlock.h"
 
+#include "tests/types/FailureOf.h"
+
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <initializer_list>
 #include <utility>
 #include <vector>
 
 namespace kel {
 namespace {
+
+using test::failureOf;
 
 void setMarks(MarkArray& iSide1Arr, const RawBlockAP& block, Int16 iThreshold)
 {
@@ -35,16 +38,6 @@ std::vector<Byte> placeBytes(std::size_t count, int modulus, Byte status)
         bytes.push_back(static_cast<Byte>(n % static_cast<std::size_t>(modulus)));
     bytes.push_back(status);
     return bytes;
-}
-
-Int32 failureOf(const std::function<void()>& body)
-{
-    try {
-        body();
-    } catch (const RuntimeFailure& failure) {
-        return failure.number();
-    }
-    return 0;
 }
 
 TEST(RawBlockAP, TheFirstByteFromTheLimitOnIsTheStatus)
@@ -78,7 +71,7 @@ TEST(RawBlockAP, HasRoomForSoManyBytes)
 {
     const auto bytesThatFit = [](RawBlockAP block) {
         for (int byte = 0;; ++byte) {
-            if (failureOf([&] { block.take(0); }) == 9)
+            if (failureOf([&] { block.take(0); }) == FailureCode::SubscriptOutOfRange)
                 return byte;
         }
     };
@@ -133,13 +126,13 @@ TEST(AdvantageLinkMarks, RowsBeyondTheRoomFail)
     RawBlockAP block = newBlockAdvantageLinkAP();
     fill(block, {200});
     MarkArray fits(99, 12); // 14 + 98 * 12 = 1190
-    EXPECT_EQ(failureOf([&] { setMarksAdvantageLinkAP(fits, block); }), 0);
+    EXPECT_EQ(failureOf([&] { setMarksAdvantageLinkAP(fits, block); }), std::nullopt);
     MarkArray tooMany(100, 12); // 1202
-    EXPECT_EQ(failureOf([&] { setMarksAdvantageLinkAP(tooMany, block); }), 9);
+    EXPECT_EQ(failureOf([&] { setMarksAdvantageLinkAP(tooMany, block); }), FailureCode::SubscriptOutOfRange);
     MarkArray oneRow(1, 1200);
-    EXPECT_EQ(failureOf([&] { setMarksAdvantageLinkAP(oneRow, block); }), 0);
+    EXPECT_EQ(failureOf([&] { setMarksAdvantageLinkAP(oneRow, block); }), std::nullopt);
     MarkArray wideRow(1, 1201);
-    EXPECT_EQ(failureOf([&] { setMarksAdvantageLinkAP(wideRow, block); }), 9);
+    EXPECT_EQ(failureOf([&] { setMarksAdvantageLinkAP(wideRow, block); }), FailureCode::SubscriptOutOfRange);
 }
 
 /// A GradeMaster block: identifier, an unused byte, error number, one byte a row.
@@ -193,17 +186,17 @@ TEST(GradeMasterMarks, AMarkOutsideTheColumnsFails)
     const RawBlockAP fourth = gradeMasterBlock("0123456789", "   ", {0x0F});
     const RawBlockAP fifth = gradeMasterBlock("0123456789", "   ", {0x10});
     MarkArray marks(1, 4);
-    EXPECT_EQ(failureOf([&] { setMarks(marks, fourth, 1); }), 0);
-    EXPECT_EQ(failureOf([&] { setMarks(marks, fifth, 1); }), 9);
+    EXPECT_EQ(failureOf([&] { setMarks(marks, fourth, 1); }), std::nullopt);
+    EXPECT_EQ(failureOf([&] { setMarks(marks, fifth, 1); }), FailureCode::SubscriptOutOfRange);
 }
 
 TEST(GradeMasterMarks, RowsBeyondTheRoomFail)
 {
     const RawBlockAP block = gradeMasterBlock("0123456789", "   ", {});
     MarkArray fits(286, 5);
-    EXPECT_EQ(failureOf([&] { setMarks(fits, block, 1); }), 0);
+    EXPECT_EQ(failureOf([&] { setMarks(fits, block, 1); }), std::nullopt);
     MarkArray tooMany(287, 5);
-    EXPECT_EQ(failureOf([&] { setMarks(tooMany, block, 1); }), 9);
+    EXPECT_EQ(failureOf([&] { setMarks(tooMany, block, 1); }), FailureCode::SubscriptOutOfRange);
 }
 
 TEST(GradeMasterIdentifier, IsTheFirstTenBytes)

@@ -4,20 +4,12 @@
 namespace kel::apperson_test {
 namespace {
 
-const kelReaderType kLink = kelReaderTypeAppersonAdvantageLink;
-const kelReaderType kMaster = kelReaderTypeAppersonGradeMaster;
-
 const std::string kFeed = "> \"FB\" 0D\n+ 2\n< \"OK\"\n";
 const std::string kSend = "> \"FD\" 0D\n+ 2\n";
 const std::string kDone = "> \"FE\" 0D\n+ 2\n";
 const std::string kPoll = "> \"P\" 0D\n+ 2\n";
 
 /// Bytes from the reader as a line of a dialogue.
-std::string from(const std::string& bytes)
-{
-    return "< " + transcriptBytes(bytes) + "\n";
-}
-
 /// A block of an Advantage Link with `count` marks that say their own place.
 std::string linkBlock(int count, unsigned char status = 200)
 {

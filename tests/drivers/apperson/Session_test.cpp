@@ -94,11 +94,6 @@ TEST_P(AppersonStartFailure, ARefusalIsReported)
     }
 }
 
-const kelReaderType kLink = kelReaderTypeAppersonAdvantageLink;
-const kelReaderType kMaster = kelReaderTypeAppersonGradeMaster;
-const kelReaderType kBench = kelReaderTypeAppersonBenchMark3000;
-const kelReaderType k1200 = kelReaderTypeAppersonAdvantage1200;
-
 INSTANTIATE_TEST_SUITE_P(
     Steps, AppersonStartFailure,
     testing::Values(Step{"T1", kLink, {}, "T1\r", 192, 190, 192}, //

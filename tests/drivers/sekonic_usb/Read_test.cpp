@@ -14,7 +14,7 @@ using ::testing::IsEmpty;
 using ::testing::Not;
 using ::testing::StartsWith;
 
-constexpr TextNumber kTitle = 196;
+constexpr TextNumber kReadTitle = 196;
 
 class SekonicUsbRead : public UsbReaderTest {
 protected:
@@ -158,7 +158,7 @@ TEST_F(SekonicUsbRead, ReportsAFrontThatIsNotDelivered)
     makeDuplex();
     library.results["OMR_GetMarks"] = {0};
     EXPECT_EQ(ReadPageSR(reader, 0), False);
-    expectFault(494, kTitle, "ReadPageSR");
+    expectFault(494, kReadTitle, "ReadPageSR");
     EXPECT_EQ(library.calls.back(), "OMR_GetMarks 0 0 200 48");
     EXPECT_EQ(reader.Side1TimingMarks(), -1);
     expectNothingStored();
@@ -170,7 +170,7 @@ TEST_F(SekonicUsbRead, ReportsABackThatIsNotDelivered)
     library.deliveredRows[0] = 63;
     library.results["OMR_GetMarks"] = {1, 0};
     EXPECT_EQ(ReadPageSR(reader, 0), False);
-    expectFault(496, kTitle, "ReadPageSR");
+    expectFault(496, kReadTitle, "ReadPageSR");
     EXPECT_EQ(library.calls.back(), "OMR_GetMarks 1 0 200 48");
     EXPECT_EQ(reader.Side1TimingMarks(), 63);
     EXPECT_EQ(reader.Side2TimingMarks(), -1);

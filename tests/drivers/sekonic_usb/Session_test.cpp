@@ -17,7 +17,7 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::Not;
 
-constexpr TextNumber kTitle = 376;
+constexpr TextNumber kInitTitle = 376;
 
 class SekonicUsbInit : public UsbReaderTest {};
 
@@ -90,7 +90,7 @@ TEST_F(SekonicUsbInit, TakesAnyOpenResultBut0ForAFailure)
         EXPECT_EQ(InitReaderSR(reader), False);
         // The last error is fetched, and nothing is done with it.
         EXPECT_THAT(library.calls, ElementsAre("OMR_OpenDeviceUSB", "OMR_GetLastError"));
-        expectFault(476, kTitle, "InitReaderSR");
+        expectFault(476, kInitTitle, "InitReaderSR");
     }
 }
 
@@ -110,7 +110,7 @@ TEST_P(SekonicUsbRefusal, EndsTheStart)
     EXPECT_EQ(InitReaderSR(reader), False);
     EXPECT_TRUE(library.calls.back().starts_with(GetParam().function)) << library.calls.back();
     EXPECT_THAT(library.calls, Not(Contains("OMR_GetLastError")));
-    expectFault(GetParam().message, kTitle, "InitReaderSR");
+    expectFault(GetParam().message, kInitTitle, "InitReaderSR");
 }
 
 INSTANTIATE_TEST_SUITE_P(Steps, SekonicUsbRefusal,

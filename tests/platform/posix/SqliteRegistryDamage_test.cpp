@@ -12,8 +12,6 @@ namespace {
 using test::OtherProcess;
 using test::SqliteRegistryTest;
 
-constexpr kelReaderRegistryKey kUser = kelReaderRegistryKeyCurrentUser;
-
 using Names = std::vector<std::string>;
 
 class DamagedRegistry : public SqliteRegistryTest {

@@ -12,6 +12,8 @@ namespace kel::test {
 /// A registry in a folder of its own.
 class SqliteRegistryTest : public ::testing::Test {
 protected:
+    static constexpr kelReaderRegistryKey kUser = kelReaderRegistryKeyCurrentUser;
+
     [[nodiscard]] RegistryFolders folders() const { return RegistryFolders(place()); }
     [[nodiscard]] std::filesystem::path place() const { return folder.path() / "kelreader"; }
     [[nodiscard]] std::filesystem::path file() const { return place() / "HKEY_CURRENT_USER.sqlite"; }
@@ -19,11 +21,11 @@ protected:
     static bool write(SqliteRegistry& registry, const std::string& key, const std::string& name,
                       const std::string& text)
     {
-        return registry.write(kelReaderRegistryKeyCurrentUser, key, name, {RegistryType::Text, text});
+        return registry.write(kUser, key, name, {RegistryType::Text, text});
     }
     static std::string read(SqliteRegistry& registry, const std::string& key, const std::string& name)
     {
-        const std::optional<RegistryValue> value = registry.read(kelReaderRegistryKeyCurrentUser, key, name);
+        const std::optional<RegistryValue> value = registry.read(kUser, key, name);
         return value ? value->data : "nothing";
     }
 

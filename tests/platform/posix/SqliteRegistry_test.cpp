@@ -12,7 +12,6 @@ namespace {
 using test::OtherProcess;
 using test::SqliteRegistryTest;
 
-constexpr kelReaderRegistryKey kUser = kelReaderRegistryKeyCurrentUser;
 constexpr kelReaderRegistryKey kMachine = kelReaderRegistryKeyLocalMachine;
 
 using Names = std::vector<std::string>;

@@ -8,7 +8,7 @@
 namespace kel::test {
 namespace {
 
-constexpr std::uint64_t kSheets = 250;
+constexpr std::uint64_t kSheetsOverAPty = 250;
 constexpr std::uint64_t kSample = 10;
 
 SimulatorOptions atOnce(SimulatorOptions options, kelReaderType model)
@@ -57,7 +57,7 @@ class AppersonRoundTripOverAPseudoTerminal : public testing::TestWithParam<Apper
 
 TEST_P(AppersonRoundTripOverAPseudoTerminal, EverySheet)
 {
-    const std::uint64_t sheets = sampled(kSheets, kSample);
+    const std::uint64_t sheets = sampled(kSheetsOverAPty, kSample);
     tally("sheets over a pseudo-terminal", sheets);
     AppersonPtyReader bench(GetParam().model, optionsOf(GetParam(), sheets));
     AppersonRoundTrip(bench, GetParam()).expectAll(sheets);

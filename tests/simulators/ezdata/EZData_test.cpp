@@ -10,15 +10,8 @@ namespace {
 using namespace std::chrono_literals;
 using namespace std::string_literals;
 
-constexpr kelReaderType kModels[] = {kelReaderTypeNCSEZData, kelReaderTypeChatsworthACF100};
+constexpr kelReaderType kEZDataModels[] = {kelReaderTypeNCSEZData, kelReaderTypeChatsworthACF100};
 constexpr Int32 kRows = 150;
-
-std::string frame(const std::string& text)
-{
-    return "\x12\x1B" + text +
-           "\x12"
-           "E";
-}
 
 /// What changes nothing at a start of the model.
 std::map<std::string, std::string> rightFor(kelReaderType model)
@@ -272,7 +265,7 @@ TEST_P(EZDataRoundTrip, AnEmptyFeederIsToldTheHost)
     EXPECT_TRUE(bench.device->errors().empty());
 }
 
-INSTANTIATE_TEST_SUITE_P(Models, EZDataRoundTrip, testing::ValuesIn(kModels));
+INSTANTIATE_TEST_SUITE_P(Models, EZDataRoundTrip, testing::ValuesIn(kEZDataModels));
 
 } // namespace
 } // namespace kel::test

@@ -30,7 +30,7 @@ constexpr const char* kAfterTheReply = "10";
 constexpr const char* kAfterTheHostsLook = "2500"; // it counts the answer after 500
 constexpr const char* kAfterTheHostsWork = "2000"; // of a tenth of a second, when it finds a processor at once
 
-const PackedModel kModels[] = {
+const PackedModel kPackedModels[] = {
     {kelReaderTypeNCSEZData, false, kEZDataRows, kAfterTheHostsLook, 25, true},
     {kelReaderTypeChatsworthACF100, false, kEZDataRows, kAfterTheHostsLook, 25, true},
     {kelReaderTypeChatsworthOMR1100, false, kChatsworthRows, kAfterTheHostsWork, 10, false},
@@ -106,7 +106,7 @@ TEST_P(PackedRoundTripOverAPseudoTerminal, EverySheetAndItsWay)
 /// All in a long run, on a machine that keeps time; otherwise those whose host waits for each reply and for each sheet.
 std::vector<PackedModel> modelsOfThisRun()
 {
-    std::vector<PackedModel> models(std::begin(kModels), std::end(kModels));
+    std::vector<PackedModel> models(std::begin(kPackedModels), std::end(kPackedModels));
     if (!longRun())
         std::erase_if(models, [](const PackedModel& model) { return model.feedMilliseconds != kAfterTheReply; });
     return models;

@@ -11,6 +11,14 @@
 
 namespace kel::test {
 
+/// A command in its frame.
+inline std::string frame(const std::string& text)
+{
+    return "\x12\x1B" + text +
+           "\x12"
+           "E";
+}
+
 /// The entries of a reader's log of one kind, by sheet.
 inline std::vector<Int32> sheetsLogged(const Simulator& device, SheetEvent event)
 {

@@ -6,8 +6,8 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr std::string_view kProbe = "\x12R7777\x12I00\x12"
-                                    "E";
+constexpr std::string_view kSearchProbe = "\x12R7777\x12I00\x12"
+                                          "E";
 
 /// A device that answers everything that ends in "E" with the same.
 class Parrot final : public Simulator {
@@ -83,7 +83,7 @@ TEST_F(SearchTest, PassesEveryPortThatIsNotTheReaders)
     for (Int16 port = 4; port <= 8; ++port) {
         std::string expected;
         for ([[maybe_unused]] const kelReaderType model : kSearched)
-            expected += kProbe;
+            expected += kSearchProbe;
         EXPECT_EQ(host_.machine.line(port).sent(), expected) << port;
     }
 }
@@ -102,8 +102,8 @@ TEST_F(SearchTest, TriesTheGivenPortFirstAndAgainInItsTurn)
         host_.machine.attach(port, silent);
     EXPECT_EQ(host_.reader().Locate(3), False);
     EXPECT_EQ(host_.reader().Port(), 12);
-    EXPECT_EQ(host_.machine.line(3).sent(), std::string(kProbe) + std::string(kProbe));
-    EXPECT_EQ(host_.machine.line(16).sent(), kProbe);
+    EXPECT_EQ(host_.machine.line(3).sent(), std::string(kSearchProbe) + std::string(kSearchProbe));
+    EXPECT_EQ(host_.machine.line(16).sent(), kSearchProbe);
     EXPECT_TRUE(failureNumbers().empty());
     expectAllClosed();
 }

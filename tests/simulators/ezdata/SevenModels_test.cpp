@@ -6,19 +6,12 @@
 namespace kel::test {
 namespace {
 
-std::string frame(const std::string& text)
-{
-    return "\x12\x1B" + text +
-           "\x12"
-           "E";
-}
-
 std::string setUp(const std::string& letters)
 {
     return "\x1B" + letters + "\r";
 }
 
-const std::string kProbe = "\x12R7777I00E";
+const std::string kStartProbe = "\x12R7777I00E";
 
 struct SevenModel {
     kelReaderType type;
@@ -36,12 +29,12 @@ const SevenModel kSevenModels[] = {
      frame("D")},
     {kelReaderTypeChatsworthACF100, true, frame("GETCONFIG") + frame("S"), frame("E"), frame("EF"), frame("ER"),
      frame("ER"), frame("D")},
-    {kelReaderTypeChatsworthOMR1100, false, kProbe, "", "", "", "", ""},
-    {kelReaderTypeChatsworthOMR1100, true, kProbe, "", "", "", "", ""},
-    {kelReaderTypeChatsworthOMR2000, false, kProbe, "\x11", "", "", "", ""},
-    {kelReaderTypeChatsworthALSAccelScanOMR, true, kProbe, frame("E"), frame("EF"), frame("ER"), frame("ER"), ""},
-    {kelReaderTypeChatsworthACF200, false, setUp("SF") + setUp("HCD") + kProbe, "", "", "", "", ""},
-    {kelReaderTypeChatsworthACF200, true, setUp("SL") + setUp("HCE") + kProbe, setUp("F"), "", "", "", ""},
+    {kelReaderTypeChatsworthOMR1100, false, kStartProbe, "", "", "", "", ""},
+    {kelReaderTypeChatsworthOMR1100, true, kStartProbe, "", "", "", "", ""},
+    {kelReaderTypeChatsworthOMR2000, false, kStartProbe, "\x11", "", "", "", ""},
+    {kelReaderTypeChatsworthALSAccelScanOMR, true, kStartProbe, frame("E"), frame("EF"), frame("ER"), frame("ER"), ""},
+    {kelReaderTypeChatsworthACF200, false, setUp("SF") + setUp("HCD") + kStartProbe, "", "", "", "", ""},
+    {kelReaderTypeChatsworthACF200, true, setUp("SL") + setUp("HCE") + kStartProbe, setUp("F"), "", "", "", ""},
     {kelReaderTypeChatsworthACP200, false, setUp("SF") + setUp("FD"), "", "", "", "", ""},
     {kelReaderTypeChatsworthACP200, true, setUp("SL") + setUp("HCE"), setUp("F"), "", "", "", ""},
 };

@@ -10,7 +10,7 @@ namespace {
 
 using Kind = Fault::Kind;
 
-std::string errorOf(std::string_view text)
+std::string faultRefusal(std::string_view text)
 {
     try {
         static_cast<void>(parseFault(text));
@@ -55,7 +55,7 @@ TEST(Fault, GivesItsTextBack)
 
 TEST(Fault, AMistakeNamesTheKnownWords)
 {
-    EXPECT_EQ(errorOf("explode@byte=1"),
+    EXPECT_EQ(faultRefusal("explode@byte=1"),
               "fault \"explode@byte=1\": unknown word \"explode\". A fault is WORD[=VALUE]@PLACE; the words are drop, "
               "garble, split, drip, late, silent, jam, empty, unplug; a place is byte=N, sheet=N or sheet=N,byte=N. "
               "'kelreader simulate --list-faults' lists the others");
@@ -64,7 +64,8 @@ TEST(Fault, AMistakeNamesTheKnownWords)
 TEST(Fault, MistakesAreTold)
 {
     const auto expectMistake = [](const char* text, const std::string& why) {
-        EXPECT_EQ(errorOf(text).find("fault \"" + std::string(text) + "\": " + why + "."), 0U) << errorOf(text);
+        EXPECT_EQ(faultRefusal(text).find("fault \"" + std::string(text) + "\": " + why + "."), 0U)
+            << faultRefusal(text);
     };
     expectMistake("", "unknown word \"\"");
     expectMistake("drop=3", "drop takes no value");

@@ -9,7 +9,7 @@
 namespace kel {
 namespace {
 
-std::string errorOf(std::string_view text)
+std::string sheetsRefusal(std::string_view text)
 {
     try {
         static_cast<void>(SheetFeeder::fromJson(text));
@@ -76,26 +76,26 @@ TEST(SheetFeeder, ReadsSheetsFromJson)
 
 TEST(SheetFeeder, MistakesNameTheirPlace)
 {
-    EXPECT_EQ(errorOf("{}"), "the text has to be an array, not an object");
-    EXPECT_EQ(errorOf("[{},7]"), "sheet 2 has to be an object, not a number");
-    EXPECT_EQ(errorOf(R"([{"side3":[]}])"),
+    EXPECT_EQ(sheetsRefusal("{}"), "the text has to be an array, not an object");
+    EXPECT_EQ(sheetsRefusal("[{},7]"), "sheet 2 has to be an object, not a number");
+    EXPECT_EQ(sheetsRefusal(R"([{"side3":[]}])"),
               "sheet 1 has an unknown key \"side3\"; the keys are side1, side2, barcodes, fields");
-    EXPECT_EQ(errorOf(R"([{"side1":7}])"), "sheet 1, side1 has to be an array, not a number");
-    EXPECT_EQ(errorOf(R"([{},{"side2":[[1],2]}])"), "sheet 2, side2, row 2 has to be an array, not a number");
-    EXPECT_EQ(errorOf(R"([{"side1":[[0],[1,"x"]]}])"),
+    EXPECT_EQ(sheetsRefusal(R"([{"side1":7}])"), "sheet 1, side1 has to be an array, not a number");
+    EXPECT_EQ(sheetsRefusal(R"([{},{"side2":[[1],2]}])"), "sheet 2, side2, row 2 has to be an array, not a number");
+    EXPECT_EQ(sheetsRefusal(R"([{"side1":[[0],[1,"x"]]}])"),
               "sheet 1, side1, row 2, column 2 has to be a whole number, not a text");
-    EXPECT_EQ(errorOf(R"([{"side1":[[1.5]]}])"),
+    EXPECT_EQ(sheetsRefusal(R"([{"side1":[[1.5]]}])"),
               "sheet 1, side1, row 1, column 1 has to be a whole number from -32768 to 32767, not 1.5");
-    EXPECT_EQ(errorOf(R"([{"side1":[[40000]]}])"),
+    EXPECT_EQ(sheetsRefusal(R"([{"side1":[[40000]]}])"),
               "sheet 1, side1, row 1, column 1 has to be a whole number from -32768 to 32767, not 40000");
     EXPECT_EQ(
-        errorOf(R"([{"side1":[[18446744073709551615]]}])"),
+        sheetsRefusal(R"([{"side1":[[18446744073709551615]]}])"),
         "sheet 1, side1, row 1, column 1 has to be a whole number from -32768 to 32767, not 18446744073709551615");
-    EXPECT_EQ(errorOf(R"([{"barcodes":["1",2]}])"), "sheet 1, barcode 2 has to be a text, not a number");
-    EXPECT_EQ(errorOf(R"([{"barcodes":"1"}])"), "sheet 1, barcodes has to be an array, not a text");
-    EXPECT_EQ(errorOf(R"([{"fields":[]}])"), "sheet 1, fields has to be an object");
-    EXPECT_EQ(errorOf(R"([{"fields":{"A":[1]}}])"), "sheet 1, field \"A\" has to be a text or a number, not [1]");
-    EXPECT_EQ(errorOf("[{]").find("the text is not JSON: line 1, column 3"), 0U) << errorOf("[{]");
+    EXPECT_EQ(sheetsRefusal(R"([{"barcodes":["1",2]}])"), "sheet 1, barcode 2 has to be a text, not a number");
+    EXPECT_EQ(sheetsRefusal(R"([{"barcodes":"1"}])"), "sheet 1, barcodes has to be an array, not a text");
+    EXPECT_EQ(sheetsRefusal(R"([{"fields":[]}])"), "sheet 1, fields has to be an object");
+    EXPECT_EQ(sheetsRefusal(R"([{"fields":{"A":[1]}}])"), "sheet 1, field \"A\" has to be a text or a number, not [1]");
+    EXPECT_EQ(sheetsRefusal("[{]").find("the text is not JSON: line 1, column 3"), 0U) << sheetsRefusal("[{]");
 }
 
 TEST(SheetFeeder, ReadsAFileAndNamesItInMistakes)

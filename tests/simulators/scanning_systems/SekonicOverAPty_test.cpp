@@ -9,7 +9,7 @@ namespace {
 
 // A thousand sheets over all sessions in a long run. A reply is over when nothing has come for one pause of the host,
 // and a session waits for many pauses: several of them run side by side.
-constexpr std::size_t kSheets = 84;
+constexpr std::size_t kSheetsOverAPty = 84;
 constexpr std::size_t kSample = 5;
 constexpr std::size_t kParts = 5;
 constexpr Int32 kPause = 25;
@@ -54,7 +54,7 @@ class SekonicRoundTripOverAPseudoTerminal : public testing::TestWithParam<Sekoni
 
 TEST_P(SekonicRoundTripOverAPseudoTerminal, EverySheetItsPrintAndItsWay)
 {
-    const std::vector<SimulatedSheet> sheets = randomSekonicSheets(GetParam(), sampled(kSheets, kSample));
+    const std::vector<SimulatedSheet> sheets = randomSekonicSheets(GetParam(), sampled(kSheetsOverAPty, kSample));
     tally("sheets over a pseudo-terminal", sheets.size());
     sideBySide(kParts, [&](std::size_t part) {
         SCOPED_TRACE("part " + std::to_string(part));
