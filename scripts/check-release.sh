@@ -13,10 +13,10 @@
 #   stream   a station that is killed 200 times while it stores and sends 10,000 sheets, and three servers of a stream that
 #            are killed, frozen and stopped in ten rounds; KEL_KILLS, KEL_SHEETS and KEL_ROUNDS are other numbers
 #   windows  the command of 64 bits for Windows; the tests have that of 32
-#   demo     the demo, whose build joins the sources of a folder, as nothing else does
+#   demo     the demo: its build and twelve sheets
 #   fuzz     the replay with inputs of a megabyte; ten minutes of each fuzz target, or KEL_FUZZ_SECONDS, with limits of
 #            length, time and memory
-#   tidy     clang-tidy on all sources; the tests look at changed ones only
+#   tidy     clang-tidy on all sources, each by itself; the tests look at changed ones only
 set -euo pipefail
 cd "$(dirname "$0")/.."
 

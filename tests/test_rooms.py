@@ -224,36 +224,6 @@ def names_its_licence(source):
     return any("SPDX-License-Identifier: MIT" in line for line in lines[:2])
 
 
-# The demo's build joins the sources of a folder. It has none of another system, and this one has options of its own.
-ALONE = {"failure/modvbCodeShieldSupport.cpp"}
-OTHER_SYSTEM = {"com", "windows", "win32"}
-CONSTANT = re.compile(r"^(?:inline |static )?const(?:expr|init)? [^=;(]*?\b(k[A-Z]\w*)(?:\[\w*\])?\s*[={(;]", re.M)
-
-
-def shared_constants(texts):
-    """The constants that more than one of a folder's sources has: {name: text} of files and what is in them."""
-    found = {}
-    for name, text in texts.items():
-        for constant in CONSTANT.findall(text):
-            found.setdefault(constant, set()).add(name)
-    return {constant: sorted(names) for constant, names in found.items() if len(names) > 1}
-
-
-class JoinedSourcesTest(unittest.TestCase):
-    def test_sources_of_a_folder_have_constants_of_their_own(self):
-        folders = {}
-        for path, source in sources():
-            joined = source.as_posix() not in ALONE and not OTHER_SYSTEM.intersection(source.parts)
-            if source.suffix == ".cpp" and source.parts[0] in ORDER and joined:
-                folders.setdefault(source.parent, {})[source.name] = path.read_text(encoding="utf-8")
-        shared = {str(folder): names for folder, texts in folders.items() if (names := shared_constants(texts))}
-        self.assertEqual(shared, {})
-
-    def test_constants_are_found(self):
-        texts = {"a.cpp": "constexpr DriverFamily kOne = {\nconst char kTwo[] = 1;", "b.cpp": "constexpr std::array kOne = {"}
-        self.assertEqual(shared_constants(texts), {"kOne": ["a.cpp", "b.cpp"]})
-
-
 class LicenceTest(unittest.TestCase):
     def test_each_source_names_its_licence(self):
         self.assertEqual([str(source) for source in with_comments() if not names_its_licence(source)], [])
