@@ -219,18 +219,18 @@ private:
     std::map<std::string, RegistryValue> values_;
 };
 
-std::unique_ptr<ValuesOfATest> values;
+std::unique_ptr<ValuesOfATest> valuesOfTest;
 
 /// The machine of every thread: ports come beside the dialog.
 class SharedPorts final : public TwoPorts {
-    [[nodiscard]] Registry& registry() override { return *values; }
+    [[nodiscard]] Registry& registry() override { return *valuesOfTest; }
 };
 
 class OptionsDialogPorts : public OptionsDialogAids {
 protected:
     OptionsDialogPorts()
     {
-        values = std::make_unique<ValuesOfATest>();
+        valuesOfTest = std::make_unique<ValuesOfATest>();
         setPlatformFactory([]() -> std::unique_ptr<Platform> { return std::make_unique<SharedPorts>(); });
     }
     ~OptionsDialogPorts() override { setPlatformFactory(&makeWindowsPlatform); }
@@ -327,7 +327,7 @@ TEST_F(OptionsDialogPorts, ADeviceGetsANumber)
         chosen = user.text(number("cboPort"));
         user.click(IDOK);
     });
-    EXPECT_EQ(PortMap(*values).get(kNumber), "COM17");
+    EXPECT_EQ(PortMap(*valuesOfTest).get(kNumber), "COM17");
     EXPECT_EQ(chosen, L"1 – COM17");
     EXPECT_EQ(port, kNumber);
 }
