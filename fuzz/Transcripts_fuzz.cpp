@@ -5,9 +5,8 @@
 #include "fuzz/Input.h"
 #include "host/Batch.h"
 #include "host/TraceHead.h"
-#include "recording/ReplayCarrier.h"
-#include "recording/ReplayPlatform.h"
 #include "recording/ReportSections.h"
+#include "simulators/platform/ReplayPlatform.h"
 #include "simulators/platform/SimulatedPlatform.h"
 
 #include <nlohmann/json.hpp>

@@ -4,9 +4,9 @@
 #include "host/Batch.h"
 #include "host/TraceHead.h"
 #include "host/UsageError.h"
-#include "recording/ReplayPlatform.h"
 #include "recording/ReportSections.h"
 #include "recording/WatchfulPlatform.h"
+#include "simulators/platform/ReplayPlatform.h"
 
 namespace kel::host {
 

@@ -4,11 +4,11 @@
 #include "platform/LineErrors.h"
 #include "platform/ModemLines.h"
 #include "reader/clsKELReader.h"
-#include "recording/ReplayPlatform.h"
 #include "recording/TracingCarrier.h"
 #include "recording/TracingLibrary.h"
 #include "recording/Transcript.h"
 #include "recording/WatchfulPlatform.h"
+#include "simulators/platform/ReplayPlatform.h"
 #include "types/Reference.h"
 
 #include <functional>

@@ -57,7 +57,10 @@ public:
 
     void output(std::string_view bytes);
 
-    /// Brings line and device up to the present moment, and answers how many bytes wait for the host.
+    /// Brings line and device up to the present moment, though somebody has made the device do something in it.
+    void settle();
+
+    /// Brings line and device up to the present moment once, and answers how many bytes wait for the host.
     [[nodiscard]] std::size_t waiting()
     {
         if (settledAt_ != clock_.now())
@@ -106,7 +109,6 @@ private:
         Byte byte;
     };
 
-    void settle();
     [[nodiscard]] bool isFull() const noexcept;
     [[nodiscard]] std::optional<Moment> nextOfDevice() const;
 

@@ -2,12 +2,12 @@
 #include "cli/JsonLines.h"
 #include "host/Batch.h"
 #include "host/TraceHead.h"
-#include "recording/ReplayPlatform.h"
 #include "recording/TracingCarrier.h"
+#include "recording/TranscriptDevice.h"
+#include "simulators/platform/ReplayPlatform.h"
 #include "simulators/platform/SimulatedPlatform.h"
 #include "tests/cli/CommandRun.h"
 #include "tests/support/BuiltFiles.h"
-#include "tests/support/TranscriptDevice.h"
 
 #include <gmock/gmock.h>
 
@@ -95,7 +95,7 @@ TEST_P(TraceAndReplay, GivesTheSameSession)
     std::string trace;
     reader.fComm(makeReference<TracingCarrier>(reader.fComm(), head, [&](const std::string& line) { trace += line; }));
     const std::vector<std::string> lines = hold(reader, request);
-    ASSERT_THAT(device.errors(), IsEmpty());
+    ASSERT_THAT(device.differences(), IsEmpty());
 
     const Replayed replayed = replay(trace);
     EXPECT_EQ(replayed.lines, lines) << trace;

@@ -4,7 +4,7 @@
 #include "platform/SerialProperties.h"
 
 #include "platform/LineControl.h"
-#include "recording/ReplayCarrier.h"
+#include "simulators/platform/ReplayCarrier.h"
 #include "simulators/platform/SimulatedPlatform.h"
 #include "tests/platform/FakeLine.h"
 #include "tests/simulators/platform/ScriptedDevice.h"

@@ -3,12 +3,12 @@
 #include "host/Batch.h"
 #include "platform/PortMap.h"
 #include "platform/posix/PosixPlatform.h"
+#include "recording/TranscriptDevice.h"
 #include "simulators/platform/SimulatedPlatform.h"
 #include "simulators/pseudo_terminal/PtyDeviceHost.h"
 #include "strings/VBLMRTSModule.h"
 #include "tests/support/BuiltFiles.h"
 #include "tests/support/LongRun.h"
-#include "tests/support/TranscriptDevice.h"
 #include "tests/support/WatchedDevice.h"
 #include "types/Text.h"
 
@@ -160,7 +160,7 @@ std::vector<std::string> scan(const Transcript& transcript)
 
 void expectPlayed(const TranscriptDevice& device)
 {
-    EXPECT_THAT(device.errors(), testing::IsEmpty());
+    EXPECT_THAT(device.differences(), testing::IsEmpty());
     EXPECT_TRUE(device.finished()) << "still to come: " << device.next();
 }
 

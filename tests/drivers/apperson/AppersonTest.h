@@ -6,8 +6,8 @@
 #include "drivers/apperson/basApperson.h"
 #include "failure/basError.h"
 #include "reader/ReaderSession.h"
+#include "recording/TranscriptDevice.h"
 #include "simulators/platform/SimulatedPlatform.h"
-#include "tests/support/TranscriptDevice.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -108,7 +108,7 @@ protected:
         setErrorObject(host);
         session = std::make_unique<ReaderSession>();
         session->events().add(host);
-        device = std::make_unique<test::TranscriptDevice>(parseTranscript(dialogue));
+        device = std::make_unique<TranscriptDevice>(parseTranscript(dialogue));
         machine.attach(1, *device);
         session->ReaderType(eReaderType);
         session->SleepTime(kPause);
@@ -132,7 +132,7 @@ protected:
     /// The dialogue has come to its end, and the host has said nothing else. Closes the line.
     void expectPlayed()
     {
-        EXPECT_THAT(device->errors(), IsEmpty());
+        EXPECT_THAT(device->differences(), IsEmpty());
         EXPECT_TRUE(device->finished()) << "still to come: " << device->next();
         session->fComm().mscComm().PortOpen(False);
     }
@@ -164,7 +164,7 @@ protected:
     SimulatedPlatform machine;
     PlatformScope scope;
     std::shared_ptr<KeepingHost> host;
-    std::unique_ptr<test::TranscriptDevice> device;
+    std::unique_ptr<TranscriptDevice> device;
     std::unique_ptr<ReaderSession> session;
     Moment beganAt{};
     std::size_t pausesBefore = 0;

@@ -2,8 +2,9 @@
 #pragma once
 
 #include "platform/PlatformAround.h"
-#include "recording/ReplayCarrier.h"
 #include "recording/ReplayLibrary.h"
+#include "simulators/platform/ReplayCarrier.h"
+#include "simulators/platform/SimulatedOmrApiLoader.h"
 
 namespace kel {
 
@@ -12,25 +13,17 @@ namespace kel {
 class ReplayPlatform final : public PlatformAround {
 public:
     ReplayPlatform(Platform& machine, ReplayCarrier& replay, ReplayLibrary& library)
-        : PlatformAround(machine), replay_(replay), loader_(library)
+        : PlatformAround(machine), replay_(replay)
     {
+        loader_.set(&library);
     }
 
     [[nodiscard]] MessagePump& pump() override { return replay_.pump(); }
     [[nodiscard]] OmrApiLoader& omrApiLoader() override { return loader_; }
 
 private:
-    class Loader final : public OmrApiLoader {
-    public:
-        explicit Loader(ReplayLibrary& library) : library_(library) {}
-        [[nodiscard]] OmrApi& omrApi() override { return library_; }
-
-    private:
-        ReplayLibrary& library_;
-    };
-
     ReplayCarrier& replay_;
-    Loader loader_;
+    SimulatedOmrApiLoader loader_;
 };
 
 } // namespace kel
