@@ -60,7 +60,6 @@ private:
     QGroupBox* put(Frame& frame);
     void addLine(QGridLayout& grid, int row, Label& label, QWidget* field, Control& control);
     QToolButton* resetOf(Control& control);
-    [[nodiscard]] QString spokenName(const Control& control) const;
     QLabel* noModel();
     template <class Widget>
     Widget* enlist(Control& control, Widget* widget);

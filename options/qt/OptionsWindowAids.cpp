@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What the window has around the controls of the form: explanations, resets, and a word before settings are saved.
 
+#include "options/CaptionText.h"
 #include "options/qt/OptionsWindow.h"
 #include "options/qt/Utf8Text.h"
 
@@ -10,8 +11,6 @@
 #include <QToolButton>
 #include <QUrl>
 #include <QWhatsThis>
-
-#include <algorithm>
 
 namespace kel {
 
@@ -40,19 +39,6 @@ void OptionsWindow::explain(Control& control, QWidget& widget)
     widget.setAccessibleDescription(explanation);
 }
 
-/// What a screen reader calls a setting, without the colon of its label.
-QString OptionsWindow::spokenName(const Control& control) const
-{
-    const auto found =
-        std::find_if(controls_.begin(), controls_.end(), [&](const auto& each) { return each.second == &control; });
-    if (found == controls_.end())
-        return {};
-    QString name = QAccessible::queryAccessibleInterface(found->first)->text(QAccessible::Name);
-    if (name.endsWith(':'))
-        name.chop(1);
-    return name.trimmed();
-}
-
 /// A button that is there while a setting differs from the model's default, and brings that back.
 QToolButton* OptionsWindow::resetOf(Control& control)
 {
@@ -73,7 +59,7 @@ QToolButton* OptionsWindow::resetOf(Control& control)
         const bool differs = form_.Aids().differs(control);
         const QString caption = differs ? text(form_.Aids().resetCaption(control)) : QString();
         button->setToolTip(wrapped(caption));
-        button->setAccessibleName(differs ? spokenName(control) + ": " + caption : QString());
+        button->setAccessibleName(differs ? text(settingName(form_, control)) + ": " + caption : QString());
         button->setVisible(differs);
     });
     connect(button, &QToolButton::clicked, this,

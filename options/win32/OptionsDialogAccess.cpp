@@ -8,19 +8,6 @@
 
 namespace kel {
 
-/// What a setting is called: on it, or on the label before it.
-std::string OptionsDialogWindow::nameOf(const Control& setting) const
-{
-    const Control* before = nullptr;
-    for (const Control* const each : form_.Controls()) {
-        const bool hasLabel = each == &setting && dynamic_cast<const Label*>(before);
-        if (hasLabel)
-            return plainCaption(before->Caption());
-        before = each;
-    }
-    return plainCaption(setting.Caption());
-}
-
 void OptionsDialogWindow::refreshAnnotations()
 {
     for (const Shown& each : shown_) {
@@ -33,7 +20,7 @@ void OptionsDialogWindow::refreshAnnotations()
             annotations_.say(each.window, Annotations::What::Value,
                              list->CurrentRow() < 0 ? wideText(list->Prompt()) : std::wstring());
         if (const NumberEdit* number = numberEdit(each.window))
-            annotations_.say(number->spinner(), Annotations::What::Name, wideText(nameOf(*each.control)));
+            annotations_.say(number->spinner(), Annotations::What::Name, wideText(settingName(form_, *each.control)));
     }
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // A button beside each setting that differs from the model's default, which brings that back.
 
+#include "options/CaptionText.h"
 #include "options/win32/OptionsDialogWindow.h"
 #include "options/win32/WindowText.h"
 
@@ -79,7 +80,7 @@ bool OptionsDialogWindow::refreshResets()
             continue;
         const std::string caption = form_.Aids().resetCaption(*reset.control);
         // Not seen, but read to those who need that: it says which setting it is for.
-        isNew |= showText(reset.window, nameOf(*reset.control) + ": " + caption);
+        isNew |= showText(reset.window, settingName(form_, *reset.control) + ": " + caption);
         explain(reset.window, caption);
     }
     return isNew;

@@ -92,7 +92,6 @@ private:
     [[nodiscard]] bool refreshResets();
     void refreshExplanations();
     void refreshAnnotations();
-    [[nodiscard]] std::string nameOf(const Control& setting) const;
     void widenOpenPorts();
     void explain(HWND window, const std::string& text);
     void turn();
