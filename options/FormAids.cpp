@@ -61,7 +61,7 @@ std::string fileName(const std::string& device)
 } // namespace
 
 FormAids::FormAids(frmOptions& form)
-    : form_(form), sharesMachine_(threadsShareThisMachine()), settings_(form), test_(form)
+    : form_(form), sharesMachine_(threadsShareThisMachine()), settings_(form), trial_(form)
 {
 }
 
@@ -143,13 +143,13 @@ bool FormAids::turn()
     // All new results are shown together: only then is it known which was the last.
     if (isNew)
         showPorts();
-    return test_.turn() || isNew;
+    return trial_.turn() || isNew;
 }
 
 void FormAids::testReader()
 {
     if (canTestReader())
-        test_.start(sharesMachine_);
+        trial_.start(sharesMachine_);
 }
 
 void FormAids::endLook()

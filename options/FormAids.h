@@ -3,7 +3,7 @@
 
 #include "options/Errands.h"
 #include "options/FormSettings.h"
-#include "options/FormTest.h"
+#include "options/FormTrial.h"
 #include "options/OptionsAids.h"
 #include "platform/PortLook.h"
 #include "platform/SerialDevices.h"
@@ -40,10 +40,10 @@ public:
     [[nodiscard]] std::vector<Choice> portNumbers() const override;
     void assignPort(const std::string& number, const std::string& device) override;
     void testReader() override;
-    void stopTest() override { test_.stop(); }
-    [[nodiscard]] bool canTestReader() const override { return !usesPorts() && test_.isPossible(); }
-    [[nodiscard]] bool testsReader() const override { return test_.isRunning(); }
-    [[nodiscard]] const std::string& testProgress() const override { return test_.progress(); }
+    void stopTest() override { trial_.stop(); }
+    [[nodiscard]] bool canTestReader() const override { return !usesPorts() && trial_.isPossible(); }
+    [[nodiscard]] bool testsReader() const override { return trial_.isRunning(); }
+    [[nodiscard]] const std::string& testProgress() const override { return trial_.progress(); }
     [[nodiscard]] std::string explanation(const Control& control) const override
     {
         return settings_.explanation(control);
@@ -76,7 +76,7 @@ private:
     std::map<Int16, std::string> devices_; // of all numbers that have one
     std::map<Int16, PortLook> found_;      // of those that have been looked at
     std::vector<SerialDevice> serialDevices_;
-    FormTest test_;
+    FormTrial trial_;
     std::optional<Errands> looks_; // goes first
 };
 

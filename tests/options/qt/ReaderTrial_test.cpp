@@ -45,7 +45,7 @@ std::string notice(OpenWindow& window)
 }
 
 /// A reader on port 4 of this machine, whose ports come beside the window.
-class ReaderTestWindow : public testing::Test {
+class ReaderTrialWindow : public testing::Test {
 protected:
     void show(const std::string& device, const DrivenDialog::Steps& steps)
     {
@@ -78,7 +78,7 @@ private:
     NoPlace place_;
 };
 
-TEST_F(ReaderTestWindow, ABoxSaysThatTheReaderAnswers)
+TEST_F(ReaderTrialWindow, ABoxSaysThatTheReaderAnswers)
 {
     const auto device = makeSimulator(kelReaderTypeScantronScanMark2500, {.model = kelReaderTypeScantronScanMark2500});
     PtyDeviceHost pty(*device, {.link = {}, .paceHost = false});
@@ -96,7 +96,7 @@ TEST_F(ReaderTestWindow, ABoxSaysThatTheReaderAnswers)
     });
 }
 
-TEST_F(ReaderTestWindow, TheTestIsFollowedAndStopped)
+TEST_F(ReaderTrialWindow, TheTestIsFollowedAndStopped)
 {
     const Pty silent;
     show(silent.name(), [](OpenWindow& window) {
@@ -116,7 +116,7 @@ TEST_F(ReaderTestWindow, TheTestIsFollowedAndStopped)
     });
 }
 
-TEST_F(ReaderTestWindow, AWindowThatIsClosedMeanwhileEndsTheTest)
+TEST_F(ReaderTrialWindow, AWindowThatIsClosedMeanwhileEndsTheTest)
 {
     const Pty silent;
     show(silent.name(), [](OpenWindow& window) {
@@ -133,7 +133,7 @@ TEST_F(ReaderTestWindow, AWindowThatIsClosedMeanwhileEndsTheTest)
     });
 }
 
-TEST_F(ReaderTestWindow, EnterIsForTheButtonThatHasTheFocus)
+TEST_F(ReaderTrialWindow, EnterIsForTheButtonThatHasTheFocus)
 {
     const Pty silent;
     show(silent.name(), [](OpenWindow& window) {

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
-#include "options/TestLine.h"
+#include "options/TrialLine.h"
 
 #include "dispatch/PaperCommands.h"
 #include "types/RuntimeFailure.h"
 
 namespace kel {
 
-void TestLine::Control::PortOpen(Boolean value)
+void TrialLine::Control::PortOpen(Boolean value)
 {
     inner().PortOpen(value);
     if (!value)
@@ -16,14 +16,14 @@ void TestLine::Control::PortOpen(Boolean value)
     line_.whenOpen_();
 }
 
-Int32 TestLine::Control::InBufferCount()
+Int32 TrialLine::Control::InBufferCount()
 {
     const Int32 count = inner().InBufferCount();
     line_.hasHeard_ = line_.hasHeard_ || count > 0;
     return count;
 }
 
-std::string TestLine::Control::Input()
+std::string TrialLine::Control::Input()
 {
     std::string bytes = inner().Input();
     if (!bytes.empty()) {
@@ -33,7 +33,7 @@ std::string TestLine::Control::Input()
     return bytes;
 }
 
-void TestLine::Control::Output(std::string_view bytes)
+void TrialLine::Control::Output(std::string_view bytes)
 {
     if (!movesNoPaper(line_.model_, bytes, line_.before_)) {
         line_.hasWithheld_ = true;

@@ -25,14 +25,14 @@ using testing::IsEmpty;
 using testing::StartsWith;
 
 /// The dialog as a window shows it, on a thread with ports of its own; boxes are kept.
-class FormTestTest : public testing::Test {
+class FormTrialTest : public testing::Test {
 protected:
-    FormTestTest()
+    FormTrialTest()
     {
         Main();
         ::setenv("KELREADER_REGISTRY_DIR", folder_.path().c_str(), 1);
     }
-    ~FormTestTest() override { ::unsetenv("KELREADER_REGISTRY_DIR"); }
+    ~FormTrialTest() override { ::unsetenv("KELREADER_REGISTRY_DIR"); }
 
     struct Shown {
         explicit Shown(const std::string& device)
@@ -93,7 +93,7 @@ private:
     TemporaryFolder folder_;
 };
 
-TEST_F(FormTestTest, TheReaderAnswersToTheSettingsOnTheForm)
+TEST_F(FormTrialTest, TheReaderAnswersToTheSettingsOnTheForm)
 {
     const auto device = makeSimulator(kelReaderTypeScantronScanMark2500, {.model = kelReaderTypeScantronScanMark2500});
     PtyDeviceHost pty(*device, {.link = {}, .paceHost = false});
@@ -124,7 +124,7 @@ TEST_F(FormTestTest, TheReaderAnswersToTheSettingsOnTheForm)
     EXPECT_THAT(device->errors(), IsEmpty());
 }
 
-TEST_F(FormTestTest, AReaderThatSaysNothingIsSaidInABoxAndNotToTheHost)
+TEST_F(FormTrialTest, AReaderThatSaysNothingIsSaidInABoxAndNotToTheHost)
 {
     const Pty silent;
     onItsOwnThread([&] {
@@ -140,7 +140,7 @@ TEST_F(FormTestTest, AReaderThatSaysNothingIsSaidInABoxAndNotToTheHost)
     });
 }
 
-TEST_F(FormTestTest, AStoppedTestIsOverSoonAndNeedsNoBox)
+TEST_F(FormTrialTest, AStoppedTestIsOverSoonAndNeedsNoBox)
 {
     const Pty silent;
     onItsOwnThread([&] {
@@ -158,7 +158,7 @@ TEST_F(FormTestTest, AStoppedTestIsOverSoonAndNeedsNoBox)
     });
 }
 
-TEST_F(FormTestTest, ADialogThatIsClosedMeanwhileEndsTheTestAndLeavesThePort)
+TEST_F(FormTrialTest, ADialogThatIsClosedMeanwhileEndsTheTestAndLeavesThePort)
 {
     const Pty silent;
     onItsOwnThread([&] {
@@ -176,7 +176,7 @@ TEST_F(FormTestTest, ADialogThatIsClosedMeanwhileEndsTheTestAndLeavesThePort)
     });
 }
 
-TEST_F(FormTestTest, OnTheMachineOfATestItIsHeldAtOnce)
+TEST_F(FormTrialTest, OnTheMachineOfATestItIsHeldAtOnce)
 {
     OptionsHost host;
     const auto device = makeSimulator(kelReaderTypeNCSEZData, {.model = kelReaderTypeNCSEZData});

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include "options/ReaderTest.h"
+#include "options/ReaderTrial.h"
 
 #include "failure/WithoutHost.h"
-#include "options/TestLine.h"
+#include "options/TrialLine.h"
 #include "platform/PlatformAround.h"
 #include "platform/PortMap.h"
 #include "platform/StopCarrier.h"
@@ -122,17 +122,17 @@ std::string twoSentences(const std::string& first, const std::string& next)
 } // namespace
 
 /// The test while it runs.
-class ReaderTest::Work {
+class ReaderTrial::Work {
 public:
-    explicit Work(ReaderTest& test)
+    explicit Work(ReaderTrial& test)
         : test_(test), withoutHost_(report_), screen_(*report_), pump_(platform().pump(), [this] { return turn(); }),
           machine_(platform(), screen_, pump_), scope_(machine_), reader_(std::make_unique<clsKELReader>())
     {
         if (test.device_)
             port_.emplace(test.settings_.port, *test.device_);
         takeSettings();
-        line_ =
-            std::make_shared<TestLine>(reader_->fComm(), test.settings_.model, [this] { test_.stage_ = Stage::Waits; });
+        line_ = std::make_shared<TrialLine>(reader_->fComm(), test.settings_.model,
+                                            [this] { test_.stage_ = Stage::Waits; });
         reader_->fComm(makeReference<StopCarrier>(Reference<Carrier>(line_), [this] { return isToEnd(); }));
     }
 
@@ -254,7 +254,7 @@ private:
         return twoSentences(result, VBLM_RTString(text::kTestNoSheetRead));
     }
 
-    ReaderTest& test_;
+    ReaderTrial& test_;
     std::shared_ptr<FirstReport> report_ = std::make_shared<FirstReport>();
     const WithoutHost withoutHost_;
     NoScreen screen_;
@@ -263,11 +263,11 @@ private:
     const PlatformScope scope_;
     std::optional<PortOverride> port_;
     std::unique_ptr<clsKELReader> reader_;
-    std::shared_ptr<TestLine> line_;
+    std::shared_ptr<TrialLine> line_;
     bool isGivenUp_ = false;
 };
 
-ReaderTest::ReaderTest(const clsKELReader& shown, std::optional<std::string> device)
+ReaderTrial::ReaderTrial(const clsKELReader& shown, std::optional<std::string> device)
     : settings_{.model = shown.ReaderType(),
                 .port = shown.Port(),
                 .baudRate = shown.BaudRate(),
@@ -288,7 +288,7 @@ ReaderTest::ReaderTest(const clsKELReader& shown, std::optional<std::string> dev
 {
 }
 
-ReaderTest::Outcome ReaderTest::run()
+ReaderTrial::Outcome ReaderTrial::run()
 {
     try {
         return Work(*this).hold();
@@ -297,7 +297,7 @@ ReaderTest::Outcome ReaderTest::run()
     }
 }
 
-std::string ReaderTest::progress() const
+std::string ReaderTrial::progress() const
 {
     switch (stage_.load()) {
     case Stage::OpensPort: return filled(text::kTestOpensPort, CStr(settings_.port));

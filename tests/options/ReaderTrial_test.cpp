@@ -2,7 +2,7 @@
 // The test of a reader against simulated readers: what it says, that nothing of it reaches the host, that no sheet
 // moves.
 
-#include "options/ReaderTest.h"
+#include "options/ReaderTrial.h"
 
 #include "failure/WithoutHost.h"
 #include "platform/posix/PosixOmrApiLoader.h"
@@ -23,7 +23,7 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 using testing::StartsWith;
-using Kind = ReaderTest::Outcome::Kind;
+using Kind = ReaderTrial::Outcome::Kind;
 
 constexpr const char* kNoSheet = "A session was started and ended; no sheet was read.";
 
@@ -49,21 +49,21 @@ bool movesSheet(const SheetRecord& record)
     return record.event != SheetEvent::Ended;
 }
 
-class ReaderTestTest : public testing::Test {
+class ReaderTrialTest : public testing::Test {
 protected:
     /// Tests a simulated reader of a model with the reader object's settings, which are the model's by default.
-    ReaderTest::Outcome test(kelReaderType model)
+    ReaderTrial::Outcome test(kelReaderType model)
     {
         connect(model);
         return test();
     }
 
-    ReaderTest::Outcome test()
+    ReaderTrial::Outcome test()
     {
-        ReaderTest work(host.reader(), std::nullopt);
+        ReaderTrial work(host.reader(), std::nullopt);
         if (stopAt)
             host.machine.at(*stopAt, [&] { work.stop(); });
-        ReaderTest::Outcome outcome = work.run();
+        ReaderTrial::Outcome outcome = work.run();
         expectThatTheHostNoticesNothing();
         return outcome;
     }
@@ -105,14 +105,14 @@ private:
 };
 
 /// The readers on a line.
-class EachReaderTest : public ReaderTestTest, public testing::WithParamInterface<kelReaderType> {
+class EachReaderTrialTest : public ReaderTrialTest, public testing::WithParamInterface<kelReaderType> {
 protected:
     [[nodiscard]] static kelReaderType model() { return GetParam(); }
 };
 
-TEST_P(EachReaderTest, AnswersAndKeepsItsSheets)
+TEST_P(EachReaderTrialTest, AnswersAndKeepsItsSheets)
 {
-    const ReaderTest::Outcome outcome = test(model());
+    const ReaderTrial::Outcome outcome = test(model());
     EXPECT_EQ(outcome.kind, Kind::Answers);
     EXPECT_THAT(outcome.sentence, AllOf(StartsWith(name() + " answers at port 1. "), HasSubstr(kNoSheet)));
     EXPECT_THAT(device->errors(), IsEmpty());
@@ -120,30 +120,30 @@ TEST_P(EachReaderTest, AnswersAndKeepsItsSheets)
     EXPECT_EQ(outcome.sentence.find("firmware version") != std::string::npos, profile->FirmwareEnabled() == True);
 }
 
-TEST_P(EachReaderTest, IsMissedWhereTheLineIsSilent)
+TEST_P(EachReaderTrialTest, IsMissedWhereTheLineIsSilent)
 {
     connectSilent(model());
-    const ReaderTest::Outcome outcome = test();
+    const ReaderTrial::Outcome outcome = test();
     EXPECT_EQ(outcome.kind, Kind::Fails);
     EXPECT_THAT(outcome.sentence,
                 AllOf(HasSubstr("settings of the line are those of the reader."), Not(HasSubstr("\n"))));
     EXPECT_LE(host.machine.now(), 60s);
 }
 
-TEST_P(EachReaderTest, IsNotUnderstoodAtAnotherSpeed)
+TEST_P(EachReaderTrialTest, IsNotUnderstoodAtAnotherSpeed)
 {
     connect(model(), usualLine(model()).starts_with("9600,") ? "wrong-speed:1200" : "wrong-speed:9600");
-    const ReaderTest::Outcome outcome = test();
+    const ReaderTrial::Outcome outcome = test();
     EXPECT_EQ(outcome.kind, Kind::Fails);
     EXPECT_THAT(outcome.sentence, Not(IsEmpty()));
 }
 
-TEST_P(EachReaderTest, IsLeftInOrderWhenTheTestIsStopped)
+TEST_P(EachReaderTrialTest, IsLeftInOrderWhenTheTestIsStopped)
 {
     connectSilent(model());
     host.reader().Timeout(600);
     stopAt = 300ms;
-    const ReaderTest::Outcome outcome = test();
+    const ReaderTrial::Outcome outcome = test();
     // A reader that says nothing at its start is missed before.
     EXPECT_TRUE(outcome.kind == Kind::Stopped || host.machine.now() < 2s) << outcome.sentence;
     EXPECT_LE(host.machine.now(), 8s);
@@ -165,12 +165,12 @@ std::string nameOfModel(const testing::TestParamInfo<kelReaderType>& info)
     return "Model" + CStr(info.param);
 }
 
-INSTANTIATE_TEST_SUITE_P(Models, EachReaderTest, testing::ValuesIn(modelsOnALine()), &nameOfModel);
+INSTANTIATE_TEST_SUITE_P(Models, EachReaderTrialTest, testing::ValuesIn(modelsOnALine()), &nameOfModel);
 
-TEST_F(ReaderTestTest, AReportOfTheReaderIsTheSentence)
+TEST_F(ReaderTrialTest, AReportOfTheReaderIsTheSentence)
 {
     connectSilent(kelReaderTypeScantronScanMark2500);
-    const ReaderTest::Outcome outcome = test();
+    const ReaderTrial::Outcome outcome = test();
     EXPECT_EQ(outcome.kind, Kind::Fails);
     EXPECT_EQ(
         outcome.sentence,
@@ -179,51 +179,51 @@ TEST_F(ReaderTestTest, AReportOfTheReaderIsTheSentence)
         "settings of the line are those of the reader.");
 }
 
-TEST_F(ReaderTestTest, AReaderThatIsUnpluggedInTheMiddleFails)
+TEST_F(ReaderTrialTest, AReaderThatIsUnpluggedInTheMiddleFails)
 {
     for (const kelReaderType model : {kelReaderTypeScantronScanMark2500, kelReaderTypeNCSOpScan4,
                                       kelReaderTypeScanningSystemsSR601, kelReaderTypeAppersonBenchMark3000}) {
         connect(model);
         host.machine.at(host.machine.now() + 1ms, [&] { device->unplug(); });
-        const ReaderTest::Outcome outcome = test();
+        const ReaderTrial::Outcome outcome = test();
         EXPECT_EQ(outcome.kind, Kind::Fails) << model;
         EXPECT_THAT(outcome.sentence, Not(IsEmpty())) << model;
     }
 }
 
-TEST_F(ReaderTestTest, APortThatDoesNotOpenIsTheSentence)
+TEST_F(ReaderTrialTest, APortThatDoesNotOpenIsTheSentence)
 {
     connect(kelReaderTypeScantronScanMark2500);
     host.machine.portState(1, PortState::Busy);
-    const ReaderTest::Outcome outcome = test();
+    const ReaderTrial::Outcome outcome = test();
     EXPECT_EQ(outcome.kind, Kind::Fails);
     EXPECT_THAT(outcome.sentence, HasSubstr("already open"));
     EXPECT_THAT(outcome.sentence, Not(HasSubstr("settings of the line")));
 }
 
-TEST_F(ReaderTestTest, AMissingLibraryOfUsbReadersIsTheSentenceAndNoBox)
+TEST_F(ReaderTrialTest, AMissingLibraryOfUsbReadersIsTheSentenceAndNoBox)
 {
     host.reader().LoadDefaults(kelReaderTypeSekonicSR3500);
-    const ReaderTest::Outcome outcome = test();
+    const ReaderTrial::Outcome outcome = test();
     EXPECT_EQ(outcome.kind, Kind::Fails);
     EXPECT_EQ(outcome.sentence,
               "Reader Library Missing: OMRAPI.DLL, the library that every Sekonic USB reader needs, was "
               "not found. Install the software that came with the reader, then start again.");
 }
 
-TEST_F(ReaderTestTest, AUsbReaderAnswersWithoutAPort)
+TEST_F(ReaderTrialTest, AUsbReaderAnswersWithoutAPort)
 {
     const OmrApiSimulation simulation{simulatedOmrApi()};
     PosixOmrApiLoader loader{"/nowhere"};
     loader.libraryFile(simulatedOmrApi());
     host.machine.omrApiLoader().set(&loader.omrApi());
     host.reader().LoadDefaults(kelReaderTypeSekonicSR3500);
-    const ReaderTest::Outcome outcome = test();
+    const ReaderTrial::Outcome outcome = test();
     EXPECT_EQ(outcome.kind, Kind::Answers);
     EXPECT_EQ(outcome.sentence, name() + " answers. " + kNoSheet);
 }
 
-TEST_F(ReaderTestTest, TheStartOfAReaderThatFeedsByItselfIsNotFinished)
+TEST_F(ReaderTrialTest, TheStartOfAReaderThatFeedsByItselfIsNotFinished)
 {
     for (const kelReaderType model : {kelReaderTypeChatsworthOMR1100, kelReaderTypeChatsworthACP200,
                                       kelReaderTypeChatsworthACF200, kelReaderTypeAppersonAdvantage1200}) {
@@ -238,31 +238,31 @@ TEST_F(ReaderTestTest, TheStartOfAReaderThatFeedsByItselfIsNotFinished)
     }
 }
 
-TEST_F(ReaderTestTest, AStopThatComesBeforeTheStartCounts)
+TEST_F(ReaderTrialTest, AStopThatComesBeforeTheStartCounts)
 {
     connectSilent(kelReaderTypeScantronScanMark2500);
-    ReaderTest work(host.reader(), std::nullopt);
+    ReaderTrial work(host.reader(), std::nullopt);
     work.stop();
-    const ReaderTest::Outcome outcome = work.run();
+    const ReaderTrial::Outcome outcome = work.run();
     EXPECT_EQ(outcome.kind, Kind::Stopped);
     EXPECT_EQ(outcome.sentence, "The test was stopped.");
     EXPECT_LE(host.machine.now(), 5s);
 }
 
-TEST_F(ReaderTestTest, ALongPauseEndsWhenTheTestIsStopped)
+TEST_F(ReaderTrialTest, ALongPauseEndsWhenTheTestIsStopped)
 {
     connectSilent(kelReaderTypePDIVMR138);
     host.reader().SleepTime(10000);
-    ReaderTest work(host.reader(), std::nullopt);
+    ReaderTrial work(host.reader(), std::nullopt);
     silent.onByte = [&] { work.stop(); };
     EXPECT_EQ(work.run().kind, Kind::Stopped);
     EXPECT_LE(host.machine.now(), 8s);
 }
 
-TEST_F(ReaderTestTest, TheStagesAreSaid)
+TEST_F(ReaderTrialTest, TheStagesAreSaid)
 {
     connectSilent(kelReaderTypeScantronScanMark2500);
-    ReaderTest work(host.reader(), std::nullopt);
+    ReaderTrial work(host.reader(), std::nullopt);
     EXPECT_EQ(work.progress(), "Test: opening port 1 …");
     std::string waiting;
     host.machine.at(1s, [&] { waiting = work.progress(); });

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "options/FormTest.h"
+#include "options/FormTrial.h"
 
 #include "options/ListSelection.h"
 #include "options/frmOptions.h"
@@ -12,74 +12,74 @@
 
 namespace kel {
 
-FormTest::~FormTest()
+FormTrial::~FormTrial()
 {
     stop();
 }
 
-bool FormTest::isPossible() const
+bool FormTrial::isPossible() const
 {
     const bool hasPort = !form_.cboPort.Enabled() || !form_.cboPort.Text().empty();
     return form_.cboReaderType.CurrentRow() > 0 && hasPort;
 }
 
-std::shared_ptr<ReaderTest> FormTest::ofForm(bool sharesMachine) const
+std::shared_ptr<ReaderTrial> FormTrial::ofForm(bool sharesMachine) const
 {
     clsKELReader shown;
     form_.SaveValues(shown);
     // A device that a thread has put in a port's place is there on that thread alone.
     const bool needsPort = static_cast<bool>(form_.cboPort.Enabled());
-    return std::make_shared<ReaderTest>(shown, sharesMachine && needsPort ? deviceOfPort(shown.Port()) : std::nullopt);
+    return std::make_shared<ReaderTrial>(shown, sharesMachine && needsPort ? deviceOfPort(shown.Port()) : std::nullopt);
 }
 
-void FormTest::start(bool sharesMachine)
+void FormTrial::start(bool sharesMachine)
 {
     if (isRunning() || !isPossible())
         return;
-    const std::shared_ptr<ReaderTest> test = ofForm(sharesMachine);
+    const std::shared_ptr<ReaderTrial> test = ofForm(sharesMachine);
     outcome_.reset();
     if (!sharesMachine) {
         Screen& screen = platform().screen();
         screen.MousePointer(kMousePointerHourglass);
-        const ReaderTest::Outcome outcome = test->run();
+        const ReaderTrial::Outcome outcome = test->run();
         screen.MousePointer(kMousePointerDefault);
         show(outcome);
         return;
     }
-    test_ = test;
+    trial_ = test;
     progress_ = test->progress();
     errand_.emplace();
     errand_->send([this, test]() -> Errands::Arrival { return [this, outcome = test->run()] { outcome_ = outcome; }; },
                   [this] { outcome_ = {.sentence = failureText(FailureCode::OutOfMemory)}; });
 }
 
-void FormTest::stop()
+void FormTrial::stop()
 {
     if (!isRunning())
         return;
-    test_->stop();
+    trial_->stop();
     errand_->callBack();
 }
 
-bool FormTest::turn()
+bool FormTrial::turn()
 {
     if (!isRunning())
         return false;
-    const std::string before = std::exchange(progress_, test_->progress());
+    const std::string before = std::exchange(progress_, trial_->progress());
     errand_->take();
     if (!outcome_)
         return progress_ != before;
     // The box has turns of its own: the test is over before it.
-    const ReaderTest::Outcome outcome = *std::exchange(outcome_, std::nullopt);
+    const ReaderTrial::Outcome outcome = *std::exchange(outcome_, std::nullopt);
     errand_.reset();
-    test_.reset();
+    trial_.reset();
     show(outcome);
     return true;
 }
 
-void FormTest::show(const ReaderTest::Outcome& outcome)
+void FormTrial::show(const ReaderTrial::Outcome& outcome)
 {
-    using Kind = ReaderTest::Outcome::Kind;
+    using Kind = ReaderTrial::Outcome::Kind;
     progress_ = outcome.kind == Kind::Stopped ? outcome.sentence : std::string();
     if (outcome.kind == Kind::Stopped)
         return;

@@ -14,9 +14,9 @@ namespace kel {
 
 /// A carrier for a test, around another carrier. It notes whether the reader answers, and does not send commands that
 /// would move a sheet: the session fails at such a command.
-class TestLine final : public Carrier {
+class TrialLine final : public Carrier {
 public:
-    TestLine(Reference<Carrier> inner, kelReaderType model, std::function<void()> whenOpen)
+    TrialLine(Reference<Carrier> inner, kelReaderType model, std::function<void()> whenOpen)
         : inner_(std::move(inner)), model_(model), whenOpen_(std::move(whenOpen)), control_(*this)
     {
     }
@@ -35,7 +35,7 @@ public:
 private:
     class Control final : public ControlAround {
     public:
-        explicit Control(TestLine& line) : line_(line) {}
+        explicit Control(TrialLine& line) : line_(line) {}
 
         using ControlAround::PortOpen;
         void PortOpen(Boolean value) override;
@@ -46,7 +46,7 @@ private:
     private:
         [[nodiscard]] SerialControl& inner() const override { return line_.inner_->mscComm(); }
 
-        TestLine& line_;
+        TrialLine& line_;
     };
 
     Reference<Carrier> inner_;

@@ -13,17 +13,18 @@ namespace kel {
 
 class clsKELReader;
 
-/// A test of a reader: a session is started as a scan does it, and ended at once. No sheet moves. It uses a reader
-/// object of its own, whose reports go into the outcome and nowhere else: the host gets no events and no reports.
+/// The test of a reader that a window's button starts: a session is started as a scan does it, and ended at once. No
+/// sheet moves. It uses a reader object of its own, whose reports go into the outcome and nowhere else: the host gets
+/// no events and no reports.
 ///
-///     window's thread   ReaderTest ....... stage ... stop      a wait ends within two seconds, a pause at once
-///     any thread             run ------------------------> TestOutcome
-class ReaderTest {
+///     window's thread   ReaderTrial ...... stage ... stop      a wait ends within two seconds, a pause at once
+///     any thread             run ------------------------> Outcome
+class ReaderTrial {
 public:
     /// The settings to test, and the device that the port stands for if it is known already.
-    ReaderTest(const clsKELReader& shown, std::optional<std::string> device);
-    ReaderTest(const ReaderTest&) = delete;
-    ReaderTest& operator=(const ReaderTest&) = delete;
+    ReaderTrial(const clsKELReader& shown, std::optional<std::string> device);
+    ReaderTrial(const ReaderTrial&) = delete;
+    ReaderTrial& operator=(const ReaderTrial&) = delete;
 
     /// What it is doing.
     enum class Stage { OpensPort, Waits, EndsSession, AsksFirmware };

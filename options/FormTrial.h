@@ -2,7 +2,7 @@
 #pragma once
 
 #include "options/Errands.h"
-#include "options/ReaderTest.h"
+#include "options/ReaderTrial.h"
 
 #include <memory>
 #include <optional>
@@ -13,13 +13,13 @@ namespace kel {
 class frmOptions;
 
 /// The test of the reader with the settings on the form, in the background. A box shows the result.
-class FormTest {
+class FormTrial {
 public:
-    explicit FormTest(frmOptions& form) : form_(form) {}
+    explicit FormTrial(frmOptions& form) : form_(form) {}
     /// Stops a test that is still running, and waits until its line is closed.
-    ~FormTest();
-    FormTest(const FormTest&) = delete;
-    FormTest& operator=(const FormTest&) = delete;
+    ~FormTrial();
+    FormTrial(const FormTrial&) = delete;
+    FormTrial& operator=(const FormTrial&) = delete;
 
     /// Whether there is a model, and a port if it needs one.
     [[nodiscard]] bool isPossible() const;
@@ -28,7 +28,7 @@ public:
     /// lines.
     void start(bool sharesMachine);
     void stop();
-    [[nodiscard]] bool isRunning() const { return test_ != nullptr; }
+    [[nodiscard]] bool isRunning() const { return trial_ != nullptr; }
 
     /// What the test is doing or, after it was stopped, that it was; empty otherwise.
     [[nodiscard]] const std::string& progress() const { return progress_; }
@@ -37,12 +37,12 @@ public:
     bool turn();
 
 private:
-    [[nodiscard]] std::shared_ptr<ReaderTest> ofForm(bool sharesMachine) const;
-    void show(const ReaderTest::Outcome& outcome);
+    [[nodiscard]] std::shared_ptr<ReaderTrial> ofForm(bool sharesMachine) const;
+    void show(const ReaderTrial::Outcome& outcome);
 
     frmOptions& form_;
-    std::shared_ptr<ReaderTest> test_;
-    std::optional<ReaderTest::Outcome> outcome_;
+    std::shared_ptr<ReaderTrial> trial_;
+    std::optional<ReaderTrial::Outcome> outcome_;
     std::string progress_;
     std::optional<Errands> errand_; // destroyed first
 };
