@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "contract/clsKELReaderPrinter.h"
 
-#include "types/Text.h"
+#include "tests/profiles/ExpectedCatalogue.h"
 
 #include <gtest/gtest.h>
-
-#include <map>
 
 namespace kel::test {
 namespace {
@@ -24,19 +22,7 @@ clsKELReaderPrinter enabledPrinterOf(Int32 lType)
     return printer;
 }
 
-/// Models as "2-6,25": every number named and every one in a range named.
-std::map<Int32, bool> modelSet(const std::string& text)
-{
-    std::map<Int32, bool> models;
-    for (const std::string& piece : split(text, ',')) {
-        const auto ends = split(piece, '-');
-        const auto first = static_cast<Int32>(Val(ends.front()));
-        const auto last = static_cast<Int32>(Val(ends.back()));
-        for (Int32 lType = first; lType <= last; ++lType)
-            models[lType] = true;
-    }
-    return models;
-}
+using Presence = ExpectedPrinter::Kind;
 
 TEST(PrinterTest, ANewPrinterIsOff)
 {
@@ -50,22 +36,23 @@ TEST(PrinterTest, ANewPrinterIsOff)
 
 TEST(PrinterTest, ModelsThatCanBeEnabled)
 {
-    const auto can = modelSet("2-17,25-34,36");
-    for (Int32 lType = 0; lType < kReaderTypeCount; ++lType)
-        EXPECT_EQ(enabledPrinterOf(lType).Enabled(), Boolean(can.contains(lType))) << lType;
+    const ExpectedCatalogue expected;
+    for (const auto& [name, model] : expected.models()) {
+        const bool can = model.Printer.Presence == Presence::Optional;
+        EXPECT_EQ(enabledPrinterOf(model.type()).Enabled(), Boolean(can)) << name;
+    }
 }
 
 TEST(PrinterTest, ModelsWithoutPrinterTurnItOffAndOthersLeaveIt)
 {
-    const auto off = modelSet("1,18,20-23,35,37,41");
-    const auto untouched = modelSet("0,19,24,38-40");
-    for (Int32 lType = 0; lType < kReaderTypeCount; ++lType) {
+    const ExpectedCatalogue expected;
+    for (const auto& [name, model] : expected.models()) {
         clsKELReaderPrinter printer = enabledPrinterOf(2);
-        printer.SetType(static_cast<kelReaderType>(lType));
+        printer.SetType(model.type());
         printer.Enabled(True);
-        EXPECT_EQ(printer.Enabled(), Boolean(!off.contains(lType))) << lType;
+        EXPECT_EQ(printer.Enabled(), Boolean(model.Printer.Presence != Presence::Never)) << name;
         printer.Enabled(False);
-        EXPECT_EQ(printer.Enabled(), Boolean(untouched.contains(lType))) << lType;
+        EXPECT_EQ(printer.Enabled(), Boolean(model.Printer.Presence == Presence::Ignored)) << name;
     }
 }
 
@@ -91,13 +78,13 @@ TEST(PrinterTest, ActiveNeedsAnEnabledPrinter)
 
 TEST(PrinterTest, PrintLines)
 {
-    const auto three = modelSet("7-10,30,33,34,36");
-    const auto one = modelSet("2-6,11-17,25-29,31,32");
-    for (Int32 lType = -1; lType <= kReaderTypeCount; ++lType) {
-        const Int16 expected = three.contains(lType) ? Int16{3} : one.contains(lType) ? Int16{1} : Int16{0};
-        EXPECT_EQ(printerOf(lType).BufferCount(), expected) << lType;
-        EXPECT_EQ(printerOf(lType).Distance(), expected == 3 ? 245 : 0) << lType;
+    const ExpectedCatalogue expected;
+    for (const auto& [name, model] : expected.models()) {
+        EXPECT_EQ(printerOf(model.type()).BufferCount(), model.Printer.Lines) << name;
+        EXPECT_EQ(printerOf(model.type()).Distance(), model.Printer.Lines == 3 ? 245 : 0) << name;
     }
+    for (const Int32 lType : {Int32{-1}, kReaderTypeCount})
+        EXPECT_EQ(printerOf(lType).BufferCount(), 0) << lType;
 }
 
 TEST(PrinterTest, TheDistanceStaysUntilAModelOfThreeLinesSetsIt)
@@ -133,32 +120,17 @@ TEST(PrinterTest, OnlyTheModelsOwnLinesCountAsFilled)
     EXPECT_EQ(three.FilledBufferCount(), 3);
 }
 
-struct Bounds {
-    const char* models;
-    Int32 min, max, characters;
-};
-
 TEST(PrinterTest, BoundsOfEveryModel)
 {
-    const Bounds table[] = {{"2-4,31,32", 0, 24, 24},    {"5", 0, 40, 40},   {"25", 0, 25, 25},
-                            {"6", 10, 25, 25},           {"26", 10, 54, 54}, {"7-10,30,33,34,36", 10, 245, 41},
-                            {"11-17,27-29", 0, 135, 135}};
-    for (Int32 lType = 0; lType < kReaderTypeCount; ++lType) {
-        Int32 min = -1, max = -1, characters = -1;
-        for (const Bounds& row : table) {
-            if (modelSet(row.models).contains(lType)) {
-                min = row.min;
-                max = row.max;
-                characters = row.characters;
-            }
-        }
-        const clsKELReaderPrinter printer = enabledPrinterOf(lType);
-        EXPECT_EQ(printer.MinPosition(), min) << lType;
-        EXPECT_EQ(printer.MaxPosition(), max) << lType;
-        EXPECT_EQ(printer.MaxCharacters(), characters) << lType;
-        EXPECT_EQ(printerOf(lType).MinPosition(), -1) << lType;
-        EXPECT_EQ(printerOf(lType).MaxPosition(), -1) << lType;
-        EXPECT_EQ(printerOf(lType).MaxCharacters(), -1) << lType;
+    const ExpectedCatalogue expected;
+    for (const auto& [name, model] : expected.models()) {
+        const clsKELReaderPrinter printer = enabledPrinterOf(model.type());
+        EXPECT_EQ(printer.MinPosition(), model.Printer.MinPosition) << name;
+        EXPECT_EQ(printer.MaxPosition(), model.Printer.MaxPosition) << name;
+        EXPECT_EQ(printer.MaxCharacters(), model.Printer.MaxCharacters) << name;
+        EXPECT_EQ(printerOf(model.type()).MinPosition(), -1) << name;
+        EXPECT_EQ(printerOf(model.type()).MaxPosition(), -1) << name;
+        EXPECT_EQ(printerOf(model.type()).MaxCharacters(), -1) << name;
     }
 }
 

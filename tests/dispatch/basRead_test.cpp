@@ -2,6 +2,7 @@
 #include "dispatch/DriverFamilies.h"
 #include "dispatch/basRead.h"
 #include "simulators/SimulatorTable.h"
+#include "tests/profiles/ExpectedCatalogue.h"
 #include "tests/support/ReaderHost.h"
 #include "types/Text.h"
 
@@ -217,37 +218,20 @@ TEST(DriverFamiliesTest, EveryModelHasItsFamilyAndTheRestHaveNone)
         EXPECT_EQ(driverFamily(static_cast<kelReaderType>(lType)), nullptr) << lType;
 }
 
-std::vector<Int32> modelsWith(bool (*hasStep)(const DriverFamily&))
+TEST(DriverFamiliesTest, AFamilyHasTheStepsOfItsModels)
 {
-    std::vector<Int32> models;
-    for (Int32 lType = 0; lType < kReaderTypeCount; ++lType) {
-        const DriverFamily* family = driverFamily(static_cast<kelReaderType>(lType));
-        if (family && hasStep(*family))
-            models.push_back(lType);
+    const ReaderHost host;
+    for (const ExpectedModel& model : ExpectedCatalogue().inOrder()) {
+        SCOPED_TRACE(model.Record.at("ReaderName"));
+        const DriverFamily* const family = driverFamily(model.type());
+        const DriverFamily steps = family ? *family : DriverFamily{};
+        EXPECT_EQ(steps.Print != nullptr, model.Printer.Presence == ExpectedPrinter::Kind::Optional);
+        EXPECT_EQ(steps.Reject != nullptr, model.Decides);
+        EXPECT_EQ(steps.Eject != nullptr, model.Decides);
+        // Who is found by his firmware is searched for by it.
+        EXPECT_EQ(steps.Locate != nullptr, model.is("FirmwareEnabled"));
+        EXPECT_EQ(steps.Firmware != nullptr, model.is("FirmwareEnabled"));
     }
-    return models;
-}
-
-TEST(DriverFamiliesTest, ModelsThatPrint)
-{
-    EXPECT_THAT(modelsWith([](const DriverFamily& family) { return family.Print != nullptr; }),
-                ElementsAre(2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 25, 26, 27, 28, 29, 30, 31, 32, 33,
-                            34, 36));
-}
-
-TEST(DriverFamiliesTest, ModelsThatDecideOnASheet)
-{
-    const auto deciding = ElementsAre(1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 18, 22, 23, 24, 25, 26, 29, 30,
-                                      31, 32, 33, 34, 36, 37, 39, 40);
-    EXPECT_THAT(modelsWith([](const DriverFamily& family) { return family.Reject != nullptr; }), deciding);
-    EXPECT_THAT(modelsWith([](const DriverFamily& family) { return family.Eject != nullptr; }), deciding);
-}
-
-TEST(DriverFamiliesTest, ModelsThatAreSearchedForAndTellTheirFirmware)
-{
-    const auto probed = ElementsAre(20, 21, 22, 23, 35, 37, 41);
-    EXPECT_THAT(modelsWith([](const DriverFamily& family) { return family.Locate != nullptr; }), probed);
-    EXPECT_THAT(modelsWith([](const DriverFamily& family) { return family.Firmware != nullptr; }), probed);
 }
 
 TEST(DriverFamiliesTest, RejectingOnAModelThatCannotSendsNothingButCounts)

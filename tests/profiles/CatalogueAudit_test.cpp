@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "dispatch/DriverFamilies.h"
 #include "profiles/clsKELReaderProfiles.h"
 #include "tests/profiles/ProfileText.h"
 #include "types/Text.h"
@@ -184,7 +185,8 @@ const std::vector<Contradiction>& contradictions()
          [](Record& record) { record.LocateEnabled(True); }},
         {"the model tells its firmware in a family that does not",
          [](const Record& record) {
-             return record.FirmwareEnabled() && !isOneOf<int>(record.ReaderType(), {20, 21, 22, 23, 35, 37, 41});
+             const DriverFamily* const family = driverFamily(record.ReaderType());
+             return record.FirmwareEnabled() && !(family && family->Firmware);
          },
          [](Record& record) { record.FirmwareEnabled(True); }},
         {"the model reads no column", [](const Record& record) { return record.MaxCols() < 1; },

@@ -3,7 +3,7 @@
 #include "profiles/clsKELReaderProfiles.h"
 #include "simulators/platform/SimulatedPlatform.h"
 #include "strings/VBLMRTSModule.h"
-#include "tests/profiles/ExpectedTables.h"
+#include "tests/profiles/ExpectedCatalogue.h"
 #include "tests/profiles/ProfileText.h"
 #include "types/Text.h"
 
@@ -12,135 +12,6 @@
 namespace kel::test {
 
 namespace {
-
-/// A row of the roster with all that the tables say of its model.
-struct ExpectedModel {
-    Int32 Position = 0;
-    std::string Number;
-    std::string Maker;
-    RecordText Record;
-};
-
-std::pair<std::string, std::vector<std::string>> splitAtColon(const std::string& row)
-{
-    const std::size_t colon = row.find(':');
-    if (colon == std::string::npos)
-        throw std::invalid_argument("no models in " + row);
-    return {row.substr(0, colon), words(row.substr(colon + 1))};
-}
-
-class ExpectedCatalogue {
-public:
-    ExpectedCatalogue()
-    {
-        takeRoster();
-        takeShared(kSerialColumns, kSerialDefaults);
-        takeShared(kThresholdColumns, kThresholds);
-        takeOptions();
-        takeFlags();
-        for (auto& [name, model] : models_) {
-            set(name, "InterfaceType", "1");
-            set(name, "SleepTime", "50");
-            set(name, "Timeout", "10");
-        }
-        for (const std::string& name : words(kUsbModels))
-            models_.at(name).Record.at("InterfaceType") = "2";
-    }
-
-    [[nodiscard]] const std::map<std::string, ExpectedModel>& models() const { return models_; }
-
-    [[nodiscard]] std::vector<std::string> numbersOf(const std::string& maker) const
-    {
-        std::map<Int32, std::string> byPosition;
-        for (const auto& [name, model] : models_)
-            if (model.Maker == maker)
-                byPosition[model.Position] = model.Number;
-        std::vector<std::string> numbers;
-        for (const auto& [position, number] : byPosition)
-            numbers.push_back(number);
-        return numbers;
-    }
-
-private:
-    void takeRoster()
-    {
-        for (const std::string& row : rows(kRoster)) {
-            std::istringstream text(row);
-            ExpectedModel model;
-            std::string name;
-            std::string readerName;
-            text >> model.Position >> name >> model.Number >> model.Maker >> std::ws;
-            std::getline(text, readerName);
-            if (readerName == "(text 372)")
-                readerName = VBLM_RTString(TextNumber(372));
-            models_[name] = model;
-            set(name, "ReaderType", model.Number);
-            set(name, "ReaderName", readerName);
-        }
-    }
-
-    /// Rows of values, a colon, and the models that have them.
-    void takeShared(const std::string& columns, const std::string& table)
-    {
-        const std::vector<std::string> properties = words(columns);
-        for (const std::string& row : rows(table)) {
-            const auto [left, names] = splitAtColon(row);
-            const std::vector<std::string> values = words(left);
-            for (const std::string& name : names)
-                for (std::size_t i = 0; i < properties.size(); ++i)
-                    set(name, properties[i], meaning(values.at(i)));
-        }
-    }
-
-    static std::string meaning(const std::string& word)
-    {
-        if (word == "empty")
-            return "";
-        if (word == "None")
-            return "0";
-        return word == "Hardware" ? "2" : word;
-    }
-
-    void takeOptions()
-    {
-        const std::vector<std::string> properties = words(kOptionColumns);
-        for (const std::string& row : rows(kOptions)) {
-            const std::vector<std::string> cells = words(row);
-            for (std::size_t i = 0; i < properties.size(); ++i) {
-                const std::string& cell = cells.at(i + 1);
-                if (properties[i].ends_with("Enabled")) {
-                    set(cells[0], properties[i], truth(cell == "yes"));
-                } else {
-                    set(cells[0], properties[i], truth(cell.find_first_of("+x") != std::string::npos));
-                    set(cells[0], properties[i] + "Enabled", truth(cell.find_first_of("ox") != std::string::npos));
-                    set(cells[0], properties[i] + "Visible", truth(cell.front() != '('));
-                }
-            }
-        }
-    }
-
-    void takeFlags()
-    {
-        for (const std::string& row : rows(kTrueExceptFor)) {
-            const auto [left, names] = splitAtColon(row);
-            const std::string property = words(left).at(0);
-            for (auto& [name, model] : models_)
-                set(name, property, "True");
-            for (const std::string& name : names)
-                models_.at(name).Record.at(property) = "False";
-        }
-    }
-
-    static std::string truth(bool value) { return value ? "True" : "False"; }
-
-    void set(const std::string& name, const std::string& property, const std::string& value)
-    {
-        if (!models_.at(name).Record.emplace(property, value).second)
-            throw std::logic_error(name + " is told twice: " + property);
-    }
-
-    std::map<std::string, ExpectedModel> models_;
-};
 
 class Catalogue : public testing::Test {
 protected:
@@ -164,7 +35,7 @@ protected:
 TEST_F(Catalogue, EveryValueOfEveryRecordIsAsTheTablesHaveIt)
 {
     const ExpectedCatalogue expected;
-    ASSERT_EQ(expected.models().size(), 42U);
+    ASSERT_EQ(std::ssize(expected.models()), kReaderTypeCount);
     for (const auto& [name, model] : expected.models()) {
         const Reference<clsKELReaderProfile> profile = item(model.Number);
         ASSERT_TRUE(profile) << name;

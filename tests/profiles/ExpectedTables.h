@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-// What the models can do, as tables on paper: kept apart from the catalogue's data on purpose, and in another form.
-// Who changes a model changes it in both places.
+// What the models can do, as tables on paper: kept apart from the table of models on purpose, and in another form. Who
+// changes a model changes it in both places. ExpectedCatalogue reads them for the tests.
 
 namespace kel::test {
 
@@ -173,5 +173,30 @@ inline constexpr const char* kThresholds = R"(
  10   2  True     5  True     0   15  48 : ScanningSystemsSR700352
  10   2  True     5  True     0   15  48 : SekonicSR1800 SekonicSR2300 SekonicSR3500 SekonicSR6500
 )";
+
+// The imprinter of a model: optional, never there and off, or ignored, so that a host may say what it likes. Then what
+// an enabled one prints: the lines, the first and the last position, the characters; and the models that share them.
+inline constexpr const char* kPrinters = R"(
+ignored   0   -1   -1   -1 : None AppersonAdvantage1200 AppersonBenchMark3000 PDIVMR138 ScanningSystemsSR410
+ignored   0   -1   -1   -1 : SekonicSR430
+never     0   -1   -1   -1 : AppersonAdvantageLink AppersonGradeMaster ChatsworthACF100 ChatsworthACF200
+never     0   -1   -1   -1 : ChatsworthACP200 ChatsworthALSAccelScanOMR ChatsworthOMR1100 ChatsworthOMR2000
+never     0   -1   -1   -1 : NCSEZData
+optional  1    0  135  135 : Scantron8000 Scantron8400 ScantronScanMark2000 ScantronScanMark2250
+optional  1    0  135  135 : ScantronScanMark2500 ScantronScanMark4000 ScantronScanMark5500
+optional  1    0  135  135 : ScantronScanMarkES2010 ScantronScanMarkES2260 ScantronScanMarkES2800
+optional  1    0   24   24 : NCSOpScan2 NCSOpScaniNSIGHT2 NCSOpScan3 NCSOpScan4 NCSOpScaniNSIGHT4
+optional  1    0   40   40 : NCSOpScan5
+optional  1    0   25   25 : NCSOpScan6
+optional  1   10   25   25 : NCSOpScan7
+optional  1   10   54   54 : NCSOpScan8
+optional  3   10  245   41 : ScanningSystemsSR601 ScanningSystemsSR607 ScanningSystemsSR700351
+optional  3   10  245   41 : ScanningSystemsSR700352 SekonicSR1800 SekonicSR2300 SekonicSR3500 SekonicSR6500
+)";
+
+// The models that let each sheet pass: nothing is decided on it.
+inline constexpr const char* kDecideNothing = "ChatsworthACF200 ChatsworthACP200 ChatsworthOMR1100 ChatsworthOMR2000 "
+                                              "Scantron8000 Scantron8400 ScantronScanMarkES2010 ScantronScanMarkES2260 "
+                                              "ScanningSystemsSR410 SekonicSR430";
 
 } // namespace kel::test
