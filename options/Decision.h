@@ -61,4 +61,13 @@ inline bool mayWork(frmOptions& form, const PowerButton& button, DecisionView& v
     return changes.empty() || view.allows(changes);
 }
 
+/// The button of the reader's test stops one that runs. Whether it is to start one instead.
+inline bool mayTest(frmOptions& form, DecisionView& view)
+{
+    if (!form.Aids().testsReader())
+        return fieldCounts(form, view, false);
+    form.Aids().stopTest();
+    return false;
+}
+
 } // namespace kel

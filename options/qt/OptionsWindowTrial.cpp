@@ -30,15 +30,10 @@ QPushButton* OptionsWindow::testButton(QWidget* parent)
 
 void OptionsWindow::testReader()
 {
-    OptionsAids& aids = form_.Aids();
-    if (aids.testsReader()) {
-        aids.stopTest();
-        return;
-    }
-    if (!fieldCounts(form_, *this, false))
+    if (!mayTest(form_, *this))
         return;
     notice_->hide();
-    aids.testReader();
+    form_.Aids().testReader();
     refresh();
 }
 

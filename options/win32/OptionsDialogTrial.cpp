@@ -31,15 +31,10 @@ bool OptionsDialogWindow::refreshTest()
 
 void OptionsDialogWindow::testReader()
 {
-    OptionsAids& aids = form_.Aids();
-    if (aids.testsReader()) {
-        aids.stopTest();
-        return;
-    }
-    if (!fieldCounts(form_, *this, false))
+    if (!mayTest(form_, *this))
         return;
     ::SetWindowTextW(notice_, L"");
-    aids.testReader();
+    form_.Aids().testReader();
     refresh();
 }
 
