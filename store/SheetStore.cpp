@@ -4,7 +4,9 @@
 #include "formats/JsonValue.h"
 #include "platform/posix/Sqlite.h"
 #include "store/EntryTexts.h"
+#include "store/StorePlace.h"
 #include "store/StoreProblem.h"
+#include "store/StoreReserve.h"
 #include "store/StoreSchema.h"
 #include "types/Text.h"
 
@@ -21,16 +23,7 @@ namespace {
 // Nobody else writes but who forgets old sheets, a few at a time.
 constexpr int kWritePatience = 1000;
 constexpr mode_t kStoreMode = 0660;
-
-/// Where a store is, for which a link may stand.
-std::filesystem::path placeOf(std::filesystem::path file)
-{
-    constexpr int kMostLinks = 40;
-    std::error_code error;
-    for (int links = 0; links < kMostLinks && std::filesystem::is_symlink(file, error); ++links)
-        file = file.parent_path() / std::filesystem::read_symlink(file, error);
-    return file;
-}
+constexpr int kWritesToLookAtReserve = 100;
 
 /// The file beside a store with its last sheets.
 std::filesystem::path logOf(const std::filesystem::path& place)
@@ -437,6 +430,8 @@ void SheetStore::write(const std::vector<Waiting*>& group)
         writer_.reset();
         throw;
     }
+    if (writes_++ % kWritesToLookAtReserve == 0)
+        makeReserve(file_);
 }
 
 } // namespace kel

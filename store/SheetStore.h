@@ -6,6 +6,7 @@
 
 #include <chrono>
 #include <condition_variable>
+#include <cstdint>
 #include <ctime>
 #include <exception>
 #include <filesystem>
@@ -87,6 +88,7 @@ private:
     std::vector<Waiting*> waiting_;
     bool writing_ = false;
     std::unique_ptr<Writer> writer_; // of the thread that is writing
+    std::uint64_t writes_ = 0;       // of the same
 };
 
 /// A moment as the store writes it: UTC, 2024-01-31T12:00:00.000Z.

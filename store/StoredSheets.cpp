@@ -3,6 +3,7 @@
 
 #include "formats/JsonValue.h"
 #include "store/SheetStore.h"
+#include "store/StorePlace.h"
 #include "store/StoreProblem.h"
 #include "store/StoreSchema.h"
 
@@ -19,10 +20,6 @@ constexpr int kReadPatience = 30'000;
 
 // No transaction of a reader lasts longer than these take: a writer's log would grow meanwhile.
 constexpr int kAtOnce = 500;
-
-// What is removed at once, sheets and then pages: far less than a writer waits for.
-constexpr int kForgottenAtOnce = 100;
-constexpr int kPagesAtOnce = 500;
 
 constexpr const char* kFind = R"(
     SELECT sheet.id, 0 FROM sheet JOIN batch ON batch.id = sheet.batch
@@ -52,13 +49,6 @@ constexpr const char* kSheet = R"(
 constexpr const char* kFailure = R"(
     SELECT identity, store, station, reader, name, time, afterSheet, line, number, type, description, source, title
     FROM failure JOIN batch ON batch.id = failure.batch WHERE failure.id = ?)";
-
-std::filesystem::path existing(const std::filesystem::path& file)
-{
-    if (!std::filesystem::exists(file))
-        throw StoreProblem("There is no store " + file.string() + "; name one that a scan or a station writes.");
-    return file;
-}
 
 template <class Make>
 auto opened(const std::filesystem::path& file, Make&& make)
@@ -123,7 +113,7 @@ std::optional<std::string> storeTimeOf(const std::string& text)
 }
 
 StoredSheets::StoredSheets(const std::filesystem::path& file)
-    : file_(existing(file)),
+    : file_(existingStore(file)),
       database_(opened(file,
                        [&] {
                            SqliteDatabase database(file, SqliteDatabase::Mode::Shared, kReadPatience);
@@ -336,58 +326,6 @@ std::optional<EntryTexts> StoredSheets::failureTexts(std::int64_t id)
     report.failure.title = row.textAt(12);
     entry.what = std::move(report);
     return entry;
-}
-
-StoredSheets::Forgotten StoredSheets::forget(const std::string& before, Forget which, const Pause& pause)
-{
-    Forgotten forgotten;
-    onStore(file_, [&] {
-        for (const char* table : {"sheet", "failure"})
-            forgetIn(table, before, which, pause, forgotten);
-        giveBackPages(pause);
-    });
-    return forgotten;
-}
-
-void StoredSheets::forgetIn(const std::string& table, const std::string& before, Forget which, const Pause& pause,
-                            Forgotten& forgotten)
-{
-    // The mark may move meanwhile.
-    const std::string old = " FROM " + table + " WHERE time < ?1";
-    const std::string sent = old + " AND (?2 OR NOT (SELECT sends FROM store) OR " +
-                             "(id <= (SELECT sent FROM store) AND id NOT IN (SELECT id FROM held)))";
-    SqliteStatement removal(database_, ("DELETE FROM " + table + " WHERE id IN (SELECT id" + sent + " LIMIT " +
-                                        std::to_string(kForgottenAtOnce) + ")")
-                                           .c_str());
-    int gone = 0;
-    do {
-        const auto begin = std::chrono::steady_clock::now();
-        SqliteTransaction transaction(database_);
-        SqliteStatement::Run(removal).text(before).number(which == Forget::All).next();
-        gone = database_.changes();
-        transaction.commit();
-        if (table == "sheet")
-            forgotten.sheets += gone;
-        pause(std::chrono::steady_clock::now() - begin);
-    } while (gone == kForgottenAtOnce);
-    SqliteStatement rest(database_, ("SELECT count(*)" + old).c_str());
-    SqliteStatement::Run row(rest);
-    row.text(before).next();
-    forgotten.kept += row.numberAt(0);
-}
-
-/// Makes the file smaller.
-void StoredSheets::giveBackPages(const Pause& pause)
-{
-    std::int64_t free = numberOf("PRAGMA freelist_count");
-    for (std::int64_t before = free + 1; free > 0 && free < before; free = numberOf("PRAGMA freelist_count")) {
-        before = free;
-        const auto begin = std::chrono::steady_clock::now();
-        database_.run(("PRAGMA incremental_vacuum(" + std::to_string(kPagesAtOnce) + ")").c_str());
-        pause(std::chrono::steady_clock::now() - begin);
-    }
-    // The first holds nobody up, and leaves little to the second.
-    database_.run("PRAGMA wal_checkpoint(PASSIVE); PRAGMA wal_checkpoint(TRUNCATE)");
 }
 
 } // namespace kel

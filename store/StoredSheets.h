@@ -5,13 +5,11 @@
 #include "store/Entry.h"
 #include "store/EntryTexts.h"
 
-#include <chrono>
 #include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <optional>
 #include <string>
-#include <thread>
 #include <vector>
 
 namespace kel {
@@ -82,29 +80,7 @@ public:
     /// The batches with sheets that began last, newest first.
     [[nodiscard]] std::vector<StoredBatch> batches(std::size_t most);
 
-    /// Which old entries were removed, and which stayed.
-    struct Forgotten {
-        std::int64_t sheets = 0; ///< that were removed
-        std::int64_t kept = 0;   ///< sheets and reports that are old too, and that the stream does not have yet
-    };
-
-    /// Which old entries to remove.
-    enum class Forget {
-        SentAlone, ///< those that a stream is to have, and does not have yet, stay
-        All,
-    };
-
-    /// Lets others write for as long as they had to wait.
-    using Pause = std::function<void(std::chrono::nanoseconds waited)>;
-
-    /// Removes what is older than a time, a little at a time: between two portions others write.
-    Forgotten forget(const std::string& before, Forget which, const Pause& pause = &sleepFor);
-
 private:
-    static void sleepFor(std::chrono::nanoseconds time) { std::this_thread::sleep_for(time); }
-    void forgetIn(const std::string& table, const std::string& before, Forget which, const Pause& pause,
-                  Forgotten& forgotten);
-    void giveBackPages(const Pause& pause);
     [[nodiscard]] SqliteStatement statement(const char* text);
     using Visit = std::function<bool(std::int64_t id, bool isFailure)>;
     std::int64_t walk(const StoreFilter& filter, std::int64_t after, const Visit& visit);

@@ -8,6 +8,7 @@
 #include "cli/UsageError.h"
 #include "host/TextOutput.h"
 #include "platform/posix/EventCall.h"
+#include "store/OldSheets.h"
 #include "store/SheetRecords.h"
 #include "store/StoreWatch.h"
 #include "store/StoredSheets.h"
@@ -44,10 +45,8 @@ int forget(const SheetsArguments& arguments)
 {
     if (arguments.before.empty())
         throw host::UsageError("--forget needs --before T; it removes older sheets and reports for good.");
-    StoredSheets store(arguments.storeFile);
-    using Forget = StoredSheets::Forget;
-    const auto forgotten =
-        store.forget(timeNamed("--before", arguments.before), arguments.force ? Forget::All : Forget::SentAlone);
+    const Forgotten forgotten = forgetOldSheets(arguments.storeFile, timeNamed("--before", arguments.before),
+                                                arguments.force ? Forget::All : Forget::SentAlone);
     notice(std::to_string(forgotten.sheets) + (forgotten.sheets == 1 ? " sheet" : " sheets") + " forgotten.");
     if (forgotten.kept > 0)
         notice(std::to_string(forgotten.kept) +

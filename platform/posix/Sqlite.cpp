@@ -11,7 +11,8 @@ namespace {
 void check(sqlite3* database, int result)
 {
     if (result != SQLITE_OK)
-        throw SqliteFailure(result, database ? sqlite3_errmsg(database) : sqlite3_errstr(result));
+        throw database ? SqliteFailure(sqlite3_extended_errcode(database), sqlite3_errmsg(database))
+                       : SqliteFailure(result, sqlite3_errstr(result));
 }
 
 /// A file's name with what has a meaning in an address written as numbers.
@@ -51,7 +52,8 @@ bool SqliteFailure::isBusy() const noexcept
 
 bool SqliteFailure::isFull() const noexcept
 {
-    return (code_ & 0xFF) == SQLITE_FULL;
+    // The second: there is no room for the memory that its users share.
+    return (code_ & 0xFF) == SQLITE_FULL || code_ == SQLITE_IOERR_SHMSIZE;
 }
 
 bool SqliteFailure::isConflict() const noexcept

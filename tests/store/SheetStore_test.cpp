@@ -97,7 +97,7 @@ TEST_F(Store, NumbersRunOnWithinABatchWhateverEndsMeanwhile)
         store.add(left);
         store.add(right);
     }
-    EXPECT_EQ(StoredSheets(file_).forget("2999-01-01", StoredSheets::Forget::SentAlone).sheets, 4);
+    EXPECT_EQ(forgetOldSheets(file_, "2999-01-01", Forget::SentAlone).sheets, 4);
     SheetStore store(file_, "a test");
     Entry later = entryWith("x");
     store.add(later);
@@ -261,12 +261,11 @@ TEST_F(Store, IsWrittenWhileOldSheetsAreForgotten)
     store.add(old);
     clock = now;
     int pauses = 0;
-    const auto forgotten =
-        StoredSheets(file_).forget(storeTime(now), StoredSheets::Forget::All, [&](std::chrono::nanoseconds) {
-            ++pauses;
-            Entry entry = entryWith("y");
-            store.add(entry);
-        });
+    const auto forgotten = forgetOldSheets(file_, storeTime(now), Forget::All, [&](std::chrono::nanoseconds) {
+        ++pauses;
+        Entry entry = entryWith("y");
+        store.add(entry);
+    });
     EXPECT_EQ(forgotten.sheets, kSheets);
     EXPECT_GT(pauses, 8); // five for the sheets, one for no reports, and several for their pages
     EXPECT_THAT(entries(), SizeIs(pauses));

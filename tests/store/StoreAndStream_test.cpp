@@ -94,7 +94,6 @@ TEST_F(StoreAndStream, KeepsAMessageThatHoldsNoSheetOnce)
 
 TEST_F(StoreAndStream, ForgetsNothingThatTheStreamDoesNotHave)
 {
-    using Forget = StoredSheets::Forget;
     {
         SheetStore store(file_, "a test");
         for (const char* barcode : {"1", "2", "3"}) {
@@ -108,14 +107,14 @@ TEST_F(StoreAndStream, ForgetsNothingThatTheStreamDoesNotHave)
     mark.move(1);
     EXPECT_EQ(mark.last(), 1);
     EXPECT_EQ(mark.unsent(), 2);
-    auto forgotten = StoredSheets(file_).forget("2999-01-01", Forget::SentAlone);
+    auto forgotten = forgetOldSheets(file_, "2999-01-01", Forget::SentAlone);
     EXPECT_EQ(forgotten.sheets, 1);
     EXPECT_EQ(forgotten.kept, 2);
     EXPECT_THAT(numbers("left"), ElementsAre(2, 3));
     mark.want(false);
     mark.want(true);
-    EXPECT_EQ(StoredSheets(file_).forget("2999-01-01", Forget::SentAlone).sheets, 0);
-    forgotten = StoredSheets(file_).forget("2999-01-01", Forget::All);
+    EXPECT_EQ(forgetOldSheets(file_, "2999-01-01", Forget::SentAlone).sheets, 0);
+    forgotten = forgetOldSheets(file_, "2999-01-01", Forget::All);
     EXPECT_EQ(forgotten.sheets, 2);
     EXPECT_EQ(forgotten.kept, 0);
     EXPECT_EQ(mark.unsent(), 0);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "store/OldSheets.h"
 #include "store/SheetStore.h"
 #include "store/StoreProblem.h"
 #include "store/StoredSheets.h"

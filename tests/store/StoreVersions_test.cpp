@@ -53,7 +53,7 @@ TEST_F(StoreVersions, BringsAStoreOfTheSecondVersionUpToDateWithItsMark)
     EXPECT_EQ(entries()[2].identity, next.origin.store + "-3"); // as it was
     EXPECT_EQ(SentMark(file_).last(), 2);
     EXPECT_EQ(SentMark(file_).unsent(), 2);
-    EXPECT_EQ(StoredSheets(file_).forget("2999-01-01", StoredSheets::Forget::SentAlone).kept, 2);
+    EXPECT_EQ(forgetOldSheets(file_, "2999-01-01", Forget::SentAlone).kept, 2);
 }
 
 TEST_F(StoreVersions, RefusesAStoreOfANewerVersionAndLeavesItAlone)

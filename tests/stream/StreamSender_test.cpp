@@ -2,6 +2,7 @@
 #include "stream/StreamSender.h"
 
 #include "platform/posix/Sqlite.h"
+#include "store/OldSheets.h"
 #include "store/SheetStore.h"
 #include "store/StoreProblem.h"
 #include "store/StoredSheets.h"
@@ -265,7 +266,7 @@ TEST_F(ASender, LeavesOutWhatTheStreamDoesNotTake)
 
     // Nothing is forgotten that the stream does not have.
     SentMark(file_).want(true);
-    const StoredSheets::Forgotten forgotten = StoredSheets(file_).forget("2999-01-01", StoredSheets::Forget::SentAlone);
+    const Forgotten forgotten = forgetOldSheets(file_, "2999-01-01", Forget::SentAlone);
     EXPECT_EQ(forgotten.sheets, 6);
     EXPECT_EQ(forgotten.kept, 3);
 
@@ -285,7 +286,7 @@ TEST_F(ASender, TriesInVainWhatIsForgottenMeanwhile)
         const auto sender = this->sender();
         ASSERT_TRUE(waitUntil([&] { return SentMark(file_).last() == 2; }));
     }
-    EXPECT_EQ(StoredSheets(file_).forget("2999-01-01", StoredSheets::Forget::All).sheets, 2);
+    EXPECT_EQ(forgetOldSheets(file_, "2999-01-01", Forget::All).sheets, 2);
     const auto sender = this->sender();
     ASSERT_TRUE(waitSent());
     EXPECT_THAT(stream_.messages(), IsEmpty());
@@ -325,7 +326,7 @@ TEST_F(ASender, SendsFromAStoreThatIsMadeMeanwhile)
     feed(3, {"left"});
     // It knows that a stream is wanted although that cannot be reached.
     ASSERT_TRUE(waitUntil([&] { return wants(file_); }));
-    EXPECT_EQ(StoredSheets(file_).forget("2999-01-01", StoredSheets::Forget::SentAlone).kept, 3);
+    EXPECT_EQ(forgetOldSheets(file_, "2999-01-01", Forget::SentAlone).kept, 3);
     stream_.isThere = true;
     ASSERT_TRUE(waitSent());
     EXPECT_THAT(numbers()["left"], ElementsAre(1, 2, 3));
