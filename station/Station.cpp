@@ -33,6 +33,8 @@ Station::Station(StationPlan plan, Tell tell, Advice advice)
 
 void Station::begin()
 {
+    if (plan_.readers.empty())
+        tell_("The station has no readers; it sends what its store holds.");
     startSending();
     const std::lock_guard lock(mutex_);
     for (ReaderPlan& reader : std::exchange(plan_.readers, {}))

@@ -87,8 +87,8 @@ public:
         plan_.content = contentOfAllButReaders(root);
         if (!root.contains("store"))
             faults_.add({}, "names no \"store\"");
-        if (!root.contains("readers"))
-            faults_.add({}, "names no \"readers\"");
+        if (const auto readers = root.find("readers"); readers == root.end() || *readers == Json::array())
+            checkWithoutReaders();
         if (plan_.socket.empty())
             plan_.socket = plan_.store.string() + "-socket";
         if (plan_.socket.native().size() > kLongestSocket)
@@ -314,8 +314,18 @@ private:
     {
         readBoundedJsonArray(value, place, kMostReaders, "readers",
                              [&](const Json& reader, const JsonPlace& here) { readReader(reader, here); });
-        if (plan_.readers.empty())
-            place.refuse("has no reader");
+    }
+
+    /// Such a station is there to send what a store still holds.
+    void checkWithoutReaders()
+    {
+        std::error_code error;
+        if (!plan_.stream)
+            faults_.add({},
+                        "names no readers; a station without readers needs a \"stream\", to which it sends what its "
+                        "store holds");
+        else if (!plan_.store.empty() && !std::filesystem::exists(plan_.store, error))
+            faults_.add({"store"}, "does not exist; a station without readers sends what a store holds");
     }
 
     void readReader(const Json& value, const JsonPlace& place)

@@ -122,6 +122,23 @@ TEST_F(AStationFile, SaysWhereTheSheetsGo)
                 ElementsAre(HasSubstr("the nearest is servers"), HasSubstr("The stream has no server")));
 }
 
+TEST_F(AStationFile, NeedsNoReadersToSendWhatAStoreHolds)
+{
+    const std::string without = "the file names no readers; a station without readers needs a \"stream\", to which it "
+                                "sends what its store holds.";
+    EXPECT_THAT(read(R"({"store": "hall.db"})").faults, ElementsAre(without));
+    EXPECT_THAT(read(R"({"store": "hall.db", "readers": []})").faults, ElementsAre(without));
+    EXPECT_THAT(read(R"({"store": "hall.db", "stream": {"servers": ["a"]}, "readers": []})").faults,
+                ElementsAre("store does not exist; a station without readers sends what a store holds."));
+    folder_.write("hall.db", "");
+    for (const char* readers : {R"(, "readers": [])", ""}) {
+        const StationFile file =
+            read(R"({"store": "hall.db", "stream": {"servers": ["a"]})" + std::string(readers) + "}");
+        EXPECT_THAT(file.faults, IsEmpty());
+        EXPECT_THAT(file.plan.readers, IsEmpty());
+    }
+}
+
 TEST_F(AStationFile, IsToldAllThatIsWrongAtOnce)
 {
     const StationFile file = read(R"({"station": "hall x", "stor": "hall.db", "retry": {"first": 2, "longest": 1},
