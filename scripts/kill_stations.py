@@ -2,10 +2,11 @@
 # SPDX-License-Identifier: MIT
 """Kills a station again and again while simulated readers feed, and counts what its store holds.
 
-Each sheet is random, and no two are the same. A reader gets the command to feed the next sheet once the store has the
-last one: so a sheet may be missing only if it was the last that was fed when the station was killed, or was fed because
-the station had asked for it by then. The store is read without the program that wrote it. With --stream the station
-also sends to a stream: what is in the store is in the stream once, and comes out of it once.
+Each sheet is random, and no two are the same. A reader gets the command to feed the next sheet once the station has
+answered for the last one. So the readers are witnesses: of the sheets that a reader fed for a station, only the last may
+be missing, if the station was killed; each other one was answered for, and is in the store once. The store is read without
+the program that wrote it. With --stream the station also sends to a stream: what is in the store is in the stream once,
+and comes out of it once.
 
 Usage: kill_stations.py KELREADER [--readers N] [--sheets N] [--kills N] [--seed N] [--stream]
 """
@@ -20,12 +21,15 @@ import sqlite3
 import subprocess
 import sys
 import tempfile
+import termios
 import time
+import tty
 from pathlib import Path
 
 from stream_servers import PATIENCE, Servers, miscounted, report, wait_for
 
 MODEL = "13"
+STRANGER = "WHO?" # no command of the model
 FORM = {"side1Rows": [63], "side1Cols": [48]}
 
 
@@ -64,13 +68,31 @@ class Reader:
         assert len(found) == self.sheets, "sheets that are not all there, or not all different"
         return found
 
+    def events(self):
+        return [json.loads(line) for line in self.log.read_text(encoding="utf-8").splitlines()]
+
     def last_fed(self):
-        fed = 0
-        for line in self.log.read_text(encoding="utf-8").splitlines():
-            event = json.loads(line)
-            if event["event"] == "fed":
-                fed = event["sheet"]
-        return fed
+        return max((event["sheet"] for event in self.events() if event["event"] == "fed"), default=0)
+
+    def last_fed_for_the_dead(self):
+        """The last sheet that was fed for a station that has been killed: commands that it left in the line are obeyed
+        first. They end with two of this script's: one that gives up whatever is under way, and one that no reader knows,
+        which it notes."""
+        def strangers():
+            return sum(event["event"] == "error" and STRANGER in event["text"] for event in self.events())
+        before = strangers()
+        line = os.open(self.device, os.O_RDWR | os.O_NOCTTY | os.O_NONBLOCK)
+        try:
+            tty.setraw(line)
+            os.write(line, f"\x1bSRST\r\x1b{STRANGER}\r".encode())
+
+            def is_noted():
+                termios.tcflush(line, termios.TCIFLUSH) # answers that nobody wants keep it from none
+                return strangers() > before
+            wait_for(is_noted, "obeying the last commands")
+        finally:
+            os.close(line)
+        return self.last_fed()
 
 
 def write_file(folder, readers, stream):
@@ -109,15 +131,16 @@ def last_stored(folder, reader):
 
 
 def kill_again_and_again(program, folder, readers, kills, chance, stream):
-    """Kills the station at random moments, and notes which sheets were on their way."""
+    """Kills the station at random moments, and notes which sheet of each reader it may not have answered for."""
     file = write_file(folder, readers, stream)
     total = sum(reader.sheets for reader in readers)
-    on_their_way = collections.defaultdict(list)
+    unanswered = collections.defaultdict(set)
     done = 0
     for _ in range(kills):
         before = stored(folder)
         if sum(reader.last_fed() for reader in readers) >= total:
             break
+        fed = {reader.name: reader.last_fed() for reader in readers}
         station = subprocess.Popen([program, "station", file], stderr=subprocess.DEVNULL)
         wanted = before + chance.randrange(1, max(2, 2 * total // (kills + 1)))
         wait_for(lambda: stored(folder) >= wanted or sum(r.last_fed() for r in readers) >= total, "reading")
@@ -125,20 +148,20 @@ def kill_again_and_again(program, folder, readers, kills, chance, stream):
         station.send_signal(signal.SIGKILL)
         station.wait()
         done += 1
-        # The reader may still find a command in its line.
         for reader in readers:
-            last = reader.last_fed()
-            on_their_way[reader.name].append((last, last + 1))
+            last = reader.last_fed_for_the_dead()
+            if last > fed[reader.name]: # for this one, and not for a station before it
+                unanswered[reader.name].add(last)
     station = subprocess.Popen([program, "station", file], stderr=subprocess.DEVNULL)
     wait_for(lambda: all(reader.last_fed() == reader.sheets for reader in readers), "feeding the last sheet")
     # A station that is told to end leaves out a sheet that it is reading.
-    wait_for(lambda: all(reader.sheets in last_stored(folder, reader).union(*on_their_way[reader.name]) for reader in readers),
+    wait_for(lambda: all(reader.sheets in last_stored(folder, reader) | unanswered[reader.name] for reader in readers),
              "storing the last sheet")
     if stream:
         wait_for(lambda: unsent(folder) == 0, "sending the last sheet")
     station.terminate()
     station.wait()
-    return done, on_their_way
+    return done, unanswered
 
 
 # What the station knows the stream to have.
@@ -170,18 +193,8 @@ def faults_of_stream(program, folder, servers):
     return faults + miscounted(marked, servers.messages("KELREADER"), entries)
 
 
-def unexplained(missing, on_their_way):
-    """The missing sheets that no kill explains. One kill costs a reader one sheet: the last one that was fed, or the next
-    one, which is fed only if the last one is stored."""
-    rest = sorted(missing)
-    for ways in on_their_way:
-        if lost := next((sheet for sheet in rest if sheet in ways), None):
-            rest.remove(lost)
-    return rest
-
-
-def count(folder, readers, on_their_way):
-    """What is wrong with the store, and how many sheets were on their way."""
+def count(folder, readers, unanswered):
+    """What is wrong with the store, and how many sheets are missing for which no station had answered."""
     with sqlite3.connect(folder / "store.db") as database:
         rows = database.execute("SELECT reader, number, side1 FROM sheets ORDER BY id").fetchall()
     faults = []
@@ -197,9 +210,9 @@ def count(folder, readers, on_their_way):
         if len(set(found)) != len(found):
             faults.append(f"{reader.name}: {len(found) - len(set(found))} sheets are there more than once")
         missing = set(reader.expected.values()) - set(found)
-        lost += len(missing)
-        if wrongly := unexplained(missing, on_their_way[reader.name]):
-            faults.append(f"{reader.name}: sheets {wrongly} are missing, and no kill explains it")
+        lost += len(missing & unanswered[reader.name])
+        if wrongly := sorted(missing - unanswered[reader.name]):
+            faults.append(f"{reader.name}: sheets {wrongly} are missing, and a station had answered for them")
     return len(rows), lost, faults
 
 
@@ -224,17 +237,17 @@ def main():
             for number in range(options.readers):
                 readers.append(Reader(program, folder, number, each))
             wait_for(lambda: all(reader.device.exists() for reader in readers), "making the lines")
-            kills, ways = kill_again_and_again(program, folder, readers, options.kills, random.Random(options.seed),
+            kills, unanswered = kill_again_and_again(program, folder, readers, options.kills, random.Random(options.seed),
                                                stream)
         finally:
             for reader in readers:
                 reader.process.kill()
                 reader.process.wait()
-        rows, lost, faults = count(folder, readers, ways)
+        rows, lost, faults = count(folder, readers, unanswered)
         if options.stream:
             faults += faults_of_stream(program, folder, servers)
     return report(f"{each * len(readers)} sheets fed by {len(readers)} readers, {kills} kills: {rows} sheets stored, "
-                  f"{lost} were on their way at a kill", faults)
+                  f"{lost} were not answered for at a kill", faults)
 
 
 if __name__ == "__main__":
