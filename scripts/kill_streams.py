@@ -2,15 +2,16 @@
 # SPDX-License-Identifier: MIT
 """Kills, freezes and stops the servers of a stream while a station sends, and counts what comes out at its other end.
 
-Three servers keep the stream; simulated readers feed all the while. The collector is killed; a server is killed, then the
-one that leads; the one at which the station is connected is frozen, so that the connection hangs and does not close; all
-three are stopped and started. At the end each sheet of the station's store is in the collector's store, once, and in the stream
-once. The stores are read without the program that wrote them.
+Three servers keep the stream; simulated readers feed all the while. The collector is killed; the server at which it is
+connected is frozen, so that the connection hangs and does not close; a server is killed, then the one that leads; the one
+at which the station is connected is frozen; all three are stopped and started. At the end each sheet of the station's store
+is in the collector's store, once, and in the stream once. The stores are read without the program that wrote them.
 
 Usage: kill_streams.py KELREADER [--readers N] [--sheets N] [--rounds N]
 """
 
 import argparse
+import collections
 import json
 import os
 import sqlite3
@@ -25,6 +26,12 @@ from stream_servers import PATIENCE, Servers, miscounted, report, wait_for
 STREAM = "KELREADER"
 # How many sheets come through between two blows.
 BETWEEN = 5
+
+# Who is connected to the servers: the beginning of its name there, its log, and what it says when its connection is up.
+Client = collections.namedtuple("Client", "name log up")
+STATION = Client("kelreader station", "station.log", "takes sheets")
+COLLECTOR = Client("kelreader collect", "collect.log", "Collecting from the stream")
+DOWN = "keeps the sheets meanwhile"
 
 
 class Run:
@@ -41,7 +48,7 @@ class Run:
             "readers": [{"name": f"reader{number}", "model": 13, "set": {"SleepTime": 1},
                          "simulate": {"unlimited": True, "count": sheets, "seed": number}}
                         for number in range(readers)]}), encoding="utf-8")
-        self.logs = [open(folder / name, "w", encoding="utf-8") for name in ("station.log", "collect.log")]
+        self.logs = [open(folder / name, "w", encoding="utf-8") for name in (STATION.log, COLLECTOR.log)]
         self.commands = [[program, "station", file],
                          [program, "collect", "--from", ",".join(servers.urls), "--store", folder / "all.db"]]
         self.processes = [subprocess.Popen(command, stderr=log) for command, log in zip(self.commands, self.logs)]
@@ -70,12 +77,16 @@ class Run:
                 raise RuntimeError(Path(log.name).read_text(encoding="utf-8"))
         return True
 
-    def is_up(self):
-        """Whether what the station said last of the stream is that it takes sheets."""
-        return self.told("takes sheets") > self.told("keeps the sheets meanwhile")
+    def is_up(self, client):
+        """Whether what a client of the stream said last of it is that it is up."""
+        told = self.told(client)
+        return told.rfind(client.up) > told.rfind(DOWN)
 
-    def told(self, text):
-        return (self.folder / "station.log").read_text(encoding="utf-8").count(text)
+    def times_down(self, client):
+        return self.told(client).count(DOWN)
+
+    def told(self, client):
+        return (self.folder / client.log).read_text(encoding="utf-8")
 
     def kill_collector(self):
         self.processes[1].kill()
@@ -91,14 +102,26 @@ class Run:
         return status
 
 
-def server_of_station(run, servers):
-    """The server at which the station is connected; nothing while it looks for another one."""
+def server_of(client, run, servers):
+    """The server at which a client is connected; nothing while it looks for another one."""
     found = []
     for server in servers.all:
         with urllib.request.urlopen(f"http://127.0.0.1:{server.monitor}/connz", timeout=PATIENCE) as answer:
             found += [server for connection in json.load(answer)["connections"]
-                      if connection.get("name", "").startswith("kelreader station")]
-    return found[0] if len(found) == 1 and run.is_up() else None
+                      if connection.get("name", "").startswith(client.name)]
+    return found[0] if len(found) == 1 and run.is_up(client) else None
+
+
+def freeze_server_of(client, run, servers):
+    """The client's connection hangs, and it gives that up and goes on with another server."""
+    server = wait_for(lambda: server_of(client, run, servers), f"{client.name} being connected")
+    before = run.times_down(client)
+    server.freeze()
+    wait_for(lambda: run.alive() and run.times_down(client) > before, "giving up a connection")
+    run.wait_progress()
+    server.thaw()
+    servers.wait_ready()
+    print(f"froze the server of {client.name}", flush=True)
 
 
 def strike(run, servers):
@@ -106,6 +129,8 @@ def strike(run, servers):
     run.kill_collector()
     run.wait_progress()
     print("killed the collector", flush=True)
+
+    freeze_server_of(COLLECTOR, run, servers)
 
     for name, choose in (("a server", lambda: next(one for one in servers.all if one is not servers.leader(STREAM))),
                          ("the leader", lambda: servers.leader(STREAM))):
@@ -116,14 +141,7 @@ def strike(run, servers):
         servers.wait_ready()
         print(f"killed {name}", flush=True)
 
-    server = wait_for(lambda: server_of_station(run, servers), "the station being connected")
-    lost = run.told("keeps the sheets meanwhile")
-    server.freeze()
-    wait_for(lambda: run.alive() and run.told("keeps the sheets meanwhile") > lost, "giving up a connection")
-    run.wait_progress()
-    server.thaw()
-    servers.wait_ready()
-    print("froze the server of the station", flush=True)
+    freeze_server_of(STATION, run, servers)
 
     for server in servers.all:
         server.stop()
