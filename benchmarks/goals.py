@@ -65,6 +65,8 @@ GOALS = [
     ("sheets from a store into one server", "Stream_OneServer", "sheets_per_second", 1, "a second", "> 5000", None),
     ("sheets from a store into three replicas", "Stream_ThreeReplicas", "sheets_per_second", 1, "a second", "> 1500",
      "Stream_ThreeReplicasOneReader"),
+    ("sheets from three replicas into a store", "Collect_ThreeReplicas", "sheets_per_second", 1, "a second", None,
+     "Collect_ThreeReplicasOneReader"),
     ("a station that waits for a sheet, wake-ups", "Station_Waiting", "wakeups_per_second", 1, "a second", "< 5", None),
     ("a station that waits for a sheet", "Station_Waiting", "percent_of_a_core", 1, "% of a core", "< 0.05", None),
     ("a commit to the store, added to a sheet", "Store_Commit", "ms", 1, "ms", "< 10", None),

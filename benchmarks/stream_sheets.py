@@ -1,13 +1,16 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""Measures how many sheets a second go out of a store into a stream, on one server and in three replicas on this machine.
+"""Measures how many sheets a second go out of a store into a stream, on one server and in three replicas on this machine,
+and out of that stream into the store of a collector.
 
     stream_sheets.py KELREADER [--out RESULTS.json] [--sheets N]
 
-The store is filled first, with sheets of 63 rows and 48 columns that people might have marked; then a station sends it.
+The store is filled first, with sheets of 63 rows and 48 columns that people might have marked; then a station sends it,
+and with three replicas a collector collects it.
 """
 
 import argparse
+import contextlib
 import json
 import os
 import random
@@ -56,24 +59,42 @@ def fill(program, folder, readers, sheets, marks):
         database.execute("UPDATE store SET last = ?", (sheets,))
 
 
+def figure(name, place, sheets, readers, marks):
+    """The time from the first sheets that come to a place to the last one; `place` gives how many are there."""
+    first = wait_for(place, "the first sheet")
+    begin = time.monotonic()
+    last = wait_for(lambda: (now := place()) >= sheets and now, "the last sheet")
+    return {"name": name, "sheets_per_second": (last - first) / (time.monotonic() - begin), "readers": readers, "marks": marks}
+
+
+def number_in(store, query):
+    """What a store answers; nothing as long as it is being made."""
+    try:
+        with contextlib.closing(sqlite3.connect(f"file:{store}?mode=ro", uri=True, timeout=PATIENCE)) as database:
+            return database.execute(query).fetchone()[0]
+    except sqlite3.OperationalError:
+        return 0
+
+
 def measure(program, name, count, readers, sheets, marks):
-    """A station sends a full store; the time is that from its first message to its last."""
+    """A station sends a full store; then a collector collects it, if there are several servers."""
     with tempfile.TemporaryDirectory() as path, Servers(path, count) as servers:
         folder = Path(path)
         os.environ["KELREADER_REGISTRY_DIR"] = str(folder / "settings")
         fill(program, folder, readers, sheets, marks)
         servers.start()
         with subprocess.Popen([program, "station", station_file(folder, servers, count)],
-                              stderr=subprocess.DEVNULL) as station, \
-                sqlite3.connect(folder / "hall.db", timeout=PATIENCE) as database:
-            def sent():
-                return database.execute("SELECT sent FROM store").fetchone()[0]
-            first = wait_for(sent, "sending")
-            begin = time.monotonic()
-            last = wait_for(lambda: (now := sent()) >= sheets and now, "sending all")
-            seconds = time.monotonic() - begin
+                              stderr=subprocess.DEVNULL) as station:
+            yield figure(f"Stream_{name}", lambda: number_in(folder / "hall.db", "SELECT sent FROM store"), sheets,
+                         readers, marks)
             station.terminate()
-    return {"name": f"Stream_{name}", "sheets_per_second": (last - first) / seconds, "readers": readers, "marks": marks}
+        if count == 1:
+            return
+        with subprocess.Popen([program, "collect", "--from", ",".join(servers.urls), "--store", folder / "all.db"],
+                              stderr=subprocess.DEVNULL) as collector:
+            yield figure(f"Collect_{name}", lambda: number_in(folder / "all.db", "SELECT count(*) FROM sheet"), sheets,
+                         readers, marks)
+            collector.terminate()
 
 
 def main():
@@ -87,8 +108,9 @@ def main():
                                         ("OneServerOneReader", 1, 1, 100), ("ThreeReplicas", 3, 64, 100),
                                         ("ThreeReplicasManyMarks", 3, 64, 600), ("ThreeReplicasOneReader", 3, 1, 100)):
         sheets = options.sheets if readers > 1 else options.sheets // 5
-        results.append(measure(options.program.resolve(), name, count, readers, sheets, marks))
-        print(f"{name}: {results[-1]['sheets_per_second']:.0f} sheets a second", flush=True)
+        for result in measure(options.program.resolve(), name, count, readers, sheets, marks):
+            results.append(result)
+            print(f"{result['name']}: {result['sheets_per_second']:.0f} sheets a second", flush=True)
     if options.out:
         options.out.write_text(json.dumps({"benchmarks": results}, indent=1), encoding="utf-8")
     return 0
