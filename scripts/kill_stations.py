@@ -4,8 +4,8 @@
 
 Each sheet is random, and no two are the same. A reader gets the command to feed the next sheet once the station has
 answered for the last one. So the readers are witnesses: of the sheets that a reader fed for a station, only the last may
-be missing, if the station was killed; each other one was answered for, and is in the store once. The store is read without
-the program that wrote it. With --stream the station also sends to a stream: what is in the store is in the stream once,
+be missing, if the station was killed before it asked for the next one, which the trace of the session shows; each other one
+was answered for, and is in the store once. The store is read without the program that wrote it. With --stream the station also sends to a stream: what is in the store is in the stream once,
 and comes out of it once.
 
 Usage: kill_stations.py KELREADER [--readers N] [--sheets N] [--kills N] [--seed N] [--stream]
@@ -16,6 +16,7 @@ import collections
 import json
 import os
 import random
+import re
 import signal
 import sqlite3
 import subprocess
@@ -52,6 +53,7 @@ class Reader:
         self.name = f"reader{number}"
         self.sheets = sheets
         self.device = folder / self.name
+        self.trace = folder / f"{self.name}.trace"
         made_up = ["--model", MODEL, "--seed", str(1000 + number), "--count", str(sheets), "--rate", "unlimited"]
         self.log = folder / f"{self.name}.log"
         self.expected = self.read_once(program, made_up)
@@ -73,6 +75,14 @@ class Reader:
 
     def last_fed(self):
         return max((event["sheet"] for event in self.events() if event["event"] == "fed"), default=0)
+
+    def has_asked_for_next(self, fed):
+        """Whether a station that is dead, and had fed so many sheets in one session, answered for the last one. It asks for
+        the status after each sheet, to know whether it is whole, and again before the next one."""
+        commands = re.findall('^> 1B "([A-Z]{4})', self.trace.read_text(encoding="utf-8"), re.MULTILINE)
+        if commands.count("READ") != fed: # a session before it had fed some of them
+            return False
+        return commands[::-1].index("READ") > 1
 
     def last_fed_for_the_dead(self):
         """The last sheet that was fed for a station that has been killed: commands that it left in the line are obeyed
@@ -101,7 +111,7 @@ def write_file(folder, readers, stream):
     file.write_text(json.dumps({
         "station": "killed", "store": "store.db", "batch": "all", "retry": {"first": 0.02, "longest": 0.1}, **stream,
         "readers": [{"name": reader.name, "model": int(MODEL), "device": str(reader.device), "form": "form.json",
-                     "set": {"SleepTime": 1}} for reader in readers]}), encoding="utf-8")
+                     "trace": reader.trace.name, "set": {"SleepTime": 1}} for reader in readers]}), encoding="utf-8")
     return file
 
 
@@ -150,7 +160,8 @@ def kill_again_and_again(program, folder, readers, kills, chance, stream):
         done += 1
         for reader in readers:
             last = reader.last_fed_for_the_dead()
-            if last > fed[reader.name]: # for this one, and not for a station before it
+            mine = last - fed[reader.name] # were fed for this station, and not for one before it
+            if mine > 0 and not reader.has_asked_for_next(mine):
                 unanswered[reader.name].add(last)
     station = subprocess.Popen([program, "station", file], stderr=subprocess.DEVNULL)
     wait_for(lambda: all(reader.last_fed() == reader.sheets for reader in readers), "feeding the last sheet")
