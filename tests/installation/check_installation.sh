@@ -23,8 +23,6 @@ library=$(dirname "$(find "$work/root" -name 'libKELReader81U.so.*.*.*' -print -
 for unit in kelreader-station kelreader-collect; do
     [ -f "$work/root/lib/systemd/system/$unit@.service" ] || fail "the unit $unit is missing"
 done
-grep -q '^u kelreader ' "$source/service/kelreader.sysusers" && grep -q '^m kelreader dialout$' "$source/service/kelreader.sysusers" ||
-    fail "the stations have no user who may open serial lines"
 [ -f "$work/root/share/kelreader/station.schema.json" ] || fail "the schema of a station's file is missing"
 [ -f "$work/root/share/kelreader/message.schema.json" ] || fail "the schema of a stream's messages is missing"
 if command -v systemd-analyze >/dev/null; then
@@ -133,6 +131,8 @@ for package in "$work"/packages/*.deb; do
     dpkg-deb -x "$package" "$work/debian"
 done
 "$work/debian/usr/bin/kelreader" models --format csv | grep -q 'Scantron Scanmark 2500' || fail "the packaged command"
+dpkg-deb -e "$work"/packages/kelreader81u_*.deb "$work/control"
+python3 -B "$source/tests/installation/package.py" "$work/debian" "$work/control" || fail "the services of the package"
 [ -f "$work/debian/usr/lib/kelreader81u/libKELReader81U_options_qt.so" ] || fail "the options window is in no package"
 [ ! -d "$build/python/kelreader" ] || read_with_python "$work/debian/usr/$packages" || fail "the packaged Python package"
 dpkg-deb -I "$work"/packages/kelreader81u_*.deb triggers | grep -q ldconfig || fail "the linker would not be told"
