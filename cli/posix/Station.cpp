@@ -12,10 +12,13 @@
 #include "station/StateText.h"
 #include "station/StationServers.h"
 
+#include <condition_variable>
 #include <csignal>
+#include <mutex>
 #include <poll.h>
 #include <sys/resource.h>
 #include <sys/signalfd.h>
+#include <thread>
 
 namespace kel {
 
@@ -119,9 +122,42 @@ void readAgain(Station& station, const std::string& name)
     tellServiceManager("READY=1");
 }
 
+/// Reads the station's file again, in a thread of its own: a reader may be slow to end, and the station has to answer
+/// meanwhile. What is asked for during a reload is one more reload after it.
+class Reloads {
+public:
+    Reloads(Station& station, const std::string& name)
+        : thread_([this, &station, &name](const std::stop_token& end) {
+              while (isAsked(end))
+                  readAgain(station, name);
+          })
+    {
+    }
+
+    void ask()
+    {
+        const std::lock_guard lock(mutex_);
+        asked_ = true;
+        changed_.notify_one();
+    }
+
+private:
+    /// Waits; false at the end.
+    [[nodiscard]] bool isAsked(const std::stop_token& end)
+    {
+        std::unique_lock lock(mutex_);
+        changed_.wait(lock, end, [this] { return asked_; });
+        return std::exchange(asked_, false) && !end.stop_requested();
+    }
+
+    std::mutex mutex_;
+    std::condition_variable_any changed_;
+    bool asked_ = false;
+    std::jthread thread_; // the last: it uses the others
+};
+
 /// Serves whoever asks, until a signal ends the station.
-void lookAfter(Station& station, const StationServers& servers, const StateSocket& socket, const Signals& signals,
-               const std::string& name)
+void lookAfter(const StationServers& servers, const StateSocket& socket, const Signals& signals, Reloads& reloads)
 {
     const std::optional<std::chrono::milliseconds> watchdog = watchdogPeriod();
     for (;;) {
@@ -136,7 +172,7 @@ void lookAfter(Station& station, const StationServers& servers, const StateSocke
         while (const int signal = signals.next()) {
             if (signal != SIGHUP)
                 return;
-            readAgain(station, name);
+            reloads.ask();
         }
     }
 }
@@ -164,8 +200,9 @@ int runStation(const StationArguments& arguments)
         const StateSocket socket(file.plan.socket);
         station.begin();
         const StationServers servers(std::move(ports), file.plan, station, &notice);
+        Reloads reloads(station, arguments.file);
         tellServiceManager("READY=1");
-        lookAfter(station, servers, socket, signals, arguments.file);
+        lookAfter(servers, socket, signals, reloads);
         tellServiceManager("STOPPING=1");
         signals.letGo(); // a second one does not wait for the sheets that come out
     }
@@ -201,8 +238,8 @@ void addStationCommand(Commands& commands)
     command.footer(
         "Ctrl-C and SIGTERM end every session in order: the sheet in a reader comes out and is stored. SIGHUP "
         "reads the file again and touches only the readers that have changed.\n"
-        "Exit status: 0 ended, or nothing is wrong, 1 the store or the socket cannot be used, 2 something is "
-        "wrong with the file.");
+        "Exit status: 0 ended, or nothing is wrong, 1 the store or the socket cannot be used, or no station is at "
+        "work, 2 something is wrong with the file.");
 }
 
 } // namespace kel

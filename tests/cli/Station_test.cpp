@@ -8,9 +8,7 @@
 #include <csignal>
 #include <optional>
 #include <pty.h>
-#include <sys/socket.h>
 #include <sys/stat.h>
-#include <sys/un.h>
 #include <termios.h>
 
 namespace kel::test {
@@ -298,54 +296,6 @@ TEST_F(StationCommand, ChecksAFile)
     EXPECT_EQ(wrong.status, 2);
     EXPECT_EQ(countOf(wrong.errors, "kelreader: "), 3U);
     EXPECT_FALSE(std::filesystem::exists(store_));
-}
-
-/// The end of a socket at which a service manager listens.
-class ServiceManager {
-public:
-    explicit ServiceManager(const std::string& file)
-    {
-        sockaddr_un address{};
-        address.sun_family = AF_UNIX;
-        file.copy(address.sun_path, sizeof address.sun_path - 1);
-        ::bind(socket_, reinterpret_cast<const sockaddr*>(&address), sizeof address);
-        ::setenv("NOTIFY_SOCKET", file.c_str(), 1);
-        ::setenv("WATCHDOG_USEC", "100000", 1);
-    }
-    ~ServiceManager()
-    {
-        ::unsetenv("NOTIFY_SOCKET");
-        ::unsetenv("WATCHDOG_USEC");
-        ::close(socket_);
-    }
-    ServiceManager(const ServiceManager&) = delete;
-    ServiceManager& operator=(const ServiceManager&) = delete;
-
-    [[nodiscard]] std::string next() const
-    {
-        std::string text(256, '\0');
-        const ssize_t count = ::recv(socket_, text.data(), text.size(), 0);
-        text.resize(count > 0 ? static_cast<std::size_t>(count) : 0);
-        return text;
-    }
-
-private:
-    int socket_ = ::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
-};
-
-TEST_F(StationCommand, TellsTheServiceManagerThatItIsReadyLivesAndStops)
-{
-    const ServiceManager manager(folder_.file("notify"));
-    RunningCommand station({"station", file(simulated("left", 0))});
-    EXPECT_EQ(manager.next(), "READY=1");
-    EXPECT_EQ(manager.next(), "WATCHDOG=1");
-    EXPECT_EQ(manager.next(), "WATCHDOG=1");
-    station.signal(SIGTERM);
-    std::string last;
-    while ((last = manager.next()) == "WATCHDOG=1") {
-    }
-    EXPECT_EQ(last, "STOPPING=1");
-    EXPECT_EQ(station.finish().status, 0);
 }
 
 } // namespace
