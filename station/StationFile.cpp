@@ -5,6 +5,7 @@
 #include "formats/RegistryCopy.h"
 #include "host/JsonFile.h"
 #include "host/LoadedSettings.h"
+#include "host/Ports.h"
 #include "host/PropertyTable.h"
 #include "host/Reader.h"
 #include "platform/Platform.h"
@@ -166,8 +167,10 @@ public:
     }
 
 private:
+    /// A reader's line, as the file has it.
     struct Line {
         std::string reader{};
+        std::string place{};
         std::string name{};
     };
 
@@ -360,24 +363,32 @@ private:
                                         [&](const ReaderPlan& other) { return other.name == plan.name; });
         if (!plan.name.empty() && taken != plan_.readers.end())
             faults_.add(place.key("name"), "is \"" + plan.name + "\", which another reader has, too");
-        checkLine(plan, place);
+        if (request.port)
+            checkPort(*request.port, plan, place.key("port"));
+        else if (!request.device.empty())
+            checkLine(request.device, request.device, plan, place.key("device"));
+    }
+
+    void checkPort(Int16 port, const ReaderPlan& plan, const JsonPlace& place)
+    {
+        const std::string name = "port " + CStr(port);
+        const std::optional<std::string> device = host::deviceOf(port);
+        checkLine(device.value_or(name), device ? name + " (" + *device + ")" : name, plan, place);
     }
 
     /// Each reader has a line of its own, whatever that is called.
-    void checkLine(const ReaderPlan& plan, const JsonPlace& place)
+    void checkLine(const std::string& line, const std::string& name, const ReaderPlan& plan, const JsonPlace& place)
     {
-        const host::Request& request = plan.request;
-        const std::string line = request.port ? "port " + CStr(*request.port) : request.device;
-        if (line.empty())
-            return;
         std::error_code error;
         const std::filesystem::path device = std::filesystem::weakly_canonical(line, error);
         const std::string identity = line.front() == '/' && !error ? device.string() : line;
-        const auto [other, isNew] = lines_.try_emplace(identity, Line{.reader = plan.name, .name = line});
+        const auto [other, isNew] =
+            lines_.try_emplace(identity, Line{.reader = plan.name, .place = place.path, .name = name});
         if (isNew)
             return;
-        const std::string asWhat = other->second.name == line ? "" : ", as " + other->second.name;
-        faults_.add(place, "has " + line + ", which the reader \"" + other->second.reader + "\" has, too" + asWhat);
+        const auto& [reader, otherPlace, otherName] = other->second;
+        const std::string asWhat = otherName == name ? otherPlace : otherPlace + ", " + otherName;
+        faults_.add(place, "is " + name + ", which the reader \"" + reader + "\" has, too (" + asWhat + ")");
     }
 
     /// What is found out when a session is prepared.
@@ -386,6 +397,9 @@ private:
         const host::Request& request = plan.request;
         faults_.attempt(place, [&] {
             host::Reader probe(request);
+            const bool hasPort = !request.port && request.device.empty() && !request.simulated;
+            if (hasPort && !host::isUsbModel(probe.object().ReaderType()))
+                checkPort(probe.object().Port(), plan, place); // the saved settings', or that of "set"
             if (request.simulated)
                 checkSimulation(request, probe.object().ReaderType(), place.key("simulate"), faults_);
         });

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "station/StationFile.h"
 
+#include "host/Ports.h"
+#include "reader/clsKELReader.h"
+#include "simulators/platform/SimulatedPlatform.h"
 #include "store/Pauses.h"
 #include "tests/support/BuiltFiles.h"
 #include "tests/support/TemporaryFolder.h"
@@ -38,6 +41,8 @@ protected:
         return readStationFile(folder_.write("station.json", text));
     }
 
+    SimulatedPlatform machine_; // with ports and settings of its own
+    const PlatformScope scope_{machine_};
     TemporaryFolder folder_;
 };
 
@@ -169,13 +174,46 @@ TEST_F(AStationFile, IsToldAllThatIsWrongAtOnce)
             HasSubstr("readers[2] names more than one of \"port\", \"device\" and \"simulate\""),
             HasSubstr("readers[3] does not say where it is"),
             "readers[3].name is \"b\", which another reader has, too.", "readers[4] has to be an object, not a number.",
-            "readers[6] has port 2, which the reader \"c\" has, too.", HasSubstr("readers[7].form: The form file "),
-            "readers[7] has no \"name\".", HasSubstr("readers[7] does not say where it is"),
-            HasSubstr("readers[8].trace is to be in the folder "),
+            "readers[6].port is port 2, which the reader \"c\" has, too (readers[5].port).",
+            HasSubstr("readers[7].form: The form file "), "readers[7] has no \"name\".",
+            HasSubstr("readers[7] does not say where it is"), HasSubstr("readers[8].trace is to be in the folder "),
             HasSubstr("readers[8].simulate.sheets: The sheet file "), HasSubstr("readers[9].simulate.faults[1]: "),
             HasSubstr("readers[9].simulate.faults[2]: "), HasSubstr("readers[9].simulate.settings[0]: "),
-            "readers[11] has /dev/../dev/null, which the reader \"h\" has, too, as /dev/null.",
+            "readers[11].device is /dev/../dev/null, which the reader \"h\" has, too (readers[10].device, /dev/null).",
             "the file names no \"store\".", "retry.first is longer than \"longest\"."));
+}
+
+TEST_F(AStationFile, IsToldOfALineThatTwoReadersHaveByDifferentNames)
+{
+    const std::string device = folder_.write("ttyS5", "");
+    const std::string link = folder_.file("by-id");
+    std::filesystem::create_symlink("ttyS5", link);
+    ASSERT_TRUE(host::mapPort(3, device));
+    ASSERT_TRUE(host::mapPort(4, link));
+    const StationFile file = read(R"({"store": "x", "readers": [
+        {"name": "A", "model": 13, "port": 3},
+        {"name": "B", "model": 13, "device": ")" +
+                                  device + R"("},
+        {"name": "C", "model": 13, "device": ")" +
+                                  link + R"("},
+        {"name": "D", "model": 13, "port": 4},
+        {"name": "E", "model": 13, "port": 5}]})");
+    const std::string first = ", which the reader \"A\" has, too (readers[0].port, port 3 (" + device + ")).";
+    EXPECT_THAT(file.faults,
+                ElementsAre("readers[1].device is " + device + first, "readers[2].device is " + link + first,
+                            "readers[3].port is port 4 (" + link + ")" + first));
+}
+
+TEST_F(AStationFile, IsToldOfAPortThatIsNamedInSettingsAlone)
+{
+    clsKELReader saved;
+    saved.ReaderType(kelReaderTypeScantronScanMark2500);
+    saved.Port(3);
+    ASSERT_TRUE(saved.SaveSettings(kelReaderRegistryKeyCurrentUser, "Software\\Hall"));
+    EXPECT_THAT(read(R"({"store": "x", "readers": [
+        {"name": "A", "model": 13, "port": 3}, {"name": "B", "settings": "HKCU\\Software\\Hall"}]})")
+                    .faults,
+                ElementsAre("readers[1] is port 3, which the reader \"A\" has, too (readers[0].port)."));
 }
 
 TEST_F(AStationFile, IsToldAllThatIsWrongWithItsStreamItsPageAndItsFolders)
