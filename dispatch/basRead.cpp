@@ -3,6 +3,7 @@
 
 #include "dispatch/DriverFamilies.h"
 #include "drivers/common/Dialogue.h"
+#include "failure/ReportedText.h"
 #include "failure/basError.h"
 #include "failure/guarded.h"
 #include "platform/PortMap.h"
@@ -18,6 +19,7 @@ constexpr Int32 kUsualTimeout = 10;
 
 void reportPortOutOfRange(Int16 iPort)
 {
+    const ReportedText reported(text::kPortNotAllowed);
     DisplayError({.ErrorNumber = static_cast<Int32>(FailureCode::InvalidPortNumber),
                   .ErrorType = kErrorTypeSettings,
                   .ErrorDescription = replaceAll(VBLM_RTString(text::kPortNotAllowed), "%1", CStr(iPort)),

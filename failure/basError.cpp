@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "failure/basError.h"
 
+#include "failure/ReportedText.h"
 #include "failure/ThreadReports.h"
 #include "failure/guarded.h"
 #include "platform/Platform.h"
@@ -118,6 +119,7 @@ void reportReaderFault(const char* source, std::string text, std::string title)
 
 void reportReaderFault(const char* source, TextNumber text, TextNumber title)
 {
+    const ReportedText reported(text);
     reportReaderFault(source, VBLM_RTString(text), VBLM_RTString(title));
 }
 
@@ -133,6 +135,7 @@ void reportNumberedFault(const char* source, Int32 number, std::string text, std
 
 void reportNumberedFault(const char* source, TextNumber message, TextNumber title)
 {
+    const ReportedText reported(message);
     reportNumberedFault(source, message.value(), VBLM_RTString(message), VBLM_RTString(title));
 }
 

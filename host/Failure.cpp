@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "host/Failure.h"
 
+#include "failure/ReportedText.h"
 #include "formats/JsonValue.h"
 #include "types/Text.h"
 
@@ -27,8 +28,17 @@ std::string failureSentence(const Failure& failure)
 
 Failure failureOf(const ErrorReport& report)
 {
-    return {report.LineNumber, report.ErrorNumber, report.ErrorType,   report.ErrorDescription, report.ErrorSource,
-            report.ErrorTitle, report.ErrorPort,   report.ErrorDevice, report.ErrorCause,       report.ErrorRemedy};
+    return {.line = report.LineNumber,
+            .number = report.ErrorNumber,
+            .type = report.ErrorType,
+            .description = report.ErrorDescription,
+            .source = report.ErrorSource,
+            .title = report.ErrorTitle,
+            .port = report.ErrorPort,
+            .device = report.ErrorDevice,
+            .cause = report.ErrorCause,
+            .remedy = report.ErrorRemedy,
+            .text = report.ErrorType == kErrorTypeRunTime ? 0 : ReportedText::number()};
 }
 
 ReaderFailed::ReaderFailed(std::vector<Failure> failures)

@@ -23,6 +23,7 @@ struct Failure {
     std::string device{}; ///< the device or remote line that this port stands for
     std::string cause{};  ///< what is wrong with it, worded to follow its name
     std::string remedy{}; ///< what to try, a sentence; may be empty
+    Int32 text = 0; ///< number of the description's text in the language file, of several the first; 0 if it has none
 };
 
 /// A report as a failure.

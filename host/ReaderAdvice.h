@@ -10,9 +10,8 @@ namespace kel::host {
 /// The operators' advice on a report. The table is made from the pages for operators.
 struct AdviceRow {
     const char* module; ///< the driver's, "basScantron"; empty for advice on all readers
-    Int32 text;         ///< the number of the report's text; 0 for a failure or for literal words
-    Int32 failure;      ///< the number of a failure, or 0
-    const char* words;  ///< a text without a number
+    Int32 text;         ///< the number of the report's text; 0 for a failure, and for words that have no number
+    Int32 failure;      ///< the number of a run-time failure, or 0
     const char* cause;  ///< the cause of the report
     const char* remedy; ///< what the operator can do
 };

@@ -29,6 +29,9 @@ def literal(text):
 
 def rows_of(path, modules, problems):
     advice = parse_advice(path, path.read_text(encoding="utf-8"), problems)
+    # A report's words may be in any language: it is known by their number, or as the only one of its driver without.
+    if len(advice.literals_of_texts()) > 1:
+        problems.append(f"{path}: more than one text has no number, and their reports cannot be told apart")
     cause = remedy = ""
     for message in advice.messages():
         cause, remedy = sentence(plain(message.cause), cause), sentence(plain(message.do), remedy)
@@ -36,8 +39,8 @@ def rows_of(path, modules, problems):
         reported = [(text, 0) for text in message.texts] + [(0, failure) for failure in message.failures]
         for module in modules:
             for text, failure in reported:
-                number, words = (0, literal(text)) if isinstance(text, str) else (text, '""')
-                yield f"    {{{literal(module)}, {number}, {failure}, {words}, {told}}},"
+                number = 0 if isinstance(text, str) else text
+                yield f"    {{{literal(module)}, {number}, {failure}, {told}}},"
 
 
 def main():

@@ -56,6 +56,9 @@ class Advice(NamedTuple):
             if isinstance(text, str)
         }
 
+    def literals_of_texts(self):
+        return {text for message in self.messages() for text in message.texts if isinstance(text, str)}
+
     def failures(self):
         return {number for message in self.messages() for number in message.failures}
 

@@ -4,6 +4,7 @@
 #include "profiles/ReaderModels.h"
 #include "store/ReaderSetup.h"
 #include "store/StoringEvents.h"
+#include "types/RuntimeFailure.h"
 #include "types/Text.h"
 
 #include <exception>
@@ -23,6 +24,13 @@ constexpr std::chrono::nanoseconds kSlackOfSleeps = std::chrono::milliseconds(1)
 
 constexpr const char* kDeviceAdvice =
     "Connect the reader and switch it on, or correct its \"device\" in the station file.";
+
+/// Whether a port stands for a device that is not there, or is none: the advice is to give the port another one.
+bool isAboutDeviceOfPort(const host::Failure& failure)
+{
+    return failure.type == kErrorTypeRunTime && (failure.number == static_cast<Int32>(FailureCode::InvalidPortNumber) ||
+                                                 failure.number == static_cast<Int32>(FailureCode::DeviceNotOpen));
+}
 
 std::string_view toldAs(Activity activity)
 {
@@ -87,8 +95,8 @@ public:
     {
         host::Failure failure = event;
         std::string advice = reader_.calls_.adviceOn(event);
-        // A device that the station's file names has no port that could be mapped to another one.
-        if (!reader_.plan_.request.device.empty() && event.remedy.find("ports set") != std::string::npos) {
+        // A device that the station's file names has no port.
+        if (!reader_.plan_.request.device.empty() && isAboutDeviceOfPort(event)) {
             failure.description = replaceAll(event.description, " " + event.remedy, "");
             failure.remedy = advice = kDeviceAdvice;
         }

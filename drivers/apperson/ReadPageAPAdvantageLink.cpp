@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "drivers/apperson/AppersonDialogue.h"
+#include "drivers/apperson/ErrorTexts.h"
 #include "drivers/apperson/basApperson.h"
+#include "failure/ReportedText.h"
 #include "failure/basError.h"
 #include "failure/guarded.h"
 #include "types/Text.h"
@@ -24,6 +26,7 @@ bool ask(ReaderContract& oReader, ExchangeAP& exchange, std::string_view scmd)
 
 void reportAndDrain(ReaderContract& oReader, Int16 iErrCode)
 {
+    const ReportedText reported(errorTextAP(iErrCode));
     reportNumberedFault(kReadPageAPAdvantageLink, iErrCode, ReturnErrorAP(iErrCode),
                         VBLM_RTString(text::kApReaderErrorTitle));
     drainInputWithPauses(oReader);

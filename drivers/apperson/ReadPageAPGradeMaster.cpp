@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "drivers/apperson/AppersonDialogue.h"
+#include "drivers/apperson/ErrorTexts.h"
 #include "drivers/apperson/basApperson.h"
+#include "failure/ReportedText.h"
 #include "failure/basError.h"
 #include "failure/guarded.h"
 
@@ -31,6 +33,7 @@ Boolean ReadPageAPGradeMaster(ReaderContract& oReader)
             return;
         if (block.status() != kStatusGradeMasterAP) {
             iErrCode = block.status();
+            const ReportedText reported(errorTextAP(iErrCode));
             reportNumberedFault(kReadPageAPGradeMaster, iErrCode, ReturnErrorAP(iErrCode),
                                 VBLM_RTString(text::kApReaderErrorTitle));
             drainInputWithPauses(oReader);
@@ -41,6 +44,7 @@ Boolean ReadPageAPGradeMaster(ReaderContract& oReader)
         sBarcodeArr(1) = identifierGradeMasterAP(block);
         if (sBarcodeArr(1) == kErrorIdentifierGradeMasterAP) {
             iErrCode = errorNumberGradeMasterAP(block);
+            const ReportedText reported(errorTextAP(iErrCode));
             if (iErrCode > 0)
                 reportNumberedFault(kReadPageAPGradeMaster, iErrCode, ReturnErrorAP(iErrCode),
                                     VBLM_RTString(text::kSheetNotReadTitle));

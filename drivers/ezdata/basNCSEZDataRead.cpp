@@ -4,6 +4,7 @@
 #include "drivers/common/Dialogue.h"
 #include "drivers/common/PackedMarks.h"
 #include "drivers/ezdata/EZDataDialogue.h"
+#include "failure/ReportedText.h"
 #include "failure/basError.h"
 #include "failure/guarded.h"
 #include "platform/Platform.h"
@@ -44,6 +45,7 @@ Boolean ReadPageNCSEZ(ReaderContract& oReader)
         Sleep(500);
         lWaiting = oReader.fComm().mscComm().InBufferCount();
         if (lWaiting != kReplyLength) {
+            const ReportedText reported(text::kEzReadUnanswered);
             reportNumberedFault(kReadPage, text::kEzReadUnanswered.value(),
                                 VBLM_RTString(text::kEzReadUnanswered) + CStr(lWaiting), VBLM_RTString(text::kEzTitle));
             return;

@@ -3,6 +3,7 @@
 
 #include "drivers/common/Dialogue.h"
 #include "drivers/ncs/PageDecoder.h"
+#include "failure/ReportedText.h"
 #include "failure/basError.h"
 #include "failure/guarded.h"
 #include "platform/Platform.h"
@@ -40,6 +41,7 @@ bool byteComes(ReaderContract& oReader)
 void reportRowFault(const PageDecoderNCS::RowFault& fault)
 {
     const TextNumber message = fault.side == 1 ? text::kNcsWrongRowOfSide1 : text::kNcsWrongRowOfSide2;
+    const ReportedText reported(message);
     std::string sText = VBLM_RTString(message);
     sText.append(kLineEnd).append(kLineEnd);
     sText += VBLM_RTString(text::kNcsPositionsReceived) + CStr(fault.positions);

@@ -3,6 +3,7 @@
 
 #include "drivers/common/Dialogue.h"
 #include "drivers/peripheral_dynamics/HalfRow.h"
+#include "failure/ReportedText.h"
 #include "failure/basError.h"
 #include "failure/guarded.h"
 #include "platform/Platform.h"
@@ -83,6 +84,7 @@ bool startPage(ReaderContract& oReader, Int16& iStatusByte1, Int16& iStatusByte2
 
 void reportRowOverrun(ReaderContract& oReader)
 {
+    const ReportedText reported(text::kPdTooManyRows);
     std::string sText = VBLM_RTString(text::kPdTooManyRows);
     sText.append(kLineEnd).append(kLineEnd).append("\t");
     sText += VBLM_RTString(text::kPdSystemPause) + CStr(oReader.SleepTime());

@@ -3,6 +3,7 @@
 #include "drivers/scanning_systems/EmulationMode.h"
 #include "drivers/scanning_systems/ErrorTexts.h"
 #include "drivers/scanning_systems/basScanningSystems.h"
+#include "failure/ReportedText.h"
 #include "failure/basError.h"
 #include "failure/guarded.h"
 #include "platform/Platform.h"
@@ -60,6 +61,7 @@ void ReturnErrorSS(ReaderContract& oReader, const std::string& sErr)
         sText = VBLM_RTString(error->text);
         if (error->behindCode)
             sText += sErr + VBLM_RTString(*error->behindCode);
+        const ReportedText reported(error->text);
         if (!sText.empty())
             reportReaderFault(kReturnError, sText, "Scanner Error");
     });

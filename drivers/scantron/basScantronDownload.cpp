@@ -3,6 +3,7 @@
 
 #include "contract/clsKELReaderWindows.h"
 #include "drivers/scantron/FormCommands.h"
+#include "failure/ReportedText.h"
 #include "failure/basError.h"
 #include "failure/guarded.h"
 #include "types/Text.h"
@@ -39,19 +40,21 @@ bool isPageMode(const ReaderContract& oReader)
     return oReader.RecognitionMode() == kelRecognitionTypePage;
 }
 
-/// Sends a command of the form; one that is not acknowledged is reported in the words that `describe` gives.
+/// Sends a command of the form; one that is not acknowledged is reported in the words that `describe` gives,
+/// which begin with the text `failed`.
 template <std::invocable Describe>
-bool send(ReaderContract& oReader, const std::string& sCmd, Describe&& describe)
+bool send(ReaderContract& oReader, const std::string& sCmd, TextNumber failed, Describe&& describe)
 {
     if (SendCommandST(oReader, sCmd))
         return true;
+    const ReportedText reported(failed);
     reportReaderFault(kDownloadForm, describe(), VBLM_RTString(text::kNotReadyTitle));
     return false;
 }
 
 bool send(ReaderContract& oReader, const std::string& sCmd, TextNumber failed)
 {
-    return send(oReader, sCmd, [&] { return VBLM_RTString(failed); });
+    return send(oReader, sCmd, failed, [&] { return VBLM_RTString(failed); });
 }
 
 /// The place of a definition within the job: message, sheet and side, one to a line.
@@ -75,7 +78,7 @@ struct SentWindow {
 bool sendWindow(ReaderContract& oReader, const clsKELReaderWindow& cWindow, const SideTexts& texts, Int16 iSheetIndex,
                 SentWindow& sent)
 {
-    return send(oReader, windowDefinitionST(texts.side, cWindow, sent.fields), [&] {
+    return send(oReader, windowDefinitionST(texts.side, cWindow, sent.fields), texts.windowFailed, [&] {
         std::string sText = placeOf(texts.windowFailed, texts, iSheetIndex);
         sText.append(kLineEnd);
         return sText + VBLM_RTString(text::kStReadWindow) + CStr(sent.lIndex);
@@ -117,7 +120,7 @@ bool sendPage(ReaderContract& oReader, const PageArray& iRowsArr, const PageArra
     if (iRowsArr(iSheetIndex) <= 0)
         return true;
     const auto definition = isColumnModel(oReader.ReaderType()) ? columnDefinitionST : pageDefinitionST;
-    return send(oReader, definition(texts.side, iRowsArr(iSheetIndex), iColsArr(iSheetIndex)),
+    return send(oReader, definition(texts.side, iRowsArr(iSheetIndex), iColsArr(iSheetIndex)), texts.pageFailed,
                 [&] { return placeOf(texts.pageFailed, texts, iSheetIndex); });
 }
 

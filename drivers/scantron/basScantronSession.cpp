@@ -4,6 +4,7 @@
 #include "contract/clsKELReaderPrinter.h"
 #include "drivers/common/Dialogue.h"
 #include "drivers/scantron/FormCommands.h"
+#include "failure/ReportedText.h"
 #include "failure/basError.h"
 #include "failure/guarded.h"
 #include "platform/Platform.h"
@@ -39,9 +40,11 @@ ScantronReady judgeStatus(const std::string& sStatus, Int16& iPos8)
     const char position3 = sStatus[2];
     if (position2 == '1' && position3 == ' ')
         reportReaderFault(kCheckStatusMisspelt, text::kStFault1, text::kNotReadyTitle);
-    else if (position2 == '2')
+    else if (position2 == '2') {
+        const ReportedText reported(text::kStFaultOfStatus);
         reportReaderFault(kCheckStatus, VBLM_RTString(text::kStFaultOfStatus) + CStr(Int32{position2}),
                           VBLM_RTString(text::kStStatusTitle));
+    }
     if (position2 != '0')
         return ScantronReady::Fault;
 

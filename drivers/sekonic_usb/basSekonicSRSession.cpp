@@ -5,6 +5,7 @@
 #include "drivers/sekonic_usb/ErrorCodes.h"
 #include "drivers/sekonic_usb/Library.h"
 #include "drivers/sekonic_usb/MarkBytes.h"
+#include "failure/ReportedText.h"
 #include "failure/basError.h"
 #include "failure/guarded.h"
 #include "types/Text.h"
@@ -111,6 +112,7 @@ Boolean InitBarcodeSR()
 void ReturnErrorSR(Int32 lError)
 {
     guarded(kReturnError, KEL_PARAMETERS(lError), [&] {
+        const ReportedText reported(errorMessageSR(lError));
         DisplayError({.ErrorNumber = shownErrorSR(lError),
                       .ErrorType = kErrorTypeSettings,
                       .ErrorDescription = VBLM_RTString(errorMessageSR(lError)),
