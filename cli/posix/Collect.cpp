@@ -83,7 +83,7 @@ void addCollectCommand(Commands& commands)
         "Name by which the stream remembers what this collector has; a new name starts at the beginning")
         ->capture_default_str();
     add("--authority", "KELREADER_AUTHORITY", address.authority, "FILE",
-        "Certificates of the authority that signed the servers' certificates");
+        "Certificates of the authority that signed the servers' certificates; by default the system's");
     CLI::Option* certificate =
         add("--certificate", "KELREADER_CERTIFICATE", address.certificate, "FILE", "Certificate of the collector");
     CLI::Option* key = add("--key", "KELREADER_KEY", address.key, "FILE", "Key of the certificate");

@@ -150,8 +150,10 @@ void addSheetsCommand(Commands& commands)
     command.add_option("store", arguments->storeFile, "Store that a scan or a station writes")
         ->required()
         ->type_name("FILE");
-    command.add_option("--reader", arguments->reader, "Shows the sheets of one reader")->type_name("NAME");
-    command.add_option("--batch", arguments->batch, "Shows the sheets of one batch")->type_name("NAME");
+    command.add_option("--reader", arguments->reader, "Shows the sheets of one reader; by default those of all")
+        ->type_name("NAME");
+    command.add_option("--batch", arguments->batch, "Shows the sheets of one batch; by default those of all")
+        ->type_name("NAME");
     command
         .add_option(
             "--since", arguments->since,

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // A station and its store: another one's, an older one, one that is locked.
 #include "platform/posix/Sqlite.h"
+#include "store/SentMark.h"
 #include "store/SheetStore.h"
 #include "store/StoreSchema.h"
 #include "tests/cli/StationCommandTest.h"
@@ -51,6 +52,24 @@ TEST_F(StationStore, LeavesAStoreOfANewerVersionAlone)
     SqliteDatabase(store_, SqliteDatabase::Mode::Shared, 0)
         .run(("PRAGMA user_version = " + std::to_string(kStoreVersion)).c_str());
     EXPECT_THAT(numbers("left"), testing::IsEmpty());
+}
+
+TEST_F(StationStore, ForgetsWhatItsStreamDoesNotHaveByForceAlone)
+{
+    RunningCommand station({"station", file(simulated("left", 2))});
+    ASSERT_TRUE(station.waitForError("left: has no more sheets"));
+    station.signal(SIGTERM);
+    EXPECT_EQ(station.finish().status, 0);
+    SentMark(store_).want(true);
+    EXPECT_EQ(runCommand({"sheets", store_, "--forget", "--before", "2999-01-01"}).errors,
+              "kelreader: 0 sheets forgotten.\n"
+              "kelreader: 2 sheets and reports stay: the stream does not have them yet. Let the station send them "
+              "first, or use --force.\n");
+    EXPECT_THAT(numbers("left"), testing::ElementsAre(1, 2));
+    EXPECT_EQ(runCommand({"sheets", store_, "--forget", "--before", "2999-01-01", "--force"}).errors,
+              "kelreader: 2 sheets forgotten.\n");
+    EXPECT_THAT(numbers("left"), testing::IsEmpty());
+    EXPECT_EQ(runCommand({"sheets", store_, "--force"}).status, 2);
 }
 
 TEST_F(StationStore, BringsAStoreOfAnOlderVersionUpToDate)
