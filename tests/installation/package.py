@@ -83,7 +83,7 @@ ADDED = (
     f"useradd --system --user-group --groups dialout --home-dir {HOME} --no-create-home"
     f" --shell /usr/sbin/nologin --comment Stations of optical mark readers {USER}"
 )
-FOLDER = "install -d -m 755 /etc/kelreader"
+FOLDERS = ["install -d -m 755 /etc/kelreader", f"install -d -m 750 -o {USER} -g {USER} {HOME}"]
 STOPPED = "systemctl stop kelreader-station@* kelreader-collect@*"
 NEEDED = ["systemctl daemon-reload", "systemctl try-restart kelreader-station@* kelreader-collect@*"]
 
@@ -170,7 +170,7 @@ def faults_of_scripts(control):
     ]
     for has_systemd in (False, True):
         for programs, has_user, user in users:
-            calls = [*user, FOLDER, *(NEEDED if has_systemd else [])]
+            calls = [*user, *FOLDERS, *(NEEDED if has_systemd else [])]
             yield from faults_of_script(control / "postinst", ["configure"], programs, has_user, has_systemd, calls)
         stopped = [STOPPED] if has_systemd else []
         yield from faults_of_script(control / "prerm", ["remove"], usual, True, has_systemd, stopped)
