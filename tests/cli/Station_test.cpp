@@ -84,6 +84,36 @@ TEST_F(StationCommand, TouchesOnlyTheReadersThatChanged)
     EXPECT_EQ(countOf(outcome.errors, "left: is stopped."), 1U);
 }
 
+TEST_F(StationCommand, TakesAnotherStoreAtItsNextStartAlone)
+{
+    const std::string path = file(simulated("left", 1));
+    RunningCommand station({"station", path});
+    ASSERT_TRUE(station.waitForError("left: has no more sheets"));
+    folder_.write("station.json", R"({"station": "hall", "store": "other.db", "socket": "hall.db-socket",
+        "retry": {"first": 0.05, "longest": 0.1}, "readers": [)" +
+                                      simulated("left", 1) + "]}");
+    station.signal(SIGHUP);
+    ASSERT_TRUE(station.waitForError("Settings of the station as a whole have changed; they take effect at the next "
+                                     "start."));
+    EXPECT_EQ(state()["store"], store_);
+    station.signal(SIGTERM);
+    EXPECT_EQ(countOf(station.finish().errors, "left: is stopped."), 1U);
+    EXPECT_FALSE(std::filesystem::exists(folder_.file("other.db")));
+}
+
+TEST_F(StationCommand, GivesAdviceWhateverTheLanguage)
+{
+    RunningCommand station({"station", "--language", "German", file(R"({"name": "left", "model": 13,
+        "simulate": {"unlimited": true, "count": 2, "faults": ["jam@sheet=1"]},
+        "set": {"SleepTime": 1, "Timeout": 600}})")});
+    ASSERT_TRUE(station.waitForError("Clear the sheet path and read the sheet again."));
+    const Json left = state()["readers"][0];
+    EXPECT_EQ(left["advice"], "Clear the sheet path and read the sheet again.");
+    EXPECT_THAT(left["problem"].get<std::string>(), AllOf(Not(HasSubstr("Reader Fault")), HasSubstr("(basScantron.")));
+    station.signal(SIGTERM);
+    EXPECT_EQ(station.finish().status, 0);
+}
+
 TEST_F(StationCommand, ShowsItsStateToItsUserAndGroup)
 {
     RunningCommand station({"station", file(simulated("left", 2))});
@@ -296,6 +326,8 @@ TEST_F(StationCommand, ChecksAFile)
     EXPECT_EQ(wrong.status, 2);
     EXPECT_EQ(countOf(wrong.errors, "kelreader: "), 3U);
     EXPECT_FALSE(std::filesystem::exists(store_));
+    const CommandOutcome usual = runCommand({"station", "--check"});
+    EXPECT_THAT(usual.errors + usual.output, HasSubstr("/etc/kelreader/station.json: "));
 }
 
 } // namespace
