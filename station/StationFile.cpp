@@ -36,7 +36,7 @@ constexpr double kMillisecondsPerSecond = 1000;
 /// A name that may stand in a subject, in the name of a file and on a terminal.
 std::string readName(const Json& value, const JsonPlace& place)
 {
-    const std::string name = readJsonText(value, place);
+    std::string name = readJsonText(value, place);
     const auto isPlain = [](char c) {
         return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' || c == '_';
     };

@@ -42,8 +42,10 @@ std::string adviceText(const host::Failure& failure)
 /// Whether a file has no mistakes; mistakes are reported.
 bool isSound(const StationFile& file, const std::string& name)
 {
-    for (const std::string& fault : file.faults)
-        notice(name + ": " + fault);
+    for (const std::string& fault : file.faults) {
+        std::string sentence = name;
+        notice(sentence.append(": ").append(fault));
+    }
     return file.faults.empty();
 }
 
@@ -65,7 +67,7 @@ int showState(const StationArguments& arguments)
         isSound(file, arguments.file);
         return kUsageStatus;
     }
-    const std::string answer = askStation(file.plan.socket);
+    std::string answer = askStation(file.plan.socket);
     const auto text = [&] {
         if (arguments.format == "json")
             return answer;

@@ -17,7 +17,6 @@ namespace {
 using host::adviceOn;
 using host::AdviceRow;
 using host::Failure;
-using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 using testing::StartsWith;
