@@ -9,7 +9,7 @@ namespace kel::test {
 
 std::string builtVersion();           ///< the version of the component, "8.1.0"
 std::string testData();               ///< the folder tests/
-std::string componentLibrary();      ///< libKELReader81U.so
+std::string componentLibrary();       ///< libKELReader81U.so
 std::string readerProgram();          ///< kelreader
 std::string readBatchProgram();       ///< the example read_batch
 std::string scriptedOptionsProgram(); ///< the example scripted_options
