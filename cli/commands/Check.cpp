@@ -3,6 +3,7 @@
 #include "cli/Commands.h"
 #include "cli/Interrupt.h"
 #include "cli/Notice.h"
+#include "cli/ReaderOptions.h"
 #include "cli/UsageError.h"
 #include "cli/check/CheckOutput.h"
 #include "cli/check/ReportHead.h"
@@ -214,25 +215,12 @@ int run(const CheckArguments& arguments)
 void addReaderOptions(CLI::App& command, CheckArguments& arguments)
 {
     command.add_option("--model", arguments.model, "Model, by number or name");
-    CLI::Option* port =
-        command.add_option("--port", arguments.port, "Port number of the reader (see 'kelreader ports')")
-            ->type_name("N");
-    CLI::Option* device = command
-                              .add_option("--device", arguments.device,
-                                          "Device of the reader, or a remote line such as rfc2217:HOST:PORT")
-                              ->type_name("PATH")
-                              ->excludes(port);
-    command
-        .add_option("--omrapi", arguments.omrApiFile,
-                    "OMRAPI library of the USB readers' maker, if not in the usual place")
-        ->type_name("FILE");
+    const auto [port, device] = addPort(command, arguments.port, arguments.device);
+    addUsbLibrary(command, arguments.omrApiFile);
     command.add_flag("--simulate", arguments.simulate, "Checks a simulated reader")->excludes(port)->excludes(device);
     command.add_option("--form", arguments.formFile, "Form of the sheets (JSON)")->type_name("FILE");
-    command
-        .add_option("--set", arguments.assignments,
-                    "Sets a property of the reader or of its printer, such as Printer.Distance=10")
-        ->type_name("Property=Value")
-        ->allow_extra_args(false);
+    addAssignments(command, arguments.assignments,
+                   "Sets a property of the reader or of its printer, such as Printer.Distance=10");
     command.add_option("--fault", arguments.faults, "Simulates a fault; 'kelreader simulate --list-faults' lists them")
         ->type_name("FAULT")
         ->allow_extra_args(false)

@@ -2,6 +2,7 @@
 #include "cli/CommandList.h"
 #include "cli/Commands.h"
 #include "cli/Notice.h"
+#include "cli/ReaderOptions.h"
 #include "cli/SearchReports.h"
 #include "host/ModelLookup.h"
 #include "host/PropertyTable.h"
@@ -17,20 +18,21 @@ namespace {
 
 struct FirmwareArguments {
     std::string model;
-    Int16 port = PortMap::kFirstPort;
+    std::optional<Int16> port;
     std::string device;
     std::vector<std::string> assignments;
 };
 
 int run(const FirmwareArguments& arguments)
 {
+    const Int16 port = arguments.port.value_or(PortMap::kFirstPort);
     std::optional<PortOverride> line;
     if (!arguments.device.empty())
-        line.emplace(arguments.port, arguments.device);
+        line.emplace(port, arguments.device);
     clsKELReader reader;
     const SearchReports reports;
     reader.LoadDefaults(host::modelNamed(arguments.model));
-    reader.Port(arguments.port);
+    reader.Port(port);
     for (const std::string& assignment : arguments.assignments)
         host::applyAssignment(reader, assignment);
     std::string version;
@@ -56,11 +58,8 @@ void addFirmwareCommand(Commands& commands)
     CLI::App& command = commands.add("firmware", "Asks a reader for its firmware version and prints it",
                                      [arguments] { return run(*arguments); });
     command.add_option("--model", arguments->model, "Model number, name, or part of the name")->required();
-    CLI::Option* port = command.add_option("--port", arguments->port, "Port number of the reader, 1 to 16");
-    command.add_option("--device", arguments->device, "Device of the reader, such as /dev/ttyUSB0")->excludes(port);
-    command.add_option("--set", arguments->assignments, "Sets a property of the reader, such as a line setting")
-        ->type_name("Property=Value")
-        ->allow_extra_args(false);
+    addPort(command, arguments->port, arguments->device);
+    addAssignments(command, arguments->assignments, "Sets a property of the reader, such as a line setting");
 }
 
 } // namespace kel

@@ -2,6 +2,7 @@
 #include "cli/CommandList.h"
 #include "cli/Commands.h"
 #include "cli/Notice.h"
+#include "cli/ReaderOptions.h"
 #include "cli/SearchReports.h"
 #include "host/ModelLookup.h"
 #include "host/PropertyTable.h"
@@ -49,9 +50,7 @@ void addLocateCommand(Commands& commands)
                                      [arguments] { return run(*arguments); });
     command.add_option("--model", arguments->model, "Model number, name, or part of the name")->required();
     command.add_option("--port", arguments->startPort, "Port to search first, 1 to 16");
-    command.add_option("--set", arguments->assignments, "Sets a property of the reader, such as a line setting")
-        ->type_name("Property=Value")
-        ->allow_extra_args(false);
+    addAssignments(command, arguments->assignments, "Sets a property of the reader, such as a line setting");
 }
 
 } // namespace kel

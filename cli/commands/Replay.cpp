@@ -4,6 +4,7 @@
 #include "cli/Commands.h"
 #include "cli/Interrupt.h"
 #include "cli/Notice.h"
+#include "cli/ReaderOptions.h"
 #include "cli/ScanOutput.h"
 #include "cli/UsageError.h"
 #include "host/JsonFile.h"
@@ -67,9 +68,7 @@ void addReplayCommand(Commands& commands)
         ->required()
         ->type_name("FILE");
     command.add_option("--form", arguments->formFile, "Form to use instead of the recorded one")->type_name("FILE");
-    command.add_option("--set", arguments->assignments, "Sets a property of the reader after the recorded settings")
-        ->type_name("Property=Value")
-        ->allow_extra_args(false);
+    addAssignments(command, arguments->assignments, "Sets a property of the reader after the recorded settings");
     addFormat(command, arguments->format, {"json", "csv", "table"});
     command.add_flag("--fields", arguments->fields,
                      "Prints the columns that the form names instead of the marks; with json and csv");

@@ -3,6 +3,7 @@
 #include "cli/Commands.h"
 #include "cli/InterruptWatch.h"
 #include "cli/Notice.h"
+#include "cli/ReaderOptions.h"
 #include "cli/ScanOutput.h"
 #include "cli/ScanStore.h"
 #include "cli/SimulatorArguments.h"
@@ -198,32 +199,18 @@ void addReaderOptions(CLI::App& command, ScanArguments& arguments)
         .add_option("--settings", arguments.settings,
                     "Uses the settings saved under a key instead of the model's defaults")
         ->type_name("HIVE\\SUBKEY");
-    CLI::Option* port =
-        command.add_option("--port", arguments.port, "Port number of the reader (see 'kelreader ports')")
-            ->type_name("N");
-    CLI::Option* device = command
-                              .add_option("--device", arguments.device,
-                                          "Device of the reader, or a remote line such as rfc2217:HOST:PORT")
-                              ->type_name("PATH")
-                              ->excludes(port);
+    const auto [port, device] = addPort(command, arguments.port, arguments.device);
     CLI::Option* simulate = command.add_flag("--simulate", arguments.simulate, "Reads from a simulated reader")
                                 ->excludes(port)
                                 ->excludes(device);
     command.add_option("--form", arguments.formFile, "Form of the sheets (JSON)")->type_name("FILE");
-    command
-        .add_option("--omrapi", arguments.omrApiFile,
-                    "OMRAPI library of the USB readers' maker, if not in the usual place")
-        ->type_name("FILE")
-        ->excludes(simulate);
+    addUsbLibrary(command, arguments.omrApiFile)->excludes(simulate);
     command
         .add_option("--answer-key", arguments.answerKeyFile,
                     "Answer key (JSON) for a reader that grades the sheets itself")
         ->type_name("FILE");
-    command
-        .add_option("--set", arguments.assignments,
-                    "Sets a property of the reader or of its printer, such as Printer.Distance=10")
-        ->type_name("Property=Value")
-        ->allow_extra_args(false);
+    addAssignments(command, arguments.assignments,
+                   "Sets a property of the reader or of its printer, such as Printer.Distance=10");
 }
 
 void addSheetOptions(CLI::App& command, ScanArguments& arguments)
