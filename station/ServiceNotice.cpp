@@ -21,9 +21,8 @@ std::string_view variable(const char* name)
     return value ? value : "";
 }
 
-} // namespace
-
-void tellServiceManager(const std::string& state)
+/// Sends a notice; `flags` are those of send().
+void send(std::string_view state, int flags)
 {
     const std::string_view place = variable("NOTIFY_SOCKET");
     sockaddr_un address{};
@@ -34,8 +33,21 @@ void tellServiceManager(const std::string& state)
     if (place.front() == '@')
         address.sun_path[0] = '\0'; // a name that is no file's
     const FileDescriptor socket(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0));
-    ::sendto(socket.number(), state.data(), state.size(), MSG_NOSIGNAL, reinterpret_cast<const sockaddr*>(&address),
+    ::sendto(socket.number(), state.data(), state.size(), MSG_NOSIGNAL | flags,
+             reinterpret_cast<const sockaddr*>(&address),
              static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + place.size()));
+}
+
+} // namespace
+
+void tellServiceManager(const std::string& state)
+{
+    send(state, 0);
+}
+
+void feedWatchdog()
+{
+    send("WATCHDOG=1", MSG_DONTWAIT);
 }
 
 std::optional<std::chrono::milliseconds> watchdogPeriod()

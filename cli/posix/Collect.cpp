@@ -42,7 +42,7 @@ int run(const CollectArguments& arguments)
         .tell = &notice, .pause = [&](std::chrono::milliseconds pause) {
             do {
                 if (const auto now = std::chrono::steady_clock::now(); watchdog && now - told >= *watchdog / 2) {
-                    tellServiceManager("WATCHDOG=1");
+                    feedWatchdog();
                     told = now;
                 }
                 const std::chrono::milliseconds step = watchdog ? std::min(pause, *watchdog) : pause;

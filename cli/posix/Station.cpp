@@ -168,7 +168,7 @@ void lookAfter(const StationServers& servers, const StateSocket& socket, const S
             [&] { return ::poll(handles, std::size(handles), watchdog ? static_cast<int>(watchdog->count()) : -1); });
         // A station whose state cannot be had is stuck, and does not say that it lives.
         const std::string state = jsonText(jsonState(servers.state())) + "\n";
-        tellServiceManager("WATCHDOG=1");
+        feedWatchdog();
         if (handles[1].revents != 0)
             socket.answer(state);
         while (const int signal = signals.next()) {

@@ -35,6 +35,18 @@ public:
     ServiceManager(const ServiceManager&) = delete;
     ServiceManager& operator=(const ServiceManager&) = delete;
 
+    /// Lets the queue of notices be full: whoever sends one waits.
+    void fillUp() const
+    {
+        sockaddr_un address{};
+        socklen_t size = sizeof address;
+        ASSERT_EQ(::getsockname(socket_, reinterpret_cast<sockaddr*>(&address), &size), 0);
+        const int sender = ::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+        while (::sendto(sender, "", 0, MSG_DONTWAIT, reinterpret_cast<const sockaddr*>(&address), size) == 0) {
+        }
+        ::close(sender);
+    }
+
     /// The next one, which is empty if none comes.
     [[nodiscard]] std::string next() const
     {
@@ -47,6 +59,21 @@ public:
 private:
     int socket_ = ::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
 };
+
+TEST_F(StationCommand, DoesNotWaitForAServiceManagerThatIsSlowToRead)
+{
+    const ServiceManager manager(folder_.file("notify"));
+    RunningCommand station({"station", file(simulated("left", 0))});
+    EXPECT_EQ(manager.next(), "READY=1");
+    manager.fillUp();
+    EXPECT_EQ(state()["readers"].size(), 1U);
+    for (int unread = 0; unread < 2;)
+        unread += manager.next() == "WATCHDOG=1" ? 1 : 0;
+    station.signal(SIGTERM);
+    while (manager.next() != "STOPPING=1") {
+    }
+    EXPECT_EQ(station.finish().status, 0);
+}
 
 TEST_F(StationCommand, TellsTheServiceManagerThatItIsReadyLivesAndStops)
 {
