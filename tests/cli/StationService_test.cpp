@@ -67,11 +67,9 @@ TEST_F(StationCommand, DoesNotWaitForAServiceManagerThatIsSlowToRead)
     EXPECT_EQ(manager.next(), "READY=1");
     manager.fillUp();
     EXPECT_EQ(state()["readers"].size(), 1U);
-    for (int unread = 0; unread < 2;)
-        unread += manager.next() == "WATCHDOG=1" ? 1 : 0;
+    ASSERT_TRUE(waitUntil([&] { return manager.next() == "WATCHDOG=1"; }));
     station.signal(SIGTERM);
-    while (manager.next() != "STOPPING=1") {
-    }
+    ASSERT_TRUE(waitUntil([&] { return manager.next() == "STOPPING=1"; }));
     EXPECT_EQ(station.finish().status, 0);
 }
 
