@@ -25,6 +25,7 @@ import tempfile
 import termios
 import time
 import tty
+from concurrent.futures import ThreadPoolExecutor
 from pathlib import Path
 
 from stream_servers import PATIENCE, Servers, miscounted, report, wait_for
@@ -245,8 +246,8 @@ def main():
         each = options.sheets // options.readers
         readers = []
         try:
-            for number in range(options.readers):
-                readers.append(Reader(program, folder, number, each))
+            with ThreadPoolExecutor(options.readers) as pool: # each reads its sheets once, which takes minutes
+                readers.extend(pool.map(lambda number: Reader(program, folder, number, each), range(options.readers)))
             wait_for(lambda: all(reader.device.exists() for reader in readers), "making the lines")
             kills, unanswered = kill_again_and_again(program, folder, readers, options.kills, random.Random(options.seed),
                                                stream)
