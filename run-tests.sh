@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# Installs what is missing, builds for Windows in both widths, builds under the address and undefined-behaviour sanitizers,
-# and runs all tests.
+# Installs what is missing, builds for Windows in both widths, builds with g++ as packages are made, and with clang under the
+# address and undefined-behaviour sanitizers, and runs all tests.
 # Usage: ./run-tests.sh [arguments of ctest]
 set -euo pipefail
 cd "$(dirname "$0")"
@@ -27,8 +27,10 @@ done
 
 widths="64;32"
 wait "$wine" || widths=64
-configure asan -DKEL_WINDOWS_BUILD="$PWD/build/windows" -DKEL_WINDOWS32_BUILD="$PWD/build/windows32" \
-    -DKEL_WINE_ROOT="$(cat build/wine.root)" -DKEL_WINE_WIDTHS="$widths"
+configure gnu
+cmake --build --preset gnu --parallel "$(nproc)"
+configure asan -DKEL_GNU_BUILD="$PWD/build/gnu" -DKEL_WINDOWS_BUILD="$PWD/build/windows" \
+    -DKEL_WINDOWS32_BUILD="$PWD/build/windows32" -DKEL_WINE_ROOT="$(cat build/wine.root)" -DKEL_WINE_WIDTHS="$widths"
 cmake --build --preset asan --parallel "$(nproc)"
 
 status=0

@@ -10,7 +10,6 @@ and with three replicas a collector collects it.
 """
 
 import argparse
-import contextlib
 import json
 import os
 import random
@@ -22,7 +21,8 @@ import time
 from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).resolve().parents[1] / "scripts"))
-from stream_servers import PATIENCE, Servers, wait_for
+from store_rows import number_in
+from stream_servers import Servers, wait_for
 
 ROWS, COLUMNS = 63, 48
 STREAM = "KELREADER"
@@ -65,15 +65,6 @@ def figure(name, place, sheets, readers, marks):
     begin = time.monotonic()
     last = wait_for(lambda: (now := place()) >= sheets and now, "the last sheet")
     return {"name": name, "sheets_per_second": (last - first) / (time.monotonic() - begin), "readers": readers, "marks": marks}
-
-
-def number_in(store, query):
-    """What a store answers; nothing as long as it is being made."""
-    try:
-        with contextlib.closing(sqlite3.connect(f"file:{store}?mode=ro", uri=True, timeout=PATIENCE)) as database:
-            return database.execute(query).fetchone()[0]
-    except sqlite3.OperationalError:
-        return 0
 
 
 def measure(program, name, count, readers, sheets, marks):

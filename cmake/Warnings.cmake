@@ -16,12 +16,24 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_L
         target_compile_options(kel_options INTERFACE "$<$<NOT:$<CONFIG:Debug>>:${bounds}>")
     endif()
 endif()
+if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+    # To g++ a change of sign is no conversion.
+    target_compile_options(kel_options INTERFACE -Wno-sign-conversion)
+endif()
 if(KEL_SANITIZE)
     target_compile_options(kel_options INTERFACE -fsanitize=${KEL_SANITIZE} -fno-omit-frame-pointer
                            -fno-sanitize-recover=all)
     if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
         # Under the sanitizers g++ 12 takes parts of the standard library for uninitialized: its bug 105562.
         target_compile_options(kel_options INTERFACE -Wno-maybe-uninitialized)
+    endif()
+    if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+        # A program that takes a table of types from a library has not defined it twice; and a module knows the types of
+        # the component by their layout alone, since they are not exported.
+        target_compile_options(kel_options INTERFACE -fsanitize-address-use-odr-indicator -fno-sanitize=function,vptr)
+    endif()
+    if(KEL_SANITIZE MATCHES "address")
+        target_compile_definitions(kel_options INTERFACE KEL_WATCHES_ADDRESSES)
     endif()
     target_link_options(kel_options INTERFACE -fsanitize=${KEL_SANITIZE})
 endif()

@@ -13,7 +13,7 @@
 #include <string>
 #include <vector>
 
-#ifdef __SANITIZE_ADDRESS__
+#ifdef KEL_WATCHES_ADDRESSES
 #include <sanitizer/common_interface_defs.h>
 #endif
 
@@ -50,7 +50,7 @@ void tellInput()
 void tellInputAtTheEnd()
 {
     std::signal(SIGABRT, [](int) { tellInput(); });
-#ifdef __SANITIZE_ADDRESS__
+#ifdef KEL_WATCHES_ADDRESSES
     __sanitizer_set_death_callback(tellInput);
 #endif
 }

@@ -40,7 +40,7 @@ public:
     static void leave(WayBack& place) noexcept;
 
 private:
-    WayBack& place_;
+    [[maybe_unused]] WayBack& place_; // not every system needs it again
 };
 
 } // namespace kel::detail

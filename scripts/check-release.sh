@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: MIT
 # What is too long for every run of the tests, before a release. Each part prints what it counted, and ends the script
 # when it fails.
-# Usage: scripts/check-release.sh [pty] [sweep] [cycles] [scarce] [threads] [stream] [windows] [demo] [fuzz]
+# Usage: scripts/check-release.sh [pty] [sweep] [cycles] [scarce] [threads] [gnu] [stream] [windows] [demo] [fuzz]
 #        [tidy] (default: all)
 #
 #   pty      all sessions over a pseudo-terminal and with hostile servers; the tests run a sample of them
@@ -10,6 +10,7 @@
 #   cycles   ten thousand starts and ends of a session a family, under the leak checker
 #   scarce   the command with little memory, no room for files, no threads, no descriptors, no processor time
 #   threads  64 threads at once under the thread sanitizer
+#   gnu      faults of the processor and the Python package, in code of g++ under the sanitizers
 #   stream   a station that is killed 200 times while it stores and sends 10,000 sheets, and three servers of a stream that
 #            are killed, frozen and stopped in ten rounds; KEL_KILLS, KEL_SHEETS and KEL_ROUNDS are other numbers
 #   windows  the command of 64 bits for Windows; the tests have that of 32
@@ -22,7 +23,7 @@ cd "$(dirname "$0")/.."
 
 fail() { echo "check-release.sh: $*" >&2; exit 1; }
 parts=("$@")
-[ ${#parts[@]} -gt 0 ] || parts=(pty sweep cycles scarce threads stream windows demo fuzz tidy)
+[ ${#parts[@]} -gt 0 ] || parts=(pty sweep cycles scarce threads gnu stream windows demo fuzz tidy)
 
 # Configures a preset, and builds some of its targets.
 build() {
@@ -63,6 +64,13 @@ check_scarce() {
 check_threads() {
     build tsan kel_thread_stress
     TSAN_OPTIONS=halt_on_error=1 build/tsan/bin/kel_thread_stress
+}
+check_gnu() {
+    local folder=build/gnu-sanitized log=build/check-release-gnu.log
+    { cmake --preset gnu -B "$folder" -DKEL_SANITIZE=address,undefined &&
+        cmake --build "$folder" --parallel "$(nproc)" && ctest --test-dir "$folder"; } >"$log" 2>&1 ||
+        { tail -n 40 "$log" >&2; fail "the code of g++ fails; the log is $log"; }
+    echo "  $(grep 'tests passed' "$log")"
 }
 check_stream() {
     local log sheets=${KEL_SHEETS:-10000}

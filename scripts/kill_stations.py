@@ -5,8 +5,8 @@
 Each sheet is random, and no two are the same. A reader gets the command to feed the next sheet once the station has
 answered for the last one. So the readers are witnesses: of the sheets that a reader fed for a station, only the last may
 be missing, if the station was killed before it asked for the next one, which the trace of the session shows; each other one
-was answered for, and is in the store once. The store is read without the program that wrote it. With --stream the station also sends to a stream: what is in the store is in the stream once,
-and comes out of it once.
+was answered for, and is in the store once. The store is read without the program that wrote it. With --stream the station
+also sends to a stream: what is in the store is in the stream once, and comes out of it once.
 
 Usage: kill_stations.py KELREADER [--readers N] [--sheets N] [--kills N] [--seed N] [--stream]
 """
@@ -28,6 +28,7 @@ import tty
 from concurrent.futures import ThreadPoolExecutor
 from pathlib import Path
 
+from store_rows import number_in, query
 from stream_servers import PATIENCE, Servers, miscounted, report, wait_for
 
 MODEL = "13"
@@ -118,26 +119,17 @@ def write_file(folder, readers, stream):
 
 def stored(folder, name="store.db"):
     """How many sheets a store holds."""
-    store = folder / name
-    if not store.exists():
-        return 0
-    with sqlite3.connect(store, timeout=30) as database:
-        try:
-            return database.execute("SELECT count(*) FROM sheet").fetchone()[0]
-        except sqlite3.OperationalError:
-            return 0 # it is being made
+    return number_in(folder / name, "SELECT count(*) FROM sheet")
 
 
 def unsent(folder):
     """How many sheets and reports of the store the stream does not have."""
-    with sqlite3.connect(folder / "store.db", timeout=30) as database:
-        return database.execute("SELECT last - sent FROM store").fetchone()[0]
+    return number_in(folder / "store.db", "SELECT last - sent FROM store")
 
 
 def last_stored(folder, reader):
     """Which sheet of a reader was stored last, in a set; an empty one if there is none."""
-    with sqlite3.connect(folder / "store.db", timeout=30) as database:
-        rows = database.execute("SELECT side1 FROM sheets WHERE reader = ? ORDER BY id DESC LIMIT 1", (reader.name,)).fetchall()
+    rows = query(folder / "store.db", "SELECT side1 FROM sheets WHERE reader = ? ORDER BY id DESC LIMIT 1", reader.name)
     return {reader.expected.get(marks_of(json.loads(side))) for side, in rows}
 
 
@@ -180,14 +172,9 @@ def kill_again_and_again(program, folder, readers, kills, chance, stream):
 SENT = "id <= (SELECT sent FROM main.store)"
 
 
-def number_in(database, rows):
-    return database.execute(f"SELECT count(*) FROM {rows}").fetchone()[0]
-
-
 def faults_of_stream(program, folder, servers):
     """What is wrong with the stream and with what comes out of it."""
-    with sqlite3.connect(folder / "store.db") as database:
-        sheets = number_in(database, f"sheet WHERE {SENT}")
+    sheets = number_in(folder / "store.db", f"SELECT count(*) FROM sheet WHERE {SENT}")
     with subprocess.Popen([program, "collect", "--from", servers.all[0].url, "--store", folder / "all.db"],
                           stderr=subprocess.DEVNULL) as collector:
         wait_for(lambda: stored(folder, "all.db") >= sheets, "collecting the last sheet")
@@ -196,10 +183,11 @@ def faults_of_stream(program, folder, servers):
     with sqlite3.connect(folder / "store.db") as database:
         database.execute("ATTACH ? AS other", (str(folder / "all.db"),))
         rows = "SELECT identity, number, side1 FROM"
-        lost = number_in(database, f"({rows} sheet WHERE {SENT} EXCEPT {rows} other.sheet)")
-        others = number_in(database, f"({rows} other.sheet EXCEPT {rows} sheet)")
-        marked = number_in(database, f"sheet WHERE {SENT}") + number_in(database, f"failure WHERE {SENT}")
-        entries = number_in(database, "sheet") + number_in(database, "failure")
+        lost, others, marked, entries = (database.execute(f"SELECT count(*) FROM {what}").fetchone()[0] for what in (
+            f"({rows} sheet WHERE {SENT} EXCEPT {rows} other.sheet)",
+            f"({rows} other.sheet EXCEPT {rows} sheet)",
+            f"(SELECT id FROM sheet UNION ALL SELECT id FROM failure) WHERE {SENT}",
+            "(SELECT id FROM sheet UNION ALL SELECT id FROM failure)"))
     if lost or others:
         faults.append(f"{lost} of {sheets} sheets did not come out of the stream as they went in, and {others} others did")
     return faults + miscounted(marked, servers.messages("KELREADER"), entries)
@@ -207,8 +195,7 @@ def faults_of_stream(program, folder, servers):
 
 def count(folder, readers, unanswered):
     """What is wrong with the store, and how many sheets are missing for which no station had answered."""
-    with sqlite3.connect(folder / "store.db") as database:
-        rows = database.execute("SELECT reader, number, side1 FROM sheets ORDER BY id").fetchall()
+    rows = query(folder / "store.db", "SELECT reader, number, side1 FROM sheets ORDER BY id")
     faults = []
     lost = 0
     for reader in readers:

@@ -14,13 +14,13 @@ import argparse
 import collections
 import json
 import os
-import sqlite3
 import subprocess
 import sys
 import tempfile
 import urllib.request
 from pathlib import Path
 
+from store_rows import number_in, query
 from stream_servers import PATIENCE, Servers, miscounted, report, wait_for
 
 STREAM = "KELREADER"
@@ -53,18 +53,11 @@ class Run:
                          [program, "collect", "--from", ",".join(servers.urls), "--store", folder / "all.db"]]
         self.processes = [subprocess.Popen(command, stderr=log) for command, log in zip(self.commands, self.logs)]
 
-    def rows(self, store, query):
-        path = self.folder / store
-        if not path.exists():
-            return []
-        with sqlite3.connect(path, timeout=PATIENCE) as database:
-            try:
-                return database.execute(query).fetchall()
-            except sqlite3.OperationalError:
-                return [] # it is being made
+    def rows(self, store, text):
+        return query(self.folder / store, text)
 
     def collected(self):
-        return (self.rows("all.db", "SELECT count(*) FROM sheet") or [(0,)])[0][0]
+        return number_in(self.folder / "all.db", "SELECT count(*) FROM sheet")
 
     def wait_progress(self):
         """Until some more sheets have come through, or all have."""

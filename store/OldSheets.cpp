@@ -86,12 +86,7 @@ private:
         }
     }
 
-    [[nodiscard]] std::int64_t freePages()
-    {
-        SqliteStatement statement(database_, "PRAGMA freelist_count");
-        SqliteStatement::Run row(statement);
-        return row.next() ? row.numberAt(0) : 0;
-    }
+    [[nodiscard]] std::int64_t freePages() { return database_.numberOf("PRAGMA freelist_count"); }
 
     template <class Work>
     void inPortion(Work&& work)

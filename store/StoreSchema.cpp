@@ -97,16 +97,9 @@ constexpr const char* kSteps[] = {
 };
 static_assert(std::size(kSteps) == kStoreVersion);
 
-std::int64_t numberOf(SqliteDatabase& database, const char* pragma)
-{
-    SqliteStatement statement(database, pragma);
-    SqliteStatement::Run run(statement);
-    return run.next() ? run.numberAt(0) : 0;
-}
-
 std::int64_t versionOf(SqliteDatabase& database)
 {
-    return numberOf(database, "PRAGMA user_version");
+    return database.numberOf("PRAGMA user_version");
 }
 
 /// The version of a store that this program may have written, or 0 for an empty file.
@@ -116,8 +109,8 @@ std::int64_t knownVersion(SqliteDatabase& database, const std::filesystem::path&
     if (std::filesystem::file_size(file, error) > 0 && !error)
         database.demandOwnFile(); // SQLite would find a beginning in the log
     const std::int64_t version = versionOf(database);
-    const bool isEmpty = numberOf(database, "SELECT count(*) FROM sqlite_schema") == 0;
-    if (!isEmpty && numberOf(database, "PRAGMA application_id") != kApplication)
+    const bool isEmpty = database.numberOf("SELECT count(*) FROM sqlite_schema") == 0;
+    if (!isEmpty && database.numberOf("PRAGMA application_id") != kApplication)
         throw StoreProblem("The file " + file.string() + " is a database, but no store of sheets; name another one.");
     if (version > kStoreVersion)
         throw StoreProblem("The store " + file.string() + " has version " + std::to_string(version) +

@@ -182,7 +182,7 @@ FoundSheets StoredSheets::find(const SheetSearch& search, std::int64_t before, s
     FoundSheets found;
     onStore(file_, [&] {
         if (before == 0)
-            before = numberOf("SELECT ifnull(max(id), 0) + 1 FROM sheet");
+            before = database_.numberOf("SELECT ifnull(max(id), 0) + 1 FROM sheet");
         const std::int64_t end = std::max<std::int64_t>(before - kLookedAtMost, 1);
         const std::string barcode = writtenPart(search.barcode);
         SqliteStatement query(database_, kSearch);
@@ -221,7 +221,7 @@ std::optional<Entry> StoredSheets::sheet(std::int64_t id)
 std::int64_t StoredSheets::lastId()
 {
     std::int64_t last = 0;
-    onStore(file_, [&] { last = numberOf("SELECT last FROM store"); });
+    onStore(file_, [&] { last = database_.numberOf("SELECT last FROM store"); });
     return last;
 }
 
@@ -241,13 +241,6 @@ std::vector<StoredBatch> StoredSheets::batches(std::size_t most)
                              .sheets = rows.numberAt(3)});
     });
     return found;
-}
-
-std::int64_t StoredSheets::numberOf(const char* query)
-{
-    SqliteStatement statement(database_, query);
-    SqliteStatement::Run row(statement);
-    return row.next() ? row.numberAt(0) : 0;
 }
 
 std::optional<Entry> StoredSheets::sheetOf(std::int64_t id, const Damaged& damaged)

@@ -89,7 +89,6 @@ private:
     [[nodiscard]] std::optional<EntryTexts> sheetTexts(std::int64_t id);
     [[nodiscard]] std::optional<EntryTexts> failureTexts(std::int64_t id);
     [[nodiscard]] bool isWhole(std::int64_t id, const Damaged& damaged, const std::function<void()>& read) const;
-    [[nodiscard]] std::int64_t numberOf(const char* query);
 
     std::filesystem::path file_;
     SqliteDatabase database_;

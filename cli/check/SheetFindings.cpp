@@ -303,11 +303,11 @@ Cause causeOfPace(const Pace& pace, double character)
     constexpr double kLeastDeviation = 0.008;
     constexpr double kMostDeviation = 0.07; // a byte with a stop bit more or less differs by more
     constexpr double kStopBit = 0.13;
-    constexpr double kErrors = 4;
+    constexpr double kStandardErrors = 4;
     if (pace.lump > 0)
         return Cause::Lumps;
     const double deviation = pace.character / character - 1;
-    const bool sure = std::abs(deviation) > kErrors * pace.standardError / character;
+    const bool sure = std::abs(deviation) > kStandardErrors * pace.standardError / character;
     if (!sure || std::abs(deviation) < kLeastDeviation || std::abs(deviation) > kStopBit)
         return Cause::None;
     return std::abs(deviation) < kMostDeviation ? Cause::ClockOff : Cause::WrongStopBits;

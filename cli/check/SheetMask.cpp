@@ -95,9 +95,10 @@ std::string maskedSheet(kelReaderType model, const std::string& sent, std::strin
     case Dialect::PeripheralDynamics: return maskedHalfRows(std::move(bytes));
     // The letter before a sheet announces it.
     case Dialect::EZData:
-    case Dialect::Chatsworth:
-        return replaced(std::move(bytes), bytes.size() > 1 && bytes[1] == '\r' ? 2 : 0,
-                        [](char c) { return c == '\r' ? c : ' '; });
+    case Dialect::Chatsworth: {
+        const std::size_t from = bytes.size() > 1 && bytes[1] == '\r' ? 2 : 0;
+        return replaced(std::move(bytes), from, [](char c) { return c == '\r' ? c : ' '; });
+    }
     case Dialect::SekonicLarge:
     case Dialect::SekonicSmall:
         if (!sent.starts_with('\x13'))
@@ -106,8 +107,7 @@ std::string maskedSheet(kelReaderType model, const std::string& sent, std::strin
     case Dialect::AppersonLine: break;
     }
     const std::size_t from = bytes.starts_with("OK") ? bytes.find('\n') : 0;
-    return replaced(std::move(bytes), std::min(from, bytes.size()),
-                    [](char c) { return isDigitOrLetter(c) ? '0' : c; });
+    return replaced(std::move(bytes), from, [](char c) { return isDigitOrLetter(c) ? '0' : c; });
 }
 
 /// Whether a sheet's marks, barcode or fields come upon a command, and not only a word that it is on its way.

@@ -82,6 +82,13 @@ void SqliteDatabase::run(const char* statements)
     check(handle(), sqlite3_exec(handle(), statements, nullptr, nullptr, nullptr));
 }
 
+std::int64_t SqliteDatabase::numberOf(const char* query)
+{
+    SqliteStatement statement(*this, query);
+    SqliteStatement::Run row(statement);
+    return row.next() ? row.numberAt(0) : 0;
+}
+
 int SqliteDatabase::changes() const noexcept
 {
     return sqlite3_changes(handle());

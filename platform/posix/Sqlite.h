@@ -49,6 +49,9 @@ public:
     /// Runs statements and drops what they give back.
     void run(const char* statements);
 
+    /// The one number that a query answers; 0 if it has no row.
+    [[nodiscard]] std::int64_t numberOf(const char* query);
+
     /// How many rows the last change touched.
     [[nodiscard]] int changes() const noexcept;
 

@@ -3,6 +3,7 @@
 
 #include "cli/Commands.h"
 #include "tests/support/Patience.h"
+#include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -11,7 +12,6 @@
 #include <cstdlib>
 #include <fcntl.h>
 #include <fstream>
-#include <iterator>
 #include <poll.h>
 #include <spawn.h>
 #include <stdexcept>
@@ -254,8 +254,7 @@ TextFile::~TextFile()
 
 std::string TextFile::text() const
 {
-    std::ifstream file(path_, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
+    return fileText(path_);
 }
 
 } // namespace kel::test

@@ -3,6 +3,7 @@
 #include "simulators/pseudo_terminal/Pty.h"
 #include "tests/cli/CommandRun.h"
 #include "tests/support/BuiltFiles.h"
+#include "tests/support/TemporaryFolder.h"
 #include "types/Enumerations.h"
 
 #include <gmock/gmock.h>
@@ -10,7 +11,6 @@
 #include <algorithm>
 #include <csignal>
 #include <filesystem>
-#include <fstream>
 #include <regex>
 #include <set>
 #include <sstream>
@@ -167,8 +167,7 @@ std::set<std::string> optionsIn(const std::string& help)
 
 TEST(ManualPage, TellsEveryCommandAndOption)
 {
-    std::ifstream file(std::filesystem::path(testData()).parent_path() / "docs" / "kelreader.1");
-    std::string page(std::istreambuf_iterator<char>(file), {});
+    std::string page = fileText(std::filesystem::path(testData()).parent_path() / "docs" / "kelreader.1");
     ASSERT_FALSE(page.empty());
     page = std::regex_replace(page, std::regex("\\\\-"), "-");
 

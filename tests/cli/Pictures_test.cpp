@@ -5,7 +5,6 @@
 #include <gmock/gmock.h>
 
 #include <fstream>
-#include <sstream>
 
 namespace kel::test {
 namespace {
@@ -19,12 +18,7 @@ class Pictures : public testing::Test {
 protected:
     [[nodiscard]] std::filesystem::path inside(const std::string& name) const { return folder_.path() / name; }
 
-    [[nodiscard]] std::string textOf(const std::string& name) const
-    {
-        std::ostringstream text;
-        text << std::ifstream(inside(name)).rdbuf();
-        return text.str();
-    }
+    [[nodiscard]] std::string textOf(const std::string& name) const { return fileText(inside(name)); }
 
     TemporaryFolder folder_;
 };

@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "tests/cli/StationCommandTest.h"
 #include "tests/support/Patience.h"
+#include "tests/support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
 
 #include <csignal>
-#include <fstream>
 #include <map>
-#include <sstream>
 
 namespace kel::test {
 namespace {
@@ -44,12 +43,7 @@ protected:
                     more + "}}");
     }
 
-    [[nodiscard]] std::string trace() const
-    {
-        std::ostringstream text;
-        text << std::ifstream(folder_.file("trace")).rdbuf();
-        return text.str();
-    }
+    [[nodiscard]] std::string trace() const { return fileText(folder_.file("trace")); }
 };
 
 TEST_F(AStationWithAnAnswerKey, LoadsItAndTheNextOneAfterAReload)

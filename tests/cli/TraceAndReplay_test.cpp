@@ -8,13 +8,12 @@
 #include "simulators/platform/SimulatedPlatform.h"
 #include "tests/cli/CommandRun.h"
 #include "tests/support/BuiltFiles.h"
+#include "tests/support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
 
 #include <filesystem>
-#include <fstream>
 #include <regex>
-#include <sstream>
 
 namespace kel::test {
 namespace {
@@ -25,14 +24,6 @@ using testing::IsEmpty;
 using testing::StartsWith;
 
 using Words = std::vector<std::string>;
-
-std::string fileText(const std::filesystem::path& file)
-{
-    std::ifstream input(file);
-    std::stringstream text;
-    text << input.rdbuf();
-    return text.str();
-}
 
 /// A session's events as lines; the number of a failing statement is that of the control in use.
 std::vector<std::string> hold(clsKELReader& reader, const host::Request& request,

@@ -130,6 +130,8 @@ TEST(EveryGuard, OfTheComponentIsInATable)
     }
     EXPECT_THAT(missing, IsEmpty()) << "procedures with a guard that no test makes fire";
 
+    if (!SteppedFault::kPossible)
+        return; // where no statement of a procedure can fail, the compiler leaves out its guard
     std::vector<std::string> gone;
     for (const auto& [procedure, cases] : guardedProcedures()) {
         if (!sources.contains(procedure))

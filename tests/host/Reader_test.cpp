@@ -10,8 +10,6 @@
 
 #include <gmock/gmock.h>
 
-#include <fstream>
-#include <sstream>
 #include <thread>
 
 namespace kel::test {
@@ -210,9 +208,7 @@ TEST_F(HostReaderTest, TraceIsReplayedToTheSameSheets)
 
         std::vector<std::vector<Mark>> marks;
     } replayed;
-    std::ostringstream text;
-    text << std::ifstream(wanted.traceFile).rdbuf();
-    host::Replay replay(text.str());
+    host::Replay replay(fileText(wanted.traceFile));
     const host::Result result = replay.read(replayed);
     EXPECT_EQ(replayed.marks, read);
     EXPECT_THAT(result.failures, IsEmpty());

@@ -8,7 +8,7 @@
 
 #include <gtest/gtest.h>
 
-#ifdef __SANITIZE_ADDRESS__
+#ifdef KEL_WATCHES_ADDRESSES
 // The compiler brings the function, and not always its header.
 extern "C" std::size_t __sanitizer_get_current_allocated_bytes();
 #endif
@@ -25,7 +25,7 @@ constexpr std::size_t kRound = 20;
 
 std::size_t heldBytes()
 {
-#ifdef __SANITIZE_ADDRESS__
+#ifdef KEL_WATCHES_ADDRESSES
     return __sanitizer_get_current_allocated_bytes();
 #else
     return 0;

@@ -1,11 +1,9 @@
 # SPDX-License-Identifier: MIT
 """What tests of streams have in common: a server, stations that send and collectors. KELREADER names the program."""
 
-import contextlib
 import json
 import os
 import signal
-import sqlite3
 import subprocess
 import sys
 import tempfile
@@ -14,21 +12,11 @@ import unittest
 from pathlib import Path
 
 sys.path.append(str(Path(__file__).resolve().parents[2] / "scripts"))
+from store_rows import query
 from stream_servers import PATIENCE, Servers, miscounted, wait_for
 
 PROGRAM = Path(os.environ["KELREADER"]).resolve()
 STREAM = "KELREADER"
-
-
-def query(store, text):
-    """What a store answers; nothing as long as it is being made."""
-    if not Path(store).exists():
-        return []
-    with contextlib.closing(sqlite3.connect(store, timeout=PATIENCE)) as database:
-        try:
-            return database.execute(text).fetchall()
-        except sqlite3.OperationalError:
-            return []
 
 
 class Command:

@@ -41,5 +41,5 @@ std::string simulatedOmrApi()
 /// With LOCPATH set, as for the locales above, newlocale of the C library keeps a copy of it at each call.
 extern "C" const char* __lsan_default_suppressions()
 {
-    return "leak:__argz_add_sep\n";
+    return "leak:argz_add_sep\n";
 }

@@ -3,11 +3,19 @@
 
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <random>
 #include <string>
 #include <system_error>
 
 namespace kel::test {
+
+/// All that a file holds.
+[[nodiscard]] inline std::string fileText(const std::filesystem::path& path)
+{
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
 
 /// A folder of its own for a test's files, gone with the object.
 class TemporaryFolder {

@@ -4,6 +4,7 @@
 #include "host/SimulatorParts.h"
 #include "profiles/ReaderModels.h"
 #include "tests/support/BuiltFiles.h"
+#include "tests/support/TemporaryFolder.h"
 
 #include <cstdlib>
 #include <filesystem>
@@ -146,9 +147,7 @@ TEST(CheckFaultTable, ThePageIsUpToDate)
     const std::filesystem::path file = std::filesystem::path(testData()).parent_path() / "docs/readers/faults.md";
     if (std::getenv("KEL_WRITE_PAGES"))
         std::ofstream(file) << pageText();
-    std::ostringstream text;
-    text << std::ifstream(file).rdbuf();
-    EXPECT_EQ(text.str(), pageText());
+    EXPECT_EQ(fileText(file), pageText());
 }
 
 class CheckHealthy : public testing::TestWithParam<kelReaderType> {};
