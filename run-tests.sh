@@ -34,7 +34,7 @@ configure asan -DKEL_GNU_BUILD="$PWD/build/gnu" -DKEL_WINDOWS_BUILD="$PWD/build/
 cmake --build --preset asan --parallel "$(nproc)"
 
 status=0
-ctest --preset asan --parallel 8 "$@" || status=$?
+ctest --preset asan --parallel 12 "$@" || status=$?
 if [ "$widths" = 64 ]; then
     tail -n 3 build/wine.log
     echo "The 32-bit Windows tests were NOT run: there is no Wine for them here. The 32-bit DLL was built and looked into."

@@ -41,6 +41,10 @@ function(kel_windows_tests width build)
         kel_windows_test(${name} ${script})
         # Their dialogues have pauses in which a simulated reader has to reply: less goes on beside them.
         set_tests_properties(${group}_${name} PROPERTIES FIXTURES_REQUIRED wine${width} PROCESSORS 3)
+        if(name MATCHES "^(com|dialog|platform)$")
+            # They show windows, and the focus is in one of all that a prefix shows.
+            set_tests_properties(${group}_${name} PROPERTIES RESOURCE_LOCK focus${width})
+        endif()
         if(name STREQUAL ports)
             set_tests_properties(${group}_${name} PROPERTIES RUN_SERIAL ON) # it opens what the others use
         endif()
