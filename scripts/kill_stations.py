@@ -139,13 +139,15 @@ def kill_again_and_again(program, folder, readers, kills, chance, stream):
     total = sum(reader.sheets for reader in readers)
     unanswered = collections.defaultdict(set)
     done = 0
-    for _ in range(kills):
+    for left in range(kills, 0, -1):
         before = stored(folder)
-        if sum(reader.last_fed() for reader in readers) >= total:
+        unread = total - sum(reader.last_fed() for reader in readers)
+        if unread <= 0:
             break
         fed = {reader.name: reader.last_fed() for reader in readers}
         station = subprocess.Popen([program, "station", file], stderr=subprocess.DEVNULL)
-        wanted = before + chance.randrange(1, max(2, 2 * total // (kills + 1)))
+        # On average half of what would use up the sheets with the last kill: some are fed while it comes.
+        wanted = before + chance.randrange(1, max(2, unread // left))
         wait_for(lambda: stored(folder) >= wanted or sum(r.last_fed() for r in readers) >= total, "reading")
         time.sleep(chance.random() * 0.3)
         station.send_signal(signal.SIGKILL)

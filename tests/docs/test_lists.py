@@ -18,10 +18,10 @@ def first_cells(head):
 
 def tests():
     """The names that the build gives its tests; those of shards without their numbers."""
-    for folder in ("tests", "fuzz", "benchmarks"):
-        for file in (ROOT / folder).rglob("CMakeLists.txt"):
-            text = file.read_text(encoding="utf-8")
-            yield from re.findall(r"^ *(?:add_test\(NAME|kel_shards\() *(\w+)", text, re.MULTILINE)
+    files = [file for folder in ("tests", "fuzz", "benchmarks") for file in (ROOT / folder).rglob("CMakeLists.txt")]
+    for file in [*files, ROOT / "cmake/BuildFixture.cmake"]:
+        text = file.read_text(encoding="utf-8")
+        yield from re.findall(r"^ *(?:add_test\(NAME|kel_shards\() *(\w+)", text, re.MULTILINE)
 
 
 class ListsTest(unittest.TestCase):

@@ -12,7 +12,7 @@ file(GLOB scripts CONFIGURE_DEPENDS ${CMAKE_CURRENT_LIST_DIR}/test_*.py)
 function(kel_windows_tests width build)
     set(group Windows${width})
     set(environment KEL_WINDOWS_BIN=${build}/bin KEL_WINDOWS_WIDTH=${width} KEL_WINDOWS_64=${KEL_WINDOWS_BUILD}
-        KEL_WINDOWS_32=${KEL_WINDOWS32_BUILD} KEL_READER_PROGRAM=$<TARGET_FILE:kelreader>
+        KEL_WINDOWS_32=${KEL_WINDOWS32_BUILD} KEL_READER_PROGRAM=${product}/bin/kelreader
         WINEPREFIX=${CMAKE_BINARY_DIR}/wine${width} PYTHONDONTWRITEBYTECODE=1)
     if(KEL_WINE_ROOT)
         list(APPEND environment KEL_WINE_ROOT=${KEL_WINE_ROOT})
