@@ -2,6 +2,7 @@
 #include "platform/posix/Sqlite.h"
 
 #include <array>
+#include <cerrno>
 #include <sqlite3.h>
 
 namespace kel {
@@ -11,7 +12,8 @@ namespace {
 void check(sqlite3* database, int result)
 {
     if (result != SQLITE_OK)
-        throw database ? SqliteFailure(sqlite3_extended_errcode(database), sqlite3_errmsg(database))
+        throw database ? SqliteFailure(sqlite3_extended_errcode(database), sqlite3_errmsg(database),
+                                       sqlite3_system_errno(database))
                        : SqliteFailure(result, sqlite3_errstr(result));
 }
 
@@ -52,8 +54,10 @@ bool SqliteFailure::isBusy() const noexcept
 
 bool SqliteFailure::isFull() const noexcept
 {
+    const int kind = code_ & 0xFF;
+    const bool isOverLimit = kind == SQLITE_IOERR && (systemError_ == EDQUOT || systemError_ == EFBIG);
     // The second: there is no room for the memory that its users share.
-    return (code_ & 0xFF) == SQLITE_FULL || code_ == SQLITE_IOERR_SHMSIZE;
+    return kind == SQLITE_FULL || code_ == SQLITE_IOERR_SHMSIZE || isOverLimit;
 }
 
 bool SqliteFailure::isConflict() const noexcept

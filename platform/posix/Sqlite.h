@@ -16,7 +16,11 @@ namespace kel {
 /// What SQLite refused.
 class SqliteFailure : public std::runtime_error {
 public:
-    SqliteFailure(int code, const std::string& text) : std::runtime_error(text), code_(code) {}
+    /// `systemError` is the errno that the system refused a file with, or 0.
+    SqliteFailure(int code, const std::string& text, int systemError = 0)
+        : std::runtime_error(text), code_(code), systemError_(systemError)
+    {
+    }
 
     /// Whether the file is no database, or one with broken contents.
     [[nodiscard]] bool isDamage() const noexcept;
@@ -24,13 +28,14 @@ public:
     [[nodiscard]] bool isAccess() const noexcept;
     /// Whether another program holds the file.
     [[nodiscard]] bool isBusy() const noexcept;
-    /// Whether the disk takes no more.
+    /// Whether the disk takes no more, or no more of this user or of this file.
     [[nodiscard]] bool isFull() const noexcept;
     /// Whether a row contradicts one that is there.
     [[nodiscard]] bool isConflict() const noexcept;
 
 private:
     int code_;
+    int systemError_;
 };
 
 /// An open database file. Every failure is a SqliteFailure.
