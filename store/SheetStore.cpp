@@ -22,6 +22,8 @@ namespace {
 
 // Nobody else writes but who forgets old sheets, a few at a time.
 constexpr int kWritePatience = 1000;
+// Changes a file only once, and then fails at once if somebody reads it.
+constexpr const char* kLogFirst = "PRAGMA journal_mode = WAL";
 constexpr mode_t kStoreMode = 0660;
 constexpr int kWritesToLookAtReserve = 100;
 
@@ -62,13 +64,14 @@ void makeFile(const std::filesystem::path& file)
                            "the name of that store with -wal after it.");
     removeFilesBeside(place);
     const std::filesystem::path made = place.string() + "-new";
-    std::filesystem::remove(made.string() + "-journal");
-    std::filesystem::remove(made);
+    for (const char* const left : {"-journal", "-wal", "-shm", ""})
+        std::filesystem::remove(made.string() + left);
     const FileDescriptor created(
         retrying([&] { return ::open(made.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, kStoreMode); }));
     {
         SqliteDatabase database(made, SqliteDatabase::Mode::Shared, kWritePatience);
         prepareStore(database, made);
+        database.run(kLogFirst); // as long as nobody reads it
     }
     std::filesystem::rename(made, place);
     const std::filesystem::path folder = place.has_parent_path() ? place.parent_path() : std::filesystem::path(".");
@@ -173,7 +176,8 @@ private:
     static bool prepared(SqliteDatabase& database, const std::filesystem::path& file)
     {
         prepareStore(database, file);
-        database.run("PRAGMA journal_mode = WAL; PRAGMA synchronous = FULL; PRAGMA foreign_keys = ON");
+        database.run(kLogFirst);
+        database.run("PRAGMA synchronous = FULL; PRAGMA foreign_keys = ON");
         return true;
     }
 

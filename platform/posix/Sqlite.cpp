@@ -9,12 +9,25 @@ namespace kel {
 
 namespace {
 
+/// With what the system has refused a write to the database, or to its log.
+int systemError(sqlite3* database)
+{
+    int error = 0;
+    for (const int which : {SQLITE_FCNTL_FILE_POINTER, SQLITE_FCNTL_JOURNAL_POINTER}) {
+        sqlite3_file* file = nullptr;
+        sqlite3_file_control(database, "main", which, &file);
+        if (error == 0 && file && file->pMethods)
+            file->pMethods->xFileControl(file, SQLITE_FCNTL_LAST_ERRNO, &error);
+    }
+    return error;
+}
+
 void check(sqlite3* database, int result)
 {
     if (result != SQLITE_OK)
-        throw database ? SqliteFailure(sqlite3_extended_errcode(database), sqlite3_errmsg(database),
-                                       sqlite3_system_errno(database))
-                       : SqliteFailure(result, sqlite3_errstr(result));
+        throw database
+            ? SqliteFailure(sqlite3_extended_errcode(database), sqlite3_errmsg(database), systemError(database))
+            : SqliteFailure(result, sqlite3_errstr(result));
 }
 
 /// A file's name with what has a meaning in an address written as numbers.

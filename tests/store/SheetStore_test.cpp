@@ -135,6 +135,21 @@ TEST_F(Store, TakesSheetsOfManyThreadsAtOnce)
     EXPECT_THAT(identities, SizeIs(kReaders * kSheets));
 }
 
+TEST_F(Store, IsThereOnlyWhenOthersMayReadItWhileItIsWritten)
+{
+    // The mode in which SQLite writes stands in the file's head: 1 is an exclusive one.
+    constexpr std::size_t kMode = 18;
+    std::string head;
+    std::thread other([&] {
+        while (head.size() <= kMode)
+            head = test::fileText(file_).substr(0, kMode + 1);
+    });
+    Entry entry = entryWith("a");
+    SheetStore(file_, "a test").add(entry);
+    other.join();
+    EXPECT_EQ(head[kMode], '\2');
+}
+
 TEST_F(Store, HandsOutWhatIsWrittenUnlessItIsDamaged)
 {
     Entry entry = entryWith("x");
