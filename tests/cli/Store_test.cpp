@@ -204,7 +204,7 @@ TEST_F(StoreCommand, FeedsNoSheetWhileTheDiskTakesNone)
     ASSERT_THAT(scanning.readLine(), StartsWith(R"({"event":"sheet")"));
     constexpr rlim_t kRoom = 30'000; // for a few sheets
     limitFiles(scanning.process(), std::filesystem::file_size(store_ + "-wal") + kRoom);
-    ASSERT_TRUE(scanning.waitForError("cannot be used: "));
+    ASSERT_TRUE(scanning.waitForError("is full: "));
     const std::size_t stored = sheets().lines().size();
     EXPECT_LT(stored, kSheets);
     limitFiles(scanning.process(), RLIM_INFINITY);
