@@ -25,6 +25,7 @@ list(FILTER simulator_sources EXCLUDE REGEX "/simulators/sekonic_usb/library/")
 add_library(kel_simulators STATIC ${simulator_sources})
 target_link_libraries(kel_simulators PUBLIC kel_recording)
 kel_precompile(kel_simulators)
+target_compile_options(kel_simulators PRIVATE ${KEL_HOT_OPTIONS})
 
 add_subdirectory(pictures)
 
@@ -43,4 +44,4 @@ add_custom_command(
     VERBATIM)
 add_library(kel_host STATIC ${host_sources} ${advice})
 target_link_libraries(kel_host PUBLIC kel_simulators PRIVATE kel_pictures)
-kel_precompile(kel_host)
+kel_precompile(kel_host REUSE_FROM kel_recording)

@@ -1,12 +1,24 @@
 # SPDX-License-Identifier: MIT
-# The headers of the standard library that most sources take, read once a target. Headers of the project's own stay
-# out: a change of one would compile everything again. With its own copy a target keeps its own flags.
+# The headers of the standard library that most sources take, and those that are named, read once a target. Headers of the
+# project's own stay out: a change of one would compile everything again.
+#     kel_precompile(target [<header>...])
+#     kel_precompile(target REUSE_FROM other)   # takes over those of a target with the same flags
 function(kel_precompile target)
-    target_compile_options(${target} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-fpch-preprocess>)
-    target_precompile_headers(${target} PRIVATE
-        <algorithm> <array> <charconv> <chrono> <cmath> <cstdint> <cstring> <filesystem> <fstream> <functional> <iostream>
-        <map> <memory> <optional> <set> <sstream> <string> <string_view> <utility> <variant> <vector> ${ARGN})
+    kel_precompile_only(${target} <algorithm> <array> <charconv> <chrono> <cmath> <cstdint> <cstring> <filesystem> <fstream>
+                        <functional> <iostream> <map> <memory> <optional> <set> <sstream> <string> <string_view> <utility>
+                        <variant> <vector> ${ARGN})
     kel_join_by_folder(${target})
+endfunction()
+
+# The same without the standard library's, and without joining sources.
+function(kel_precompile_only target)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" REUSE_FROM "")
+    target_compile_options(${target} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-fpch-preprocess>)
+    if(arg_REUSE_FROM)
+        target_precompile_headers(${target} REUSE_FROM ${arg_REUSE_FROM})
+    else()
+        target_precompile_headers(${target} PRIVATE ${arg_UNPARSED_ARGUMENTS})
+    endif()
 endfunction()
 
 # Where sources are joined (CMAKE_UNITY_BUILD), those of one folder are: they share the headers of their subject, and their

@@ -19,8 +19,8 @@ namespace {
 
 using namespace kel;
 
-constexpr kelReaderType kModels[] = {kelReaderTypeAppersonAdvantageLink, kelReaderTypeAppersonGradeMaster,
-                                     kelReaderTypeAppersonBenchMark3000, kelReaderTypeAppersonAdvantage1200};
+constexpr kelReaderType kAppersonModels[] = {kelReaderTypeAppersonAdvantageLink, kelReaderTypeAppersonGradeMaster,
+                                             kelReaderTypeAppersonBenchMark3000, kelReaderTypeAppersonAdvantage1200};
 
 /// A failure that a line, a block or a key may end in.
 void expectKnown(const RuntimeFailure& failure)
@@ -133,7 +133,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         case 4: readGradeMaster(bytes, data[1], data[2]); break;
         case 5: encodeKey(bytes, data[1], AnswerCodeAP::Digits); break;
         case 6: encodeKey(bytes, data[1], AnswerCodeAP::Mask); break;
-        default: fuzzSerialSession(kModels, Input(data + 1, size - 1)); break;
+        default: fuzzSerialSession(kAppersonModels, Input(data + 1, size - 1)); break;
         }
     } catch (const RuntimeFailure& failure) {
         expectKnown(failure);

@@ -10,8 +10,8 @@ using namespace kel;
 
 namespace {
 
-constexpr kelReaderType kModels[] = {kelReaderTypeNCSOpScan2, kelReaderTypeNCSOpScan5, kelReaderTypeNCSOpScan8,
-                                     kelReaderTypeNCSOpScaniNSIGHT2};
+constexpr kelReaderType kNcsModels[] = {kelReaderTypeNCSOpScan2, kelReaderTypeNCSOpScan5, kelReaderTypeNCSOpScan8,
+                                        kelReaderTypeNCSOpScaniNSIGHT2};
 constexpr Int32 kMostRows = 150;
 constexpr Int32 kColumns = 48;
 
@@ -52,7 +52,7 @@ extern "C" int LLVMFuzzerTestOneInput(const Byte* data, std::size_t size)
         return 0;
     const Input input(data + 1, size - 1);
     if ((data[0] & 2) != 0)
-        fuzzSerialSession(kModels, input);
+        fuzzSerialSession(kNcsModels, input);
     else
         fuzzReply((data[0] & 1) != 0, input.rest());
     return 0;

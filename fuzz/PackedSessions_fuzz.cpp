@@ -10,15 +10,15 @@ using namespace kel;
 
 namespace {
 
-constexpr kelReaderType kModels[] = {kelReaderTypeNCSEZData,         kelReaderTypeChatsworthACF100,
-                                     kelReaderTypeChatsworthOMR1100, kelReaderTypeChatsworthOMR2000,
-                                     kelReaderTypeChatsworthACF200,  kelReaderTypeChatsworthALSAccelScanOMR,
-                                     kelReaderTypeChatsworthACP200};
+constexpr kelReaderType kPackedSessionsModels[] = {
+    kelReaderTypeNCSEZData,         kelReaderTypeChatsworthACF100, kelReaderTypeChatsworthOMR1100,
+    kelReaderTypeChatsworthOMR2000, kelReaderTypeChatsworthACF200, kelReaderTypeChatsworthALSAccelScanOMR,
+    kelReaderTypeChatsworthACP200};
 
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const Byte* data, std::size_t size)
 {
-    fuzzSerialSession(kModels, Input(data, size));
+    fuzzSerialSession(kPackedSessionsModels, Input(data, size));
     return 0;
 }

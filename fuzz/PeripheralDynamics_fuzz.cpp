@@ -12,7 +12,7 @@ using namespace kel;
 
 namespace {
 
-constexpr kelReaderType kModels[] = {kelReaderTypePDIVMR138};
+constexpr kelReaderType kPeripheralDynamicsModels[] = {kelReaderTypePDIVMR138};
 constexpr Int16 kMark = 241;
 
 void fuzzRows(Input input)
@@ -41,7 +41,7 @@ extern "C" int LLVMFuzzerTestOneInput(const Byte* data, std::size_t size)
         return 0;
     const Input input(data + 1, size - 1);
     if ((data[0] & 1) != 0)
-        fuzzSerialSession(kModels, input);
+        fuzzSerialSession(kPeripheralDynamicsModels, input);
     else
         fuzzRows(input);
     return 0;

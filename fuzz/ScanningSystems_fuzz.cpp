@@ -19,8 +19,9 @@ using namespace kel;
 
 namespace {
 
-constexpr kelReaderType kModels[] = {kelReaderTypeScanningSystemsSR601, kelReaderTypeScanningSystemsSR700351,
-                                     kelReaderTypeScanningSystemsSR410, kelReaderTypeSekonicSR430};
+constexpr kelReaderType kScanningSystemsModels[] = {kelReaderTypeScanningSystemsSR601,
+                                                    kelReaderTypeScanningSystemsSR700351,
+                                                    kelReaderTypeScanningSystemsSR410, kelReaderTypeSekonicSR430};
 
 /// Runs a body that may end with one of some failures.
 template <class Body>
@@ -105,7 +106,7 @@ extern "C" int LLVMFuzzerTestOneInput(const Byte* data, std::size_t size)
     case 0: fuzzPage(input); break;
     case 1: fuzzWindows(input); break;
     case 2: fuzzTexts(input); break;
-    default: fuzzSerialSession(kModels, input); break;
+    default: fuzzSerialSession(kScanningSystemsModels, input); break;
     }
     return 0;
 }

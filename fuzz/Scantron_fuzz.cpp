@@ -13,8 +13,8 @@ using namespace kel;
 
 namespace {
 
-constexpr kelReaderType kModels[] = {kelReaderTypeScantronScanMark2000, kelReaderTypeScantron8000,
-                                     kelReaderTypeScantronScanMarkES2010, kelReaderTypeScantronScanMarkES2800};
+constexpr kelReaderType kScantronModels[] = {kelReaderTypeScantronScanMark2000, kelReaderTypeScantron8000,
+                                             kelReaderTypeScantronScanMarkES2010, kelReaderTypeScantronScanMarkES2800};
 
 template <class Body>
 void mayFail(Body&& body)
@@ -63,7 +63,7 @@ extern "C" int LLVMFuzzerTestOneInput(const Byte* data, std::size_t size)
         return 0;
     const Input input(data + 1, size - 1);
     if ((data[0] & 1) != 0)
-        fuzzSerialSession(kModels, input);
+        fuzzSerialSession(kScantronModels, input);
     else
         fuzzCells(input);
     return 0;

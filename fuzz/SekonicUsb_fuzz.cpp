@@ -21,8 +21,8 @@ namespace {
 
 using namespace kel;
 
-constexpr kelReaderType kModels[] = {kelReaderTypeSekonicSR2300, kelReaderTypeSekonicSR3500, kelReaderTypeSekonicSR6500,
-                                     kelReaderTypeSekonicSR1800};
+constexpr kelReaderType kSekonicUsbModels[] = {kelReaderTypeSekonicSR2300, kelReaderTypeSekonicSR3500,
+                                               kelReaderTypeSekonicSR6500, kelReaderTypeSekonicSR1800};
 
 /// Numbers and bytes off the front of the input; zeros after its end.
 class Source {
@@ -180,7 +180,7 @@ void holdSession(Input input)
     HostileLibrary library(input);
     if (kind < 0xFE)
         machine.omrApiLoader().set(&library);
-    fuzzSession(machine, kModels, settings);
+    fuzzSession(machine, kSekonicUsbModels, settings);
 }
 
 } // namespace

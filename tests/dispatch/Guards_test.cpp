@@ -45,7 +45,7 @@ const std::vector<GuardCase> kDispatchGuards = {
      }},
 };
 
-const GuardTable guards("DispatchGuards", kDispatchGuards);
+const GuardTable dispatchGuards("DispatchGuards", kDispatchGuards);
 
 } // namespace
 } // namespace kel::test

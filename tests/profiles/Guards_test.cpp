@@ -60,7 +60,7 @@ const std::vector<GuardCase> kProfileGuards = {
      }},
 };
 
-const GuardTable guards("ProfileGuards", kProfileGuards);
+const GuardTable profileGuards("ProfileGuards", kProfileGuards);
 
 } // namespace
 } // namespace kel::test

@@ -32,7 +32,7 @@ const std::vector<GuardCase> kChatsworthGuards = {
      }},
 };
 
-const GuardTable guards("ChatsworthGuards", kChatsworthGuards);
+const GuardTable chatsworthGuards("ChatsworthGuards", kChatsworthGuards);
 
 } // namespace
 } // namespace kel::test

@@ -82,7 +82,7 @@ const std::vector<GuardCase> kEzDataGuards = {
      }},
 };
 
-const GuardTable guards("EzDataGuards", kEzDataGuards);
+const GuardTable ezDataGuards("EzDataGuards", kEzDataGuards);
 
 } // namespace
 } // namespace kel::test

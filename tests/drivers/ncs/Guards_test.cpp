@@ -70,7 +70,7 @@ const std::vector<GuardCase> kOpScanGuards = {
      }},
 };
 
-const GuardTable guards("OpScanGuards", kOpScanGuards);
+const GuardTable opScanGuards("OpScanGuards", kOpScanGuards);
 
 } // namespace
 } // namespace kel::test

@@ -7,7 +7,7 @@ namespace kel::test {
 namespace {
 
 /// A reader without anything to say against a sheet: its status byte by byte.
-void answerStatus(GuardBench& bench)
+void answerByteByByte(GuardBench& bench)
 {
     bench.line->InputLen(1);
     bench.line->onOutput = [&](std::string_view bytes) {
@@ -48,7 +48,7 @@ const std::vector<GuardCase> kPeripheralDynamicsGuards = {
      }},
     {"basPeripheralDynamics.ReadPagePD", FailsBy::Statement, 8020,
      [](GuardBench& bench) {
-         answerStatus(bench);
+         answerByteByByte(bench);
          bench.line->failsAtOutput("8");
          EXPECT_EQ(ReadPagePD(bench.reader), False);
      }},
@@ -66,7 +66,7 @@ const std::vector<GuardCase> kPeripheralDynamicsGuards = {
      }},
 };
 
-const GuardTable guards("PeripheralDynamicsGuards", kPeripheralDynamicsGuards);
+const GuardTable peripheralDynamicsGuards("PeripheralDynamicsGuards", kPeripheralDynamicsGuards);
 
 } // namespace
 } // namespace kel::test

@@ -72,7 +72,7 @@ const std::vector<GuardCase> kScanningSystemsGuards = {
      }},
 };
 
-const GuardTable guards("ScanningSystemsGuards", kScanningSystemsGuards);
+const GuardTable scanningSystemsGuards("ScanningSystemsGuards", kScanningSystemsGuards);
 
 } // namespace
 } // namespace kel::test

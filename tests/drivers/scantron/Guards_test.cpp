@@ -7,7 +7,7 @@ namespace kel::test {
 namespace {
 
 /// A reader that answers its status: a sheet is ready.
-void answerStatus(GuardBench& bench)
+void answerInOneLine(GuardBench& bench)
 {
     bench.line->onOutput = [&](std::string_view bytes) {
         if (bytes == "\x1BQSTS\r")
@@ -40,7 +40,7 @@ const std::vector<GuardCase> kScantronGuards = {
     // The status would be good: it is not looked at.
     {"basScantron.CheckStatusST", FailsBy::Statement, 8020,
      [](GuardBench& bench) {
-         answerStatus(bench);
+         answerInOneLine(bench);
          bench.line->failsAt(1 + 1 + 1 + 2 * 11 + 1);
          EXPECT_EQ(CheckStatusST(bench.reader), ScantronReady::Fault);
          EXPECT_EQ(bench.line->waiting, "\r");
@@ -63,7 +63,7 @@ const std::vector<GuardCase> kScantronGuards = {
     {"basScantron.ReadPageST", FailsBy::Statement, 8020,
      [](GuardBench& bench) {
          bench.reader.settings().Feeder = True;
-         answerStatus(bench);
+         answerInOneLine(bench);
          bench.line->failsAtOutput("\x1BREAD 5 Y\r");
          EXPECT_EQ(ReadPageST(bench.reader), False);
      }},
@@ -75,7 +75,7 @@ const std::vector<GuardCase> kScantronGuards = {
      }},
 };
 
-const GuardTable guards("ScantronGuards", kScantronGuards);
+const GuardTable scantronGuards("ScantronGuards", kScantronGuards);
 
 } // namespace
 } // namespace kel::test

@@ -74,7 +74,7 @@ const std::vector<GuardCase> kSekonicUsbGuards = {
      }},
 };
 
-const GuardTable guards("SekonicUsbGuards", kSekonicUsbGuards);
+const GuardTable sekonicUsbGuards("SekonicUsbGuards", kSekonicUsbGuards);
 
 } // namespace
 } // namespace kel::test
