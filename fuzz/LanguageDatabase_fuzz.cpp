@@ -2,6 +2,7 @@
 // Feeds damaged language files to the language database. Whatever the file holds, every call has an answer, the table
 // that came into being stays, and the mouse pointer is put back.
 
+#include "fuzz/Input.h"
 #include "strings/LanguageDatabase.h"
 #include "tests/failure/RecordingPlatform.h"
 
@@ -15,14 +16,6 @@ namespace {
 using namespace kel;
 
 constexpr std::size_t kMostBoxes = 20;
-
-void demand(bool condition, const char* what)
-{
-    if (condition)
-        return;
-    std::fprintf(stderr, "not so: %s\n", what);
-    std::abort();
-}
 
 /// The one file of this process; each input takes the place of the one before.
 const std::string& writeFile(std::string_view content)
