@@ -33,9 +33,10 @@ cmake --build --preset gnu --parallel "$(nproc)"
 configure asan -DKEL_BUILD_IN_CTEST=ON -DKEL_GNU_BUILD="$PWD/build/gnu" -DKEL_WINDOWS_BUILD="$PWD/build/windows" \
     -DKEL_WINDOWS32_BUILD="$PWD/build/windows32" -DKEL_WINE_ROOT="$(cat build/wine.root)" -DKEL_WINE_WIDTHS="$widths"
 
-# The last build is the first of the tests: those of Windows, which mostly wait, run beside it.
+# The last build is the first of the tests: those of Windows run beside it. More run at once than there are cores, since
+# most of them mostly wait.
 status=0
-ctest --preset asan --parallel 12 "$@" || status=$?
+ctest --preset asan --parallel 16 "$@" || status=$?
 if [ "$widths" = 64 ]; then
     tail -n 3 build/wine.log
     echo "The 32-bit Windows tests were NOT run: there is no Wine for them here. The 32-bit DLL was built and looked into."
