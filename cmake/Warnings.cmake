@@ -5,6 +5,11 @@ target_compile_features(kel_options INTERFACE cxx_std_20)
 set(CMAKE_CXX_EXTENSIONS OFF)
 target_compile_options(kel_options INTERFACE -Wall -Wextra -Wconversion -Wshadow
                        $<$<BOOL:${KEL_WARNINGS_AS_ERRORS}>:-Werror>)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    # It looks for memory that it could use again when it has taken this much, in kB: never. Joined sources take a fifth
+    # more memory so, and a sixth less time.
+    target_compile_options(kel_options INTERFACE $<$<COMPILE_LANGUAGE:CXX>:--param=ggc-min-heapsize=1000000>)
+endif()
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
     # g++ 12 takes "text" + std::string for an overlapping copy, or one beyond bounds, once it is inlined (the thread
     # sanitizer's build inlines too): its bugs 105651 and 105329.
