@@ -169,6 +169,8 @@ def main():
     arguments.add_argument("--seconds", type=int, default=30)
     arguments.add_argument("--disk", type=Path, default=Path.cwd(), help="a folder on the disk for the time of a commit")
     options = arguments.parse_args()
+    if not options.disk.is_dir():
+        arguments.error(f"{options.disk} is no folder; make it, or name another one with --disk")
     kelreader, program = options.kelreader.resolve(), options.program.resolve()
     measures = {"Component": lambda readers: component(program, readers, options.seconds),
                 "Station": lambda readers: station(kelreader, program, readers, options.seconds)}
