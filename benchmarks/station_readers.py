@@ -189,7 +189,7 @@ def main():
             found["page/alone"] = found["page_ms"] / alone["Component"]["page_ms"]
             found["MB/reader"] = (found["MB"] - alone[name]["MB"]) / (readers - 1)
             results.append({"name": f"{name}_{readers}Readers", **found})
-            print(f"{name}, {readers} readers: " + ", ".join(f"{what} {value:.3g}" for what, value in found.items()),
+            print(f"{name}, {readers} readers: " + ", ".join(f"{what} {value:.4g}" for what, value in found.items()),
                   flush=True)
     if options.out:
         options.out.write_text(json.dumps({"benchmarks": results}, indent=1), encoding="utf-8")
