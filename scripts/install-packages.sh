@@ -6,10 +6,11 @@ set -euo pipefail
 
 demo=(g++ cmake ninja-build pkg-config python3 libserialport-dev libsqlite3-dev libcli11-dev nlohmann-json3-dev)
 build=("${demo[@]}" ccache libgensio-dev libnats-dev libcpp-httplib-dev libcrypt-dev qt6-base-dev python3-dev pybind11-dev python3-numpy)
-test=(abigail-tools libgtest-dev libgmock-dev libbenchmark-dev fonts-dejavu-core ser2net nats-server openssl dpkg-dev file doxygen locales clang clang-format clang-tidy
-      chromium chromium-driver librsvg2-bin python3-selenium python3-pytest python3-pandas mypy)
+test=(abigail-tools libgtest-dev libgmock-dev libbenchmark-dev fonts-dejavu-core ser2net nats-server openssl dpkg-dev file
+      doxygen locales clang libclang-rt-dev llvm clang-format clang-tidy chromium chromium-driver librsvg2-bin
+      python3-selenium python3-pytest python3-pandas mypy)
 coverage=(gcovr)
-fuzz=(clang libclang-rt-14-dev)
+fuzz=(clang libclang-rt-dev llvm)
 windows=(g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix mingw-w64-tools wine64 wine googletest xvfb debootstrap nsis
          wixl msitools mono-mcs libmono-microsoft-csharp4.0-cil)
 
