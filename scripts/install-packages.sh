@@ -11,7 +11,7 @@ test=(abigail-tools libgtest-dev libgmock-dev libbenchmark-dev fonts-dejavu-core
       python3-selenium python3-pytest python3-pandas mypy)
 coverage=(gcovr)
 fuzz=(clang libclang-rt-dev llvm)
-windows=(g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix mingw-w64-tools wine64 wine googletest xvfb debootstrap nsis
+windows=(g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix mingw-w64-tools wine64 wine googletest xvfb mmdebstrap nsis
          wixl msitools mono-mcs libmono-microsoft-csharp4.0-cil)
 
 wanted=()

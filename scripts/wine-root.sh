@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
 # Wine for both widths in a root of its own, for a machine whose packages leave no room for those of 32 bits.
-# Usage: scripts/wine-root.sh make ROOT                        a Debian of about 1 GB, made once
+# Usage: scripts/wine-root.sh make ROOT                        Wine and its libraries, 1.3 GB, made once
 #        scripts/wine-root.sh run ROOT PROGRAM [ARGUMENT ...]  a program in it
 #
 # The program sees this folder, /tmp, /proc and /dev as they are here. Nothing stays mounted: the mounts are those of a
@@ -26,21 +26,21 @@ make() {
     [ ! -e "$root/made" ] || return 0
     [ "$(id -u)" -eq 0 ] || { echo "wine-root.sh: only root makes a root" >&2; return 1; }
     rm -rf "$root"
-    mkdir -p "$root"
+    mkdir -p "$(dirname "$root")"
     mirror=$(grep -rhsoE 'https?://[^ ]*debian\.org/debian/?( |$)' /etc/apt/sources.list /etc/apt/sources.list.d | head -n 1 || true)
-    debootstrap --arch=i386 --variant=minbase bookworm "$root" "${mirror:-http://deb.debian.org/debian}"
-    cp /etc/resolv.conf "$root/etc/"
-    printf '#!/bin/sh\nexit 101\n' >"$root/usr/sbin/policy-rc.d" # no service starts
-    chmod +x "$root/usr/sbin/policy-rc.d"
-    (in_root sh -c '
-        export DEBIAN_FRONTEND=noninteractive LC_ALL=C.UTF-8
-        dpkg --add-architecture amd64 || exit
-        # An index that a mirror replaces meanwhile does not fit its checksum.
-        for pause in 10 20 40 end; do
-            ! apt-get -qq update --error-on=any || break
-            [ "$pause" != end ] && sleep "$pause" || exit 1
-        done
-        apt-get -qq install -y --no-install-recommends wine wine32:i386 wine64:amd64 && apt-get clean')
+    mirror=${mirror:-http://deb.debian.org/debian}
+    # Programs find their libraries as they lie; only Wine's set something up. An index that a mirror replaces meanwhile
+    # does not fit its checksum.
+    for pause in 10 20 40 end; do
+        ! mmdebstrap --quiet --variant=extract --architectures=amd64,i386 \
+            --include=coreutils,dash,libc-bin,wine64:amd64,wine32:i386 \
+            --extract-hook='for package in "$1"/var/cache/apt/archives/libwine_*.deb; do
+                dpkg-deb --info "$package" postinst | chroot "$1" sh -s configure || exit
+            done' bookworm "$root" "${mirror% }" || break
+        rm -rf "$root"
+        [ "$pause" != end ] && sleep "$pause" || return 1
+    done
+    cp /etc/passwd "$root/etc/"
     touch "$root/made"
 }
 
