@@ -18,7 +18,8 @@ HUNG = 300
 # The share of pixels in which a screenshot may differ from the one that is kept.
 MOST_DIFFERENT = 0.01
 
-# How much two screenshots differ: the share of pixels in which a colour is further off than smoothed edges are.
+# How much two screenshots differ: the share of pixels in which a colour is further off than smoothed edges are. Browsers
+# round the height of a page to one pixel or the other.
 COMPARE = """
 const [kept, taken, done] = arguments;
 const load = (data) => new Promise((loaded) => {
@@ -33,11 +34,15 @@ const load = (data) => new Promise((loaded) => {
   image.src = "data:image/png;base64," + data;
 });
 Promise.all([load(kept), load(taken)]).then(([a, b]) => {
-  if (a.width !== b.width || a.height !== b.height) return done(`${a.width}x${a.height}, ${b.width}x${b.height}`);
+  if (Math.abs(a.width - b.width) > 1 || Math.abs(a.height - b.height) > 1)
+    return done(`${a.width}x${a.height}, ${b.width}x${b.height}`);
+  const [width, height] = [Math.min(a.width, b.width), Math.min(a.height, b.height)];
   let differing = 0;
-  for (let i = 0; i < a.data.length; i += 4)
-    if ([0, 1, 2].some((channel) => Math.abs(a.data[i + channel] - b.data[i + channel]) > 80)) ++differing;
-  done(differing / (a.data.length / 4));
+  for (let y = 0; y < height; ++y)
+    for (let x = 0; x < width; ++x)
+      if ([0, 1, 2].some((channel) =>
+          Math.abs(a.data[4 * (y * a.width + x) + channel] - b.data[4 * (y * b.width + x) + channel]) > 80)) ++differing;
+  done(differing / (width * height));
 });
 """
 
@@ -86,10 +91,10 @@ class Browser:
         return base64.b64decode(self.driver.execute_cdp_cmd("Page.printToPDF", {})["data"])
 
     def names(self, role):
-        """The names of all elements of a role, as a screen reader has them."""
+        """The names of all elements of a role, as a screen reader has them; some browsers leave a space at their end."""
         self.driver.execute_cdp_cmd("Accessibility.enable", {})
         nodes = self.driver.execute_cdp_cmd("Accessibility.getFullAXTree", {})["nodes"]
-        return [node.get("name", {}).get("value", "") for node in nodes
+        return [node.get("name", {}).get("value", "").strip() for node in nodes
                 if not node.get("ignored") and node.get("role", {}).get("value") == role]
 
     def looks_like(self, kept, taken):
