@@ -39,6 +39,9 @@ if(KEL_SANITIZE)
     endif()
     if(KEL_SANITIZE MATCHES "address")
         target_compile_definitions(kel_options INTERFACE KEL_WATCHES_ADDRESSES)
+        # Half a million places in the command hold addresses then, which are to be set at each of its thousands of starts
+        # unless it lies where it was linked to.
+        string(APPEND CMAKE_EXE_LINKER_FLAGS " -no-pie")
     endif()
     target_link_options(kel_options INTERFACE -fsanitize=${KEL_SANITIZE})
 endif()

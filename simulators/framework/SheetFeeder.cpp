@@ -42,6 +42,7 @@ MarkRows randomMarks(Draw& draw, const SheetShape& shape, Int32 rows, Int32 colu
     MarkRows marks;
     for (Int32 row = 0; row < rows; ++row) {
         std::vector<Int16>& cells = marks.emplace_back();
+        cells.reserve(static_cast<std::size_t>(std::max(columns, 0)));
         for (Int32 column = 0; column < columns; ++column) {
             const bool marked = draw.number(1, 100) <= shape.densityPercent;
             const Int32 value = draw.number(shape.lowestMark, shape.highestMark);

@@ -60,6 +60,9 @@ private:
     CommandOutcome outcome_;
 };
 
+/// A text with N for the numbers of statements, which a change of the source moves: `"line":N`, "line N".
+std::string withoutStatements(std::string text);
+
 /// Runs the command to its end.
 CommandOutcome runCommand(const std::vector<std::string>& arguments);
 

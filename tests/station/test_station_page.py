@@ -35,12 +35,13 @@ HOSTILE = [
 MADE_OF_TEXTS = "return document.querySelectorAll('main script, dialog script, main [onerror], img[src=\"x\"]').length"
 
 
-class Page(unittest.TestCase):
-    @classmethod
-    def setUpClass(cls):
-        cls.browser = Browser()
-        cls.addClassCleanup(cls.browser.close)
+def setUpModule():
+    """One browser for all tests: its start takes longer than most of them."""
+    Page.browser = Browser()
+    unittest.addModuleCleanup(Page.browser.close)
 
+
+class Page(unittest.TestCase):
     def station(self, readers, **more):
         station = Station(PROGRAM, readers, **more)
         self.addCleanup(station.close)
@@ -181,7 +182,6 @@ class WatchedStationTest(Page):
 class StoredSheetsTest(Page):
     @classmethod
     def setUpClass(cls):
-        super().setUpClass()
         cls.fixed = Station(PROGRAM, [simulated("left", count=12), simulated("right", count=1, seed=2, batch="tuesday")])
         cls.addClassCleanup(cls.fixed.close)
         cls.fixed.wait_for_sheets(13)
@@ -322,6 +322,8 @@ class AppearanceTest(Page):
     def test_looks_as_it_did(self):
         station = self.station([simulated("left", count=6),
                                 {"name": "right", "model": 13, "device": "/dev/no-reader"}])
+        size = self.browser.driver.get_window_size()
+        self.addCleanup(self.browser.driver.set_window_size, size["width"], size["height"])
         self.browser.driver.set_window_size(1280, 900)
         self.visit(station)
         self.wait_for_cards(6)
