@@ -21,7 +21,9 @@ void fuzzRows(Input input)
     demand(thresholdHighDigitPD(digits) <= 0xF0 && thresholdLowDigitPD(digits) <= 0x0F, "a digit has four bits");
     MarkArray marks(500, 14);
     Int32 row = input.byte();
-    for (bool left = true; !input.empty(); left = !left) {
+    // Each row further is refused as these are.
+    constexpr Int32 kLastRefused = -100;
+    for (bool left = true; !input.empty() && row >= kLastRefused; left = !left) {
         try {
             setHalfRowPD(marks, row, left ? 1 : 7, input.byte(), kMark);
         } catch (const RuntimeFailure& failure) {
