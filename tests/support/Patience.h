@@ -10,8 +10,8 @@ namespace kel::test {
 /// What has not happened after so long does not happen any more: far more than the busiest machine needs.
 inline constexpr std::chrono::minutes kPatience{10};
 
-/// Waits until something is so; whether it came to that. To look may cost a program's start: a fifth of the time goes into
-/// that at most.
+/// Waits until something is so; whether it came to that. To look may cost a program's start: a fifth of the time goes
+/// into that at most.
 template <class Condition>
 [[nodiscard]] bool waitUntil(Condition&& condition)
 {
