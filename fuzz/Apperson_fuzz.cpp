@@ -89,7 +89,7 @@ void readGradeMaster(std::span<const Byte> bytes, Int32 rows, Int32 columns)
 /// A question a byte: its low bits say how many choices, versions and columns there are, the others what is right.
 Reference<AnswerKey> keyOf(std::span<const Byte> bytes)
 {
-    const auto key = makeReference<AnswerKey>();
+    auto key = makeReference<AnswerKey>();
     const std::vector<std::string> letters = {"A", "B", "C", "D", "E", "F", "G", "H"};
     for (const Byte byte : bytes) {
         const std::vector<std::string> choices(letters.begin(), letters.begin() + (byte & 7) + 1);

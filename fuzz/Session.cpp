@@ -158,7 +158,7 @@ void setForm(clsKELReader& reader, Input& input)
 /// A key of up to 15 questions in up to four versions; with codes from 240 on it fits no reader.
 Reference<AnswerKey> answerKey(Byte code)
 {
-    const auto key = makeReference<AnswerKey>();
+    auto key = makeReference<AnswerKey>();
     key->FormIDs(code & 1 ? "0001,0002" : "0001");
     key->NumberOfPages(code & 1 ? 2 : 1);
     for (int i = 0; i <= code >> 4; ++i) {

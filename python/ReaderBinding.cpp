@@ -51,7 +51,7 @@ py::tuple asked(ReaderSession& reader, Ask ask)
 {
     std::vector<host::Failure> failures;
     const auto answer = reader.call([&](LiveSource& source) {
-        const auto result = ask(source.reader);
+        auto result = ask(source.reader);
         failures = source.reader.failures();
         return result;
     });

@@ -3,7 +3,7 @@
 
 namespace kel::python {
 
-LiveSource::LiveSource(host::Request request, MoreDataAsked moreData)
+LiveSource::LiveSource(const host::Request& request, MoreDataAsked moreData)
     : reader(request), maxSheets_(request.maxSheets), moreData_(std::move(moreData))
 {
 }

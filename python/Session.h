@@ -35,7 +35,7 @@ public:
 /// A reader, on a line or simulated.
 class LiveSource final : public Source {
 public:
-    LiveSource(host::Request request, MoreDataAsked moreData);
+    LiveSource(const host::Request& request, MoreDataAsked moreData);
     void read(Batch& batch) override;
     void stop() override;
     [[nodiscard]] Int32 maxSheets() const override { return maxSheets_; }

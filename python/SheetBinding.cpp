@@ -33,7 +33,7 @@ py::list linesOf(std::span<const std::string> texts)
 
 std::shared_ptr<ReaderSession> demandInReader(const SheetView& view, const char* what)
 {
-    const std::shared_ptr<ReaderSession> session = view.session.lock();
+    std::shared_ptr<ReaderSession> session = view.session.lock();
     if (!session || !view.held->inReader)
         throw host::UsageError("Sheet " + std::to_string(view.held->sheet.number) + " is not in the reader any more; " +
                                what + " works until the loop comes to the next sheet.");

@@ -23,8 +23,8 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 fail() { echo "check-release.sh: $*" >&2; exit 1; }
-parts=("$@")
-[ ${#parts[@]} -gt 0 ] || parts=(pty sweep cycles scarce threads gnu stream windows demo fuzz tidy)
+all=(pty sweep cycles scarce threads gnu stream windows demo fuzz tidy)
+parts=("${@:-${all[@]}}")
 
 # Configures a preset, and builds some of its targets.
 build() {
@@ -124,14 +124,15 @@ check_fuzz() {
 }
 check_tidy() {
     build asan all
+    build gnu all
     cmake --preset windows -DKEL_COMMAND=ON >/dev/null
     build windows all
-    KEL_TIDY=all KEL_BUILDS="$PWD/build/asan:$PWD/build/windows" python3 -B tests/test_style.py
+    KEL_TIDY=all KEL_BUILDS="$PWD/build/asan:$PWD/build/gnu:$PWD/build/windows" python3 -B tests/test_style.py
 }
 
 for part in "${parts[@]}"; do
     declare -F "check_$part" >/dev/null ||
-        fail "there is no part '$part'; there are pty, sweep, cycles, scarce, threads, stream, windows, demo, fuzz and tidy"
+        fail "there is no part '$part'; there are ${all[*]}"
 done
 scripts/install-packages.sh build test
 for part in "${parts[@]}"; do

@@ -5,8 +5,8 @@ Changed is what is not committed, or differs from the upstream branch. A file ta
 changed files are left to scripts/check-release.sh, which sets KEL_TIDY=all to look at all of them.
 
 KEL_BUILDS names the build folders, separated by colons, whose compile_commands.json say how a source is compiled: this
-system's, and that of a Windows edition if there is one. A source that none of them compiles is passed over: what belongs
-to a module that was left out, the 32-bit edition's own sources, and what is compiled on Windows alone.
+system's, and those of the Windows editions if there are any. A source that none of them compiles is passed over: what
+belongs to a module that was left out.
 """
 
 import concurrent.futures
@@ -92,7 +92,8 @@ def joined(path):
     """The sources that a file of the build joins; the file alone if it joins none."""
     if not path.name.startswith("unity_"):
         return [path]
-    return [Path(included) for included in re.findall(r'^#include "(.*)"$', path.read_text(encoding="utf-8"), re.MULTILINE)]
+    included = re.findall(r'^#include "(.*)"$', path.read_text(encoding="utf-8"), re.MULTILINE)
+    return [source for file in included for source in joined(Path(file))]
 
 
 def commands():
@@ -118,6 +119,8 @@ def tidied(files, known):
 
 @unittest.skipUnless((ROOT / ".git").exists(), "this is no checkout of git")
 class StyleTest(unittest.TestCase):
+    maxDiff = None
+
     def test_layout(self):
         checked = subprocess.run(["clang-format", "--dry-run", "--Werror", *sources()], cwd=ROOT, capture_output=True, text=True)
         wrong = sorted({line.split(":")[0] for line in checked.stderr.splitlines() if "error: code should" in line})
