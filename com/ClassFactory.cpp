@@ -90,6 +90,7 @@ HRESULT classFactoryOf(REFCLSID classID, REFIID iid, void** object) noexcept
     if (found == kPublicClasses.end())
         return CLASS_E_CLASSNOTAVAILABLE;
     return atBoundary(iid, [&] {
+        // NOLINTNEXTLINE(bugprone-unhandled-exception-at-new): the boundary handles it
         const auto factory = ComPtr<IClassFactory>::owning(new ClassFactory(*found));
         demand(factory->QueryInterface(iid, object));
     });

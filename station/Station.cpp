@@ -78,6 +78,7 @@ void Station::end(std::vector<std::unique_ptr<StationReader>> readers)
         reader->stop();
     for (const auto& reader : readers)
         reader->join();
+    readers.clear();
 }
 
 void Station::change(StationPlan plan)

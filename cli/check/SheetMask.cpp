@@ -113,9 +113,7 @@ std::string maskedSheet(kelReaderType model, const std::string& sent, std::strin
 /// Whether a sheet's marks, barcode or fields come upon a command, and not only a word that it is on its way.
 bool SheetMask::bringsSheet(const std::string& sent) const
 {
-    for (const char* other : {"?\r", "?P\r", "?F\r", "FB\r", "FE\r", "\x1BPRN$",
-                              "\x1B"
-                              "EJCT"}) {
+    for (const char* other : {"?\r", "?P\r", "?F\r", "FB\r", "FE\r", "\x1BPRN$", "\x1B\x45JCT"}) {
         if (sent.starts_with(other))
             return false;
     }

@@ -52,6 +52,7 @@ public:
 std::vector<ListBox::Row> rowsOf(const PowerCombo& list)
 {
     std::vector<ListBox::Row> rows;
+    rows.reserve(static_cast<std::size_t>(list.RowCount()) + list.Unavailable().size());
     for (Int32 row = 0; row < list.RowCount(); ++row)
         rows.push_back({text(lineOf(list, row)), text(headingOf(list, row))});
     for (const PowerCombo::Line& line : list.Unavailable())

@@ -13,6 +13,7 @@ namespace kel {
 /// The number of a child window, as the system takes it.
 inline HMENU asMenu(int number)
 {
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): the system takes a number in the place of a menu
     return reinterpret_cast<HMENU>(static_cast<INT_PTR>(number));
 }
 
@@ -44,6 +45,7 @@ inline bool takeState(HWND window, bool seen, bool enabled)
 inline std::vector<std::wstring> linesOf(const PowerCombo& list)
 {
     std::vector<std::wstring> lines;
+    lines.reserve(static_cast<std::size_t>(list.RowCount()) + list.Unavailable().size());
     for (Int32 row = 0; row < list.RowCount(); ++row)
         lines.push_back(wideText(lineOf(list, row)));
     for (const PowerCombo::Line& line : list.Unavailable())

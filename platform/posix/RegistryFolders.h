@@ -31,7 +31,7 @@ public:
     }
 
     /// All hives below one folder, for this user alone.
-    explicit RegistryFolders(std::filesystem::path folder) : RegistryFolders(folder, folder) {}
+    explicit RegistryFolders(const std::filesystem::path& folder) : RegistryFolders(folder, folder) {}
 
     /// The folder that the environment names in KELREADER_REGISTRY_DIR for all; or else $XDG_CONFIG_HOME/kelreader
     /// (~/.config/kelreader) for the user and /etc/kelreader for the machine.

@@ -4,7 +4,7 @@
 #include <windows.h>
 
 // Where the module begins that this code is linked into; that is its instance handle.
-extern "C" IMAGE_DOS_HEADER __ImageBase; // NOLINT(bugprone-reserved-identifier)
+extern "C" IMAGE_DOS_HEADER __ImageBase;
 
 namespace kel {
 

@@ -15,7 +15,6 @@ namespace {
 using testing::AllOf;
 using testing::EndsWith;
 using testing::HasSubstr;
-using testing::IsEmpty;
 using testing::SizeIs;
 
 std::string repeated(const std::string& text, std::size_t count)

@@ -12,7 +12,6 @@
 namespace kel::test {
 namespace {
 
-using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::StartsWith;
 

@@ -8,6 +8,7 @@
 #include <sys/stat.h>
 #include <sys/time.h>
 #include <sys/un.h>
+#include <system_error>
 
 namespace kel::test {
 namespace {
@@ -20,7 +21,8 @@ public:
         sockaddr_un address{};
         address.sun_family = AF_UNIX;
         file.copy(address.sun_path, sizeof address.sun_path - 1);
-        ::bind(socket_, reinterpret_cast<const sockaddr*>(&address), sizeof address);
+        if (::bind(socket_, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0)
+            throw std::system_error(errno, std::generic_category(), file);
         const timeval patience{std::chrono::seconds(kPatience).count(), 0};
         ::setsockopt(socket_, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
         ::setenv("NOTIFY_SOCKET", file.c_str(), 1);

@@ -12,7 +12,6 @@
 namespace kel {
 namespace {
 
-using testing::HasSubstr;
 using testing::StartsWith;
 
 host::Form form(const std::string& text)
