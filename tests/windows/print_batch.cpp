@@ -57,6 +57,7 @@ int main(int argc, char** argv)
     kel::clsKELReader reader;
     reader.SetError(std::make_shared<PrintFailures>());
     reader.LoadDefaults(static_cast<kel::kelReaderType>(std::atoi(argv[2])));
+    reader.Timeout(600); // however busy the machine is
     reader.RecognitionMode(kel::kelRecognitionTypePage);
     reader.Side1Rows(onePage(argv[4]));
     reader.Side1Cols(onePage(argv[5]));

@@ -62,7 +62,8 @@ class Sheets(WindowsTest):
         with SimulatedReader(model, port=port, seed=7, count=3, form=form):
             output = subprocess.run(
                 [READER_PROGRAM, "scan", "--model", str(model), "--device", str(port_link(port)), "--form", form,
-                 "--max-sheets", str(SHEETS)], text=True, timeout=PATIENCE, stdout=subprocess.PIPE, check=True).stdout
+                 "--set", "Timeout=600", "--max-sheets", str(SHEETS)],
+                text=True, timeout=PATIENCE, stdout=subprocess.PIPE, check=True).stdout
         events = [json.loads(line) for line in output.splitlines()]
         return sum((printed_form(event) for event in events if event["event"] == "sheet"), [])
 
